@@ -1,0 +1,36 @@
+#include <exception>
+#include <iostream>
+#include <span>
+
+#include "command.h"
+
+namespace vordane::tools {
+namespace {
+
+// Every subcommand, in the order the usage text shows them.
+constexpr std::span<const Command> commands{};
+
+int usage(std::ostream& out) {
+  out << "usage: vordane-tools COMMAND [ARGUMENT ...]\n";
+  for (const Command& command : commands) out << "  " << command.usage << '\n';
+  return 2;
+}
+
+int run(const Arguments& arguments) {
+  if (arguments.empty()) return usage(std::cerr);
+  for (const Command& command : commands)
+    if (command.name == arguments.front()) return command.run({arguments.begin() + 1, arguments.end()});
+  return usage(std::cerr);
+}
+
+}  // namespace
+}  // namespace vordane::tools
+
+int main(int count, char** values) {
+  try {
+    return vordane::tools::run({values + 1, values + count});
+  } catch (const std::exception& failure) {
+    std::cerr << "vordane-tools: " << failure.what() << '\n';
+    return 1;
+  }
+}

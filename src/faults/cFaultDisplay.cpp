@@ -1,0 +1,1 @@
+#include "faults/cFaultDisplay.h"

@@ -1,0 +1,1 @@
+#include "language/comDatabase.h"

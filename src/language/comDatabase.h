@@ -1,0 +1,15 @@
+// The shared database-open routine.
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include "platform/database.h"
+
+namespace vordane::comDatabase {
+
+// True and `database` set on success; false and null on any error.
+bool OpenLanguageDatabase(database::Engine& engine, std::u16string_view path,
+                          std::unique_ptr<database::Database>& database, bool readOnly);
+
+}  // namespace vordane::comDatabase

@@ -1,0 +1,1 @@
+#include "language/comLanguage.h"

@@ -1,0 +1,1 @@
+#include "language/comTools.h"

@@ -1,0 +1,1 @@
+#include "pbx/cListRequest.h"

@@ -1,0 +1,1 @@
+#include "pbx/response_codes.h"

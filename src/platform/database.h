@@ -1,0 +1,91 @@
+// The database as the system uses it: statements as text, recordsets, fields by name. Implemented by the
+// embedded engine (platform/sqlite) and by DAO (platform/windows/dao); both pass tests/database's
+// contract. One thread; every failure is a DatabaseError, after which the database is as before the step.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/automation.h"
+
+namespace vordane::database {
+
+using Value = automation::Value;  // Null, bool (Yes/No), byte, Integer, Long, Single, Double or text
+
+class DatabaseError : public std::exception {
+ public:
+  // `number` is the engine's own (3024 file not found, 3022 ...), `description` what box 102 shows.
+  DatabaseError(int number, std::u16string description);
+  const char* what() const noexcept override { return what_.c_str(); }
+  int number() const { return number_; }
+  const std::u16string& description() const { return description_; }
+
+ private:
+  int number_;
+  std::u16string description_;
+  std::string what_;
+};
+
+// Rows of one statement with a current row. A new recordset stands on its first row, if it has any.
+class Recordset {
+ public:
+  virtual ~Recordset() = default;
+  virtual bool atEnd() = 0;    // EOF
+  virtual bool isEmpty() = 0;  // BOF and EOF
+  // 0 when there is no row, else at least 1: nobody needs more, and counting would read them all.
+  virtual std::int32_t recordCount() = 0;
+  virtual void moveFirst() = 0;
+  virtual void moveNext() = 0;
+  virtual Value get(std::u16string_view column) = 0;  // of the current row, or of the row being added
+  virtual Value get(std::size_t column) = 0;          // by position, for statements without column names
+  virtual void set(std::u16string_view column, const Value& value) = 0;  // between addNew/edit and update
+  virtual void addNew() = 0;  // auto-numbers can be read from here on
+  virtual void edit() = 0;
+  virtual void update() = 0;
+  virtual void close() = 0;  // drops an add or edit that was not updated
+};
+
+// The rows of a statement in its order, for a grid that shows any part of them: only keys are held.
+class RowList {
+ public:
+  virtual ~RowList() = default;
+  virtual std::size_t size() const = 0;
+  // The columns of row `position`, in the order of `columns` as they were given to openRowList; nothing
+  // when the row has gone since.
+  virtual bool fetch(std::size_t position, std::vector<Value>& out) = 0;
+};
+
+class Database {
+ public:
+  virtual ~Database() = default;
+  virtual std::unique_ptr<Recordset> openRecordset(std::u16string_view statement) = 0;
+  virtual std::unique_ptr<RowList> openRowList(std::u16string_view statement,
+                                               std::span<const std::u16string_view> columns) = 0;
+  virtual void execute(std::u16string_view statement) = 0;
+
+  // A run of additions that belong together. The embedded engine makes what came since the last
+  // `checkpoint` safe at the next one, at the latest every 500 ms, and at the end; an engine without it
+  // saves each row. Never open across an outgoing automation call or a box: call checkpoint first.
+  virtual void beginBatch() = 0;
+  virtual void checkpoint() = 0;
+  virtual void endBatch() = 0;
+
+  // Called from inside long steps (now and then, never inside a short one); may only paint.
+  virtual void setProgress(std::function<void()> progress) = 0;
+};
+
+class Engine {
+ public:
+  virtual ~Engine() = default;
+  // Opens an existing file, never creates one. Throws DatabaseError.
+  virtual std::unique_ptr<Database> open(std::u16string_view path, bool readOnly) = 0;
+};
+
+}  // namespace vordane::database

@@ -1,0 +1,61 @@
+// One table for each public class: it drives the in-process call, the COM dispatch and the type library.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "platform/automation.h"
+
+namespace vordane::automation {
+
+enum class Type : std::uint8_t { none, boolean, byte, integer, longInteger, text, object, variant };
+
+struct Parameter {
+  std::u16string_view name;
+  Type type = Type::text;
+  bool optional = false;
+  // A Null is taken as the empty text; elsewhere it does not convert.
+  bool nullIsEmpty = false;
+};
+
+enum class MemberKind : std::uint8_t { method, readOnly, writeOnly, readWrite };
+
+struct Member {
+  std::u16string_view name;
+  std::int32_t dispid;
+  MemberKind kind;
+  Type type;  // the result, or the property's type
+  std::span<const Parameter> parameters = {};  // a property's are its indexes
+};
+
+struct ClassTable {
+  std::u16string_view name;         // "cListRequest"
+  std::u16string_view progId;       // "Vordane10013.cListRequest"
+  std::u16string_view description;  // the help text of the type library
+  std::string_view clsid;           // "{...}", upper case
+  std::string_view iid;
+  std::span<const Member> members;  // in type-library order
+};
+
+// Position in the table, without regard to case; -1 for an unknown name.
+int findMember(const ClassTable& table, std::u16string_view name);
+
+// An object whose members are those of a table. Arguments reach `invokeMember` already converted to the
+// declared types (an omitted optional one as Missing), in declaration order, a put's value last.
+class TableObject : public Object {
+ public:
+  virtual const ClassTable& table() const = 0;
+  Value invoke(std::u16string_view member, CallKind kind, std::span<Argument> arguments) override;
+  // The same for a member already looked up: what a name table in front of this object caches.
+  Value invoke(std::size_t member, CallKind kind, std::span<Argument> arguments);
+
+ protected:
+  virtual Value invokeMember(std::size_t member, CallKind kind, std::span<Argument> arguments) = 0;
+};
+
+// Converts one value to a declared type; throws AutomationError.
+Value coerce(const Value& value, const Parameter& to, int position);
+
+}  // namespace vordane::automation

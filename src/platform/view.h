@@ -1,0 +1,88 @@
+// Between the portable window and whatever draws it. `dlgFaultDisplay` implements ViewEvents and talks to a
+// View; the Win32 view (and the tests' in-memory one) implements View and calls ViewEvents. One thread.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/window.h"
+
+namespace vordane::window {
+
+// One fault as the grid shows it.
+struct GridRow {
+  std::u16string fault, alarm, date, cpu, description;
+  std::int32_t count = 0;
+};
+
+// The rows behind the virtual grid; the view fetches what it shows and keeps nothing.
+class GridSource {
+ public:
+  virtual ~GridSource() = default;
+  virtual std::size_t size() const = 0;
+  virtual std::optional<GridRow> row(std::size_t position) = 0;  // nothing when it has gone since
+  // The data characters [begin, end) of the description's data part that character `position` of the
+  // description came from; nothing when there is no proof of it.
+  struct Range {
+    std::size_t begin, end;
+  };
+  virtual std::vector<Range> provenance(std::size_t row, std::size_t position) = 0;
+};
+
+// What a person does.
+class ViewEvents {
+ public:
+  virtual ~ViewEvents() = default;
+  virtual void buttonPressed(int action) = 0;          // cmdRequest 0, cmdReset 1, cmdPrint 2, cmdClear 3, cmdClose 4
+  virtual void headingClicked(int column) = 0;         // the column's own index, wherever it was moved
+  virtual void exchangeChosen(int listIndex) = 0;      // drpPBXList
+  virtual void closeAsked() = 0;                       // the title bar
+  virtual void keyPressed(int keyCode) = 0;            // F1 is 112
+  virtual void mousePressed(Control& control, int button) = 0;  // 2 is the right one
+  virtual void whatsThisChosen() = 0;                  // itmWhatThis of the pop-up menu
+  // The row that holds `text` next after `after` (exclusive, from -1) without regard to case, wrapping
+  // round once; nothing when none does.
+  virtual std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t after) = 0;
+  virtual void tick() = 0;                             // tmrEvent
+};
+
+class View {
+ public:
+  virtual ~View() = default;
+  virtual void attach(Form& form, ViewEvents& events) = 0;  // creates the window, hidden
+  virtual void detach() = 0;                                // destroys it; no event comes afterwards
+
+  virtual void setVisible(bool visible) = 0;
+  virtual bool visible() = 0;
+  virtual void refresh() = 0;
+  virtual void setInputEnabled(bool enabled) = 0;  // controls and commands; the frame stays usable
+  virtual void setHourglass(bool on) = 0;
+  virtual void startTimer(int milliseconds) = 0;   // one tick, then off
+  virtual void stopTimer() = 0;
+
+  virtual void setRows(GridSource* rows) = 0;      // nullptr: empty grid
+  virtual void setSortMark(int column, bool descending) = 0;  // -1: none
+  virtual void setLamp(bool major, bool lit) = 0;  // drawn in words besides the label's colour
+  // The status line's parts: the account of the last list, the number of faults, the processor texts.
+  virtual void setStatus(int part, std::u16string_view text) = 0;
+  // What stands in the empty grid's place: what is being waited for, what failed, what to press.
+  virtual void setNotice(std::u16string_view text) = 0;
+  virtual void paintNow() = 0;                     // inside a long step: painting only, no input
+
+  virtual void popUpMenu(std::u16string_view menu) = 0;  // at the mouse; returns when it has closed
+  virtual void showWhatsThis(Control& control, std::u16string_view help) = 0;
+
+  // In 1/1440 inch: the screen's and the window's own size, and where it stands.
+  struct Size {
+    std::int32_t width, height;
+  };
+  virtual Size screenSize() = 0;
+  virtual Size windowSize() = 0;
+  virtual void moveTo(std::int32_t left, std::int32_t top) = 0;  // pulled back where its title bar can't be reached
+  virtual std::pair<std::int32_t, std::int32_t> position() = 0;
+};
+
+}  // namespace vordane::window

@@ -1,0 +1,1 @@
+#include "settings/comRegQuil32.h"

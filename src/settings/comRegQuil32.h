@@ -1,0 +1,30 @@
+// Install directories of the suite and its registration database.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/database.h"
+#include "platform/services.h"
+
+namespace vordane::comRegQuil32 {
+
+// Where the program runs and where the suite keeps its settings; both outlive the calls.
+struct Installation {
+  platform::SettingsStore& settings;
+  std::u16string runningDirectory;  // of the executable, no trailing separator
+};
+
+// The five-character version text taken from the running directory, or "NONE".
+std::u16string GetSuiteVersion(const Installation& installation, std::u16string_view product);
+
+// An upper-case directory ending in "\". Never fails: missing settings fall back to the running directory.
+std::u16string GetInstallPath(const Installation& installation, std::u16string_view product,
+                              std::u16string_view item);
+
+// Writes `version` into the row of Register.mdb whose AppName is `application`. True when done, also when
+// there is no such row; false when the database or the table is missing.
+bool RegisterVersion(const Installation& installation, database::Engine& engine, std::u16string_view product,
+                     std::u16string_view application, std::u16string_view version);
+
+}  // namespace vordane::comRegQuil32

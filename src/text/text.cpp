@@ -1,0 +1,58 @@
+#include "text/text.h"
+
+#include <algorithm>
+
+namespace vordane::text {
+
+std::u16string_view trim(std::u16string_view text) {
+  const auto first = text.find_first_not_of(u' ');
+  if (first == std::u16string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(u' ') - first + 1);
+}
+
+std::u16string_view middle(std::u16string_view text, std::size_t start, std::size_t length) {
+  if (start < 1 || start > text.size()) return {};
+  return text.substr(start - 1, length);
+}
+
+std::u16string_view left(std::u16string_view text, std::size_t length) { return text.substr(0, length); }
+
+std::u16string_view right(std::u16string_view text, std::size_t length) {
+  return text.size() <= length ? text : text.substr(text.size() - length);
+}
+
+std::vector<std::u16string> split(std::u16string_view text, char16_t separator) {
+  std::vector<std::u16string> pieces;
+  if (text.empty()) return pieces;
+  for (;;) {
+    const auto end = text.find(separator);
+    pieces.emplace_back(text.substr(0, end));
+    if (end == std::u16string_view::npos) return pieces;
+    text.remove_prefix(end + 1);
+  }
+}
+
+bool startsWith(std::u16string_view text, std::u16string_view prefix) { return text.starts_with(prefix); }
+
+bool contains(std::u16string_view text, std::u16string_view part) {
+  return text.find(part) != std::u16string_view::npos;
+}
+
+std::u16string toLower(std::u16string_view text) {
+  std::u16string result(text);
+  std::transform(result.begin(), result.end(), result.begin(), lower);
+  return result;
+}
+
+std::u16string toUpper(std::u16string_view text) {
+  std::u16string result(text);
+  std::transform(result.begin(), result.end(), result.begin(), upper);
+  return result;
+}
+
+bool equalIgnoringCase(std::u16string_view a, std::u16string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char16_t x, char16_t y) { return x == y || lower(x) == lower(y); });
+}
+
+}  // namespace vordane::text
