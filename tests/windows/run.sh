@@ -16,17 +16,7 @@ limit="${VORDANE_TEST_TIMEOUT:-240}"
 . "$repository/tools/setup/common.sh"
 
 if [ "$arch" = x86 ] && [ -z "${VORDANE_INSIDE_ROOT:-}" ]; then
-  root=$("$repository/tools/setup/wine32-root.sh")
-  # The mounts live in a namespace of their own and go with it.
-  exec unshare --mount bash -c '
-    set -e
-    root="$1"; repository="$2"; folder="$3"; shift 3
-    mount -t proc proc "$root/proc"
-    mkdir -p "$root$repository"
-    mount --bind "$repository" "$root$repository"
-    mount --bind /tmp "$root/tmp"
-    exec chroot "$root" env HOME=/root VORDANE_INSIDE_ROOT=1 bash -c "cd \"\$1\" && shift && exec \"\$@\"" - "$folder" "$@"
-  ' - "$root" "$repository" "$PWD" "$here/run.sh" x86 "$@"
+  exec "$repository/tools/setup/in-root.sh" "$here/run.sh" x86 "$@"
 fi
 
 base="$cache/prefix-$arch"
