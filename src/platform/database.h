@@ -14,10 +14,13 @@
 #include <vector>
 
 #include "platform/automation.h"
+#include "platform/services.h"
 
 namespace vordane::database {
 
-using Value = automation::Value;  // Null, bool (Yes/No), byte, Integer, Long, Single, Double or text
+// Null, bool (Yes/No), byte, Integer, Long, Single, Double or text. A date column reads as the text of its
+// moment in the workstation's regional form.
+using Value = automation::Value;
 
 class DatabaseError : public std::exception {
  public:
@@ -46,6 +49,9 @@ class Recordset {
   virtual Value get(std::u16string_view column) = 0;  // of the current row, or of the row being added
   virtual Value get(std::size_t column) = 0;          // by position, for statements without column names
   virtual void set(std::u16string_view column, const Value& value) = 0;  // between addNew/edit and update
+  // The same for a moment in local time: a date column keeps the moment itself, so that it sorts by time;
+  // a text column gets its regional form. (`set` on a date column takes "YYYY-MM-DD HH:MM:SS" only.)
+  virtual void setTime(std::u16string_view column, const platform::LocalTime& time) = 0;
   virtual void addNew() = 0;  // auto-numbers can be read from here on
   virtual void edit() = 0;
   virtual void update() = 0;
@@ -84,7 +90,9 @@ class Database {
 class Engine {
  public:
   virtual ~Engine() = default;
-  // Opens an existing file, never creates one. Throws DatabaseError.
+  // Opens an existing file, never creates one. Throws DatabaseError: 3024 when there is no such file, 3051
+  // when it is asked for writing and can't be written (whoever only reads then asks again read-only), 3045
+  // when others keep it locked for about 5 s, 3343 when it is no database, 3049 when it is damaged.
   virtual std::unique_ptr<Database> open(std::u16string_view path, bool readOnly) = 0;
 };
 
