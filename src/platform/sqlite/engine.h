@@ -8,13 +8,10 @@
 #include <string_view>
 
 #include "platform/database.h"
-#include "platform/services.h"
 
 namespace vordane::sqlite {
 
 struct Options {
-  // The regional form of a moment (Clock::regional); without it YYYY-MM-DD HH:MM:SS.
-  std::function<std::u16string(const platform::LocalTime&)> regional;
   // Whether a path lies on a network share, where write-ahead logging doesn't work. Without it, paths that
   // begin with two backslashes do.
   std::function<bool(std::u16string_view path)> onNetwork;
