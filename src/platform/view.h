@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "platform/window.h"
 
@@ -30,6 +32,8 @@ class GridSource {
     std::size_t begin, end;
   };
   virtual std::vector<Range> provenance(std::size_t row, std::size_t position) = 0;
+  // Where the data part stands in the row's description; nothing when it has none.
+  virtual std::optional<Range> dataPart(std::size_t row) = 0;
 };
 
 // What a person does.
