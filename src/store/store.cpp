@@ -1,1 +1,1 @@
-#include "store/store_form.h"
+#include "store/fault_store.h"
