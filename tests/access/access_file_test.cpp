@@ -2,27 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <string>
 
-#include "text/utf8.h"
+#include "access/recording_visitor.h"
 
 namespace vordane::access {
 namespace {
 
-struct Read : Visitor {
-  struct Content {
-    Table table;
-    std::vector<std::vector<Value>> rows;
-    bool ended = false;
-  };
-  std::map<std::u16string, Content> tables;
-  Content* current = nullptr;
-
-  void beginTable(const Table& table) override { current = &(tables[table.name] = {table, {}, false}); }
-  void row(const std::vector<Value>& values) override { current->rows.push_back(values); }
-  void endTable() override { current->ended = true; }
-};
+using Read = RecordingVisitor;
 
 Read read(const std::string& file) {
   Read result;
