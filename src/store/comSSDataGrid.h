@@ -1,6 +1,7 @@
 // The rows of grdDisplayFault: read as they are shown, with the proof of where a description came from.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <functional>
 #include <optional>
@@ -26,7 +27,12 @@ class FaultRows : public window::GridSource {
   // The rows shown from now on, owned by the caller; null for an empty grid.
   void show(database::RowList* rows);
 
-  std::size_t size() const override { return rows_ == nullptr ? 0 : rows_->size(); }
+  // From hold to release only rows read before are given and the database is left alone; `show` may follow
+  // only after release.
+  void hold();
+  void release() { held_ = false; }
+
+  std::size_t size() const override;
   // Called while painting: a row that can't be read counts as gone.
   std::optional<window::GridRow> row(std::size_t position) override;
   std::vector<Range> provenance(std::size_t row, std::size_t position) override;
@@ -39,11 +45,19 @@ class FaultRows : public window::GridSource {
                                     const std::function<void(std::size_t done)>& progress);
 
  private:
+  struct Kept {
+    std::size_t position = 0;
+    std::optional<window::GridRow> row;
+  };
+  std::optional<window::GridRow> read(std::size_t position);
   const std::vector<cFaultDisplay::Piece>& explanation(const window::GridRow& row);
 
   store::StoreForm& form_;
   database::RowList* rows_ = nullptr;
   std::vector<database::Value> buffer_;
+  bool held_ = false;
+  std::size_t heldSize_ = 0;
+  std::array<Kept, 256> kept_;  // the last rows read, by position; more than a screen shows
   // The last description explained: the pointer moves over one row for a while.
   std::u16string explainedKind_, explainedText_;
   std::vector<cFaultDisplay::Piece> explained_;

@@ -31,6 +31,8 @@ class DataControl {
   std::u16string recordSource_;
 };
 
+inline constexpr int noCurrentRow = 3021;
+
 // datPBXList: the row of the selected exchange.
 class ExchangeControl : public DataControl {
  public:

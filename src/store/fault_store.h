@@ -33,7 +33,7 @@ class FaultStore {
   void SetSortFlags();  // 0, 1, 3 and 4 ascending first, 2 descending; 5 is not touched
   // Refills drpPBXList, newest list first, and selects the form's exchange or the first.
   void FillExchangeList();
-  void close();  // before the database is closed: lets go of rows and statements; never throws
+  void close();  // before the database is closed: lets go of the rows; the view is not told; never throws
 
   // --- the display
   // `PBXName` was set: the form's exchange becomes the one of that name, or none; then RefreshDisplay.
@@ -65,36 +65,44 @@ class FaultStore {
     std::u16string name;
     std::int16_t id;
   };
+  enum class Report { box, quiet };
 
   // Null after telling the host that FAULT.MDB is not open.
   database::Database* openDatabase();
-  // Runs `steps`; an error empties the display and, unless `quiet`, shows box 102. False when the form has
+  // Runs steps of the display; an error empties it and, unless quiet, shows box 102. False when the form has
   // gone meanwhile.
-  bool trapDisplay(const std::function<void()>& steps, bool quiet);
-  void emptyDisplay(std::size_t notice);
-  bool refreshTrapped(bool quiet);
+  bool trapDisplay(Report report, const std::function<void()>& steps);
+  void refresh(database::Database& database, Report report);
+  void showNoDatabase();
+  void emptyDisplay();
+  void showFailure(std::u16string_view engineText);
+  // Box 102 and nothing else. False when the form has gone meanwhile.
+  bool showError(std::u16string_view engineText);
 
   // The steps of the display; they throw.
   std::optional<Chosen> chosen() const;
+  std::int16_t idOfName(database::Database& database, std::u16string_view name);
   void fillList(database::Database& database);
   void SelectExchange(database::Database& database);
   void SortFaultGrid(database::Database& database, int column);
   void refreshExchange(database::Database& database);
-  void widenStoredYears(database::Database& database);
+  void refreshFaults(database::Database& database);
   void paintLamps(database::Database& database);
-  void showLamp(bool major, bool lit);
+  void showLamps(bool major, bool minor);
   void showRows();
+  void showCount();
+  void showNotice();
 
-  // The steps of an ingestion; they throw.
-  void takeList(database::Database& database);
-  void stampExchange(database::Database& database, std::u16string_view name);
-  void storeFaults(database::Database& database);
   void storeLamps(bool major, bool minor);
+  void tellAccount(const ListAccount& account);
+  void endFailedList(std::u16string_view engineText);
+  bool showTakenList(bool somethingAdded, bool accessError);  // false when the form has gone meanwhile
 
   StoreForm& form_;
   ExchangeControl datPBXList_;
   FaultControl datFaultDisplay_;
   comSSDataGrid::FaultRows grid_;
+  std::u16string registeredName_;
   std::int16_t exchangeId_ = 0;
   bool filling_ = false;
   std::array<bool, headingColumns> ascending_{};

@@ -10,7 +10,8 @@ namespace vordane::store {
 
 enum class ListEnd {
   complete,       // the end mark, or the end of a whole last group
-  cutShort,       // the answer ends inside a group, or held more entries than can be taken over
+  cutShort,       // the answer ends inside a group
+  tooLong,        // the answer held more entries than can be taken over
   accessError,    // an entry of the exchange-access component stood in place of data
   databaseError,  // the store refused a step
   noDatabase,     // FAULT.MDB is not open

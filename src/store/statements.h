@@ -16,9 +16,9 @@ inline constexpr std::u16string_view exchangesNewestFirst =
     u"SELECT * FROM PBXList Order by [TimeStamp] Desc";
 inline constexpr std::u16string_view faultsNewestFirst = u"SELECT * FROM FaultDisplay Order by [Date] Desc";
 
-// The shown columns of a fault row.
+// The columns by which a fault counts as the same.
 struct FaultColumns {
-  std::u16string fault, alarm, cpu, date, description;
+  std::u16string_view fault, alarm, cpu, date, description;
 };
 
 std::u16string findExchange(std::u16string_view name);

@@ -1,1 +1,0 @@
-#include "store/fault_store.h"
