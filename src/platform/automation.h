@@ -91,6 +91,10 @@ class Object {
   // Performs the call. For a put the new value is the last argument, behind any index. Throws
   // AutomationError. `arguments` is written back for by-reference ones.
   virtual Value invoke(std::u16string_view member, CallKind kind, std::span<Argument> arguments) = 0;
+
+  // Whether a caller that asks for the name's number gets one. An object that can't tell says yes, and the
+  // call itself then fails with unknownName.
+  virtual bool hasMember(std::u16string_view) const { return true; }
 };
 
 // Calls in the caller's own words.

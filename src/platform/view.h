@@ -30,23 +30,51 @@ class GridSource {
     std::size_t begin, end;
   };
   virtual std::vector<Range> provenance(std::size_t row, std::size_t position) = 0;
+  // Where the data part stands in the row's description; nothing when the source does not know, and the
+  // view then takes the longest run of hexadecimal digits and blanks of the last line.
+  virtual std::optional<Range> dataPart(std::size_t) { return std::nullopt; }
 };
+
+// The words that belong to the drawing and to no control. They come from the language database like all
+// others; whoever makes the view hands them in.
+enum class ViewText {
+  majorLit,  // the lamps' state in words, name included
+  majorClear,
+  minorLit,
+  minorClear,
+  lookUpLabel,     // before the box for the text to look up; with its access key
+  lookUpNext,      // the button that goes to the next fault holding the text; with its access key
+  lookUpClose,     // tool tip of the button that closes the look-up bar
+  lookUpNotFound,  // no shown fault holds the text
+  copyFault,       // context menu of the grid; with its access key
+  selectedFault,   // the name of the pane below the grid, for screen readers
+  noSelection,     // what the pane below says while no fault is selected
+};
+
+class ViewTexts {
+ public:
+  virtual ~ViewTexts() = default;
+  virtual std::u16string text(ViewText which) = 0;
+};
+
+// What a notice is about, and so how it looks.
+enum class NoticeKind { hint, waiting, failure };
 
 // What a person does.
 class ViewEvents {
  public:
   virtual ~ViewEvents() = default;
-  virtual void buttonPressed(int action) = 0;          // cmdRequest 0, cmdReset 1, cmdPrint 2, cmdClear 3, cmdClose 4
-  virtual void headingClicked(int column) = 0;         // the column's own index, wherever it was moved
-  virtual void exchangeChosen(int listIndex) = 0;      // drpPBXList
-  virtual void closeAsked() = 0;                       // the title bar
-  virtual void keyPressed(int keyCode) = 0;            // F1 is 112
+  virtual void buttonPressed(int action) = 0;  // cmdRequest 0, cmdReset 1, cmdPrint 2, cmdClear 3, cmdClose 4
+  virtual void headingClicked(int column) = 0;     // the column's own index, wherever it was moved
+  virtual void exchangeChosen(int listIndex) = 0;  // drpPBXList
+  virtual void closeAsked() = 0;                   // the title bar
+  virtual void keyPressed(int keyCode) = 0;        // F1 is 112
   virtual void mousePressed(Control& control, int button) = 0;  // 2 is the right one
-  virtual void whatsThisChosen() = 0;                  // itmWhatThis of the pop-up menu
+  virtual void whatsThisChosen() = 0;                           // itmWhatThis of the pop-up menu
   // The row that holds `text` next after `after` (exclusive, from -1) without regard to case, wrapping
   // round once; nothing when none does.
   virtual std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t after) = 0;
-  virtual void tick() = 0;                             // tmrEvent
+  virtual void tick() = 0;  // tmrEvent
 };
 
 class View {
@@ -60,17 +88,18 @@ class View {
   virtual void refresh() = 0;
   virtual void setInputEnabled(bool enabled) = 0;  // controls and commands; the frame stays usable
   virtual void setHourglass(bool on) = 0;
-  virtual void startTimer(int milliseconds) = 0;   // one tick, then off
+  virtual void startTimer(int milliseconds) = 0;  // one tick, then off
   virtual void stopTimer() = 0;
 
-  virtual void setRows(GridSource* rows) = 0;      // nullptr: empty grid
+  virtual void setRows(GridSource* rows) = 0;                 // nullptr: empty grid
   virtual void setSortMark(int column, bool descending) = 0;  // -1: none
-  virtual void setLamp(bool major, bool lit) = 0;  // drawn in words besides the label's colour
+  virtual void setLamp(bool major, bool lit) = 0;             // drawn in words besides the label's colour
   // The status line's parts: the account of the last list, the number of faults, the processor texts.
   virtual void setStatus(int part, std::u16string_view text) = 0;
   // What stands in the empty grid's place: what is being waited for, what failed, what to press.
   virtual void setNotice(std::u16string_view text) = 0;
-  virtual void paintNow() = 0;                     // inside a long step: painting only, no input
+  virtual void setNoticeKind(NoticeKind) {}  // how the notice looks from now on; hint to begin with
+  virtual void paintNow() = 0;               // inside a long step: painting only, no input
 
   virtual void popUpMenu(std::u16string_view menu) = 0;  // at the mouse; returns when it has closed
   virtual void showWhatsThis(Control& control, std::u16string_view help) = 0;
@@ -81,7 +110,8 @@ class View {
   };
   virtual Size screenSize() = 0;
   virtual Size windowSize() = 0;
-  virtual void moveTo(std::int32_t left, std::int32_t top) = 0;  // pulled back where its title bar can't be reached
+  virtual void moveTo(std::int32_t left,
+                      std::int32_t top) = 0;  // pulled back where its title bar can't be reached
   virtual std::pair<std::int32_t, std::int32_t> position() = 0;
 };
 
