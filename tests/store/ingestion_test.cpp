@@ -182,7 +182,7 @@ TEST_F(IngestionTest, UsesWhatTheRequestWasSentWith) {
   form.shared.WideFaultFields = true;
   form.receive(u"08 MJ MP", u"2026/11/20 20:58", u"FF");
   ingest();
-  EXPECT_THAT(stored(u"Description")[0], testing::HasSubstr(u"63"));
+  EXPECT_NE(stored(u"Description")[0].find(u"63"), std::u16string::npos);
 }
 
 TEST_F(IngestionTest, WithoutADatabaseReportsOnceAndStillAcknowledges) {
