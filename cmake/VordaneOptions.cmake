@@ -20,6 +20,10 @@ endif()
 function(vordane_warnings target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
     -Woverloaded-virtual -Wimplicit-fallthrough -Werror)
+  # GCC 12 takes a literal joined to a text for overlapping copies (its bug 105651).
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    target_compile_options(${target} PRIVATE -Wno-restrict)
+  endif()
 endfunction()
 
 function(vordane_library name)
