@@ -11,7 +11,7 @@ using Arguments = std::vector<std::string>;  // UTF-8, behind the subcommand's n
 
 struct Command {
   std::string_view name;
-  std::string_view usage;  // one line
+  std::string_view usage;                  // one line
   int (*run)(const Arguments& arguments);  // the exit code: 0 done, 1 failed, 2 misused
 };
 

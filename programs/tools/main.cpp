@@ -1,14 +1,19 @@
 #include <exception>
 #include <iostream>
-#include <span>
 
 #include "command.h"
+#include "commands.h"
+#include "console.h"
 
 namespace vordane::tools {
 namespace {
 
 // Every subcommand, in the order the usage text shows them.
-constexpr std::span<const Command> commands{};
+constexpr Command commands[] = {
+    {"decode",
+     "decode (--language FILE | --messages FILE [--lists FILE]) [--narrow] [--explain] < records.tsv",
+     decode},
+};
 
 int usage(std::ostream& out) {
   out << "usage: vordane-tools COMMAND [ARGUMENT ...]\n";
@@ -28,7 +33,7 @@ int run(const Arguments& arguments) {
 
 int main(int count, char** values) {
   try {
-    return vordane::tools::run({values + 1, values + count});
+    return vordane::tools::run(vordane::tools::programArguments(count, values));
   } catch (const std::exception& failure) {
     std::cerr << "vordane-tools: " << failure.what() << '\n';
     return 1;

@@ -1,1 +1,154 @@
 #include "faults/cFaultDisplay.h"
+
+#include "faults/composer.h"
+#include "faults/data_text.h"
+#include "faults/family_decoders.h"
+#include "faults/kind_table.h"
+#include "faults/own_decoders.h"
+#include "faults/sinks.h"
+#include "text/numbers.h"
+#include "text/text.h"
+
+namespace vordane {
+namespace {
+
+using namespace faults;
+
+template <class C>
+void composeDetail(C& c) {
+  switch (c.kind().family) {
+    case Family::titleOnly:
+      return;
+    case Family::oneCode:
+      return OneCode(c);
+    case Family::labelledOneCode:
+      return LabelledOneCode(c);
+    case Family::oneValue:
+      return BracketedNumber(c, c.number(0), 1);
+    case Family::maskedValue:
+      return MaskedValue(c);
+    case Family::onePaddedValue:
+      return BracketedNumber(c, c.number(0), 2);
+    case Family::date:
+      return Date(c);
+    case Family::rawValue:
+      return RawValue(c);
+    case Family::decimalPair:
+      return DecimalPair(c);
+    case Family::paddedNumber:
+      return PaddedNumber(c);
+    case Family::codeAndItsNumber:
+      return CodeAndItsNumber(c);
+    case Family::numberThenCode:
+      return NumberThenCode(c);
+    case Family::typeAndNumber:
+      return TypeAndNumber(c);
+    case Family::groupAndItem:
+      return GroupAndItem(c);
+    case Family::codedDigits:
+      return CodedDigits(c);
+    case Family::flaggedDigits:
+      return FlaggedDigits(c);
+    case Family::kind04:
+      return DecodeKind04(c);
+    case Family::kind05:
+      return DecodeKind05(c);
+    case Family::kind13:
+      return DecodeKind13(c);
+    case Family::kind14:
+      return DecodeKind14(c);
+    case Family::kind15:
+      return DecodeKind15(c);
+    case Family::kind17:
+      return DecodeKind17(c);
+    case Family::kind3B:
+      return DecodeKind3B(c);
+    case Family::kind48:
+      return DecodeKind48(c);
+    case Family::kind49:
+      return DecodeKind49(c);
+  }
+}
+
+const FaultKind& kindOf(std::u16string_view record) {
+  return kindIndex[text::hexField(text::left(record, 2))];
+}
+
+// Title line, detail lines, and the raw data under its heading.
+template <class Sink>
+void compose(const FaultTexts& texts, bool wideFields, const FaultKind& kind, const DataText& data,
+             Sink sink) {
+  Composer<Sink> composer(texts, wideFields, kind, data, sink);
+  composer.message(kind.title);
+  composer.endLine();
+  composeDetail(composer);
+  composer.endLine();
+  composer.trailer();
+}
+
+// What most descriptions need besides their data.
+constexpr std::size_t usualTextLength = 384;
+
+std::u16string joined(const cFaultDisplay::Pieces& pieces) {
+  std::u16string text;
+  for (const cFaultDisplay::Piece& piece : pieces) text += piece.text;
+  return text;
+}
+
+}  // namespace
+
+cFaultDisplay::cFaultDisplay(const FaultTexts& texts, const bool& wideFaultFields)
+    : texts_(texts), wideFaultFields_(wideFaultFields) {}
+
+std::u16string cFaultDisplay::GetFaultMessage(std::u16string_view record, std::u16string_view firstData,
+                                              std::u16string_view secondData) const {
+  std::u16string result;
+  result.reserve(usualTextLength + firstData.size() + secondData.size());
+  GetFaultMessage(record, firstData, secondData, result);
+  return result;
+}
+
+void cFaultDisplay::GetFaultMessage(std::u16string_view record, std::u16string_view firstData,
+                                    std::u16string_view secondData, std::u16string& result) const {
+  result.clear();
+  compose(texts_, wideFaultFields_, kindOf(record), DataText(firstData, secondData), PlainSink(result));
+}
+
+cFaultDisplay::Pieces cFaultDisplay::explain(std::u16string_view record, std::u16string_view first,
+                                             std::u16string_view second, bool wide) const {
+  Pieces pieces;
+  const DataText data(first, second);
+  compose(texts_, wide, kindOf(record), data, ExplainingSink(pieces, data));
+  return pieces;
+}
+
+cFaultDisplay::Pieces cFaultDisplay::Explain(std::u16string_view record, std::u16string_view firstData,
+                                             std::u16string_view secondData) const {
+  return explain(record, firstData, secondData, wideFaultFields_);
+}
+
+// The data stands between the last opening bracket under the heading and the closing bracket at the end.
+cFaultDisplay::Pieces cFaultDisplay::ExplainStored(std::u16string_view kind, std::u16string_view description,
+                                                   std::u16string& dataText) const {
+  dataText.clear();
+  const std::u16string *heading = texts_.message(rawDataHeading), *open = texts_.message(openBracket),
+                       *close = texts_.message(closeBracket);
+  if (heading == nullptr || open == nullptr || close == nullptr || !description.ends_with(*close)) return {};
+  const std::u16string before = std::u16string(text::crlf) + *heading + u" " + *open;
+  const auto place = description.rfind(before);
+  if (place == std::u16string_view::npos) return {};
+  const std::u16string_view data = description.substr(place + before.size());
+  if (data.size() < close->size()) return {};
+  const std::u16string_view bytes = data.substr(0, data.size() - close->size());
+  const auto blank = bytes.find(u' ');  // the two data texts were joined by one, so there is one
+  if (blank == std::u16string_view::npos) return {};
+  for (const bool wide : {wideFaultFields_, !wideFaultFields_}) {
+    Pieces pieces = explain(kind, bytes.substr(0, blank), bytes.substr(blank + 1), wide);
+    if (joined(pieces) != description) continue;
+    dataText = bytes;
+    return pieces;
+  }
+  return {};
+}
+
+}  // namespace vordane

@@ -2,42 +2,58 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "faults/fault_texts.h"
+
 namespace vordane {
 
-// The texts the decoders read; owned by the caller, must outlive the decoder.
-class FaultTexts {
- public:
-  virtual ~FaultTexts() = default;
-  virtual std::span<const std::u16string> messages() const = 0;
-  // The items of list "cboFKxx" (`kind` is xx read as hexadecimal), nothing when the window lacks it.
-  virtual const std::vector<std::u16string>* list(int kind) const = 0;
-};
-
+// Keeps nothing between calls. Any thread may use it while texts and flag stay unchanged.
 class cFaultDisplay {
  public:
-  // `wideFaultFields` is read at each call.
+  // Both are read at each call and must outlive the decoder.
   cFaultDisplay(const FaultTexts& texts, const bool& wideFaultFields);
 
-  // Never throws; the empty text when a text this record shows is missing.
+  // The description, lines ended by CRLF. `record` begins with the kind as two hexadecimal digits; both
+  // data texts are hexadecimal bytes separated by single blanks. Never fails on any input; the empty text
+  // when a text that this record shows is missing.
   std::u16string GetFaultMessage(std::u16string_view record, std::u16string_view firstData,
                                  std::u16string_view secondData) const;
 
-  // The same decoding with the proof: each piece of the result and the characters of the data text
-  // ([begin, end), from 0) that it came from.
+  // The same into `result`, whose memory is used again: a loop over records allocates nothing.
+  void GetFaultMessage(std::u16string_view record, std::u16string_view firstData,
+                       std::u16string_view secondData, std::u16string& result) const;
+
+  // Characters of the data text (first data, a blank, second data), [begin, end) from 0.
+  struct Source {
+    std::size_t begin, end;
+    bool operator==(const Source&) const = default;
+  };
+  // A part of the description. Labels and separators have no source; a value has the characters it was
+  // read from, and its text may be empty when they stand for none.
   struct Piece {
     std::u16string text;
-    std::vector<std::pair<std::size_t, std::size_t>> sources;
+    std::vector<Source> sources;
   };
-  std::vector<Piece> Explain(std::u16string_view record, std::u16string_view firstData,
-                             std::u16string_view secondData) const;
+  using Pieces = std::vector<Piece>;
+
+  // The same decoding with its proof: the texts of the pieces, joined, are the description. No pieces
+  // where the description is empty.
+  Pieces Explain(std::u16string_view record, std::u16string_view firstData,
+                 std::u16string_view secondData) const;
+
+  // The pieces of a stored fault, decoded again from its kind and the data in its trailer. Nothing unless
+  // exactly the stored description comes out (with either width of the fields): texts may have changed
+  // since it was stored. `dataText` receives the data text that the sources count in.
+  Pieces ExplainStored(std::u16string_view kind, std::u16string_view description,
+                       std::u16string& dataText) const;
 
  private:
+  Pieces explain(std::u16string_view record, std::u16string_view first, std::u16string_view second,
+                 bool wide) const;
+
   const FaultTexts& texts_;
   const bool& wideFaultFields_;
 };

@@ -1,6 +1,7 @@
 // Copies the texts of a language database onto the window, its controls and the application.
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -25,7 +26,13 @@ bool LocaliseControls(window::Form& form, database::Database& database);
 bool LoadComboLists(window::Form& form, database::Database& database);
 bool LocaliseGridHeadings(window::Form& form, database::Database& database);
 bool LoadProjectTexts(std::u16string_view executableName, database::Database& database, ProjectTexts& texts);
-bool LoadTextArray(std::vector<std::u16string>& array, std::u16string_view table, database::Database& database);
+bool LoadTextArray(std::vector<std::u16string>& array, std::u16string_view table,
+                   database::Database& database);
+
+// The help texts of the window's controls by control name, for What's This; empty where the database holds
+// none. Its table is the product's own ("tHelp"), so a database without it is in order.
+std::map<std::u16string, std::u16string> LoadHelpTexts(const window::Form& form,
+                                                       database::Database& database);
 
 // A stored text in escape notation, expanded. `substitution` keeps the pieces not yet consumed.
 std::u16string ExpandEscapes(std::u16string_view text, std::u16string& substitution);

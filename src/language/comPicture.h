@@ -29,7 +29,8 @@ std::u16string MapPictureName(const PictureSet& pictures, std::u16string_view na
 bool IsPanelLike(const window::Control& control);
 
 // True when all rows were applied; pictures placed before a failure stay.
-bool ApplyBackground(window::Form& form, database::Database& own, database::Database& common, std::int16_t set,
-                     std::u16string_view directory, platform::Files& files, PictureLoader& loader);
+bool ApplyBackground(window::Form& form, database::Database& own, database::Database& common,
+                     std::int16_t set, std::u16string_view directory, platform::Files& files,
+                     PictureLoader& loader);
 
 }  // namespace vordane::comPicture

@@ -38,7 +38,8 @@ struct BoxRequest {
 int ShowMsgBox(BoxEnvironment& environment, const BoxRequest& request);
 
 // True when a box may be shown; false after logging the text instead.
-bool MayShowMsgBox(comSchedule::Environment& runLog, std::u16string_view text, std::int16_t number, bool logOnly);
+bool MayShowMsgBox(comSchedule::Environment& runLog, std::u16string_view text, std::int16_t number,
+                   bool logOnly);
 
 // The sum of the values of the names joined by "+"; an unknown name counts 0. Throws
 // automation::AutomationError (overflow) when the sum exceeds 32 bits.

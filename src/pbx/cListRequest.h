@@ -28,6 +28,7 @@ class cListRequest : public automation::TableObject {
 
   enum class Column { CMD, FirstData, SecondData, ExtraData, DescriptionData, CK, ERMFP, MSGFP };
   static constexpr std::size_t columnCount = 8;
+  static constexpr std::size_t maximumCount = 32767;  // what the 16-bit count holds
 
   // Throws AutomationError (run-time error 6, overflow) at the 32,768th entry.
   void AddToList(std::u16string_view CMD, std::u16string_view FD = {}, std::u16string_view SD = {},
@@ -48,6 +49,9 @@ class cListRequest : public automation::TableObject {
                                  std::span<automation::Argument> arguments) override;
 
  private:
+  automation::Value indexed(Column column, automation::CallKind kind,
+                            std::span<automation::Argument> arguments);
+
   using Entry = std::array<std::u16string, columnCount>;
   std::vector<Entry> entries_;
 };

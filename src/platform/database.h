@@ -33,7 +33,8 @@ class DatabaseError : public std::exception {
   std::string what_;
 };
 
-// Rows of one statement with a current row. A new recordset stands on its first row, if it has any.
+// Rows of one statement with a current row. A new recordset stands on its first row, if it has any. Which
+// rows it holds, and in what order, does not change when its own rows are edited on the way.
 class Recordset {
  public:
   virtual ~Recordset() = default;
@@ -45,6 +46,8 @@ class Recordset {
   virtual void moveNext() = 0;
   virtual Value get(std::u16string_view column) = 0;  // of the current row, or of the row being added
   virtual Value get(std::size_t column) = 0;          // by position, for statements without column names
+  // A date column holds and takes "YYYY-MM-DD HH:MM:SS", local time; any other the text as it stands.
+  virtual bool isDate(std::u16string_view) { return false; }
   virtual void set(std::u16string_view column, const Value& value) = 0;  // between addNew/edit and update
   virtual void addNew() = 0;  // auto-numbers can be read from here on
   virtual void edit() = 0;
@@ -84,7 +87,9 @@ class Database {
 class Engine {
  public:
   virtual ~Engine() = default;
-  // Opens an existing file, never creates one. Throws DatabaseError.
+  // Opens an existing file, never creates one. Throws DatabaseError: 3024 when there is no such file, 3051
+  // when it is asked for writing and can't be written (whoever only reads then asks again read-only), 3045
+  // when others keep it locked for about 5 s, 3343 when it is no database, 3049 when it is damaged.
   virtual std::unique_ptr<Database> open(std::u16string_view path, bool readOnly) = 0;
 };
 

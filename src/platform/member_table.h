@@ -35,7 +35,7 @@ struct ClassTable {
   std::u16string_view progId;       // "Vordane10013.cListRequest"
   std::u16string_view description;  // the help text of the type library
   std::string_view clsid;           // "{...}", upper case
-  std::string_view iid;
+  std::string_view iid;             // empty: outside the type library, without type information
   std::span<const Member> members;  // in type-library order
 };
 
@@ -48,6 +48,7 @@ class TableObject : public Object {
  public:
   virtual const ClassTable& table() const = 0;
   Value invoke(std::u16string_view member, CallKind kind, std::span<Argument> arguments) override;
+  bool hasMember(std::u16string_view member) const override { return findMember(table(), member) >= 0; }
   // The same for a member already looked up: what a name table in front of this object caches.
   Value invoke(std::size_t member, CallKind kind, std::span<Argument> arguments);
 

@@ -54,6 +54,8 @@ struct Program {
   std::u16string commandLine;  // without the program's own name
   bool startedByAutomation = false;
   int major = 0, minor = 0, revision = 0;
+  // False in a service's session, where nobody sees a window: every box is log-only then.
+  bool interactive = true;
 };
 
 // Creates automation objects of other servers.

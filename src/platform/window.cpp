@@ -10,6 +10,13 @@ namespace {
 
 bool isListType(std::u16string_view typeName) { return typeName == u"ComboBox" || typeName == u"ListBox"; }
 
+// The short names of the font's parts.
+std::u16string_view fullName(std::u16string_view property) {
+  if (text::equalIgnoringCase(property, u"FontName")) return u"Font.Name";
+  if (text::equalIgnoringCase(property, u"FontSize")) return u"Font.Size";
+  return property;
+}
+
 }  // namespace
 
 PropertyError::PropertyError(std::u16string what) : what_(text::toUtf8(what)) {}
@@ -17,7 +24,8 @@ PropertyError::PropertyError(std::u16string what) : what_(text::toUtf8(what)) {}
 Control::Control(std::u16string name, int index, std::u16string typeName, std::map<std::u16string, Value> properties)
     : name_(std::move(name)), index_(index), typeName_(std::move(typeName)), properties_(std::move(properties)) {}
 
-std::map<std::u16string, Value>::const_iterator Control::find(std::u16string_view property) const {
+std::map<std::u16string, Value>::const_iterator Control::find(std::u16string_view name) const {
+  const std::u16string_view property = fullName(name);
   return std::find_if(properties_.begin(), properties_.end(),
                       [&](const auto& entry) { return text::equalIgnoringCase(entry.first, property); });
 }

@@ -38,7 +38,8 @@ class Control {
   const std::u16string& typeName() const { return typeName_; }
 
   // Dotted paths name the parts of a property ("Font.Size", "StyleSets(2).Font.Name",
-  // "Columns(4).Caption"); without regard to case. They throw PropertyError.
+  // "Columns(4).Caption"); without regard to case. "FontName" and "FontSize" are other names of "Font.Name"
+  // and "Font.Size". They throw PropertyError.
   bool has(std::u16string_view property) const;
   Value get(std::u16string_view property) const;
   void set(std::u16string_view property, Value value);
@@ -65,7 +66,7 @@ class Control {
   void listen(Listener listener) { listener_ = std::move(listener); }
 
  private:
-  std::map<std::u16string, Value>::const_iterator find(std::u16string_view property) const;
+  std::map<std::u16string, Value>::const_iterator find(std::u16string_view name) const;
   void changed(std::u16string_view property);
 
   std::u16string name_;

@@ -29,7 +29,8 @@ struct ScheduleState {
   bool LogEnabled = true;
   bool LogLimited = true;
   std::int32_t LogLimitKB = 100;
-  std::u16string LogName;  // empty: no log is written
+  std::int16_t JobKind = 2;  // 2: fetch the fault list, the one kind this add-in runs
+  std::u16string LogName;    // empty: no log is written
   bool LogFull = false;
   std::int16_t LastErrCode = 0;
   std::int16_t RunState = 0;   // 0 interactive, 11 scheduled run, 12 after the fatal exchange error

@@ -14,6 +14,7 @@
 #include "platform/view.h"
 #include "platform/window.h"
 #include "settings/shared_state.h"
+#include "store/list_account.h"
 
 namespace vordane::store {
 
@@ -25,15 +26,17 @@ class StoreForm {
   virtual window::View& view() = 0;
   virtual SharedState& state() = 0;
   virtual platform::Clock& clock() = 0;
-  virtual const cFaultDisplay& faultDecoder() = 0;  // created on first use
-  virtual automation::Object* parent() = 0;         // the host; null stand-alone or before RegisterPBX
+  // The form's one decoder, created on first use, set to decode with this flag until the next call.
+  virtual const cFaultDisplay& faultDecoder(bool wideFaultFields) = 0;
+  virtual automation::Object* parent() = 0;  // the host; null stand-alone or before RegisterPBX
   virtual std::u16string installPath(std::u16string_view item) = 0;  // of product "Addins"
 
   // Errors of the host are ignored; nothing is called stand-alone.
   virtual void hostMessage(std::u16string_view text) = 0;  // Parent.ShowMessage
   virtual void hostCode(std::int32_t code) = 0;            // Parent.ShowCode
 
-  // Asks for a box with selector 0; in a scheduled run it is logged instead and answered 6.
+  // Asks for a box with selector 0; in a scheduled run it is logged instead and answered 6. An empty
+  // substitution counts as none given.
   virtual int showBox(std::int16_t number, std::u16string_view substitution = {}) = 0;
 
   // False once an ending has begun: whoever just came back from a box or an outgoing call must stop.
@@ -43,6 +46,16 @@ class StoreForm {
   virtual std::u16string requestPbxName() = 0;
   virtual bool requestWideFaultFields() = 0;
   virtual const cListRequest& response() = 0;  // the copied answer
+  virtual bool responseTruncated() = 0;        // the answer had more entries than the copy can hold
+
+  // A list was taken in or not; comes once for each ingestion, before the acknowledgement. The status line
+  // shows it already: what is left is the run log of a scheduled run.
+  virtual void listTaken(const ListAccount& account) = 0;
+
+  // Builds and sends the fault list acknowledgement; false when it could not be sent.
+  virtual bool AcknowledgeFaultList() = 0;
+  // In a scheduled run the run's next step, else the busy flag goes off.
+  virtual void endAction() = 0;
 };
 
 }  // namespace vordane::store

@@ -33,11 +33,14 @@ bool isOverlongOrSurrogate(char32_t point, int count) {
 
 }  // namespace
 
-std::u16string fromUtf8(std::string_view text) {
-  std::u16string out;
-  out.reserve(text.size());
+void appendUtf16(std::string_view text, std::u16string& out) {
   for (std::size_t i = 0; i < text.size();) {
     const auto lead = static_cast<std::uint8_t>(text[i]);
+    if (lead < 0x80) {
+      out.push_back(lead);
+      ++i;
+      continue;
+    }
     const int count = continuationCount(lead);
     char32_t point = count <= 0 ? lead : lead & (0x3F >> count);
     bool valid = count >= 0 && i + static_cast<std::size_t>(count) < text.size();
@@ -54,16 +57,14 @@ std::u16string fromUtf8(std::string_view text) {
     appendCodePoint(out, point);
     i += static_cast<std::size_t>(count) + 1;
   }
-  return out;
 }
 
-std::string toUtf8(std::u16string_view text) {
-  std::string out;
-  out.reserve(text.size());
+void appendUtf8(std::u16string_view text, std::string& out) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     char32_t point = text[i];
     if (point >= 0xD800 && point <= 0xDFFF) {
-      const bool paired = point < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF;
+      const bool paired =
+          point < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF;
       point = paired ? 0x10000 + ((point - 0xD800) << 10) + (text[++i] - 0xDC00u) : replacement;
     }
     if (point < 0x80) {
@@ -82,6 +83,19 @@ std::string toUtf8(std::u16string_view text) {
       out.push_back(static_cast<char>(0x80 | (point & 0x3F)));
     }
   }
+}
+
+std::u16string fromUtf8(std::string_view text) {
+  std::u16string out;
+  out.reserve(text.size());
+  appendUtf16(text, out);
+  return out;
+}
+
+std::string toUtf8(std::u16string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  appendUtf8(text, out);
   return out;
 }
 

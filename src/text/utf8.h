@@ -12,4 +12,8 @@ std::u16string fromUtf8(std::string_view text);
 // Lone surrogates become U+FFFD.
 std::string toUtf8(std::u16string_view text);
 
+// The same behind what `out` holds already: loops over many lines use its memory again.
+void appendUtf16(std::string_view utf8, std::u16string& out);
+void appendUtf8(std::u16string_view text, std::string& out);
+
 }  // namespace vordane::text

@@ -1,0 +1,10 @@
+// The subcommands, each in a file of its own.
+#pragma once
+
+#include "command.h"
+
+namespace vordane::tools {
+
+int decode(const Arguments& arguments);
+
+}  // namespace vordane::tools

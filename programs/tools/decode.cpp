@@ -1,0 +1,151 @@
+// vordane-tools decode: recorded faults in, one message a line out.
+#include <cstdio>
+#include <iostream>
+#include <string>
+#include <string_view>
+
+#include "commands.h"
+#include "console.h"
+#include "faults/cFaultDisplay.h"
+#include "lines.h"
+#include "text/utf8.h"
+#include "text_sources.h"
+
+namespace vordane::tools {
+namespace {
+
+struct Options {
+  std::string language, messages, lists;  // file names; empty: not given
+  bool narrow = false;
+  bool explain = false;
+  bool understood = true;
+};
+
+std::string* fileOption(Options& options, std::string_view name) {
+  if (name == "--language") return &options.language;
+  if (name == "--messages") return &options.messages;
+  if (name == "--lists") return &options.lists;
+  return nullptr;
+}
+
+// Either a language database, or messages with or without lists.
+bool sourceIsClear(const Options& options) {
+  return options.language.empty() ? !options.messages.empty()
+                                  : options.messages.empty() && options.lists.empty();
+}
+
+Options parse(const Arguments& arguments) {
+  Options options;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    if (std::string* const file = fileOption(options, arguments[i])) {
+      if (++i < arguments.size()) *file = arguments[i];
+    } else if (arguments[i] == "--narrow") {
+      options.narrow = true;
+    } else if (arguments[i] == "--explain") {
+      options.explain = true;
+    } else {
+      options.understood = false;
+    }
+  }
+  options.understood = options.understood && sourceIsClear(options);
+  return options;
+}
+
+void readTexts(const Options& options, FaultTextTable& texts) {
+  readMessages(options.messages, texts);
+  if (!options.lists.empty()) readLists(options.lists, texts);
+}
+
+// One recorded fault: its record and both data texts. The third field runs to the end of the line.
+struct Record {
+  std::u16string record, first, second;
+
+  void read(std::string_view line) {
+    for (std::u16string* field : {&record, &first}) {
+      field->clear();
+      text::appendUtf16(takeField(line), *field);
+    }
+    second.clear();
+    text::appendUtf16(line, second);
+  }
+};
+
+class Decode {
+ public:
+  Decode(const FaultTexts& texts, const bool& wide, std::string& out) : decoder_(texts, wide), out_(out) {}
+
+  void plain(const Record& record) {
+    decoder_.GetFaultMessage(record.record, record.first, record.second, message_);
+    escaped(message_);
+    out_ += '\n';
+  }
+
+  // The message, then for each value a line of its own: TAB, the places of the characters it came from
+  // (from 1), TAB, those characters, TAB, the value.
+  void explained(const Record& record) {
+    plain(record);
+    const std::u16string data = record.first + u" " + record.second;
+    for (const cFaultDisplay::Piece& piece : decoder_.Explain(record.record, record.first, record.second))
+      if (!piece.sources.empty()) proof(piece, data);
+  }
+
+ private:
+  void proof(const cFaultDisplay::Piece& piece, std::u16string_view data) {
+    std::u16string characters;
+    char separator = '\t';
+    for (const cFaultDisplay::Source& source : piece.sources) {
+      out_ += separator;
+      out_ += std::to_string(source.begin + 1) + "-" + std::to_string(source.end);
+      characters += data.substr(source.begin, source.end - source.begin);
+      separator = ',';
+    }
+    out_ += '\t';
+    escaped(characters);
+    out_ += '\t';
+    escaped(piece.text);
+    out_ += '\n';
+  }
+
+  void escaped(std::u16string_view text) {
+    bytes_.clear();
+    text::appendUtf8(text, bytes_);
+    appendEscaped(bytes_, out_);
+  }
+
+  cFaultDisplay decoder_;
+  std::string& out_;
+  std::u16string message_;
+  std::string bytes_;
+};
+
+void decodeStream(const FaultTexts& texts, const Options& options, std::FILE* in, std::FILE* out) {
+  const bool wide = !options.narrow;
+  LineReader lines(in);
+  BlockWriter writer(out);
+  Decode decode(texts, wide, writer.buffer());
+  Record record;
+  while (const auto line = lines.next()) {
+    record.read(*line);
+    options.explain ? decode.explained(record) : decode.plain(record);
+    writer.flushIfLarge();
+  }
+  writer.finish();
+}
+
+}  // namespace
+
+int decode(const Arguments& arguments) {
+  const Options options = parse(arguments);
+  if (!options.understood) {
+    std::cerr << "usage: vordane-tools decode (--language FILE | --messages FILE [--lists FILE])"
+                 " [--narrow] [--explain] < records.tsv\n";
+    return 2;
+  }
+  FaultTextTable texts;
+  readTexts(options, texts);
+  useBinaryStandardStreams();
+  decodeStream(texts, options, stdin, stdout);
+  return 0;
+}
+
+}  // namespace vordane::tools

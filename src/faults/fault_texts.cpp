@@ -1,0 +1,55 @@
+#include "faults/fault_texts.h"
+
+#include "text/numbers.h"
+#include "text/text.h"
+
+namespace vordane {
+
+std::optional<int> listKind(std::u16string_view controlName) {
+  constexpr std::u16string_view prefix = u"cboFK";
+  if (controlName.size() != prefix.size() + 2) return std::nullopt;
+  if (!text::equalIgnoringCase(controlName.substr(0, prefix.size()), prefix)) return std::nullopt;
+  const int high = text::hexDigitValue(controlName[prefix.size()]);
+  const int low = text::hexDigitValue(controlName[prefix.size() + 1]);
+  if (high < 0 || low < 0) return std::nullopt;
+  return high * 16 + low;
+}
+
+void FaultTextTable::setMessages(const std::vector<std::u16string>& messages) {
+  messages_.assign(messages.begin(), messages.end());
+}
+
+void FaultTextTable::setMessage(int number, std::u16string text) {
+  const auto position = static_cast<std::size_t>(number);
+  if (position >= messages_.size()) messages_.resize(position + 1);
+  messages_[position] = std::move(text);
+}
+
+void FaultTextTable::setList(int kind, std::vector<std::u16string> items) {
+  lists_.at(static_cast<std::size_t>(kind)) = std::move(items);
+}
+
+void FaultTextTable::addItem(int kind, std::u16string text) {
+  auto& list = lists_.at(static_cast<std::size_t>(kind));
+  if (!list) list.emplace();
+  list->push_back(std::move(text));
+}
+
+const std::u16string* FaultTextTable::message(int number) const {
+  const auto position = static_cast<std::size_t>(number);
+  if (number < 0 || position >= messages_.size() || !messages_[position]) return nullptr;
+  return &*messages_[position];
+}
+
+bool FaultTextTable::hasList(int kind) const {
+  return kind >= 0 && kind < static_cast<int>(lists_.size()) && lists_[static_cast<std::size_t>(kind)];
+}
+
+const std::u16string* FaultTextTable::item(int kind, int code) const {
+  if (!hasList(kind) || code < 0) return nullptr;
+  const auto& list = *lists_[static_cast<std::size_t>(kind)];
+  const auto position = static_cast<std::size_t>(code);
+  return position < list.size() ? &list[position] : nullptr;
+}
+
+}  // namespace vordane

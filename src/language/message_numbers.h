@@ -1,0 +1,126 @@
+// The texts that the program asks for by number. Numbers 0 to 164 belong to the exchange's fault texts and
+// the host's messages; from 165 on the product's own follow without a gap. Every language holds them all.
+// A text with {1}, {2}, ... takes its values through fillText.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+namespace vordane::message {
+
+// The host's messages; the fault texts between are named in the table of fault kinds.
+inline constexpr std::size_t windowTitle = 0;
+inline constexpr std::size_t serverAnswer = 1;  // before the log-in identifier or the send result
+inline constexpr std::size_t requestDone = 2;   // an answer without a message of its own
+inline constexpr std::size_t databaseNotOpen = 3;
+inline constexpr std::size_t noNewFaults = 4;
+inline constexpr std::size_t runNumber = 89;  // before the number of a scheduled repetition
+inline constexpr std::size_t firstOwn = 165;
+
+// Lamps and severity, in words.
+inline constexpr std::size_t lampMajorAlarm = 165;  // "MAJOR: alarm"
+inline constexpr std::size_t lampMajorClear = 166;
+inline constexpr std::size_t lampMinorAlarm = 167;
+inline constexpr std::size_t lampMinorClear = 168;
+inline constexpr std::size_t severityMajor = 169;  // one word beside the class "MJ"
+inline constexpr std::size_t severityMinor = 170;
+
+// Status line. The account: {1} time, {2} received, {3} new, {4} already stored, {5} refused.
+inline constexpr std::size_t statusNoList = 171;
+inline constexpr std::size_t statusListComplete = 172;
+inline constexpr std::size_t statusListIncomplete = 173;
+inline constexpr std::size_t statusAttemptFailed = 174;  // {1} time, {2} reason
+inline constexpr std::size_t statusFaultCount = 175;     // {1} number of faults shown
+inline constexpr std::size_t statusWide = 176;           // processor texts wide
+inline constexpr std::size_t statusNarrow = 177;
+inline constexpr std::size_t statusTextsIncomplete = 178;  // a loader stopped; {1} the tables
+inline constexpr std::size_t statusNetworkDrive = 179;     // the database lies where writing is slower
+inline constexpr std::size_t statusDoesNothing = 180;      // an action that is empty here
+inline constexpr std::size_t statusReady = 181;
+inline constexpr std::size_t statusPrinted = 182;
+inline constexpr std::size_t statusDeleted = 183;  // {1} exchange
+
+// In the place of an empty grid. {1} is the exchange.
+inline constexpr std::size_t noticeNoExchange = 184;  // nothing stored, nothing registered
+inline constexpr std::size_t noticeFirstList = 185;   // what to press to fetch the first list
+inline constexpr std::size_t noticeNoFaults = 186;    // a list came and nothing is stored
+inline constexpr std::size_t noticeLoggingIn = 187;
+inline constexpr std::size_t noticeWaitingList = 188;
+inline constexpr std::size_t noticeWaitingAlarms = 189;
+inline constexpr std::size_t noticeWaitingReset = 190;
+inline constexpr std::size_t noticeStoring = 191;        // {1} done, {2} of
+inline constexpr std::size_t noticeRequestFailed = 192;  // {1} exchange, {2} reason
+inline constexpr std::size_t noticeDatabaseClosed = 193;
+inline constexpr std::size_t noticeChooseJob = 194;     // while a scheduled job is being made
+inline constexpr std::size_t noticeScheduledRun = 195;  // {1} run, {2} of
+inline constexpr std::size_t noticeReading = 196;       // while the stored faults are read or sorted
+
+// Why an attempt failed; each is a clause that follows a colon.
+inline constexpr std::size_t reasonBusy = 197;     // "BUSY"
+inline constexpr std::size_t reasonRefused = 198;  // "ERROR" or an empty answer at log-in
+inline constexpr std::size_t reasonSendFailed = 199;
+inline constexpr std::size_t reasonNoServer = 200;    // the exchange server could not be started
+inline constexpr std::size_t reasonErrorCode = 201;   // {1} the answer's code
+inline constexpr std::size_t reasonServerGone = 202;  // it vanished while its answer was read
+inline constexpr std::size_t reasonAccess = 203;      // a "ZUL_" entry; {1} its text
+inline constexpr std::size_t reasonDatabase = 204;    // {1} the engine's text
+inline constexpr std::size_t reasonCancelled = 205;
+inline constexpr std::size_t reasonLampAnswer = 206;   // the alarm state could not be read
+inline constexpr std::size_t reasonClearAnswer = 207;  // the exchange did not confirm the reset
+inline constexpr std::size_t reasonTooLong = 208;      // more entries than a record holds
+inline constexpr std::size_t reasonNoExchange = 209;   // no exchange is registered
+
+// The run log's account, in the numbers of the status line but without the time (the line has its own).
+inline constexpr std::size_t runListComplete = 210;  // {1} received, {2} new, {3} stored, {4} refused
+inline constexpr std::size_t runListIncomplete = 211;
+inline constexpr std::size_t runListFailed = 212;  // {1} reason
+
+// Look-up dialog.
+inline constexpr std::size_t lookUpTitle = 213;
+inline constexpr std::size_t lookUpLabel = 214;  // with access key
+inline constexpr std::size_t lookUpNext = 215;
+inline constexpr std::size_t lookUpClose = 216;
+inline constexpr std::size_t lookUpNotFound = 217;  // {1} the text
+inline constexpr std::size_t lookUpWrapped = 218;   // went on from the top
+
+// Names and hints for what has no caption.
+inline constexpr std::size_t paneName = 219;   // the pane with the whole fault
+inline constexpr std::size_t paneEmpty = 220;  // no fault selected
+inline constexpr std::size_t menuCopy = 221;   // with access key
+inline constexpr std::size_t sortedAscending = 222;
+inline constexpr std::size_t sortedDescending = 223;
+inline constexpr std::size_t noHelpText = 224;  // a control without a help text
+
+inline constexpr std::size_t count = 225;  // of all texts
+
+}  // namespace vordane::message
+
+namespace vordane::box {
+
+// Boxes that rules name.
+inline constexpr std::int16_t stepFailed = 102;  // substitution: the engine's text
+inline constexpr std::int16_t noNewFaults = 104;
+inline constexpr std::int16_t confirmDelete = 105;
+inline constexpr std::int16_t reportRefused = 107;  // substitution: the host's reason
+inline constexpr std::int16_t alarmsReset = 108;
+inline constexpr std::int16_t confirmRequest = 109;
+// The product's own.
+inline constexpr std::int16_t noHostToPrint = 900;
+inline constexpr std::int16_t helpNotFound = 901;  // substitution: the file
+inline constexpr std::int16_t doesNothingYet = 902;
+
+inline constexpr std::array<std::int16_t, 9> all{102, 104, 105, 107, 108, 109, 900, 901, 902};
+
+}  // namespace vordane::box
+
+namespace vordane {
+
+// `pattern` with {1} to {9} replaced by the values; a place without a value stays as it stands, so that a
+// wrong text shows.
+std::u16string fillText(std::u16string_view pattern, std::initializer_list<std::u16string_view> values);
+
+}  // namespace vordane

@@ -1,0 +1,23 @@
+// What the command line of an automation server asks for. Pure.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace vordane::platform {
+
+enum class Start { byHand, byAutomation, registerServer, unregisterServer };
+
+struct CommandLine {
+  Start start = Start::byHand;
+  std::u16string text;  // of a start by hand: without surrounding blanks and one pair of enclosing quotes
+};
+
+// `text` is everything behind the program's own name. The switches -Embedding, /Embedding, /RegServer,
+// -RegServer, /UnregServer and -UnregServer stand alone, in any case.
+CommandLine parseCommandLine(std::u16string_view text);
+
+// Everything behind the program's own name (quoted or not) in a whole command line.
+std::u16string_view withoutProgramName(std::u16string_view commandLine);
+
+}  // namespace vordane::platform

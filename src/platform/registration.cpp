@@ -1,0 +1,103 @@
+#include "platform/registration.h"
+
+#include "text/text.h"
+
+namespace vordane::registration {
+namespace {
+
+// The system's own marshaller of pure dispatch interfaces.
+constexpr std::u16string_view dispatchMarshaller = u"{00020420-0000-0000-C000-000000000046}";
+
+std::u16string join(std::initializer_list<std::u16string_view> parts) {
+  std::u16string key;
+  for (const std::u16string_view part : parts) {
+    if (!key.empty()) key += u'\\';
+    key += part;
+  }
+  return key;
+}
+
+std::u16string_view directoryOf(std::u16string_view path) {
+  const std::size_t end = path.rfind(u'\\');
+  return end == std::u16string_view::npos ? std::u16string_view{} : path.substr(0, end);
+}
+
+void addClass(std::vector<Entry>& out, const Server& server, const Class& entry) {
+  const std::u16string key = join({u"CLSID", entry.clsid});
+  out.push_back({entry.progId, {}, entry.description});
+  out.push_back({join({entry.progId, u"CLSID"}), {}, entry.clsid});
+  out.push_back({key, {}, entry.description});
+  out.push_back({join({key, u"LocalServer32"}), {}, quoted(server.path)});
+  out.push_back({join({key, u"ProgID"}), {}, entry.progId});
+  out.push_back({join({key, u"Programmable"}), {}, {}});
+  if (!server.library) return;
+  out.push_back({join({key, u"TypeLib"}), {}, server.library->libid});
+  out.push_back({join({key, u"Version"}), {}, server.library->version});
+}
+
+void addInterface(std::vector<Entry>& out, const Library& library, const Class& entry) {
+  const std::u16string key = join({u"Interface", entry.iid});
+  out.push_back({key, {}, entry.interfaceName});
+  out.push_back({join({key, u"ProxyStubClsid32"}), {}, std::u16string(dispatchMarshaller)});
+  out.push_back({join({key, u"TypeLib"}), {}, library.libid});
+  out.push_back({join({key, u"TypeLib"}), u"Version", library.version});
+}
+
+std::u16string libraryKey(const Library& library) {
+  return join({u"TypeLib", library.libid, library.version});
+}
+
+// Both word sizes: a 32-bit client's typed query failed with the 64-bit entry alone.
+constexpr std::u16string_view platforms[] = {u"win32", u"win64"};
+
+void addLibrary(std::vector<Entry>& out, const Server& server, const Library& library) {
+  const std::u16string key = libraryKey(library);
+  out.push_back({key, {}, library.description});
+  for (const std::u16string_view platform : platforms)
+    out.push_back({join({key, u"0", platform}), {}, server.path});
+  out.push_back({join({key, u"FLAGS"}), {}, u"0"});
+  out.push_back({join({key, u"HELPDIR"}), {}, std::u16string(directoryOf(server.path))});
+}
+
+}  // namespace
+
+std::u16string quoted(std::u16string_view path) {
+  return u'"' + std::u16string(path) + u'"';
+}
+
+bool samePath(std::u16string_view registered, std::u16string_view path) {
+  const std::u16string_view value = text::trim(registered);
+  const bool inQuotes = value.size() >= 2 && value.front() == u'"' && value.back() == u'"';
+  return text::equalIgnoringCase(inQuotes ? value.substr(1, value.size() - 2) : value, path);
+}
+
+std::vector<Entry> entries(const Server& server) {
+  std::vector<Entry> out;
+  for (const Class& entry : server.classes) addClass(out, server, entry);
+  if (!server.library) return out;
+  for (const Class& entry : server.classes)
+    if (!entry.iid.empty()) addInterface(out, *server.library, entry);
+  addLibrary(out, server, *server.library);
+  return out;
+}
+
+std::vector<Removal> removals(const Server& server) {
+  std::vector<Removal> out;
+  const auto whenOurs = [&](std::u16string tree, std::u16string evidence) {
+    out.push_back({std::move(tree), {std::move(evidence), {}, server.path}});
+  };
+  // Interfaces and program names carry no path: their class speaks for them and goes last.
+  for (const Class& entry : server.classes) {
+    const std::u16string evidence = join({u"CLSID", entry.clsid, u"LocalServer32"});
+    whenOurs(entry.progId, evidence);
+    if (server.library && !entry.iid.empty()) whenOurs(join({u"Interface", entry.iid}), evidence);
+  }
+  if (server.library)
+    whenOurs(join({u"TypeLib", server.library->libid}),
+             join({libraryKey(*server.library), u"0", platforms[0]}));
+  for (const Class& entry : server.classes)
+    whenOurs(join({u"CLSID", entry.clsid}), join({u"CLSID", entry.clsid, u"LocalServer32"}));
+  return out;
+}
+
+}  // namespace vordane::registration

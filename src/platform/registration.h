@@ -1,0 +1,55 @@
+// What registering an automation server writes, as data: the keys below Software\Classes, for one view of
+// the registry (every view gets the same). Pure; the Windows half writes and deletes.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vordane::registration {
+
+struct Class {
+  std::u16string progId;
+  std::u16string clsid;        // "{...}", upper case
+  std::u16string description;  // what the registry shows for the class
+  std::u16string interfaceName;
+  std::u16string iid;  // empty: no dispinterface of its own
+};
+
+struct Library {
+  std::u16string libid;
+  std::u16string version;  // "1.0"
+  std::u16string description;
+};
+
+struct Server {
+  std::u16string path;  // the executable, full, not quoted
+  std::vector<Class> classes;
+  std::optional<Library> library;
+};
+
+struct Entry {
+  std::u16string key;    // below Software\Classes
+  std::u16string name;   // empty: the key's own value
+  std::u16string value;  // REG_SZ
+  bool operator==(const Entry&) const = default;
+};
+
+std::vector<Entry> entries(const Server& server);
+
+// The text of a LocalServer32 value: the path in quotes, since it may hold blanks.
+std::u16string quoted(std::u16string_view path);
+
+// A tree that goes when it is this server's: `evidence`'s value names the server's own path.
+struct Removal {
+  std::u16string tree;
+  Entry evidence;
+};
+// In the order they are to be checked and removed: what carries no path of its own goes before its evidence.
+std::vector<Removal> removals(const Server& server);
+
+// Whether a registered value names the same program: quotes and case do not count.
+bool samePath(std::u16string_view registered, std::u16string_view path);
+
+}  // namespace vordane::registration

@@ -1,0 +1,28 @@
+// The embedded database engine: plain SQLite 3 files with the documented tables, under statements in the
+// Access dialect. Everything an engine opened belongs to one thread; failures are DatabaseErrors.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/database.h"
+
+namespace vordane::sqlite {
+
+struct Options {
+  // Whether a path lies on a network share, where write-ahead logging doesn't work. Without it, paths that
+  // begin with two backslashes do.
+  std::function<bool(std::u16string_view path)> onNetwork;
+  int lockWaitMilliseconds = 5000;
+  // The name of the operating-system layer, for tests that let it fail; empty: the default one.
+  std::string fileLayer;
+};
+
+std::unique_ptr<database::Engine> makeEngine(Options options = {});
+
+// True when the file begins as this engine's files do. False for anything else, a missing file included.
+bool isEmbeddedFile(std::u16string_view path);
+
+}  // namespace vordane::sqlite

@@ -1,0 +1,69 @@
+// The workstation as services.h wants it: registry settings, clock, files, other servers, message boxes.
+// All of it is used on the user-interface thread.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+
+#include "platform/services.h"
+
+namespace vordane::windows {
+
+// HKEY_CURRENT_USER\Software\VB and VBA Program Settings: only REG_SZ values count.
+class RegistrySettings : public platform::SettingsStore {
+ public:
+  std::optional<std::u16string> read(std::u16string_view application, std::u16string_view section,
+                                     std::u16string_view key) override;
+  void write(std::u16string_view application, std::u16string_view section, std::u16string_view key,
+             std::u16string_view value) override;
+};
+
+class SystemClock : public platform::Clock {
+ public:
+  platform::LocalTime now() override;
+  double secondsSinceMidnight() override;
+  void sleep(int milliseconds) override;
+  std::u16string regional(const platform::LocalTime& time) override;
+};
+
+class SystemFiles : public platform::Files {
+ public:
+  bool exists(std::u16string_view path) override;
+  bool directoryExists(std::u16string_view path) override;
+  bool append(std::u16string_view path, std::string_view bytes) override;
+  std::optional<std::int64_t> length(std::u16string_view path) override;
+};
+
+// Local servers and in-process ones.
+class ComObjectCreator : public platform::ObjectCreator {
+ public:
+  automation::ObjectRef create(std::u16string_view progId) override;
+};
+
+// MessageBoxIndirect above the window that `owner` names at that moment. Where nobody could see a box (a
+// service's window station) none is shown and the answer is 6.
+class SystemMessageBoxes : public platform::MessageBoxes {
+ public:
+  using Owner = std::function<HWND()>;
+  // Called with the path of a help file that can't be opened; should tell the user.
+  using HelpMissing = std::function<void(std::u16string_view path)>;
+  SystemMessageBoxes(Owner owner, HelpMissing helpMissing);
+  int show(const platform::MessageBoxRequest& request) override;
+
+ private:
+  Owner owner_;
+  HelpMissing helpMissing_;
+};
+
+// The running program: long path name, version resource, command line. `start` says what was asked for.
+platform::Program thisProgram();
+std::u16string executablePath();
+
+// False in a service's session, where a window or box would never be seen.
+bool stationIsVisible();
+
+// Opens a document with what the workstation has for it; false when there is nothing.
+bool openDocument(std::u16string_view path);
+
+}  // namespace vordane::windows

@@ -1,0 +1,95 @@
+// The lamps: what the exchange answered, kept with its row and painted from there.
+#include "language/message_numbers.h"
+#include "pbx/response_codes.h"
+#include "store/fault_store.h"
+#include "store/statements.h"
+#include "store/trap.h"
+#include "text/numbers.h"
+#include "text/text.h"
+
+namespace vordane::store {
+namespace {
+
+constexpr std::int32_t red = 255, white = 16777215, black = 0;
+
+struct LampState {
+  bool major, minor;
+};
+
+// Two characters 0 to 9; nothing else is a lamp state.
+std::optional<LampState> lampState(std::u16string_view text) {
+  if (text.size() != 2 || !text::isDecimalDigit(text[0]) || !text::isDecimalDigit(text[1])) return {};
+  return LampState{text[0] != u'0', text[1] != u'0'};
+}
+
+// Every entry says that it was done; an answer without entries passes.
+bool clearConfirmed(const cListRequest& answer) {
+  for (std::int32_t i = 0; i < answer.Count(); ++i)
+    if (pbx::GetResponseCode(text::toUpper(answer.ExtraData(i))) != pbx::responseOk) return false;
+  return true;
+}
+
+bool lit(const database::Value& value) {
+  return !automation::isNull(value) && automation::toBoolean(value);
+}
+
+}  // namespace
+
+void FaultStore::UpDateAlarm() {
+  if (openDatabase() == nullptr) return;
+  const auto state = lampState(text::trim(form_.response().SecondData(0)));
+  if (!state) {
+    form_.showBox(box::stepFailed);
+    return;
+  }
+  storeLamps(state->major, state->minor);
+}
+
+void FaultStore::ClearAlarm() {
+  if (openDatabase() == nullptr) return;
+  if (!clearConfirmed(form_.response())) {
+    form_.showBox(box::stepFailed);
+    return;
+  }
+  form_.showBox(box::alarmsReset);
+  if (form_.alive()) storeLamps(false, false);
+}
+
+void FaultStore::storeLamps(bool major, bool minor) {
+  // The box before may have let the database be closed.
+  database::Database* database = form_.faultDatabase();
+  if (database == nullptr) return;
+  const auto failure = trap([&] {
+    const auto exchange = database->openRecordset(findExchange(form_.requestPbxName()));
+    if (exchange->recordCount() > 0) {
+      exchange->edit();
+      exchange->set(u"MJ", major);
+      exchange->set(u"MN", minor);
+      exchange->update();
+    }
+    exchange->close();
+  });
+  if (failure) showError(*failure);
+}
+
+void FaultStore::paintLamps(database::Database& database) {
+  const auto shown = chosen();
+  if (!shown) return showLamps(false, false);
+  const auto exchange = database.openRecordset(findExchange(shown->name));
+  const bool found = exchange->recordCount() > 0;
+  showLamps(found && lit(exchange->get(u"MJ")), found && lit(exchange->get(u"MN")));
+  exchange->close();
+}
+
+void FaultStore::showLamps(bool major, bool minor) {
+  const auto paint = [&](std::u16string_view label, bool isMajor, bool on) {
+    window::Control& lamp = form_.form().control(label);
+    lamp.set(u"BackColor", on ? red : white);
+    lamp.set(u"ForeColor", black);
+    form_.view().setLamp(isMajor, on);
+  };
+  paint(u"lblMJ", true, major);
+  paint(u"lblMN", false, minor);
+}
+
+}  // namespace vordane::store

@@ -1,0 +1,124 @@
+#include "store/comSSDataGrid.h"
+
+#include <algorithm>
+
+#include "store/data_control.h"
+#include "text/numbers.h"
+#include "text/text.h"
+
+namespace vordane::comSSDataGrid {
+namespace {
+
+// The message texts that stand around the data in every description.
+constexpr std::size_t dataHeading = 5, dataOpen = 6, dataClose = 7;
+constexpr std::size_t rowsBetweenProgress = 1024;
+
+enum Field : std::size_t { fault, alarm, date, cpu, description, count };
+
+// `needle` is folded and not empty.
+bool containsFolded(std::u16string_view text, std::u16string_view needle) {
+  const auto same = [](char16_t a, char16_t folded) { return text::lower(a) == folded; };
+  return std::search(text.begin(), text.end(), needle.begin(), needle.end(), same) != text.end();
+}
+
+bool holds(const database::Value& value, std::u16string_view needle) {
+  if (const auto* stored = std::get_if<std::u16string>(&value)) return containsFolded(*stored, needle);
+  return containsFolded(store::textOf(value), needle);
+}
+
+}  // namespace
+
+std::optional<window::GridSource::Range> findDataPart(const SharedState& state,
+                                                      std::u16string_view description) {
+  const std::u16string before =
+      std::u16string(text::crlf) + messageText(state, dataHeading) + u" " + messageText(state, dataOpen);
+  const std::u16string after = messageText(state, dataClose);
+  const auto found = description.rfind(before);
+  if (found == std::u16string_view::npos || !description.ends_with(after)) return {};
+  const std::size_t begin = found + before.size(), end = description.size() - after.size();
+  if (begin > end) return {};
+  return window::GridSource::Range{begin, end};
+}
+
+void FaultRows::show(database::RowList* rows) {
+  rows_ = rows;
+  for (Kept& kept : kept_) kept.row.reset();
+}
+
+void FaultRows::hold() {
+  heldSize_ = size();
+  held_ = true;
+}
+
+std::size_t FaultRows::size() const {
+  if (held_) return heldSize_;
+  return rows_ == nullptr ? 0 : rows_->size();
+}
+
+std::optional<window::GridRow> FaultRows::row(std::size_t position) {
+  if (position >= size()) return {};
+  Kept& kept = kept_[position % kept_.size()];
+  if (!held_) kept = {position, read(position)};
+  return kept.position == position ? kept.row : std::nullopt;
+}
+
+std::optional<window::GridRow> FaultRows::read(std::size_t position) {
+  try {
+    if (!rows_->fetch(position, buffer_)) return {};
+    return window::GridRow{store::textOf(buffer_[fault]),       store::textOf(buffer_[alarm]),
+                           store::textOf(buffer_[date]),        store::textOf(buffer_[cpu]),
+                           store::textOf(buffer_[description]), automation::toLong(buffer_[count])};
+  } catch (const database::DatabaseError&) {
+    return {};
+  } catch (const automation::AutomationError&) {
+    return {};
+  }
+}
+
+std::optional<window::GridSource::Range> FaultRows::dataPart(std::size_t position) {
+  const auto shown = row(position);
+  return shown ? findDataPart(form_.state(), shown->description) : std::nullopt;
+}
+
+std::vector<window::GridSource::Range> FaultRows::provenance(std::size_t position, std::size_t character) {
+  const auto shown = row(position);
+  if (!shown) return {};
+  std::size_t begin = 0;
+  for (const auto& piece : explanation(*shown)) {
+    if (character < begin + piece.text.size()) {
+      std::vector<Range> ranges;
+      for (const auto [from, to] : piece.sources) ranges.push_back({from, to});
+      return ranges;
+    }
+    begin += piece.text.size();
+  }
+  return {};
+}
+
+const cFaultDisplay::Pieces& FaultRows::explanation(const window::GridRow& row) {
+  if (row.fault == explainedKind_ && row.description == explainedText_) return explained_;
+  std::u16string dataText;
+  explained_ =
+      form_.faultDecoder(form_.state().WideFaultFields).ExplainStored(row.fault, row.description, dataText);
+  explainedKind_ = row.fault;
+  explainedText_ = row.description;
+  return explained_;
+}
+
+std::optional<std::size_t> FaultRows::lookUp(std::u16string_view text, std::ptrdiff_t after,
+                                             const std::function<void(std::size_t)>& progress) {
+  const std::u16string needle = text::toLower(text);
+  const std::size_t rows = size();
+  if (needle.empty() || rows == 0) return {};
+  const std::size_t first = static_cast<std::size_t>(std::max<std::ptrdiff_t>(after, -1) + 1) % rows;
+  for (std::size_t i = 0; i < rows; ++i) {
+    if (i % rowsBetweenProgress == rowsBetweenProgress - 1 && progress) progress(i);
+    const std::size_t position = (first + i) % rows;
+    if (!rows_->fetch(position, buffer_)) continue;
+    if (std::any_of(buffer_.begin(), buffer_.end(), [&](const auto& value) { return holds(value, needle); }))
+      return position;
+  }
+  return {};
+}
+
+}  // namespace vordane::comSSDataGrid

@@ -1,0 +1,66 @@
+// The rows of grdDisplayFault: read as they are shown, with the proof of where a description came from.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "faults/cFaultDisplay.h"
+#include "platform/database.h"
+#include "platform/view.h"
+#include "store/store_form.h"
+
+namespace vordane::comSSDataGrid {
+
+// The data text inside a description's trailer, as [begin, end) of the description.
+std::optional<window::GridSource::Range> findDataPart(const SharedState& state,
+                                                      std::u16string_view description);
+
+class FaultRows : public window::GridSource {
+ public:
+  explicit FaultRows(store::StoreForm& form) : form_(form) {}
+
+  // The rows shown from now on, owned by the caller; null for an empty grid.
+  void show(database::RowList* rows);
+
+  // From hold to release only rows read before are given and the database is left alone; `show` may follow
+  // only after release.
+  void hold();
+  void release() { held_ = false; }
+
+  std::size_t size() const override;
+  // Called while painting: a row that can't be read counts as gone.
+  std::optional<window::GridRow> row(std::size_t position) override;
+  std::vector<Range> provenance(std::size_t row, std::size_t position) override;
+  std::optional<Range> dataPart(std::size_t row) override;
+
+  // The next row after `after` (-1: from the first) with `text` in any of its columns, without regard to
+  // case, going round the end once, the row `after` last; nothing for an empty text. `progress` is called now
+  // and then. Throws DatabaseError.
+  std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t after,
+                                    const std::function<void(std::size_t done)>& progress);
+
+ private:
+  struct Kept {
+    std::size_t position = 0;
+    std::optional<window::GridRow> row;
+  };
+  std::optional<window::GridRow> read(std::size_t position);
+  const cFaultDisplay::Pieces& explanation(const window::GridRow& row);
+
+  store::StoreForm& form_;
+  database::RowList* rows_ = nullptr;
+  std::vector<database::Value> buffer_;
+  bool held_ = false;
+  std::size_t heldSize_ = 0;
+  std::array<Kept, 256> kept_;  // the last rows read, by position; more than a screen shows
+  // The last description explained: the pointer moves over one row for a while.
+  std::u16string explainedKind_, explainedText_;
+  cFaultDisplay::Pieces explained_;
+};
+
+}  // namespace vordane::comSSDataGrid

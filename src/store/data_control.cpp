@@ -1,0 +1,68 @@
+#include "store/data_control.h"
+
+#include <array>
+
+#include "text/numbers.h"
+
+namespace vordane::store {
+namespace {
+
+// The order in which the rows of the grid read their columns.
+constexpr std::array<std::u16string_view, 6> gridFields = {u"Fault", u"Alarm",       u"Date",
+                                                           u"CPU",   u"Description", u"Count"};
+constexpr int overflowNumber = 6;
+
+}  // namespace
+
+std::u16string textOf(const database::Value& value) {
+  return automation::isNull(value) ? std::u16string{} : automation::toText(value);
+}
+
+std::int16_t exchangeIdOf(const database::Value& value) {
+  try {
+    return automation::toInteger(value);
+  } catch (const automation::AutomationError&) {
+    const auto shown = automation::isNull(value) ? std::u16string(u"Null") : automation::toText(value);
+    throw database::DatabaseError(overflowNumber, u"PBXList.ID: " + shown);
+  }
+}
+
+void DataControl::Refresh(database::Database& database) {
+  drop();
+  if (!recordSource_.empty()) read(database);
+}
+
+void DataControl::clear() {
+  recordSource_.clear();
+  drop();
+}
+
+const ExchangeControl::Row& ExchangeControl::row() const {
+  if (row_ == nullptr && noRow_ != nullptr) std::rethrow_exception(noRow_);
+  if (row_ == nullptr) throw database::DatabaseError(noCurrentRow, u"PBXList");
+  return *row_;
+}
+
+void ExchangeControl::read(database::Database& database) {
+  const auto records = database.openRecordset(RecordSource());
+  try {
+    Row row{records->get(u"ID"), records->get(u"PBXName"), textOf(records->get(u"TimeStamp")),
+            records->isDate(u"TimeStamp")};
+    row_ = std::make_unique<Row>(std::move(row));
+  } catch (const database::DatabaseError&) {
+    if (!records->isEmpty()) throw;
+    noRow_ = std::current_exception();
+  }
+  records->close();
+}
+
+void ExchangeControl::drop() noexcept {
+  row_.reset();
+  noRow_ = nullptr;
+}
+
+void FaultControl::read(database::Database& database) {
+  rows_ = database.openRowList(RecordSource(), gridFields);
+}
+
+}  // namespace vordane::store

@@ -1,0 +1,261 @@
+#include "store/fault_store.h"
+
+#include <stdexcept>
+
+#include "language/message_numbers.h"
+#include "store/long_step.h"
+#include "store/statements.h"
+#include "store/stored_years.h"
+#include "store/time_stamp.h"
+#include "store/trap.h"
+#include "text/numbers.h"
+
+namespace vordane::store {
+namespace {
+
+constexpr std::int32_t databaseNotOpenCode = 3024;
+constexpr int dateColumn = 2;
+
+// What acts on faults is dead while none are shown.
+constexpr std::array<std::u16string_view, 4> faultButtons = {u"cmdPrint", u"cmdClear", u"cmdLookUp",
+                                                             u"cmdReset"};
+
+// While it lives, a choice in the drop-down comes from the program and shows nothing.
+class Filling {
+ public:
+  explicit Filling(bool& flag) : flag_(flag) { flag_ = true; }
+  ~Filling() { flag_ = false; }
+  Filling(const Filling&) = delete;
+  Filling& operator=(const Filling&) = delete;
+
+ private:
+  bool& flag_;
+};
+
+}  // namespace
+
+FaultStore::FaultStore(StoreForm& form) : form_(form), grid_(form) {}
+
+void FaultStore::SetSortFlags() {
+  for (int column = 0; column < sortableColumns; ++column)
+    ascending_[static_cast<std::size_t>(column)] = true;
+  ascending_[dateColumn] = false;
+}
+
+void FaultStore::close() {
+  grid_.show(nullptr);
+  datFaultDisplay_.clear();
+  datPBXList_.clear();
+}
+
+database::Database* FaultStore::openDatabase() {
+  database::Database* database = form_.faultDatabase();
+  if (database != nullptr) return database;
+  form_.hostMessage(messageText(form_.state(), message::databaseNotOpen));
+  if (form_.alive()) form_.hostCode(databaseNotOpenCode);
+  return nullptr;
+}
+
+bool FaultStore::showError(std::u16string_view engineText) {
+  form_.showBox(box::stepFailed, engineText);
+  return form_.alive();
+}
+
+bool FaultStore::trapDisplay(Report report, const std::function<void()>& steps) {
+  const auto failure = trap(steps);
+  if (!failure) return true;
+  emptyDisplay();
+  showFailure(*failure);
+  return report == Report::quiet || showError(*failure);
+}
+
+void FaultStore::showNoDatabase() {
+  if (!form_.alive()) return;
+  emptyDisplay();
+  form_.view().setNoticeKind(window::NoticeKind::failure);
+  form_.view().setNotice(messageText(form_.state(), message::noticeDatabaseClosed));
+}
+
+void FaultStore::showFailure(std::u16string_view engineText) {
+  form_.view().setNoticeKind(window::NoticeKind::failure);
+  form_.view().setNotice(fillText(messageText(form_.state(), message::reasonDatabase), {engineText}));
+}
+
+void FaultStore::emptyDisplay() {
+  grid_.show(nullptr);
+  datFaultDisplay_.clear();
+  datPBXList_.clear();
+  form_.form().control(u"txtTimeTag").set(u"Text", std::u16string{});
+  showLamps(false, false);
+  showRows();
+  showButtonStates();
+}
+
+void FaultStore::FillExchangeList() {
+  database::Database* database = openDatabase();
+  if (database == nullptr) return;
+  trapDisplay(Report::box, [&] { fillList(*database); });
+}
+
+void FaultStore::setExchangeName(std::u16string_view name) {
+  registeredName_ = name;
+  exchangeId_ = 0;
+  database::Database* database = openDatabase();
+  if (database == nullptr) return showNoDatabase();
+  const bool here = trapDisplay(Report::box, [&] {
+    exchangeId_ = idOfName(*database, name);
+    fillList(*database);
+    SelectExchange(*database);
+  });
+  if (here) showButtonStates();
+}
+
+void FaultStore::RefreshDisplay() {
+  database::Database* database = openDatabase();
+  if (database == nullptr) return showNoDatabase();
+  refresh(*database, Report::box);
+}
+
+void FaultStore::refresh(database::Database& database, Report report) {
+  const bool here = trapDisplay(report, [&] {
+    fillList(database);
+    SelectExchange(database);
+  });
+  if (here) showButtonStates();
+}
+
+void FaultStore::exchangeListClicked() {
+  if (filling_) return;
+  database::Database* database = openDatabase();
+  if (database == nullptr) return showNoDatabase();
+  if (trapDisplay(Report::box, [&] { SelectExchange(*database); })) showButtonStates();
+}
+
+void FaultStore::headingClicked(int column) {
+  if (column < 0 || column >= headingColumns) throw std::out_of_range("no such column of the fault grid");
+  database::Database* database = openDatabase();
+  if (database == nullptr) return showNoDatabase();
+  if (!trapDisplay(Report::box, [&] { SortFaultGrid(*database, column); })) return;
+  bool& ascending = ascending_[static_cast<std::size_t>(column)];
+  ascending = !ascending;
+}
+
+void FaultStore::DisplayAlarm() {
+  database::Database* database = form_.faultDatabase();
+  if (database == nullptr) return showLamps(false, false);
+  trapDisplay(Report::box, [&] { paintLamps(*database); });
+}
+
+void FaultStore::showButtonStates() {
+  const bool usable = grid_.size() != 0 && form_.state().runMode != RunMode::creatingSchedule;
+  for (const auto name : faultButtons) form_.form().control(name).set(u"Enabled", usable);
+}
+
+std::optional<std::size_t> FaultStore::lookUp(std::u16string_view text, std::ptrdiff_t after) {
+  database::Database* database = openDatabase();
+  if (database == nullptr) return {};
+  std::optional<std::size_t> found;
+  trapDisplay(Report::box, [&] {
+    LongStep step(form_, grid_, *database, message::noticeReading);
+    found = grid_.lookUp(text, after, [&](std::size_t done) { step.at(done, grid_.size()); });
+  });
+  if (form_.alive()) showCount();
+  return found;
+}
+
+// --- the steps of the display
+
+std::optional<FaultStore::Chosen> FaultStore::chosen() const {
+  const window::Control& list = form_.form().control(u"drpPBXList");
+  if (list.listIndex() < 0) return {};
+  const auto& entry = list.items().at(static_cast<std::size_t>(list.listIndex()));
+  return Chosen{entry.text, static_cast<std::int16_t>(entry.itemData)};
+}
+
+std::int16_t FaultStore::idOfName(database::Database& database, std::u16string_view name) {
+  if (name.empty()) return 0;
+  const auto found = database.openRecordset(findExchange(name));
+  const std::int16_t id = found->recordCount() < 1 ? std::int16_t{0} : exchangeIdOf(found->get(u"ID"));
+  found->close();
+  return id;
+}
+
+void FaultStore::fillList(database::Database& database) {
+  const Filling filling(filling_);
+  window::Control& list = form_.form().control(u"drpPBXList");
+  list.clearItems();
+  const auto rows = database.openRecordset(exchangesNewestFirst);
+  int position = 0;
+  for (; !rows->atEnd(); rows->moveNext()) {
+    const std::int16_t id = exchangeIdOf(rows->get(u"ID"));
+    const int entry = list.addItem(textOf(rows->get(u"PBXName")));
+    list.setItemData(entry, id);
+    if (id == exchangeId_) position = entry;
+  }
+  if (!list.items().empty()) list.setListIndex(position);
+  rows->close();
+}
+
+void FaultStore::SelectExchange(database::Database& database) {
+  widenStoredYears(form_, grid_, database);
+  refreshExchange(database);
+  // A newly shown exchange lists its faults newest first.
+  ascending_[dateColumn] = false;
+  SortFaultGrid(database, dateColumn);
+  paintLamps(database);
+}
+
+void FaultStore::refreshExchange(database::Database& database) {
+  const auto exchange = chosen();
+  datPBXList_.setRecordSource(exchange ? selectExchange(exchange->name, exchange->id) : std::u16string{});
+  datPBXList_.Refresh(database);
+  std::u16string received;
+  if (datPBXList_.hasRow())
+    received = shownTimeStamp(datPBXList_.row().timeStamp, datPBXList_.row().dated, form_.clock());
+  form_.form().control(u"txtTimeTag").set(u"Text", std::move(received));
+}
+
+void FaultStore::SortFaultGrid(database::Database& database, int column) {
+  refreshExchange(database);
+  // The last column has no order of its own: the grid is read again as it stands.
+  if (column < sortableColumns) {
+    const bool ascending = ascending_[static_cast<std::size_t>(column)];
+    sortKey_ = static_cast<SortKey>(ascending ? column : sortableColumns + column);
+    const auto exchange = chosen();
+    datFaultDisplay_.setRecordSource(exchange ? faultsOfExchange(exchange->id, sortKey_) : std::u16string{});
+  }
+  refreshFaults(database);
+}
+
+void FaultStore::refreshFaults(database::Database& database) {
+  {
+    const LongStep step(form_, grid_, database, message::noticeReading);
+    datFaultDisplay_.Refresh(database);
+  }
+  grid_.show(datFaultDisplay_.rows());
+  showRows();
+}
+
+void FaultStore::showRows() {
+  const bool empty = grid_.size() == 0;
+  form_.view().setRows(empty ? nullptr : &grid_);
+  form_.view().setSortMark(empty ? -1 : sortColumn(sortKey_), isDescending(sortKey_));
+  showCount();
+  if (empty) showNotice();
+}
+
+void FaultStore::showCount() {
+  const auto rows = text::decimal(static_cast<std::int64_t>(grid_.size()));
+  form_.view().setStatus(countPart, fillText(messageText(form_.state(), message::statusFaultCount), {rows}));
+}
+
+void FaultStore::showNotice() {
+  const auto exchange = chosen();
+  std::size_t notice = exchange ? message::noticeNoFaults : message::noticeFirstList;
+  if (!exchange && registeredName_.empty()) notice = message::noticeNoExchange;
+  form_.view().setNoticeKind(window::NoticeKind::hint);
+  form_.view().setNotice(
+      fillText(messageText(form_.state(), notice), {exchange ? exchange->name : registeredName_}));
+}
+
+}  // namespace vordane::store

@@ -1,0 +1,117 @@
+// The fault store of the window: takes fault lists in, shows the stored faults of one exchange, keeps the
+// lamps, prints and deletes. `dlgFaultDisplay` owns one and calls it from its dispatcher and its events.
+//
+// Every public procedure traps its own errors and shows them (box 102 with the engine's text), so none of
+// them throws but for an impossible column; each tests once whether FAULT.MDB is open and tells the host when
+// it is not. Boxes and calls of the host let other work in: each procedure stops, touching nothing more, when
+// StoreForm::alive() is false after one. One thread.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "store/comSSDataGrid.h"
+#include "store/data_control.h"
+#include "store/list_account.h"
+#include "store/sort_orders.h"
+#include "store/store_form.h"
+
+namespace vordane::store {
+
+class FaultStore {
+ public:
+  explicit FaultStore(StoreForm& form);
+  FaultStore(const FaultStore&) = delete;
+  FaultStore& operator=(const FaultStore&) = delete;
+
+  // --- the form's load and unload
+  void SetSortFlags();  // 0, 1, 3 and 4 ascending first, 2 descending; 5 is not touched
+  // Refills drpPBXList, newest list first, and selects the form's exchange or the first.
+  void FillExchangeList();
+  void close();  // before the database is closed: lets go of the rows; the view is not told; never throws
+
+  // --- the display
+  // `PBXName` was set: the form's exchange becomes the one of that name, or none; then RefreshDisplay.
+  void setExchangeName(std::u16string_view name);
+  void RefreshDisplay();
+  void exchangeListClicked();       // a choice in drpPBXList; nothing while the list is being filled
+  void headingClicked(int column);  // throws std::out_of_range outside 0-5
+  void DisplayAlarm();              // paints the lamps of the exchange shown; reports no missing database
+  void showButtonStates();          // print, clear, look up and reset follow the empty grid
+  // The next row holding `text` after `after` (-1: from the first), round the end once.
+  std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t after);
+
+  // --- actions
+  void IngestFaultList();  // action 10, ends with the acknowledgement or with StoreForm::endAction
+  void UpDateAlarm();      // action 12; the caller then paints the lamps and ends the action
+  void ClearAlarm();       // action 11; likewise
+  void PrintFaultReport();
+  void DeleteExchange();
+
+  std::int16_t exchangeId() const { return exchangeId_; }
+  SortKey sortKey() const { return sortKey_; }
+  const std::optional<ListAccount>& lastAccount() const { return account_; }
+  window::GridSource& rows() { return grid_; }
+  const ExchangeControl& datPBXList() const { return datPBXList_; }
+  const FaultControl& datFaultDisplay() const { return datFaultDisplay_; }
+
+ private:
+  struct Chosen {
+    std::u16string name;
+    std::int16_t id;
+  };
+  enum class Report { box, quiet };
+
+  // Null after telling the host that FAULT.MDB is not open.
+  database::Database* openDatabase();
+  // Runs steps of the display; an error empties it and, unless quiet, shows box 102. False when the form has
+  // gone meanwhile.
+  bool trapDisplay(Report report, const std::function<void()>& steps);
+  void refresh(database::Database& database, Report report);
+  void showNoDatabase();
+  void emptyDisplay();
+  void showFailure(std::u16string_view engineText);
+  // Box 102 and nothing else. False when the form has gone meanwhile.
+  bool showError(std::u16string_view engineText);
+
+  // The steps of the display; they throw.
+  std::optional<Chosen> chosen() const;
+  std::int16_t idOfName(database::Database& database, std::u16string_view name);
+  void fillList(database::Database& database);
+  void SelectExchange(database::Database& database);
+  void SortFaultGrid(database::Database& database, int column);
+  void refreshExchange(database::Database& database);
+  void refreshFaults(database::Database& database);
+  void paintLamps(database::Database& database);
+  void showLamps(bool major, bool minor);
+  void showRows();
+  void showCount();
+  void showNotice();
+
+  void storeLamps(bool major, bool minor);
+  void tellAccount(const ListAccount& account);
+  void endFailedList(std::u16string_view engineText);
+  bool showTakenList(bool somethingAdded, bool accessError);  // false when the form has gone meanwhile
+
+  StoreForm& form_;
+  ExchangeControl datPBXList_;
+  FaultControl datFaultDisplay_;
+  comSSDataGrid::FaultRows grid_;
+  std::u16string registeredName_;
+  std::int16_t exchangeId_ = 0;
+  bool filling_ = false;
+  std::array<bool, headingColumns> ascending_{};
+  SortKey sortKey_ = 0;
+  std::optional<ListAccount> account_;
+};
+
+// True when no row of the exchange agrees in all compared columns. Throws DatabaseError.
+bool FindSameFault(std::int16_t id, database::Database& database, std::u16string_view record,
+                   std::u16string_view date, std::u16string_view description);
+
+}  // namespace vordane::store

@@ -1,0 +1,250 @@
+// Taking a received fault list in: the exchange's row, the faults, the account, the acknowledgement.
+#include <algorithm>
+#include <vector>
+
+#include "language/message_numbers.h"
+#include "pbx/response_codes.h"
+#include "store/batch.h"
+#include "store/fault_record.h"
+#include "store/fault_store.h"
+#include "store/long_step.h"
+#include "store/statements.h"
+#include "store/time_stamp.h"
+#include "store/trap.h"
+#include "text/text.h"
+
+namespace vordane::store {
+namespace {
+
+// A fault is four entries in a row: record, date, two data texts.
+constexpr std::int32_t groupSize = 4;
+
+// What the exchange-access component sends in place of data begins with this.
+constexpr std::u16string_view accessErrorPrefix = u"ZUL_";
+
+struct Fault {
+  std::u16string_view record;
+  std::u16string date, description;
+};
+
+class Ingestion {
+ public:
+  explicit Ingestion(StoreForm& form)
+      : form_(form),
+        list_(form.response()),
+        decoder_(form.faultDecoder(form.requestWideFaultFields())),
+        outcomes_(countGroups()) {}
+
+  // Throw DatabaseError.
+  void stampExchange(database::Database& database, std::int16_t& exchangeId) const;
+  void storeFaults(database::Database& database, std::int16_t exchangeId, LongStep& step);
+
+  // After an error: what is truly there counts, in case saving failed and not only a statement.
+  void countAgain(database::Database& database, std::int16_t exchangeId, std::u16string error);
+
+  bool somethingAdded() const { return count(Outcome::added) > 0; }
+  ListAccount account() const;
+  void setNoDatabase() { noDatabase_ = true; }
+  const std::optional<std::u16string>& accessError() const { return accessError_; }
+  std::int32_t groups() const { return static_cast<std::int32_t>(outcomes_.size()); }
+
+ private:
+  enum class Outcome : std::uint8_t { refused, added, alreadyStored };
+
+  std::u16string_view entry(std::int32_t group, std::int32_t position) const {
+    return list_.FirstData(group * groupSize + position);
+  }
+  std::size_t countGroups() const;
+  std::int32_t count(Outcome outcome) const;
+  Fault fault(std::int32_t group) const;
+  const std::u16string* findAccessError(std::int32_t group) const;
+  static void add(database::Recordset& faults, std::int16_t exchangeId, const Fault& fault);
+  ListEnd end() const;
+
+  StoreForm& form_;
+  const cListRequest& list_;
+  const cFaultDisplay& decoder_;
+  std::vector<Outcome> outcomes_;  // one for each group received
+  std::optional<std::u16string> accessError_, error_;
+  bool noDatabase_ = false;
+};
+
+bool isEndMark(std::u16string_view record) {
+  return pbx::GetResponseCode(text::toUpper(text::trim(record))) == pbx::responseDataNotFound;
+}
+
+// Groups before the end mark, a last incomplete one counted.
+std::size_t Ingestion::countGroups() const {
+  const std::int32_t all = (list_.Count() + groupSize - 1) / groupSize;
+  std::int32_t groups = 0;
+  while (groups < all && !isEndMark(entry(groups, 0))) ++groups;
+  return static_cast<std::size_t>(groups);
+}
+
+std::int32_t Ingestion::count(Outcome outcome) const {
+  return static_cast<std::int32_t>(std::count(outcomes_.begin(), outcomes_.end(), outcome));
+}
+
+Fault Ingestion::fault(std::int32_t group) const {
+  const auto record = text::trim(entry(group, 0));
+  return {record, WidenYear(text::trim(entry(group, 1))),
+          decoder_.GetFaultMessage(record, text::trim(entry(group, 2)), text::trim(entry(group, 3)))};
+}
+
+// Tested on the entries as they came, blanks and all.
+const std::u16string* Ingestion::findAccessError(std::int32_t group) const {
+  for (std::int32_t position = 0; position < groupSize; ++position) {
+    const std::u16string& text = list_.FirstData(group * groupSize + position);
+    if (text.starts_with(accessErrorPrefix)) return &text;
+  }
+  return nullptr;
+}
+
+void Ingestion::stampExchange(database::Database& database, std::int16_t& exchangeId) const {
+  const std::u16string name = form_.requestPbxName();
+  auto exchange = database.openRecordset(findExchange(name));
+  if (exchange->recordCount() < 1) {
+    exchange->close();
+    exchange = database.openRecordset(allExchanges);
+    exchange->addNew();
+    exchange->set(u"PBXName", name);
+    stampNow(*exchange, form_.clock());
+    exchangeId = exchangeIdOf(exchange->get(u"ID"));
+  } else {
+    exchangeId = exchangeIdOf(exchange->get(u"ID"));
+    exchange->edit();
+    stampNow(*exchange, form_.clock());
+  }
+  exchange->update();
+  exchange->close();
+}
+
+void Ingestion::storeFaults(database::Database& database, std::int16_t exchangeId, LongStep& step) {
+  const auto faults = database.openRecordset(addFaults);
+  for (std::int32_t group = 0; group < groups(); ++group) {
+    step.at(static_cast<std::size_t>(group), outcomes_.size());
+    const Fault received = fault(group);
+    if (const auto* found = findAccessError(group)) {
+      accessError_ = *found;
+      break;
+    }
+    const bool isNew =
+        FindSameFault(exchangeId, database, received.record, received.date, received.description);
+    if (isNew) add(*faults, exchangeId, received);
+    outcomes_[static_cast<std::size_t>(group)] = isNew ? Outcome::added : Outcome::alreadyStored;
+  }
+  faults->close();
+}
+
+void Ingestion::add(database::Recordset& faults, std::int16_t exchangeId, const Fault& fault) {
+  faults.addNew();
+  faults.set(u"ID", exchangeId);
+  faults.set(u"Fault", std::u16string(faultKind(fault.record)));
+  faults.set(u"Alarm", std::u16string(alarmClass(fault.record)));
+  faults.set(u"CPU", processor(fault.record));
+  faults.set(u"Date", fault.date);
+  faults.set(u"Description", fault.description);
+  faults.update();
+}
+
+void Ingestion::countAgain(database::Database& database, std::int16_t exchangeId, std::u16string error) {
+  error_ = std::move(error);
+  std::size_t group = 0;
+  const auto failure = trap([&] {
+    for (; group < outcomes_.size() && outcomes_[group] != Outcome::refused; ++group) {
+      const Fault known = fault(static_cast<std::int32_t>(group));
+      if (FindSameFault(exchangeId, database, known.record, known.date, known.description))
+        outcomes_[group] = Outcome::refused;
+    }
+  });
+  if (failure)
+    std::fill(outcomes_.begin() + static_cast<std::ptrdiff_t>(group), outcomes_.end(), Outcome::refused);
+}
+
+ListEnd Ingestion::end() const {
+  if (noDatabase_) return ListEnd::noDatabase;
+  if (error_) return ListEnd::databaseError;
+  if (accessError_) return ListEnd::accessError;
+  if (form_.responseTruncated()) return ListEnd::tooLong;
+  const bool endMark = static_cast<std::int32_t>(outcomes_.size()) * groupSize < list_.Count();
+  return endMark || list_.Count() % groupSize == 0 ? ListEnd::complete : ListEnd::cutShort;
+}
+
+ListAccount Ingestion::account() const {
+  ListAccount account;
+  account.when = form_.clock().regional(form_.clock().now());
+  account.end = end();
+  if (account.end == ListEnd::databaseError) account.cause = *error_;
+  if (account.end == ListEnd::accessError) account.cause = text::trim(*accessError_);
+  account.received = groups();
+  account.added = count(Outcome::added);
+  account.alreadyStored = count(Outcome::alreadyStored);
+  return account;
+}
+
+// The statements of one ingestion; the engine's text when one of them failed.
+std::optional<std::u16string> takeList(StoreForm& form, comSSDataGrid::FaultRows& shown,
+                                       database::Database& database, Ingestion& list,
+                                       std::int16_t& exchangeId) {
+  return trap([&] {
+    Batch batch(database);
+    LongStep step(form, shown, database, message::noticeStoring);
+    list.stampExchange(database, exchangeId);
+    list.storeFaults(database, exchangeId, step);
+    batch.end();
+  });
+}
+
+}  // namespace
+
+bool FindSameFault(std::int16_t id, database::Database& database, std::u16string_view record,
+                   std::u16string_view date, std::u16string_view description) {
+  const std::u16string cpu = processor(record);
+  const auto same =
+      database.openRecordset(findFault(id, {faultKind(record), alarmClass(record), cpu, date, description}));
+  const bool isNew = same->recordCount() < 1;
+  same->close();
+  return isNew;
+}
+
+void FaultStore::IngestFaultList() {
+  Ingestion list(form_);
+  database::Database* database = openDatabase();
+  if (!form_.alive()) return;
+  std::optional<std::u16string> failure;
+  if (database == nullptr) {
+    list.setNoDatabase();
+  } else if ((failure = takeList(form_, grid_, *database, list, exchangeId_))) {
+    list.countAgain(*database, exchangeId_, *failure);
+  }
+  tellAccount(list.account());
+  if (failure) return endFailedList(*failure);
+  if (database != nullptr && !showTakenList(list.somethingAdded(), list.accessError().has_value())) return;
+  if (!form_.AcknowledgeFaultList() && form_.alive()) form_.endAction();
+}
+
+void FaultStore::tellAccount(const ListAccount& account) {
+  account_ = account;
+  form_.view().setStatus(accountPart, statusText(form_.state(), account));
+  form_.listTaken(account);
+}
+
+// The list was not taken in whole, so it is not acknowledged: the exchange keeps it.
+void FaultStore::endFailedList(std::u16string_view engineText) {
+  if (!showError(engineText)) return;
+  if (database::Database* database = form_.faultDatabase()) refresh(*database, Report::quiet);
+  form_.endAction();
+}
+
+bool FaultStore::showTakenList(bool somethingAdded, bool accessError) {
+  if (!somethingAdded) {
+    form_.hostMessage(messageText(form_.state(), message::noNewFaults));
+    if (!form_.alive()) return false;
+    form_.showBox(accessError ? box::stepFailed : box::noNewFaults);
+    if (!form_.alive()) return false;
+  }
+  if (database::Database* database = form_.faultDatabase()) refresh(*database, Report::box);
+  return form_.alive();
+}
+
+}  // namespace vordane::store

@@ -1,0 +1,41 @@
+// A step that may take long: while it is alive the window says what is being done and keeps painting, the
+// grid from the rows it has painted before, since the engine can't be asked inside its own step. Input, timer
+// and automation stay outside.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "store/comSSDataGrid.h"
+#include "store/store_form.h"
+
+namespace vordane::store {
+
+// The parts of the status line that the store writes.
+inline constexpr int accountPart = 0, countPart = 1;
+
+class LongStep {
+ public:
+  // `pattern` is a message; a place {1} takes what is done, {2} what there is to do.
+  LongStep(StoreForm& form, comSSDataGrid::FaultRows& rows, database::Database& database,
+           std::size_t pattern);
+  ~LongStep();
+  LongStep(const LongStep&) = delete;
+  LongStep& operator=(const LongStep&) = delete;
+
+  // Paints when the last time was long enough ago.
+  void at(std::size_t done, std::size_t of);
+
+ private:
+  void paint();
+  bool due();
+
+  StoreForm& form_;
+  comSSDataGrid::FaultRows& rows_;
+  database::Database& database_;
+  std::size_t pattern_;
+  std::size_t done_ = 0, of_ = 0;
+  double last_;
+};
+
+}  // namespace vordane::store

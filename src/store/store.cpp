@@ -1,1 +1,0 @@
-#include "store/store_form.h"

@@ -1,0 +1,53 @@
+#include "store/time_stamp.h"
+
+#include <optional>
+
+#include "text/numbers.h"
+#include "text/text.h"
+
+namespace vordane::store {
+namespace {
+
+constexpr std::u16string_view column = u"TimeStamp";
+constexpr std::u16string_view datePattern = u"0000-00-00 00:00:00";
+
+std::u16string dateText(const platform::LocalTime& time) {
+  struct Part {
+    int value, digits;
+    std::u16string_view after;
+  };
+  std::u16string result;
+  for (const Part& part : {Part{time.year, 4, u"-"}, Part{time.month, 2, u"-"}, Part{time.day, 2, u" "},
+                           Part{time.hour, 2, u":"}, Part{time.minute, 2, u":"}, Part{time.second, 2, u""}})
+    result.append(text::decimalPadded(part.value, part.digits)).append(part.after);
+  return result;
+}
+
+bool isDateText(std::u16string_view text) {
+  if (text.size() != datePattern.size()) return false;
+  for (std::size_t i = 0; i < text.size(); ++i)
+    if (datePattern[i] == u'0' ? !text::isDecimalDigit(text[i]) : text[i] != datePattern[i]) return false;
+  return true;
+}
+
+std::optional<platform::LocalTime> parseDate(std::u16string_view text) {
+  if (!isDateText(text)) return {};
+  const auto field = [&](std::size_t start, std::size_t length) {
+    return static_cast<int>(text::decimalField(text::middle(text, start, length)));
+  };
+  return platform::LocalTime{field(1, 4), field(6, 2), field(9, 2), field(12, 2), field(15, 2), field(18, 2)};
+}
+
+}  // namespace
+
+void stampNow(database::Recordset& row, platform::Clock& clock) {
+  const auto now = clock.now();
+  row.set(column, row.isDate(column) ? dateText(now) : clock.regional(now));
+}
+
+std::u16string shownTimeStamp(std::u16string_view stored, bool dated, platform::Clock& clock) {
+  const auto time = dated ? parseDate(stored) : std::nullopt;
+  return time ? clock.regional(*time) : std::u16string(stored);
+}
+
+}  // namespace vordane::store

@@ -1,0 +1,21 @@
+#!/usr/bin/env bash
+# Runs a command inside the root that holds Wine for both word sizes: in-root.sh COMMAND [ARGUMENT ...].
+# The repository, /tmp and the folders named in VORDANE_BIND (separated by ":") stand at the same places in
+# there; the mounts live in a namespace of their own and go with it.
+set -euo pipefail
+
+repository=$(cd "$(dirname "$0")/../.." && pwd)
+root=$("$repository/tools/setup/wine32-root.sh")
+folders="$repository:/tmp${VORDANE_BIND:+:$VORDANE_BIND}"
+exec unshare --mount bash -c '
+  set -e
+  root="$1"; folders="$2"; place="$3"; shift 3
+  mount -t proc proc "$root/proc"
+  IFS=:
+  for folder in $folders; do
+    mkdir -p "$folder" "$root$folder"
+    mount --bind "$folder" "$root$folder"
+  done
+  unset IFS
+  exec chroot "$root" env HOME=/root VORDANE_INSIDE_ROOT=1 bash -c "cd \"\$1\" && shift && exec \"\$@\"" - "$place" "$@"
+' - "$root" "$folders" "$repository" "$@"

@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that building and testing need, and nothing when they are all there.
+set -euo pipefail
+. "$(dirname "$0")/common.sh"
+
+packages=(
+  # building
+  g++ cmake ninja-build make gawk unicode-data
+  g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools libwine-dev
+  # SQLite from Debian's sources
+  dpkg-dev tcl ca-certificates
+  # importing Access files
+  mdbtools mdbtools-dev libglib2.0-dev pkg-config
+  # testing
+  googletest libgtest-dev libgmock-dev clang libclang-rt-14-dev
+  # running Windows programs without a screen, and looking at them
+  wine wine64 xvfb xauth xdotool openbox imagemagick fonts-dejavu-core fonts-noto-core fonts-vlgothic
+  # the root for 32-bit Wine
+  debootstrap
+)
+
+missing=()
+for package in "${packages[@]}"; do
+  [ "$(dpkg-query -W -f '${Status}' "$package" 2>/dev/null)" = "install ok installed" ] || missing+=("$package")
+done
+[ ${#missing[@]} -gt 0 ] || exit 0
+
+[ "$(id -u)" = 0 ] || fail "these packages are missing, run as root or install them: ${missing[*]}"
+say "installing ${missing[*]}"
+export DEBIAN_FRONTEND=noninteractive
+{
+  apt-get update
+  apt-get install -y --no-install-recommends "${missing[@]}"
+} >"$cache/packages.log" 2>&1 || { tail -n 20 "$cache/packages.log" >&2; fail "packages could not be installed"; }

@@ -1,0 +1,29 @@
+#!/usr/bin/env bash
+# Makes a Wine prefix: wine-prefix.sh DIR. Does nothing when DIR is one already. The fonts that a current
+# Windows has are replaced by free ones that are installed here, so that windows show real text in every
+# language.
+set -euo pipefail
+
+prefix="$1"
+[ -f "$prefix/.vordane-ready" ] && exit 0
+
+export WINEPREFIX="$prefix" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe="
+unset DISPLAY
+mkdir -p "$(dirname "$prefix")"
+# A new prefix hung a few times without a cause found: a second try has always worked.
+for _ in 1 2 3; do
+  if timeout 120 wineboot --init >/dev/null 2>&1; then break; fi
+  timeout 20 wineserver -k || true
+  rm -rf "$prefix"
+done
+
+replace() { timeout 60 wine reg add 'HKCU\Software\Wine\Fonts\Replacements' /v "$1" /d "$2" /f >/dev/null 2>&1; }
+for face in 'Segoe UI' 'Segoe UI Semibold' 'Tahoma' 'MS Shell Dlg' 'MS Shell Dlg 2' 'Microsoft Sans Serif'; do
+  replace "$face" 'DejaVu Sans'
+done
+for face in 'Consolas' 'Courier New' 'Cascadia Mono'; do replace "$face" 'DejaVu Sans Mono'; done
+for face in 'Yu Gothic UI' 'Meiryo' 'Meiryo UI' 'MS UI Gothic' 'MS PGothic'; do replace "$face" 'VL PGothic'; done
+for face in 'MS Gothic' 'Yu Gothic'; do replace "$face" 'VL Gothic'; done
+timeout 60 wineserver -w || timeout 20 wineserver -k
+[ -f "$prefix/system.reg" ] || { echo "the Wine prefix $prefix could not be made" >&2; exit 1; }
+touch "$prefix/.vordane-ready"
