@@ -47,6 +47,10 @@ class TextsWithout : public FaultTexts {
       : missingMessage_(missingMessage), missingList_(missingList) {}
   static TextsWithout noMessage(int number) { return {number, -1}; }
   static TextsWithout noListOf(int kind) { return {-1, kind}; }
+  void without(int missingMessage, int missingList) {
+    missingMessage_ = missingMessage;
+    missingList_ = missingList;
+  }
 
   const std::u16string* message(int number) const override {
     return number == missingMessage_ ? nullptr : texts_.message(number);
