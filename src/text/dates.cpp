@@ -33,15 +33,16 @@ std::u16string isoMoment(double days) {
   constexpr std::int64_t secondsOfDay = 86400, epoch = 693899;  // 1899-12-30 counted from 0000-03-01
   double whole = std::trunc(days);
   // Before the epoch the fraction still counts forward from midnight.
-  auto seconds = static_cast<std::int64_t>(std::llround(std::fabs(days - whole) * static_cast<double>(secondsOfDay)));
+  auto seconds =
+      static_cast<std::int64_t>(std::llround(std::fabs(days - whole) * static_cast<double>(secondsOfDay)));
   if (seconds == secondsOfDay) {
     seconds = 0;
     whole += 1;
   }
   const Day date = civil(static_cast<std::int64_t>(whole) + epoch);
   const auto two = [](std::int64_t value) { return decimalPadded(value, 2); };
-  return decimalPadded(date.year, 4) + u"-" + two(date.month) + u"-" + two(date.day) + u" " + two(seconds / 3600) +
-         u":" + two(seconds / 60 % 60) + u":" + two(seconds % 60);
+  return decimalPadded(date.year, 4) + u"-" + two(date.month) + u"-" + two(date.day) + u" " +
+         two(seconds / 3600) + u":" + two(seconds / 60 % 60) + u":" + two(seconds % 60);
 }
 
 }  // namespace vordane::text

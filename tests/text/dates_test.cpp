@@ -12,7 +12,9 @@ TEST(IsoMoment, CountsFromTheEndOf1899) {
   EXPECT_EQ(isoMoment(36585.99999), u"2000-02-29 23:59:59");
 }
 
-TEST(IsoMoment, RoundsToTheSecondIntoTheNextDay) { EXPECT_EQ(isoMoment(59.9999999), u"1900-02-28 00:00:00"); }
+TEST(IsoMoment, RoundsToTheSecondIntoTheNextDay) {
+  EXPECT_EQ(isoMoment(59.9999999), u"1900-02-28 00:00:00");
+}
 
 TEST(IsoMoment, BeforeTheFirstDayTheTimeStillRunsForward) {
   EXPECT_EQ(isoMoment(-1.25), u"1899-12-29 06:00:00");
