@@ -10,6 +10,14 @@ if(VORDANE_SANITIZE)
   add_link_options(-fsanitize=address,undefined)
 endif()
 
+# Fuzz targets are built by clang in a tree of their own (tests/fuzz); warnings are the other builds' business.
+option(VORDANE_FUZZ "Build for the fuzz targets" OFF)
+if(VORDANE_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all
+    -fno-omit-frame-pointer -O1 -gline-tables-only)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+
 if(WIN32)
   # One file to copy: no run-time libraries beside the programs.
   add_link_options(-static)
@@ -18,6 +26,9 @@ endif()
 
 # One library for each folder of src. Its own warnings are errors; third-party code is linked as SYSTEM.
 function(vordane_warnings target)
+  if(VORDANE_FUZZ)
+    return()
+  endif()
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
     -Woverloaded-virtual -Wimplicit-fallthrough -Werror)
   # GCC 12 takes a literal joined to a text for overlapping copies (its bug 105651).
