@@ -1,0 +1,134 @@
+#include "platform/windows/com/apartment.h"
+
+#include <objidl.h>
+
+#include <array>
+
+#include "platform/automation.h"
+#include "platform/call_filter.h"
+
+namespace vordane::com {
+namespace {
+
+// A crash must show instead of becoming a strange answer, and a client that died must be noticed in
+// seconds. Wine knows neither option; that is no reason not to run.
+void setProcessOptions() {
+  ComPtr<IGlobalOptions> options;
+  if (FAILED(CoCreateInstance(CLSID_GlobalOptions, nullptr, CLSCTX_INPROC_SERVER, IID_IGlobalOptions,
+                              options.putVoid())))
+    return;
+  options->Set(COMGLB_EXCEPTION_HANDLING, COMGLB_EXCEPTION_DONOT_HANDLE_ANY);
+  options->Set(COMGLB_RO_SETTINGS, COMGLB_FAST_RUNDOWN);
+}
+
+}  // namespace
+
+// The object that COM asks while an outgoing call waits. Accepts everything that comes in.
+class Apartment::Filter final : public IMessageFilter {
+ public:
+  explicit Filter(platform::CallQuestions& questions) : rules(questions) {}
+  virtual ~Filter() = default;
+
+  platform::CallFilter rules;
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
+    if (out == nullptr) return E_POINTER;
+    const bool known = iid == IID_IUnknown || iid == IID_IMessageFilter;
+    *out = known ? static_cast<IMessageFilter*>(this) : nullptr;
+    if (known) AddRef();
+    return known ? S_OK : E_NOINTERFACE;
+  }
+  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+  ULONG STDMETHODCALLTYPE Release() override {
+    const ULONG left = --references_;
+    if (left == 0) delete this;
+    return left;
+  }
+
+  DWORD STDMETHODCALLTYPE HandleInComingCall(DWORD, HTASK, DWORD, LPINTERFACEINFO) override {
+    return SERVERCALL_ISHANDLED;
+  }
+
+  DWORD STDMETHODCALLTYPE RetryRejectedCall(HTASK, DWORD elapsed, DWORD) override {
+    return static_cast<DWORD>(rules.rejected(elapsed));
+  }
+
+  DWORD STDMETHODCALLTYPE MessagePending(HTASK, DWORD elapsed, DWORD) override {
+    rules.waiting(GetTickCount(), elapsed, inputWaits());
+    return PENDINGMSG_WAITDEFPROCESS;
+  }
+
+ private:
+  static bool inputWaits() {
+    constexpr std::array<UINT, 5> presses{WM_KEYDOWN, WM_SYSKEYDOWN, WM_LBUTTONDOWN, WM_RBUTTONDOWN,
+                                          WM_NCLBUTTONDOWN};
+    MSG message;
+    for (const UINT press : presses)
+      if (PeekMessageW(&message, nullptr, press, press, PM_NOREMOVE | PM_NOYIELD)) return true;
+    return false;
+  }
+
+  ULONG references_ = 0;
+};
+
+Apartment::Apartment() {
+  const HRESULT result = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
+  if (FAILED(result)) throw automation::AutomationError(result);
+  setProcessOptions();
+  // The workstation's own access rules, nothing for everyone: what an unnamed application gets.
+  CoInitializeSecurity(nullptr, -1, nullptr, nullptr, 0, 0, nullptr, EOAC_APPID, nullptr);
+}
+
+Apartment::~Apartment() {
+  if (filter_) CoRegisterMessageFilter(nullptr, nullptr);
+  filter_ = nullptr;
+  CoUninitialize();
+}
+
+void Apartment::filterCalls(platform::CallQuestions& questions) {
+  rules_ = new Filter(questions);
+  filter_ = ComPtr<IMessageFilter>(rules_);
+  CoRegisterMessageFilter(filter_.get(), nullptr);
+}
+
+void Apartment::setCallTimes(const platform::CallTimes& times) {
+  if (rules_ != nullptr) rules_->rules.setTimes(times);
+}
+
+int runMessageLoop(const std::function<bool(MSG&)>& translate) {
+  MSG message{};
+  while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+    if (translate && translate(message)) continue;
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+  }
+  return static_cast<int>(message.wParam);
+}
+
+bool serveMessages() {
+  MSG message;
+  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+    if (message.message == WM_QUIT) {
+      PostQuitMessage(static_cast<int>(message.wParam));
+      return false;
+    }
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+  }
+  return true;
+}
+
+bool serveMessagesUntil(const std::function<bool()>& done, int milliseconds) {
+  const ULONGLONG end = GetTickCount64() + static_cast<ULONGLONG>(milliseconds);
+  constexpr DWORD longestNap = 50;  // `done` may turn true without a message
+  while (!done()) {
+    const ULONGLONG now = GetTickCount64();
+    if (now >= end) return false;
+    const DWORD nap = end - now < longestNap ? static_cast<DWORD>(end - now) : longestNap;
+    MsgWaitForMultipleObjectsEx(0, nullptr, nap, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+    if (!serveMessages()) return false;
+  }
+  return true;
+}
+
+}  // namespace vordane::com

@@ -1,0 +1,235 @@
+#include "platform/windows/com/class_server.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <thread>
+#include <utility>
+
+#include "platform/server_life.h"
+#include "platform/windows/com/errors.h"
+#include "platform/windows/com/host_watch.h"
+#include "platform/windows/com/objects.h"
+#include "platform/windows/com/values.h"
+
+namespace vordane::com {
+namespace {
+
+constexpr UINT messageEnd = WM_APP + 1;
+constexpr UINT messageHostDied = WM_APP + 2;
+constexpr UINT_PTR timerUnused = 1;
+constexpr UINT unusedFor = 60000;     // a start that nobody used, in milliseconds
+constexpr DWORD endingAtMost = 2000;  // from the wish to end, in milliseconds
+
+constexpr const wchar_t* windowClass = L"VordaneProcess";
+
+// An outgoing call may be waiting below us, in which posted messages are not dispatched; the other program
+// may never answer it.
+void endAfterDeadline() {
+  std::thread([] {
+    Sleep(endingAtMost);
+    TerminateProcess(GetCurrentProcess(), 0);
+  }).detach();
+}
+
+}  // namespace
+
+class ClassServer::Impl {
+ public:
+  explicit Impl(Apartment& home) : apartment(home), window_(makeWindow()), watch(window_, messageHostDied) {}
+  ~Impl() {
+    stopServing();
+    DestroyWindow(window_);
+  }
+  Impl(const Impl&) = delete;
+  Impl& operator=(const Impl&) = delete;
+
+  void serve(std::vector<ServedClass> classes);
+  void stopServing();
+  void end();
+  ComPtr<IDispatch> create(const ServedClass& entry);
+  void lock(bool on);
+  bool serving() const { return serving_; }
+
+  Apartment& apartment;
+
+ private:
+  class Factory;
+
+  static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+  HWND makeWindow();
+  void released(const automation::Object* object);
+  void endWhenOver();
+  void hostDied(WPARAM number);
+
+  HWND window_;
+
+ public:
+  HostWatch watch;
+
+ private:
+  std::vector<ServedClass> classes_;
+  std::vector<DWORD> registrations_;
+  platform::ServerLife life_;
+  bool serving_ = false;
+  bool ending_ = false;
+};
+
+// One class's factory. COM keeps it as long as it is registered; a client may keep it longer.
+class ClassServer::Impl::Factory final : public IClassFactory {
+ public:
+  Factory(Impl& server, const ServedClass& served)
+      : server_(server), served_(served), clsid_(toGuid(served.clsid)) {}
+  virtual ~Factory() = default;
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
+    if (out == nullptr) return E_POINTER;
+    const bool known = iid == IID_IUnknown || iid == IID_IClassFactory;
+    *out = known ? static_cast<IClassFactory*>(this) : nullptr;
+    if (known) AddRef();
+    return known ? S_OK : E_NOINTERFACE;
+  }
+  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+  ULONG STDMETHODCALLTYPE Release() override {
+    const ULONG left = --references_;
+    if (left == 0) delete this;
+    return left;
+  }
+
+  HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** out) override {
+    if (out == nullptr) return E_POINTER;
+    *out = nullptr;
+    if (outer != nullptr) return CLASS_E_NOAGGREGATION;
+    if (!server_.serving()) return createElsewhere(iid, out);
+    return answerPlain([&] {
+      const ComPtr<IDispatch> object = server_.create(served_);
+      const HRESULT result = object->QueryInterface(iid, out);
+      if (FAILED(result)) throw Refusal{result};
+    });
+  }
+
+  HRESULT STDMETHODCALLTYPE LockServer(BOOL on) override {
+    return answerPlain([&] { server_.lock(on != FALSE); });
+  }
+
+ private:
+  // This request was under way when the ending began: a new process takes it.
+  HRESULT createElsewhere(REFIID iid, void** out) const {
+    const HRESULT result = CoCreateInstance(clsid_, nullptr, CLSCTX_LOCAL_SERVER, iid, out);
+    return SUCCEEDED(result) ? result : CO_E_SERVER_STOPPING;
+  }
+
+  Impl& server_;
+  const ServedClass& served_;
+  GUID clsid_;
+  std::atomic<ULONG> references_{0};
+};
+
+LRESULT CALLBACK ClassServer::Impl::procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  auto* self = reinterpret_cast<Impl*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+  if (self == nullptr) return DefWindowProcW(window, message, wParam, lParam);
+  if (message == messageEnd) {
+    PostQuitMessage(0);
+  } else if (message == messageHostDied) {
+    self->hostDied(wParam);
+  } else if (message == WM_TIMER && wParam == timerUnused) {
+    KillTimer(window, timerUnused);
+    if (self->life_.neverUsed()) self->end();
+  } else {
+    return DefWindowProcW(window, message, wParam, lParam);
+  }
+  return 0;
+}
+
+HWND ClassServer::Impl::makeWindow() {
+  WNDCLASSW entry{};
+  entry.lpfnWndProc = procedure;
+  entry.hInstance = GetModuleHandleW(nullptr);
+  entry.lpszClassName = windowClass;
+  RegisterClassW(&entry);
+  const HWND window =
+      CreateWindowExW(0, windowClass, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, entry.hInstance, nullptr);
+  SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+  return window;
+}
+
+void ClassServer::Impl::serve(std::vector<ServedClass> classes) {
+  classes_ = std::move(classes);
+  serving_ = true;
+  for (const ServedClass& served : classes_) {
+    const ComPtr<IClassFactory> factory(new Factory(*this, served));
+    DWORD registration = 0;
+    const HRESULT result = CoRegisterClassObject(toGuid(served.clsid), factory.get(), CLSCTX_LOCAL_SERVER,
+                                                 REGCLS_MULTIPLEUSE | REGCLS_SUSPENDED, &registration);
+    if (FAILED(result)) throw automation::AutomationError(result);
+    registrations_.push_back(registration);
+  }
+  const HRESULT result = CoResumeClassObjects();
+  if (FAILED(result)) throw automation::AutomationError(result);
+  SetTimer(window_, timerUnused, unusedFor, nullptr);
+}
+
+void ClassServer::Impl::stopServing() {
+  serving_ = false;
+  for (const DWORD registration : std::exchange(registrations_, {})) CoRevokeClassObject(registration);
+}
+
+void ClassServer::Impl::end() {
+  stopServing();
+  refusePublicCalls();
+  if (std::exchange(ending_, true)) return;
+  endAfterDeadline();
+  PostMessageW(window_, messageEnd, 0, 0);
+}
+
+ComPtr<IDispatch> ClassServer::Impl::create(const ServedClass& entry) {
+  const bool endsItself = entry.endsItself;
+  automation::ObjectRef object = entry.create();
+  const automation::Object* name = object.get();
+  life_.created(endsItself);
+  return exportObject(object, LifeToken(nullptr, [this, name](void*) { released(name); }));
+}
+
+void ClassServer::Impl::lock(bool on) {
+  life_.locked(on);
+  endWhenOver();
+}
+
+void ClassServer::Impl::released(const automation::Object* object) {
+  watch.forget(object);
+  life_.released();
+  endWhenOver();
+}
+
+void ClassServer::Impl::endWhenOver() {
+  if (life_.over()) end();
+}
+
+void ClassServer::Impl::hostDied(WPARAM number) {
+  if (const automation::Object* layer = watch.takeDead(number))
+    disconnectObject(const_cast<automation::Object&>(*layer));
+}
+
+ClassServer::ClassServer(Apartment& apartment) : impl_(std::make_unique<Impl>(apartment)) {}
+ClassServer::~ClassServer() = default;
+
+void ClassServer::serve(std::vector<ServedClass> classes) {
+  impl_->serve(std::move(classes));
+}
+void ClassServer::setCallTimes(const platform::CallTimes& times) {
+  impl_->apartment.setCallTimes(times);
+}
+void ClassServer::stopServing() {
+  impl_->stopServing();
+}
+void ClassServer::end() {
+  impl_->end();
+}
+void ClassServer::endAtOnce() {
+  TerminateProcess(GetCurrentProcess(), 1);
+  std::abort();  // not reached
+}
+void ClassServer::watchHost(automation::Object& layer, const automation::ObjectRef& host) {
+  impl_->watch.watch(&layer, host);
+}
+
+}  // namespace vordane::com

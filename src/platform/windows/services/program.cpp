@@ -1,0 +1,83 @@
+#include <windows.h>
+
+#include <shellapi.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "platform/command_line.h"
+#include "platform/windows/com/owned.h"
+#include "platform/windows/services/services.h"
+
+namespace vordane::windows {
+namespace {
+
+constexpr std::size_t longestPath = 32768;
+
+std::wstring modulePath() {
+  std::vector<wchar_t> buffer(longestPath);
+  const DWORD length = GetModuleFileNameW(nullptr, buffer.data(), static_cast<DWORD>(buffer.size()));
+  return {buffer.data(), length};
+}
+
+// Started through a short name, the directory would not show where it stands.
+std::wstring longName(const std::wstring& path) {
+  std::vector<wchar_t> buffer(longestPath);
+  const DWORD length = GetLongPathNameW(path.c_str(), buffer.data(), static_cast<DWORD>(buffer.size()));
+  return length == 0 || length >= buffer.size() ? path : std::wstring(buffer.data(), length);
+}
+
+// The numbers of the version resource; zeros without one.
+void readVersion(const std::wstring& path, platform::Program& program) {
+  DWORD ignored = 0;
+  const DWORD size = GetFileVersionInfoSizeW(path.c_str(), &ignored);
+  std::vector<BYTE> data(size);
+  VS_FIXEDFILEINFO* fixed = nullptr;
+  UINT length = 0;
+  if (size == 0 || !GetFileVersionInfoW(path.c_str(), 0, size, data.data()) ||
+      !VerQueryValueW(data.data(), L"\\", reinterpret_cast<void**>(&fixed), &length) ||
+      length < sizeof *fixed)
+    return;
+  program.major = HIWORD(fixed->dwFileVersionMS);
+  program.minor = LOWORD(fixed->dwFileVersionMS);
+  program.revision = HIWORD(fixed->dwFileVersionLS);
+}
+
+}  // namespace
+
+std::u16string executablePath() {
+  const std::wstring path = longName(modulePath());
+  return {path.begin(), path.end()};
+}
+
+platform::Program thisProgram() {
+  platform::Program program;
+  const std::u16string path = executablePath();
+  program.directory = path.substr(0, path.rfind(u'\\'));
+  const platform::CommandLine line =
+      platform::parseCommandLine(platform::withoutProgramName(com::fromWide(GetCommandLineW())));
+  program.commandLine = line.text;
+  program.startedByAutomation = line.start == platform::Start::byAutomation;
+  readVersion({path.begin(), path.end()}, program);
+  program.interactive = stationIsVisible();
+  return program;
+}
+
+bool stationIsVisible() {
+  USEROBJECTFLAGS flags{};
+  DWORD needed = 0;
+  const HWINSTA station = GetProcessWindowStation();
+  if (!GetUserObjectInformationW(station, UOI_FLAGS, &flags, sizeof flags, &needed)) return true;
+  return (flags.dwFlags & WSF_VISIBLE) != 0;
+}
+
+bool openDocument(std::u16string_view path) {
+  const std::wstring name(path.begin(), path.end());
+  if (GetFileAttributesW(name.c_str()) == INVALID_FILE_ATTRIBUTES) return false;
+  constexpr INT_PTR firstSuccess = 33;  // up to 32 the answer is an error code
+  return reinterpret_cast<INT_PTR>(
+             ShellExecuteW(nullptr, L"open", name.c_str(), nullptr, nullptr, SW_SHOWNORMAL)) >= firstSuccess;
+}
+
+}  // namespace vordane::windows

@@ -1,0 +1,58 @@
+#include <string>
+
+#include "platform/windows/com/owned.h"
+#include "platform/windows/services/services.h"
+
+namespace vordane::windows {
+namespace {
+
+std::wstring toWide(std::u16string_view text) {
+  return {text.begin(), text.end()};
+}
+
+std::wstring keyOf(std::u16string_view application, std::u16string_view section) {
+  return L"Software\\VB and VBA Program Settings\\" + toWide(application) + L"\\" + toWide(section);
+}
+
+// The value's text without the closing zero that most writers, not all, store with it.
+std::u16string textOf(const std::wstring& buffer, DWORD bytes) {
+  std::u16string text(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(bytes / sizeof(wchar_t)));
+  if (!text.empty() && text.back() == u'\0') text.pop_back();
+  return text;
+}
+
+}  // namespace
+
+std::optional<std::u16string> RegistrySettings::read(std::u16string_view application,
+                                                     std::u16string_view section, std::u16string_view key) {
+  com::RegistryKey opened;
+  if (RegOpenKeyExW(HKEY_CURRENT_USER, keyOf(application, section).c_str(), 0, KEY_READ, opened.put()) !=
+      ERROR_SUCCESS)
+    return {};
+  const std::wstring name = toWide(key);
+  DWORD type = 0;
+  DWORD bytes = 0;
+  if (RegQueryValueExW(opened.get(), name.c_str(), nullptr, &type, nullptr, &bytes) != ERROR_SUCCESS ||
+      type != REG_SZ)
+    return {};
+  std::wstring buffer(bytes / sizeof(wchar_t) + 1, L'\0');
+  bytes = static_cast<DWORD>(buffer.size() * sizeof(wchar_t));
+  if (RegQueryValueExW(opened.get(), name.c_str(), nullptr, &type, reinterpret_cast<BYTE*>(buffer.data()),
+                       &bytes) != ERROR_SUCCESS ||
+      type != REG_SZ)
+    return {};
+  return textOf(buffer, bytes);
+}
+
+void RegistrySettings::write(std::u16string_view application, std::u16string_view section,
+                             std::u16string_view key, std::u16string_view value) {
+  com::RegistryKey opened;
+  if (RegCreateKeyExW(HKEY_CURRENT_USER, keyOf(application, section).c_str(), 0, nullptr, 0, KEY_WRITE,
+                      nullptr, opened.put(), nullptr) != ERROR_SUCCESS)
+    return;
+  const std::wstring text = toWide(value);
+  RegSetValueExW(opened.get(), toWide(key).c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
+                 static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+}
+
+}  // namespace vordane::windows
