@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "platform/member_table.h"
+#include "text/dates.h"
 #include "text/numbers.h"
 #include "text/text.h"
 #include "text/utf8.h"
@@ -93,6 +94,7 @@ double toDouble(const Value& value) {
                                [](bool flag) { return flag ? -1.0 : 0.0; },
                                [](const std::u16string& text) { return numberOf(text); },
                                [](const ObjectRef&) -> double { mismatch(); },
+                               [](Date moment) { return moment.days; },
                                [](auto number) { return static_cast<double>(number); }},
                     value);
 }
@@ -119,6 +121,7 @@ std::u16string toText(const Value& value) {
                                [](bool flag) { return std::u16string(flag ? u"True" : u"False"); },
                                [](const std::u16string& text) { return text; },
                                [](const ObjectRef&) -> std::u16string { mismatch(); },
+                               [](Date moment) { return text::isoMoment(moment.days); },
                                [](float number) { return textOf(number); },
                                [](double number) { return textOf(number); },
                                [](auto integer) { return text::decimal(integer); }},

@@ -29,10 +29,15 @@ struct Null {
 struct Missing {
   bool operator==(const Missing&) const = default;
 };
+// A moment: days since 1899-12-30, local time. Its text is "YYYY-MM-DD HH:MM:SS".
+struct Date {
+  double days = 0;
+  bool operator==(const Date&) const = default;
+};
 
 // Integer is 16-bit, Long is 32-bit; a null ObjectRef is "nothing".
 using Value = std::variant<Empty, Null, Missing, bool, std::uint8_t, std::int16_t, std::int32_t, float, double,
-                           std::u16string, ObjectRef>;
+                           std::u16string, ObjectRef, Date>;
 
 // A value passed to a call. By-reference arguments hold the callee's last assignment after the call.
 struct Argument {

@@ -26,14 +26,6 @@ bool holds(const database::Value& value, std::u16string_view needle) {
   return containsFolded(store::textOf(value), needle);
 }
 
-bool explains(const std::vector<cFaultDisplay::Piece>& pieces, std::u16string_view description) {
-  for (const auto& piece : pieces) {
-    if (!description.starts_with(piece.text)) return false;
-    description.remove_prefix(piece.text.size());
-  }
-  return description.empty();
-}
-
 }  // namespace
 
 std::optional<window::GridSource::Range> findDataPart(const SharedState& state,
@@ -95,7 +87,7 @@ std::vector<window::GridSource::Range> FaultRows::provenance(std::size_t positio
   for (const auto& piece : explanation(*shown)) {
     if (character < begin + piece.text.size()) {
       std::vector<Range> ranges;
-      for (const auto& [from, to] : piece.sources) ranges.push_back({from, to});
+      for (const auto [from, to] : piece.sources) ranges.push_back({from, to});
       return ranges;
     }
     begin += piece.text.size();
@@ -103,26 +95,13 @@ std::vector<window::GridSource::Range> FaultRows::provenance(std::size_t positio
   return {};
 }
 
-// A stored description names its data but not the processor texts it was decoded with: both are tried, and
-// only a decoding that gives the very same text proves anything.
-const std::vector<cFaultDisplay::Piece>& FaultRows::explanation(const window::GridRow& row) {
+const cFaultDisplay::Pieces& FaultRows::explanation(const window::GridRow& row) {
   if (row.fault == explainedKind_ && row.description == explainedText_) return explained_;
+  std::u16string dataText;
+  explained_ =
+      form_.faultDecoder(form_.state().WideFaultFields).ExplainStored(row.fault, row.description, dataText);
   explainedKind_ = row.fault;
   explainedText_ = row.description;
-  explained_.clear();
-  const auto part = findDataPart(form_.state(), row.description);
-  if (!part) return explained_;
-  const auto data = std::u16string_view(row.description).substr(part->begin, part->end - part->begin);
-  // Every data text holds the blank that joins its two halves; where it was cut makes no difference.
-  const auto cut = data.find(u' ');
-  if (cut == std::u16string_view::npos) return explained_;
-  const bool wide = form_.state().WideFaultFields;
-  for (const bool flag : {wide, !wide}) {
-    auto pieces = form_.faultDecoder(flag).Explain(row.fault, data.substr(0, cut), data.substr(cut + 1));
-    if (!explains(pieces, row.description)) continue;
-    explained_ = std::move(pieces);
-    break;
-  }
   return explained_;
 }
 

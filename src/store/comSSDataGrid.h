@@ -50,7 +50,7 @@ class FaultRows : public window::GridSource {
     std::optional<window::GridRow> row;
   };
   std::optional<window::GridRow> read(std::size_t position);
-  const std::vector<cFaultDisplay::Piece>& explanation(const window::GridRow& row);
+  const cFaultDisplay::Pieces& explanation(const window::GridRow& row);
 
   store::StoreForm& form_;
   database::RowList* rows_ = nullptr;
@@ -60,7 +60,7 @@ class FaultRows : public window::GridSource {
   std::array<Kept, 256> kept_;  // the last rows read, by position; more than a screen shows
   // The last description explained: the pointer moves over one row for a while.
   std::u16string explainedKind_, explainedText_;
-  std::vector<cFaultDisplay::Piece> explained_;
+  cFaultDisplay::Pieces explained_;
 };
 
 }  // namespace vordane::comSSDataGrid

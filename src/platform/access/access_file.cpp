@@ -5,14 +5,12 @@
 #include <mdbtools.h>
 
 #include <array>
-#include <cmath>
 #include <cstring>
 #include <fstream>
 #include <memory>
 #include <span>
 
 #include "platform/access/jet_text.h"
-#include "text/numbers.h"
 #include "text/utf8.h"
 
 namespace vordane::access {
@@ -62,27 +60,6 @@ MdbColumn& columnAt(const MdbTableDef& table, unsigned position) {
   auto* column = static_cast<MdbColumn*>(g_ptr_array_index(table.columns, position));
   if (column == nullptr) throw AccessError("a column definition is damaged");
   return *column;
-}
-
-// A date as the number of days since 1899-12-30; what the product stores is local time as text.
-std::u16string dateText(double days) {
-  if (!(std::fabs(days) < 3e6)) throw AccessError("a date is out of range");
-  // Before that day the fraction still counts forward from midnight.
-  const double whole = std::trunc(days);
-  const auto seconds = static_cast<long long>(std::llround(std::fabs(days - whole) * 86400));
-  // Civil date from the number of days, by the proleptic Gregorian calendar.
-  const long long shifted = static_cast<long long>(whole) + 693899;  // counted from 0000-03-01
-  const long long era = (shifted >= 0 ? shifted : shifted - 146096) / 146097;
-  const long long dayOfEra = shifted - era * 146097;
-  const long long yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-  const long long dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-  const long long month = (5 * dayOfYear + 2) / 153;
-  const long long day = dayOfYear - (153 * month + 2) / 5 + 1;
-  const long long civilMonth = month < 10 ? month + 3 : month - 9;
-  const long long year = yearOfEra + era * 400 + (civilMonth <= 2 ? 1 : 0);
-  const auto two = [](long long value) { return text::decimalPadded(value, 2); };
-  return text::decimalPadded(year, 4) + u"-" + two(civilMonth) + u"-" + two(day) + u" " +
-         two(seconds / 3600) + u":" + two(seconds / 60 % 60) + u":" + two(seconds % 60);
 }
 
 class TableReader {
@@ -153,7 +130,7 @@ class TableReader {
       case ColumnType::doubleFloat:
         return number<double>(bytes);
       case ColumnType::dateTime:
-        return dateText(number<double>(bytes));
+        return automation::Date{number<double>(bytes)};
       case ColumnType::memo:
         return memo(column, field, bytes);
       default:

@@ -11,7 +11,7 @@
 
 namespace vordane::access {
 
-using Value = automation::Value;  // Null, bool, byte, Integer, Long, Single, Double or text
+using Value = automation::Value;  // Null, bool, byte, Integer, Long, Single, Double, Date or text
 
 enum class ColumnType : std::uint8_t {
   boolean,

@@ -31,6 +31,8 @@ void addValue(std::string& out, const Value& value) {
           addText(out, held);
         } else if constexpr (std::is_arithmetic_v<Held>) {
           add(out, held);
+        } else if constexpr (std::is_same_v<Held, automation::Date>) {
+          add(out, held.days);
         }
       },
       value);
@@ -74,6 +76,8 @@ class Reader {
         return read<double>();
       case 9:
         return readText();
+      case 11:
+        return automation::Date{read<double>()};
       default:
         throw AccessError("the reader sent a value of unknown type");
     }

@@ -1,0 +1,51 @@
+// DAO's objects as far as they are used here, each a late-bound object; every failed call is a DatabaseError
+// with the engine's own number and text.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "platform/automation.h"
+#include "platform/database.h"
+
+namespace vordane::dao {
+
+using automation::Argument;
+using automation::ObjectRef;
+using automation::Value;
+
+inline constexpr std::int16_t dateFieldType = 8;  // dbDate
+
+Value call(const ObjectRef& object, std::u16string_view member,
+           std::initializer_list<Argument> arguments = {});
+Value get(const ObjectRef& object, std::u16string_view member,
+          std::initializer_list<Argument> arguments = {});
+ObjectRef getObject(const ObjectRef& object, std::u16string_view member,
+                    std::initializer_list<Argument> arguments = {});
+void put(const ObjectRef& object, std::u16string_view member, const Value& value);
+
+// A recordset of DAO with its fields asked for once: a field object stays good from row to row.
+class DaoRecordset {
+ public:
+  explicit DaoRecordset(ObjectRef object);
+  ~DaoRecordset();
+  DaoRecordset(const DaoRecordset&) = delete;
+  DaoRecordset& operator=(const DaoRecordset&) = delete;
+
+  const ObjectRef& object() const { return object_; }
+  ObjectRef field(const Value& nameOrPosition);
+  // Dates as "YYYY-MM-DD HH:MM:SS".
+  Value read(const Value& nameOrPosition);
+  void close();
+
+ private:
+  struct KnownField {
+    Value key;
+    ObjectRef object;
+  };
+  ObjectRef object_;
+  ObjectRef fields_;
+  std::vector<KnownField> known_;
+};
+
+}  // namespace vordane::dao

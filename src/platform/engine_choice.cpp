@@ -1,0 +1,61 @@
+#include "platform/engine_choice.h"
+
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <utility>
+
+namespace vordane::database {
+namespace {
+
+using namespace std::string_view_literals;
+
+constexpr int fileNotFound = 3024;
+constexpr int unrecognisedFormat = 3343;
+
+class EngineChoice : public Engine {
+ public:
+  EngineChoice(std::unique_ptr<Engine> access, std::unique_ptr<Engine> embedded)
+      : access_(std::move(access)), embedded_(std::move(embedded)) {}
+
+  std::unique_ptr<Database> open(std::u16string_view path, bool readOnly) override {
+    switch (fileKind(path)) {
+      case FileKind::access:
+        return access_->open(path, readOnly);
+      case FileKind::embedded:
+        return embedded_->open(path, readOnly);
+      case FileKind::missing:
+        throw DatabaseError(fileNotFound, std::u16string(path));
+      case FileKind::unknown:
+        break;
+    }
+    throw DatabaseError(unrecognisedFormat, std::u16string(path));
+  }
+
+ private:
+  std::unique_ptr<Engine> access_;
+  std::unique_ptr<Engine> embedded_;
+};
+
+}  // namespace
+
+FileKind fileKind(std::u16string_view path) {
+  const std::filesystem::path file(path);
+  std::error_code failure;
+  if (!std::filesystem::is_regular_file(file, failure)) return FileKind::missing;
+  std::array<char, 19> head{};
+  std::ifstream in(file, std::ios::binary);
+  in.read(head.data(), head.size());
+  const std::string_view bytes(head.data(), static_cast<std::size_t>(in.gcount()));
+  if (bytes.starts_with("SQLite format 3\0"sv)) return FileKind::embedded;
+  if (bytes.starts_with("\0\1\0\0Standard Jet DB"sv) || bytes.starts_with("\0\1\0\0Standard ACE D"sv))
+    return FileKind::access;
+  return FileKind::unknown;
+}
+
+std::unique_ptr<Engine> makeEngineChoice(std::unique_ptr<Engine> access, std::unique_ptr<Engine> embedded) {
+  return std::make_unique<EngineChoice>(std::move(access), std::move(embedded));
+}
+
+}  // namespace vordane::database
