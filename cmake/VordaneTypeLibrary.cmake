@@ -5,14 +5,19 @@ find_program(VORDANE_HOST_CXX NAMES c++ g++ REQUIRED)
 find_program(VORDANE_WIDL NAMES x86_64-w64-mingw32-widl REQUIRED)
 set(VORDANE_WIDL_FLAGS -I /usr/include/wine/wine/windows -L /usr/lib/x86_64-linux-gnu/wine/x86_64-windows)
 
-set(vordane_idl_sources idl.cpp automation.cpp)
-list(TRANSFORM vordane_idl_sources PREPEND ${PROJECT_SOURCE_DIR}/src/platform/)
-foreach(name text numbers utf8 case)
-  list(APPEND vordane_idl_sources ${PROJECT_SOURCE_DIR}/src/text/${name}.cpp)
-endforeach()
+# The few sources behind every table: the IDL writer and the text library.
+function(vordane_idl_sources out)
+  get_target_property(names vordane_text SOURCES)
+  get_target_property(folder vordane_text SOURCE_DIR)
+  list(FILTER names INCLUDE REGEX "^[a-z0-9_]+\\.cpp$")
+  list(TRANSFORM names PREPEND ${folder}/)
+  list(APPEND names ${PROJECT_SOURCE_DIR}/src/platform/idl.cpp ${PROJECT_SOURCE_DIR}/src/platform/automation.cpp)
+  set(${out} ${names} PARENT_SCOPE)
+endfunction()
 
 function(vordane_type_library target name)
   cmake_parse_arguments(ARG "" "" "SOURCES" ${ARGN})
+  vordane_idl_sources(vordane_idl_sources)
   set(base ${CMAKE_CURRENT_BINARY_DIR}/${name})
   add_custom_command(OUTPUT ${base}.idl
     COMMAND ${VORDANE_HOST_CXX} -std=c++20 -O0 -I ${PROJECT_SOURCE_DIR}/src -I ${PROJECT_BINARY_DIR}/src/text
