@@ -93,7 +93,7 @@ class EmbeddedDatabase final : public database::Database {
       : opened_(std::make_shared<Opened>(std::move(handle), readOnly, options)) {}
 
   std::unique_ptr<database::Recordset> openRecordset(std::u16string_view statement) override {
-    jet::Lifted lifted;
+    jet::Lifted& lifted = opened_->lifted;
     Plan& plan = opened_->plans.find(statement, lifted);
     if (plan.shape.verb == jet::Verb::remove) fail(number::invalidOperation);
     return std::make_unique<EmbeddedRecordset>(opened_, plan, std::move(lifted.literals));
@@ -101,13 +101,13 @@ class EmbeddedDatabase final : public database::Database {
 
   std::unique_ptr<database::RowList> openRowList(std::u16string_view statement,
                                                  std::span<const std::u16string_view> columns) override {
-    jet::Lifted lifted;
+    jet::Lifted& lifted = opened_->lifted;
     Plan& plan = opened_->plans.find(statement, lifted);
     return makeRowList(opened_, plan, lifted.literals, columns);
   }
 
   void execute(std::u16string_view statement) override {
-    jet::Lifted lifted;
+    jet::Lifted& lifted = opened_->lifted;
     Plan& plan = opened_->plans.find(statement, lifted);
     Connection& connection = opened_->connection;
     if (plan.shape.verb != jet::Verb::remove) fail(number::invalidOperation);

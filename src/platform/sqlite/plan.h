@@ -54,6 +54,7 @@ struct Opened {
       : connection(std::move(handle), readOnly, options), plans(connection) {}
   Connection connection;
   Plans plans;
+  jet::Lifted lifted;  // of the statement at hand; kept for its room
 };
 
 }  // namespace vordane::sqlite
