@@ -44,7 +44,7 @@ class WatchedDatabase : public database::Database {
   void endBatch() override {
     --batchDepth;
     inner_->endBatch();
-    before(u"endBatch");
+    ask(u"endBatch");
   }
   void setProgress(std::function<void()> callback) override {
     progress = callback;
@@ -74,7 +74,7 @@ class WatchedDatabase : public database::Database {
     void addNew() override { inner_->addNew(); }
     void edit() override { inner_->edit(); }
     void update() override {
-      owner_.before(u"update");
+      owner_.ask(u"update");
       inner_->update();
     }
     void close() override { inner_->close(); }
@@ -84,9 +84,14 @@ class WatchedDatabase : public database::Database {
     std::unique_ptr<database::Recordset> inner_;
   };
 
+  // A hook may replace itself while it runs.
+  void ask(std::u16string_view step) {
+    const auto hook = before;
+    hook(step);
+  }
   void note(std::u16string_view statement) {
     statements.emplace_back(statement);
-    before(statement);
+    ask(statement);
   }
 
   std::unique_ptr<database::Database> inner_;

@@ -1,3 +1,5 @@
+#include <array>
+
 #include "store/store_fixture.h"
 
 namespace vordane::store {
@@ -300,12 +302,14 @@ TEST_F(IngestionTest, StopsWhenTheFormWentAwayAtTheReportOfAMissingDatabase) {
 }
 
 TEST_F(IngestionTest, AnIdBeyond16BitsIsAnError) {
-  const auto rows = database->inner().openRecordset(allExchanges);
-  rows->addNew();
-  rows->set(u"ID", std::int32_t{40000});
-  rows->set(u"PBXName", std::u16string(u"PBX-1"));
-  rows->update();
-  rows->close();
+  form.database.reset();
+  sqlite::DatabaseWriter writer(file.path(), true);
+  writer.createTables(sqlite::schema::faultDatabase());
+  const std::array<database::Value, 5> row = {std::int32_t{40000}, std::u16string(u"PBX-1"),
+                                              std::u16string(u"2021-01-01 00:00:00"), false, false};
+  writer.insert(u"PBXList", row);
+  writer.finish();
+  form.database = file.open();
   form.receive(u"01 MJ MP", u"2026/11/20 20:58", u"01");
   ingest();
   EXPECT_EQ(form.trace, (Lines{"Account 1=0+0+1 incomplete", "Box 102 PBXList.ID: 40000", "EndAction"}));

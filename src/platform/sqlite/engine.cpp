@@ -90,32 +90,32 @@ bool returnsRow(sqlite3* handle, const char* sql) {
 class EmbeddedDatabase final : public database::Database {
  public:
   EmbeddedDatabase(Handle handle, bool readOnly, const Options& options)
-      : connection_(std::move(handle), readOnly, options), plans_(connection_) {}
+      : opened_(std::make_shared<Opened>(std::move(handle), readOnly, options)) {}
 
   std::unique_ptr<database::Recordset> openRecordset(std::u16string_view statement) override {
-    jet::Lifted lifted;
-    Plan& plan = plans_.find(statement, lifted);
+    jet::Lifted& lifted = opened_->lifted;
+    Plan& plan = opened_->plans.find(statement, lifted);
     if (plan.shape.verb == jet::Verb::remove) fail(number::invalidOperation);
-    auto recordset = std::make_unique<EmbeddedRecordset>(connection_, plan, std::move(lifted.literals));
-    return recordset;
+    return std::make_unique<EmbeddedRecordset>(opened_, plan, std::move(lifted.literals));
   }
 
   std::unique_ptr<database::RowList> openRowList(std::u16string_view statement,
                                                  std::span<const std::u16string_view> columns) override {
-    jet::Lifted lifted;
-    Plan& plan = plans_.find(statement, lifted);
-    return makeRowList(connection_, plan, lifted.literals, columns);
+    jet::Lifted& lifted = opened_->lifted;
+    Plan& plan = opened_->plans.find(statement, lifted);
+    return makeRowList(opened_, plan, lifted.literals, columns);
   }
 
   void execute(std::u16string_view statement) override {
-    jet::Lifted lifted;
-    Plan& plan = plans_.find(statement, lifted);
+    jet::Lifted& lifted = opened_->lifted;
+    Plan& plan = opened_->plans.find(statement, lifted);
+    Connection& connection = opened_->connection;
     if (plan.shape.verb != jet::Verb::remove) fail(number::invalidOperation);
-    WriteScope write(connection_);
-    if (plan.table->isFaults && connection_.faults().usable()) {
-      connection_.faults().removeExchange(lifted.literals.at(0).number);
+    WriteScope write(connection);
+    if (plan.table->isFaults && connection.faults().usable()) {
+      connection.faults().removeExchange(lifted.literals.at(0).number);
     } else {
-      Statement rows = plan.rows.take(connection_);
+      Statement rows = plan.rows.take(connection);
       rows.bind(1, lifted.literals.at(0));
       rows.run();
       plan.rows.giveBack(std::move(rows));
@@ -123,14 +123,15 @@ class EmbeddedDatabase final : public database::Database {
     write.done();
   }
 
-  void beginBatch() override { connection_.beginBatch(); }
-  void checkpoint() override { connection_.checkpoint(); }
-  void endBatch() override { connection_.endBatch(); }
-  void setProgress(std::function<void()> progress) override { connection_.setProgress(std::move(progress)); }
+  void beginBatch() override { opened_->connection.beginBatch(); }
+  void checkpoint() override { opened_->connection.checkpoint(); }
+  void endBatch() override { opened_->connection.endBatch(); }
+  void setProgress(std::function<void()> progress) override {
+    opened_->connection.setProgress(std::move(progress));
+  }
 
  private:
-  Connection connection_;
-  Plans plans_;
+  std::shared_ptr<Opened> opened_;
 };
 
 class EmbeddedEngine final : public database::Engine {

@@ -91,15 +91,20 @@ void sortKeyFunction(sqlite3_context* context, sqlite3_value** values) {
   resultBlob(context, key);
 }
 
+// SQLite may hand over bytes at an odd address; those are copied.
+std::u16string_view unitsOf(const void* bytes, int size, std::u16string& copy) {
+  const auto length = static_cast<std::size_t>(size) / 2;
+  if (reinterpret_cast<std::uintptr_t>(bytes) % alignof(char16_t) == 0)
+    return {static_cast<const char16_t*>(bytes), length};
+  copy.resize(length);
+  if (length != 0) std::memcpy(copy.data(), bytes, length * 2);
+  return copy;
+}
+
 int compareCollation(void*, int sizeA, const void* a, int sizeB, const void* b) noexcept {
   try {
-    // The bytes may lie at odd addresses.
-    thread_local std::u16string x, y;
-    x.resize(static_cast<std::size_t>(sizeA) / 2);
-    y.resize(static_cast<std::size_t>(sizeB) / 2);
-    if (!x.empty()) std::memcpy(x.data(), a, x.size() * 2);
-    if (!y.empty()) std::memcpy(y.data(), b, y.size() * 2);
-    return compareTexts(x, y);
+    thread_local std::u16string copyA, copyB;
+    return compareTexts(unitsOf(a, sizeA, copyA), unitsOf(b, sizeB, copyB));
   } catch (...) {
     return 0;
   }

@@ -15,6 +15,8 @@ namespace {
 constexpr std::u16string_view keywords[] = {u"select", u"from", u"where", u"and",   u"order",
                                             u"by",     u"asc",  u"desc",  u"union", u"delete"};
 
+constexpr std::size_t mostLiterals = 6;  // of the longest statement
+
 [[noreturn]] void syntaxError() {
   fail(number::syntax);
 }
@@ -27,6 +29,9 @@ bool isWordStart(char16_t c) {
 }
 bool isWordPart(char16_t c) {
   return isWordStart(c) || text::isDecimalDigit(c);
+}
+char16_t lower(char16_t c) {
+  return c < 0x80 ? (c >= u'A' && c <= u'Z' ? char16_t(c + 32) : c) : text::lower(c);
 }
 bool isKeyword(std::u16string_view word) {
   for (std::u16string_view keyword : keywords)
@@ -107,7 +112,7 @@ class Lifter {
     const std::u16string_view written = rest_.substr(0, length);
     rest_.remove_prefix(length);
     word_.assign(written);
-    for (char16_t& c : word_) c = text::lower(c);
+    for (char16_t& c : word_) c = lower(c);
     skipBlanks();
     // "Count" is a column's name unless it counts.
     const bool counts = word_ == u"count" && !rest_.empty() && rest_.front() == u'(';
@@ -121,7 +126,7 @@ class Lifter {
   void name(std::u16string_view text) {
     separate();
     out_.shape.push_back(u'[');
-    for (const char16_t c : text) out_.shape.push_back(text::lower(c));
+    for (const char16_t c : text) out_.shape.push_back(lower(c));
     out_.shape.push_back(u']');
   }
 
@@ -309,6 +314,7 @@ class Parser {
 void lift(std::u16string_view statement, Lifted& out) {
   out.shape.clear();
   out.literals.clear();
+  out.literals.reserve(mostLiterals);
   Lifter(statement, out).run();
 }
 

@@ -47,4 +47,14 @@ class Plans {
   std::unordered_map<std::u16string, std::unique_ptr<Plan>> plans_;
 };
 
+// What a database and the recordsets and lists it gave out share: none of them is cut off by the end of
+// another.
+struct Opened {
+  Opened(Handle handle, bool readOnly, const Options& options)
+      : connection(std::move(handle), readOnly, options), plans(connection) {}
+  Connection connection;
+  Plans plans;
+  jet::Lifted lifted;  // of the statement at hand; kept for its room
+};
+
 }  // namespace vordane::sqlite

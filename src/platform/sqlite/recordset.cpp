@@ -18,8 +18,12 @@ std::optional<std::int64_t> numberOf(const std::optional<Value>& value) {
 
 }  // namespace
 
-EmbeddedRecordset::EmbeddedRecordset(Connection& connection, Plan& plan, std::vector<jet::Literal> literals)
-    : connection_(connection), plan_(plan), literals_(std::move(literals)) {
+EmbeddedRecordset::EmbeddedRecordset(std::shared_ptr<Opened> opened, Plan& plan,
+                                     std::vector<jet::Literal> literals)
+    : opened_(std::move(opened)),
+      connection_(opened_->connection),
+      plan_(plan),
+      literals_(std::move(literals)) {
   connection_.add(*this);
 }
 

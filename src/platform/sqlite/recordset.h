@@ -12,7 +12,7 @@ namespace vordane::sqlite {
 
 class EmbeddedRecordset final : public database::Recordset, private Reader {
  public:
-  EmbeddedRecordset(Connection& connection, Plan& plan, std::vector<jet::Literal> literals);
+  EmbeddedRecordset(std::shared_ptr<Opened> opened, Plan& plan, std::vector<jet::Literal> literals);
   ~EmbeddedRecordset() override;
 
   bool atEnd() override;
@@ -57,6 +57,7 @@ class EmbeddedRecordset final : public database::Recordset, private Reader {
   std::int64_t insertFields();
   void updateFields();
 
+  std::shared_ptr<Opened> opened_;
   Connection& connection_;
   Plan& plan_;
   std::vector<jet::Literal> literals_;

@@ -9,9 +9,9 @@ namespace {
 template <class Key>
 class EmbeddedRowList final : public database::RowList {
  public:
-  EmbeddedRowList(Connection& connection, const Plan& plan, std::vector<Key> keys,
+  EmbeddedRowList(std::shared_ptr<Opened> opened, const Plan& plan, std::vector<Key> keys,
                   std::span<const std::u16string_view> columns)
-      : connection_(connection), keys_(std::move(keys)) {
+      : opened_(std::move(opened)), connection_(opened_->connection), keys_(std::move(keys)) {
     std::string sql;
     for (std::u16string_view name : columns) {
       const Column* column = plan.columns[plan.resultColumn(name)];
@@ -19,7 +19,7 @@ class EmbeddedRowList final : public database::RowList {
       sql += (sql.empty() ? "SELECT " : ", ") + column->quoted;
     }
     if (sql.empty()) sql = "SELECT NULL";
-    row_ = Statement(connection, sql + " FROM " + plan.table->quoted + " WHERE rowid = ?");
+    row_ = Statement(connection_, sql + " FROM " + plan.table->quoted + " WHERE rowid = ?");
   }
 
   std::size_t size() const override { return keys_.size(); }
@@ -37,6 +37,7 @@ class EmbeddedRowList final : public database::RowList {
   }
 
  private:
+  std::shared_ptr<Opened> opened_;
   Connection& connection_;
   std::vector<Key> keys_;
   std::vector<bool> yesNo_;
@@ -56,17 +57,18 @@ std::vector<std::int64_t> readKeys(Connection& connection, Plan& plan,
 
 }  // namespace
 
-std::unique_ptr<database::RowList> makeRowList(Connection& connection, Plan& plan,
+std::unique_ptr<database::RowList> makeRowList(std::shared_ptr<Opened> opened, Plan& plan,
                                                const std::vector<jet::Literal>& literals,
                                                std::span<const std::u16string_view> columns) {
   if (plan.isUnion() || plan.shape.verb == jet::Verb::remove) fail(number::invalidOperation);
+  Connection& connection = opened->connection;
   connection.beforeRead();
   if (plan.special == Plan::Special::faultsOfExchange && connection.faults().usable())
     return std::make_unique<EmbeddedRowList<std::uint32_t>>(
-        connection, plan, connection.faults().ordered(literals.at(0).number, plan.order, plan.descending),
-        columns);
-  return std::make_unique<EmbeddedRowList<std::int64_t>>(connection, plan,
-                                                         readKeys(connection, plan, literals), columns);
+        std::move(opened), plan,
+        connection.faults().ordered(literals.at(0).number, plan.order, plan.descending), columns);
+  std::vector<std::int64_t> keys = readKeys(connection, plan, literals);
+  return std::make_unique<EmbeddedRowList<std::int64_t>>(std::move(opened), plan, std::move(keys), columns);
 }
 
 }  // namespace vordane::sqlite

@@ -11,7 +11,7 @@
 namespace vordane::sqlite {
 
 // Throws DatabaseError, for a column that the statement does not have too.
-std::unique_ptr<database::RowList> makeRowList(Connection& connection, Plan& plan,
+std::unique_ptr<database::RowList> makeRowList(std::shared_ptr<Opened> opened, Plan& plan,
                                                const std::vector<jet::Literal>& literals,
                                                std::span<const std::u16string_view> columns);
 

@@ -67,8 +67,11 @@ std::u16string orderAsText(const ColumnLayout& layout) {
 std::optional<std::array<int, columnCount>> readWidths(std::u16string_view text) {
   const auto widths = readSix(text);
   if (!widths) return std::nullopt;
-  for (const int width : *widths)
+  for (int column = 0; column < columnCount; ++column) {
+    const int width = (*widths)[static_cast<std::size_t>(column)];
+    if (column == descriptionColumn && width == takesTheRest) continue;
     if (width < narrowest || width > widest) return std::nullopt;
+  }
   return widths;
 }
 

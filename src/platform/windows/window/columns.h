@@ -14,15 +14,18 @@ namespace vordane::window::win32 {
 inline constexpr int columnCount = 6;
 enum Column : int { faultColumn, alarmColumn, dateColumn, cpuColumn, descriptionColumn, countColumn };
 
+// The description's width while it takes what the others leave.
+inline constexpr int takesTheRest = 0;
+
 // Widths at 96 dots an inch, so that a workstation with another density finds them as they were; order
 // gives for each place from the left the column that stands there.
 struct ColumnLayout {
-  std::array<int, columnCount> widths{60, 76, 150, 84, 520, 64};
+  std::array<int, columnCount> widths{60, 76, 150, 84, takesTheRest, 64};
   std::array<int, columnCount> order{0, 1, 2, 3, 4, 5};
   bool operator==(const ColumnLayout&) const = default;
 };
 
-// Numbers with commas between. Reading gives nothing for anything but six numbers, widths from 24 to 4000
+// Numbers with commas between. Reading gives nothing for anything but six numbers, widths from 24 to 4000 (or 0 for the description)
 // and an order that names each column once.
 std::u16string widthsAsText(const ColumnLayout& layout);
 std::u16string orderAsText(const ColumnLayout& layout);

@@ -81,8 +81,6 @@ void DetailPane::setLook(const Control* control, int dpi, const Palette& palette
   plain_ = makeFont(choice, dpi);
   bold_ = makeFont(choice, dpi, FontStyle::bold);
   fixed_ = makeFont(choice, dpi, FontStyle::fixedWidth);
-  const int edge = scaled(10, dpi);
-  SendMessageW(window_, EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, MAKELPARAM(edge, edge));
   SendMessageW(window_, EM_SETBKGNDCOLOR, 0, static_cast<LPARAM>(palette.surface));
   render();
 }

@@ -59,7 +59,7 @@ Font makeFont(const FontChoice& choice, int dpi, FontStyle style) {
   if (!choice.face.empty()) std::wcsncpy(font.lfFaceName, wide(choice.face), LF_FACESIZE - 1);
   font.lfCharSet = DEFAULT_CHARSET;
   font.lfQuality = CLEARTYPE_QUALITY;
-  if (style == FontStyle::bold) font.lfWeight = FW_SEMIBOLD;
+  if (style == FontStyle::bold) font.lfWeight = FW_BOLD;
   if (style == FontStyle::fixedWidth) {
     font.lfPitchAndFamily = FIXED_PITCH | FF_MODERN;
     std::wcsncpy(font.lfFaceName, L"Consolas", LF_FACESIZE - 1);

@@ -10,6 +10,13 @@
 #include "platform/windows/window/geometry.h"
 
 namespace vordane::window::win32 {
+namespace {
+
+constexpr int headingPadding = 5, narrowestDescription = 220;
+
+int formatOf(int column) { return column == countColumn ? LVCFMT_RIGHT : LVCFMT_LEFT; }
+
+}  // namespace
 
 void Grid::create(HWND parent, int id, Events events) {
   events_ = std::move(events);
@@ -21,6 +28,7 @@ void Grid::create(HWND parent, int id, Events events) {
   ListView_SetExtendedListViewStyle(window_,
                                     LVS_EX_FULLROWSELECT | LVS_EX_HEADERDRAGDROP | LVS_EX_DOUBLEBUFFER);
   SetWindowTheme(window_, L"Explorer", nullptr);
+  SetWindowSubclass(heading(), watchHeading, 1, reinterpret_cast<DWORD_PTR>(this));
   addColumns();
 }
 
@@ -28,7 +36,7 @@ void Grid::addColumns() {
   for (int column = 0; column < columnCount; ++column) {
     LVCOLUMNW info{};
     info.mask = LVCF_FMT | LVCF_TEXT | LVCF_WIDTH | LVCF_SUBITEM;
-    info.fmt = column == countColumn ? LVCFMT_RIGHT : LVCFMT_LEFT;
+    info.fmt = formatOf(column);
     info.iSubItem = column;
     info.cx = 80;
     wchar_t empty[] = L"";
@@ -64,7 +72,8 @@ void Grid::askRowHeightAgain() {
 
 void Grid::setHeading(int column, const std::u16string& caption) {
   LVCOLUMNW info{};
-  info.mask = LVCF_TEXT;
+  info.mask = LVCF_TEXT | LVCF_FMT;
+  info.fmt = formatOf(column);
   info.pszText = const_cast<wchar_t*>(wide(caption));
   ListView_SetColumn(window_, column, &info);
 }
@@ -76,6 +85,7 @@ void Grid::setRows(GridSource* source) {
   ListView_SetItemCountEx(window_, static_cast<int>(std::min<std::size_t>(size(), 100'000'000)), 0);
   if (size() > 0) select(0);
   filling_ = false;
+  fit();
   InvalidateRect(window_, nullptr, FALSE);
   events_.selectionChanged();
 }
@@ -101,10 +111,36 @@ void Grid::setSortMark(int column, bool descending) {
 
 void Grid::setLayout(const ColumnLayout& layout) {
   std::array<int, columnCount> order = layout.order;
+  fits_ = layout.widths[descriptionColumn] == takesTheRest;
+  ownWidths_ = true;
   for (int column = 0; column < columnCount; ++column)
     ListView_SetColumnWidth(window_, column,
                             scaled(layout.widths[static_cast<std::size_t>(column)], look_.dpi));
+  ownWidths_ = false;
   ListView_SetColumnOrderArray(window_, columnCount, order.data());
+  fit();
+}
+
+void Grid::fit() {
+  if (!fits_ || window_ == nullptr) return;
+  RECT client;
+  GetClientRect(window_, &client);
+  int room = width(client);
+  for (int column = 0; column < columnCount; ++column)
+    if (column != descriptionColumn) room -= ListView_GetColumnWidth(window_, column);
+  room = std::max(room, scaled(narrowestDescription, look_.dpi));
+  if (room == ListView_GetColumnWidth(window_, descriptionColumn)) return;
+  ownWidths_ = true;
+  ListView_SetColumnWidth(window_, descriptionColumn, room);
+  ownWidths_ = false;
+}
+
+void Grid::widthChanged(int column) {
+  if (ownWidths_) return;
+  if (column == descriptionColumn)
+    fits_ = false;
+  else
+    fit();
 }
 
 ColumnLayout Grid::layout() const {
@@ -112,6 +148,7 @@ ColumnLayout Grid::layout() const {
   for (int column = 0; column < columnCount; ++column)
     kept.widths[static_cast<std::size_t>(column)] =
         MulDiv(ListView_GetColumnWidth(window_, column), designDpi, look_.dpi);
+  if (fits_) kept.widths[descriptionColumn] = takesTheRest;
   ListView_GetColumnOrderArray(window_, columnCount, kept.order.data());
   return kept;
 }
@@ -142,7 +179,7 @@ POINT Grid::menuPlace() const {
 }
 
 bool Grid::notified(const NMHDR& header, LPARAM message, LRESULT& answer) {
-  if (header.hwndFrom == heading()) return headingNotified(header, message, answer);
+  if (header.hwndFrom == heading()) return headingNotified(header, message);
   if (header.hwndFrom != window_) return false;
   switch (header.code) {
     case LVN_GETDISPINFOW:
@@ -167,7 +204,11 @@ bool Grid::notified(const NMHDR& header, LPARAM message, LRESULT& answer) {
   }
 }
 
-bool Grid::headingNotified(const NMHDR& header, LPARAM, LRESULT&) {
+bool Grid::headingNotified(const NMHDR& header, LPARAM message) {
+  if (header.code == HDN_ITEMCHANGEDW) {
+    const NMHEADERW& changed = *reinterpret_cast<NMHEADERW*>(message);
+    if (changed.pitem != nullptr && (changed.pitem->mask & HDI_WIDTH) != 0) widthChanged(changed.iItem);
+  }
   if (header.code == HDN_ENDTRACKW || header.code == HDN_ITEMCHANGEDW || header.code == HDN_ENDDRAG)
     InvalidateRect(window_, nullptr, FALSE);
   return false;
@@ -180,6 +221,21 @@ void Grid::giveText(NMLVDISPINFOW& asked) {
   const std::u16string text = row != nullptr ? cellText(*row, asked.item.iSubItem) : std::u16string{};
   std::wcsncpy(asked.item.pszText, wide(text), static_cast<std::size_t>(asked.item.cchTextMax));
   asked.item.pszText[asked.item.cchTextMax - 1] = L'\0';
+}
+
+// The heading gets a little more room than its letters need.
+LRESULT CALLBACK Grid::watchHeading(HWND window, UINT message, WPARAM wide, LPARAM low, UINT_PTR,
+                                    DWORD_PTR self) {
+  const LRESULT answer = DefSubclassProc(window, message, wide, low);
+  if (message == HDM_LAYOUT && answer != FALSE) {
+    const Grid& grid = *reinterpret_cast<Grid*>(self);
+    const HDLAYOUT& asked = *reinterpret_cast<HDLAYOUT*>(low);
+    if (!grid.headFont_) return answer;
+    const int tall = lineHeight(grid.headFont_.get()) + 2 * scaled(headingPadding, grid.look_.dpi);
+    asked.prc->top += tall - asked.pwpos->cy;
+    asked.pwpos->cy = tall;
+  }
+  return answer;
 }
 
 std::array<RECT, columnCount> Grid::cells(const RECT& row) const {
@@ -196,9 +252,12 @@ void Grid::draw(const DRAWITEMSTRUCT& item) {
   RECT client;
   GetClientRect(window_, &client);
   RowDrawing drawing{};
+  POINT origin{};
+  MapWindowPoints(heading(), window_, &origin, 1);
   drawing.dc = item.hDC;
   drawing.place = item.rcItem;
-  drawing.cells = cells(item.rcItem);
+  drawing.place.left = origin.x;  // rows begin where their headings do
+  drawing.cells = cells(drawing.place);
   drawing.place.right = std::max(drawing.place.right, client.right);
   drawing.row = rows_.row(item.itemID);
   drawing.odd = item.itemID % 2 != 0;

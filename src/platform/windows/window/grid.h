@@ -27,6 +27,7 @@ class Grid {
   void setSortMark(int column, bool descending);
   void setLayout(const ColumnLayout& layout);
   ColumnLayout layout() const;
+  void fit();  // lets the description take what the other columns leave, unless a person gave it a width
 
   std::size_t size() const { return rows_.size(); }
   std::optional<std::size_t> selected() const;
@@ -46,7 +47,10 @@ class Grid {
   void askRowHeightAgain();
   void giveText(NMLVDISPINFOW& asked);
   std::array<RECT, columnCount> cells(const RECT& row) const;
-  bool headingNotified(const NMHDR& header, LPARAM message, LRESULT& answer);
+  bool headingNotified(const NMHDR& header, LPARAM message);
+  void widthChanged(int column);
+  static LRESULT CALLBACK watchHeading(HWND window, UINT message, WPARAM wide, LPARAM low, UINT_PTR,
+                                       DWORD_PTR self);
 
   HWND window_ = nullptr;
   Events events_;
@@ -56,6 +60,7 @@ class Grid {
   int sortColumn_ = -1;
   bool sortDescending_ = false;
   bool filling_ = false;
+  bool fits_ = true, ownWidths_ = false;
 };
 
 }  // namespace vordane::window::win32

@@ -85,7 +85,7 @@ void MainWindow::attach(Form& form, ViewEvents& events) {
   DisableProcessWindowsGhosting();  // a long step paints by itself
   registerClass(procedure);
   const RECT at = placeFromSettings();
-  CreateWindowExW(WS_EX_CONTROLPARENT, className, wide(form.self().text(u"Caption")),
+  CreateWindowExW(WS_EX_CONTROLPARENT, className, wide(form.self().has(u"Caption") ? form.self().text(u"Caption") : std::u16string{}),
                   WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, at.left, at.top, width(at), height(at), nullptr,
                   nullptr, GetModuleHandleW(nullptr), this);
   form.listen([this](Control& changed, std::u16string_view property) { controlChanged(changed, property); });

@@ -8,7 +8,7 @@
 namespace vordane::window::win32 {
 namespace {
 
-constexpr int statusPadding = 22, lookUpBarHeight = 38;
+constexpr int statusPadding = 22, lookUpBarHeight = 38, paneLeft = 12, paneTop = 8;
 
 void put(HWND window, const RECT& place) {
   if (window == nullptr) return;
@@ -89,13 +89,18 @@ void MainWindow::place() {
       put(item(child.id), layout_.buttons[next++]);
   if (lookUp_.open()) lookUp_.place(layout_.lookUp, dpi_);
   put(grid_.window(), layout_.grid);
-  put(pane_.window(), layout_.pane);
+  grid_.fit();
+  RECT text = layout_.pane;  // the room around it is the pane's own ground
+  text.left += scaled(paneLeft, dpi_);
+  text.top = std::min(text.bottom, text.top + scaled(paneTop, dpi_));
+  put(pane_.window(), text);
   placeNotice(layout_);
   placeStatus();
   background_.changed();
   const RECT panel{0, 0, client.cx, layout_.grid.top};
   InvalidateRect(window_, &panel, TRUE);
   InvalidateRect(window_, &layout_.splitter, TRUE);
+  InvalidateRect(window_, &layout_.pane, TRUE);
   tellModelOfPlaces(layout_);
 }
 
@@ -155,6 +160,7 @@ void MainWindow::paintGround(HDC dc) {
   GetClientRect(window_, &client);
   SetBrushOrgEx(dc, 0, 0, nullptr);
   FillRect(dc, &client, ground());
+  fillRect(dc, layout_.pane, palette_.surface);
   fillRect(dc, layout_.splitter, palette_.systemOnly ? palette_.text : RGB(214, 214, 214));
   const RECT edge{0, layout_.panel.bottom - 1, client.right, layout_.panel.bottom};
   fillRect(dc, edge, palette_.systemOnly ? palette_.text : RGB(206, 206, 206));

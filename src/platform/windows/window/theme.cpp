@@ -50,7 +50,7 @@ Palette currentPalette() {
   palette.surface = RGB(255, 255, 255);
   palette.alternate = RGB(250, 251, 253);
   palette.text = RGB(27, 27, 27);
-  palette.quiet = RGB(96, 96, 96);
+  palette.quiet = RGB(84, 84, 84);
   palette.line = RGB(229, 229, 229);
   palette.selected = RGB(204, 228, 247);
   palette.resting = RGB(225, 229, 233);
