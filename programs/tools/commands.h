@@ -6,5 +6,6 @@
 namespace vordane::tools {
 
 int decode(const Arguments& arguments);
+int language(const Arguments& arguments);
 
 }  // namespace vordane::tools

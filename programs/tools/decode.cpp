@@ -72,7 +72,7 @@ struct Record {
 
 class Decode {
  public:
-  Decode(const FaultTexts& texts, const bool& wide, std::string& out) : decoder_(texts, wide), out_(out) {}
+  Decode(const FaultTextTable& texts, const bool& wide, std::string& out) : decoder_(texts, wide), out_(out) {}
 
   void plain(const Record& record) {
     decoder_.GetFaultMessage(record.record, record.first, record.second, message_);
@@ -118,7 +118,7 @@ class Decode {
   std::string bytes_;
 };
 
-void decodeStream(const FaultTexts& texts, const Options& options, std::FILE* in, std::FILE* out) {
+void decodeStream(const FaultTextTable& texts, const Options& options, std::FILE* in, std::FILE* out) {
   const bool wide = !options.narrow;
   LineReader lines(in);
   BlockWriter writer(out);

@@ -13,6 +13,7 @@ constexpr Command commands[] = {
     {"decode",
      "decode (--language FILE | --messages FILE [--lists FILE]) [--narrow] [--explain] < records.tsv",
      decode},
+    {"language", "language check FOLDER ... | language build [--common] FOLDER OUT.LNG", language},
 };
 
 int usage(std::ostream& out) {

@@ -35,7 +35,7 @@ void forEachLine(const std::string& path, Take take) {
   while (const auto line = lines.next()) {
     std::string_view text = *line;
     if (lines.number() == 1 && text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
-    if (!text.empty()) take(text, lines);
+    if (!text.empty() && text.front() != '#') take(text, lines);
   }
 }
 

@@ -220,6 +220,9 @@ ClassServer::~ClassServer() = default;
 void ClassServer::serve(std::vector<ServedClass> classes) {
   impl_->serve(std::move(classes));
 }
+void ClassServer::stay() {
+  impl_->lock(true);
+}
 void ClassServer::setCallTimes(const platform::CallTimes& times) {
   impl_->apartment.setCallTimes(times);
 }

@@ -1,0 +1,79 @@
+// Which controls of the form the window shows, and as what. The order is that of the Tab key.
+#pragma once
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <string_view>
+
+namespace vordane::window::win32 {
+
+enum Id : int {
+  idNone = 0,
+  idExchangeLabel = 100,
+  idExchange,
+  idReceivedLabel,
+  idReceived,
+  idMajor,
+  idMinor,
+  idRequest,
+  idReset,
+  idPrint,
+  idClear,
+  idLookUp,
+  idClose,
+  idLookUpLabel,
+  idLookUpText,
+  idLookUpNext,
+  idLookUpClose,
+  idLookUpMessage,
+  idNotice,
+  idGrid,
+  idPane,
+  idStatus,
+  idCopy,
+};
+
+struct Child {
+  Id id;
+  std::u16string_view control;  // of the form
+  const wchar_t* type;
+  DWORD style, extendedStyle;
+};
+
+inline constexpr DWORD buttonStyle = WS_TABSTOP | BS_PUSHBUTTON | BS_NOTIFY;
+inline constexpr Child children[] = {
+    {idExchangeLabel, u"lblListups", WC_STATICW, SS_LEFT | SS_NOTIFY, 0},
+    {idExchange, u"drpPBXList", WC_COMBOBOXW, WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST, 0},
+    {idReceivedLabel, u"lblTimetag", WC_STATICW, SS_LEFT | SS_NOTIFY, 0},
+    {idReceived, u"txtTimeTag", WC_EDITW, WS_TABSTOP | ES_READONLY | ES_AUTOHSCROLL, WS_EX_CLIENTEDGE},
+    {idMajor, u"lblMJ", WC_STATICW, SS_OWNERDRAW | SS_NOTIFY, 0},
+    {idMinor, u"lblMN", WC_STATICW, SS_OWNERDRAW | SS_NOTIFY, 0},
+    {idRequest, u"cmdRequest", WC_BUTTONW, buttonStyle, 0},
+    {idReset, u"cmdReset", WC_BUTTONW, buttonStyle, 0},
+    {idPrint, u"cmdPrint", WC_BUTTONW, buttonStyle, 0},
+    {idClear, u"cmdClear", WC_BUTTONW, buttonStyle, 0},
+    {idLookUp, u"cmdLookUp", WC_BUTTONW, buttonStyle, 0},
+    {idClose, u"cmdClose", WC_BUTTONW, buttonStyle, 0},
+};
+
+// The action a button stands for; the look-up button has none, since it only moves in the shown faults.
+struct ButtonAction {
+  Id id;
+  int action;
+};
+inline constexpr ButtonAction buttonActions[] = {
+    {idRequest, 0}, {idReset, 1}, {idPrint, 2}, {idClear, 3}, {idClose, 4},
+};
+
+inline constexpr std::u16string_view gridName = u"grdDisplayFault";
+inline constexpr std::u16string_view lampFrameName = u"fraAlarmLamp";
+inline constexpr std::u16string_view whatsThisItem = u"itmWhatThis";
+
+// Controls that a right click explains.
+constexpr bool isExplained(int id) {
+  return id == idExchangeLabel || id == idMajor || id == idMinor || id == idReceivedLabel || id == idReceived;
+}
+
+}  // namespace vordane::window::win32

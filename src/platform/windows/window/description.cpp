@@ -1,0 +1,103 @@
+#include "platform/windows/window/description.h"
+
+#include <algorithm>
+
+#include "text/text.h"
+
+namespace vordane::window::win32 {
+namespace {
+
+// Stands between two detail lines that share the row's second line.
+constexpr std::u16string_view detailSeparator = u" \u00B7 ";
+
+bool isLineEnd(char16_t character) {
+  return character == u'\r' || character == u'\n';
+}
+
+std::size_t afterLineEnd(std::u16string_view text, std::size_t end) {
+  return end + (text.substr(end, 2) == text::crlf ? 2 : 1);
+}
+
+std::size_t lineEnd(std::u16string_view text, std::size_t from) {
+  while (from < text.size() && !isLineEnd(text[from])) ++from;
+  return from;
+}
+
+std::vector<Range> lines(std::u16string_view text) {
+  std::vector<Range> found;
+  for (std::size_t begin = 0;;) {
+    const std::size_t end = lineEnd(text, begin);
+    found.push_back({begin, end});
+    if (end >= text.size()) return found;
+    begin = afterLineEnd(text, end);
+  }
+}
+
+bool isHexDigit(char16_t c) {
+  return (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'F') || (c >= u'a' && c <= u'f');
+}
+
+std::optional<Range> longestDataRun(std::u16string_view text, Range line) {
+  std::optional<Range> longest;
+  for (std::size_t begin = line.begin; begin < line.end;) {
+    std::size_t end = begin, lastDigit = begin;
+    for (; end < line.end && (isHexDigit(text[end]) || (end > begin && text[end] == u' ')); ++end)
+      if (isHexDigit(text[end])) lastDigit = end + 1;
+    const bool longer = !longest || lastDigit - begin > longest->end - longest->begin;
+    if (lastDigit >= begin + 2 && longer) longest = Range{begin, lastDigit};
+    begin = std::max(end, begin + 1);
+  }
+  return longest;
+}
+
+// How many lines from the second on belong to the details.
+std::size_t detailEnd(std::u16string_view text, const std::vector<Range>& all) {
+  if (all.size() == 2 && !longestDataRun(text, all.back())) return 2;
+  return all.size() > 1 ? all.size() - 1 : 1;
+}
+
+}  // namespace
+
+RowText rowText(std::u16string_view description) {
+  const std::vector<Range> all = lines(description);
+  const auto line = [&](std::size_t n) {
+    return description.substr(all[n].begin, all[n].end - all[n].begin);
+  };
+  RowText row{std::u16string(line(0)), {}};
+  for (std::size_t n = 1; n < detailEnd(description, all); ++n) {
+    const std::u16string_view detail = text::trim(line(n));
+    if (detail.empty()) continue;
+    if (!row.detail.empty()) row.detail += detailSeparator;
+    row.detail += detail;
+  }
+  return row;
+}
+
+std::optional<Range> guessedDataPart(std::u16string_view description) {
+  return longestDataRun(description, lines(description).back());
+}
+
+PaneText paneText(std::u16string_view description) {
+  PaneText pane;
+  bool first = true;
+  for (const Range line : lines(description)) {
+    if (!first) {
+      pane.text += u'\r';
+      pane.origin.push_back(line.begin - 1);
+    }
+    for (std::size_t at = line.begin; at < line.end; ++at) {
+      pane.text += description[at];
+      pane.origin.push_back(at);
+    }
+    if (first) pane.titleEnd = pane.text.size();
+    first = false;
+  }
+  return pane;
+}
+
+std::size_t PaneText::shown(std::size_t descriptionPosition) const {
+  return static_cast<std::size_t>(std::lower_bound(origin.begin(), origin.end(), descriptionPosition) -
+                                  origin.begin());
+}
+
+}  // namespace vordane::window::win32

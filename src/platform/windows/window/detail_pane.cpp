@@ -1,0 +1,214 @@
+#include "platform/windows/window/detail_pane.h"
+
+#include <windows.h>
+
+#include <commctrl.h>
+#include <richedit.h>
+
+#include <algorithm>
+#include <cwchar>
+
+#include "platform/windows/window/geometry.h"
+
+namespace vordane::window::win32 {
+namespace {
+
+constexpr wchar_t richTextLibrary[] = L"msftedit.dll";
+constexpr wchar_t richTextClass[] = L"RICHEDIT50W";
+
+// Keeps selection, notifications and painting as they were while characters are given another look.
+class QuietChange {
+ public:
+  explicit QuietChange(HWND pane) : pane_(pane) {
+    events_ = SendMessageW(pane_, EM_SETEVENTMASK, 0, 0);
+    SendMessageW(pane_, WM_SETREDRAW, FALSE, 0);
+    SendMessageW(pane_, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&selection_));
+    SendMessageW(pane_, EM_GETSCROLLPOS, 0, reinterpret_cast<LPARAM>(&scroll_));
+  }
+  QuietChange(const QuietChange&) = delete;
+  QuietChange& operator=(const QuietChange&) = delete;
+  ~QuietChange() {
+    SendMessageW(pane_, EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&selection_));
+    SendMessageW(pane_, EM_SETSCROLLPOS, 0, reinterpret_cast<LPARAM>(&scroll_));
+    SendMessageW(pane_, WM_SETREDRAW, TRUE, 0);
+    SendMessageW(pane_, EM_SETEVENTMASK, 0, events_);
+    InvalidateRect(pane_, nullptr, TRUE);
+  }
+
+ private:
+  HWND pane_;
+  LRESULT events_ = 0;
+  CHARRANGE selection_{};
+  POINT scroll_{};
+};
+
+CHARRANGE charRange(Range range) {
+  return {static_cast<LONG>(range.begin), static_cast<LONG>(range.end)};
+}
+
+CHARRANGE selectionOf(HWND pane) {
+  CHARRANGE selection{};
+  SendMessageW(pane, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&selection));
+  return selection;
+}
+
+// The control wants its heights in 1/1440 inch of the whole desktop's density.
+LONG heightInTwips(const LOGFONTW& font) {
+  const WindowDc dc(nullptr);
+  return MulDiv(-static_cast<int>(font.lfHeight), twipsPerInch, GetDeviceCaps(dc.get(), LOGPIXELSY));
+}
+
+bool sameRanges(const std::vector<Range>& a, const std::vector<Range>& b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](Range x, Range y) { return x.begin == y.begin && x.end == y.end; });
+}
+
+}  // namespace
+
+void DetailPane::create(HWND parent, int id) {
+  richText_ = Library(LoadLibraryExW(richTextLibrary, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
+  window_ = CreateWindowExW(
+      0, richTextClass, L"",
+      WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_VSCROLL | ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL, 0, 0, 0,
+      0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr), nullptr);
+  SendMessageW(window_, EM_SETEVENTMASK, 0, ENM_SELCHANGE);
+  SetWindowSubclass(window_, watch, 1, reinterpret_cast<DWORD_PTR>(this));
+}
+
+void DetailPane::setLook(const Control* control, int dpi, const Palette& palette) {
+  palette_ = palette;
+  const FontChoice choice = fontOf(control);
+  plain_ = makeFont(choice, dpi);
+  bold_ = makeFont(choice, dpi, FontStyle::bold);
+  fixed_ = makeFont(choice, dpi, FontStyle::fixedWidth);
+  SendMessageW(window_, EM_SETBKGNDCOLOR, 0, static_cast<LPARAM>(palette.surface));
+  render();
+}
+
+void DetailPane::showFault(GridSource& source, std::size_t row, const std::u16string& description) {
+  source_ = &source;
+  row_ = row;
+  text_ = paneText(description);
+  known_.clear();
+  marks_.clear();
+  auto data = source.dataPart(row);
+  if (!data || data->end > description.size()) data = guessedDataPart(description);
+  data_.reset();
+  if (data) {
+    dataInDescription_ = data->begin;
+    data_ = Range{text_.shown(data->begin), text_.shown(data->end)};
+  }
+  SetWindowTextW(window_, wide(text_.text));
+  render();
+}
+
+void DetailPane::showHint(const std::u16string& text) {
+  source_ = nullptr;
+  text_ = PaneText{};
+  data_.reset();
+  known_.clear();
+  marks_.clear();
+  SetWindowTextW(window_, wide(text));
+  render();
+}
+
+void DetailPane::render() {
+  if (window_ == nullptr) return;
+  const QuietChange quiet(window_);
+  const Range all{0, static_cast<std::size_t>(GetWindowTextLengthW(window_))};
+  format(all, source_ != nullptr ? palette_.text : palette_.quiet, plain_.get(), palette_.surface);
+  if (source_ == nullptr) return;
+  format({0, text_.titleEnd}, palette_.text, bold_.get(), palette_.surface);
+  if (data_) format(*data_, palette_.text, fixed_.get(), palette_.surface);
+  paintMarks(marks_, true);
+}
+
+void DetailPane::format(Range range, COLORREF ink, HFONT face, COLORREF ground) {
+  const CHARRANGE chosen = charRange(range);
+  SendMessageW(window_, EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&chosen));
+  LOGFONTW font{};
+  GetObjectW(face, sizeof font, &font);
+  CHARFORMAT2W look{};
+  look.cbSize = sizeof look;
+  look.dwMask = CFM_FACE | CFM_SIZE | CFM_COLOR | CFM_BACKCOLOR | CFM_BOLD | CFM_CHARSET;
+  look.dwEffects = font.lfWeight >= FW_SEMIBOLD ? CFE_BOLD : 0;
+  look.yHeight = heightInTwips(font);
+  look.crTextColor = ink;
+  look.crBackColor = ground;
+  look.bCharSet = DEFAULT_CHARSET;
+  std::wcsncpy(look.szFaceName, font.lfFaceName, LF_FACESIZE - 1);
+  SendMessageW(window_, EM_SETCHARFORMAT, SCF_SELECTION, reinterpret_cast<LPARAM>(&look));
+}
+
+void DetailPane::paintMarks(const std::vector<Range>& ranges, bool on) {
+  for (const Range range : ranges) {
+    const CHARRANGE chosen = charRange(range);
+    SendMessageW(window_, EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&chosen));
+    CHARFORMAT2W look{};
+    look.cbSize = sizeof look;
+    look.dwMask = CFM_COLOR | CFM_BACKCOLOR;
+    look.crTextColor = on ? palette_.markText : palette_.text;
+    look.crBackColor = on ? palette_.mark : palette_.surface;
+    SendMessageW(window_, EM_SETCHARFORMAT, SCF_SELECTION, reinterpret_cast<LPARAM>(&look));
+  }
+}
+
+const std::vector<Range>& DetailPane::provenance(std::size_t position) {
+  const std::size_t place = text_.origin[position];
+  const auto found = known_.find(place);
+  if (found != known_.end()) return found->second;
+  return known_.emplace(place, source_->provenance(row_, place)).first->second;
+}
+
+// The value is the run of neighbours that came from the same data as the character pointed at.
+std::vector<Range> DetailPane::marksFor(std::size_t position) {
+  if (source_ == nullptr || !data_ || position >= text_.text.size()) return {};
+  const std::vector<Range> came = provenance(position);
+  if (came.empty()) return {};
+  Range value{position, position + 1};
+  while (value.begin > 0 && sameRanges(provenance(value.begin - 1), came)) --value.begin;
+  while (value.end < text_.text.size() && sameRanges(provenance(value.end), came)) ++value.end;
+  std::vector<Range> found{value};
+  for (const Range part : came) {
+    const Range shown{text_.shown(dataInDescription_ + part.begin),
+                      std::min(text_.shown(dataInDescription_ + part.end), data_->end)};
+    if (shown.begin < shown.end && !sameRanges({shown}, {value})) found.push_back(shown);
+  }
+  return found;
+}
+
+void DetailPane::point(std::size_t position) {
+  const CHARRANGE selection = selectionOf(window_);
+  if (selection.cpMin != selection.cpMax) return;  // a selection being made is left alone
+  std::vector<Range> wanted = marksFor(position);
+  if (sameRanges(wanted, marks_)) return;
+  const QuietChange quiet(window_);
+  paintMarks(marks_, false);
+  marks_ = std::move(wanted);
+  paintMarks(marks_, true);
+}
+
+void DetailPane::mouseAt(POINT place) {
+  POINTL asked{place.x, place.y};
+  const auto position =
+      static_cast<std::size_t>(SendMessageW(window_, EM_CHARFROMPOS, 0, reinterpret_cast<LPARAM>(&asked)));
+  point(position);
+}
+
+bool DetailPane::notified(const NMHDR& header) {
+  if (header.hwndFrom != window_ || header.code != EN_SELCHANGE) return false;
+  if (GetFocus() == window_) point(static_cast<std::size_t>(selectionOf(window_).cpMin));
+  return true;
+}
+
+LRESULT CALLBACK DetailPane::watch(HWND window, UINT message, WPARAM wide, LPARAM low, UINT_PTR,
+                                   DWORD_PTR self) {
+  if (message == WM_MOUSEMOVE && (wide & MK_LBUTTON) == 0)
+    reinterpret_cast<DetailPane*>(self)->mouseAt(
+        {static_cast<short>(LOWORD(low)), static_cast<short>(HIWORD(low))});
+  // Tab, Enter and Esc belong to the window, everything else to the text.
+  if (message == WM_GETDLGCODE) return DLGC_WANTARROWS | DLGC_WANTCHARS | DLGC_HASSETSEL;
+  return DefSubclassProc(window, message, wide, low);
+}
+
+}  // namespace vordane::window::win32

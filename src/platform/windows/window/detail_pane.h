@@ -1,0 +1,54 @@
+// The pane below the grid: the selected fault whole, its data in a fixed-width face, and the data characters
+// marked that the value under the mouse pointer or the caret came from. A standard rich text control, so
+// that screen readers, selecting and copying work as everywhere. One thread.
+#pragma once
+
+#include <map>
+
+#include "platform/windows/window/description.h"
+#include "platform/windows/window/fonts.h"
+#include "platform/windows/window/theme.h"
+
+namespace vordane::window::win32 {
+
+class DetailPane {
+ public:
+  void create(HWND parent, int id);
+  HWND window() const { return window_; }
+
+  void setLook(const Control* control, int dpi, const Palette& palette);
+  void showFault(GridSource& source, std::size_t row, const std::u16string& description);
+  void showHint(const std::u16string& text);  // while no fault is selected
+
+  bool notified(const NMHDR& header);
+
+  // The marked places of the pane's text, in order: the value and the data it came from.
+  const std::vector<Range>& marks() const { return marks_; }
+  const PaneText& text() const { return text_; }
+  std::optional<Range> data() const { return data_; }  // in the pane's text
+  // Marks for the character at this place of the text; nothing marked past the end.
+  void point(std::size_t position);
+
+ private:
+  static LRESULT CALLBACK watch(HWND window, UINT message, WPARAM wide, LPARAM low, UINT_PTR, DWORD_PTR self);
+  void mouseAt(POINT place);
+  void render();
+  void format(Range range, COLORREF ink, HFONT face, COLORREF ground);
+  void paintMarks(const std::vector<Range>& ranges, bool on);
+  std::vector<Range> marksFor(std::size_t position);
+  const std::vector<Range>& provenance(std::size_t position);
+
+  HWND window_ = nullptr;
+  Library richText_;
+  GridSource* source_ = nullptr;
+  std::size_t row_ = 0;
+  PaneText text_;
+  std::optional<Range> data_;
+  std::size_t dataInDescription_ = 0;
+  std::map<std::size_t, std::vector<Range>> known_;  // provenance by place in the description
+  std::vector<Range> marks_;
+  Font plain_, bold_, fixed_;
+  Palette palette_;
+};
+
+}  // namespace vordane::window::win32

@@ -1,0 +1,270 @@
+#include "platform/windows/window/grid.h"
+
+#include <windows.h>
+
+#include <uxtheme.h>
+
+#include <algorithm>
+#include <cwchar>
+
+#include "platform/windows/window/geometry.h"
+
+namespace vordane::window::win32 {
+namespace {
+
+constexpr int headingPadding = 5, narrowestDescription = 220;
+
+int formatOf(int column) { return column == countColumn ? LVCFMT_RIGHT : LVCFMT_LEFT; }
+
+}  // namespace
+
+void Grid::create(HWND parent, int id, Events events) {
+  events_ = std::move(events);
+  window_ = CreateWindowExW(0, WC_LISTVIEWW, L"",
+                            WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA |
+                                LVS_OWNERDRAWFIXED | LVS_SINGLESEL | LVS_SHOWSELALWAYS,
+                            0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
+                            GetModuleHandleW(nullptr), nullptr);
+  ListView_SetExtendedListViewStyle(window_,
+                                    LVS_EX_FULLROWSELECT | LVS_EX_HEADERDRAGDROP | LVS_EX_DOUBLEBUFFER);
+  SetWindowTheme(window_, L"Explorer", nullptr);
+  SetWindowSubclass(heading(), watchHeading, 1, reinterpret_cast<DWORD_PTR>(this));
+  addColumns();
+}
+
+void Grid::addColumns() {
+  for (int column = 0; column < columnCount; ++column) {
+    LVCOLUMNW info{};
+    info.mask = LVCF_FMT | LVCF_TEXT | LVCF_WIDTH | LVCF_SUBITEM;
+    info.fmt = formatOf(column);
+    info.iSubItem = column;
+    info.cx = 80;
+    wchar_t empty[] = L"";
+    info.pszText = empty;
+    ListView_InsertColumn(window_, column, &info);
+  }
+}
+
+void Grid::setLook(const Control* control, int dpi, const Palette& palette) {
+  const ColumnLayout kept = layout();
+  look_.make(fontOf(control), dpi, palette);
+  SendMessageW(window_, WM_SETFONT, reinterpret_cast<WPARAM>(look_.plain.get()), FALSE);
+  headFont_ = makeFont(headFontOf(control), dpi);
+  SendMessageW(heading(), WM_SETFONT, reinterpret_cast<WPARAM>(headFont_.get()), TRUE);
+  ListView_SetBkColor(window_, palette.surface);
+  ListView_SetTextBkColor(window_, palette.surface);
+  setLayout(kept);
+  askRowHeightAgain();
+}
+
+// A list view measures its rows once; a change of its place makes it ask again.
+void Grid::askRowHeightAgain() {
+  RECT place;
+  GetWindowRect(window_, &place);
+  WINDOWPOS position{};
+  position.hwnd = window_;
+  position.cx = width(place);
+  position.cy = height(place);
+  position.flags = SWP_NOACTIVATE | SWP_NOMOVE | SWP_NOOWNERZORDER | SWP_NOZORDER;
+  SendMessageW(window_, WM_WINDOWPOSCHANGED, 0, reinterpret_cast<LPARAM>(&position));
+  InvalidateRect(window_, nullptr, FALSE);
+}
+
+void Grid::setHeading(int column, const std::u16string& caption) {
+  LVCOLUMNW info{};
+  info.mask = LVCF_TEXT | LVCF_FMT;
+  info.fmt = formatOf(column);
+  info.pszText = const_cast<wchar_t*>(wide(caption));
+  ListView_SetColumn(window_, column, &info);
+}
+
+void Grid::setRows(GridSource* source) {
+  rows_.setSource(source);
+  filling_ = true;
+  ListView_SetItemState(window_, -1, 0, LVIS_SELECTED | LVIS_FOCUSED);
+  ListView_SetItemCountEx(window_, static_cast<int>(std::min<std::size_t>(size(), 100'000'000)), 0);
+  if (size() > 0) select(0);
+  filling_ = false;
+  fit();
+  InvalidateRect(window_, nullptr, FALSE);
+  events_.selectionChanged();
+}
+
+void Grid::refresh() {
+  rows_.forget();
+  if (static_cast<std::size_t>(ListView_GetItemCount(window_)) != size()) return setRows(rows_.source());
+  InvalidateRect(window_, nullptr, FALSE);
+}
+
+void Grid::setSortMark(int column, bool descending) {
+  sortColumn_ = column;
+  sortDescending_ = descending;
+  for (int n = 0; n < columnCount; ++n) {
+    HDITEMW item{};
+    item.mask = HDI_FORMAT;
+    Header_GetItem(heading(), n, &item);
+    item.fmt &= ~(HDF_SORTUP | HDF_SORTDOWN);
+    if (n == column) item.fmt |= descending ? HDF_SORTDOWN : HDF_SORTUP;
+    Header_SetItem(heading(), n, &item);
+  }
+}
+
+void Grid::setLayout(const ColumnLayout& layout) {
+  std::array<int, columnCount> order = layout.order;
+  fits_ = layout.widths[descriptionColumn] == takesTheRest;
+  ownWidths_ = true;
+  for (int column = 0; column < columnCount; ++column)
+    ListView_SetColumnWidth(window_, column,
+                            scaled(layout.widths[static_cast<std::size_t>(column)], look_.dpi));
+  ownWidths_ = false;
+  ListView_SetColumnOrderArray(window_, columnCount, order.data());
+  fit();
+}
+
+void Grid::fit() {
+  if (!fits_ || window_ == nullptr) return;
+  RECT client;
+  GetClientRect(window_, &client);
+  int room = width(client);
+  for (int column = 0; column < columnCount; ++column)
+    if (column != descriptionColumn) room -= ListView_GetColumnWidth(window_, column);
+  room = std::max(room, scaled(narrowestDescription, look_.dpi));
+  if (room == ListView_GetColumnWidth(window_, descriptionColumn)) return;
+  ownWidths_ = true;
+  ListView_SetColumnWidth(window_, descriptionColumn, room);
+  ownWidths_ = false;
+}
+
+void Grid::widthChanged(int column) {
+  if (ownWidths_) return;
+  if (column == descriptionColumn)
+    fits_ = false;
+  else
+    fit();
+}
+
+ColumnLayout Grid::layout() const {
+  ColumnLayout kept;
+  for (int column = 0; column < columnCount; ++column)
+    kept.widths[static_cast<std::size_t>(column)] =
+        MulDiv(ListView_GetColumnWidth(window_, column), designDpi, look_.dpi);
+  if (fits_) kept.widths[descriptionColumn] = takesTheRest;
+  ListView_GetColumnOrderArray(window_, columnCount, kept.order.data());
+  return kept;
+}
+
+std::optional<std::size_t> Grid::selected() const {
+  const int row = ListView_GetNextItem(window_, -1, LVNI_SELECTED);
+  return row < 0 ? std::nullopt : std::optional<std::size_t>(static_cast<std::size_t>(row));
+}
+
+const ShownRow* Grid::selectedRow() {
+  const auto row = selected();
+  return row ? rows_.row(*row) : nullptr;
+}
+
+void Grid::select(std::size_t row) {
+  const int item = static_cast<int>(row);
+  ListView_SetItemState(window_, item, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+  ListView_EnsureVisible(window_, item, FALSE);
+}
+
+POINT Grid::menuPlace() const {
+  RECT row{};
+  const auto chosen = selected();
+  if (chosen) ListView_GetItemRect(window_, static_cast<int>(*chosen), &row, LVIR_BOUNDS);
+  POINT place{row.left + scaled(24, look_.dpi), std::max<LONG>(row.top, 0) + look_.rowHeight() / 2};
+  ClientToScreen(window_, &place);
+  return place;
+}
+
+bool Grid::notified(const NMHDR& header, LPARAM message, LRESULT& answer) {
+  if (header.hwndFrom == heading()) return headingNotified(header, message);
+  if (header.hwndFrom != window_) return false;
+  switch (header.code) {
+    case LVN_GETDISPINFOW:
+      giveText(*reinterpret_cast<NMLVDISPINFOW*>(message));
+      return true;
+    case LVN_ITEMCHANGED:
+    case LVN_ODSTATECHANGED:
+      if (!filling_) events_.selectionChanged();
+      return true;
+    case LVN_COLUMNCLICK:
+      events_.headingClicked(reinterpret_cast<NMLISTVIEW*>(message)->iSubItem);
+      return true;
+    case LVN_ODFINDITEMW:
+      answer = -1;  // typed letters look nothing up: the look-up bar does
+      return true;
+    case LVN_KEYDOWN:
+      if (reinterpret_cast<NMLVKEYDOWN*>(message)->wVKey == 'C' && GetKeyState(VK_CONTROL) < 0)
+        events_.copy();
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool Grid::headingNotified(const NMHDR& header, LPARAM message) {
+  if (header.code == HDN_ITEMCHANGEDW) {
+    const NMHEADERW& changed = *reinterpret_cast<NMHEADERW*>(message);
+    if (changed.pitem != nullptr && (changed.pitem->mask & HDI_WIDTH) != 0) widthChanged(changed.iItem);
+  }
+  if (header.code == HDN_ENDTRACKW || header.code == HDN_ITEMCHANGEDW || header.code == HDN_ENDDRAG)
+    InvalidateRect(window_, nullptr, FALSE);
+  return false;
+}
+
+void Grid::giveText(NMLVDISPINFOW& asked) {
+  if ((asked.item.mask & LVIF_TEXT) == 0 || asked.item.cchTextMax <= 0 || asked.item.pszText == nullptr)
+    return;
+  const ShownRow* row = rows_.row(static_cast<std::size_t>(asked.item.iItem));
+  const std::u16string text = row != nullptr ? cellText(*row, asked.item.iSubItem) : std::u16string{};
+  std::wcsncpy(asked.item.pszText, wide(text), static_cast<std::size_t>(asked.item.cchTextMax));
+  asked.item.pszText[asked.item.cchTextMax - 1] = L'\0';
+}
+
+// The heading gets a little more room than its letters need.
+LRESULT CALLBACK Grid::watchHeading(HWND window, UINT message, WPARAM wide, LPARAM low, UINT_PTR,
+                                    DWORD_PTR self) {
+  const LRESULT answer = DefSubclassProc(window, message, wide, low);
+  if (message == HDM_LAYOUT && answer != FALSE) {
+    const Grid& grid = *reinterpret_cast<Grid*>(self);
+    const HDLAYOUT& asked = *reinterpret_cast<HDLAYOUT*>(low);
+    if (!grid.headFont_) return answer;
+    const int tall = lineHeight(grid.headFont_.get()) + 2 * scaled(headingPadding, grid.look_.dpi);
+    asked.prc->top += tall - asked.pwpos->cy;
+    asked.pwpos->cy = tall;
+  }
+  return answer;
+}
+
+std::array<RECT, columnCount> Grid::cells(const RECT& row) const {
+  std::array<RECT, columnCount> places{};
+  for (int column = 0; column < columnCount; ++column) {
+    RECT& place = places[static_cast<std::size_t>(column)];
+    Header_GetItemRect(heading(), column, &place);
+    place = {row.left + place.left, row.top, row.left + place.right, row.bottom};
+  }
+  return places;
+}
+
+void Grid::draw(const DRAWITEMSTRUCT& item) {
+  RECT client;
+  GetClientRect(window_, &client);
+  RowDrawing drawing{};
+  POINT origin{};
+  MapWindowPoints(heading(), window_, &origin, 1);
+  drawing.dc = item.hDC;
+  drawing.place = item.rcItem;
+  drawing.place.left = origin.x;  // rows begin where their headings do
+  drawing.cells = cells(drawing.place);
+  drawing.place.right = std::max(drawing.place.right, client.right);
+  drawing.row = rows_.row(item.itemID);
+  drawing.odd = item.itemID % 2 != 0;
+  drawing.selected = (item.itemState & ODS_SELECTED) != 0;
+  drawing.gridFocused = GetFocus() == window_;
+  drawing.focusMark = drawing.gridFocused && (item.itemState & ODS_FOCUS) != 0;
+  drawRow(look_, drawing);
+}
+
+}  // namespace vordane::window::win32

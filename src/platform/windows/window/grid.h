@@ -1,0 +1,66 @@
+// The virtual grid: an owner-data list view that is told only how many rows there are and asks for the ones
+// in sight. One thread; owns its window's fonts, not the window, which dies with its parent.
+#pragma once
+
+#include <functional>
+
+#include "platform/windows/window/grid_paint.h"
+
+namespace vordane::window::win32 {
+
+class Grid {
+ public:
+  struct Events {
+    std::function<void(int column)> headingClicked;  // the column's own index
+    std::function<void()> selectionChanged;
+    std::function<void(POINT)> contextMenu;  // in screen coordinates
+    std::function<void()> copy;
+  };
+
+  void create(HWND parent, int id, Events events);
+  HWND window() const { return window_; }
+
+  void setLook(const Control* control, int dpi, const Palette& palette);
+  void setHeading(int column, const std::u16string& caption);
+  void setRows(GridSource* source);  // instant, however many there are; the first row becomes selected
+  void refresh();                    // fetches the rows in sight again
+  void setSortMark(int column, bool descending);
+  void setLayout(const ColumnLayout& layout);
+  ColumnLayout layout() const;
+  void fit();  // lets the description take what the other columns leave, unless a person gave it a width
+
+  std::size_t size() const { return rows_.size(); }
+  std::optional<std::size_t> selected() const;
+  const ShownRow* selectedRow();
+  GridSource* source() const { return rows_.source(); }
+  void select(std::size_t row);  // and brings it into sight
+  POINT menuPlace() const;       // of the selected row, in screen coordinates
+
+  // What the parent hands on; true when it was the grid's.
+  bool notified(const NMHDR& header, LPARAM message, LRESULT& answer);
+  void measure(MEASUREITEMSTRUCT& item) const { item.itemHeight = static_cast<UINT>(look_.rowHeight()); }
+  void draw(const DRAWITEMSTRUCT& item);
+
+ private:
+  HWND heading() const { return ListView_GetHeader(window_); }
+  void addColumns();
+  void askRowHeightAgain();
+  void giveText(NMLVDISPINFOW& asked);
+  std::array<RECT, columnCount> cells(const RECT& row) const;
+  bool headingNotified(const NMHDR& header, LPARAM message);
+  void widthChanged(int column);
+  static LRESULT CALLBACK watchHeading(HWND window, UINT message, WPARAM wide, LPARAM low, UINT_PTR,
+                                       DWORD_PTR self);
+
+  HWND window_ = nullptr;
+  Events events_;
+  RowCache rows_;
+  GridLook look_;
+  Font headFont_;
+  int sortColumn_ = -1;
+  bool sortDescending_ = false;
+  bool filling_ = false;
+  bool fits_ = true, ownWidths_ = false;
+};
+
+}  // namespace vordane::window::win32

@@ -1,0 +1,135 @@
+#include "platform/windows/window/grid_paint.h"
+
+#include "platform/windows/window/geometry.h"
+#include "text/text.h"
+
+namespace vordane::window::win32 {
+namespace {
+
+constexpr int cellPadding = 8, rowPadding = 4, accentWidth = 3, shapeSize = 11, shapeGap = 5;
+constexpr UINT oneLine = DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS;
+
+struct Ink {
+  COLORREF ground, text, quiet, major, minor;
+};
+
+Ink inkFor(const Palette& palette, const RowDrawing& drawing) {
+  if (!drawing.selected)
+    return {drawing.odd ? palette.alternate : palette.surface, palette.text, palette.quiet, palette.major,
+            palette.minor};
+  const COLORREF ground = drawing.gridFocused ? palette.selected : palette.resting;
+  const COLORREF text = drawing.gridFocused ? palette.selectedText : palette.restingText;
+  if (palette.systemOnly) return {ground, text, text, text, text};
+  return {ground, text, palette.quiet, palette.major, palette.minor};
+}
+
+void fill(HDC dc, const RECT& rect, COLORREF colour) {
+  SetDCBrushColor(dc, colour);
+  FillRect(dc, &rect, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
+}
+
+void frame(HDC dc, const RECT& rect, COLORREF colour) {
+  SetDCBrushColor(dc, colour);
+  FrameRect(dc, &rect, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
+}
+
+class RowPainter {
+ public:
+  RowPainter(const GridLook& look, const RowDrawing& drawing)
+      : look_(look), drawing_(drawing), ink_(inkFor(look.palette, drawing)) {}
+
+  void paint() {
+    fill(drawing_.dc, drawing_.place, ink_.ground);
+    SetBkMode(drawing_.dc, TRANSPARENT);
+    for (int column = 0; column < columnCount; ++column) cell(column);
+    if (drawing_.selected) {
+      RECT bar = drawing_.place;
+      bar.right = bar.left + px(accentWidth);
+      fill(drawing_.dc, bar, look_.palette.systemOnly ? ink_.text : look_.palette.accent);
+    }
+    if (drawing_.focusMark) frame(drawing_.dc, drawing_.place, focusColour());
+  }
+
+ private:
+  int px(int length) const { return scaled(length, look_.dpi); }
+  COLORREF focusColour() const { return look_.palette.systemOnly ? ink_.text : look_.palette.accent; }
+
+  void cell(int column) {
+    const RECT& place = drawing_.cells[static_cast<std::size_t>(column)];
+    if (place.right <= place.left || !RectVisible(drawing_.dc, &place)) return;
+    const RECT edge{place.right - 1, place.top, place.right, place.bottom};
+    if (!drawing_.selected) fill(drawing_.dc, edge, look_.palette.line);
+    if (drawing_.row == nullptr) return;
+    RECT inside = place;
+    InflateRect(&inside, -px(cellPadding), -px(rowPadding));
+    content(column, inside);
+  }
+
+  void content(int column, RECT inside) {
+    if (column == descriptionColumn) return description(inside);
+    if (column == alarmColumn) return severity(inside);
+    const UINT side = column == countColumn ? DT_RIGHT : DT_LEFT;
+    line(inside, cellText(*drawing_.row, column), look_.plain.get(), ink_.text, side);
+  }
+
+  void description(RECT inside) {
+    line(inside, drawing_.row->text.title, look_.plain.get(), ink_.text, DT_LEFT);
+    inside.top += look_.lineHeight;
+    line(inside, drawing_.row->text.detail, look_.plain.get(), ink_.quiet, DT_LEFT);
+  }
+
+  void severity(RECT inside) {
+    const std::u16string_view word = text::trim(drawing_.row->fault.alarm);
+    const bool major = word == u"MJ";
+    if (major || word == u"MN") {
+      const int size = px(shapeSize), top = static_cast<int>(inside.top) + (look_.lineHeight - size) / 2;
+      const RECT shape{inside.left, top, inside.left + size, top + size};
+      drawSeverity(drawing_.dc, shape, major, major ? ink_.major : ink_.minor, px(1));
+      inside.left = shape.right + px(shapeGap);
+    }
+    line(inside, word, major ? look_.bold.get() : look_.plain.get(), ink_.text, DT_LEFT);
+  }
+
+  void line(RECT place, std::u16string_view words, HFONT font, COLORREF colour, UINT side) {
+    if (words.empty()) return;
+    place.bottom = place.top + look_.lineHeight;
+    const Selected selected(drawing_.dc, font);
+    SetTextColor(drawing_.dc, colour);
+    DrawTextW(drawing_.dc, wideBegin(words), static_cast<int>(words.size()), &place, oneLine | side);
+  }
+
+  const GridLook& look_;
+  const RowDrawing& drawing_;
+  const Ink ink_;
+};
+
+}  // namespace
+
+void GridLook::make(const FontChoice& choice, int atDpi, const Palette& colours) {
+  dpi = atDpi;
+  palette = colours;
+  plain = makeFont(choice, dpi);
+  bold = makeFont(choice, dpi, FontStyle::bold);
+  lineHeight = win32::lineHeight(plain.get()) + scaled(1, dpi);
+}
+
+int GridLook::rowHeight() const {
+  return 2 * lineHeight + 2 * scaled(rowPadding, dpi);
+}
+
+void drawRow(const GridLook& look, const RowDrawing& drawing) {
+  RowPainter(look, drawing).paint();
+}
+
+void drawSeverity(HDC dc, const RECT& place, bool filled, COLORREF colour, int penWidth) {
+  const Pen pen(CreatePen(PS_SOLID, penWidth, colour));
+  const Selected line(dc, pen.get());
+  SetDCBrushColor(dc, colour);
+  const Selected ground(dc, GetStockObject(filled ? DC_BRUSH : NULL_BRUSH));
+  const POINT corners[] = {{(place.left + place.right) / 2, place.top},
+                           {place.right - 1, place.bottom - 1},
+                           {place.left, place.bottom - 1}};
+  Polygon(dc, corners, 3);
+}
+
+}  // namespace vordane::window::win32

@@ -1,0 +1,15 @@
+#include "platform/windows/window/handles.h"
+
+namespace vordane::window::win32 {
+
+std::u16string windowText(HWND window) {
+  std::wstring buffer(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
+  const int length = GetWindowTextW(window, buffer.data(), static_cast<int>(buffer.size()));
+  return fromWide(buffer.data(), static_cast<std::size_t>(length));
+}
+
+void setWindowText(HWND window, const std::u16string& text) {
+  if (window != nullptr && windowText(window) != text) SetWindowTextW(window, wide(text));
+}
+
+}  // namespace vordane::window::win32

@@ -1,0 +1,85 @@
+#include "platform/windows/window/look_up_bar.h"
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <array>
+
+#include "platform/windows/window/fonts.h"
+#include "platform/windows/window/geometry.h"
+
+namespace vordane::window::win32 {
+namespace {
+
+constexpr int margin = 12, gap = 8, boxWidth = 260;
+constexpr wchar_t crossSign[] = L"\u00D7";
+
+HWND child(HWND parent, int id, const wchar_t* type, const std::u16string& text, DWORD style) {
+  return CreateWindowExW(0, type, wide(text), WS_CHILD | WS_CLIPSIBLINGS | style, 0, 0, 0, 0, parent,
+                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr),
+                         nullptr);
+}
+
+}  // namespace
+
+void LookUpBar::create(HWND parent, const Ids& ids, ViewTexts& texts) {
+  label_ = child(parent, ids.label, WC_STATICW, texts.text(ViewText::lookUpLabel), SS_LEFT | SS_CENTERIMAGE);
+  text_ = child(parent, ids.text, WC_EDITW, {}, WS_TABSTOP | WS_BORDER | ES_AUTOHSCROLL);
+  next_ = child(parent, ids.next, WC_BUTTONW, texts.text(ViewText::lookUpNext), WS_TABSTOP | BS_PUSHBUTTON);
+  close_ = child(parent, ids.close, WC_BUTTONW, {}, WS_TABSTOP | BS_PUSHBUTTON);
+  SetWindowTextW(close_, crossSign);
+  message_ =
+      child(parent, ids.message, WC_STATICW, {}, SS_LEFT | SS_CENTERIMAGE | SS_NOPREFIX | SS_ENDELLIPSIS);
+}
+
+void LookUpBar::setFont(HFONT font) {
+  font_ = font;
+  for (HWND window : {label_, text_, next_, close_, message_})
+    SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+}
+
+void LookUpBar::place(const RECT& bar, int dpi) {
+  const int h = height(bar) - scaled(gap, dpi), room = width(bar) - 2 * scaled(margin, dpi);
+  int x = bar.left + scaled(margin, dpi);
+  const auto put = [&](HWND window, int w) {
+    SetWindowPos(window, nullptr, x, bar.top, w, h, SWP_NOZORDER | SWP_NOACTIVATE);
+    x += w + scaled(gap, dpi);
+  };
+  const int labelWidth = captionWidth(font_, windowText(label_));
+  const int nextWidth = captionWidth(font_, windowText(next_)) + scaled(28, dpi);
+  const int others = labelWidth + nextWidth + h + 3 * scaled(gap, dpi);
+  put(label_, labelWidth);
+  put(text_, std::clamp(room - others, scaled(60, dpi), scaled(boxWidth, dpi)));
+  put(next_, nextWidth);
+  put(close_, h);
+  put(message_, std::max(0, static_cast<int>(bar.right) - scaled(margin, dpi) - x));
+}
+
+void LookUpBar::show() {
+  open_ = true;
+  for (HWND window : {label_, text_, next_, close_, message_}) ShowWindow(window, SW_SHOW);
+  SetFocus(text_);
+  SendMessageW(text_, EM_SETSEL, 0, -1);
+}
+
+void LookUpBar::hide() {
+  open_ = false;
+  tell({});
+  for (HWND window : {label_, text_, next_, close_, message_}) ShowWindow(window, SW_HIDE);
+}
+
+void LookUpBar::enable(bool enabled) {
+  for (HWND window : {text_, next_, close_}) EnableWindow(window, enabled);
+}
+
+std::u16string LookUpBar::wanted() const {
+  return windowText(text_);
+}
+
+void LookUpBar::tell(const std::u16string& message) {
+  setWindowText(message_, message);
+}
+
+}  // namespace vordane::window::win32

@@ -1,0 +1,36 @@
+// The bar that finds text in the shown faults: a box, a button for the next hit, a message when there is
+// none. It only asks; what holds the text is the form's business. One thread.
+#pragma once
+
+#include <functional>
+
+#include "platform/view.h"
+#include "platform/windows/window/handles.h"
+
+namespace vordane::window::win32 {
+
+class LookUpBar {
+ public:
+  struct Ids {
+    int label, text, next, close, message;
+  };
+  void create(HWND parent, const Ids& ids, ViewTexts& texts);
+  void setFont(HFONT font);
+  void place(const RECT& bar, int dpi);
+
+  bool open() const { return open_; }
+  void show();  // with the focus in the box, its text selected
+  void hide();
+  void enable(bool enabled);
+  std::u16string wanted() const;
+  void tell(const std::u16string& message);  // beside the buttons; empty takes it away
+  HWND box() const { return text_; }
+  HWND message() const { return message_; }
+
+ private:
+  HWND label_ = nullptr, text_ = nullptr, next_ = nullptr, close_ = nullptr, message_ = nullptr;
+  bool open_ = false;
+  HFONT font_ = nullptr;  // not owned
+};
+
+}  // namespace vordane::window::win32

@@ -1,0 +1,300 @@
+#include "platform/windows/window/main_window.h"
+
+#include <algorithm>
+
+#include "platform/windows/window/geometry.h"
+
+namespace vordane::window::win32 {
+namespace {
+
+constexpr wchar_t className[] = L"VordaneWindow";
+constexpr std::u16string_view application = u"VORDANE", section = u"Window";
+constexpr std::u16string_view widthsKey = u"ColumnWidths", orderKey = u"ColumnOrder", paneKey = u"Pane",
+                              placeKey = u"Place";
+constexpr int designedWidth = 1080, designedHeight = 640, designedPane = 96;
+constexpr int gripWidth = 80;  // so much of a title bar can be taken hold of
+
+void registerClass(WNDPROC procedure) {
+  WNDCLASSEXW type{};
+  type.cbSize = sizeof type;
+  type.lpfnWndProc = procedure;
+  type.hInstance = GetModuleHandleW(nullptr);
+  type.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+  type.hIcon = LoadIconW(type.hInstance, MAKEINTRESOURCEW(1));
+  if (type.hIcon == nullptr) type.hIcon = LoadIconW(nullptr, IDI_APPLICATION);
+  type.lpszClassName = className;
+  RegisterClassExW(&type);
+}
+
+int systemDpi() {
+  return static_cast<int>(GetDpiForSystem());
+}
+
+int titleHeight(int dpi) {
+  return GetSystemMetricsForDpi(SM_CYCAPTION, static_cast<UINT>(dpi)) +
+         GetSystemMetricsForDpi(SM_CYSIZEFRAME, static_cast<UINT>(dpi));
+}
+
+std::u16string joined(std::initializer_list<std::int32_t> numbers) {
+  std::string text;
+  for (const std::int32_t number : numbers) {
+    if (!text.empty()) text += ',';
+    text += std::to_string(number);
+  }
+  return {text.begin(), text.end()};
+}
+
+// Where the window stands when it is neither minimised nor maximised, on the screen.
+RECT normalPlace(HWND window) {
+  WINDOWPLACEMENT placement{};
+  placement.length = sizeof placement;
+  RECT place{};
+  GetWindowRect(window, &place);
+  if (!IsIconic(window) && !IsZoomed(window)) return place;
+  if (!GetWindowPlacement(window, &placement)) return place;
+  place = placement.rcNormalPosition;  // counted from the work area
+  MONITORINFO info{};
+  info.cbSize = sizeof info;
+  if (GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTOPRIMARY), &info))
+    OffsetRect(&place, info.rcWork.left - info.rcMonitor.left, info.rcWork.top - info.rcMonitor.top);
+  return place;
+}
+
+}  // namespace
+
+std::unique_ptr<Win32View> makeWin32View(ViewTexts& texts, platform::SettingsStore& settings) {
+  return std::make_unique<MainWindow>(texts, settings);
+}
+
+MainWindow::MainWindow(ViewTexts& texts, platform::SettingsStore& settings)
+    : texts_(texts), settings_(settings), timer_([this] {
+        if (events_ != nullptr) events_->tick();
+      }) {}
+
+MainWindow::~MainWindow() {
+  detach();
+}
+
+void MainWindow::attach(Form& form, ViewEvents& events) {
+  detach();
+  form_ = &form;
+  events_ = &events;
+  const INITCOMMONCONTROLSEX controls{sizeof controls,
+                                      ICC_STANDARD_CLASSES | ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES};
+  InitCommonControlsEx(&controls);
+  DisableProcessWindowsGhosting();  // a long step paints by itself
+  registerClass(procedure);
+  const RECT at = placeFromSettings();
+  CreateWindowExW(WS_EX_CONTROLPARENT, className, wide(form.self().has(u"Caption") ? form.self().text(u"Caption") : std::u16string{}),
+                  WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, at.left, at.top, width(at), height(at), nullptr,
+                  nullptr, GetModuleHandleW(nullptr), this);
+  form.listen([this](Control& changed, std::u16string_view property) { controlChanged(changed, property); });
+  dpi_ = static_cast<int>(GetDpiForWindow(window_));
+  paneHeight_ = scaled(designedPane, dpi_);
+  palette_ = currentPalette();
+  createChildren();
+  createGridAndPane();
+  restyle();
+  applyWhole();
+  readSettings();
+  place();
+}
+
+void MainWindow::detach() {
+  if (window_ == nullptr) return;
+  writeSettings();
+  if (form_ != nullptr) form_->listen({});
+  events_ = nullptr;
+  form_ = nullptr;
+  ids_.clear();
+  lastFocus_ = nullptr;
+  help_.close();
+  timer_.stop(window_);
+  DestroyWindow(std::exchange(window_, nullptr));
+}
+
+void MainWindow::createChildren() {
+  const HINSTANCE instance = GetModuleHandleW(nullptr);
+  tips_ = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, L"", WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, 0, 0,
+                          0, 0, window_, nullptr, instance, nullptr);
+  for (const Child& child : children) {
+    Control* shown = control(child.control);
+    if (shown == nullptr) continue;
+    ids_[shown] = child.id;
+    const HWND made =
+        CreateWindowExW(child.extendedStyle, child.type, L"", WS_CHILD | child.style, 0, 0, 0, 0, window_,
+                        reinterpret_cast<HMENU>(static_cast<INT_PTR>(child.id)), instance, nullptr);
+    SetWindowSubclass(made, watchChild, static_cast<UINT_PTR>(child.id), reinterpret_cast<DWORD_PTR>(this));
+  }
+  lookUp_.create(window_, {idLookUpLabel, idLookUpText, idLookUpNext, idLookUpClose, idLookUpMessage},
+                 texts_);
+}
+
+void MainWindow::createGridAndPane() {
+  const HINSTANCE instance = GetModuleHandleW(nullptr);
+  notice_ =
+      CreateWindowExW(0, WC_STATICW, L"", WS_CHILD | WS_CLIPSIBLINGS | SS_OWNERDRAW, 0, 0, 0, 0, window_,
+                      reinterpret_cast<HMENU>(static_cast<INT_PTR>(idNotice)), instance, nullptr);
+  Grid::Events events;
+  events.headingClicked = [this](int column) {
+    if (inputAllowed() && events_ != nullptr) events_->headingClicked(column);
+  };
+  events.selectionChanged = [this] { showSelected(); };
+  events.copy = [this] { copySelected(); };
+  grid_.create(window_, idGrid, std::move(events));
+  if (Control* grid = control(gridName)) ids_[grid] = idGrid;
+  pane_.create(window_, idPane);
+  status_ =
+      CreateWindowExW(0, STATUSCLASSNAMEW, L"", WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0, 0, 0, 0, window_,
+                      reinterpret_cast<HMENU>(static_cast<INT_PTR>(idStatus)), instance, nullptr);
+}
+
+RECT MainWindow::placeFromSettings() const {
+  const int dpi = systemDpi();
+  const RECT work = workAreas().empty() ? RECT{0, 0, 1024, 768} : workAreas().front();
+  const int w = std::min(scaled(designedWidth, dpi), width(work));
+  const int h = std::min(scaled(designedHeight, dpi), height(work));
+  const int left = static_cast<int>(work.left) + (width(work) - w) / 2;
+  const int top = static_cast<int>(work.top) + (height(work) - h) / 2;
+  RECT place{left, top, left + w, top + h};
+  const auto kept = readNumbers(settings_.read(application, section, placeKey).value_or(u""));
+  if (!kept || kept->size() != 4) return place;
+  const std::vector<int>& n = *kept;
+  if (n[2] > 0 && n[3] > 0)
+    place = {toPixels(n[0], dpi), toPixels(n[1], dpi), toPixels(n[0], dpi) + toPixels(n[2], dpi),
+             toPixels(n[1], dpi) + toPixels(n[3], dpi)};
+  return pulledBack(place, workAreas(), titleHeight(dpi), scaled(gripWidth, dpi));
+}
+
+void MainWindow::readSettings() {
+  ColumnLayout layout;
+  const auto read = [&](std::u16string_view key) {
+    return settings_.read(application, section, key).value_or(u"");
+  };
+  if (const auto widths = readWidths(read(widthsKey))) layout.widths = *widths;
+  if (const auto order = readOrder(read(orderKey))) layout.order = *order;
+  grid_.setLayout(layout);
+  const auto pane = readNumbers(read(paneKey));
+  if (pane && pane->size() == 1) paneHeight_ = scaled(pane->front(), dpi_);
+}
+
+void MainWindow::writeSettings() {
+  const ColumnLayout layout = grid_.layout();
+  const RECT at = normalPlace(window_);
+  const int dpi = systemDpi();
+  const auto write = [&](std::u16string_view key, const std::u16string& value) {
+    settings_.write(application, section, key, value);
+  };
+  write(widthsKey, widthsAsText(layout));
+  write(orderKey, orderAsText(layout));
+  write(paneKey, joined({MulDiv(paneHeight_, designDpi, dpi_)}));
+  write(placeKey, joined({toTwips(at.left, dpi), toTwips(at.top, dpi), toTwips(width(at), dpi),
+                          toTwips(height(at), dpi)}));
+}
+
+// The starter's wish (a hidden or minimised first window) goes for programs that it starts for a person to
+// use; this window shows when its host says so, hence no ShowWindow for the first time.
+void MainWindow::setVisible(bool visible) {
+  if (restyleWanted_) restyle();
+  const UINT how = visible ? SWP_SHOWWINDOW : SWP_HIDEWINDOW | SWP_NOACTIVATE;
+  SetWindowPos(window_, nullptr, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | how);
+  if (visible && IsIconic(window_)) ShowWindow(window_, SW_RESTORE);
+}
+
+void MainWindow::refresh() {
+  grid_.refresh();
+  showSelected();
+}
+
+void MainWindow::setInputEnabled(bool enabled) {
+  if (inputEnabled_ == enabled) return;
+  inputEnabled_ = enabled;
+  updateInput();
+}
+
+void MainWindow::setHourglass(bool on) {
+  hourglass_ = on;
+  SetCursor(LoadCursorW(nullptr, on ? IDC_WAIT : IDC_ARROW));
+}
+
+void MainWindow::setRows(GridSource* rows) {
+  grid_.setRows(rows);
+  place();
+}
+
+void MainWindow::setLamp(bool major, bool lit) {
+  lit_[major ? 0 : 1] = lit;
+  const HWND lamp = item(major ? idMajor : idMinor);
+  setWindowText(lamp, lampWords(major, lit));
+  InvalidateRect(lamp, nullptr, FALSE);
+}
+
+void MainWindow::setStatus(int part, std::u16string_view text) {
+  if (part < 0 || part >= statusParts) return;
+  const std::u16string words(text);
+  SendMessageW(status_, SB_SETTEXTW, static_cast<WPARAM>(part), reinterpret_cast<LPARAM>(wide(words)));
+  placeStatus();
+}
+
+void MainWindow::setNotice(std::u16string_view text) {
+  noticeText_ = text;
+  setWindowText(notice_, noticeText_);
+  place();
+  InvalidateRect(notice_, nullptr, FALSE);
+}
+
+void MainWindow::setNoticeKind(NoticeKind kind) {
+  noticeKind_ = kind;
+  InvalidateRect(notice_, nullptr, FALSE);
+}
+
+void MainWindow::paintNow() {
+  if (restyleWanted_) restyle();
+  RedrawWindow(window_, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+}
+
+void MainWindow::popUpMenu(std::u16string_view) {
+  const Menu menu(CreatePopupMenu());
+  const Control* whatsThis = control(whatsThisItem);
+  if (whatsThis == nullptr) return;
+  AppendMenuW(menu.get(), MF_STRING, 1, wide(whatsThis->text(u"Caption")));
+  POINT at{};
+  GetCursorPos(&at);
+  SetForegroundWindow(window_);
+  const BOOL chosen =
+      TrackPopupMenu(menu.get(), TPM_RETURNCMD | TPM_RIGHTBUTTON, at.x, at.y, 0, window_, nullptr);
+  if (chosen == 1 && events_ != nullptr) events_->whatsThisChosen();
+}
+
+void MainWindow::showWhatsThis(Control& control, std::u16string_view help) {
+  if (window_ == nullptr || help.empty()) return;
+  const auto found = ids_.find(&control);
+  help_.show(window_, found != ids_.end() ? item(found->second) : window_, std::u16string(help), font_.get(),
+             dpi_);
+}
+
+View::Size MainWindow::screenSize() {
+  const int dpi = systemDpi();
+  return {toTwips(GetSystemMetrics(SM_CXSCREEN), dpi), toTwips(GetSystemMetrics(SM_CYSCREEN), dpi)};
+}
+
+View::Size MainWindow::windowSize() {
+  const RECT at = normalPlace(window_);
+  return {toTwips(width(at), systemDpi()), toTwips(height(at), systemDpi())};
+}
+
+void MainWindow::moveTo(std::int32_t left, std::int32_t top) {
+  const int dpi = systemDpi();
+  RECT at = normalPlace(window_);
+  OffsetRect(&at, toPixels(left, dpi) - static_cast<int>(at.left),
+             toPixels(top, dpi) - static_cast<int>(at.top));
+  at = pulledBack(at, workAreas(), titleHeight(dpi), scaled(gripWidth, dpi));
+  SetWindowPos(window_, nullptr, at.left, at.top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+std::pair<std::int32_t, std::int32_t> MainWindow::position() {
+  const RECT at = normalPlace(window_);
+  return {toTwips(at.left, systemDpi()), toTwips(at.top, systemDpi())};
+}
+
+}  // namespace vordane::window::win32

@@ -1,0 +1,147 @@
+// The one window: draws the form and turns messages into ViewEvents calls. It decides nothing about the
+// system. Its parts stand in several files: creation and the View interface (main_window.cpp), what the form
+// says (main_window_model.cpp), messages (main_window_messages.cpp), place and ground
+// (main_window_layout.cpp).
+#pragma once
+
+#include <array>
+#include <map>
+
+#include "platform/windows/window/background.h"
+#include "platform/windows/window/children.h"
+#include "platform/windows/window/detail_pane.h"
+#include "platform/windows/window/grid.h"
+#include "platform/windows/window/help_popup.h"
+#include "platform/windows/window/layout.h"
+#include "platform/windows/window/look_up_bar.h"
+#include "platform/windows/window/tick_timer.h"
+#include "platform/windows/window/win32_view.h"
+
+namespace vordane::window::win32 {
+
+class MainWindow final : public Win32View {
+ public:
+  MainWindow(ViewTexts& texts, platform::SettingsStore& settings);
+  ~MainWindow() override;
+
+  HWND window() const override { return window_; }
+  bool translate(MSG& message) override;
+  void serveDueTick() override { timer_.serveIfDue(window_); }
+
+  void attach(Form& form, ViewEvents& events) override;
+  void detach() override;
+  void setVisible(bool visible) override;
+  bool visible() override { return IsWindowVisible(window_) != FALSE; }
+  void refresh() override;
+  void setInputEnabled(bool enabled) override;
+  void setHourglass(bool on) override;
+  void startTimer(int milliseconds) override { timer_.start(window_, milliseconds); }
+  void stopTimer() override { timer_.stop(window_); }
+  void setRows(GridSource* rows) override;
+  void setSortMark(int column, bool descending) override { grid_.setSortMark(column, descending); }
+  void setLamp(bool major, bool lit) override;
+  void setStatus(int part, std::u16string_view text) override;
+  void setNotice(std::u16string_view text) override;
+  void setNoticeKind(NoticeKind kind) override;
+  void paintNow() override;
+  void popUpMenu(std::u16string_view menu) override;
+  void showWhatsThis(Control& control, std::u16string_view help) override;
+  Size screenSize() override;
+  Size windowSize() override;
+  void moveTo(std::int32_t left, std::int32_t top) override;
+  std::pair<std::int32_t, std::int32_t> position() override;
+
+ private:
+  static constexpr int statusParts = 3;
+  static constexpr UINT restyleMessage = WM_APP + 1;
+
+  // Creation.
+  void createChildren();
+  void createGridAndPane();
+  void readSettings();
+  void writeSettings();
+  RECT placeFromSettings() const;
+
+  // What the form says.
+  Control* control(std::u16string_view name) { return form_ != nullptr ? form_->find(name) : nullptr; }
+  HWND item(int id) const { return GetDlgItem(window_, id); }
+  void controlChanged(Control& control, std::u16string_view property);
+  void formChanged(std::u16string_view property);
+  void applyWhole();
+  void apply(Control& control, int id);
+  void applyEnabled(const Control& control, int id);
+  void applyItems(const Control& control);
+  void applyHeading(const Control& grid, std::u16string_view property);
+  void applyTip(const Control& control, int id);
+  void wantRestyle();
+  void restyle();
+  bool inputAllowed() const;
+  void updateInput();
+  std::u16string lampWords(bool major, bool lit);
+  void showSelected();
+
+  // Place and ground.
+  LayoutInput layoutInput() const;
+  void place();
+  void placeNotice(const Layout& layout);
+  void placeStatus();
+  void tellModelOfPlaces(const Layout& layout);
+  HBRUSH ground();
+  void paintGround(HDC dc);
+  bool onSplitter(POINT point) const;
+
+  // Messages.
+  static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wide, LPARAM low);
+  static LRESULT CALLBACK watchChild(HWND window, UINT message, WPARAM wide, LPARAM low, UINT_PTR id,
+                                     DWORD_PTR self);
+  LRESULT handle(UINT message, WPARAM wide, LPARAM low);
+  LRESULT handleInput(UINT message, WPARAM wide, LPARAM low);
+  LRESULT handleDrawing(UINT message, WPARAM wide, LPARAM low);
+  LRESULT command(int id, int code);
+  LRESULT notify(LPARAM low);
+  void buttonClicked(int id);
+  void exchangeNotified(int code);
+  void exchangePicked();
+  bool keyDown(WPARAM key);
+  void contextMenu(HWND source, POINT place);
+  void gridMenu(POINT place);
+  void copySelected();
+  void drawItem(const DRAWITEMSTRUCT& item);
+  void dragSplitter(int y);
+  void densityChanged(int dpi, const RECT& place);
+  void keepFocus();
+  void giveFocusBack();
+
+  // Looking up.
+  void openLookUp();
+  void closeLookUp();
+  void lookUpNext();
+
+  ViewTexts& texts_;
+  platform::SettingsStore& settings_;
+  Form* form_ = nullptr;
+  ViewEvents* events_ = nullptr;
+  HWND window_ = nullptr;
+  HWND tips_ = nullptr, status_ = nullptr, notice_ = nullptr;
+  std::map<const Control*, int> ids_;
+  Grid grid_;
+  DetailPane pane_;
+  LookUpBar lookUp_;
+  HelpPopup help_;
+  Background background_;
+  TickTimer timer_;
+  Palette palette_;
+  int dpi_ = 96;
+  std::map<int, Font> fonts_;  // by the child's identifier
+  Font font_, bold_;
+  std::array<bool, 2> lit_{};
+  std::u16string noticeText_;
+  NoticeKind noticeKind_ = NoticeKind::hint;
+  Layout layout_;
+  int paneHeight_ = 0;
+  bool inputEnabled_ = true, hourglass_ = false, restyleWanted_ = false, ownChange_ = false;
+  bool draggingSplitter_ = false;
+  HWND lastFocus_ = nullptr;
+};
+
+}  // namespace vordane::window::win32

@@ -1,0 +1,344 @@
+// Messages turned into what a person did.
+#include <windows.h>
+
+#include <windowsx.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "platform/windows/window/geometry.h"
+#include "platform/windows/window/main_window.h"
+#include "platform/windows/window/parts_paint.h"
+
+namespace vordane::window::win32 {
+namespace {
+
+constexpr int rightButton = 2, leftButton = 1;
+enum GridCommand : UINT { copyCommand = 1, lookUpCommand };
+
+bool controlHeld() {
+  return GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0;
+}
+
+void toClipboard(HWND owner, const std::u16string& text) {
+  if (!OpenClipboard(owner)) return;
+  EmptyClipboard();
+  const std::size_t bytes = (text.size() + 1) * sizeof(char16_t);
+  if (HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, bytes)) {
+    std::memcpy(GlobalLock(memory), text.c_str(), bytes);
+    GlobalUnlock(memory);
+    if (SetClipboardData(CF_UNICODETEXT, memory) == nullptr) GlobalFree(memory);
+  }
+  CloseClipboard();
+}
+
+}  // namespace
+
+// Nothing may leave a window procedure but its answer: what fails in here leaves the window as it is.
+LRESULT CALLBACK MainWindow::procedure(HWND window, UINT message, WPARAM wide, LPARAM low) {
+  if (message == WM_NCCREATE) {
+    auto* made = static_cast<MainWindow*>(reinterpret_cast<CREATESTRUCTW*>(low)->lpCreateParams);
+    made->window_ = window;
+    SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(made));
+  }
+  auto* self = reinterpret_cast<MainWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+  if (self == nullptr || self->window_ != window) return DefWindowProcW(window, message, wide, low);
+  try {
+    return self->handle(message, wide, low);
+  } catch (const std::exception&) {
+    return 0;
+  }
+}
+
+LRESULT MainWindow::handle(UINT message, WPARAM wide, LPARAM low) {
+  switch (message) {
+    case WM_SIZE:
+      place();
+      return 0;
+    case WM_GETMINMAXINFO:
+      if (status_ != nullptr) {
+        const SIZE least = smallestClient(layoutInput());
+        RECT outer{0, 0, least.cx, least.cy};
+        AdjustWindowRectExForDpi(&outer, WS_OVERLAPPEDWINDOW, FALSE, WS_EX_CONTROLPARENT,
+                                 static_cast<UINT>(dpi_));
+        reinterpret_cast<MINMAXINFO*>(low)->ptMinTrackSize = {width(outer), height(outer)};
+      }
+      return 0;
+    case WM_CLOSE:
+      if (events_ != nullptr) events_->closeAsked();
+      return 0;
+    case WM_TIMER:
+      return timer_.expired(window_, wide) ? 0 : DefWindowProcW(window_, message, wide, low);
+    case WM_DPICHANGED:
+      densityChanged(LOWORD(wide), *reinterpret_cast<RECT*>(low));
+      return 0;
+    case WM_SETTINGCHANGE:
+    case WM_SYSCOLORCHANGE:
+    case WM_THEMECHANGED:
+      palette_ = currentPalette();
+      wantRestyle();
+      return DefWindowProcW(window_, message, wide, low);
+    case WM_ENDSESSION:
+      if (wide != FALSE) writeSettings();
+      return 0;
+    case restyleMessage:
+      if (restyleWanted_) restyle();
+      return 0;
+    case WM_COMMAND:
+      return command(LOWORD(wide), HIWORD(wide));
+    case WM_NOTIFY:
+      return notify(low);
+    default:
+      return handleInput(message, wide, low);
+  }
+}
+
+LRESULT MainWindow::handleInput(UINT message, WPARAM wide, LPARAM low) {
+  const POINT point{GET_X_LPARAM(low), GET_Y_LPARAM(low)};
+  switch (message) {
+    case WM_ACTIVATE:
+      if (LOWORD(wide) == WA_INACTIVE) keepFocus();
+      help_.close();
+      return DefWindowProcW(window_, message, wide, low);
+    case WM_SETFOCUS:
+      giveFocusBack();
+      return 0;
+    case DM_GETDEFID: {
+      const int focused = GetDlgCtrlID(GetFocus());
+      return focused >= idRequest && focused <= idClose ? MAKELRESULT(focused, DC_HASDEFID) : 0;
+    }
+    case WM_CONTEXTMENU:
+      contextMenu(reinterpret_cast<HWND>(wide), point);
+      return 0;
+    case WM_LBUTTONDOWN:
+      draggingSplitter_ = inputAllowed() && onSplitter(point);
+      if (draggingSplitter_) SetCapture(window_);
+      return 0;
+    case WM_MOUSEMOVE:
+      if (draggingSplitter_) dragSplitter(point.y);
+      return 0;
+    case WM_LBUTTONUP:
+    case WM_CAPTURECHANGED:
+      if (std::exchange(draggingSplitter_, false)) ReleaseCapture();
+      return 0;
+    default:
+      return handleDrawing(message, wide, low);
+  }
+}
+
+LRESULT MainWindow::handleDrawing(UINT message, WPARAM wide, LPARAM low) {
+  switch (message) {
+    case WM_ERASEBKGND:
+    case WM_PRINTCLIENT:
+      paintGround(reinterpret_cast<HDC>(wide));
+      return 1;
+    case WM_CTLCOLORSTATIC:
+    case WM_CTLCOLORBTN: {
+      const HDC dc = reinterpret_cast<HDC>(wide);
+      RECT place;
+      GetWindowRect(reinterpret_cast<HWND>(low), &place);
+      MapWindowPoints(nullptr, window_, reinterpret_cast<POINT*>(&place), 2);
+      SetBkMode(dc, TRANSPARENT);
+      SetTextColor(dc, palette_.panelText);
+      SetBrushOrgEx(dc, -place.left, -place.top, nullptr);
+      return reinterpret_cast<LRESULT>(ground());
+    }
+    case WM_DRAWITEM:
+      drawItem(*reinterpret_cast<DRAWITEMSTRUCT*>(low));
+      return TRUE;
+    case WM_MEASUREITEM:
+      if (reinterpret_cast<MEASUREITEMSTRUCT*>(low)->CtlType == ODT_LISTVIEW)
+        grid_.measure(*reinterpret_cast<MEASUREITEMSTRUCT*>(low));
+      return TRUE;
+    case WM_SETCURSOR:
+      if (hourglass_ && LOWORD(low) == HTCLIENT) {
+        SetCursor(LoadCursorW(nullptr, IDC_WAIT));
+        return TRUE;
+      }
+      if (POINT at;
+          LOWORD(low) == HTCLIENT && GetCursorPos(&at) && ScreenToClient(window_, &at) && onSplitter(at)) {
+        SetCursor(LoadCursorW(nullptr, IDC_SIZENS));
+        return TRUE;
+      }
+      return DefWindowProcW(window_, message, wide, low);
+    default:
+      return DefWindowProcW(window_, message, wide, low);
+  }
+}
+
+LRESULT MainWindow::command(int id, int code) {
+  if (!inputAllowed() || events_ == nullptr) return 0;
+  if (id == IDOK && GetFocus() == lookUp_.box()) lookUpNext();
+  if (id == IDCANCEL && lookUp_.open()) closeLookUp();
+  if (id == idExchange) exchangeNotified(code);
+  const bool button = id >= idRequest && id <= idClose;
+  if (button && code == BN_CLICKED && IsWindowEnabled(item(id))) buttonClicked(id);
+  if (id == idLookUpNext && code == BN_CLICKED) lookUpNext();
+  if (id == idLookUpClose && code == BN_CLICKED) closeLookUp();
+  return 0;
+}
+
+void MainWindow::buttonClicked(int id) {
+  if (id == idLookUp) return openLookUp();
+  for (const ButtonAction& button : buttonActions)
+    if (button.id == id) return events_->buttonPressed(button.action);
+}
+
+// While the list is open the arrow keys only move in it; the entry is chosen when the list closes.
+void MainWindow::exchangeNotified(int code) {
+  const HWND box = item(idExchange);
+  const bool open = SendMessageW(box, CB_GETDROPPEDSTATE, 0, 0) != FALSE;
+  if (code == CBN_SELENDCANCEL) {
+    if (const Control* list = control(u"drpPBXList"))
+      SendMessageW(box, CB_SETCURSEL, static_cast<WPARAM>(list->listIndex()), 0);
+  } else if (code == CBN_SELENDOK || (code == CBN_SELCHANGE && !open)) {
+    exchangePicked();
+  }
+}
+
+void MainWindow::exchangePicked() {
+  Control* list = control(u"drpPBXList");
+  const int chosen = static_cast<int>(SendMessageW(item(idExchange), CB_GETCURSEL, 0, 0));
+  if (list == nullptr || chosen < 0 || chosen == list->listIndex()) return;
+  list->setListIndex(chosen);
+  events_->exchangeChosen(chosen);
+}
+
+LRESULT MainWindow::notify(LPARAM low) {
+  const NMHDR& header = *reinterpret_cast<NMHDR*>(low);
+  LRESULT answer = 0;
+  if (grid_.window() != nullptr && grid_.notified(header, low, answer)) return answer;
+  pane_.notified(header);
+  return 0;
+}
+
+void MainWindow::contextMenu(HWND source, POINT place) {
+  if (!inputAllowed() || source != grid_.window()) return;
+  gridMenu(place.x == -1 && place.y == -1 ? grid_.menuPlace() : place);
+}
+
+void MainWindow::gridMenu(POINT place) {
+  if (!grid_.selected()) return;
+  const Menu menu(CreatePopupMenu());
+  AppendMenuW(menu.get(), MF_STRING, copyCommand, wide(texts_.text(ViewText::copyFault)));
+  if (IsWindowEnabled(item(idLookUp)))
+    AppendMenuW(menu.get(), MF_STRING, lookUpCommand, wide(windowText(item(idLookUp))));
+  const BOOL chosen =
+      TrackPopupMenu(menu.get(), TPM_RETURNCMD | TPM_RIGHTBUTTON, place.x, place.y, 0, window_, nullptr);
+  if (chosen == copyCommand) copySelected();
+  if (chosen == lookUpCommand) openLookUp();
+}
+
+void MainWindow::copySelected() {
+  if (const ShownRow* row = grid_.selectedRow()) toClipboard(window_, copyText(row->fault));
+}
+
+void MainWindow::drawItem(const DRAWITEMSTRUCT& item) {
+  const int id = static_cast<int>(item.CtlID);
+  if (id == idGrid) return grid_.draw(item);
+  if (id == idNotice) {
+    const bool bar = grid_.size() > 0;
+    return drawNotice({item.hDC, item.rcItem, noticeText_, noticeKind_, bar, font_.get(), dpi_}, palette_);
+  }
+  const bool lit = lit_[id == idMajor ? 0 : 1];
+  const auto font = fonts_.find(id);
+  const HFONT plain = font != fonts_.end() ? font->second.get() : font_.get();
+  drawLamp({item.hDC, item.rcItem, lampWords(id == idMajor, lit), lit, plain, bold_.get(), dpi_}, palette_);
+}
+
+void MainWindow::dragSplitter(int y) {
+  paneHeight_ = paneHeightFor(layoutInput(), y - scaled(2, dpi_));
+  place();
+  UpdateWindow(window_);
+}
+
+void MainWindow::densityChanged(int dpi, const RECT& where) {
+  paneHeight_ = MulDiv(paneHeight_, dpi, dpi_);
+  dpi_ = dpi;
+  SetWindowPos(window_, nullptr, where.left, where.top, width(where), height(where),
+               SWP_NOZORDER | SWP_NOACTIVATE);
+  restyle();
+}
+
+void MainWindow::keepFocus() {
+  const HWND focused = GetFocus();
+  if (focused != nullptr && focused != window_ && IsChild(window_, focused)) lastFocus_ = focused;
+}
+
+void MainWindow::giveFocusBack() {
+  if (!inputAllowed() || GetActiveWindow() != window_) return;
+  const HWND first = IsWindowEnabled(item(idRequest)) ? item(idRequest) : grid_.window();
+  const bool usable = lastFocus_ != nullptr && IsWindowEnabled(lastFocus_) && IsWindowVisible(lastFocus_);
+  SetFocus(usable ? lastFocus_ : first);
+}
+
+void MainWindow::openLookUp() {
+  if (!inputAllowed() || !IsWindowEnabled(item(idLookUp))) return;
+  lookUp_.show();
+  place();
+}
+
+void MainWindow::closeLookUp() {
+  lookUp_.hide();
+  place();
+  SetFocus(grid_.window());
+}
+
+void MainWindow::lookUpNext() {
+  const std::u16string wanted = lookUp_.wanted();
+  if (wanted.empty() || grid_.size() == 0) return openLookUp();
+  const auto from = grid_.selected();
+  const auto hit = events_->lookUp(wanted, from ? static_cast<std::ptrdiff_t>(*from) : -1);
+  if (events_ == nullptr) return;
+  lookUp_.tell(hit ? std::u16string{} : texts_.text(ViewText::lookUpNotFound));
+  if (hit) grid_.select(*hit);
+}
+
+bool MainWindow::translate(MSG& message) {
+  if (window_ == nullptr || (message.hwnd != window_ && !IsChild(window_, message.hwnd))) return false;
+  const bool key = message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN;
+  if (help_.shown() && key) {
+    help_.close();
+    if (message.wParam == VK_ESCAPE) return true;
+  }
+  if (!inputAllowed()) return false;  // the frame's own keys still work
+  if (message.message == WM_KEYDOWN && keyDown(message.wParam)) return true;
+  return window_ != nullptr && IsDialogMessageW(window_, &message) != FALSE;
+}
+
+// True when the key has been served whole.
+bool MainWindow::keyDown(WPARAM key) {
+  if (key == 'F' && controlHeld()) {
+    openLookUp();
+    return true;
+  }
+  if (key == VK_F3) {
+    if (IsWindowEnabled(item(idLookUp))) lookUpNext();
+    return true;
+  }
+  events_->keyPressed(static_cast<int>(key));
+  return key == VK_F1;
+}
+
+LRESULT CALLBACK MainWindow::watchChild(HWND window, UINT message, WPARAM wide, LPARAM low, UINT_PTR id,
+                                        DWORD_PTR self) {
+  auto& view = *reinterpret_cast<MainWindow*>(self);
+  const bool pressed = message == WM_RBUTTONDOWN || message == WM_LBUTTONDOWN;
+  if (pressed && view.inputAllowed() && view.events_ != nullptr && isExplained(static_cast<int>(id))) {
+    for (const auto& [shown, childId] : view.ids_) {
+      if (childId != static_cast<int>(id)) continue;
+      try {
+        view.events_->mousePressed(const_cast<Control&>(*shown),
+                                   message == WM_RBUTTONDOWN ? rightButton : leftButton);
+      } catch (const std::exception&) {
+        return 0;  // as in the window procedure
+      }
+      if (message == WM_RBUTTONDOWN) return 0;  // the text box's own menu would come on top
+      break;
+    }
+  }
+  if (message == WM_RBUTTONUP && isExplained(static_cast<int>(id))) return 0;
+  return DefSubclassProc(window, message, wide, low);
+}
+
+}  // namespace vordane::window::win32

@@ -1,0 +1,203 @@
+// What the form says, shown.
+#include <algorithm>
+
+#include "platform/windows/window/geometry.h"
+#include "platform/windows/window/main_window.h"
+#include "text/text.h"
+
+namespace vordane::window::win32 {
+namespace {
+
+constexpr std::int32_t hourglassPointer = 11;
+
+std::u16string textOf(const Control& control, std::u16string_view property) {
+  if (!control.has(property)) return {};
+  const Value value = control.get(property);
+  return automation::isNull(value) ? std::u16string{} : automation::toText(value);
+}
+
+bool flagOf(const Control& control, std::u16string_view property) {
+  return !control.has(property) || control.flag(property);
+}
+
+bool isFont(std::u16string_view property) {
+  return text::contains(text::toLower(property), u"font");
+}
+
+std::u16string_view wordsProperty(int id) {
+  return id == idReceived ? u"Text" : u"Caption";
+}
+
+}  // namespace
+
+bool MainWindow::inputAllowed() const {
+  return inputEnabled_ && form_ != nullptr && flagOf(form_->self(), u"Enabled");
+}
+
+void MainWindow::controlChanged(Control& changed, std::u16string_view property) {
+  if (window_ == nullptr || ownChange_) return;
+  if (&changed == &form_->self()) return formChanged(property);
+  const auto found = ids_.find(&changed);
+  if (property == u"Items" || property == u"ListIndex") {
+    if (found != ids_.end()) applyItems(changed);
+    return;
+  }
+  if (changed.typeName() == u"PictureBox") {
+    background_.update(changed, form_->self());
+    InvalidateRect(window_, nullptr, TRUE);
+    return;
+  }
+  if (isFont(property)) return wantRestyle();
+  if (changed.name() == lampFrameName) return wantRestyle();
+  if (found == ids_.end()) return;
+  if (found->second == idGrid && text::startsWith(property, u"Columns("))
+    return applyHeading(changed, property);
+  apply(changed, found->second);
+}
+
+void MainWindow::formChanged(std::u16string_view property) {
+  const Control& self = form_->self();
+  if (property == u"Caption") setWindowText(window_, textOf(self, property));
+  if (property == u"Visible") setVisible(flagOf(self, property));
+  if (property == u"Enabled") updateInput();
+  if (property == u"MousePointer") setHourglass(self.number(property) == hourglassPointer);
+  if (isFont(property)) wantRestyle();
+}
+
+void MainWindow::applyWhole() {
+  for (const auto& [shown, id] : ids_) apply(const_cast<Control&>(*shown), id);
+  if (Control* list = control(u"drpPBXList")) applyItems(*list);
+  if (Control* grid = control(gridName))
+    for (int column = 0; column < columnCount; ++column) {
+      const char16_t digit = static_cast<char16_t>(u'0' + column);
+      applyHeading(*grid, std::u16string(u"Columns(") + digit + u").Caption");
+    }
+  for (const auto& each : form_->controls())
+    if (each->typeName() == u"PictureBox") background_.update(*each, form_->self());
+  setLamp(true, lit_[0]);
+  setLamp(false, lit_[1]);
+  showSelected();
+}
+
+void MainWindow::apply(Control& shown, int id) {
+  const HWND window = id == idGrid ? grid_.window() : item(id);
+  if (id != idExchange && id != idMajor && id != idMinor) {
+    const std::u16string words = textOf(shown, wordsProperty(id));
+    if (windowText(window) != words) {
+      SetWindowTextW(window, wide(words));
+      if (id != idReceived) wantRestyle();  // a longer caption needs more room
+    }
+  }
+  const bool visible = flagOf(shown, u"Visible");
+  const bool was = (GetWindowLongPtrW(window, GWL_STYLE) & WS_VISIBLE) != 0;
+  if (visible != was) ShowWindow(window, visible ? SW_SHOWNA : SW_HIDE);
+  applyEnabled(shown, id);
+  applyTip(shown, id);
+}
+
+void MainWindow::applyEnabled(const Control& shown, int id) {
+  const HWND window = item(id);
+  const bool enabled = inputAllowed() && flagOf(shown, u"Enabled");
+  if ((IsWindowEnabled(window) != FALSE) == enabled) return;
+  const bool hadFocus = GetFocus() == window;
+  EnableWindow(window, enabled);
+  if (hadFocus && !enabled) SetFocus(inputAllowed() ? grid_.window() : window_);
+}
+
+void MainWindow::updateInput() {
+  const bool allowed = inputAllowed();
+  if (!allowed) {
+    keepFocus();
+    help_.close();
+    SendMessageW(item(idExchange), CB_SHOWDROPDOWN, FALSE, 0);
+  }
+  for (const auto& [shown, id] : ids_) applyEnabled(*shown, id);
+  lookUp_.enable(allowed);
+  EnableWindow(pane_.window(), allowed);
+  if (allowed) giveFocusBack();
+}
+
+// One added entry is one message; anything else fills the list anew.
+void MainWindow::applyItems(const Control& list) {
+  const HWND box = item(idExchange);
+  const auto shown = static_cast<std::size_t>(SendMessageW(box, CB_GETCOUNT, 0, 0));
+  const auto& entries = list.items();
+  if (entries.size() == shown + 1) {
+    SendMessageW(box, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(wide(entries.back().text)));
+  } else if (entries.size() != shown) {
+    SendMessageW(box, CB_RESETCONTENT, 0, 0);
+    for (const Control::Entry& entry : entries)
+      SendMessageW(box, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(wide(entry.text)));
+  }
+  if (SendMessageW(box, CB_GETCURSEL, 0, 0) != list.listIndex())
+    SendMessageW(box, CB_SETCURSEL, static_cast<WPARAM>(list.listIndex()), 0);
+}
+
+void MainWindow::applyHeading(const Control& grid, std::u16string_view property) {
+  const char16_t digit = property.size() > 8 ? property[8] : u'x';
+  const int column = digit - u'0';
+  if (column >= 0 && column < columnCount && text::contains(property, u"Caption"))
+    grid_.setHeading(column, textOf(grid, property));
+}
+
+void MainWindow::applyTip(const Control& shown, int id) {
+  const std::u16string tip = textOf(shown, u"ToolTipText");
+  TTTOOLINFOW tool{};
+  tool.cbSize = sizeof tool;
+  tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+  tool.hwnd = window_;
+  tool.uId = reinterpret_cast<UINT_PTR>(item(id));
+  tool.lpszText = const_cast<wchar_t*>(wide(tip));
+  SendMessageW(tips_, TTM_DELTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+  if (!tip.empty()) SendMessageW(tips_, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+}
+
+// The loaders change hundreds of properties in a row: one restyling follows them all.
+void MainWindow::wantRestyle() {
+  if (restyleWanted_ || window_ == nullptr) return;
+  restyleWanted_ = true;
+  PostMessageW(window_, restyleMessage, 0, 0);
+}
+
+void MainWindow::restyle() {
+  restyleWanted_ = false;
+  std::map<int, Font> fresh;
+  for (const auto& [shown, id] : ids_) {
+    if (id == idGrid) continue;
+    Font font = makeFont(fontOf(shown), dpi_);
+    SendMessageW(item(id), WM_SETFONT, reinterpret_cast<WPARAM>(font.get()), TRUE);
+    fresh.emplace(id, std::move(font));
+  }
+  fonts_.swap(fresh);
+  const FontChoice own = fontOf(&form_->self());
+  Font plain = makeFont(own, dpi_);
+  lookUp_.setFont(plain.get());
+  for (HWND window : {notice_, status_, tips_})
+    SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(plain.get()), TRUE);
+  font_ = std::move(plain);
+  bold_ = makeFont(fontOf(control(u"lblMJ")), dpi_, FontStyle::bold);
+  SendMessageW(item(idExchange), CB_SETITEMHEIGHT, static_cast<WPARAM>(-1),
+               lineHeight(font_.get()) + scaled(4, dpi_));
+  grid_.setLook(control(gridName), dpi_, palette_);
+  pane_.setLook(control(gridName), dpi_, palette_);
+  background_.changed();
+  place();
+  RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+}
+
+std::u16string MainWindow::lampWords(bool major, bool lit) {
+  if (major) return texts_.text(lit ? ViewText::majorLit : ViewText::majorClear);
+  return texts_.text(lit ? ViewText::minorLit : ViewText::minorClear);
+}
+
+void MainWindow::showSelected() {
+  if (form_ == nullptr || pane_.window() == nullptr) return;
+  const ShownRow* row = grid_.selectedRow();
+  const auto place = grid_.selected();
+  if (row != nullptr && place)
+    pane_.showFault(*grid_.source(), *place, row->fault.description);
+  else
+    pane_.showHint(grid_.size() > 0 ? texts_.text(ViewText::noSelection) : std::u16string{});
+}
+
+}  // namespace vordane::window::win32

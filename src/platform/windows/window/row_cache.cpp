@@ -1,0 +1,29 @@
+#include "platform/windows/window/row_cache.h"
+
+namespace vordane::window::win32 {
+
+void RowCache::setSource(GridSource* source) {
+  source_ = source;
+  forget();
+}
+
+void RowCache::forget() {
+  for (Place& place : cache_) place = Place{};
+}
+
+const ShownRow* RowCache::row(std::size_t position) {
+  if (position >= size()) return nullptr;
+  Place& place = cache_[position % places];
+  if (place.position != position) {
+    place.position = position;
+    auto fetched = source_->row(position);
+    place.present = fetched.has_value();
+    if (fetched) {
+      place.row.text = rowText(fetched->description);
+      place.row.fault = std::move(*fetched);
+    }
+  }
+  return place.present ? &place.row : nullptr;
+}
+
+}  // namespace vordane::window::win32

@@ -1,0 +1,40 @@
+// The rows that the grid has just drawn: a few screens of them, whatever the number of faults. A row is
+// fetched once while it is in sight.
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "platform/windows/window/description.h"
+
+namespace vordane::window::win32 {
+
+struct ShownRow {
+  GridRow fault;
+  RowText text;
+};
+
+class RowCache {
+ public:
+  void setSource(GridSource* source);  // not owned; forgets all rows
+  GridSource* source() const { return source_; }
+  std::size_t size() const { return source_ != nullptr ? source_->size() : 0; }
+
+  // Null when the row has gone. Good until the next call.
+  const ShownRow* row(std::size_t position);
+  void forget();
+
+ private:
+  // Positions share a place when they are this far apart; more than a tall screen's rows, twice over.
+  static constexpr std::size_t places = 256;
+  struct Place {
+    std::size_t position = static_cast<std::size_t>(-1);
+    bool present = false;
+    ShownRow row;
+  };
+
+  GridSource* source_ = nullptr;
+  std::vector<Place> cache_ = std::vector<Place>(places);
+};
+
+}  // namespace vordane::window::win32

@@ -1,0 +1,168 @@
+// Shows the window over rows in memory and prints every event that reaches the form, so that a person (or a
+// program that presses its buttons) can see what the window does. Words on the command line: ru, ja; empty,
+// waiting, failure, busy, million, long; size=WIDTHxHEIGHT in pixels at 96 dots an inch; picture=PATH.
+#include <windows.h>
+
+#include <objbase.h>
+
+#include <cstdio>
+#include <string>
+
+#include "platform/windows/window/geometry.h"
+#include "platform/windows/window/handles.h"
+#include "platform/windows/window/win32_view.h"
+#include "text/utf8.h"
+#include "windows/window/fake_form.h"
+
+namespace {
+
+using namespace vordane;
+using namespace vordane::window;
+using namespace vordane::window::testing;
+
+struct Options {
+  Language language = Language::english;
+  std::size_t rows = 1204;
+  bool empty = false, waiting = false, failure = false, busy = false, longTexts = false;
+  int width = 0, height = 0;
+  std::u16string picture;
+};
+
+class PrintingEvents : public ViewEvents {
+ public:
+  explicit PrintingEvents(Form& form, FakeRows& rows) : form_(form), rows_(rows) {}
+  View* view = nullptr;
+
+  void buttonPressed(int action) override { say("button " + std::to_string(action)); }
+  void headingClicked(int column) override {
+    say("heading " + std::to_string(column));
+    descending_ = !descending_;
+    view->setSortMark(column, descending_);
+  }
+  void exchangeChosen(int listIndex) override { say("exchange " + std::to_string(listIndex)); }
+  void closeAsked() override {
+    say("close");
+    PostQuitMessage(0);
+  }
+  void keyPressed(int keyCode) override { say("key " + std::to_string(keyCode)); }
+  void mousePressed(Control& control, int button) override {
+    say("mouse " + text::toUtf8(control.name()) + " " + std::to_string(button));
+    if (button != 2) return;
+    target_ = &control;
+    view->popUpMenu(u"mnuWhatsThis");
+    target_ = nullptr;
+  }
+  void whatsThisChosen() override {
+    say("whats this");
+    view->showWhatsThis(*target_,
+                        u"The lamp shows the stored major alarm of the exchange chosen in the list. "
+                        u"Request the list to bring it up to date.");
+  }
+  std::optional<std::size_t> lookUp(std::u16string_view wanted, std::ptrdiff_t after) override {
+    say("look up " + text::toUtf8(wanted) + " after " + std::to_string(after));
+    const auto count = static_cast<std::ptrdiff_t>(rows_.size());
+    for (std::ptrdiff_t n = 1; n <= std::min<std::ptrdiff_t>(count, 1000); ++n) {
+      const auto at = static_cast<std::size_t>((after + n) % count);
+      const auto row = rows_.row(at);
+      if (row && row->description.find(wanted) != std::u16string::npos) return at;
+    }
+    return std::nullopt;
+  }
+  void tick() override { say("tick"); }
+
+ private:
+  static void say(const std::string& what) {
+    std::printf("%s\n", what.c_str());
+    std::fflush(stdout);
+  }
+  Form& form_;
+  FakeRows& rows_;
+  Control* target_ = nullptr;
+  bool descending_ = true;
+};
+
+Options readOptions(int count, char** words) {
+  Options options;
+  for (int n = 1; n < count; ++n) {
+    const std::string word = words[n];
+    if (word == "ru") options.language = Language::russian;
+    if (word == "ja") options.language = Language::japanese;
+    if (word == "empty") options.empty = true;
+    if (word == "waiting") options.waiting = true;
+    if (word == "failure") options.failure = true;
+    if (word == "busy") options.busy = true;
+    if (word == "long") options.longTexts = true;
+    if (word == "million") options.rows = 1'000'000;
+    if (word.rfind("size=", 0) == 0) std::sscanf(word.c_str(), "size=%dx%d", &options.width, &options.height);
+    if (word.rfind("picture=", 0) == 0) options.picture = text::fromUtf8(word.substr(8));
+  }
+  return options;
+}
+
+void fillExchanges(Form& form) {
+  Control& list = form.control(u"drpPBXList");
+  for (const char16_t* name : {u"PBX-1", u"PBX-2 (warehouse)", u"Hospital east wing", u"Закупки"})
+    list.addItem(name);
+  list.setListIndex(0);
+}
+
+void showState(View& view, Form& form, const Options& options, FakeRows& rows) {
+  view.setLamp(true, !options.empty);
+  view.setLamp(false, false);
+  view.setStatus(0, accountOfList(options.language));
+  view.setStatus(1, u"1,204 faults");
+  view.setStatus(2, u"Processor texts: wide");
+  view.setSortMark(2, true);
+  if (options.empty)
+    for (const char16_t* name : {u"cmdReset", u"cmdPrint", u"cmdClear", u"cmdLookUp"})
+      form.control(name).set(u"Enabled", false);
+  view.setRows(options.empty ? nullptr : &rows);
+  view.setNoticeKind(options.failure   ? NoticeKind::failure
+                     : options.waiting ? NoticeKind::waiting
+                                       : NoticeKind::hint);
+  if (options.failure)
+    view.setNotice(failureNotice(options.language));
+  else if (options.waiting)
+    view.setNotice(waitingNotice(options.language));
+  else if (options.empty)
+    view.setNotice(hintNotice(options.language));
+  if (!options.picture.empty()) {
+    Control& back = form.control(u"imgBack");
+    back.set(u"Width", form.self().get(u"Width"));
+    back.set(u"Height", form.self().get(u"Height"));
+    back.set(u"Picture", options.picture);
+  }
+}
+
+}  // namespace
+
+int main(int count, char** words) {
+  const Options options = readOptions(count, words);
+  CoInitialize(nullptr);
+  Form form = makeForm(options.language);
+  FakeTexts texts(options.language);
+  FakeSettings settings;
+  FakeRows rows(options.language, options.rows);
+  rows.longTexts = options.longTexts;
+  PrintingEvents events(form, rows);
+  const auto view = win32::makeWin32View(texts, settings);
+  events.view = view.get();
+  view->attach(form, events);
+  fillExchanges(form);
+  showState(*view, form, options, rows);
+  if (options.width > 0) {
+    const int dpi = static_cast<int>(GetDpiForSystem());
+    SetWindowPos(view->window(), nullptr, 0, 0, win32::scaled(options.width, dpi),
+                 win32::scaled(options.height, dpi), SWP_NOMOVE | SWP_NOZORDER);
+  }
+  view->setVisible(true);
+  if (options.busy) view->setInputEnabled(false);
+  MSG message;
+  while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+    if (view->translate(message)) continue;
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+  }
+  view->detach();
+  CoUninitialize();
+}
