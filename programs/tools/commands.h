@@ -7,5 +7,6 @@ namespace vordane::tools {
 
 int decode(const Arguments& arguments);
 int language(const Arguments& arguments);
+int suite(const Arguments& arguments);
 
 }  // namespace vordane::tools
