@@ -13,6 +13,8 @@ constexpr Command commands[] = {
     {"decode",
      "decode (--language FILE | --messages FILE [--lists FILE]) [--narrow] [--explain] < records.tsv",
      decode},
+    {"language", "language check FOLDER ... | language build [--common] FOLDER OUT.LNG", language},
+    {"suite", "suite DIR [--language en] [--source data]", suite},
 };
 
 int usage(std::ostream& out) {

@@ -76,7 +76,7 @@ const FaultKind& kindOf(std::u16string_view record) {
 
 // Title line, detail lines, and the raw data under its heading.
 template <class Sink>
-void compose(const FaultTexts& texts, bool wideFields, const FaultKind& kind, const DataText& data,
+void compose(const FaultTextTable& texts, bool wideFields, const FaultKind& kind, const DataText& data,
              Sink sink) {
   Composer<Sink> composer(texts, wideFields, kind, data, sink);
   composer.message(kind.title);
@@ -86,9 +86,6 @@ void compose(const FaultTexts& texts, bool wideFields, const FaultKind& kind, co
   composer.trailer();
 }
 
-// What most descriptions need besides their data.
-constexpr std::size_t usualTextLength = 384;
-
 std::u16string joined(const cFaultDisplay::Pieces& pieces) {
   std::u16string text;
   for (const cFaultDisplay::Piece& piece : pieces) text += piece.text;
@@ -97,28 +94,28 @@ std::u16string joined(const cFaultDisplay::Pieces& pieces) {
 
 }  // namespace
 
-cFaultDisplay::cFaultDisplay(const FaultTexts& texts, const bool& wideFaultFields)
+cFaultDisplay::cFaultDisplay(const FaultTextTable& texts, const bool& wideFaultFields)
     : texts_(texts), wideFaultFields_(wideFaultFields) {}
 
 std::u16string cFaultDisplay::GetFaultMessage(std::u16string_view record, std::u16string_view firstData,
                                               std::u16string_view secondData) const {
   std::u16string result;
-  result.reserve(usualTextLength + firstData.size() + secondData.size());
   GetFaultMessage(record, firstData, secondData, result);
   return result;
 }
 
 void cFaultDisplay::GetFaultMessage(std::u16string_view record, std::u16string_view firstData,
                                     std::u16string_view secondData, std::u16string& result) const {
-  result.clear();
-  compose(texts_, wideFaultFields_, kindOf(record), DataText(firstData, secondData), PlainSink(result));
+  PlainSink sink(result);
+  compose(texts_, wideFaultFields_, kindOf(record), DataText(firstData, secondData), sink);
 }
 
 cFaultDisplay::Pieces cFaultDisplay::explain(std::u16string_view record, std::u16string_view first,
                                              std::u16string_view second, bool wide) const {
   Pieces pieces;
   const DataText data(first, second);
-  compose(texts_, wide, kindOf(record), data, ExplainingSink(pieces, data));
+  ExplainingSink sink(pieces, data);
+  compose(texts_, wide, kindOf(record), data, sink);
   return pieces;
 }
 

@@ -14,7 +14,7 @@ namespace vordane {
 class cFaultDisplay {
  public:
   // Both are read at each call and must outlive the decoder.
-  cFaultDisplay(const FaultTexts& texts, const bool& wideFaultFields);
+  cFaultDisplay(const FaultTextTable& texts, const bool& wideFaultFields);
 
   // The description, lines ended by CRLF. `record` begins with the kind as two hexadecimal digits; both
   // data texts are hexadecimal bytes separated by single blanks. Never fails on any input; the empty text
@@ -54,7 +54,7 @@ class cFaultDisplay {
   Pieces explain(std::u16string_view record, std::u16string_view first, std::u16string_view second,
                  bool wide) const;
 
-  const FaultTexts& texts_;
+  const FaultTextTable& texts_;
   const bool& wideFaultFields_;
 };
 

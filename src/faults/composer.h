@@ -37,7 +37,8 @@ constexpr int choose(std::span<const Choice> choices, int first, int second = 0)
 template <class Sink>
 class Composer {
  public:
-  Composer(const FaultTexts& texts, bool wideFields, const FaultKind& kind, const DataText& data, Sink& sink)
+  Composer(const FaultTextTable& texts, bool wideFields, const FaultKind& kind, const DataText& data,
+           Sink& sink)
       : texts_(texts), wideFields_(wideFields), kind_(kind), data_(data), sink_(sink) {}
 
   const FaultKind& kind() const { return kind_; }
@@ -49,7 +50,7 @@ class Composer {
   FieldText read(std::size_t high, std::size_t low) const { return data_.read(field(high), field(low)); }
   int number(std::size_t n) const { return read(n).hexadecimal(); }
 
-  void blank() { sink_.constant(u" "); }
+  void blank() { sink_.character(u' '); }
   void endLine() { sink_.constant(text::crlf); }
   void literal(std::u16string_view text) { sink_.constant(text); }
 
@@ -107,7 +108,7 @@ class Composer {
     message(openBracket);
     sink_.whole(data_);
     message(closeBracket);
-    if (failed_) sink_.clear();
+    failed_ ? sink_.drop() : sink_.finish();
   }
 
  private:
@@ -119,7 +120,7 @@ class Composer {
     return text;
   }
 
-  const FaultTexts& texts_;
+  const FaultTextTable& texts_;
   const bool wideFields_;
   const FaultKind& kind_;
   const DataText& data_;

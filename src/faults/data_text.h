@@ -59,6 +59,10 @@ class DataText {
 
  private:
   void append(Field field, FieldText& text) const {
+    if (field.start + field.length - 1U <= first_.size()) {  // nearly always
+      for (std::size_t i = 0; i < field.length; ++i) text.add(first_[field.start - 1U + i]);
+      return;
+    }
     const std::size_t end = std::min<std::size_t>(field.start + field.length - 1U, size());
     for (std::size_t position = field.start - 1U; position < end; ++position) text.add((*this)[position]);
   }

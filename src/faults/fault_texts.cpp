@@ -35,21 +35,4 @@ void FaultTextTable::addItem(int kind, std::u16string text) {
   list->push_back(std::move(text));
 }
 
-const std::u16string* FaultTextTable::message(int number) const {
-  const auto position = static_cast<std::size_t>(number);
-  if (number < 0 || position >= messages_.size() || !messages_[position]) return nullptr;
-  return &*messages_[position];
-}
-
-bool FaultTextTable::hasList(int kind) const {
-  return kind >= 0 && kind < static_cast<int>(lists_.size()) && lists_[static_cast<std::size_t>(kind)];
-}
-
-const std::u16string* FaultTextTable::item(int kind, int code) const {
-  if (!hasList(kind) || code < 0) return nullptr;
-  const auto& list = *lists_[static_cast<std::size_t>(kind)];
-  const auto position = static_cast<std::size_t>(code);
-  return position < list.size() ? &list[position] : nullptr;
-}
-
 }  // namespace vordane

@@ -11,23 +11,13 @@
 
 namespace vordane {
 
-// Where the decoders read them. A text that is handed out stays valid until the source changes.
-class FaultTexts {
- public:
-  virtual ~FaultTexts() = default;
-  // Null when there is no such message.
-  virtual const std::u16string* message(int number) const = 0;
-  virtual bool hasList(int kind) const = 0;
-  // Null when there is no such list, or the list is too short.
-  virtual const std::u16string* item(int kind, int code) const = 0;
-};
-
 // The kind whose list bears this control name ("cboFK2B" is 0x2B, the name's case does not count);
 // nothing for any other name.
 std::optional<int> listKind(std::u16string_view controlName);
 
-// Texts held in memory: the snapshot that a program takes of its message array and its window's lists.
-class FaultTextTable : public FaultTexts {
+// Held in memory: the snapshot that a program takes of its message array and its window's lists. A
+// description reads some ten of these texts, so reading them is worth being seen by the compiler.
+class FaultTextTable {
  public:
   // Messages from 0 upward, as the message array holds them.
   void setMessages(const std::vector<std::u16string>& messages);
@@ -37,9 +27,22 @@ class FaultTextTable : public FaultTexts {
   void setList(int kind, std::vector<std::u16string> items);
   void addItem(int kind, std::u16string text);
 
-  const std::u16string* message(int number) const override;
-  bool hasList(int kind) const override;
-  const std::u16string* item(int kind, int code) const override;
+  // Null when there is no such message. Valid until the table changes.
+  const std::u16string* message(int number) const {
+    const auto position = static_cast<std::size_t>(number);
+    return position < messages_.size() && messages_[position] ? &*messages_[position] : nullptr;
+  }
+  bool hasList(int kind) const {
+    const auto position = static_cast<std::size_t>(kind);
+    return position < lists_.size() && lists_[position];
+  }
+  // Null when there is no such list, or the list is too short.
+  const std::u16string* item(int kind, int code) const {
+    if (!hasList(kind)) return nullptr;
+    const auto& list = *lists_[static_cast<std::size_t>(kind)];
+    const auto position = static_cast<std::size_t>(code);
+    return position < list.size() ? &list[position] : nullptr;
+  }
 
  private:
   std::vector<std::optional<std::u16string>> messages_;

@@ -6,28 +6,6 @@
 
 namespace vordane::text {
 
-bool isDecimalDigit(char16_t character) { return character >= u'0' && character <= u'9'; }
-
-bool isHexDigit(char16_t character) { return hexDigitValue(character) >= 0; }
-
-int hexDigitValue(char16_t character) {
-  if (isDecimalDigit(character)) return character - u'0';
-  if (character >= u'A' && character <= u'F') return character - u'A' + 10;
-  if (character >= u'a' && character <= u'f') return character - u'a' + 10;
-  return -1;
-}
-
-std::int16_t hexField(std::u16string_view field) {
-  std::uint32_t value = 0;
-  for (const char16_t character : field) {
-    const int digit = hexDigitValue(character);
-    if (digit < 0) break;
-    value = value * 16 + static_cast<std::uint32_t>(digit);
-    if (value > 0xFFFF) return 0;
-  }
-  return static_cast<std::int16_t>(static_cast<std::uint16_t>(value));
-}
-
 std::int32_t decimalField(std::u16string_view field) {
   std::int64_t value = 0;
   for (const char16_t character : field) {

@@ -113,7 +113,7 @@ TEST_F(Explain, TheTrailerNamesTheWholeData) {
 }
 
 TEST_F(Explain, NothingIsExplainedWhereNothingIsShown) {
-  const TextsWithout texts = TextsWithout::noMessage(7);
+  const FaultTextTable texts = textsWithoutMessage(7);
   const bool wide = true;
   EXPECT_TRUE(cFaultDisplay(texts, wide).Explain(u"02", u"01", u"02").empty());
 }

@@ -11,7 +11,7 @@ namespace {
 
 constexpr bool wideFields = true;
 
-std::u16string decodeWith(const FaultTexts& texts, std::u16string_view record, std::u16string_view data) {
+std::u16string decodeWith(const FaultTextTable& texts, std::u16string_view record, std::u16string_view data) {
   return cFaultDisplay(texts, wideFields).GetFaultMessage(record, data, u"");
 }
 
@@ -21,9 +21,14 @@ std::u16string recordOf(int kind) {
 
 // The messages whose absence empties the description of this record.
 std::set<int> needed(std::u16string_view record, std::u16string_view data) {
+  static const auto tables = [] {
+    std::vector<FaultTextTable> all;
+    for (int number = 0; number <= lastMessage; ++number) all.push_back(textsWithoutMessage(number));
+    return all;
+  }();
   std::set<int> numbers;
   for (int number = 0; number <= lastMessage; ++number)
-    if (decodeWith(TextsWithout::noMessage(number), record, data).empty()) numbers.insert(number);
+    if (decodeWith(tables[static_cast<std::size_t>(number)], record, data).empty()) numbers.insert(number);
   return numbers;
 }
 
@@ -87,19 +92,18 @@ TEST(Failures, AnEmptyMessageIsNotMissing) {
 TEST(Failures, AMissingListEmptiesTheDescriptionOfItsKind) {
   for (const FaultKind& row : faultKinds) {
     if (row.list == noList || row.highestCode == noHighestCode) continue;
-    const TextsWithout texts = TextsWithout::noListOf(row.list);
+    const FaultTextTable texts = textsWithoutList(row.list);
     EXPECT_EQ(decodeWith(texts, recordOf(row.kind), u"01 02 03 04"), u"") << static_cast<int>(row.kind);
   }
 }
 
 TEST(Failures, FourKindsGoOnWithoutTheirList) {
-  EXPECT_EQ(decodeWith(TextsWithout::noListOf(0x17), u"17", u"10 34 12"),
-            u"M78\r\n M88 4660\r\nM5 M610 34 12 M7");
-  EXPECT_EQ(decodeWith(TextsWithout::noListOf(0x48), u"48", u"00 01 00 00 00"),
+  EXPECT_EQ(decodeWith(textsWithoutList(0x17), u"17", u"10 34 12"), u"M78\r\n M88 4660\r\nM5 M610 34 12 M7");
+  EXPECT_EQ(decodeWith(textsWithoutList(0x48), u"48", u"00 01 00 00 00"),
             u"M132\r\nM133 \r\n M6M134 0M7\r\n M6M135 0M7\r\n M6M136 0M7\r\nM5 M600 01 00 00 00 M7");
-  EXPECT_EQ(decodeWith(TextsWithout::noListOf(0x49), u"49", u"00 05 00"),
+  EXPECT_EQ(decodeWith(textsWithoutList(0x49), u"49", u"00 05 00"),
             u"M140\r\nM141 \r\n M6M142 5M7\r\n M6M143 0M7\r\nM5 M600 05 00 M7");
-  EXPECT_EQ(decodeWith(TextsWithout::noListOf(0x58), u"58", u"00 01"), u"M139\r\nM14 \r\nM5 M600 01 M7");
+  EXPECT_EQ(decodeWith(textsWithoutList(0x58), u"58", u"00 01"), u"M139\r\nM14 \r\nM5 M600 01 M7");
 }
 
 TEST(Failures, AListThatIsTooShortLeavesOnlyTheItemEmpty) {

@@ -30,36 +30,23 @@ inline int itemCount(const FaultKind& row) {
   return row.kind == 0x17 ? 18 : row.kind == 0x48 ? 6 : row.kind == 0x49 ? 5 : 7;
 }
 
-inline FaultTextTable recognisableTexts() {
+// All of them, or all but one message or list.
+inline FaultTextTable recognisableTexts(int missingMessage = -1, int missingList = -1) {
   FaultTextTable texts;
-  for (int number = 0; number <= lastMessage; ++number) texts.setMessage(number, message(number));
+  for (int number = 0; number <= lastMessage; ++number)
+    if (number != missingMessage) texts.setMessage(number, message(number));
   for (const FaultKind& row : faultKinds) {
-    if (row.list == noList) continue;
+    if (row.list == noList || row.list == missingList) continue;
     for (int code = 0; code < itemCount(row); ++code) texts.addItem(row.list, item(row.list, code));
   }
   return texts;
 }
-
-// Recognisable texts without some of them.
-class TextsWithout : public FaultTexts {
- public:
-  TextsWithout(int missingMessage, int missingList)
-      : missingMessage_(missingMessage), missingList_(missingList) {}
-  static TextsWithout noMessage(int number) { return {number, -1}; }
-  static TextsWithout noListOf(int kind) { return {-1, kind}; }
-
-  const std::u16string* message(int number) const override {
-    return number == missingMessage_ ? nullptr : texts_.message(number);
-  }
-  bool hasList(int kind) const override { return kind != missingList_ && texts_.hasList(kind); }
-  const std::u16string* item(int kind, int code) const override {
-    return kind == missingList_ ? nullptr : texts_.item(kind, code);
-  }
-
- private:
-  FaultTextTable texts_ = recognisableTexts();
-  int missingMessage_, missingList_;
-};
+inline FaultTextTable textsWithoutMessage(int number) {
+  return recognisableTexts(number);
+}
+inline FaultTextTable textsWithoutList(int kind) {
+  return recognisableTexts(-1, kind);
+}
 
 // The decoder at work on recognisable texts, with wide fields unless `wide` is changed.
 struct Decoder {

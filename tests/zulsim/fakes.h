@@ -27,17 +27,25 @@ class HandTimers : public Services {
 
   // Runs what falls due within that time, in the order it does.
   void pass(int milliseconds) {
+    passUntil([] { return false; }, milliseconds);
+  }
+
+  // The same, but only until `done` says so; whether it did.
+  bool passUntil(const std::function<bool()>& done, int milliseconds) {
     const int end = now_ + milliseconds;
-    for (;;) {
+    while (!done()) {
       const auto next = std::min_element(waiting_.begin(), waiting_.end(),
                                          [](const Step& a, const Step& b) { return a.due < b.due; });
-      if (next == waiting_.end() || next->due > end) break;
+      if (next == waiting_.end() || next->due > end) {
+        now_ = end;
+        return false;
+      }
       now_ = std::max(now_, next->due);
       const auto step = std::move(next->step);
       waiting_.erase(next);
       step();
     }
-    now_ = end;
+    return true;
   }
 
   int paused = 0, vanished = 0;

@@ -42,6 +42,8 @@ class LineReader {
  public:
   explicit LineReader(std::u16string_view line);
   bool atEnd() const { return rest_.empty(); }
+  bool atQuote() const { return rest_.starts_with(u'"'); }            // the next word is a quoted text
+  std::u16string remaining() const { return std::u16string(rest_); }  // not yet read, as it stands
   // The next word or quoted text; LineError (naming `what`) when there is none.
   std::u16string word(std::u16string_view what);
   // What the line still holds, unquoted when it is one quoted text; may be empty.

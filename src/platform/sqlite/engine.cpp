@@ -1,1 +1,218 @@
-#include "platform/database.h"
+#include "platform/sqlite/engine.h"
+
+#include <array>
+#include <filesystem>
+#include <fstream>
+
+#include "platform/sqlite/connection.h"
+#include "platform/sqlite/errors.h"
+#include "platform/sqlite/plan.h"
+#include "platform/sqlite/recordset.h"
+#include "platform/sqlite/row_list.h"
+#include "text/utf8.h"
+
+namespace vordane::sqlite {
+namespace {
+
+constexpr std::string_view firstBytes{"SQLite format 3\0", 16};
+constexpr std::size_t headerSize = 100;
+// Reading a file is dear on some systems: the keys of a million faults find room in this many kilobytes.
+constexpr const char* cacheSize = "PRAGMA cache_size = -65536";
+
+enum class Found { missing, unreadable, foreign, embedded };
+
+Found lookAt(const std::filesystem::path& path) {
+  std::error_code failure;
+  if (!std::filesystem::exists(path, failure)) return Found::missing;
+  if (!std::filesystem::is_regular_file(path, failure)) return Found::unreadable;
+  std::ifstream file(path, std::ios::binary);
+  if (!file) return Found::unreadable;
+  std::array<char, headerSize> header{};
+  file.read(header.data(), header.size());
+  const bool whole = file.gcount() == static_cast<std::streamsize>(header.size());
+  return whole && std::string_view(header.data(), firstBytes.size()) == firstBytes ? Found::embedded
+                                                                                   : Found::foreign;
+}
+
+// A path as an address that says that nobody changes the file: for a folder that can't be written to.
+std::string immutableAddress(std::string_view path) {
+  constexpr std::string_view digits = "0123456789ABCDEF";
+  std::string address = "file:";
+  if (path.size() > 1 && path[1] == ':') address += "///";
+  for (const char c : path) {
+    const auto byte = static_cast<unsigned char>(c);
+    const bool plain = byte < 0x80 && c != '%' && c != '?' && c != '#' && c != '\\';
+    if (plain) {
+      address.push_back(c);
+    } else if (c == '\\') {
+      address.push_back('/');
+    } else {
+      address.append({'%', digits[byte >> 4], digits[byte & 15]});
+    }
+  }
+  return address + "?immutable=1";
+}
+
+Handle openFile(const std::string& path, int flags, const Options& options) {
+  sqlite3* raw = nullptr;
+  const int result = sqlite3_open_v2(path.c_str(), &raw, flags | SQLITE_OPEN_EXRESCODE,
+                                     options.fileLayer.empty() ? nullptr : options.fileLayer.c_str());
+  Handle handle(raw);
+  if (result != SQLITE_OK) failWith(result);
+  return handle;
+}
+
+void configure(sqlite3* handle, int setting, int value) {
+  sqlite3_db_config(handle, setting, value, nullptr);
+}
+
+// A file may come from anywhere: nothing in its schema runs but what this engine reads from it, and every
+// page is looked at twice.
+void guard(sqlite3* handle) {
+  configure(handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0);
+  configure(handle, SQLITE_DBCONFIG_ENABLE_VIEW, 0);
+  configure(handle, SQLITE_DBCONFIG_DEFENSIVE, 1);
+  configure(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0);
+}
+
+void execute(sqlite3* handle, const char* sql) {
+  if (sqlite3_exec(handle, sql, nullptr, nullptr, nullptr) != SQLITE_OK)
+    failWith(sqlite3_extended_errcode(handle));
+}
+
+bool returnsRow(sqlite3* handle, const char* sql) {
+  bool row = false;
+  const auto seen = [](void* flag, int, char**, char**) { return *static_cast<bool*>(flag) = true, 0; };
+  if (sqlite3_exec(handle, sql, seen, &row, nullptr) != SQLITE_OK) failWith(sqlite3_extended_errcode(handle));
+  return row;
+}
+
+class EmbeddedDatabase final : public database::Database {
+ public:
+  EmbeddedDatabase(Handle handle, bool readOnly, const Options& options)
+      : opened_(std::make_shared<Opened>(std::move(handle), readOnly, options)) {}
+
+  std::unique_ptr<database::Recordset> openRecordset(std::u16string_view statement) override {
+    jet::Lifted& lifted = opened_->lifted;
+    Plan& plan = opened_->plans.find(statement, lifted);
+    if (plan.shape.verb == jet::Verb::remove) fail(number::invalidOperation);
+    return std::make_unique<EmbeddedRecordset>(opened_, plan, std::move(lifted.literals));
+  }
+
+  std::unique_ptr<database::RowList> openRowList(std::u16string_view statement,
+                                                 std::span<const std::u16string_view> columns) override {
+    jet::Lifted& lifted = opened_->lifted;
+    Plan& plan = opened_->plans.find(statement, lifted);
+    return makeRowList(opened_, plan, lifted.literals, columns);
+  }
+
+  void execute(std::u16string_view statement) override {
+    jet::Lifted& lifted = opened_->lifted;
+    Plan& plan = opened_->plans.find(statement, lifted);
+    Connection& connection = opened_->connection;
+    if (plan.shape.verb != jet::Verb::remove) fail(number::invalidOperation);
+    WriteScope write(connection);
+    if (plan.table->isFaults && connection.faults().usable()) {
+      connection.faults().removeExchange(lifted.literals.at(0).number);
+    } else {
+      Statement rows = plan.rows.take(connection);
+      rows.bind(1, lifted.literals.at(0));
+      rows.run();
+      plan.rows.giveBack(std::move(rows));
+    }
+    write.done();
+  }
+
+  void beginBatch() override { opened_->connection.beginBatch(); }
+  void checkpoint() override { opened_->connection.checkpoint(); }
+  void endBatch() override { opened_->connection.endBatch(); }
+  void setProgress(std::function<void()> progress) override {
+    opened_->connection.setProgress(std::move(progress));
+  }
+
+ private:
+  std::shared_ptr<Opened> opened_;
+};
+
+class EmbeddedEngine final : public database::Engine {
+ public:
+  explicit EmbeddedEngine(Options options) : options_(std::move(options)) { sqlite3_initialize(); }
+
+  std::unique_ptr<database::Database> open(std::u16string_view path, bool readOnly) override {
+    switch (lookAt(std::filesystem::path(path))) {
+      case Found::missing:
+        fail(number::fileNotFound, path);
+      case Found::unreadable:
+        fail(number::noPermission, path);
+      case Found::foreign:
+        fail(number::notADatabase);
+      case Found::embedded:
+        break;
+    }
+    return readOnly ? openToRead(path) : openToWrite(path);
+  }
+
+ private:
+  std::unique_ptr<database::Database> openToWrite(std::u16string_view path) {
+    Handle handle = openFile(text::toUtf8(path), SQLITE_OPEN_READWRITE, options_);
+    if (sqlite3_db_readonly(handle.get(), "main") != 0) fail(number::noPermission, path);
+    sqlite3_busy_timeout(handle.get(), options_.lockWaitMilliseconds);
+    prepare(handle.get());
+    // Commits reach the disk before they are reported.
+    sqlite::execute(handle.get(), "PRAGMA synchronous = FULL");
+    if (holdsFaults(handle.get())) chooseJournal(handle.get(), path);
+    return std::make_unique<EmbeddedDatabase>(std::move(handle), false, options_);
+  }
+
+  std::unique_ptr<database::Database> openToRead(std::u16string_view path) {
+    const std::string file = text::toUtf8(path);
+    Handle handle = openFile(file, SQLITE_OPEN_READONLY, options_);
+    sqlite3_busy_timeout(handle.get(), options_.lockWaitMilliseconds);
+    try {
+      prepare(handle.get());
+    } catch (const database::DatabaseError& error) {
+      // A log that was tidied away needs nothing beside the file; where its folder can't be written to,
+      // the file is read as it stands.
+      std::error_code failure;
+      const bool logged =
+          std::filesystem::exists(std::filesystem::path(std::u16string(path) + u"-wal"), failure);
+      if (logged || (error.number() != number::noPermission && error.number() != number::readOnly)) throw;
+      handle = openFile(immutableAddress(file), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, options_);
+      prepare(handle.get());
+    }
+    return std::make_unique<EmbeddedDatabase>(std::move(handle), true, options_);
+  }
+
+  static void prepare(sqlite3* handle) {
+    guard(handle);
+    sqlite::execute(handle, cacheSize);
+    sqlite::execute(handle, "PRAGMA cell_size_check = ON");
+    returnsRow(handle, "SELECT 1 FROM sqlite_schema LIMIT 1");
+  }
+
+  static bool holdsFaults(sqlite3* handle) {
+    return returnsRow(
+        handle, "SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = 'FaultDisplay' COLLATE NOCASE");
+  }
+
+  // Faults are written while others read them: a write-ahead log, but not where its shared memory doesn't
+  // work. The other databases lie in folders that may be read-only and keep the plain rollback journal.
+  void chooseJournal(sqlite3* handle, std::u16string_view path) {
+    const bool network = options_.onNetwork ? options_.onNetwork(path) : path.starts_with(u"\\\\");
+    sqlite::execute(handle, network ? "PRAGMA journal_mode = DELETE" : "PRAGMA journal_mode = WAL");
+  }
+
+  Options options_;
+};
+
+}  // namespace
+
+std::unique_ptr<database::Engine> makeEngine(Options options) {
+  return std::make_unique<EmbeddedEngine>(std::move(options));
+}
+
+bool isEmbeddedFile(std::u16string_view path) {
+  return lookAt(std::filesystem::path(path)) == Found::embedded;
+}
+
+}  // namespace vordane::sqlite

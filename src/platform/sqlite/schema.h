@@ -2,6 +2,7 @@
 // tools only: the add-in itself never creates a database.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <span>
 #include <string_view>
@@ -10,7 +11,7 @@
 
 namespace vordane::sqlite {
 
-enum class ColumnType { text, integer, yesNo, dateTime, autoNumber };
+enum class ColumnType { text, integer, number, yesNo, dateTime, autoNumber };
 
 struct ColumnDefinition {
   std::u16string_view name;

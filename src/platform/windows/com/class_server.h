@@ -32,6 +32,9 @@ class ClassServer : public platform::Process {
   // with its last served object or lock, and when nobody has created anything within a minute.
   void serve(std::vector<ServedClass> classes);
 
+  // The process does not end with its last object, nor for want of one: somebody started it by hand.
+  void stay();
+
   void setCallTimes(const platform::CallTimes& times) override;
   void stopServing() override;
   void end() override;

@@ -10,13 +10,6 @@ namespace {
 using automation::AutomationError;
 using automation::Value;
 
-template <class... Cases>
-struct Overloaded : Cases... {
-  using Cases::operator()...;
-};
-template <class... Cases>
-Overloaded(Cases...) -> Overloaded<Cases...>;
-
 void check(HRESULT result) {
   if (FAILED(result)) throw AutomationError(result);
 }
@@ -72,7 +65,7 @@ Value fromPlain(const VARIANT& plain) {
     case VT_UNKNOWN:
       return fromUnknown(plain.punkVal);
     case VT_DATE:
-      return toText(changed(plain, VT_BSTR).get().bstrVal);
+      return automation::Date{plain.date};
     default:
       return changed(plain, VT_R8).get().dblVal;
   }
@@ -110,9 +103,31 @@ bool staysAsItIs(const VARIANT& plain, VARTYPE wanted) {
          isOmitted(plain);
 }
 
-void set(VARIANT& out, VARTYPE type) {
-  out.vt = type;
-}
+// Fills an empty VARIANT; its type is set last, so that a failure leaves it empty.
+struct Filler {
+  VARIANT& out;
+
+  void operator()(automation::Empty) const {}
+  void operator()(automation::Null) const { out.vt = VT_NULL; }
+  void operator()(automation::Missing) const { fill(out.scode, DISP_E_PARAMNOTFOUND, VT_ERROR); }
+  void operator()(bool flag) const { fill(out.boolVal, flag ? VARIANT_TRUE : VARIANT_FALSE, VT_BOOL); }
+  void operator()(std::uint8_t number) const { fill(out.bVal, number, VT_UI1); }
+  void operator()(std::int16_t number) const { fill(out.iVal, number, VT_I2); }
+  void operator()(std::int32_t number) const { fill(out.lVal, number, VT_I4); }
+  void operator()(float number) const { fill(out.fltVal, number, VT_R4); }
+  void operator()(double number) const { fill(out.dblVal, number, VT_R8); }
+  void operator()(automation::Date moment) const { fill(out.date, moment.days, VT_DATE); }
+  void operator()(const std::u16string& text) const { fill(out.bstrVal, toBstr(text).release(), VT_BSTR); }
+  void operator()(const automation::ObjectRef& object) const {
+    fill(out.pdispVal, exportObject(object).release(), VT_DISPATCH);
+  }
+
+  template <class Field, class Given>
+  void fill(Field& field, Given value, VARTYPE type) const {
+    field = value;
+    out.vt = type;
+  }
+};
 
 }  // namespace
 
@@ -139,46 +154,7 @@ Value toValue(const VARIANT& variant) {
 
 Variant toVariant(const Value& value) {
   Variant out;
-  VARIANT& raw = out.get();
-  std::visit(
-      Overloaded{[&](automation::Empty) { set(raw, VT_EMPTY); }, [&](automation::Null) { set(raw, VT_NULL); },
-                 [&](automation::Missing) {
-                   raw.scode = DISP_E_PARAMNOTFOUND;
-                   set(raw, VT_ERROR);
-                 },
-                 [&](bool flag) {
-                   raw.boolVal = flag ? VARIANT_TRUE : VARIANT_FALSE;
-                   set(raw, VT_BOOL);
-                 },
-                 [&](std::uint8_t number) {
-                   raw.bVal = number;
-                   set(raw, VT_UI1);
-                 },
-                 [&](std::int16_t number) {
-                   raw.iVal = number;
-                   set(raw, VT_I2);
-                 },
-                 [&](std::int32_t number) {
-                   raw.lVal = number;
-                   set(raw, VT_I4);
-                 },
-                 [&](float number) {
-                   raw.fltVal = number;
-                   set(raw, VT_R4);
-                 },
-                 [&](double number) {
-                   raw.dblVal = number;
-                   set(raw, VT_R8);
-                 },
-                 [&](const std::u16string& text) {
-                   raw.bstrVal = toBstr(text).release();
-                   set(raw, VT_BSTR);
-                 },
-                 [&](const automation::ObjectRef& object) {
-                   raw.pdispVal = exportObject(object).release();
-                   set(raw, VT_DISPATCH);
-                 }},
-      value);
+  std::visit(Filler{out.get()}, value);
   return out;
 }
 

@@ -8,7 +8,7 @@
 namespace vordane::com {
 
 // The value a VARIANT holds, references followed. Types we have none of become the nearest: wider
-// integers, currency and decimals a Double, dates a text in the workstation's form.
+// integers, currency and decimals a Double.
 automation::Value toValue(const VARIANT& variant);
 
 Variant toVariant(const automation::Value& value);

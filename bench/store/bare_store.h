@@ -1,0 +1,43 @@
+// The baseline of the store's benchmarks: the same engine, tables, indexes and durability, driven by bare
+// prepared statements whose values were worked out beforehand.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace vordane::bench {
+
+struct Fault {
+  std::int16_t id;
+  std::u16string fault, alarm, cpu, date, description;
+};
+
+// What the engine's fault index holds of a fault.
+struct FaultKeys {
+  std::string moment, kind;
+  std::int64_t hash;
+};
+std::vector<FaultKeys> keysOf(const std::vector<Fault>& faults);
+
+class BareStore {
+ public:
+  explicit BareStore(const std::string& path);
+  ~BareStore();
+
+  // Looks each fault up and adds it when there is none; commits every 500 ms and at the end.
+  void ingest(const std::vector<Fault>& faults, const std::vector<FaultKeys>& keys);
+  // The same loop without the additions.
+  std::size_t lookUp(const std::vector<Fault>& faults, const std::vector<FaultKeys>& keys);
+  // The keys of an exchange's rows in an order, by the engine's own sorting.
+  std::vector<std::int64_t> orderedKeys(std::int16_t id, const char* order);
+  void deleteExchange(std::int16_t id);
+  void run(const char* sql);
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace vordane::bench

@@ -1,0 +1,34 @@
+# vordane_type_library(TARGET NAME SOURCES ...): the type library that NAME's member tables make, as resource
+# `1 TYPELIB` of TARGET. SOURCES hold the tables, the description of the library and a main that prints the
+# IDL; they are compiled for this machine, also in a build for Windows, and must need nothing but src.
+find_program(VORDANE_HOST_CXX NAMES c++ g++ REQUIRED)
+find_program(VORDANE_WIDL NAMES x86_64-w64-mingw32-widl REQUIRED)
+set(VORDANE_WIDL_FLAGS -I /usr/include/wine/wine/windows -L /usr/lib/x86_64-linux-gnu/wine/x86_64-windows)
+
+# The few sources behind every table: the IDL writer and the text library.
+function(vordane_idl_sources out)
+  get_target_property(names vordane_text SOURCES)
+  get_target_property(folder vordane_text SOURCE_DIR)
+  list(FILTER names INCLUDE REGEX "^[a-z0-9_]+\\.cpp$")
+  list(TRANSFORM names PREPEND ${folder}/)
+  list(APPEND names ${PROJECT_SOURCE_DIR}/src/platform/idl.cpp ${PROJECT_SOURCE_DIR}/src/platform/automation.cpp)
+  set(${out} ${names} PARENT_SCOPE)
+endfunction()
+
+function(vordane_type_library target name)
+  cmake_parse_arguments(ARG "" "" "SOURCES" ${ARGN})
+  vordane_idl_sources(vordane_idl_sources)
+  set(base ${CMAKE_CURRENT_BINARY_DIR}/${name})
+  add_custom_command(OUTPUT ${base}.idl
+    COMMAND ${VORDANE_HOST_CXX} -std=c++20 -O0 -I ${PROJECT_SOURCE_DIR}/src -I ${PROJECT_BINARY_DIR}/src/text
+            ${ARG_SOURCES} ${vordane_idl_sources} -o ${base}-idl
+    COMMAND ${base}-idl > ${base}.idl
+    DEPENDS ${ARG_SOURCES} ${vordane_idl_sources} vordane_text
+    COMMENT "Writing ${name}.idl from the member tables" VERBATIM)
+  add_custom_command(OUTPUT ${base}.tlb
+    COMMAND ${VORDANE_WIDL} ${VORDANE_WIDL_FLAGS} -t -o ${base}.tlb ${base}.idl
+    DEPENDS ${base}.idl COMMENT "Compiling ${name}.tlb" VERBATIM)
+  file(GENERATE OUTPUT ${base}-tlb.rc CONTENT "1 TYPELIB \"${base}.tlb\"\n")
+  set_source_files_properties(${base}-tlb.rc PROPERTIES OBJECT_DEPENDS ${base}.tlb)
+  target_sources(${target} PRIVATE ${base}-tlb.rc)
+endfunction()

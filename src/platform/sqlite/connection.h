@@ -1,0 +1,127 @@
+// Ownership of SQLite's handles, and what every part of the engine shares: prepared statements, the write
+// transaction, the tables of the file. Only this folder includes it.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/database.h"
+#include "platform/sqlite/engine.h"
+#include "platform/sqlite/statement.h"
+#include "platform/sqlite/table.h"
+
+namespace vordane::sqlite {
+
+struct HandleCloser {
+  void operator()(sqlite3* handle) const { sqlite3_close_v2(handle); }
+};
+using Handle = std::unique_ptr<sqlite3, HandleCloser>;
+
+// Whoever reads rows step by step. Before a write it finishes its reading, so that no change moves its rows
+// about and no lock of its own stands in the way.
+class Reader {
+ public:
+  virtual void finishReading() = 0;
+
+ protected:
+  ~Reader() = default;
+};
+
+class FaultIndex;
+
+class Connection {
+ public:
+  Connection(Handle handle, bool readOnly, const Options& options);
+  ~Connection();
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+
+  sqlite3* handle() const { return handle_.get(); }
+  bool readOnly() const { return readOnly_; }
+  bool utf8() const { return utf8_; }
+  FaultIndex& faults() { return *faults_; }
+
+  // Case does not matter; throws DatabaseError (unknownTable).
+  Table& table(std::u16string_view name);
+  Table* findTable(std::u16string_view name);
+
+  // Runs statements without results: opening and maintenance only.
+  void run(const char* sql);
+  // The same for statements that create tables, which the authorizer refuses otherwise.
+  void runMaintenance(const char* sql);
+  [[noreturn]] void raise(int resultCode);
+
+  void add(Reader& reader) { readers_.push_back(&reader); }
+  void remove(Reader& reader) { std::erase(readers_, &reader); }
+
+  // The next auto-number of a table, taken for good.
+  std::int64_t takeNumber(Table& table);
+  // Numbers up to `last` are never given again.
+  void keepNumber(const Table& table, std::int64_t last);
+  void loadTables();
+
+  bool inTransaction() const { return sqlite3_get_autocommit(handle_.get()) == 0; }
+  void begin();
+  void commit();
+  void rollback() noexcept;
+
+  void beginBatch();
+  void checkpoint();
+  void endBatch();
+  bool inBatch() const { return inBatch_; }
+  // Between two steps of a batch: its transaction must be open before something is looked for.
+  void beforeRead();
+
+  void setProgress(std::function<void()> progress);
+  void progress() noexcept;
+
+ private:
+  friend class WriteScope;
+  void undoStep() noexcept;
+  int authorize(int action, const char* first, const char* second) const noexcept;
+  void finishReaders();
+  void commitIfDue();
+  bool wait(int tries) noexcept;
+
+  Handle handle_;
+  bool readOnly_;
+  bool utf8_ = false;
+  bool damaged_ = false;
+  bool inBatch_ = false;
+  bool maintaining_ = true;  // opening counts as maintenance
+  int depth_ = 0;            // of steps within steps
+  int lockWaitMilliseconds_;
+  std::chrono::steady_clock::time_point begun_;
+  std::chrono::steady_clock::time_point waitingSince_;
+  std::unordered_map<std::u16string, std::unique_ptr<Table>> tables_;
+  std::vector<Reader*> readers_;
+  std::function<void()> progress_;
+  std::unique_ptr<FaultIndex> faults_;
+  Statement savepoint_, release_, rollbackTo_;
+};
+
+// One step that writes. Outside a batch it is a transaction of its own; `done` makes it last, and without it
+// nothing of it stays.
+class WriteScope {
+ public:
+  explicit WriteScope(Connection& connection);
+  ~WriteScope();
+  WriteScope(const WriteScope&) = delete;
+  WriteScope& operator=(const WriteScope&) = delete;
+  void done();
+
+ private:
+  Connection& connection_;
+  bool nested_;  // a step of a batch, or of a larger step
+  bool done_ = false;
+};
+
+}  // namespace vordane::sqlite

@@ -1,0 +1,467 @@
+#include "platform/sqlite/fault_index.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <limits>
+#include <unordered_map>
+
+#include "platform/sqlite/errors.h"
+#include "platform/sqlite/text_rules.h"
+
+namespace vordane::sqlite {
+namespace {
+
+constexpr int version = 1;
+// Where a row without a number for an exchange stands: no statement can ask for it.
+constexpr std::int64_t noExchange = -4294967296;
+
+// Plain SQL only: another tool must be able to fire the triggers and to check every table.
+constexpr const char* creation = R"(
+CREATE TABLE IF NOT EXISTS VordaneFaultIndex (
+  ID INTEGER NOT NULL, Moment BLOB NOT NULL, Hash INTEGER NOT NULL, Count INTEGER NOT NULL, Kind BLOB NOT NULL,
+  PRIMARY KEY (ID, Moment, Hash, Count)) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS VordaneIndexState (
+  Version INTEGER NOT NULL, Stale INTEGER NOT NULL, NewestMoment BLOB, NewestCount INTEGER);
+DELETE FROM VordaneIndexState;
+INSERT INTO VordaneIndexState VALUES (1, 1, NULL, NULL);
+CREATE TRIGGER IF NOT EXISTS VordaneFaultInserted AFTER INSERT ON FaultDisplay BEGIN
+  UPDATE VordaneIndexState SET Stale = 1 WHERE Stale = 0; END;
+CREATE TRIGGER IF NOT EXISTS VordaneFaultUpdated AFTER UPDATE ON FaultDisplay BEGIN
+  UPDATE VordaneIndexState SET Stale = 1 WHERE Stale = 0; END;
+CREATE TRIGGER IF NOT EXISTS VordaneFaultDeleted AFTER DELETE ON FaultDisplay BEGIN
+  UPDATE VordaneIndexState SET Stale = 1 WHERE Stale = 0; END;
+)";
+
+constexpr int objectCount = 5;
+constexpr const char* filling =
+    "INSERT INTO VordaneFaultIndex(ID, Moment, Hash, Count, Kind) "
+    "SELECT iif(typeof(ID) = 'integer', ID, -4294967296), vordane_moment(Date) AS m, "
+    "vordane_hash(Fault, Alarm, CPU, Date, Description) AS h, Count, vordane_kind(Fault, Alarm, CPU) "
+    "FROM FaultDisplay ORDER BY 1, 2, 3, 4";
+
+constexpr std::u16string_view comparedColumns[] = {u"ID",    u"Fault", u"CPU",
+                                                   u"Alarm", u"Date",  u"Description"};
+
+std::optional<std::u16string> textOf(sqlite3_value* value) {
+  if (sqlite3_value_type(value) == SQLITE_NULL) return std::nullopt;
+  const void* characters = sqlite3_value_text16(value);
+  std::u16string text(static_cast<std::size_t>(sqlite3_value_bytes16(value)) / 2, u'\0');
+  if (!text.empty()) std::memcpy(text.data(), characters, text.size() * 2);
+  return text;
+}
+
+using Function = void (*)(sqlite3_context*, sqlite3_value**);
+
+// No exception may pass through SQLite.
+template <Function function>
+void guarded(sqlite3_context* context, int, sqlite3_value** values) noexcept {
+  try {
+    function(context, values);
+  } catch (...) {
+    sqlite3_result_error_nomem(context);
+  }
+}
+
+void resultBlob(sqlite3_context* context, const std::string& bytes) {
+  sqlite3_result_blob64(context, bytes.data(), bytes.size(), SQLITE_TRANSIENT);
+}
+
+void momentFunction(sqlite3_context* context, sqlite3_value** values) {
+  resultBlob(context, FaultIndex::momentKey(textOf(values[0])));
+}
+
+void hashFunction(sqlite3_context* context, sqlite3_value** values) {
+  const auto fault = textOf(values[0]), alarm = textOf(values[1]), cpu = textOf(values[2]),
+             date = textOf(values[3]), description = textOf(values[4]);
+  sqlite3_result_int64(context, FaultIndex::hashOf({fault, alarm, cpu, date, description}));
+}
+
+void kindFunction(sqlite3_context* context, sqlite3_value** values) {
+  const auto fault = textOf(values[0]), alarm = textOf(values[1]), cpu = textOf(values[2]);
+  resultBlob(context, FaultIndex::kindKey({fault, alarm, cpu, {}, {}}));
+}
+
+// Null stays Null, which sorts first.
+void sortKeyFunction(sqlite3_context* context, sqlite3_value** values) {
+  const auto text = textOf(values[0]);
+  if (!text) return sqlite3_result_null(context);
+  std::string key;
+  appendSortKey(*text, key);
+  resultBlob(context, key);
+}
+
+// SQLite may hand over bytes at an odd address; those are copied.
+std::u16string_view unitsOf(const void* bytes, int size, std::u16string& copy) {
+  const auto length = static_cast<std::size_t>(size) / 2;
+  if (reinterpret_cast<std::uintptr_t>(bytes) % alignof(char16_t) == 0)
+    return {static_cast<const char16_t*>(bytes), length};
+  copy.resize(length);
+  if (length != 0) std::memcpy(copy.data(), bytes, length * 2);
+  return copy;
+}
+
+int compareCollation(void*, int sizeA, const void* a, int sizeB, const void* b) noexcept {
+  try {
+    thread_local std::u16string copyA, copyB;
+    return compareTexts(unitsOf(a, sizeA, copyA), unitsOf(b, sizeB, copyB));
+  } catch (...) {
+    return 0;
+  }
+}
+
+void registerFunctions(Connection& connection) {
+  constexpr int flags = SQLITE_UTF16LE | SQLITE_DETERMINISTIC | SQLITE_DIRECTONLY;
+  const auto add = [&](const char* name, int arguments, auto function) {
+    const int result = sqlite3_create_function_v2(connection.handle(), name, arguments, flags, nullptr,
+                                                  function, nullptr, nullptr, nullptr);
+    if (result != SQLITE_OK) connection.raise(result);
+  };
+  add("vordane_moment", 1, &guarded<momentFunction>);
+  add("vordane_hash", 5, &guarded<hashFunction>);
+  add("vordane_kind", 3, &guarded<kindFunction>);
+  add("vordane_key", 1, &guarded<sortKeyFunction>);
+  const int result = sqlite3_create_collation_v2(connection.handle(), "vordane_text", SQLITE_UTF16LE, nullptr,
+                                                 &compareCollation, nullptr);
+  if (result != SQLITE_OK) connection.raise(result);
+}
+
+void appendField(std::optional<std::u16string_view> text, std::string& key) {
+  if (!text) return;
+  key.push_back('\1');
+  appendSortKey(*text, key);
+}
+
+void hashField(std::optional<std::u16string_view> text, FoldedHash& hash) {
+  text ? hash.addText(*text) : hash.addNull();
+}
+
+std::array<std::string, 3> piecesOf(std::string_view kind) {
+  std::array<std::string, 3> pieces;
+  for (std::string& piece : pieces) {
+    const auto end = std::min(kind.find('\xFF'), kind.size());
+    piece = kind.substr(0, end);
+    kind.remove_prefix(std::min(end + 1, kind.size()));
+  }
+  return pieces;
+}
+
+// Entries of an exchange in the order of Date, then Count.
+struct Entry {
+  std::uint32_t count;
+  std::uint32_t kind;  // its number among the kinds met
+};
+
+// Numbers the kinds of an exchange as they are met; there are few of them.
+class Kinds {
+ public:
+  std::uint32_t numberOf(std::string_view kind) {
+    if (kind == last_) return lastNumber_;
+    const auto [found, isNew] =
+        numbers_.try_emplace(std::string(kind), static_cast<std::uint32_t>(numbers_.size()));
+    last_ = found->first;
+    return lastNumber_ = found->second;
+  }
+  std::size_t size() const { return numbers_.size(); }
+
+  // The place of each kind in an order that begins with `first`; kinds that do not differ there share one.
+  std::vector<std::uint32_t> places(FaultOrder first, std::size_t& placeCount) const {
+    struct Ranked {
+      std::array<std::string, 3> key;
+      std::uint32_t number;
+    };
+    std::vector<Ranked> ranked;
+    for (const auto& [kind, number] : numbers_) {
+      auto [fault, alarm, cpu] = piecesOf(kind);
+      // CPU is behind Count where it is not the first, and never decides there.
+      if (first == FaultOrder::fault) ranked.push_back({{fault, alarm, {}}, number});
+      if (first == FaultOrder::alarm) ranked.push_back({{alarm, fault, {}}, number});
+      if (first == FaultOrder::cpu) ranked.push_back({{cpu, fault, alarm}, number});
+    }
+    std::sort(ranked.begin(), ranked.end(), [](const Ranked& a, const Ranked& b) { return a.key < b.key; });
+    std::vector<std::uint32_t> places(numbers_.size());
+    placeCount = 0;
+    for (std::size_t i = 0; i < ranked.size(); ++i) {
+      if (i == 0 || ranked[i].key != ranked[i - 1].key) ++placeCount;
+      places[ranked[i].number] = static_cast<std::uint32_t>(placeCount - 1);
+    }
+    return places;
+  }
+
+ private:
+  std::unordered_map<std::string, std::uint32_t> numbers_;
+  std::string_view last_ = "\xFF\xFF\xFF";  // no kind
+  std::uint32_t lastNumber_ = 0;
+};
+
+std::uint32_t shortCount(std::int64_t count) {
+  if (count < 0 || count > std::numeric_limits<std::uint32_t>::max()) fail(number::badValue, u"Count");
+  return static_cast<std::uint32_t>(count);
+}
+
+}  // namespace
+
+FaultIndex::FaultIndex(Connection& connection) : connection_(connection) {
+  registerFunctions(connection);
+  Table* faults = connection.findTable(u"FaultDisplay");
+  if (!faults || !faults->autoNumber || faults->columns[*faults->autoNumber].folded != u"count") return;
+  for (std::u16string_view column : comparedColumns)
+    if (!faults->find(column)) return;
+  faults->isFaults = true;
+  table_ = faults;
+  present_ = isPresent();
+}
+
+Statement& FaultIndex::prepared(Statement& statement, const char* sql) {
+  if (!statement) statement = Statement(connection_, sql);
+  return statement;
+}
+
+bool FaultIndex::isPresent() {
+  Statement objects(
+      connection_,
+      "SELECT count(*) FROM sqlite_schema WHERE name IN ('VordaneFaultIndex', 'VordaneIndexState', "
+      "'VordaneFaultInserted', 'VordaneFaultUpdated', 'VordaneFaultDeleted')");
+  return objects.step() && objects.integer(0) == objectCount;
+}
+
+// True when the state says that the index is good.
+bool FaultIndex::readState() {
+  if (!present_) return false;
+  Statement& state =
+      prepared(state_, "SELECT Version, Stale, NewestMoment, NewestCount FROM VordaneIndexState");
+  bool good = false;
+  if (state.step()) {
+    good = state.integer(0) == version && state.integer(1) == 0;
+    newest_ = {!state.isNull(3), std::string(state.blob(2)), state.integer(3)};
+    newestChanged_ = false;
+  }
+  state.reset();
+  return good;
+}
+
+bool FaultIndex::usable() {
+  if (!table_) return false;
+  if (connection_.inTransaction() && checked_) return true;
+  connection_.beforeRead();
+  bool good = readState();
+  if (!good && !connection_.readOnly()) {
+    repair();
+    good = true;
+  }
+  checked_ = good && connection_.inTransaction();
+  return good;
+}
+
+void FaultIndex::repair() {
+  WriteScope write(connection_);
+  present_ = isPresent();  // another process may have been quicker
+  const bool wasPresent = present_;
+  try {
+    if (!present_) create();
+    if (!readState()) rebuild();
+    checked_ = true;
+    write.done();
+  } catch (...) {
+    present_ = wasPresent;
+    checked_ = false;
+    throw;
+  }
+}
+
+void FaultIndex::create() {
+  connection_.runMaintenance(creation);
+  present_ = true;
+}
+
+void FaultIndex::rebuild() {
+  connection_.run("DELETE FROM VordaneFaultIndex");
+  connection_.run(filling);
+  connection_.run("UPDATE VordaneIndexState SET Version = 1, Stale = 0");
+  newest_.known = false;
+  newestChanged_ = true;
+}
+
+std::string FaultIndex::momentKey(std::optional<std::u16string_view> date) {
+  std::string key;
+  appendField(date, key);
+  return key;
+}
+
+std::int64_t FaultIndex::hashOf(const FaultFields& fields) {
+  FoldedHash hash;
+  for (const auto& field : {fields.fault, fields.alarm, fields.cpu, fields.date, fields.description})
+    hashField(field, hash);
+  return hash.value();
+}
+
+std::string FaultIndex::kindKey(const FaultFields& fields) {
+  std::string key;
+  appendField(fields.fault, key);
+  key.push_back('\xFF');
+  appendField(fields.alarm, key);
+  key.push_back('\xFF');
+  appendField(fields.cpu, key);
+  return key;
+}
+
+std::string FaultIndex::findSameSql(const Table& faults) {
+  std::string columns;
+  for (const Column& column : faults.columns) columns += ", f." + column.quoted;
+  // The cross join fixes which table is read first; the row itself decides, the hash only finds it.
+  return "SELECT f.rowid" + columns +
+         " FROM VordaneFaultIndex AS x CROSS JOIN FaultDisplay AS f ON f.Count = x.Count "
+         "WHERE x.ID = ?1 AND x.Moment = ?7 AND x.Hash = ?8 AND f.ID = ?1 "
+         "AND f.Fault = ?2 COLLATE vordane_text AND f.CPU = ?3 COLLATE vordane_text "
+         "AND f.Alarm = ?4 COLLATE vordane_text AND f.Date = ?5 COLLATE vordane_text "
+         "AND f.Description = ?6 COLLATE vordane_text";
+}
+
+// One seek for each exchange: needed only after rows were changed or removed.
+void FaultIndex::findNewest() {
+  Statement last(
+      connection_,
+      "SELECT ID, Moment, Count FROM VordaneFaultIndex WHERE ID < ? ORDER BY ID DESC, Moment DESC LIMIT 1");
+  newest_ = {true, {}, 0};
+  std::int64_t below = std::numeric_limits<std::int64_t>::max();
+  for (;;) {
+    last.bind(1, below);
+    if (!last.step()) return;
+    below = last.integer(0);
+    if (newest_.count == 0 || last.blob(1) > std::string_view(newest_.moment))
+      newest_ = {true, std::string(last.blob(1)), last.integer(2)};
+    last.reset();
+  }
+}
+
+std::optional<std::int64_t> FaultIndex::newest() {
+  if (!newest_.known) findNewest();
+  return newest_.count == 0 ? std::nullopt : std::optional(newest_.count);
+}
+
+std::vector<std::int64_t> FaultIndex::allNewestFirst() {
+  std::vector<std::int64_t> counts;
+  Statement rows(connection_, "SELECT Count FROM VordaneFaultIndex ORDER BY Moment DESC, Count");
+  while (rows.step()) counts.push_back(rows.integer(0));
+  const auto first = newest();
+  const auto found = first ? std::find(counts.begin(), counts.end(), *first) : counts.end();
+  if (found != counts.end()) std::rotate(counts.begin(), found, found + 1);
+  return counts;
+}
+
+std::vector<std::uint32_t> FaultIndex::ordered(std::int64_t id, FaultOrder order, bool descending) {
+  std::vector<std::uint32_t> counts;
+  if (order == FaultOrder::description) {
+    Statement rows(
+        connection_,
+        "SELECT f.Count FROM VordaneFaultIndex AS x CROSS JOIN FaultDisplay AS f ON f.Count = x.Count "
+        "WHERE x.ID = ? ORDER BY vordane_key(f.Description), vordane_key(f.Fault), vordane_key(f.Alarm), "
+        "x.Moment, f.Count");
+    rows.bind(1, id);
+    while (rows.step()) counts.push_back(shortCount(rows.integer(0)));
+    if (descending) std::reverse(counts.begin(), counts.end());
+    return counts;
+  }
+
+  std::vector<Entry> entries;
+  Kinds kinds;
+  Statement rows(connection_,
+                 "SELECT Moment, Count, Kind FROM VordaneFaultIndex WHERE ID = ? ORDER BY Moment");
+  rows.bind(1, id);
+  std::string moment;
+  std::size_t group = 0;
+  // Within one moment the index goes by hash; the order goes by Count.
+  const auto closeGroup = [&] {
+    const auto begin = entries.begin() + static_cast<std::ptrdiff_t>(group);
+    std::sort(begin, entries.end(), [](const Entry& a, const Entry& b) { return a.count < b.count; });
+    group = entries.size();
+  };
+  while (rows.step()) {
+    if (rows.blob(0) != std::string_view(moment)) {
+      closeGroup();
+      moment = rows.blob(0);
+    }
+    entries.push_back(
+        {shortCount(rows.integer(1)), order == FaultOrder::date ? 0 : kinds.numberOf(rows.blob(2))});
+  }
+  closeGroup();
+
+  counts.resize(entries.size());
+  if (order == FaultOrder::date) {
+    std::transform(entries.begin(), entries.end(), counts.begin(),
+                   [](const Entry& entry) { return entry.count; });
+  } else {
+    std::size_t placeCount = 0;
+    const std::vector<std::uint32_t> places = kinds.places(order, placeCount);
+    std::vector<std::size_t> next(placeCount + 1, 0);
+    for (const Entry& entry : entries) ++next[places[entry.kind] + 1];
+    for (std::size_t i = 1; i < next.size(); ++i) next[i] += next[i - 1];
+    for (const Entry& entry : entries) counts[next[places[entry.kind]]++] = entry.count;
+  }
+  if (descending) std::reverse(counts.begin(), counts.end());
+  return counts;
+}
+
+void FaultIndex::added(std::int64_t count, std::optional<std::int64_t> id, const FaultFields& fields) {
+  const std::string moment = momentKey(fields.date), kind = kindKey(fields);
+  Statement& insert = prepared(
+      insert_, "INSERT INTO VordaneFaultIndex(ID, Moment, Hash, Count, Kind) VALUES (?, ?, ?, ?, ?)");
+  insert.bind(1, id.value_or(noExchange));
+  insert.bindBlob(2, moment);
+  insert.bind(3, hashOf(fields));
+  insert.bind(4, count);
+  insert.bindBlob(5, kind);
+  insert.run();
+  if (newest_.known && (newest_.count == 0 || moment > newest_.moment)) {
+    newest_ = {true, moment, count};
+    newestChanged_ = true;
+  }
+}
+
+void FaultIndex::changing(std::int64_t count) {
+  Statement& remove = prepared(
+      remove_,
+      "DELETE FROM VordaneFaultIndex WHERE (ID, Moment, Hash, Count) = (SELECT iif(typeof(ID) = 'integer', "
+      "ID, "
+      "-4294967296), vordane_moment(Date), vordane_hash(Fault, Alarm, CPU, Date, Description), Count FROM "
+      "FaultDisplay WHERE Count = ?)");
+  remove.bind(1, count);
+  remove.run();
+  newest_.known = false;
+  newestChanged_ = true;
+}
+
+void FaultIndex::changed(std::int64_t count) {
+  Statement& insert = prepared(
+      read_,
+      "INSERT INTO VordaneFaultIndex(ID, Moment, Hash, Count, Kind) SELECT iif(typeof(ID) = 'integer', ID, "
+      "-4294967296), vordane_moment(Date), vordane_hash(Fault, Alarm, CPU, Date, Description), Count, "
+      "vordane_kind(Fault, Alarm, CPU) FROM FaultDisplay WHERE Count = ?");
+  insert.bind(1, count);
+  insert.run();
+}
+
+void FaultIndex::removeExchange(std::int64_t id) {
+  Statement rows(
+      connection_,
+      "DELETE FROM FaultDisplay WHERE Count IN (SELECT Count FROM VordaneFaultIndex WHERE ID = ?)");
+  rows.bind(1, id);
+  rows.run();
+  Statement entries(connection_, "DELETE FROM VordaneFaultIndex WHERE ID = ?");
+  entries.bind(1, id);
+  entries.run();
+  newest_.known = false;
+  newestChanged_ = true;
+}
+
+void FaultIndex::beforeCommit() {
+  if (!newestChanged_) return;
+  if (!newest_.known) findNewest();
+  Statement update(connection_, "UPDATE VordaneIndexState SET NewestMoment = ?, NewestCount = ?");
+  update.bindBlob(1, newest_.moment);
+  update.bind(2, newest_.count);
+  update.run();
+  newestChanged_ = false;
+}
+
+}  // namespace vordane::sqlite

@@ -1,0 +1,83 @@
+// What the engine keeps beside FaultDisplay so that looking for an identical fault, listing an exchange's
+// faults by time and finding the newest fault stay quick with a million rows: one row for each fault, in
+// tables of its own, so that the documented tables hold nothing that another SQLite tool can't handle.
+//
+//   VordaneFaultIndex  ID, Moment (sort key of Date), Hash (of the five compared columns), Count,
+//                      Kind (sort keys of Fault, Alarm, CPU)
+//   VordaneIndexState  Stale is set by triggers when somebody else changes FaultDisplay; the index is then
+//                      made anew before it is used again. This engine switches triggers off for itself.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/sqlite/connection.h"
+
+namespace vordane::sqlite {
+
+// The columns of a fault that the index knows; nothing stands for Null.
+struct FaultFields {
+  std::optional<std::u16string_view> fault, alarm, cpu, date, description;
+};
+
+enum class FaultOrder { fault, alarm, date, cpu, description };
+
+class FaultIndex {
+ public:
+  explicit FaultIndex(Connection& connection);
+
+  // True when the index answers for the table as it is now; makes it anew where that is needed and allowed.
+  // Without it every statement is answered from the table alone.
+  bool usable();
+
+  // The select behind the duplicate test: rows of the table with rowid first, parameters ID, Fault, CPU,
+  // Alarm, Date, Description, Moment, Hash.
+  static std::string findSameSql(const Table& faults);
+  static std::string momentKey(std::optional<std::u16string_view> date);
+  static std::int64_t hashOf(const FaultFields& fields);
+  static std::string kindKey(const FaultFields& fields);
+
+  // `Count` of the first row by Date descending, nothing when the table is empty.
+  std::optional<std::int64_t> newest();
+  // `Count` of every row in that order, `newest` first.
+  std::vector<std::int64_t> allNewestFirst();
+  // `Count` of an exchange's rows in one of the ten orders; all columns turn with the direction.
+  std::vector<std::uint32_t> ordered(std::int64_t id, FaultOrder order, bool descending);
+
+  // Inside the transaction that changes the table.
+  void added(std::int64_t count, std::optional<std::int64_t> id, const FaultFields& fields);
+  void changing(std::int64_t count);     // before and
+  void changed(std::int64_t count);      // after an update of one row
+  void removeExchange(std::int64_t id);  // rows of both the table and the index
+
+  void transactionBegan() { checked_ = false; }
+  void beforeCommit();
+
+ private:
+  struct Newest {
+    bool known = false;
+    std::string moment;
+    std::int64_t count = 0;  // 0: the table is empty
+  };
+  bool readState();
+  bool isPresent();
+  void repair();
+  void create();
+  void rebuild();
+  void findNewest();
+  Statement& prepared(Statement& statement, const char* sql);
+
+  Connection& connection_;
+  const Table* table_ = nullptr;  // null: the file holds no such table
+  bool present_ = false;
+  bool checked_ = false;  // known to be good for as long as this transaction lasts
+  bool newestChanged_ = false;
+  Newest newest_;
+  Statement state_, insert_, remove_, read_;
+};
+
+}  // namespace vordane::sqlite

@@ -1,0 +1,332 @@
+#include "platform/sqlite/jet.h"
+
+#include <array>
+#include <charconv>
+#include <limits>
+#include <unordered_set>
+
+#include "platform/sqlite/errors.h"
+#include "text/numbers.h"
+#include "text/text.h"
+
+namespace vordane::sqlite::jet {
+namespace {
+
+constexpr std::u16string_view keywords[] = {u"select", u"from", u"where", u"and",   u"order",
+                                            u"by",     u"asc",  u"desc",  u"union", u"delete"};
+
+constexpr std::size_t mostLiterals = 6;  // of the longest statement
+
+[[noreturn]] void syntaxError() {
+  fail(number::syntax);
+}
+
+bool isBlank(char16_t c) {
+  return c == u' ' || c == u'\t' || c == u'\r' || c == u'\n';
+}
+bool isWordStart(char16_t c) {
+  return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || c == u'_' || c >= 0x80;
+}
+bool isWordPart(char16_t c) {
+  return isWordStart(c) || text::isDecimalDigit(c);
+}
+char16_t lower(char16_t c) {
+  return c < 0x80 ? (c >= u'A' && c <= u'Z' ? char16_t(c + 32) : c) : text::lower(c);
+}
+bool isKeyword(std::u16string_view word) {
+  for (std::u16string_view keyword : keywords)
+    if (word == keyword) return true;
+  return false;
+}
+
+// Reads a statement token by token into a shape.
+class Lifter {
+ public:
+  Lifter(std::u16string_view statement, Lifted& out) : rest_(statement), out_(out) {}
+
+  void run() {
+    for (skipBlanks(); !rest_.empty(); skipBlanks()) token();
+    if (ended_ > 1) syntaxError();
+  }
+
+ private:
+  void token() {
+    const char16_t c = rest_.front();
+    if (ended_ != 0) syntaxError();
+    if (c == u'\'' || c == u'"') return literal(c);
+    if (c == u'[') return bracketed();
+    if (isWordStart(c)) return word();
+    if (text::isDecimalDigit(c) || c == u'-' || c == u'+') return number();
+    rest_.remove_prefix(1);
+    if (c == u';') {
+      ++ended_;
+    } else if (c == u'*' || c == u',' || c == u'=' || c == u'(' || c == u')') {
+      append({&c, 1});
+    } else {
+      syntaxError();
+    }
+  }
+
+  void literal(char16_t quote) {
+    Literal& value = nextLiteral();
+    for (rest_.remove_prefix(1);;) {
+      const auto end = rest_.find(quote);
+      if (end == std::u16string_view::npos) syntaxError();
+      const bool doubled = end + 1 < rest_.size() && rest_[end + 1] == quote;
+      value.text.append(rest_.substr(0, end + (doubled ? 1 : 0)));
+      rest_.remove_prefix(end + (doubled ? 2 : 1));
+      if (!doubled) break;
+    }
+    value.isText = true;
+    append(u"'");
+  }
+
+  void number() {
+    std::size_t length = text::isDecimalDigit(rest_.front()) ? 0 : 1;
+    const std::size_t firstDigit = length;
+    while (length < rest_.size() && text::isDecimalDigit(rest_[length])) ++length;
+    if (length == firstDigit ||
+        (length < rest_.size() && (isWordPart(rest_[length]) || rest_[length] == u'.')))
+      syntaxError();
+    const std::string digits(rest_.begin() + static_cast<std::ptrdiff_t>(firstDigit),
+                             rest_.begin() + static_cast<std::ptrdiff_t>(length));
+    Literal& value = nextLiteral();
+    const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value.number);
+    // No stored number has more digits than fit, so such a literal equals none; it is still a number.
+    if (result.ec != std::errc{}) value.number = std::numeric_limits<std::int64_t>::max();
+    if (rest_.front() == u'-') value.number = -value.number;
+    rest_.remove_prefix(length);
+    append(u"#");
+  }
+
+  void bracketed() {
+    const auto end = rest_.find(u']');
+    if (end == std::u16string_view::npos || end == 1) syntaxError();
+    name(rest_.substr(1, end - 1));
+    rest_.remove_prefix(end + 1);
+  }
+
+  void word() {
+    std::size_t length = 1;
+    while (length < rest_.size() && isWordPart(rest_[length])) ++length;
+    const std::u16string_view written = rest_.substr(0, length);
+    rest_.remove_prefix(length);
+    word_.assign(written);
+    for (char16_t& c : word_) c = lower(c);
+    skipBlanks();
+    // "Count" is a column's name unless it counts.
+    const bool counts = word_ == u"count" && !rest_.empty() && rest_.front() == u'(';
+    if (counts || isKeyword(word_)) {
+      append(word_);
+    } else {
+      name(word_);
+    }
+  }
+
+  void name(std::u16string_view text) {
+    separate();
+    out_.shape.push_back(u'[');
+    for (const char16_t c : text) out_.shape.push_back(lower(c));
+    out_.shape.push_back(u']');
+  }
+
+  void append(std::u16string_view token) {
+    separate();
+    out_.shape.append(token);
+  }
+  void separate() {
+    if (!out_.shape.empty()) out_.shape.push_back(u' ');
+  }
+  Literal& nextLiteral() {
+    out_.literals.emplace_back();
+    return out_.literals.back();
+  }
+  void skipBlanks() {
+    while (!rest_.empty() && isBlank(rest_.front())) rest_.remove_prefix(1);
+  }
+
+  std::u16string_view rest_;
+  Lifted& out_;
+  std::u16string word_;
+  int ended_ = 0;
+};
+
+// Every statement with a value in it, as this system builds it; all others are refused.
+constexpr std::u16string_view documented[] = {
+    u"SELECT * FROM PBXList WHERE PBXName = ''",
+    u"SELECT * FROM PBXList WHERE PBXName = '' AND ID = 0",
+    u"SELECT * FROM FaultDisplay WHERE ID = 0 AND Fault = '' AND CPU = '' AND Alarm = '' AND Date = '' AND "
+    u"Description = ''",
+    u"SELECT * FROM FaultDisplay WHERE ID = 0 Order by [Fault] Asc, [Alarm] Asc, [Date] Asc, [Count] Asc, "
+    u"[CPU] "
+    u"Asc, [Description] Asc",
+    u"SELECT * FROM FaultDisplay WHERE ID = 0 Order by [Alarm] Asc, [Fault] Asc, [Date] Asc, [Count] Asc, "
+    u"[CPU] "
+    u"Asc, [Description] Asc",
+    u"SELECT * FROM FaultDisplay WHERE ID = 0 Order by [Date] Asc, [Count] Asc, [Fault] Asc, [Alarm] Asc, "
+    u"[CPU] "
+    u"Asc, [Description] Asc",
+    u"SELECT * FROM FaultDisplay WHERE ID = 0 Order by [CPU] Asc ,[Fault] Asc, [Alarm] Asc, [Date] Asc, "
+    u"[Count] "
+    u"Asc, [Description] Asc",
+    u"SELECT * FROM FaultDisplay WHERE ID = 0 Order by [Description] Asc, [Fault] Asc, [Alarm] Asc, [Date] "
+    u"Asc, "
+    u"[Count] Asc, [CPU] Asc",
+    u"SELECT * FROM FaultDisplay WHERE ID = 0 Order by [Fault] Desc, [Alarm] Desc, [Date] Desc, [Count] "
+    u"Desc, "
+    u"[CPU] Desc, [Description] Desc",
+    u"SELECT * FROM FaultDisplay WHERE ID = 0 Order by [Alarm] Desc, [Fault] Desc, [Date] Desc, [Count] "
+    u"Desc, "
+    u"[CPU] Desc, [Description] Desc",
+    u"SELECT * FROM FaultDisplay WHERE ID = 0 Order by [Date] Desc, [Count] Desc, [Fault] Desc, [Alarm] "
+    u"Desc, "
+    u"[CPU] Desc, [Description] Desc",
+    u"SELECT * FROM FaultDisplay WHERE ID = 0 Order by [CPU] Desc ,[Fault] Desc, [Alarm] Desc, [Date] Desc, "
+    u"[Count] Desc, [Description] Desc",
+    u"SELECT * FROM FaultDisplay WHERE ID = 0 Order by [Description] Desc, [Fault] Desc, [Alarm] Desc, "
+    u"[Date] "
+    u"Desc, [Count] Desc, [CPU] Desc",
+    u"DELETE FROM PBXList WHERE ID = 0",
+    u"DELETE FROM FaultDisplay WHERE ID = 0",
+    u"select Caption,FontName,FontSize from tForms where ObjectName = ''",
+    u"select ObjectName,Index,Caption,FontName,FontSize,ToolTipText from tControls where FormName = ''",
+    u"select ObjectName,Index,List,ItemData,Visible from tComboBoxDT where FormName = '' ORDER BY ListIndex",
+    u"select ObjectName,Index,ColIndex,Caption from tSSGridsHD where FormName = ''",
+    u"select * from tProject where EXEName = ''",
+    u"select Prompt,Buttons,Title from tMsgBox where MsgNo = 0",
+    u"select Prompt, Buttons, Title, HelpFile, Context from tMsgBox where MsgNo = 0",
+    u"select ObjectName,Index,FileName,BasePanel,BasePanelIndex from tPicture where FormName = ''",
+    u"Select * From PictureFileName Where  ID = 0",
+    u"SELECT * FROM Registry WHERE AppName = ''",
+    u"SELECT * FROM Options WHERE Key = 0",
+};
+
+const std::unordered_set<std::u16string>& documentedShapes() {
+  static const std::unordered_set<std::u16string> shapes = [] {
+    std::unordered_set<std::u16string> all;
+    for (std::u16string_view statement : documented) {
+      Lifted lifted;
+      lift(statement, lifted);
+      all.insert(lifted.shape);
+    }
+    return all;
+  }();
+  return shapes;
+}
+
+// Reads the tokens of a shape.
+class Parser {
+ public:
+  explicit Parser(std::u16string_view shape) : tokens_(split(shape)) {}
+
+  Shape run() {
+    if (accept(u"delete")) {
+      shape_.verb = Verb::remove;
+      expect(u"from");
+      shape_.table = name();
+      expect(u"where");
+      conditions();
+    } else {
+      select();
+    }
+    if (at_ != tokens_.size()) syntaxError();
+    return std::move(shape_);
+  }
+
+ private:
+  // Names may hold blanks, so the shape is cut at the blanks outside brackets.
+  static std::vector<std::u16string> split(std::u16string_view shape) {
+    std::vector<std::u16string> tokens;
+    while (!shape.empty()) {
+      const auto end =
+          shape.front() == u'[' ? shape.find(u']') + 1 : std::min(shape.find(u' '), shape.size());
+      tokens.emplace_back(shape.substr(0, end));
+      shape.remove_prefix(std::min(end + 1, shape.size()));
+    }
+    return tokens;
+  }
+
+  void select() {
+    expect(u"select");
+    if (!accept(u"*")) {
+      do shape_.columns.push_back(name());
+      while (accept(u","));
+    }
+    expect(u"from");
+    shape_.table = name();
+    if (accept(u"union")) return countedUnion();
+    if (accept(u"where")) conditions();
+    if (accept(u"order")) orders();
+  }
+
+  void countedUnion() {
+    shape_.verb = Verb::countedUnion;
+    for (std::u16string_view token : {u"select", u"#", u",", u"count", u"(", u"*", u")", u"from"})
+      expect(token);
+    if (name() != shape_.table || !shape_.columns.empty()) syntaxError();
+    expect(u"order");
+    orders();
+    if (shape_.orders.size() != 1 || shape_.orders[0].column != u"id" || shape_.orders[0].descending)
+      syntaxError();
+  }
+
+  void conditions() {
+    do {
+      Condition condition{name(), false};
+      expect(u"=");
+      condition.isText = accept(u"'");
+      if (!condition.isText) expect(u"#");
+      shape_.conditions.push_back(std::move(condition));
+    } while (accept(u"and"));
+  }
+
+  void orders() {
+    expect(u"by");
+    do {
+      Order order{name()};
+      order.descending = accept(u"desc");
+      if (!order.descending) accept(u"asc");
+      shape_.orders.push_back(std::move(order));
+    } while (accept(u","));
+  }
+
+  bool accept(std::u16string_view token) {
+    if (at_ == tokens_.size() || tokens_[at_] != token) return false;
+    ++at_;
+    return true;
+  }
+  void expect(std::u16string_view token) {
+    if (!accept(token)) syntaxError();
+  }
+  std::u16string name() {
+    if (at_ == tokens_.size() || tokens_[at_].front() != u'[') syntaxError();
+    const std::u16string& token = tokens_[at_++];
+    return token.substr(1, token.size() - 2);
+  }
+
+  std::vector<std::u16string> tokens_;
+  std::size_t at_ = 0;
+  Shape shape_;
+};
+
+}  // namespace
+
+void lift(std::u16string_view statement, Lifted& out) {
+  out.shape.clear();
+  out.literals.clear();
+  out.literals.reserve(mostLiterals);
+  Lifter(statement, out).run();
+}
+
+Shape parse(const Lifted& statement) {
+  Shape shape = Parser(statement.shape).run();
+  if (shape.verb == Verb::countedUnion) {
+    if (statement.literals.at(0).number != -1) syntaxError();
+    return shape;
+  }
+  // Whatever holds a value must be one of the documented statements, or the value made another of it.
+  if (!statement.literals.empty() && !documentedShapes().contains(statement.shape)) syntaxError();
+  return shape;
+}
+
+}  // namespace vordane::sqlite::jet

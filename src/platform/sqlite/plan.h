@@ -1,0 +1,60 @@
+// How each statement shape is run: worked out once for a shape, kept with its prepared statements.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/sqlite/connection.h"
+#include "platform/sqlite/fault_index.h"
+#include "platform/sqlite/jet.h"
+
+namespace vordane::sqlite {
+
+struct Plan {
+  enum class Special { none, sameFault, newestFaults, faultsOfExchange };
+
+  jet::Shape shape;
+  Table* table = nullptr;
+  std::vector<std::u16string> names;   // of the result's columns
+  std::vector<const Column*> columns;  // the same; empty for a counted union
+  StatementPool rows;                  // column 0 is the row's key, but for a counted union
+  StatementPool keys;                  // the key alone
+  StatementPool byKey;                 // one row
+  StatementPool indexed;               // the duplicate test over the fault index
+  Special special = Special::none;
+  FaultOrder order = FaultOrder::date;
+  bool descending = false;
+
+  bool isUnion() const { return shape.verb == jet::Verb::countedUnion; }
+  int firstColumn() const { return isUnion() ? 0 : 1; }
+  // Throws DatabaseError (unknownItem).
+  std::size_t resultColumn(std::u16string_view name) const;
+};
+
+// The plans of one connection, by shape.
+class Plans {
+ public:
+  explicit Plans(Connection& connection) : connection_(connection) {}
+  // Takes a statement apart into `lifted`. Throws DatabaseError.
+  Plan& find(std::u16string_view statement, jet::Lifted& lifted);
+
+ private:
+  std::unique_ptr<Plan> make(const jet::Lifted& lifted);
+  Connection& connection_;
+  std::unordered_map<std::u16string, std::unique_ptr<Plan>> plans_;
+};
+
+// What a database and the recordsets and lists it gave out share: none of them is cut off by the end of
+// another.
+struct Opened {
+  Opened(Handle handle, bool readOnly, const Options& options)
+      : connection(std::move(handle), readOnly, options), plans(connection) {}
+  Connection connection;
+  Plans plans;
+  jet::Lifted lifted;  // of the statement at hand; kept for its room
+};
+
+}  // namespace vordane::sqlite

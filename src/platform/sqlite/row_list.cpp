@@ -1,0 +1,74 @@
+#include "platform/sqlite/row_list.h"
+
+#include "platform/sqlite/errors.h"
+
+namespace vordane::sqlite {
+namespace {
+
+// `Key` is as wide as the rows' keys need, to keep a million of them small.
+template <class Key>
+class EmbeddedRowList final : public database::RowList {
+ public:
+  EmbeddedRowList(std::shared_ptr<Opened> opened, const Plan& plan, std::vector<Key> keys,
+                  std::span<const std::u16string_view> columns)
+      : opened_(std::move(opened)), connection_(opened_->connection), keys_(std::move(keys)) {
+    std::string sql;
+    for (std::u16string_view name : columns) {
+      const Column* column = plan.columns[plan.resultColumn(name)];
+      yesNo_.push_back(column->kind == Kind::yesNo);
+      sql += (sql.empty() ? "SELECT " : ", ") + column->quoted;
+    }
+    if (sql.empty()) sql = "SELECT NULL";
+    row_ = Statement(connection_, sql + " FROM " + plan.table->quoted + " WHERE rowid = ?");
+  }
+
+  std::size_t size() const override { return keys_.size(); }
+
+  bool fetch(std::size_t position, std::vector<Value>& out) override {
+    out.clear();
+    if (position >= keys_.size()) return false;
+    connection_.beforeRead();
+    row_.bind(1, static_cast<std::int64_t>(keys_[position]));
+    const bool found = row_.step();
+    for (std::size_t i = 0; found && i < yesNo_.size(); ++i)
+      out.push_back(row_.value(static_cast<int>(i), yesNo_[i]));
+    row_.reset();
+    return found;
+  }
+
+ private:
+  std::shared_ptr<Opened> opened_;
+  Connection& connection_;
+  std::vector<Key> keys_;
+  std::vector<bool> yesNo_;
+  Statement row_;
+};
+
+std::vector<std::int64_t> readKeys(Connection& connection, Plan& plan,
+                                   const std::vector<jet::Literal>& literals) {
+  Statement rows = plan.keys.take(connection);
+  int parameter = 0;
+  for (const jet::Literal& literal : literals) rows.bind(++parameter, literal);
+  std::vector<std::int64_t> keys;
+  while (rows.step()) keys.push_back(rows.integer(0));
+  plan.keys.giveBack(std::move(rows));
+  return keys;
+}
+
+}  // namespace
+
+std::unique_ptr<database::RowList> makeRowList(std::shared_ptr<Opened> opened, Plan& plan,
+                                               const std::vector<jet::Literal>& literals,
+                                               std::span<const std::u16string_view> columns) {
+  if (plan.isUnion() || plan.shape.verb == jet::Verb::remove) fail(number::invalidOperation);
+  Connection& connection = opened->connection;
+  connection.beforeRead();
+  if (plan.special == Plan::Special::faultsOfExchange && connection.faults().usable())
+    return std::make_unique<EmbeddedRowList<std::uint32_t>>(
+        std::move(opened), plan,
+        connection.faults().ordered(literals.at(0).number, plan.order, plan.descending), columns);
+  std::vector<std::int64_t> keys = readKeys(connection, plan, literals);
+  return std::make_unique<EmbeddedRowList<std::int64_t>>(std::move(opened), plan, std::move(keys), columns);
+}
+
+}  // namespace vordane::sqlite

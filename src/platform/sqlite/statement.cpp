@@ -1,0 +1,133 @@
+#include "platform/sqlite/statement.h"
+
+#include <cstring>
+
+#include "platform/sqlite/connection.h"
+
+namespace vordane::sqlite {
+namespace {
+
+// SQLite takes a null pointer for Null, whatever the length.
+const void* dataOf(std::u16string_view text) {
+  return text.data() ? text.data() : u"";
+}
+
+}  // namespace
+
+Statement::Statement(Connection& connection, std::string_view sql) : connection_(&connection) {
+  sqlite3_stmt* statement = nullptr;
+  const int result = sqlite3_prepare_v3(connection.handle(), sql.data(), static_cast<int>(sql.size()),
+                                        SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
+  handle_.reset(statement);
+  check(result);
+}
+
+void Statement::check(int resultCode) {
+  if (resultCode != SQLITE_OK && resultCode != SQLITE_ROW && resultCode != SQLITE_DONE)
+    connection_->raise(sqlite3_extended_errcode(connection_->handle()));
+}
+
+void Statement::bind(int parameter, std::int64_t number) {
+  check(sqlite3_bind_int64(handle_.get(), parameter, number));
+}
+
+void Statement::bindText(int parameter, std::u16string_view text) {
+  check(sqlite3_bind_text64(handle_.get(), parameter, static_cast<const char*>(dataOf(text)),
+                            text.size() * sizeof(char16_t), SQLITE_STATIC, SQLITE_UTF16LE));
+}
+
+void Statement::bindBlob(int parameter, std::string_view bytes) {
+  check(sqlite3_bind_blob64(handle_.get(), parameter, bytes.data() ? bytes.data() : "", bytes.size(),
+                            SQLITE_STATIC));
+}
+
+void Statement::bindNull(int parameter) {
+  check(sqlite3_bind_null(handle_.get(), parameter));
+}
+
+void Statement::bind(int parameter, const jet::Literal& literal) {
+  literal.isText ? bindText(parameter, literal.text) : bind(parameter, literal.number);
+}
+
+void Statement::bind(int parameter, const Value& value) {
+  if (const auto* text = std::get_if<std::u16string>(&value)) return bindText(parameter, *text);
+  if (const auto* flag = std::get_if<bool>(&value)) return bind(parameter, std::int64_t{*flag ? -1 : 0});
+  if (const auto* small = std::get_if<std::int16_t>(&value)) return bind(parameter, std::int64_t{*small});
+  if (const auto* whole = std::get_if<std::int32_t>(&value)) return bind(parameter, std::int64_t{*whole});
+  if (const auto* number = std::get_if<double>(&value))
+    return check(sqlite3_bind_double(handle_.get(), parameter, *number));
+  bindNull(parameter);
+}
+
+bool Statement::step() {
+  const int result = sqlite3_step(handle_.get());
+  if (result == SQLITE_ROW) return true;
+  if (result == SQLITE_DONE) return false;
+  const int reason = sqlite3_extended_errcode(connection_->handle());
+  reset();
+  connection_->raise(reason);
+}
+
+void Statement::run() {
+  while (step()) {
+  }
+  reset();
+}
+
+void Statement::reset() noexcept {
+  sqlite3_reset(handle_.get());
+}
+
+std::int64_t Statement::integer(int column) const {
+  return sqlite3_column_int64(handle_.get(), column);
+}
+
+std::u16string Statement::text(int column) const {
+  const void* characters = sqlite3_column_text16(handle_.get(), column);
+  std::u16string text(static_cast<std::size_t>(sqlite3_column_bytes16(handle_.get(), column)) / 2, u'\0');
+  // SQLite may point into a page, at an odd address.
+  if (!text.empty()) std::memcpy(text.data(), characters, text.size() * 2);
+  return text;
+}
+
+std::string_view Statement::blob(int column) const {
+  const void* bytes = sqlite3_column_blob(handle_.get(), column);
+  return {static_cast<const char*>(bytes),
+          static_cast<std::size_t>(sqlite3_column_bytes(handle_.get(), column))};
+}
+
+bool Statement::isNull(int column) const {
+  return sqlite3_column_type(handle_.get(), column) == SQLITE_NULL;
+}
+
+Value Statement::value(int column, bool yesNo) const {
+  if (yesNo) return sqlite3_column_double(handle_.get(), column) != 0;
+  switch (sqlite3_column_type(handle_.get(), column)) {
+    case SQLITE_NULL:
+      return automation::Null{};
+    case SQLITE_FLOAT:
+      return sqlite3_column_double(handle_.get(), column);
+    case SQLITE_INTEGER: {
+      const std::int64_t number = integer(column);
+      if (number == static_cast<std::int32_t>(number)) return static_cast<std::int32_t>(number);
+      return static_cast<double>(number);
+    }
+    default:
+      return text(column);
+  }
+}
+
+Statement StatementPool::take(Connection& connection) {
+  if (idle_.empty()) return Statement(connection, sql_);
+  Statement statement = std::move(idle_.back());
+  idle_.pop_back();
+  return statement;
+}
+
+void StatementPool::giveBack(Statement statement) {
+  if (!statement) return;
+  statement.reset();
+  idle_.push_back(std::move(statement));
+}
+
+}  // namespace vordane::sqlite

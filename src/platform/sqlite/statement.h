@@ -1,0 +1,69 @@
+// Prepared statements and their lending.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/database.h"
+#include "platform/sqlite/jet.h"
+
+namespace vordane::sqlite {
+
+using database::Value;
+
+class Connection;
+
+// One prepared statement. Parameters and columns count as SQLite counts them: from 1 and from 0. What is
+// bound must live until the statement is reset.
+class Statement {
+ public:
+  Statement() = default;
+  Statement(Connection& connection, std::string_view sql);
+  explicit operator bool() const { return handle_ != nullptr; }
+
+  void bind(int parameter, std::int64_t number);
+  void bindText(int parameter, std::u16string_view text);
+  void bindBlob(int parameter, std::string_view bytes);
+  void bindNull(int parameter);
+  void bind(int parameter, const jet::Literal& literal);
+  void bind(int parameter, const Value& value);
+
+  bool step();  // true on a row; throws DatabaseError
+  void run();   // to its end, and reset
+  void reset() noexcept;
+
+  std::int64_t integer(int column) const;
+  std::u16string text(int column) const;
+  std::string_view blob(int column) const;  // until the next step
+  bool isNull(int column) const;
+  Value value(int column, bool yesNo) const;
+
+ private:
+  struct Finalizer {
+    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+  };
+  void check(int resultCode);
+  Connection* connection_ = nullptr;
+  std::unique_ptr<sqlite3_stmt, Finalizer> handle_;
+};
+
+// Statements of one text, prepared once and lent out.
+class StatementPool {
+ public:
+  StatementPool() = default;
+  explicit StatementPool(std::string sql) : sql_(std::move(sql)) {}
+  const std::string& sql() const { return sql_; }
+  Statement take(Connection& connection);
+  void giveBack(Statement statement);
+
+ private:
+  std::string sql_;
+  std::vector<Statement> idle_;
+};
+
+}  // namespace vordane::sqlite

@@ -1,0 +1,135 @@
+#include "platform/sqlite/table.h"
+
+#include <algorithm>
+#include <iterator>
+#include <limits>
+
+#include "platform/sqlite/errors.h"
+#include "text/text.h"
+#include "text/utf8.h"
+
+namespace vordane::sqlite {
+namespace {
+
+struct NamedColumn {
+  std::u16string_view table, column;
+  Kind kind;
+};
+
+// Columns whose documented type a declaration in plain SQLite may not show.
+constexpr NamedColumn documentedKinds[] = {
+    {u"pbxlist", u"id", Kind::integer16},      {u"faultdisplay", u"id", Kind::integer16},
+    {u"pbxlist", u"mj", Kind::yesNo},          {u"pbxlist", u"mn", Kind::yesNo},
+    {u"tcomboboxdt", u"visible", Kind::yesNo}, {u"options", u"errorstop", Kind::yesNo},
+    {u"options", u"log", Kind::yesNo},         {u"options", u"log2", Kind::yesNo},
+};
+
+struct DeclaredWord {
+  std::u16string_view word;
+  Kind kind;
+};
+
+// The first word found in a column's declaration decides.
+constexpr DeclaredWord declaredKinds[] = {
+    {u"bool", Kind::yesNo},  {u"yesno", Kind::yesNo},        {u"logical", Kind::yesNo},
+    {u"bit", Kind::yesNo},   {u"datetime", Kind::date},      {u"timestamp", Kind::date},
+    {u"date", Kind::date},   {u"smallint", Kind::integer16}, {u"int2", Kind::integer16},
+    {u"int", Kind::integer}, {u"char", Kind::text},          {u"text", Kind::text},
+    {u"clob", Kind::text},   {u"memo", Kind::text},
+};
+
+bool hasLoneSurrogate(std::u16string_view text) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if ((text[i] & 0xF800) != 0xD800) continue;
+    const bool paired = text[i] < 0xDC00 && i + 1 < text.size() && (text[i + 1] & 0xFC00) == 0xDC00;
+    if (!paired) return true;
+    ++i;
+  }
+  return false;
+}
+
+// "YYYY-MM-DD HH:MM:SS"
+bool isMoment(std::u16string_view text) {
+  constexpr std::u16string_view pattern = u"0000-00-00 00:00:00";
+  return text.size() == pattern.size() &&
+         std::equal(text.begin(), text.end(), pattern.begin(), [](char16_t c, char16_t wanted) {
+           return wanted == u'0' ? c >= u'0' && c <= u'9' : c == wanted;
+         });
+}
+
+database::Value fitText(const Column& column, const database::Value& value, bool utf8File) {
+  std::u16string text = automation::toText(value);
+  if (utf8File && hasLoneSurrogate(text)) fail(number::badValue, column.name);
+  return text;
+}
+
+}  // namespace
+
+std::optional<std::size_t> Table::find(std::u16string_view columnName) const {
+  for (std::size_t i = 0; i < columns.size(); ++i)
+    if (columns[i].name == columnName) return i;
+  for (std::size_t i = 0; i < columns.size(); ++i)
+    if (text::equalIgnoringCase(columns[i].name, columnName)) return i;
+  return std::nullopt;
+}
+
+std::size_t Table::column(std::u16string_view columnName, int errorNumber) const {
+  const auto found = find(columnName);
+  if (!found) fail(errorNumber, columnName);
+  return *found;
+}
+
+Kind kindOf(std::u16string_view table, std::u16string_view column, std::u16string_view declared) {
+  const std::u16string foldedTable = text::toLower(table), foldedColumn = text::toLower(column);
+  for (const NamedColumn& documented : documentedKinds)
+    if (documented.table == foldedTable && documented.column == foldedColumn) return documented.kind;
+  const std::u16string folded = text::toLower(declared);
+  for (const DeclaredWord& known : declaredKinds)
+    if (text::contains(folded, known.word)) return known.kind;
+  return Kind::other;
+}
+
+std::string quote(std::u16string_view name) {
+  std::string quoted = "\"";
+  for (const char c : text::toUtf8(name)) {
+    quoted.push_back(c);
+    if (c == '"') quoted.push_back(c);
+  }
+  quoted.push_back('"');
+  return quoted;
+}
+
+database::Value fit(const Column& column, const database::Value& value, bool utf8File) {
+  if (automation::isNull(value) || automation::isEmpty(value))
+    return column.kind == Kind::yesNo ? database::Value(false) : database::Value(automation::Null{});
+  try {
+    switch (column.kind) {
+      case Kind::text:
+        return fitText(column, value, utf8File);
+      case Kind::date: {
+        database::Value moment = fitText(column, value, utf8File);
+        if (!isMoment(std::get<std::u16string>(moment))) fail(number::badValue, column.name);
+        return moment;
+      }
+      case Kind::yesNo:
+        return automation::toBoolean(value);
+      case Kind::integer16:
+        return automation::toInteger(value);
+      case Kind::integer:
+        return automation::toLong(value);
+      case Kind::other:
+        break;
+    }
+    if (std::holds_alternative<std::u16string>(value)) return fitText(column, value, utf8File);
+    return automation::toDouble(value);
+  } catch (const automation::AutomationError&) {
+    fail(number::badValue, column.name);
+  }
+}
+
+std::int64_t limitOf(const Column& column) {
+  return column.kind == Kind::integer16 ? std::numeric_limits<std::int16_t>::max()
+                                        : std::numeric_limits<std::int32_t>::max();
+}
+
+}  // namespace vordane::sqlite

@@ -1,0 +1,50 @@
+// A table of the file, as its columns are declared.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/database.h"
+#include "platform/sqlite/statement.h"
+
+namespace vordane::sqlite {
+
+enum class Kind { text, integer, integer16, yesNo, date, other };
+
+struct Column {
+  std::u16string name;    // as declared
+  std::u16string folded;  // in lower case
+  std::string quoted;     // UTF-8, for SQL text
+  Kind kind = Kind::other;
+};
+
+struct Table {
+  std::u16string name;
+  std::u16string folded;
+  std::string quoted;
+  std::vector<Column> columns;
+  std::optional<std::size_t> autoNumber;  // the column that is the row's key
+  bool counted = false;                   // its numbers are never used again
+  // INSERT and UPDATE statements, by the columns they set (a bit for each).
+  std::unordered_map<std::uint64_t, StatementPool> inserts, updates;
+  bool isFaults = false;  // FaultDisplay with its documented columns
+
+  // Throws DatabaseError with `number` when there is none.
+  std::size_t column(std::u16string_view columnName, int errorNumber) const;
+  std::optional<std::size_t> find(std::u16string_view columnName) const;
+};
+
+Kind kindOf(std::u16string_view table, std::u16string_view column, std::u16string_view declared);
+std::string quote(std::u16string_view name);
+
+// `value` as the column keeps it. Throws DatabaseError (badValue).
+database::Value fit(const Column& column, const database::Value& value, bool utf8File);
+
+// The highest number a column's auto-number may reach.
+std::int64_t limitOf(const Column& column);
+
+}  // namespace vordane::sqlite

@@ -1,0 +1,33 @@
+// How stored texts compare in a statement: trailing blanks dropped, each character folded to lower case by
+// the program's own table, order by code point. The encodings below are part of the files: never change
+// them without a new version of the fault index.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace vordane::sqlite {
+
+// Below, equal to or above 0. The texts may hold anything, lone surrogates and NULs included.
+int compareTexts(std::u16string_view a, std::u16string_view b);
+bool equalTexts(std::u16string_view a, std::u16string_view b);
+
+// Appends bytes whose plain byte order is the order of the folded texts: UTF-8, lone surrogates encoded
+// like any other character. Never contains the byte 0xFF.
+void appendSortKey(std::u16string_view text, std::string& key);
+
+// A 64-bit hash that equal texts share, the same on every system.
+class FoldedHash {
+ public:
+  void addNumber(std::int64_t number);
+  void addText(std::u16string_view text);
+  void addNull();
+  std::int64_t value() const;
+
+ private:
+  void mix(std::uint64_t word);
+  std::uint64_t state_ = 0x9E3779B97F4A7C15U;
+};
+
+}  // namespace vordane::sqlite

@@ -1,0 +1,407 @@
+#include "database/contract.h"
+
+#include "text/utf8.h"
+
+namespace vordane::database {
+
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(DatabaseContract);
+
+std::string shown(const Value& value) {
+  if (automation::isNull(value)) return "Null";
+  return text::toUtf8(automation::toText(value));
+}
+
+std::vector<std::string> column(Database& database, std::u16string_view statement, std::u16string_view name) {
+  std::vector<std::string> values;
+  const auto rows = database.openRecordset(statement);
+  for (; !rows->atEnd(); rows->moveNext()) values.push_back(shown(rows->get(name)));
+  return values;
+}
+
+int numberOfError(const std::function<void()>& step) {
+  try {
+    step();
+  } catch (const DatabaseError& error) {
+    return error.number();
+  }
+  return 0;
+}
+
+void addExchange(Database& database, std::u16string_view name, std::u16string_view time) {
+  const auto rows = database.openRecordset(u"Select * FROM PBXList");
+  rows->addNew();
+  rows->set(u"PBXName", std::u16string(name));
+  rows->set(u"TimeStamp", std::u16string(time));
+  rows->update();
+}
+
+void addFault(Database& database, const Fault& fault) {
+  const auto rows = database.openRecordset(u"Select * from FaultDisplay");
+  rows->addNew();
+  rows->set(u"ID", fault.id);
+  rows->set(u"Fault", fault.fault);
+  rows->set(u"Alarm", fault.alarm);
+  rows->set(u"CPU", fault.cpu);
+  rows->set(u"Date", fault.date);
+  rows->set(u"Description", fault.description);
+  rows->update();
+}
+
+std::u16string findSame(const Fault& fault) {
+  return u"Select * FROM FaultDisplay WHERE ID = " + text::fromUtf8(std::to_string(fault.id)) +
+         u" AND Fault = '" + fault.fault + u"' AND CPU = '" + fault.cpu + u"' AND Alarm = '" + fault.alarm +
+         u"' AND Date = '" + fault.date + u"' AND Description = \"" + fault.description + u"\"";
+}
+
+bool isStored(Database& database, const Fault& fault) {
+  return database.openRecordset(findSame(fault))->recordCount() > 0;
+}
+
+namespace {
+
+const std::u16string byName = u"Select * FROM PBXList WHERE PBXName = ";
+std::u16string named(const std::u16string& name) {
+  return byName + u"\"" + name + u"\"";
+}
+
+TEST_P(DatabaseContract, AMissingFileIsNotCreated) {
+  const std::u16string path = under_->make(Layout::faults) + u"-missing";
+  EXPECT_EQ(numberOfError([&] { engine().open(path, false); }), 3024);
+  EXPECT_EQ(numberOfError([&] { engine().open(path, false); }), 3024);
+}
+
+TEST_P(DatabaseContract, AnEmptyTableHasNoRecord) {
+  const auto database = open(Layout::faults);
+  const auto rows = database->openRecordset(u"Select * FROM PBXList");
+  EXPECT_TRUE(rows->atEnd());
+  EXPECT_TRUE(rows->isEmpty());
+  EXPECT_EQ(rows->recordCount(), 0);
+  EXPECT_EQ(numberOfError([&] { rows->get(u"PBXName"); }), 3021);
+  EXPECT_EQ(numberOfError([&] { rows->edit(); }), 3021);
+}
+
+TEST_P(DatabaseContract, AnAddedExchangeIsFoundByName) {
+  const auto database = open(Layout::faults);
+  addExchange(*database, u"PBX-1");
+  const auto rows = database->openRecordset(named(u"PBX-1"));
+  EXPECT_EQ(rows->recordCount(), 1);
+  EXPECT_FALSE(rows->isEmpty());
+  EXPECT_EQ(shown(rows->get(u"ID")), "1");
+  EXPECT_EQ(shown(rows->get(u"PBXName")), "PBX-1");
+  EXPECT_EQ(shown(rows->get(u"TimeStamp")), "2006-11-27 10:15:00");
+  EXPECT_TRUE(rows->isDate(u"TimeStamp"));
+  EXPECT_FALSE(rows->isDate(u"PBXName"));
+  EXPECT_EQ(rows->get(u"MJ"), Value(false));
+  EXPECT_EQ(database->openRecordset(named(u"PBX-2"))->recordCount(), 0);
+}
+
+TEST_P(DatabaseContract, ColumnNamesIgnoreCaseAndUnknownOnesFail) {
+  const auto database = open(Layout::faults);
+  addExchange(*database, u"A");
+  const auto rows = database->openRecordset(u"select * from pbxlist");
+  EXPECT_EQ(shown(rows->get(u"pbxNAME")), "A");
+  EXPECT_EQ(numberOfError([&] { rows->get(u"Nothing"); }), 3265);
+}
+
+TEST_P(DatabaseContract, TheAutoNumberIsKnownWhileTheRowIsAdded) {
+  const auto database = open(Layout::faults);
+  const auto rows = database->openRecordset(u"Select * FROM PBXList");
+  rows->addNew();
+  rows->set(u"PBXName", text(u"A"));
+  const Value id = rows->get(u"ID");
+  rows->update();
+  EXPECT_EQ(shown(database->openRecordset(named(u"A"))->get(u"ID")), shown(id));
+}
+
+TEST_P(DatabaseContract, ANumberIsNeverUsedAgain) {
+  const auto database = open(Layout::faults);
+  addExchange(*database, u"A");
+  addExchange(*database, u"B");
+  database->execute(u"DELETE FROM PBXList WHERE ID = 2");
+  const auto dropped = database->openRecordset(u"Select * FROM PBXList");
+  dropped->addNew();
+  EXPECT_EQ(shown(dropped->get(u"ID")), "3");
+  dropped->close();
+  addExchange(*database, u"C");
+  EXPECT_EQ(column(*database, u"Select * FROM PBXList", u"ID"), (std::vector<std::string>{"1", "4"}));
+}
+
+TEST_P(DatabaseContract, AnAddThatIsClosedLeavesNothing) {
+  const auto database = open(Layout::faults);
+  const auto rows = database->openRecordset(u"Select * FROM PBXList");
+  rows->addNew();
+  rows->set(u"PBXName", text(u"A"));
+  rows->close();
+  EXPECT_EQ(database->openRecordset(u"Select * FROM PBXList")->recordCount(), 0);
+}
+
+TEST_P(DatabaseContract, AnEditChangesWhatItSetAndNothingElse) {
+  const auto database = open(Layout::faults);
+  addExchange(*database, u"A");
+  const auto rows = database->openRecordset(named(u"A"));
+  rows->edit();
+  rows->set(u"MJ", true);
+  rows->set(u"MN", std::int16_t{0});
+  rows->update();
+  EXPECT_EQ(rows->get(u"MJ"), Value(true));
+  const auto again = database->openRecordset(named(u"A"));
+  EXPECT_EQ(again->get(u"MJ"), Value(true));
+  EXPECT_EQ(again->get(u"MN"), Value(false));
+  EXPECT_EQ(shown(again->get(u"TimeStamp")), "2006-11-27 10:15:00");
+}
+
+TEST_P(DatabaseContract, ChangesNeedToBeBegun) {
+  const auto database = open(Layout::faults);
+  addExchange(*database, u"A");
+  const auto rows = database->openRecordset(named(u"A"));
+  EXPECT_EQ(numberOfError([&] { rows->set(u"MJ", true); }), 3020);
+  EXPECT_EQ(numberOfError([&] { rows->update(); }), 3020);
+}
+
+TEST_P(DatabaseContract, AReadOnlyDatabaseRefusesChanges) {
+  addExchange(*open(Layout::faults), u"A");
+  const auto database = engine().open(path_, true);
+  EXPECT_EQ(database->openRecordset(named(u"A"))->recordCount(), 1);
+  EXPECT_EQ(numberOfError([&] { database->openRecordset(u"Select * FROM PBXList")->addNew(); }), 3027);
+  EXPECT_EQ(numberOfError([&] { database->openRecordset(named(u"A"))->edit(); }), 3027);
+  EXPECT_EQ(numberOfError([&] { database->execute(u"DELETE FROM PBXList WHERE ID = 1"); }), 3027);
+}
+
+TEST_P(DatabaseContract, AnIdenticalFaultIsFound) {
+  const auto database = open(Layout::faults);
+  const Fault fault{1, u"01", u"MJ", u"MP   ", u"2006/11/27 10:15", u"Title\r\nLine [1]; it's 5 % -- #1 |"};
+  EXPECT_FALSE(isStored(*database, fault));
+  addFault(*database, fault);
+  EXPECT_TRUE(isStored(*database, fault));
+  for (auto change : std::vector<std::function<void(Fault&)>>{
+           [](Fault& f) { f.id = 2; }, [](Fault& f) { f.fault = u"02"; }, [](Fault& f) { f.alarm = u"MN"; },
+           [](Fault& f) { f.cpu = u"AB 12"; }, [](Fault& f) { f.date = u"2006/11/27 10:16"; },
+           [](Fault& f) { f.description += u"."; }}) {
+    Fault other = fault;
+    change(other);
+    EXPECT_FALSE(isStored(*database, other));
+  }
+}
+
+TEST_P(DatabaseContract, EqualityDropsTrailingBlanksAndCase) {
+  const auto database = open(Layout::faults);
+  addFault(*database, {1, u"0a", u"MJ", u"MP   ", u"2006/11/27 10:15", u"Отказ ШИНЫ É"});
+  EXPECT_TRUE(isStored(*database, {1, u"0A", u"mj", u"MP", u"2006/11/27 10:15  ", u"оТКАЗ шины é   "}));
+  EXPECT_FALSE(isStored(*database, {1, u"0a", u"MJ", u" MP", u"2006/11/27 10:15", u"Отказ ШИНЫ É"}));
+  EXPECT_FALSE(isStored(*database, {1, u"0a", u"MJ", u"MP", u"2006/11/27 10:15", u"Отказ ШИНЫ E"}));
+}
+
+TEST_P(DatabaseContract, NullEqualsNoText) {
+  const auto database = open(Layout::faults);
+  const auto rows = database->openRecordset(u"Select * from FaultDisplay");
+  rows->addNew();
+  rows->set(u"ID", std::int16_t{1});
+  rows->update();
+  EXPECT_FALSE(isStored(*database, {1, u"", u"", u"", u"", u""}));
+  addFault(*database, {1, u"", u"", u"", u"", u""});
+  EXPECT_TRUE(isStored(*database, {1, u" ", u"", u"", u"", u""}));
+  EXPECT_TRUE(automation::isNull(database->openRecordset(u"Select * from FaultDisplay")->get(u"Date")));
+}
+
+TEST_P(DatabaseContract, ExchangesComeNewestFirstAndTiesByNumber) {
+  const auto database = open(Layout::faults);
+  addExchange(*database, u"old", u"2006-01-31 09:00:00");
+  addExchange(*database, u"tie 1", u"2006-11-27 10:15:00");
+  addExchange(*database, u"tie 2", u"2006-11-27 10:15:00");
+  addExchange(*database, u"new", u"2007-01-01 00:00:00");
+  EXPECT_EQ(column(*database, u"SELECT * FROM PBXList Order by [TimeStamp] Desc", u"PBXName"),
+            (std::vector<std::string>{"new", "tie 1", "tie 2", "old"}));
+}
+
+TEST_P(DatabaseContract, AnExchangeIsSelectedByNameAndNumber) {
+  const auto database = open(Layout::faults);
+  addExchange(*database, u"A");
+  EXPECT_EQ(database->openRecordset(u"SELECT * FROM PBXList WHERE PBXName = 'A' AND ID = 1")->recordCount(),
+            1);
+  EXPECT_EQ(database->openRecordset(u"SELECT * FROM PBXList WHERE PBXName = 'A' AND ID = 2")->recordCount(),
+            0);
+  EXPECT_EQ(database->openRecordset(u"SELECT * FROM PBXList WHERE PBXName = 'A' AND ID = -1")->recordCount(),
+            0);
+}
+
+TEST_P(DatabaseContract, HostileNamesAreOnlyNames) {
+  const auto database = open(Layout::faults);
+  addExchange(*database, u"other");
+  for (const std::u16string name : {u"PBXName", u"ID", u"100%", u"a;b", u"-- x", u"[x]", u"#1|2", u"PBX's"}) {
+    addExchange(*database, name);
+    const auto rows = database->openRecordset(named(name));
+    ASSERT_EQ(rows->recordCount(), 1);
+    EXPECT_EQ(rows->get(u"PBXName"), Value(name));
+    rows->moveNext();
+    EXPECT_TRUE(rows->atEnd());
+  }
+}
+
+TEST_P(DatabaseContract, ANameWithItsQuotingCharacterBreaksTheStatement) {
+  const auto database = open(Layout::faults);
+  addExchange(*database, u"A");
+  EXPECT_NE(numberOfError([&] { database->openRecordset(named(u"PBX \"1"))->recordCount(); }), 0);
+  EXPECT_NE(
+      numberOfError([&] {
+        database->openRecordset(u"SELECT * FROM PBXList WHERE PBXName = 'it's' AND ID = 1")->recordCount();
+      }),
+      0);
+}
+
+TEST_P(DatabaseContract, ADoubledQuoteIsOneQuote) {
+  const auto database = open(Layout::faults);
+  addExchange(*database, u"a\"b");
+  addExchange(*database, u"c'd");
+  EXPECT_EQ(database->openRecordset(named(u"a\"\"b"))->recordCount(), 1);
+  EXPECT_EQ(
+      database->openRecordset(u"SELECT * FROM PBXList WHERE PBXName = 'c''d' AND ID = 2")->recordCount(), 1);
+}
+
+TEST_P(DatabaseContract, TextsKeepEveryCharacter) {
+  const auto database = open(Layout::faults);
+  const std::u16string odd = {u'a',   u'\0',  u'b',  0xD800, u'c',   0xDC00,
+                              0xD83D, 0xDE00, u'\r', u'\n',  0x65E5, u'd'};
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"d", odd});
+  EXPECT_EQ(database->openRecordset(u"Select * from FaultDisplay")->get(u"Description"), Value(odd));
+  EXPECT_TRUE(isStored(*database, {1, u"01", u"MJ", u"MP", u"d", odd}));
+  EXPECT_FALSE(isStored(*database, {1, u"01", u"MJ", u"MP", u"d", u"a"}));
+  Fault other{1, u"01", u"MJ", u"MP", u"d", odd};
+  other.description[3] = 0xFFFD;
+  EXPECT_FALSE(isStored(*database, other));
+}
+
+TEST_P(DatabaseContract, DeletingAnExchangeTakesItsFaultsAndNoOthers) {
+  const auto database = open(Layout::faults);
+  addExchange(*database, u"A");
+  addExchange(*database, u"B");
+  for (std::int16_t id : {1, 2, 1, 2, 1}) addFault(*database, {id});
+  database->execute(u"DELETE FROM PBXList WHERE ID = 1");
+  EXPECT_EQ(column(*database, u"Select * from FaultDisplay", u"ID").size(), 5U);
+  database->execute(u"DELETE FROM FaultDisplay WHERE ID = 1");
+  EXPECT_EQ(column(*database, u"Select * from FaultDisplay", u"Count"), (std::vector<std::string>{"2", "4"}));
+  EXPECT_EQ(column(*database, u"Select * FROM PBXList", u"PBXName"), (std::vector<std::string>{"B"}));
+  EXPECT_FALSE(isStored(*database, {1}));
+  addFault(*database, {1});
+  EXPECT_EQ(column(*database, u"Select * from FaultDisplay", u"Count"),
+            (std::vector<std::string>{"2", "4", "6"}));
+}
+
+TEST_P(DatabaseContract, AnExchangeNumberBeyondSixteenBitsIsAnError) {
+  const auto database = open(Layout::faults);
+  const auto rows = database->openRecordset(u"Select * from FaultDisplay");
+  rows->addNew();
+  EXPECT_NE(numberOfError([&] {
+              rows->set(u"ID", std::int32_t{32768});
+              rows->update();
+            }),
+            0);
+}
+
+TEST_P(DatabaseContract, RowsOfAWalkStayThoughTheyAreChangedOnTheWay) {
+  const auto database = open(Layout::faults);
+  for (const char16_t* date : {u"06/11/27", u"95/01/02", u"06/11/28", u"2/1"})
+    addFault(*database, {1, u"01", u"MJ", u"MP", date});
+  const auto rows = database->openRecordset(u"SELECT * FROM FaultDisplay Order by [Date] Desc");
+  std::vector<std::string> met;
+  for (; !rows->atEnd(); rows->moveNext()) {
+    met.push_back(shown(rows->get(u"Date")));
+    rows->edit();
+    rows->set(u"Date", u"20" + automation::toText(rows->get(u"Date")));
+    rows->update();
+  }
+  EXPECT_EQ(met, (std::vector<std::string>{"95/01/02", "2/1", "06/11/28", "06/11/27"}));
+  EXPECT_EQ(column(*database, u"SELECT * FROM FaultDisplay Order by [Date] Desc", u"Date"),
+            (std::vector<std::string>{"2095/01/02", "202/1", "2006/11/28", "2006/11/27"}));
+  EXPECT_TRUE(isStored(*database, {1, u"01", u"MJ", u"MP", u"2006/11/27"}));
+  EXPECT_FALSE(isStored(*database, {1, u"01", u"MJ", u"MP", u"06/11/27"}));
+}
+
+TEST_P(DatabaseContract, ARowListFetchesWhatTheStatementOrders) {
+  const auto database = open(Layout::faults);
+  for (const char16_t* date : {u"2006/01/02", u"2006/01/01", u"2006/01/03", u"2006/01/02"})
+    addFault(*database, {1, u"01", u"MJ", u"MP", date});
+  addFault(*database, {2});
+  const std::u16string_view columns[] = {u"Date", u"Count"};
+  const auto rows = database->openRowList(
+      u"SELECT * FROM FaultDisplay WHERE ID = 1 Order by [Date] Desc, [Count] Desc, [Fault] Desc, [Alarm] "
+      u"Desc, "
+      u"[CPU] Desc, [Description] Desc",
+      columns);
+  ASSERT_EQ(rows->size(), 4U);
+  std::vector<std::string> counts;
+  std::vector<Value> values;
+  for (std::size_t i = 0; i < rows->size(); ++i) {
+    ASSERT_TRUE(rows->fetch(i, values));
+    counts.push_back(shown(values.at(1)));
+  }
+  EXPECT_EQ(counts, (std::vector<std::string>{"3", "4", "1", "2"}));
+  database->execute(u"DELETE FROM FaultDisplay WHERE ID = 1");
+  EXPECT_FALSE(rows->fetch(0, values));
+}
+
+TEST_P(DatabaseContract, ABatchIsSafeAtItsCheckpointAndAtItsEnd) {
+  const auto database = open(Layout::faults);
+  database->beginBatch();
+  addFault(*database, {1});
+  database->checkpoint();
+  EXPECT_TRUE(isStored(*engine().open(path_, true), {1}));
+  addFault(*database, {2});
+  EXPECT_TRUE(isStored(*database, {2}));
+  database->endBatch();
+  EXPECT_TRUE(isStored(*engine().open(path_, true), {2}));
+}
+
+TEST_P(DatabaseContract, MessagesComeBehindTheirNumber) {
+  const auto database = open(Layout::ownLanguage, {{u"tMessages", {2, text(u"two")}},
+                                                   {u"tMessages", {0, text(u"zero")}},
+                                                   {u"tMessages", {1, automation::Null{}}}});
+  const auto rows = database->openRecordset(
+      u"SELECT * FROM tMessages UNION SELECT -1, COUNT(*) FROM tMessages ORDER BY ID");
+  std::vector<std::string> met;
+  for (; !rows->atEnd(); rows->moveNext())
+    met.push_back(shown(rows->get(u"ID")) + "=" + shown(rows->get(u"Caption")));
+  EXPECT_EQ(met, (std::vector<std::string>{"-1=3", "0=zero", "1=Null", "2=two"}));
+}
+
+TEST_P(DatabaseContract, AReservedWordIsAColumn) {
+  const auto database =
+      open(Layout::ownLanguage,
+           {{u"tControls",
+             {text(u"frmMain"), text(u"cmdA"), -1, text(u"007"), text(u"-1"), 8.25, automation::Null{}}}});
+  const auto rows = database->openRecordset(
+      u"select ObjectName,Index,Caption,FontName,FontSize,ToolTipText from tControls where FormName = "
+      u"'FRMMAIN'");
+  ASSERT_EQ(rows->recordCount(), 1);
+  EXPECT_EQ(shown(rows->get(u"Index")), "-1");
+  EXPECT_EQ(shown(rows->get(u"Caption")), "007");
+  EXPECT_EQ(shown(rows->get(u"FontSize")), "8.25");
+  EXPECT_EQ(shown(rows->get(1)), "-1");
+  EXPECT_TRUE(automation::isNull(rows->get(u"ToolTipText")));
+}
+
+TEST_P(DatabaseContract, AJobIsFoundByItsKey) {
+  const auto database =
+      open(Layout::schedule, {{u"Options", {7, 3, true, 2, true, false, 50, text(u"run"), 2}}});
+  const auto rows = database->openRecordset(u"SELECT * FROM Options WHERE Key = 7");
+  ASSERT_FALSE(rows->isEmpty());
+  EXPECT_EQ(shown(rows->get(u"Wait")), "3");
+  EXPECT_EQ(shown(rows->get(u"ErrorStop")), "True");
+  EXPECT_EQ(shown(rows->get(u"Count")), "2");
+  EXPECT_EQ(shown(rows->get(u"Log2")), "False");
+  EXPECT_EQ(shown(rows->get(u"File")), "run");
+  EXPECT_TRUE(database->openRecordset(u"SELECT * FROM Options WHERE Key = 8")->isEmpty());
+  EXPECT_NE(
+      numberOfError([&] { database->openRecordset(u"SELECT * FROM Options WHERE Key = x")->isEmpty(); }), 0);
+  EXPECT_NE(numberOfError([&] { database->openRecordset(u"SELECT * FROM Options WHERE Key = ")->isEmpty(); }),
+            0);
+}
+
+TEST_P(DatabaseContract, AMissingTableIsAnError) {
+  const auto database = open(Layout::schedule);
+  EXPECT_EQ(numberOfError(
+                [&] { database->openRecordset(u"SELECT * FROM Registry WHERE AppName = \"x\"")->isEmpty(); }),
+            3078);
+}
+
+}  // namespace
+}  // namespace vordane::database

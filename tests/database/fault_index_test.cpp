@@ -1,0 +1,290 @@
+// The embedded engine's index of faults: its answers are those of the table, whoever wrote it.
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <random>
+
+#include "database/contract.h"
+#include "database/embedded.h"
+#include "platform/sqlite/text_rules.h"
+#include "text/utf8.h"
+
+namespace vordane::sqlite {
+namespace {
+
+using database::addFault;
+using database::column;
+using database::Fault;
+using database::findSame;
+using database::isStored;
+using database::Layout;
+using database::shown;
+using database::Value;
+
+// Another SQLite program: it knows nothing of this system's functions and comparisons.
+class OtherTool {
+ public:
+  explicit OtherTool(const std::u16string& path) { sqlite3_open(text::toUtf8(path).c_str(), &handle_); }
+  ~OtherTool() { sqlite3_close(handle_); }
+  OtherTool(const OtherTool&) = delete;
+  OtherTool& operator=(const OtherTool&) = delete;
+  // The first value of each row, one in a line; the error text when it fails.
+  std::string run(const char* sql) {
+    std::string out;
+    char* error = nullptr;
+    const auto row = [](void* lines, int, char** values, char**) {
+      static_cast<std::string*>(lines)->append(values[0] ? values[0] : "Null").push_back('\n');
+      return 0;
+    };
+    if (sqlite3_exec(handle_, sql, row, &out, &error) != SQLITE_OK) out = error;
+    sqlite3_free(error);
+    return out;
+  }
+
+ private:
+  sqlite3* handle_ = nullptr;
+};
+
+constexpr const char16_t* columnsOf[5][5] = {{u"Fault", u"Alarm", u"Date", u"Count", u"CPU"},
+                                             {u"Alarm", u"Fault", u"Date", u"Count", u"CPU"},
+                                             {u"Date", u"Count", u"Fault", u"Alarm", u"CPU"},
+                                             {u"CPU", u"Fault", u"Alarm", u"Date", u"Count"},
+                                             {u"Description", u"Fault", u"Alarm", u"Date", u"Count"}};
+constexpr std::u16string_view clauses[5][2] = {
+    {u" Order by [Fault] Asc, [Alarm] Asc, [Date] Asc, [Count] Asc, [CPU] Asc, [Description] Asc",
+     u" Order by [Fault] Desc, [Alarm] Desc, [Date] Desc, [Count] Desc, [CPU] Desc, [Description] Desc"},
+    {u" Order by [Alarm] Asc, [Fault] Asc, [Date] Asc, [Count] Asc, [CPU] Asc, [Description] Asc",
+     u" Order by [Alarm] Desc, [Fault] Desc, [Date] Desc, [Count] Desc, [CPU] Desc, [Description] Desc"},
+    {u" Order by [Date] Asc, [Count] Asc, [Fault] Asc, [Alarm] Asc, [CPU] Asc, [Description] Asc",
+     u" Order by [Date] Desc, [Count] Desc, [Fault] Desc, [Alarm] Desc, [CPU] Desc, [Description] Desc"},
+    {u" Order by [CPU] Asc ,[Fault] Asc, [Alarm] Asc, [Date] Asc, [Count] Asc, [Description] Asc",
+     u" Order by [CPU] Desc ,[Fault] Desc, [Alarm] Desc, [Date] Desc, [Count] Desc, [Description] Desc"},
+    {u" Order by [Description] Asc, [Fault] Asc, [Alarm] Asc, [Date] Asc, [Count] Asc, [CPU] Asc",
+     u" Order by [Description] Desc, [Fault] Desc, [Alarm] Desc, [Date] Desc, [Count] Desc, [CPU] Desc"}};
+
+std::u16string randomText(std::mt19937& random) {
+  constexpr std::u16string_view pieces[] = {u"",
+                                            u"a",
+                                            u"A",
+                                            u"b ",
+                                            u" b",
+                                            u"é",
+                                            u"É",
+                                            u"ж",
+                                            u"Ж",
+                                            u"日",
+                                            u"\uFFFD",
+                                            u"2006/",
+                                            u"\xD83D\xDE00",
+                                            u"\xD800",
+                                            std::u16string_view(u"\0", 1),
+                                            u"_",
+                                            u"z"};
+  std::u16string text;
+  for (unsigned i = random() % 3; i > 0; --i) text += pieces[random() % std::size(pieces)];
+  return text;
+}
+
+int compareValues(const Value& a, const Value& b) {
+  const auto *x = std::get_if<std::u16string>(&a), *y = std::get_if<std::u16string>(&b);
+  if (x && y) return compareTexts(*x, *y);
+  if (x || y) return x ? 1 : -1;
+  if (automation::isNull(a) || automation::isNull(b)) return 0;
+  const auto m = automation::toLong(a), n = automation::toLong(b);
+  return m < n ? -1 : m > n;
+}
+
+class FaultIndexTest : public testing::Test {
+ protected:
+  std::unique_ptr<database::Database> open(bool readOnly = false) {
+    return under_.engine().open(path_, readOnly);
+  }
+  std::vector<std::string> counts(database::Database& database, std::u16string_view clause) {
+    const std::u16string_view count[] = {u"Count"};
+    const auto rows =
+        database.openRowList(u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clause), count);
+    std::vector<std::string> all;
+    std::vector<Value> values;
+    for (std::size_t i = 0; i < rows->size(); ++i)
+      if (rows->fetch(i, values)) all.push_back(shown(values[0]));
+    return all;
+  }
+  std::string newestDate(database::Database& database) {
+    const auto rows = database.openRecordset(u"SELECT * FROM FaultDisplay Order by [Date] Desc");
+    return rows->isEmpty() ? "none" : shown(rows->get(u"Date"));
+  }
+
+  EmbeddedUnderTest under_;
+  std::u16string path_ = under_.make(Layout::faults);
+};
+
+TEST_F(FaultIndexTest, TheTenOrdersAreThoseOfTheRules) {
+  const auto database = open();
+  std::mt19937 random(5);
+  const auto rows = database->openRecordset(u"Select * from FaultDisplay");
+  for (int i = 0; i < 400; ++i) {
+    rows->addNew();
+    rows->set(u"ID", std::int16_t(1 + i % 4 / 3));
+    for (const char16_t* name : {u"Fault", u"Alarm", u"CPU", u"Date", u"Description"})
+      if (random() % 8 != 0) rows->set(name, randomText(random));
+    rows->update();
+  }
+  struct Stored {
+    std::array<Value, 5> values;
+    Value count;
+  };
+  for (int first = 0; first < 5; ++first) {
+    std::vector<Stored> all;
+    for (const auto walk = database->openRecordset(u"Select * from FaultDisplay"); !walk->atEnd();
+         walk->moveNext()) {
+      if (automation::toLong(walk->get(u"ID")) != 1) continue;
+      Stored row;
+      for (int i = 0; i < 5; ++i) row.values[static_cast<std::size_t>(i)] = walk->get(columnsOf[first][i]);
+      row.count = walk->get(u"Count");
+      all.push_back(row);
+    }
+    std::sort(all.begin(), all.end(), [](const Stored& a, const Stored& b) {
+      for (std::size_t i = 0; i < 5; ++i)
+        if (const int order = compareValues(a.values[i], b.values[i])) return order < 0;
+      return false;
+    });
+    std::vector<std::string> wanted;
+    for (const Stored& row : all) wanted.push_back(shown(row.count));
+    ASSERT_EQ(wanted.size(), 300U);
+    EXPECT_EQ(counts(*database, clauses[first][0]), wanted) << first;
+    EXPECT_EQ(
+        column(*database, u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[first][0]),
+               u"Count"),
+        wanted)
+        << first;
+    std::reverse(wanted.begin(), wanted.end());
+    EXPECT_EQ(counts(*database, clauses[first][1]), wanted) << first;
+  }
+}
+
+TEST_F(FaultIndexTest, AnotherToolReadsWritesAndChecksTheFile) {
+  const auto database = open();
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01", u"Шина"});
+  OtherTool other(path_);
+  EXPECT_EQ(other.run("PRAGMA integrity_check"), "ok\n");
+  EXPECT_EQ(other.run("SELECT Count FROM FaultDisplay WHERE Fault = '01' ORDER BY Description, Date"), "1\n");
+  EXPECT_EQ(other.run("INSERT INTO FaultDisplay(ID, Fault, Alarm, CPU, Date, Description) VALUES "
+                      "(1, '02', 'MN', 'MP', '2007/01/01', 'added')"),
+            "");
+  EXPECT_TRUE(isStored(*database, {1, u"02", u"mn", u"MP", u"2007/01/01", u"ADDED"}));
+  EXPECT_EQ(newestDate(*database), "2007/01/01");
+  EXPECT_EQ(counts(*database, clauses[2][1]), (std::vector<std::string>{"2", "1"}));
+  EXPECT_EQ(other.run("UPDATE FaultDisplay SET Date = '2005/01/01' WHERE Count = 2"), "");
+  EXPECT_EQ(newestDate(*database), "2006/01/01");
+  EXPECT_FALSE(isStored(*database, {1, u"02", u"mn", u"MP", u"2007/01/01", u"added"}));
+  EXPECT_EQ(other.run("DELETE FROM FaultDisplay WHERE Count = 1"), "");
+  EXPECT_FALSE(isStored(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01", u"Шина"}));
+  EXPECT_EQ(newestDate(*database), "2005/01/01");
+  EXPECT_EQ(other.run("PRAGMA integrity_check"), "ok\n");
+}
+
+TEST_F(FaultIndexTest, OwnChangesLeaveTheIndexGood) {
+  const auto database = open();
+  addFault(*database, {1});
+  const OtherTool other(path_);
+  EXPECT_EQ(OtherTool(path_).run("SELECT Stale FROM VordaneIndexState"), "0\n");
+  database->execute(u"DELETE FROM FaultDisplay WHERE ID = 1");
+  EXPECT_EQ(OtherTool(path_).run("SELECT Stale FROM VordaneIndexState"), "0\n");
+  EXPECT_EQ(OtherTool(path_).run("SELECT count(*) FROM VordaneFaultIndex"), "0\n");
+}
+
+TEST_F(FaultIndexTest, AReadOnlyFileWithoutIndexGivesTheSameAnswers) {
+  OtherTool other(path_);
+  other.run(
+      "INSERT INTO FaultDisplay(ID, Fault, Alarm, CPU, Date, Description) VALUES "
+      "(1, '01', 'MJ', 'MP', '2006/01/01', 'a'), (1, '01', 'MJ', 'MP', '2006/01/03', 'b'), "
+      "(1, '01', 'MJ', 'MP', '2006/01/02', 'c')");
+  const auto database = open(true);
+  EXPECT_TRUE(isStored(*database, {1, u"01", u"mj", u"MP ", u"2006/01/02", u"C"}));
+  EXPECT_FALSE(isStored(*database, {1, u"01", u"mj", u"MP ", u"2006/01/02", u"D"}));
+  EXPECT_EQ(newestDate(*database), "2006/01/03");
+  EXPECT_EQ(counts(*database, clauses[2][1]), (std::vector<std::string>{"2", "3", "1"}));
+  EXPECT_EQ(other.run("SELECT count(*) FROM sqlite_schema WHERE name LIKE 'Vordane%'"), "0\n");
+}
+
+TEST_F(FaultIndexTest, TheNewestFaultFollowsAdditionsAndDeletions) {
+  const auto database = open();
+  EXPECT_EQ(newestDate(*database), "none");
+  database->beginBatch();
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/02"});
+  EXPECT_EQ(newestDate(*database), "2006/01/02");
+  addFault(*database, {2, u"01", u"MJ", u"MP", u"2006/01/05"});
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/03"});
+  database->endBatch();
+  EXPECT_EQ(newestDate(*open(true)), "2006/01/05");
+  database->execute(u"DELETE FROM FaultDisplay WHERE ID = 2");
+  EXPECT_EQ(newestDate(*database), "2006/01/03");
+  database->execute(u"DELETE FROM FaultDisplay WHERE ID = 1");
+  EXPECT_EQ(newestDate(*database), "none");
+}
+
+TEST_F(FaultIndexTest, ARowListNeedsItsDatabaseNoLonger) {
+  auto database = open();
+  addFault(*database, {1});
+  const std::u16string_view count[] = {u"Count"};
+  const auto rows = database->openRowList(
+      u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[0][0]), count);
+  const auto recordset = database->openRecordset(u"Select * from FaultDisplay");
+  database.reset();
+  std::vector<Value> values;
+  EXPECT_TRUE(rows->fetch(0, values));
+  EXPECT_EQ(recordset->recordCount(), 1);
+}
+
+TEST_F(FaultIndexTest, ManyFaultsOfOneMinuteAreFoundAndOrdered) {
+  const auto database = open();
+  database->beginBatch();
+  for (int i = 0; i < 2000; ++i)
+    addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01 10:00", text::fromUtf8(std::to_string(i))});
+  database->endBatch();
+  EXPECT_TRUE(isStored(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01 10:00", u"1999"}));
+  const auto order = counts(*database, clauses[2][0]);
+  ASSERT_EQ(order.size(), 2000U);
+  for (std::size_t i = 0; i < order.size(); ++i) ASSERT_EQ(order[i], std::to_string(i + 1));
+}
+
+TEST(TextRules, OrderGoesByCodePointOfTheFoldedText) {
+  EXPECT_EQ(compareTexts(u"ABC  ", u"abc"), 0);
+  EXPECT_LT(compareTexts(u"a", u"b"), 0);
+  EXPECT_LT(compareTexts(u"\uFFFD", u"\xD83D\xDE00"), 0);  // a pair stands behind the whole plane
+  EXPECT_LT(compareTexts(u"\xD800", u"\uE000"), 0);
+  EXPECT_LT(compareTexts(u"_", u"Z"), 0);  // 'z' is what 'Z' counts as
+  EXPECT_FALSE(equalTexts(u"ａ", u"a"));
+  EXPECT_FALSE(equalTexts(u" a", u"a"));
+}
+
+TEST(TextRules, TheKeysOrderAsTheTextsDo) {
+  std::mt19937 random(9);
+  for (int i = 0; i < 20000; ++i) {
+    const std::u16string a = randomText(random), b = randomText(random);
+    std::string x, y;
+    appendSortKey(a, x);
+    appendSortKey(b, y);
+    const int order = compareTexts(a, b);
+    ASSERT_EQ(order < 0, x < y);
+    ASSERT_EQ(order == 0, x == y);
+    ASSERT_EQ(order == 0, equalTexts(a, b));
+  }
+}
+
+// The hash is part of the files: it is the same on every system.
+TEST(TextRules, TheHashIsFixed) {
+  FoldedHash hash;
+  hash.addText(u"Fault LINE 0A  ");
+  hash.addNull();
+  hash.addText(u"");
+  FoldedHash same;
+  same.addText(u"fault line 0a");
+  same.addNull();
+  same.addText(u" ");
+  EXPECT_EQ(hash.value(), same.value());
+  EXPECT_EQ(hash.value(), INT64_C(1967629999871058178));
+}
+
+}  // namespace
+}  // namespace vordane::sqlite

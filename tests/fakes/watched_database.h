@@ -1,0 +1,100 @@
+// A database in front of another: remembers each statement and each call of a batch, and fails where it is
+// told to, as a full disk or a foreign lock does.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/database.h"
+
+namespace vordane::fakes {
+
+class WatchedDatabase : public database::Database {
+ public:
+  explicit WatchedDatabase(std::unique_ptr<database::Database> inner) : inner_(std::move(inner)) {}
+
+  // Called with every statement, and with "update" and "endBatch"; what it throws reaches the caller.
+  std::function<void(std::u16string_view step)> before = [](std::u16string_view) {};
+  std::vector<std::u16string> statements;
+  int batchDepth = 0, batches = 0, recordsetsOpen = 0;
+  std::function<void()> progress;
+
+  std::unique_ptr<database::Recordset> openRecordset(std::u16string_view statement) override {
+    note(statement);
+    return std::make_unique<Watched>(*this, inner_->openRecordset(statement));
+  }
+  std::unique_ptr<database::RowList> openRowList(std::u16string_view statement,
+                                                 std::span<const std::u16string_view> columns) override {
+    note(statement);
+    return inner_->openRowList(statement, columns);
+  }
+  void execute(std::u16string_view statement) override {
+    note(statement);
+    inner_->execute(statement);
+  }
+  void beginBatch() override {
+    inner_->beginBatch();
+    ++batchDepth;
+    ++batches;
+  }
+  void checkpoint() override { inner_->checkpoint(); }
+  void endBatch() override {
+    --batchDepth;
+    inner_->endBatch();
+    ask(u"endBatch");
+  }
+  void setProgress(std::function<void()> callback) override {
+    progress = callback;
+    inner_->setProgress(std::move(callback));
+  }
+  database::Database& inner() { return *inner_; }
+
+ private:
+  class Watched : public database::Recordset {
+   public:
+    Watched(WatchedDatabase& owner, std::unique_ptr<database::Recordset> inner)
+        : owner_(owner), inner_(std::move(inner)) {
+      ++owner_.recordsetsOpen;
+    }
+    ~Watched() override { --owner_.recordsetsOpen; }
+    bool atEnd() override { return inner_->atEnd(); }
+    bool isEmpty() override { return inner_->isEmpty(); }
+    std::int32_t recordCount() override { return inner_->recordCount(); }
+    void moveFirst() override { inner_->moveFirst(); }
+    void moveNext() override { inner_->moveNext(); }
+    database::Value get(std::u16string_view column) override { return inner_->get(column); }
+    database::Value get(std::size_t column) override { return inner_->get(column); }
+    bool isDate(std::u16string_view column) override { return inner_->isDate(column); }
+    void set(std::u16string_view column, const database::Value& value) override {
+      inner_->set(column, value);
+    }
+    void addNew() override { inner_->addNew(); }
+    void edit() override { inner_->edit(); }
+    void update() override {
+      owner_.ask(u"update");
+      inner_->update();
+    }
+    void close() override { inner_->close(); }
+
+   private:
+    WatchedDatabase& owner_;
+    std::unique_ptr<database::Recordset> inner_;
+  };
+
+  // A hook may replace itself while it runs.
+  void ask(std::u16string_view step) {
+    const auto hook = before;
+    hook(step);
+  }
+  void note(std::u16string_view statement) {
+    statements.emplace_back(statement);
+    ask(statement);
+  }
+
+  std::unique_ptr<database::Database> inner_;
+};
+
+}  // namespace vordane::fakes

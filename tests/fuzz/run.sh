@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# Runs one fuzz target: run.sh NAME PROGRAM SECONDS [CORPUS-FOLDER]. It starts from the recorded examples;
+# with a corpus folder it also keeps what it finds there, for a long run. An input that breaks the target
+# is written beside the program and named in the output.
+set -euo pipefail
+name=$1 program=$2 seconds=$3
+data=$(cd "$(dirname "$0")/../data" && pwd)
+[ -x "$program" ] || { echo "$program was not built"; exit 1; }
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+mkdir "$work/seeds"
+corpus=${4:-$work/corpus}
+mkdir -p "$corpus"
+
+# One file for each example.
+case $name in
+  decoder)
+    grep -v '^#' "$data/faults/golden.tsv" | cut -f 3-5 | awk -v to="$work/seeds/" '{ printf "\377\377%s", $0 > (to NR) }' ;;
+  responses)
+    n=0
+    for text in 'DIGIT ERROR' 'OK' 'COMMAND:OK' 'ZUL_STN' 'ZUL_STN_STATION' 'DATA NOT FOUND' 'X: OK' ':'; do
+      printf '%s' "$text" > "$work/seeds/$((n += 1))"
+    done ;;
+  escapes)
+    n=0
+    for text in 'Cannot open&%SP&%ST&.&%CR&Retry\tFAULT.MDB' 'A & B' '%AND&%SP4&-1&x' '%ST&%ST\tab%cd%ef' '&&' '%ST\t%%'; do
+      printf "${text//\%/%%}" > "$work/seeds/$((n += 1))"
+    done ;;
+esac
+
+"$program" -max_total_time="$seconds" -max_len=512 -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
+  -artifact_prefix="$(dirname "$program")/$name-" "$corpus" "$work/seeds" > "$work/log" 2>&1 || {
+  tail -n 60 "$work/log"
+  exit 1
+}
+tail -n 8 "$work/log"

@@ -1,0 +1,2 @@
+// Carries the precompiled headers of all test programs; CMake needs a source for them.
+#include <gtest/gtest.h>

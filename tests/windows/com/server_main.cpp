@@ -1,0 +1,104 @@
+// The server program of the tests: serves the probe and the bag, as VORDANE.EXE serves its classes. What it
+// was told at the end is written to the file that stands in the registry value Software\VordaneProbe, Log.
+#include <windows.h>
+
+#include <memory>
+
+#include "platform/command_line.h"
+#include "platform/windows/com/class_server.h"
+#include "platform/windows/com/registrar.h"
+#include "platform/windows/services/services.h"
+#include "probe.h"
+
+namespace vordane::test {
+namespace {
+
+std::u16string wide(std::string_view text) {
+  return {text.begin(), text.end()};
+}
+
+registration::Server description() {
+  registration::Server server{windows::executablePath(), {}, {}};
+  const automation::LibraryTable& library = probeLibrary();
+  for (const automation::ClassTable* table : library.classes)
+    server.classes.push_back({std::u16string(table->progId), wide(table->clsid),
+                              std::u16string(table->description), u"_" + std::u16string(table->name),
+                              wide(table->iid)});
+  server.library = {wide(library.libid), wide(library.version), std::u16string(library.description)};
+  return server;
+}
+
+// Like the add-in's layer: the last probe's release says good-bye to its host and ends the process.
+class Layers {
+ public:
+  explicit Layers(com::ClassServer& server) : server_(server) {}
+
+  automation::ObjectRef create() {
+    ++count_;
+    auto probe = std::make_shared<Probe>(&server_, nullptr);
+    return automation::ObjectRef(new Holder(probe, *this), [](automation::Object* object) { delete object; });
+  }
+
+ private:
+  // Ends with the outside world's last hold; the probe inside still has its host then.
+  class Holder : public automation::TableObject {
+   public:
+    Holder(std::shared_ptr<Probe> probe, Layers& layers) : probe_(std::move(probe)), layers_(layers) {}
+    ~Holder() override { layers_.released(*probe_); }
+    const automation::ClassTable& table() const override { return probeTable(); }
+
+   protected:
+    automation::Value invokeMember(std::size_t member, automation::CallKind kind,
+                                   std::span<automation::Argument> arguments) override {
+      if (static_cast<ProbeMember>(member) == ProbeMember::isSame)
+        return automation::toObject(arguments[0].value).get() == this;
+      if (static_cast<ProbeMember>(member) == ProbeMember::watch) {
+        probe_->host = automation::toObject(arguments[0].value);
+        layers_.server_.watchHost(*this, probe_->host);
+        return {};
+      }
+      return static_cast<automation::TableObject&>(*probe_).invoke(member, kind, arguments);
+    }
+
+   private:
+    std::shared_ptr<Probe> probe_;
+    Layers& layers_;
+  };
+
+  void released(Probe& probe) {
+    if (--count_ > 0) return;
+    server_.stopServing();
+    if (probe.host) {
+      try {
+        automation::call(*probe.host, u"GoodBye", {automation::byVal(probe.text)});
+      } catch (const automation::AutomationError&) {
+      }
+    }
+    probe.host = nullptr;
+    server_.end();
+  }
+
+  com::ClassServer& server_;
+  int count_ = 0;
+};
+
+int run() {
+  const platform::CommandLine line =
+      platform::parseCommandLine(platform::withoutProgramName(com::fromWide(GetCommandLineW())));
+  if (line.start == platform::Start::registerServer) return com::registerServer(description());
+  if (line.start == platform::Start::unregisterServer) return com::unregisterServer(description());
+  com::Apartment apartment;
+  com::ClassServer server(apartment);
+  Layers layers(server);
+  server.serve({{std::string(probeTable().clsid), [&] { return layers.create(); }, true},
+                {std::string(bagTable().clsid), [] { return automation::ObjectRef(std::make_shared<Bag>()); },
+                 false}});
+  return com::runMessageLoop();
+}
+
+}  // namespace
+}  // namespace vordane::test
+
+int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
+  return vordane::test::run();
+}

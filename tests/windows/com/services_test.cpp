@@ -1,0 +1,93 @@
+// The workstation's services on the workstation itself.
+#include <gtest/gtest.h>
+
+#include "platform/windows/com/owned.h"
+#include "platform/windows/services/services.h"
+
+namespace vordane::windows {
+namespace {
+
+constexpr const wchar_t* section = L"Software\\VB and VBA Program Settings\\VORDANETEST\\30000";
+
+void writeValue(const wchar_t* name, DWORD type, const void* data, DWORD bytes) {
+  com::RegistryKey key;
+  RegCreateKeyExW(HKEY_CURRENT_USER, section, 0, nullptr, 0, KEY_WRITE, nullptr, key.put(), nullptr);
+  RegSetValueExW(key.get(), name, 0, type, static_cast<const BYTE*>(data), bytes);
+}
+
+TEST(RegistrySettings, ReadsWhatTheSuiteWrote) {
+  writeValue(L"InstallPath", REG_SZ, L"C:\\Q\\", 12);
+  EXPECT_EQ(RegistrySettings().read(u"VORDANETEST", u"30000", u"InstallPath"), u"C:\\Q\\");
+  EXPECT_EQ(RegistrySettings().read(u"vordanetest", u"30000", u"installpath"), u"C:\\Q\\");
+}
+
+TEST(RegistrySettings, TakesTextsOnly) {
+  const DWORD number = 30001;
+  writeValue(L"ZUL", REG_DWORD, &number, sizeof number);
+  writeValue(L"Expanded", REG_EXPAND_SZ, L"x", 4);
+  EXPECT_EQ(RegistrySettings().read(u"VORDANETEST", u"30000", u"ZUL"), std::nullopt);
+  EXPECT_EQ(RegistrySettings().read(u"VORDANETEST", u"30000", u"Expanded"), std::nullopt);
+  EXPECT_EQ(RegistrySettings().read(u"VORDANETEST", u"30000", u"Nothing"), std::nullopt);
+  EXPECT_EQ(RegistrySettings().read(u"NOBODY", u"30000", u"ZUL"), std::nullopt);
+}
+
+TEST(RegistrySettings, AnEmptyTextCountsAsFound) {
+  writeValue(L"Empty", REG_SZ, L"", 2);
+  EXPECT_EQ(RegistrySettings().read(u"VORDANETEST", u"30000", u"Empty"), u"");
+  writeValue(L"Bare", REG_SZ, L"ab", 4);  // written without its closing zero
+  EXPECT_EQ(RegistrySettings().read(u"VORDANETEST", u"30000", u"Bare"), u"ab");
+}
+
+TEST(RegistrySettings, ReadsBackWhatItWrote) {
+  RegistrySettings().write(u"VORDANETEST", u"Window", u"Columns", u"\u65E5 1,2");
+  EXPECT_EQ(RegistrySettings().read(u"VORDANETEST", u"Window", u"Columns"), u"\u65E5 1,2");
+}
+
+TEST(SystemClock, GivesTheRegionalShortForms) {
+  SystemClock clock;
+  const std::u16string text = clock.regional({2004, 3, 9, 17, 5, 8});
+  EXPECT_NE(text.find(u"2004"), std::u16string::npos);
+  EXPECT_NE(text.find(u":05:08"), std::u16string::npos);
+  EXPECT_GE(clock.secondsSinceMidnight(), 0.0);
+  EXPECT_LT(clock.secondsSinceMidnight(), 86400.0);
+}
+
+TEST(SystemFiles, AppendsAndMeasures) {
+  SystemFiles files;
+  const std::u16string path = u"vordane-services-test.tmp";
+  DeleteFileW(com::wide(path.c_str()));
+  EXPECT_FALSE(files.exists(path));
+  EXPECT_EQ(files.length(path), std::nullopt);
+  EXPECT_TRUE(files.append(path, "abc"));
+  EXPECT_TRUE(files.append(path, "de\r\n"));
+  EXPECT_EQ(files.length(path), 7);
+  EXPECT_TRUE(files.exists(path));
+  EXPECT_FALSE(files.directoryExists(path));
+  EXPECT_TRUE(files.directoryExists(u"."));
+  EXPECT_FALSE(files.append(u"no\\such\\folder\\file", "x"));
+  EXPECT_FALSE(files.exists(u""));
+  DeleteFileW(com::wide(path.c_str()));
+}
+
+TEST(Program, KnowsItsOwnPlace) {
+  const platform::Program program = thisProgram();
+  EXPECT_EQ(executablePath(), program.directory + u"\\com_tests.exe");
+  EXPECT_FALSE(program.startedByAutomation);
+  EXPECT_TRUE(program.interactive);
+}
+
+TEST(ObjectCreator, SaysWhatIsMissing) {
+  try {
+    ComObjectCreator().create(u"CalderinProj99999.cPBXOle");
+    FAIL();
+  } catch (const automation::AutomationError& failure) {
+    EXPECT_EQ(failure.code(), CO_E_CLASSSTRING);
+  }
+}
+
+TEST(OpenDocument, SaysWhenThereIsNone) {
+  EXPECT_FALSE(openDocument(u"C:\\no\\such\\help.hlp"));
+}
+
+}  // namespace
+}  // namespace vordane::windows
