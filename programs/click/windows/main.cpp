@@ -1,38 +1,31 @@
 // Finds a control of the running fault display from outside: `click [--wait SECONDS] [--press] CONTROL`
 // prints the middle of the control on the screen as "x y" (pixels), and presses it with the mouse when asked.
-// The window says which control a child is by the window property "Vordane.Control" (an atom of its name).
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cwchar>
 #include <string>
 
+#include "platform/windows/window/children.h"
+
 namespace {
 
-constexpr wchar_t frameClass[] = L"VordaneFaultDisplay";
-constexpr wchar_t controlProperty[] = L"Vordane.Control";
+using vordane::window::win32::Child;
+using vordane::window::win32::children;
 
-struct Search {
-  const wchar_t* name;
-  HWND found;
-};
-
-BOOL CALLBACK matchChild(HWND child, LPARAM parameter) {
-  auto& search = *reinterpret_cast<Search*>(parameter);
-  const auto atom = static_cast<ATOM>(reinterpret_cast<ULONG_PTR>(GetPropW(child, controlProperty)));
-  wchar_t name[256];
-  if (atom == 0 || GlobalGetAtomNameW(atom, name, 256) == 0 || _wcsicmp(name, search.name) != 0) return TRUE;
-  search.found = child;
-  return FALSE;
+bool isNamed(const Child& child, const wchar_t* name) {
+  const std::wstring own(child.control.begin(), child.control.end());
+  return _wcsicmp(own.c_str(), name) == 0;
 }
 
 HWND findControl(const wchar_t* name) {
-  const HWND frame = FindWindowW(frameClass, nullptr);
+  const HWND frame = FindWindowW(vordane::window::win32::windowClassName, nullptr);
   if (frame == nullptr || !IsWindowVisible(frame)) return nullptr;
-  Search search{name, nullptr};
-  EnumChildWindows(frame, matchChild, reinterpret_cast<LPARAM>(&search));
-  return search.found;
+  const auto* child = std::find_if(std::begin(children), std::end(children),
+                                   [&](const Child& entry) { return isNamed(entry, name); });
+  return child == std::end(children) ? nullptr : GetDlgItem(frame, child->id);
 }
 
 void press(POINT point) {
