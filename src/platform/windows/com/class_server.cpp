@@ -72,6 +72,7 @@ class ClassServer::Impl {
   platform::ServerLife life_;
   bool serving_ = false;
   bool ending_ = false;
+  std::shared_ptr<Impl*> self_ = std::make_shared<Impl*>(this);
 };
 
 // One class's factory. COM keeps it as long as it is registered; a client may keep it longer.
@@ -186,7 +187,11 @@ ComPtr<IDispatch> ClassServer::Impl::create(const ServedClass& entry) {
   automation::ObjectRef object = entry.create();
   const automation::Object* name = object.get();
   life_.created(endsItself);
-  return exportObject(object, LifeToken(nullptr, [this, name](void*) { released(name); }));
+  // A client may keep an object longer than this server lives: COM lets go of it when the apartment ends.
+  const std::weak_ptr<Impl*> server = self_;
+  return exportObject(object, LifeToken(this, [server, name](void*) {
+                        if (const auto alive = server.lock()) (*alive)->released(name);
+                      }));
 }
 
 void ClassServer::Impl::lock(bool on) {
