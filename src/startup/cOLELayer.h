@@ -45,10 +45,4 @@ class cOLELayer final : public automation::TableObject {
   bool counted_ = false;
 };
 
-namespace startup {
-
-// The type library "Vordane10013": the three public classes.
-const automation::LibraryTable& libraryTable();
-
-}  // namespace startup
 }  // namespace vordane
