@@ -8,6 +8,7 @@
 #include "console.h"
 #include "faults/cFaultDisplay.h"
 #include "lines.h"
+#include "platform/sqlite/engine.h"
 #include "text/utf8.h"
 #include "text_sources.h"
 
@@ -52,6 +53,7 @@ Options parse(const Arguments& arguments) {
 }
 
 void readTexts(const Options& options, FaultTextTable& texts) {
+  if (!options.language.empty()) return readLanguage(*sqlite::makeEngine(), options.language, texts);
   readMessages(options.messages, texts);
   if (!options.lists.empty()) readLists(options.lists, texts);
 }
@@ -72,7 +74,8 @@ struct Record {
 
 class Decode {
  public:
-  Decode(const FaultTextTable& texts, const bool& wide, std::string& out) : decoder_(texts, wide), out_(out) {}
+  Decode(const FaultTextTable& texts, const bool& wide, std::string& out)
+      : decoder_(texts, wide), out_(out) {}
 
   void plain(const Record& record) {
     decoder_.GetFaultMessage(record.record, record.first, record.second, message_);

@@ -2,6 +2,7 @@
 #include <vector>
 
 #include "commands.h"
+#include "language_build.h"
 #include "language_check.h"
 #include "language_source.h"
 
@@ -29,11 +30,24 @@ int usage() {
   return 2;
 }
 
+int build(Arguments arguments) {
+  const bool common = arguments.front() == "--common";
+  if (common) arguments.erase(arguments.begin());
+  if (arguments.size() != 2) return usage();
+  Problems problems;
+  const LanguageSource source = readLanguage(toPath(arguments[0]), problems);
+  checkLanguage(source, problems);
+  if (!problems.empty()) return report(problems);
+  (common ? buildCommonLanguage : buildOwnLanguage)(source, toPath(arguments[1]));
+  return 0;
+}
+
 }  // namespace
 
 int language(const Arguments& arguments) {
   if (arguments.size() < 2) return usage();
   if (arguments[0] == "check") return check({arguments.begin() + 1, arguments.end()});
+  if (arguments[0] == "build") return build({arguments.begin() + 1, arguments.end()});
   return usage();
 }
 

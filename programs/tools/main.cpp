@@ -14,6 +14,8 @@ constexpr Command commands[] = {
      "decode (--language FILE | --messages FILE [--lists FILE]) [--narrow] [--explain] < records.tsv",
      decode},
     {"language", "language check FOLDER ... | language build [--common] FOLDER OUT.LNG", language},
+    {"import", "import SUITE_DIR", import},
+    {"suite", "suite DIR [--language en] [--source data]", suite},
 };
 
 int usage(std::ostream& out) {

@@ -6,7 +6,10 @@
 #include <string_view>
 
 #include "console.h"
+#include "language/comLanguage.h"
 #include "lines.h"
+#include "platform/automation.h"
+#include "platform/engine_choice.h"
 #include "text/numbers.h"
 #include "text/utf8.h"
 
@@ -68,6 +71,41 @@ void readLists(const std::string& path, FaultTextTable& texts) {
     std::vector<std::u16string> list(static_cast<std::size_t>(items.rbegin()->first) + 1);
     for (auto& [index, item] : items) list[static_cast<std::size_t>(index)] = std::move(item);
     texts.setList(kind, std::move(list));
+  }
+}
+
+namespace {
+
+// A Null text is the empty text.
+std::u16string textOf(const database::Value& value) {
+  return automation::isNull(value) ? std::u16string{} : automation::toText(value);
+}
+
+// An item's place in its list is its place in this order.
+void readWindowLists(database::Database& database, FaultTextTable& texts) {
+  const auto rows = database.openRecordset(
+      u"select ObjectName,Index,List,ItemData,Visible from tComboBoxDT where FormName = 'dlgFaultDisplay'"
+      u" ORDER BY ListIndex");
+  for (; !rows->atEnd(); rows->moveNext())
+    if (const auto kind = listKind(textOf(rows->get(u"ObjectName"))))
+      texts.addItem(*kind, textOf(rows->get(u"List")));
+  rows->close();
+}
+
+}  // namespace
+
+void readLanguage(database::Engine& engine, const std::string& path, FaultTextTable& texts) {
+  if (database::fileKind(text::fromUtf8(path)) == database::FileKind::access)
+    throw ToolError(path + ": is an Access file and has to be imported first");
+  try {
+    const auto database = engine.open(text::fromUtf8(path), true);
+    std::vector<std::u16string> messages;
+    if (!comLanguage::LoadTextArray(messages, u"tMessages", *database))
+      throw ToolError(path + ": its messages can't be read (table tMessages)");
+    texts.setMessages(messages);
+    readWindowLists(*database, texts);
+  } catch (const database::DatabaseError& error) {
+    throw ToolError(path + ": " + text::toUtf8(error.description()));
   }
 }
 

@@ -88,7 +88,7 @@ class Engine {
  public:
   virtual ~Engine() = default;
   // Opens an existing file, never creates one. Throws DatabaseError: 3024 when there is no such file, 3051
-  // when it is asked for writing and can't be written (whoever only reads then asks again read-only), 3045
+  // when it is asked for writing and can't be written (whoever only reads then asks again read-only), 3260
   // when others keep it locked for about 5 s, 3343 when it is no database, 3049 when it is damaged.
   virtual std::unique_ptr<Database> open(std::u16string_view path, bool readOnly) = 0;
 };

@@ -46,6 +46,7 @@ enum class ViewText {
   lookUpNext,      // the button that goes to the next fault holding the text; with its access key
   lookUpClose,     // tool tip of the button that closes the look-up bar
   lookUpNotFound,  // no shown fault holds the text
+  lookUpWrapped,   // the search went on from the first row
   copyFault,       // context menu of the grid; with its access key
   selectedFault,   // the name of the pane below the grid, for screen readers
   noSelection,     // what the pane below says while no fault is selected

@@ -101,5 +101,29 @@ TEST(Statements, EverythingElseIsASyntaxError) {
     EXPECT_FALSE(runs(statement)) << testing::PrintToString(std::u16string(statement));
 }
 
+TEST(Statements, AKnownSkeletonIsTakenForTheSameOnlyWhenItIs) {
+  const std::u16string first = u"SELECT * FROM PBXList WHERE PBXName = 'a' AND ID = 1";
+  Lifted lifted;
+  lift(first, lifted);
+  const Skeleton skeleton(first, lifted);
+  std::vector<Literal> literals;
+  ASSERT_TRUE(
+      skeleton.match(u"SELECT * FROM PBXList WHERE PBXName = 'PBX \"2\"; --' AND ID = -17", literals));
+  EXPECT_EQ(literals[0].text, u"PBX \"2\"; --");
+  EXPECT_EQ(literals[1].number, -17);
+  ASSERT_TRUE(skeleton.match(u"SELECT * FROM PBXList WHERE PBXName = '' AND ID = 0", literals));
+  for (const char16_t* other :
+       {u"SELECT * FROM PBXList WHERE PBXName = 'it''s' AND ID = 1",
+        u"SELECT * FROM PBXList WHERE PBXName = 'it's' AND ID = 1",
+        u"SELECT * FROM PBXList WHERE PBXName = 'a' AND ID = ",
+        u"SELECT * FROM PBXList WHERE PBXName = 'a' AND ID = -",
+        u"SELECT * FROM PBXList WHERE PBXName = 'a' AND ID = 1x",
+        u"SELECT * FROM PBXList WHERE PBXName = 'a' AND ID = 1.5",
+        u"SELECT * FROM PBXList WHERE PBXName = 'a",
+        u"SELECT * FROM PBXList WHERE PBXName = 'a' AND ID = 1 OR ID = 2",
+        u"SELECT * FROM PBXList WHERE PBXName = 'a' OR 'x' AND ID = 1", u"SELECT * FROM PBXList", u""})
+    EXPECT_FALSE(skeleton.match(other, literals)) << testing::PrintToString(std::u16string(other));
+}
+
 }  // namespace
 }  // namespace vordane::sqlite::jet

@@ -6,8 +6,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "devhost/core/files.h"
 #include "devhost/fakes.h"
+#include "zulsim/core/files.h"
 
 namespace vordane::devhost {
 namespace {
@@ -33,7 +33,7 @@ class ReportTest : public testing::Test {
   }
   ~ReportTest() override { std::filesystem::remove_all(directory_); }
 
-  void layout(std::string_view text) { writeFile(layoutFile(), text); }
+  void layout(std::string_view text) { files::writeFile(layoutFile(), text); }
   std::u16string layoutFile() const { return (directory_ / "FAULT.RPT").u16string(); }
 
   ReportRequest request(std::u16string name, std::u16string sign = u"-") const {
@@ -47,7 +47,7 @@ class ReportTest : public testing::Test {
     return printReport(engine_, wanted, {{}, u"2006-11-27 10:15"});
   }
   std::string page(const PrintedReport& report) {
-    return readFile(report.file).value_or("(no file: " + text::toUtf8(report.reason) + ")");
+    return files::readFile(report.file).value_or("(no file: " + text::toUtf8(report.reason) + ")");
   }
 
   std::filesystem::path directory_ =
@@ -109,8 +109,8 @@ TEST_F(ReportTest, AReportThatCannotBeWrittenIsNoReport) {
 }
 
 TEST_F(ReportTest, TheShippedLayoutHoldsEverything) {
-  const auto shipped =
-      readFile((std::filesystem::path(VORDANE_SOURCE_DIR) / "data" / "report" / "FAULT.RPT").u16string());
+  const auto shipped = files::readFile(
+      (std::filesystem::path(VORDANE_SOURCE_DIR) / "data" / "report" / "FAULT.RPT").u16string());
   ASSERT_TRUE(shipped);
   layout(*shipped);
   const std::string text = page(print(request(u"PBX-1")));

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <utility>
@@ -46,18 +47,16 @@ class MemoryStoreForm : public store::StoreForm {
   }
   automation::Object* parent() override { return host.get(); }
   std::u16string installPath(std::u16string_view item) override {
-    return u"C:\\SUITE\\ADDINS\\" + std::u16string(item) + u"\\";
+    return joined({u"C:\\SUITE\\ADDINS\\", item, u"\\"});
   }
   void hostMessage(std::u16string_view text) override {
-    if (!shared.StandAlone) note(u"ShowMessage " + std::u16string(text));
+    if (!shared.StandAlone) note(joined({u"ShowMessage ", text}));
   }
   void hostCode(std::int32_t code) override {
-    if (!shared.StandAlone) note(u"ShowCode " + text::decimal(code));
+    if (!shared.StandAlone) note(joined({u"ShowCode ", text::decimal(code)}));
   }
   int showBox(std::int16_t number, std::u16string_view substitution) override {
-    std::u16string line = u"Box " + text::decimal(number);
-    if (!substitution.empty()) line.append(u" ").append(substitution);
-    note(line);
+    note(joined({u"Box ", text::decimal(number), substitution.empty() ? u"" : u" ", substitution}));
     return boxAnswer;
   }
   bool alive() override { return living; }
@@ -66,9 +65,9 @@ class MemoryStoreForm : public store::StoreForm {
   const cListRequest& response() override { return answer; }
   bool responseTruncated() override { return truncated; }
   void listTaken(const store::ListAccount& account) override {
-    note(u"Account " + text::decimal(account.received) + u"=" + text::decimal(account.added) + u"+" +
-         text::decimal(account.alreadyStored) + u"+" + text::decimal(account.refused()) +
-         (account.complete() ? u"" : u" incomplete"));
+    note(joined({u"Account ", text::decimal(account.received), u"=", text::decimal(account.added), u"+",
+                 text::decimal(account.alreadyStored), u"+", text::decimal(account.refused()),
+                 account.complete() ? u"" : u" incomplete"}));
   }
   bool AcknowledgeFaultList() override {
     note(u"Acknowledge");
@@ -102,6 +101,11 @@ class MemoryStoreForm : public store::StoreForm {
   std::vector<std::string> trace;
 
  private:
+  static std::u16string joined(std::initializer_list<std::u16string_view> parts) {
+    std::u16string result;
+    for (const auto part : parts) result.append(part);
+    return result;
+  }
   void note(std::u16string_view line) {
     trace.push_back(text::toUtf8(line));
     meanwhile(trace.back());
@@ -110,7 +114,7 @@ class MemoryStoreForm : public store::StoreForm {
   void fillMessages() {
     shared.Messages.resize(message::count);
     for (std::size_t i = 0; i < message::count; ++i)
-      shared.Messages[i] = u"M" + text::decimal(static_cast<std::int64_t>(i));
+      shared.Messages[i] = joined({u"M", text::decimal(static_cast<std::int64_t>(i))});
     const std::pair<std::size_t, std::u16string_view> own[] = {
         {3, u"not open"},
         {4, u"nothing new"},

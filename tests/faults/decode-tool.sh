@@ -1,7 +1,8 @@
 #!/bin/bash
-# vordane-tools decode, byte for byte. Arguments: this folder, then the program and what it is started with.
+# vordane-tools decode, byte for byte. Arguments: the program that makes databases, then vordane-tools and
+# what it is started with.
 set -u
-here=$1
+make_database=$1
 shift
 tool=("$@")
 work=$(mktemp -d)
@@ -98,6 +99,37 @@ printf 'cboFK01\t-1\ta\n' > "$work/bad.tsv"
 refuse 'a negative place' 1 "$work/bad.tsv:1: -1 is no number" --messages "$work/messages.tsv" --lists "$work/bad.tsv"
 printf 'drpOther\t0\ta\n' > "$work/other.tsv"
 refuse 'another list is only mentioned' 0 'other.tsv:1: "drpOther"' --messages "$work/messages.tsv" --lists "$work/other.tsv"
+
+
+# The same texts from a language database. Other windows' lists and other controls do not count, a Null text
+# is empty, and rows stand in the order of their list places.
+{
+  echo "PRAGMA encoding = 'UTF-16le'; BEGIN;"
+  echo "CREATE TABLE tMessages (ID INTEGER PRIMARY KEY, Caption TEXT);"
+  for n in $(seq 0 164); do echo "INSERT INTO tMessages VALUES ($n, 'M$n');"; done
+  echo "UPDATE tMessages SET Caption = NULL WHERE ID = 41;"
+  echo "CREATE TABLE tComboBoxDT (FormName TEXT, ObjectName TEXT, [Index] INTEGER, ListIndex INTEGER,"
+  echo "  List TEXT, ItemData INTEGER, Visible INTEGER NOT NULL DEFAULT 0);"
+  for i in 2 0 1; do
+    echo "INSERT INTO tComboBoxDT VALUES ('dlgFaultDisplay', 'cboFK03', -1, $i, 'Список $i', 0, 0);"
+    echo "INSERT INTO tComboBoxDT VALUES ('dlgFaultDisplay', 'drpOther', -1, $i, 'other', 0, 0);"
+    echo "INSERT INTO tComboBoxDT VALUES ('dlgOther', 'cboFK09', -1, $i, 'other', 0, 0);"
+  done
+  echo "COMMIT;"
+} | "$make_database" "$work/VORDANE.LNG" || failed=1
+
+language() { "${tool[@]}" decode --language "$work/VORDANE.LNG" "$@"; }
+printf '03\t01\n03\t09\n21\t05\n09\t01\n08\tC5\n' > "$work/input"
+printf '%s\n' 'M16\r\nM17 Список 1\r\nM5 M601 M7' 'M16\r\nM17 Список 2\r\nM5 M609 M7' 'M40\r\n M6 5M7\r\nM5 M605 M7' '' \
+  'M28\r\n M6M23 05M7\r\nM5 M6C5 M7' > "$work/expected"
+language --narrow < "$work/input" > "$work/got" || { echo 'FAILED: a language database'; failed=1; }
+diff "$work/expected" "$work/got" || failed=1
+refuse 'no such language' 1 "$work/none.LNG" --language "$work/none.LNG"
+refuse 'a language that is none' 1 "$work/messages.tsv" --language "$work/messages.tsv"
+printf '\0\1\0\0Standard Jet DB\0' > "$work/access.LNG"
+refuse 'an Access file' 1 'has to be imported first' --language "$work/access.LNG"
+echo 'CREATE TABLE tMessages (ID INTEGER PRIMARY KEY, Caption TEXT);' | "$make_database" "$work/half.LNG"
+refuse 'a language without lists' 1 "$work/half.LNG" --language "$work/half.LNG"
 
 if [ -e /dev/full ]; then
   printf '02\n' | decode > /dev/full 2> "$work/errors" && { echo 'FAILED: a full disk goes unnoticed'; failed=1; }

@@ -281,7 +281,8 @@ TEST_F(DisplayTest, WidensThousandsOfRowsOnce) {
   addExchange(u"mine", u"2020-01-01 00:00:00");
   database->beginBatch();
   for (int i = 0; i < 3000; ++i) {
-    const std::u16string date = text::decimalPadded(i % 100, 2) + u"/01/02";
+    std::u16string date = text::decimalPadded(i % 100, 2);
+    date.append(u"/01/02");
     addFault(1, {u"01", u"MJ", u"MP   ", date});
   }
   database->endBatch();

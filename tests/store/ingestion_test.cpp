@@ -1,5 +1,3 @@
-#include <array>
-
 #include "store/store_fixture.h"
 
 namespace vordane::store {
@@ -305,15 +303,24 @@ TEST_F(IngestionTest, AnIdBeyond16BitsIsAnError) {
   form.database.reset();
   sqlite::DatabaseWriter writer(file.path(), true);
   writer.createTables(sqlite::schema::faultDatabase());
-  const std::array<database::Value, 5> row = {std::int32_t{40000}, std::u16string(u"PBX-1"),
-                                              std::u16string(u"2021-01-01 00:00:00"), false, false};
-  writer.insert(u"PBXList", row);
+  writer.setLastAutoNumber(u"PBXList", 32767);
   writer.finish();
   form.database = file.open();
   form.receive(u"01 MJ MP", u"2026/11/20 20:58", u"01");
   ingest();
-  EXPECT_EQ(form.trace, (Lines{"Account 1=0+0+1 incomplete", "Box 102 PBXList.ID: 40000", "EndAction"}));
-  EXPECT_THAT(stored(u"Fault"), IsEmpty());
+  ASSERT_EQ(form.trace.size(), 3U);
+  EXPECT_EQ(form.trace[0], "Account 1=0+0+1 incomplete");
+  EXPECT_THAT(form.trace[1], testing::StartsWith("Box 102 "));
+  EXPECT_EQ(form.trace[2], "EndAction");
+  EXPECT_TRUE(form.database->openRecordset(faultsNewestFirst)->isEmpty());
+  EXPECT_TRUE(form.database->openRecordset(exchangesNewestFirst)->isEmpty());
+}
+
+TEST(ExchangeId, NeverWraps) {
+  EXPECT_EQ(exchangeIdOf(std::int32_t{32767}), 32767);
+  EXPECT_THROW(exchangeIdOf(std::int32_t{32768}), database::DatabaseError);
+  EXPECT_THROW(exchangeIdOf(std::int32_t{40000}), database::DatabaseError);
+  EXPECT_THROW(exchangeIdOf(automation::Null{}), database::DatabaseError);
 }
 
 TEST_F(IngestionTest, SaysHowFarALongListIs) {

@@ -4,7 +4,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "library.h"
+#include "startup/library.h"
 
 namespace vordane {
 namespace {
@@ -13,7 +13,7 @@ TEST(TypeLibrary, IsWhatHostsWereCompiledAgainst) {
   std::ifstream file(VORDANE_TEST_DATA "/Vordane10013.idl", std::ios::binary);
   std::stringstream golden;
   golden << file.rdbuf();
-  EXPECT_EQ(automation::idlText(vordaneLibrary()), golden.str());
+  EXPECT_EQ(automation::idlText(startup::libraryTable()), golden.str());
 }
 
 }  // namespace

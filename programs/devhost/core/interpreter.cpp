@@ -1,9 +1,9 @@
 #include "devhost/core/interpreter.h"
 
-#include "devhost/core/files.h"
 #include "devhost/core/report.h"
 #include "text/numbers.h"
 #include "text/text.h"
+#include "zulsim/core/files.h"
 #include "zulsim/core/scenario_parser.h"
 
 namespace vordane::devhost {
@@ -132,8 +132,8 @@ Outcome Interpreter::usePbx(const Statement& statement) {
 Outcome Interpreter::simulatePbx(const Statement& statement) {
   const std::u16string file = settings_.scenarioDirectory.empty()
                                   ? statement.name
-                                  : besideFile({}, settings_.scenarioDirectory, statement.name);
-  const auto bytes = readFile(file);
+                                  : files::besideFile({}, settings_.scenarioDirectory, statement.name);
+  const auto bytes = files::readFile(file);
   if (!bytes) {
     trace_.line(u"! " + file + u" can't be read");
     return Outcome::scriptWrong;

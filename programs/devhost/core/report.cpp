@@ -2,11 +2,11 @@
 
 #include <vector>
 
-#include "devhost/core/files.h"
 #include "devhost/core/report_order.h"
 #include "devhost/core/report_template.h"
 #include "text/numbers.h"
 #include "text/text.h"
+#include "zulsim/core/files.h"
 
 namespace vordane::devhost {
 namespace {
@@ -150,15 +150,16 @@ PrintedReport print(database::Engine& engine, const ReportRequest& request, cons
   const auto name = parseSelectionFormula(request.selection);
   if (!name) throw Refusal{u"The selection formula " + request.selection + u" is not understood."};
   const std::vector<SortKey> keys = sortKeysOf(request);
-  const auto layoutText = readFile(request.reportFile);
+  const auto layoutText = files::readFile(request.reportFile);
   if (!layoutText) throw Refusal{u"The report file " + request.reportFile + u" can't be read."};
   const Layout layout(*layoutText);
   const auto database = engine.open(request.database, true);
   const ExchangeRow exchange = findExchange(*database, *name);
   std::vector<Fault> faults = faultsOf(*database, exchange.id);
   sortFaults(faults, keys);
-  const std::u16string file = besideFile(request.reportFile, output.directory, fileNameOf(exchange.name));
-  if (!writeFile(file, layout.render(valuesOf(exchange, faults, keys, output.printed))))
+  const std::u16string file =
+      files::besideFile(request.reportFile, output.directory, fileNameOf(exchange.name));
+  if (!files::writeFile(file, layout.render(valuesOf(exchange, faults, keys, output.printed))))
     throw Refusal{u"The report " + file + u" can't be written."};
   return {file, {}, faults.size()};
 }

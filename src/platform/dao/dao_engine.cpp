@@ -8,9 +8,7 @@ namespace vordane::dao {
 namespace {
 
 using automation::byVal;
-using automation::Missing;
 
-constexpr int cannotCreateObject = 429;
 constexpr std::int16_t openSnapshot = 4;   // dbOpenSnapshot
 constexpr std::int32_t failOnError = 128;  // dbFailOnError: a statement that fails half way changes nothing
 
@@ -116,28 +114,11 @@ class DaoEngine : public database::Engine {
   explicit DaoEngine(platform::ObjectCreator& creator) : creator_(creator) {}
 
   std::unique_ptr<database::Database> open(std::u16string_view path, bool readOnly) override {
-    const ObjectRef workspace =
-        getObject(getObject(engine(), u"Workspaces"), u"Item", {byVal(std::int16_t{0})});
-    // Options and connect text are left out, not empty.
-    return std::make_unique<File>(
-        getObject(workspace, u"OpenDatabase",
-                  {byVal(text(path)), byVal(Missing{}), byVal(readOnly), byVal(Missing{})}));
+    if (!engine_) engine_ = createEngine(creator_);
+    return std::make_unique<File>(openDatabase(engine_, path, readOnly));
   }
 
  private:
-  const ObjectRef& engine() {
-    for (const auto progId : {u"DAO.DBEngine.120", u"DAO.DBEngine.36"}) {
-      if (engine_) break;
-      try {
-        engine_ = creator_.create(progId);
-      } catch (const automation::AutomationError&) {
-        // Not installed; the older one may be.
-      }
-    }
-    if (!engine_) throw database::DatabaseError(cannotCreateObject, u"DAO.DBEngine");
-    return engine_;
-  }
-
   platform::ObjectCreator& creator_;
   ObjectRef engine_;
 };

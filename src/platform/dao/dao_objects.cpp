@@ -52,6 +52,26 @@ void put(const ObjectRef& object, std::u16string_view member, const Value& value
   invoke(object, member, automation::CallKind::put, {automation::byVal(value)});
 }
 
+ObjectRef createEngine(platform::ObjectCreator& creator) {
+  for (const auto progId : {u"DAO.DBEngine.120", u"DAO.DBEngine.36"}) {
+    try {
+      if (auto engine = creator.create(progId)) return engine;
+    } catch (const AutomationError&) {
+      // Not installed; the older one may be.
+    }
+  }
+  constexpr int cannotCreateObject = 429;
+  throw database::DatabaseError(cannotCreateObject, u"DAO.DBEngine");
+}
+
+ObjectRef openDatabase(const ObjectRef& engine, std::u16string_view path, bool readOnly) {
+  const ObjectRef workspace =
+      getObject(getObject(engine, u"Workspaces"), u"Item", {automation::byVal(std::int16_t{0})});
+  return getObject(workspace, u"OpenDatabase",
+                   {automation::byVal(std::u16string(path)), automation::byVal(automation::Missing{}),
+                    automation::byVal(readOnly), automation::byVal(automation::Missing{})});
+}
+
 DaoRecordset::DaoRecordset(ObjectRef object)
     : object_(std::move(object)), fields_(getObject(object_, u"Fields")) {}
 

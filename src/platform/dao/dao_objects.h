@@ -7,6 +7,7 @@
 
 #include "platform/automation.h"
 #include "platform/database.h"
+#include "platform/services.h"
 
 namespace vordane::dao {
 
@@ -23,6 +24,15 @@ Value get(const ObjectRef& object, std::u16string_view member,
 ObjectRef getObject(const ObjectRef& object, std::u16string_view member,
                     std::initializer_list<Argument> arguments = {});
 void put(const ObjectRef& object, std::u16string_view member, const Value& value);
+
+// The Access engine's object: DAO.DBEngine.120, else DAO.DBEngine.36. DatabaseError 429 when neither is
+// there.
+ObjectRef createEngine(platform::ObjectCreator& creator);
+// Opens through the default workspace, options and connect text left out.
+ObjectRef openDatabase(const ObjectRef& engine, std::u16string_view path, bool readOnly);
+inline ObjectRef openDatabase(platform::ObjectCreator& creator, std::u16string_view path, bool readOnly) {
+  return openDatabase(createEngine(creator), path, readOnly);
+}
 
 // A recordset of DAO with its fields asked for once: a field object stays good from row to row.
 class DaoRecordset {

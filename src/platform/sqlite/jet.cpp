@@ -39,10 +39,33 @@ bool isKeyword(std::u16string_view word) {
   return false;
 }
 
+// The digits from `first` on.
+std::size_t endOfDigits(std::u16string_view text, std::size_t first) {
+  while (first < text.size() && text::isDecimalDigit(text[first])) ++first;
+  return first;
+}
+
+std::size_t endOfNumber(std::u16string_view text) {
+  const bool isSigned = !text.empty() && (text.front() == u'-' || text.front() == u'+');
+  return endOfDigits(text, isSigned ? 1 : 0);
+}
+
+// An optional sign and digits.
+std::int64_t numberFrom(std::u16string_view text) {
+  const bool negative = text.front() == u'-';
+  if (!text::isDecimalDigit(text.front())) text.remove_prefix(1);
+  const std::string digits(text.begin(), text.end());
+  std::int64_t number = 0;
+  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  // No stored number has more digits than fit, so such a literal equals none; it is still a number.
+  if (result.ec != std::errc{}) number = std::numeric_limits<std::int64_t>::max();
+  return negative ? -number : number;
+}
+
 // Reads a statement token by token into a shape.
 class Lifter {
  public:
-  Lifter(std::u16string_view statement, Lifted& out) : rest_(statement), out_(out) {}
+  Lifter(std::u16string_view statement, Lifted& out) : whole_(statement), rest_(statement), out_(out) {}
 
   void run() {
     for (skipBlanks(); !rest_.empty(); skipBlanks()) token();
@@ -69,7 +92,9 @@ class Lifter {
 
   void literal(char16_t quote) {
     Literal& value = nextLiteral();
-    for (rest_.remove_prefix(1);;) {
+    rest_.remove_prefix(1);
+    const std::size_t begin = at();
+    for (;;) {
       const auto end = rest_.find(quote);
       if (end == std::u16string_view::npos) syntaxError();
       const bool doubled = end + 1 < rest_.size() && rest_[end + 1] == quote;
@@ -78,23 +103,17 @@ class Lifter {
       if (!doubled) break;
     }
     value.isText = true;
+    out_.places.push_back({begin, at() - 1});
     append(u"'");
   }
 
   void number() {
-    std::size_t length = text::isDecimalDigit(rest_.front()) ? 0 : 1;
-    const std::size_t firstDigit = length;
-    while (length < rest_.size() && text::isDecimalDigit(rest_[length])) ++length;
-    if (length == firstDigit ||
-        (length < rest_.size() && (isWordPart(rest_[length]) || rest_[length] == u'.')))
+    const std::size_t length = endOfNumber(rest_);
+    const bool hasDigit = text::isDecimalDigit(rest_[length - 1]);
+    if (!hasDigit || (length < rest_.size() && (isWordPart(rest_[length]) || rest_[length] == u'.')))
       syntaxError();
-    const std::string digits(rest_.begin() + static_cast<std::ptrdiff_t>(firstDigit),
-                             rest_.begin() + static_cast<std::ptrdiff_t>(length));
-    Literal& value = nextLiteral();
-    const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value.number);
-    // No stored number has more digits than fit, so such a literal equals none; it is still a number.
-    if (result.ec != std::errc{}) value.number = std::numeric_limits<std::int64_t>::max();
-    if (rest_.front() == u'-') value.number = -value.number;
+    nextLiteral().number = numberFrom(rest_.substr(0, length));
+    out_.places.push_back({at(), at() + length});
     rest_.remove_prefix(length);
     append(u"#");
   }
@@ -145,7 +164,9 @@ class Lifter {
     while (!rest_.empty() && isBlank(rest_.front())) rest_.remove_prefix(1);
   }
 
-  std::u16string_view rest_;
+  std::size_t at() const { return whole_.size() - rest_.size(); }
+
+  std::u16string_view whole_, rest_;
   Lifted& out_;
   std::u16string word_;
   int ended_ = 0;
@@ -314,8 +335,43 @@ class Parser {
 void lift(std::u16string_view statement, Lifted& out) {
   out.shape.clear();
   out.literals.clear();
+  out.places.clear();
   out.literals.reserve(mostLiterals);
   Lifter(statement, out).run();
+}
+
+Skeleton::Skeleton(std::u16string_view statement, const Lifted& lifted) {
+  std::size_t end = 0;
+  for (std::size_t i = 0; i < lifted.places.size(); ++i) {
+    pieces_.emplace_back(statement.substr(end, lifted.places[i].begin - end));
+    texts_.push_back(lifted.literals[i].isText);
+    end = lifted.places[i].end;
+  }
+  pieces_.emplace_back(statement.substr(end));
+}
+
+bool Skeleton::match(std::u16string_view statement, std::vector<Literal>& literals) const {
+  literals.clear();
+  literals.reserve(mostLiterals);
+  for (std::size_t i = 0; i < texts_.size(); ++i) {
+    if (!statement.starts_with(pieces_[i])) return false;
+    statement.remove_prefix(pieces_[i].size());
+    Literal& literal = literals.emplace_back();
+    literal.isText = texts_[i];
+    const std::size_t end = literal.isText ? statement.find(pieces_[i].back()) : endOfNumber(statement);
+    if (end == std::u16string_view::npos ||
+        (!literal.isText && (end == 0 || !text::isDecimalDigit(statement[end - 1]))))
+      return false;
+    if (literal.isText) {
+      // A doubled quote stands for one: that text must be taken apart.
+      if (end + 1 < statement.size() && statement[end + 1] == statement[end]) return false;
+      literal.text.assign(statement.substr(0, end));
+    } else {
+      literal.number = numberFrom(statement.substr(0, end));
+    }
+    statement.remove_prefix(end);
+  }
+  return statement == pieces_.back();
 }
 
 Shape parse(const Lifted& statement) {

@@ -42,9 +42,15 @@ class Plans {
   Plan& find(std::u16string_view statement, jet::Lifted& lifted);
 
  private:
+  struct Known {
+    jet::Skeleton skeleton;
+    Plan* plan;
+  };
   std::unique_ptr<Plan> make(const jet::Lifted& lifted);
+  void remember(std::u16string_view statement, const jet::Lifted& lifted, Plan& plan);
   Connection& connection_;
   std::unordered_map<std::u16string, std::unique_ptr<Plan>> plans_;
+  std::vector<Known> known_;
 };
 
 // What a database and the recordsets and lists it gave out share: none of them is cut off by the end of

@@ -11,13 +11,18 @@ std::u16string pick(const Triple& texts, Language language) {
   return texts[static_cast<std::size_t>(language)];
 }
 
-std::map<std::u16string, Value> properties(const std::u16string& captionText) {
+// Japanese names a face that has its letters, as the language database does.
+std::u16string face(Language language) {
+  return language == Language::japanese ? u"Meiryo UI" : u"Segoe UI";
+}
+
+std::map<std::u16string, Value> properties(const std::u16string& captionText, Language language) {
   return {{u"Caption", captionText},
           {u"Enabled", true},
           {u"Visible", true},
           {u"ToolTipText", std::u16string()},
-          {u"FontName", std::u16string()},
-          {u"FontSize", 0.0},
+          {u"Font.Name", face(language)},
+          {u"Font.Size", 9.0},
           {u"Font.Charset", std::int32_t{0}}};
 }
 
@@ -122,30 +127,30 @@ std::u16string caption(Language language) {
 
 Form makeForm(Language language) {
   Form form(u"dlgFaultDisplay", {{u"Caption", caption(language)},
-                                 {u"Font.Name", std::u16string()},
-                                 {u"Font.Size", 0.0},
+                                 {u"Font.Name", face(language)},
+                                 {u"Font.Size", 9.0},
                                  {u"Width", std::int32_t{0}},
                                  {u"Height", std::int32_t{0}},
                                  {u"Enabled", true}});
   form.add(u"drpPBXList", -1, u"ComboBox",
-           {{u"FontName", std::u16string()},
-            {u"FontSize", 0.0},
+           {{u"Font.Name", face(language)},
+            {u"Font.Size", 9.0},
             {u"Enabled", true},
             {u"Visible", true},
             {u"ToolTipText", std::u16string(u"The exchange whose faults are shown")}});
-  auto text = properties(u"");
+  auto text = properties(u"", language);
   text.erase(u"Caption");
   text[u"Text"] = std::u16string(u"2026/11/20 21:14:05");
   form.add(u"txtTimeTag", -1, u"TextBox", text);
   for (const Captioned& each : captioned)
-    form.add(each.name, -1, each.type, properties(pick(each.texts, language)));
-  auto grid = properties(u"");
+    form.add(each.name, -1, each.type, properties(pick(each.texts, language), language));
+  auto grid = properties(u"", language);
   for (std::size_t n = 0; n < std::size(headings); ++n)
     grid[u"Columns(" + std::u16string(1, static_cast<char16_t>(u'0' + n)) + u").Caption"] =
         pick(headings[n], language);
   form.add(u"grdDisplayFault", -1, u"SSDBGrid", grid);
-  form.add(u"cboFK01", -1, u"ComboBox", {{u"FontName", std::u16string()}, {u"FontSize", 0.0}});
-  form.add(u"imgBack", -1, u"PictureBox",
+  form.add(u"cboFK01", -1, u"ComboBox", {{u"Font.Name", face(language)}, {u"Font.Size", 9.0}});
+  form.add(u"imgBackground", -1, u"PictureBox",
            {{u"Left", std::int32_t{0}},
             {u"Top", std::int32_t{0}},
             {u"Width", std::int32_t{0}},
@@ -174,6 +179,8 @@ std::u16string FakeTexts::text(ViewText which) {
     case ViewText::lookUpNotFound:
       return pick({u"No fault shown here holds this text.", u"Такого текста нет.", u"見つかりません。"},
                   language_);
+    case ViewText::lookUpWrapped:
+      return pick({u"Went on from the top.", u"Продолжено с начала.", u"先頭に戻りました。"}, language_);
     case ViewText::copyFault:
       return pick({u"&Copy\tCtrl+C", u"&Копировать\tCtrl+C", u"コピー(&C)\tCtrl+C"}, language_);
     case ViewText::selectedFault:

@@ -9,6 +9,7 @@
 
 #include "platform/windows/window/geometry.h"
 #include "platform/windows/window/parts_paint.h"
+#include "text/text.h"
 
 namespace vordane::window::win32 {
 namespace {
@@ -25,12 +26,15 @@ void washOver(HDC dc, SIZE size, COLORREF colour) {
   GdiAlphaBlend(dc, 0, 0, size.cx, size.cy, point.get(), 0, 0, 1, 1, blend);
 }
 
-std::int32_t lengthOf(const Control& control, std::u16string_view property) {
-  try {
-    return control.has(property) ? control.number(property) : 0;
-  } catch (const std::exception&) {
-    return 0;
-  }
+constexpr std::u16string_view headerControl = u"imgHeader", windowControl = u"imgBackground";
+
+void drawPicture(HDC dc, IPicture& picture, const RECT& place) {
+  OLE_XSIZE_HIMETRIC pictureWidth = 0;
+  OLE_YSIZE_HIMETRIC pictureHeight = 0;
+  picture.get_Width(&pictureWidth);
+  picture.get_Height(&pictureHeight);
+  picture.Render(dc, place.left, place.top, width(place), height(place), 0, pictureHeight, pictureWidth,
+                 -pictureHeight, nullptr);
 }
 
 }  // namespace
@@ -39,52 +43,32 @@ void Background::Released::operator()(IPicture* picture) const {
   picture->Release();
 }
 
-std::unique_ptr<IPicture, Background::Released> Background::load(std::u16string_view path) {
+Background::Picture Background::load(std::u16string_view path) {
   IStream* stream = nullptr;
   const std::u16string name(path);
   if (FAILED(SHCreateStreamOnFileW(wide(name), STGM_READ | STGM_SHARE_DENY_WRITE, &stream))) return nullptr;
   void* picture = nullptr;
   const HRESULT result = OleLoadPicture(stream, 0, FALSE, IID_IPicture, &picture);
   stream->Release();
-  return std::unique_ptr<IPicture, Released>(SUCCEEDED(result) ? static_cast<IPicture*>(picture) : nullptr);
+  return Picture(SUCCEEDED(result) ? static_cast<IPicture*>(picture) : nullptr);
 }
 
 bool pictureReadable(std::u16string_view path) {
   return Background::load(path) != nullptr;
 }
 
-void Background::update(const Control& control, const Control& form) {
-  Placed placed;
+void Background::update(const Control& control) {
+  const bool header = text::equalIgnoringCase(control.name(), headerControl);
+  if (!header && !text::equalIgnoringCase(control.name(), windowControl)) return;
   const std::u16string path = control.has(u"Picture") ? control.text(u"Picture") : std::u16string{};
-  if (!path.empty()) placed.picture = load(path);
-  placed.twips = {lengthOf(control, u"Left"), lengthOf(control, u"Top"),
-                  lengthOf(control, u"Left") + lengthOf(control, u"Width"),
-                  lengthOf(control, u"Top") + lengthOf(control, u"Height")};
-  placed.wholeWindow = lengthOf(control, u"Width") >= lengthOf(form, u"Width") &&
-                       lengthOf(control, u"Height") >= lengthOf(form, u"Height");
-  pictures_[&control] = std::move(placed);
+  (header ? header_ : window_) = path.empty() ? nullptr : load(path);
   changed();
 }
 
-void Background::draw(HDC dc, const Placed& placed, SIZE client, int dpi) const {
-  RECT place{0, 0, client.cx, client.cy};
-  if (!placed.wholeWindow)
-    place = {toPixels(placed.twips.left, dpi), toPixels(placed.twips.top, dpi),
-             toPixels(placed.twips.right, dpi), toPixels(placed.twips.bottom, dpi)};
-  OLE_XSIZE_HIMETRIC pictureWidth = 0;
-  OLE_YSIZE_HIMETRIC pictureHeight = 0;
-  placed.picture->get_Width(&pictureWidth);
-  placed.picture->get_Height(&pictureHeight);
-  placed.picture->Render(dc, place.left, place.top, width(place), height(place), 0, pictureHeight,
-                         pictureWidth, -pictureHeight, nullptr);
-}
-
-HBRUSH Background::brush(SIZE client, int dpi, const Palette& palette) {
+HBRUSH Background::brush(SIZE client, const RECT& header, const Palette& palette) {
   if (client.cx == drawnFor_.cx && client.cy == drawnFor_.cy && brush_) return brush_.get();
   drawnFor_ = client;
-  bool any = false;
-  for (const auto& [control, placed] : pictures_) any = any || placed.picture;
-  if (!any || palette.systemOnly || client.cx <= 0 || client.cy <= 0) {
+  if ((!window_ && !header_) || palette.systemOnly || client.cx <= 0 || client.cy <= 0) {
     brush_ = Brush(CreateSolidBrush(palette.panel));
     return brush_.get();
   }
@@ -93,9 +77,10 @@ HBRUSH Background::brush(SIZE client, int dpi, const Palette& palette) {
   bitmap_ = Bitmap(CreateCompatibleBitmap(screen.get(), client.cx, client.cy));
   {
     const Selected with(dc.get(), bitmap_.get());
-    fillRect(dc.get(), {0, 0, client.cx, client.cy}, palette.panel);
-    for (const auto& [control, placed] : pictures_)
-      if (placed.picture) draw(dc.get(), placed, client, dpi);
+    const RECT whole{0, 0, client.cx, client.cy};
+    fillRect(dc.get(), whole, palette.panel);
+    if (window_) drawPicture(dc.get(), *window_, whole);
+    if (header_) drawPicture(dc.get(), *header_, header);
     washOver(dc.get(), client, palette.panel);
   }
   brush_ = Brush(CreatePatternBrush(bitmap_.get()));

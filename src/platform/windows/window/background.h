@@ -2,7 +2,6 @@
 // The grid and the pane keep their own ground, so that text stays readable. One thread; owns the pictures.
 #pragma once
 
-#include <map>
 #include <memory>
 #include <string>
 
@@ -19,26 +18,22 @@ bool pictureReadable(std::u16string_view path);
 
 class Background {
  public:
-  // Reads the control's Picture (a path) and place; an empty or unreadable one shows nothing.
-  void update(const Control& control, const Control& form);
-  // The ground of the window's client area at this size; draws it again only after a change.
-  HBRUSH brush(SIZE client, int dpi, const Palette& palette);
+  // Reads the control's Picture (a path); an empty or unreadable one shows nothing.
+  void update(const Control& control);
+  // The ground of the client area, `header` being the band of controls in it; drawn again only after a
+  // change. A picture is stretched to the panel it stands behind, which follows the window's size.
+  HBRUSH brush(SIZE client, const RECT& header, const Palette& palette);
   void changed() { drawnFor_ = {-1, -1}; }
 
  private:
   struct Released {
     void operator()(IPicture* picture) const;
   };
-  struct Placed {
-    std::unique_ptr<IPicture, Released> picture;
-    RECT twips{};
-    bool wholeWindow = false;  // follows the window's size
-  };
+  using Picture = std::unique_ptr<IPicture, Released>;
   friend bool pictureReadable(std::u16string_view path);
-  static std::unique_ptr<IPicture, Released> load(std::u16string_view path);
-  void draw(HDC dc, const Placed& placed, SIZE client, int dpi) const;
+  static Picture load(std::u16string_view path);
 
-  std::map<const Control*, Placed> pictures_;
+  Picture window_, header_;
   Bitmap bitmap_;
   Brush brush_;
   SIZE drawnFor_{-1, -1};

@@ -25,8 +25,8 @@ struct ColumnLayout {
   bool operator==(const ColumnLayout&) const = default;
 };
 
-// Numbers with commas between. Reading gives nothing for anything but six numbers, widths from 24 to 4000 (or 0 for the description)
-// and an order that names each column once.
+// Numbers with commas between. Reading gives nothing for anything but six numbers, widths from 24 to 4000 (or
+// 0 for the description) and an order that names each column once.
 std::u16string widthsAsText(const ColumnLayout& layout);
 std::u16string orderAsText(const ColumnLayout& layout);
 std::optional<std::array<int, columnCount>> readWidths(std::u16string_view text);

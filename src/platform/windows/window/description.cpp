@@ -50,10 +50,10 @@ std::optional<Range> longestDataRun(std::u16string_view text, Range line) {
   return longest;
 }
 
-// How many lines from the second on belong to the details.
-std::size_t detailEnd(std::u16string_view text, const std::vector<Range>& all) {
-  if (all.size() == 2 && !longestDataRun(text, all.back())) return 2;
-  return all.size() > 1 ? all.size() - 1 : 1;
+// Behind the last line that belongs to the details. The trailer follows a detail line, be it an empty one,
+// so that a text of two lines has none.
+std::size_t detailEnd(const std::vector<Range>& all) {
+  return all.size() > 2 ? all.size() - 1 : all.size();
 }
 
 }  // namespace
@@ -64,7 +64,7 @@ RowText rowText(std::u16string_view description) {
     return description.substr(all[n].begin, all[n].end - all[n].begin);
   };
   RowText row{std::u16string(line(0)), {}};
-  for (std::size_t n = 1; n < detailEnd(description, all); ++n) {
+  for (std::size_t n = 1; n < detailEnd(all); ++n) {
     const std::u16string_view detail = text::trim(line(n));
     if (detail.empty()) continue;
     if (!row.detail.empty()) row.detail += detailSeparator;

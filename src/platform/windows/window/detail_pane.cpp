@@ -6,6 +6,7 @@
 #include <richedit.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cwchar>
 
 #include "platform/windows/window/geometry.h"
@@ -190,8 +191,14 @@ void DetailPane::point(std::size_t position) {
 
 void DetailPane::mouseAt(POINT place) {
   POINTL asked{place.x, place.y};
-  const auto position =
+  auto position =
       static_cast<std::size_t>(SendMessageW(window_, EM_CHARFROMPOS, 0, reinterpret_cast<LPARAM>(&asked)));
+  POINTL corner{};
+  SendMessageW(window_, EM_POSFROMCHAR, reinterpret_cast<WPARAM>(&corner), static_cast<LPARAM>(position));
+  // Beside or below the text the nearest character is answered, which is not pointed at.
+  const int reach = lineHeight(plain_.get());
+  if (std::abs(asked.x - corner.x) > reach || asked.y < corner.y || asked.y > corner.y + 2 * reach)
+    position = text_.text.size();
   point(position);
 }
 

@@ -14,7 +14,9 @@ namespace {
 
 constexpr int headingPadding = 5, narrowestDescription = 220;
 
-int formatOf(int column) { return column == countColumn ? LVCFMT_RIGHT : LVCFMT_LEFT; }
+int formatOf(int column) {
+  return column == countColumn ? LVCFMT_RIGHT : LVCFMT_LEFT;
+}
 
 }  // namespace
 
@@ -28,6 +30,7 @@ void Grid::create(HWND parent, int id, Events events) {
   ListView_SetExtendedListViewStyle(window_,
                                     LVS_EX_FULLROWSELECT | LVS_EX_HEADERDRAGDROP | LVS_EX_DOUBLEBUFFER);
   SetWindowTheme(window_, L"Explorer", nullptr);
+  SetWindowSubclass(window_, watchRows, 1, reinterpret_cast<DWORD_PTR>(this));
   SetWindowSubclass(heading(), watchHeading, 1, reinterpret_cast<DWORD_PTR>(this));
   addColumns();
 }
@@ -81,7 +84,8 @@ void Grid::setHeading(int column, const std::u16string& caption) {
 void Grid::setRows(GridSource* source) {
   rows_.setSource(source);
   filling_ = true;
-  ListView_SetItemState(window_, -1, 0, LVIS_SELECTED | LVIS_FOCUSED);
+  unselect();
+  selected_.reset();
   ListView_SetItemCountEx(window_, static_cast<int>(std::min<std::size_t>(size(), 100'000'000)), 0);
   if (size() > 0) select(0);
   filling_ = false;
@@ -153,9 +157,49 @@ ColumnLayout Grid::layout() const {
   return kept;
 }
 
-std::optional<std::size_t> Grid::selected() const {
-  const int row = ListView_GetNextItem(window_, -1, LVNI_SELECTED);
-  return row < 0 ? std::nullopt : std::optional<std::size_t>(static_cast<std::size_t>(row));
+// A list view may walk through all its rows to take the selection off one. Taken off that row by its
+// number beforehand, there is nothing left to walk for, however many rows there are.
+void Grid::unselect() {
+  if (!selected_) return;
+  const bool was = std::exchange(filling_, true);
+  ListView_SetItemState(window_, static_cast<int>(*selected_), 0, LVIS_SELECTED);
+  filling_ = was;
+}
+
+// A key or click that may select another row; one row always stays selected.
+LRESULT Grid::moveSelection(UINT message, WPARAM wide, LPARAM low) {
+  const auto before = selected_;
+  unselect();
+  filling_ = true;
+  const LRESULT answer = DefSubclassProc(window_, message, wide, low);
+  if (!selected_ && before && *before < size())
+    ListView_SetItemState(window_, static_cast<int>(*before), LVIS_SELECTED, LVIS_SELECTED);
+  filling_ = false;
+  if (selected_ != before) events_.selectionChanged();
+  return answer;
+}
+
+LRESULT CALLBACK Grid::watchRows(HWND window, UINT message, WPARAM wide, LPARAM low, UINT_PTR,
+                                 DWORD_PTR self) {
+  const bool moves = message == WM_KEYDOWN && wide >= VK_PRIOR && wide <= VK_DOWN;
+  if (moves || message == WM_LBUTTONDOWN || message == WM_RBUTTONDOWN)
+    return reinterpret_cast<Grid*>(self)->moveSelection(message, wide, low);
+  return DefSubclassProc(window, message, wide, low);
+}
+
+// A position of -1 speaks of all rows at once.
+void Grid::itemChanged(const NMLISTVIEW& change) {
+  const bool is = (change.uNewState & LVIS_SELECTED) != 0, was = (change.uOldState & LVIS_SELECTED) != 0;
+  const auto before = selected_;
+  if (is && change.iItem >= 0) selected_ = static_cast<std::size_t>(change.iItem);
+  if (was && !is && (change.iItem < 0 || selected_ == static_cast<std::size_t>(change.iItem)))
+    selected_.reset();
+  if (selected_ == before) return;
+  RECT edge;  // the bar before the selected row may stand beside what the list view draws anew
+  GetClientRect(window_, &edge);
+  edge.right = scaled(4, look_.dpi);
+  InvalidateRect(window_, &edge, FALSE);
+  if (!filling_) events_.selectionChanged();
 }
 
 const ShownRow* Grid::selectedRow() {
@@ -165,6 +209,7 @@ const ShownRow* Grid::selectedRow() {
 
 void Grid::select(std::size_t row) {
   const int item = static_cast<int>(row);
+  if (selected_ != row) unselect();
   ListView_SetItemState(window_, item, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
   ListView_EnsureVisible(window_, item, FALSE);
 }
@@ -186,8 +231,7 @@ bool Grid::notified(const NMHDR& header, LPARAM message, LRESULT& answer) {
       giveText(*reinterpret_cast<NMLVDISPINFOW*>(message));
       return true;
     case LVN_ITEMCHANGED:
-    case LVN_ODSTATECHANGED:
-      if (!filling_) events_.selectionChanged();
+      itemChanged(*reinterpret_cast<NMLISTVIEW*>(message));
       return true;
     case LVN_COLUMNCLICK:
       events_.headingClicked(reinterpret_cast<NMLISTVIEW*>(message)->iSubItem);

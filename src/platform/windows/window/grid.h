@@ -23,14 +23,15 @@ class Grid {
   void setLook(const Control* control, int dpi, const Palette& palette);
   void setHeading(int column, const std::u16string& caption);
   void setRows(GridSource* source);  // instant, however many there are; the first row becomes selected
-  void refresh();                    // fetches the rows in sight again
+  void forgetRows() { rows_.setSource(nullptr); }  // the window goes; the source may go first
+  void refresh();                                  // fetches the rows in sight again
   void setSortMark(int column, bool descending);
   void setLayout(const ColumnLayout& layout);
   ColumnLayout layout() const;
   void fit();  // lets the description take what the other columns leave, unless a person gave it a width
 
   std::size_t size() const { return rows_.size(); }
-  std::optional<std::size_t> selected() const;
+  std::optional<std::size_t> selected() const { return selected_; }
   const ShownRow* selectedRow();
   GridSource* source() const { return rows_.source(); }
   void select(std::size_t row);  // and brings it into sight
@@ -47,8 +48,13 @@ class Grid {
   void askRowHeightAgain();
   void giveText(NMLVDISPINFOW& asked);
   std::array<RECT, columnCount> cells(const RECT& row) const;
+  void itemChanged(const NMLISTVIEW& change);
   bool headingNotified(const NMHDR& header, LPARAM message);
   void widthChanged(int column);
+  void unselect();
+  LRESULT moveSelection(UINT message, WPARAM wide, LPARAM low);
+  static LRESULT CALLBACK watchRows(HWND window, UINT message, WPARAM wide, LPARAM low, UINT_PTR,
+                                    DWORD_PTR self);
   static LRESULT CALLBACK watchHeading(HWND window, UINT message, WPARAM wide, LPARAM low, UINT_PTR,
                                        DWORD_PTR self);
 
@@ -60,6 +66,7 @@ class Grid {
   int sortColumn_ = -1;
   bool sortDescending_ = false;
   bool filling_ = false;
+  std::optional<std::size_t> selected_;  // asking the list view would walk through all its rows
   bool fits_ = true, ownWidths_ = false;
 };
 

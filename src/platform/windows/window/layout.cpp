@@ -20,8 +20,8 @@ class Stacker {
   Layout run() {
     placeHeader();
     placeButtons();
-    out_.panel = {0, 0, in_.width, y_};
     placeBar(out_.lookUp, in_.lookUpHeight);
+    out_.panel = {0, 0, in_.width, y_};
     placeBar(out_.notice, in_.noticeHeight);
     placeGridAndPane();
     return std::move(out_);

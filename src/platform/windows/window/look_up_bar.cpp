@@ -13,7 +13,7 @@
 namespace vordane::window::win32 {
 namespace {
 
-constexpr int margin = 12, gap = 8, boxWidth = 260;
+constexpr int margin = 12, gap = 8, boxWidth = 260, smallestBox = 90, messageWidth = 230;
 constexpr wchar_t crossSign[] = L"\u00D7";
 
 HWND child(HWND parent, int id, const wchar_t* type, const std::u16string& text, DWORD style) {
@@ -42,16 +42,19 @@ void LookUpBar::setFont(HFONT font) {
 
 void LookUpBar::place(const RECT& bar, int dpi) {
   const int h = height(bar) - scaled(gap, dpi), room = width(bar) - 2 * scaled(margin, dpi);
+  const int boxHeight = std::min(h, lineHeight(font_) + scaled(9, dpi));
   int x = bar.left + scaled(margin, dpi);
   const auto put = [&](HWND window, int w) {
-    SetWindowPos(window, nullptr, x, bar.top, w, h, SWP_NOZORDER | SWP_NOACTIVATE);
+    const int tall = window == text_ ? boxHeight : h;
+    SetWindowPos(window, nullptr, x, bar.top + (h - tall) / 2, w, tall, SWP_NOZORDER | SWP_NOACTIVATE);
     x += w + scaled(gap, dpi);
   };
   const int labelWidth = captionWidth(font_, windowText(label_));
   const int nextWidth = captionWidth(font_, windowText(next_)) + scaled(28, dpi);
   const int others = labelWidth + nextWidth + h + 3 * scaled(gap, dpi);
   put(label_, labelWidth);
-  put(text_, std::clamp(room - others, scaled(60, dpi), scaled(boxWidth, dpi)));
+  put(text_,
+      std::clamp(room - others - scaled(messageWidth, dpi), scaled(smallestBox, dpi), scaled(boxWidth, dpi)));
   put(next_, nextWidth);
   put(close_, h);
   put(message_, std::max(0, static_cast<int>(bar.right) - scaled(margin, dpi) - x));

@@ -26,6 +26,7 @@ class LookUpBar {
   void tell(const std::u16string& message);  // beside the buttons; empty takes it away
   HWND box() const { return text_; }
   HWND message() const { return message_; }
+  HWND closeButton() const { return close_; }
 
  private:
   HWND label_ = nullptr, text_ = nullptr, next_ = nullptr, close_ = nullptr, message_ = nullptr;

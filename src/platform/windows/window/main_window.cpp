@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/windows/window/accessible_name.h"
 #include "platform/windows/window/geometry.h"
 
 namespace vordane::window::win32 {
@@ -12,6 +13,7 @@ constexpr std::u16string_view application = u"VORDANE", section = u"Window";
 constexpr std::u16string_view widthsKey = u"ColumnWidths", orderKey = u"ColumnOrder", paneKey = u"Pane",
                               placeKey = u"Place";
 constexpr int designedWidth = 1080, designedHeight = 640, designedPane = 96;
+constexpr int tipWidth = 320;
 constexpr int gripWidth = 80;  // so much of a title bar can be taken hold of
 
 void registerClass(WNDPROC procedure) {
@@ -85,7 +87,8 @@ void MainWindow::attach(Form& form, ViewEvents& events) {
   DisableProcessWindowsGhosting();  // a long step paints by itself
   registerClass(procedure);
   const RECT at = placeFromSettings();
-  CreateWindowExW(WS_EX_CONTROLPARENT, className, wide(form.self().has(u"Caption") ? form.self().text(u"Caption") : std::u16string{}),
+  CreateWindowExW(WS_EX_CONTROLPARENT, className,
+                  wide(form.self().has(u"Caption") ? form.self().text(u"Caption") : std::u16string{}),
                   WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, at.left, at.top, width(at), height(at), nullptr,
                   nullptr, GetModuleHandleW(nullptr), this);
   form.listen([this](Control& changed, std::u16string_view property) { controlChanged(changed, property); });
@@ -110,6 +113,7 @@ void MainWindow::detach() {
   lastFocus_ = nullptr;
   help_.close();
   timer_.stop(window_);
+  grid_.forgetRows();
   DestroyWindow(std::exchange(window_, nullptr));
 }
 
@@ -128,6 +132,8 @@ void MainWindow::createChildren() {
   }
   lookUp_.create(window_, {idLookUpLabel, idLookUpText, idLookUpNext, idLookUpClose, idLookUpMessage},
                  texts_);
+  SendMessageW(tips_, TTM_SETMAXTIPWIDTH, 0, scaled(tipWidth, dpi_));
+  setTip(idLookUpClose, texts_.text(ViewText::lookUpClose));
 }
 
 void MainWindow::createGridAndPane() {
@@ -144,6 +150,8 @@ void MainWindow::createGridAndPane() {
   grid_.create(window_, idGrid, std::move(events));
   if (Control* grid = control(gridName)) ids_[grid] = idGrid;
   pane_.create(window_, idPane);
+  nameForScreenReaders(pane_.window(), texts_.text(ViewText::selectedFault));
+  nameForScreenReaders(lookUp_.closeButton(), texts_.text(ViewText::lookUpClose));
   status_ =
       CreateWindowExW(0, STATUSCLASSNAMEW, L"", WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0, 0, 0, 0, window_,
                       reinterpret_cast<HMENU>(static_cast<INT_PTR>(idStatus)), instance, nullptr);

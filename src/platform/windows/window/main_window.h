@@ -73,6 +73,7 @@ class MainWindow final : public Win32View {
   void applyItems(const Control& control);
   void applyHeading(const Control& grid, std::u16string_view property);
   void applyTip(const Control& control, int id);
+  void setTip(int id, const std::u16string& tip);
   void wantRestyle();
   void restyle();
   bool inputAllowed() const;
@@ -83,9 +84,12 @@ class MainWindow final : public Win32View {
   // Place and ground.
   LayoutInput layoutInput() const;
   void place();
+  bool noticeInRowsPlace() const;  // no rows: it stands below the headings, else above them
+  int headingHeight() const;
   void placeNotice(const Layout& layout);
   void placeStatus();
-  void tellModelOfPlaces(const Layout& layout);
+  void tellModelOfPlaces();
+  void tellPlace(Control& panel, const RECT& pixels) const;
   HBRUSH ground();
   void paintGround(HDC dc);
   bool onSplitter(POINT point) const;

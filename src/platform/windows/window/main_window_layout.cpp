@@ -21,7 +21,7 @@ void put(HWND window, const RECT& place) {
 }
 
 SIZE clientSize(HWND window) {
-  RECT client;
+  RECT client{};
   GetClientRect(window, &client);
   return {client.right, client.bottom};
 }
@@ -88,7 +88,9 @@ void MainWindow::place() {
         next < layout_.buttons.size())
       put(item(child.id), layout_.buttons[next++]);
   if (lookUp_.open()) lookUp_.place(layout_.lookUp, dpi_);
-  put(grid_.window(), layout_.grid);
+  RECT rows = layout_.grid;
+  if (noticeInRowsPlace()) rows.bottom = std::min(rows.bottom, rows.top + headingHeight());
+  put(grid_.window(), rows);
   grid_.fit();
   RECT text = layout_.pane;  // the room around it is the pane's own ground
   text.left += scaled(paneLeft, dpi_);
@@ -101,7 +103,17 @@ void MainWindow::place() {
   InvalidateRect(window_, &panel, TRUE);
   InvalidateRect(window_, &layout_.splitter, TRUE);
   InvalidateRect(window_, &layout_.pane, TRUE);
-  tellModelOfPlaces(layout_);
+  tellModelOfPlaces();
+}
+
+bool MainWindow::noticeInRowsPlace() const {
+  return !noticeText_.empty() && grid_.size() == 0;
+}
+
+int MainWindow::headingHeight() const {
+  RECT heading{};
+  GetWindowRect(ListView_GetHeader(grid_.window()), &heading);
+  return height(heading);
 }
 
 void MainWindow::placeNotice(const Layout& layout) {
@@ -110,14 +122,11 @@ void MainWindow::placeNotice(const Layout& layout) {
     return;
   }
   RECT where = layout.notice;
-  if (grid_.size() == 0) {
+  if (noticeInRowsPlace()) {
     where = layout.grid;
-    RECT heading{};
-    GetClientRect(ListView_GetHeader(grid_.window()), &heading);
-    where.top = std::min(where.top + heading.bottom, where.bottom);
+    where.top = std::min(where.top + headingHeight(), where.bottom);
   }
   put(notice_, where);
-  SetWindowPos(notice_, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
   ShowWindow(notice_, SW_SHOWNA);
 }
 
@@ -138,21 +147,30 @@ void MainWindow::placeStatus() {
   SendMessageW(status_, SB_SETPARTS, statusParts, reinterpret_cast<LPARAM>(ends.data()));
 }
 
-// Pictures take the size of what they stand on, so the form knows its own.
-void MainWindow::tellModelOfPlaces(const Layout&) {
-  if (form_ == nullptr || IsIconic(window_)) return;
+// A picture takes the size of the panel it stands behind, so the form knows its own size and its panels'.
+void MainWindow::tellModelOfPlaces() {
+  if (form_ == nullptr) return;
   const SIZE client = clientSize(window_);
   ownChange_ = true;
-  const auto tell = [&](std::u16string_view property, int pixels) {
-    if (form_->self().has(property)) form_->self().set(property, toTwips(pixels, dpi_));
-  };
-  tell(u"Width", static_cast<int>(client.cx));
-  tell(u"Height", static_cast<int>(client.cy));
+  tellPlace(form_->self(), {0, 0, client.cx, client.cy});
+  for (const auto& each : form_->controls()) {
+    if (each->typeName() != u"PictureBox") continue;
+    const bool header = each->name() == u"imgHeader", detail = each->name() == u"imgDetail";
+    tellPlace(*each, header ? layout_.panel : detail ? layout_.pane : RECT{0, 0, client.cx, client.cy});
+  }
   ownChange_ = false;
 }
 
+void MainWindow::tellPlace(Control& panel, const RECT& pixels) const {
+  const auto tell = [&](std::u16string_view property, int length) {
+    if (panel.has(property)) panel.set(property, toTwips(length, dpi_));
+  };
+  tell(u"Width", width(pixels));
+  tell(u"Height", height(pixels));
+}
+
 HBRUSH MainWindow::ground() {
-  return background_.brush(clientSize(window_), dpi_, palette_);
+  return background_.brush(clientSize(window_), layout_.panel, palette_);
 }
 
 void MainWindow::paintGround(HDC dc) {

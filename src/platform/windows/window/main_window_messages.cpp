@@ -289,8 +289,11 @@ void MainWindow::lookUpNext() {
   if (wanted.empty() || grid_.size() == 0) return openLookUp();
   const auto from = grid_.selected();
   const auto hit = events_->lookUp(wanted, from ? static_cast<std::ptrdiff_t>(*from) : -1);
-  if (events_ == nullptr) return;
-  lookUp_.tell(hit ? std::u16string{} : texts_.text(ViewText::lookUpNotFound));
+  if (events_ == nullptr) return;  // the window went away meanwhile
+  const bool wrapped = hit && from && *hit <= *from;
+  lookUp_.tell(!hit      ? texts_.text(ViewText::lookUpNotFound)
+               : wrapped ? texts_.text(ViewText::lookUpWrapped)
+                         : std::u16string{});
   if (hit) grid_.select(*hit);
 }
 
@@ -306,10 +309,15 @@ bool MainWindow::translate(MSG& message) {
   return window_ != nullptr && IsDialogMessageW(window_, &message) != FALSE;
 }
 
-// True when the key has been served whole.
+// True when the key has been served whole. Ctrl with 1 to 6 is a click on the heading of that column.
 bool MainWindow::keyDown(WPARAM key) {
   if (key == 'F' && controlHeld()) {
     openLookUp();
+    return true;
+  }
+  const WPARAM column = key - '1';  // headings by keyboard
+  if (column < columnCount && controlHeld()) {
+    events_->headingClicked(static_cast<int>(column));
     return true;
   }
   if (key == VK_F3) {

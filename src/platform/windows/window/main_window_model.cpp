@@ -43,7 +43,7 @@ void MainWindow::controlChanged(Control& changed, std::u16string_view property) 
     return;
   }
   if (changed.typeName() == u"PictureBox") {
-    background_.update(changed, form_->self());
+    background_.update(changed);
     InvalidateRect(window_, nullptr, TRUE);
     return;
   }
@@ -73,7 +73,7 @@ void MainWindow::applyWhole() {
       applyHeading(*grid, std::u16string(u"Columns(") + digit + u").Caption");
     }
   for (const auto& each : form_->controls())
-    if (each->typeName() == u"PictureBox") background_.update(*each, form_->self());
+    if (each->typeName() == u"PictureBox") background_.update(*each);
   setLamp(true, lit_[0]);
   setLamp(false, lit_[1]);
   showSelected();
@@ -141,7 +141,10 @@ void MainWindow::applyHeading(const Control& grid, std::u16string_view property)
 }
 
 void MainWindow::applyTip(const Control& shown, int id) {
-  const std::u16string tip = textOf(shown, u"ToolTipText");
+  setTip(id, textOf(shown, u"ToolTipText"));
+}
+
+void MainWindow::setTip(int id, const std::u16string& tip) {
   TTTOOLINFOW tool{};
   tool.cbSize = sizeof tool;
   tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;

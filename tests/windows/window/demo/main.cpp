@@ -127,9 +127,7 @@ void showState(View& view, Form& form, const Options& options, FakeRows& rows) {
   else if (options.empty)
     view.setNotice(hintNotice(options.language));
   if (!options.picture.empty()) {
-    Control& back = form.control(u"imgBack");
-    back.set(u"Width", form.self().get(u"Width"));
-    back.set(u"Height", form.self().get(u"Height"));
+    Control& back = form.control(u"imgBackground");
     back.set(u"Picture", options.picture);
   }
 }

@@ -1,10 +1,10 @@
-#include "devhost/core/files.h"
+#include "zulsim/core/files.h"
 
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 
-namespace vordane::devhost {
+namespace vordane::files {
 
 std::optional<std::string> readFile(const std::u16string& path) {
   std::ifstream in(std::filesystem::path(path), std::ios::binary);
@@ -28,4 +28,4 @@ std::u16string besideFile(const std::u16string& file, const std::u16string& dire
   return (place / std::filesystem::path(name)).u16string();
 }
 
-}  // namespace vordane::devhost
+}  // namespace vordane::files

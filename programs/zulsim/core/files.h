@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace vordane::devhost {
+namespace vordane::files {
 
 std::optional<std::string> readFile(const std::u16string& path);  // nothing when it can't be read
 bool writeFile(const std::u16string& path, std::string_view bytes);
@@ -13,4 +13,4 @@ bool writeFile(const std::u16string& path, std::string_view bytes);
 std::u16string besideFile(const std::u16string& file, const std::u16string& directory,
                           const std::u16string& name);
 
-}  // namespace vordane::devhost
+}  // namespace vordane::files

@@ -1,0 +1,25 @@
+#include <iostream>
+
+#include "access_reading.h"
+#include "commands.h"
+#include "import_suite.h"
+
+namespace vordane::tools {
+
+int import(const Arguments& arguments) {
+  if (arguments.size() != 1) {
+    std::cerr << "usage: vordane-tools import SUITE_DIR\n";
+    return 2;
+  }
+  const auto files = importSuite(std::filesystem::path(arguments.front()), accessReading());
+  for (const ImportedFile& file : files) {
+    std::cout << file.path.string() << ": brought over, the Access file is kept as "
+              << file.kept.filename().string() << '\n';
+    for (const ImportedTable& table : file.tables)
+      std::cout << "  " << table.name << ": " << table.rows << " rows\n";
+  }
+  if (files.empty()) std::cout << "no Access files of the suite below " << arguments.front() << '\n';
+  return 0;
+}
+
+}  // namespace vordane::tools

@@ -1,0 +1,53 @@
+#include <iostream>
+#include <string>
+
+#include "commands.h"
+#include "language_check.h"
+#include "suite_files.h"
+
+namespace vordane::tools {
+namespace {
+
+struct SuiteOptions {
+  std::string directory, language = "en", source = "data";
+};
+
+bool parse(const Arguments& arguments, SuiteOptions& options) {
+  for (std::size_t at = 0; at < arguments.size(); ++at) {
+    const std::string& argument = arguments[at];
+    const bool named = argument == "--language" || argument == "--source";
+    if (named && at + 1 == arguments.size()) return false;
+    if (argument == "--language")
+      options.language = arguments[++at];
+    else if (argument == "--source")
+      options.source = arguments[++at];
+    else if (argument.starts_with("--") || !options.directory.empty())
+      return false;
+    else
+      options.directory = argument;
+  }
+  return !options.directory.empty();
+}
+
+}  // namespace
+
+int suite(const Arguments& arguments) {
+  SuiteOptions options;
+  if (!parse(arguments, options)) {
+    std::cerr << "usage: vordane-tools suite DIR [--language en] [--source data]\n";
+    return 2;
+  }
+  Problems problems;
+  const LanguageSource source =
+      readLanguage(toPath(options.source) / "language" / toPath(options.language), problems);
+  checkLanguage(source, problems);
+  if (!problems.empty()) {
+    for (const std::string& problem : problems) std::cerr << problem << '\n';
+    return 1;
+  }
+  makeSuiteFiles({toPath(options.directory)}, source);
+  std::cout << "made the data files of " << options.directory << '\n';
+  return 0;
+}
+
+}  // namespace vordane::tools

@@ -1,0 +1,98 @@
+#include "suite_files.h"
+
+#include <array>
+#include <fstream>
+#include <span>
+
+#include "background_pictures.h"
+#include "language_build.h"
+#include "lines.h"
+#include "platform/sqlite/schema.h"
+#include "text/utf8.h"
+
+namespace vordane::tools {
+namespace {
+
+using database::Value;
+using Row = std::vector<Value>;
+namespace fs = std::filesystem;
+
+struct Job {
+  std::int32_t key, wait;
+  bool errorStop;
+  std::int32_t count;
+  const char16_t* file;
+  std::int32_t kind;
+};
+
+// Jobs to try the scheduler with; kind 2 fetches the fault list, the others are not this add-in's.
+constexpr std::array<Job, 4> sampleJobs{{
+    {1, 0, true, 1, u"FAULT", 2},
+    {2, 2, true, 3, u"FAULT", 2},
+    {3, 2, false, 3, u"FAULT", 2},
+    {4, 0, true, 1, u"OTHER", 1},
+}};
+
+void writeFile(const fs::path& path, const std::string& bytes) {
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  out << bytes;
+  out.close();
+  if (!out) throw ToolError(text::toUtf8(toText(path)) + ": can't be written");
+}
+
+void makeRegistration(const fs::path& path) {
+  sqlite::DatabaseWriter writer(toText(path));
+  writer.createTables(sqlite::schema::registration());
+  writer.insert(u"Registry", Row{std::u16string(u"VORDANE.WRX"), std::u16string(u"Maintenance"),
+                                 std::u16string(u"Fault Display"),
+                                 std::u16string(u"Shows the faults of an exchange"), std::u16string{}});
+  writer.finish();
+}
+
+void makeSchedule(const fs::path& path) {
+  sqlite::DatabaseWriter writer(toText(path));
+  writer.createTables(sqlite::schema::schedule());
+  for (const Job& job : sampleJobs)
+    writer.insert(u"Options", Row{job.key, job.wait, job.errorStop, job.count, true, true, std::int32_t{100},
+                                  std::u16string(job.file), job.kind});
+  writer.finish();
+}
+
+// The layout of the printed report, for hosts that take a text with places to fill in.
+constexpr const char* reportTemplate =
+    "title={PbxList.PBXName}\r\n"
+    "columns={FaultDisplay.Count}\t{FaultDisplay.Date}\t{FaultDisplay.Fault}\t{FaultDisplay.Alarm}\t"
+    "{FaultDisplay.CPU}\t{FaultDisplay.Description}\r\n";
+
+// What the help file's viewer would show: current Windows has none for ".HLP" files.
+std::string helpText(const LanguageSource& language) {
+  std::string out = "\xEF\xBB\xBF";
+  for (const SourceRow& row : language.help)
+    out += text::toUtf8(row.fields[0]) + "\r\n    " + text::toUtf8(row.fields[1]) + "\r\n\r\n";
+  return out;
+}
+
+void makeOnce(const fs::path& path, void (*make)(const fs::path&)) {
+  if (!fs::exists(path)) make(path);
+}
+
+}  // namespace
+
+void makeSuiteFiles(const SuiteLayout& layout, const LanguageSource& language) {
+  for (const fs::path& folder :
+       {layout.ownDatabases(), layout.help(), layout.report(), layout.sharedDatabases(), layout.pictures()})
+    fs::create_directories(folder);
+  makeOnce(layout.ownDatabases() / "FAULT.MDB", [](const fs::path& path) {
+    sqlite::createDatabase(toText(path), sqlite::schema::faultDatabase());
+  });
+  makeOnce(layout.sharedDatabases() / "Register.mdb", makeRegistration);
+  makeOnce(layout.sharedDatabases() / "Schedule.mdb", makeSchedule);
+  buildOwnLanguage(language, layout.ownDatabases() / "VORDANE.LNG");
+  buildCommonLanguage(language, layout.sharedDatabases() / "Common.LNG");
+  for (const BackgroundPicture& picture : backgroundPictures())
+    writeFile(layout.pictures() / picture.file, drawPicture(picture));
+  writeFile(layout.report() / "FAULT.RPT", reportTemplate);
+  writeFile(layout.help() / "VORDANE.TXT", helpText(language));
+}
+
+}  // namespace vordane::tools

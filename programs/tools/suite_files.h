@@ -1,0 +1,25 @@
+// The data files of an installed suite.
+#pragma once
+
+#include <filesystem>
+
+#include "language_source.h"
+
+namespace vordane::tools {
+
+// Where things stand below the version directory ("...\QUILMAR32\30000").
+struct SuiteLayout {
+  std::filesystem::path root;
+  std::filesystem::path ownDatabases() const { return root / "ADDINS" / "DATABASE"; }
+  std::filesystem::path help() const { return root / "ADDINS" / "HELP"; }
+  std::filesystem::path report() const { return root / "ADDINS" / "REPORT"; }
+  std::filesystem::path sharedDatabases() const { return root / "QUIL32" / "DATABASE"; }
+  std::filesystem::path pictures() const { return root / "BACKGRND"; }
+};
+
+// Makes every data file that is missing. What a user's work may have changed (stored faults, registration,
+// jobs) stays when it is there; texts, pictures, report and help are made anew. Throws ToolError or
+// database::DatabaseError.
+void makeSuiteFiles(const SuiteLayout& layout, const LanguageSource& language);
+
+}  // namespace vordane::tools

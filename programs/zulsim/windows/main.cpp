@@ -1,0 +1,144 @@
+// Zulsim.exe: the simulated exchange as an automation server of its own.
+//
+//   Zulsim.exe /RegServer | /UnregServer
+//   Zulsim.exe [SCENARIO]       started by hand: serves until it is ended
+//
+// Without SCENARIO (and when automation starts it) the scenario is Zulsim.zul beside the program, else
+// scenarios\demo.zul below it. It writes a log when a file Zulsim.log lies beside it.
+#include <windows.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/command_line.h"
+#include "platform/registration.h"
+#include "platform/windows/com/apartment.h"
+#include "platform/windows/com/class_server.h"
+#include "platform/windows/com/objects.h"
+#include "platform/windows/com/registrar.h"
+#include "platform/windows/services/services.h"
+#include "text/numbers.h"
+#include "text/utf8.h"
+#include "zulsim/core/exchange_server.h"
+#include "zulsim/core/files.h"
+#include "zulsim/core/scenario_parser.h"
+#include "zulsim/windows/timers.h"
+
+namespace vordane::zulsim {
+namespace {
+
+std::u16string directoryOf(const std::u16string& path) {
+  return path.substr(0, path.find_last_of(u"\\/") + 1);
+}
+
+class WindowsServices : public Services {
+ public:
+  explicit WindowsServices(std::u16string logFile) : logFile_(std::move(logFile)) {}
+
+  void after(int milliseconds, std::function<void()> step) override {
+    timers_.after(milliseconds, std::move(step));
+  }
+  void pause(int milliseconds) override {
+    com::serveMessagesUntil([] { return false; }, milliseconds);
+  }
+  void vanish() override { TerminateProcess(GetCurrentProcess(), 1); }
+
+  void log(std::u16string_view line) override {
+    windows::SystemFiles files;
+    if (!files.exists(logFile_)) return;  // whoever wants a log makes the file
+    SYSTEMTIME now;
+    GetLocalTime(&now);
+    const std::u16string time =
+        text::decimalPadded(now.wHour, 2) + u":" + text::decimalPadded(now.wMinute, 2) + u":" +
+        text::decimalPadded(now.wSecond, 2) + u"." + text::decimalPadded(now.wMilliseconds, 3);
+    files.append(logFile_, text::toUtf8(time + u" " + std::u16string(line) + u"\r\n"));
+  }
+
+ private:
+  std::u16string logFile_;
+  Timers timers_;
+};
+
+// A server whose scenario can't be used says so to whoever logs in, since it has no other voice.
+class BrokenServer : public ExchangeServer {
+ public:
+  BrokenServer(std::shared_ptr<Simulation> simulation, std::u16string reason)
+      : ExchangeServer(std::move(simulation)), reason_(std::move(reason)) {}
+
+ protected:
+  automation::Value invokeMember(std::size_t, automation::CallKind,
+                                 std::span<automation::Argument>) override {
+    throw automation::AutomationError(automation::error::exception, reason_, u"Zulsim");
+  }
+
+ private:
+  std::u16string reason_;
+};
+
+std::u16string scenarioFile(const std::u16string& directory, const std::u16string& wanted) {
+  if (!wanted.empty()) return wanted;
+  const std::u16string own = directory + u"Zulsim.zul";
+  return windows::SystemFiles().exists(own) ? own : directory + u"scenarios\\demo.zul";
+}
+
+ParsedScenario load(const std::u16string& file) {
+  const auto bytes = files::readFile(file);
+  if (bytes) return parseScenario(*bytes);
+  return {{}, {{0, u"the scenario can't be read"}}};
+}
+
+registration::Server registrationOf(const std::u16string& path) {
+  const automation::ClassTable& table = ExchangeServer::classTable();
+  return {path,
+          {{std::u16string(table.progId),
+            text::fromUtf8(table.clsid),
+            std::u16string(table.description),
+            {},
+            {}}},
+          std::nullopt};
+}
+
+int serve(const std::u16string& directory, const platform::CommandLine& commandLine) {
+  const bool byHand = commandLine.start == platform::Start::byHand;
+  com::Apartment apartment;
+  com::setErrorSource(u"Zulsim");
+  WindowsServices services(directory + u"Zulsim.log");
+  const std::u16string file = scenarioFile(directory, byHand ? commandLine.text : std::u16string{});
+  const ParsedScenario parsed = load(file);
+  const std::u16string problems = lines::listing(file, parsed.problems);
+  if (!problems.empty()) services.log(problems);
+  if (!problems.empty() && byHand) {
+    MessageBoxW(nullptr, com::wide(problems.c_str()), L"Zulsim", MB_OK | MB_ICONERROR);
+    return 2;
+  }
+  const auto simulation = std::make_shared<Simulation>(parsed.scenario, services);
+  com::ClassServer server(apartment);
+  server.serve({{std::string(ExchangeServer::classTable().clsid), [&]() -> automation::ObjectRef {
+                   if (!problems.empty()) return std::make_shared<BrokenServer>(simulation, problems);
+                   return std::make_shared<ExchangeServer>(simulation);
+                 }}});
+  if (byHand) server.stay();
+  return com::runMessageLoop();
+}
+
+int run() {
+  const std::u16string path = windows::executablePath();
+  const std::u16string_view whole = com::fromWide(GetCommandLineW());
+  const platform::CommandLine commandLine = platform::parseCommandLine(platform::withoutProgramName(whole));
+  if (commandLine.start == platform::Start::registerServer) return com::registerServer(registrationOf(path));
+  if (commandLine.start == platform::Start::unregisterServer)
+    return com::unregisterServer(registrationOf(path));
+  return serve(directoryOf(path), commandLine);
+}
+
+}  // namespace
+}  // namespace vordane::zulsim
+
+int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
+  try {
+    return vordane::zulsim::run();
+  } catch (const std::exception&) {
+    return 1;  // whoever starts it through automation gets the creation's error
+  }
+}

@@ -1,0 +1,77 @@
+// A folder of the test's own, whose files the database engine finds by their last name whatever directory a
+// Windows path puts in front of it.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "platform/sqlite/engine.h"
+#include "platform/sqlite/schema.h"
+
+namespace vordane::fakes {
+
+class FolderEngine : public database::Engine {
+ public:
+  FolderEngine() : folder_(makeFolder()), engine_(sqlite::makeEngine()) {}
+  FolderEngine(const FolderEngine&) = delete;
+  FolderEngine& operator=(const FolderEngine&) = delete;
+  ~FolderEngine() override {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_, ignored);
+  }
+
+  std::unique_ptr<database::Database> open(std::u16string_view path, bool readOnly) override {
+    opened.push_back({std::u16string(path), readOnly});
+    return engine_->open(file(path.substr(path.rfind(u'\\') + 1)), readOnly);
+  }
+
+  std::u16string file(std::u16string_view name) const { return (folder_ / name).u16string(); }
+  const std::filesystem::path& folder() const { return folder_; }
+
+  struct Opened {
+    std::u16string path;
+    bool readOnly;
+  };
+  std::vector<Opened> opened;
+
+ private:
+  static std::filesystem::path makeFolder() {
+    static int number = 0;
+    const auto base = std::filesystem::temp_directory_path();
+    for (;;) {
+      auto folder = base / ("vordane-test-" + std::to_string(reinterpret_cast<std::uintptr_t>(&number)) +
+                            "-" + std::to_string(++number));
+      if (std::filesystem::create_directory(folder)) return folder;
+    }
+  }
+
+  std::filesystem::path folder_;
+  std::unique_ptr<database::Engine> engine_;
+};
+
+// A new database in the folder with one table and its rows.
+using Row = std::vector<database::Value>;
+struct NewTable {
+  sqlite::TableDefinition definition;
+  std::vector<Row> rows;
+};
+inline void makeDatabase(const FolderEngine& engine, std::u16string_view name,
+                         const std::vector<NewTable>& tables) {
+  sqlite::DatabaseWriter writer(engine.file(name), true);
+  for (const NewTable& table : tables) {
+    writer.createTable(table.definition);
+    for (const Row& row : table.rows) writer.insert(table.definition.name, row);
+  }
+  writer.finish();
+}
+
+// One of the documented tables, by name.
+inline const sqlite::TableDefinition& tableNamed(std::span<const sqlite::TableDefinition> tables,
+                                                 std::u16string_view name) {
+  for (const auto& table : tables)
+    if (table.name == name) return table;
+  throw std::out_of_range("no such table");
+}
+
+}  // namespace vordane::fakes

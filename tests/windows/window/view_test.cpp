@@ -1,0 +1,554 @@
+// The real window over fakes: messages go in, events come out, and what the form says is shown.
+#include <windows.h>
+
+#include <commctrl.h>
+#include <objbase.h>
+#include <richedit.h>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "platform/windows/window/children.h"
+#include "platform/windows/window/detail_pane.h"
+#include "platform/windows/window/geometry.h"
+#include "platform/windows/window/win32_view.h"
+#include "windows/window/fake_form.h"
+
+namespace vordane::window::win32 {
+namespace {
+
+using namespace testing;
+
+struct RecordedEvents : ViewEvents {
+  std::vector<int> buttons, headings, exchanges, keys;
+  std::vector<std::u16string> pressed;  // control and button
+  std::vector<std::pair<std::u16string, std::ptrdiff_t>> lookUps;
+  std::optional<std::size_t> hit;
+  int closes = 0, ticks = 0, whatsThis = 0;
+  std::function<void()> onButton;
+
+  void buttonPressed(int action) override {
+    buttons.push_back(action);
+    if (onButton) onButton();
+  }
+  void headingClicked(int column) override { headings.push_back(column); }
+  void exchangeChosen(int listIndex) override { exchanges.push_back(listIndex); }
+  void closeAsked() override { ++closes; }
+  void keyPressed(int keyCode) override { keys.push_back(keyCode); }
+  void mousePressed(Control& control, int button) override {
+    pressed.push_back(control.name() + u" " + static_cast<char16_t>(u'0' + button));
+  }
+  void whatsThisChosen() override { ++whatsThis; }
+  std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t after) override {
+    lookUps.emplace_back(text, after);
+    return hit;
+  }
+  void tick() override { ++ticks; }
+};
+
+class ViewTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    view->attach(form, events);
+    for (const char16_t* name : {u"PBX-1", u"PBX-2", u"PBX-3"}) exchanges().addItem(name);
+    exchanges().setListIndex(0);
+    view->setRows(&rows);
+    view->setVisible(true);
+    pump();
+  }
+  void TearDown() override { view->detach(); }
+
+  HWND item(int id) const { return GetDlgItem(view->window(), id); }
+  HWND heading() const { return ListView_GetHeader(item(idGrid)); }
+  Control& exchanges() { return form.control(u"drpPBXList"); }
+  void press(int id) { SendMessageW(item(id), BM_CLICK, 0, 0); }
+
+  // Serves what is waiting, as a message loop does, for at least `milliseconds`.
+  void pump(DWORD milliseconds = 0) {
+    const ULONGLONG end = GetTickCount64() + milliseconds;
+    do {
+      MSG message;
+      while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+        if (view->translate(message)) continue;
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+      }
+      if (milliseconds > 0) Sleep(2);
+    } while (GetTickCount64() < end);
+  }
+  void key(HWND window, WPARAM code) {
+    PostMessageW(window, WM_KEYDOWN, code, 1);
+    pump();
+  }
+  void clickHeading(int column) {
+    RECT place;
+    Header_GetItemRect(heading(), column, &place);
+    const LPARAM at = MAKELPARAM(place.left + 12, place.top + 6);
+    SendMessageW(heading(), WM_LBUTTONDOWN, MK_LBUTTON, at);
+    SendMessageW(heading(), WM_LBUTTONUP, 0, at);
+    pump();
+  }
+  void choose(int entry, int code) {
+    SendMessageW(item(idExchange), CB_SETCURSEL, static_cast<WPARAM>(entry), 0);
+    SendMessageW(view->window(), WM_COMMAND, MAKEWPARAM(idExchange, code),
+                 reinterpret_cast<LPARAM>(item(idExchange)));
+  }
+
+  Form form = makeForm(Language::english);
+  FakeTexts texts{Language::english};
+  FakeSettings settings;
+  FakeRows rows{Language::english, 100};
+  RecordedEvents events;
+  std::unique_ptr<Win32View> view = makeWin32View(texts, settings);
+};
+
+TEST_F(ViewTest, eachButtonIsItsAction) {
+  for (const int id : {idRequest, idReset, idPrint, idClear, idClose}) press(id);
+  EXPECT_EQ(events.buttons, (std::vector<int>{0, 1, 2, 3, 4}));
+}
+
+TEST_F(ViewTest, lookUpButtonIsNoAction) {
+  press(idLookUp);
+  EXPECT_TRUE(events.buttons.empty());
+  EXPECT_TRUE(IsWindowVisible(item(idLookUpText)));
+}
+
+TEST_F(ViewTest, aDisabledButtonTakesNoClickAndNoCommand) {
+  form.control(u"cmdPrint").set(u"Enabled", false);
+  EXPECT_FALSE(IsWindowEnabled(item(idPrint)));
+  PostMessageW(view->window(), WM_COMMAND, MAKEWPARAM(idPrint, BN_CLICKED),
+               reinterpret_cast<LPARAM>(item(idPrint)));
+  pump();
+  EXPECT_TRUE(events.buttons.empty());
+}
+
+TEST_F(ViewTest, whileInputIsDisabledOnlyTheFrameWorks) {
+  form.control(u"cmdPrint").set(u"Enabled", false);
+  view->setInputEnabled(false);
+  for (const int id : {idRequest, idClose, idPrint})
+    PostMessageW(view->window(), WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(item(id)));
+  pump();
+  choose(1, CBN_SELCHANGE);
+  clickHeading(2);
+  key(item(idGrid), VK_F1);
+  key(view->window(), VK_F3);
+  EXPECT_FALSE(IsWindowEnabled(item(idGrid)));
+  EXPECT_TRUE(events.buttons.empty());
+  EXPECT_TRUE(events.exchanges.empty());
+  EXPECT_TRUE(events.headings.empty());
+  EXPECT_TRUE(events.keys.empty());
+  EXPECT_TRUE(IsWindowEnabled(view->window()));
+  SendMessageW(view->window(), WM_CLOSE, 0, 0);
+  EXPECT_EQ(events.closes, 1);
+  SetWindowPos(view->window(), nullptr, 10, 10, 900, 600, SWP_NOZORDER);
+  RECT now;
+  GetWindowRect(view->window(), &now);
+  EXPECT_EQ(width(now), 900);
+
+  view->setInputEnabled(true);
+  EXPECT_TRUE(IsWindowEnabled(item(idRequest)));
+  EXPECT_FALSE(IsWindowEnabled(item(idPrint)));  // as the form has it
+}
+
+TEST_F(ViewTest, aHeadingClickNamesTheColumnItself) {
+  clickHeading(2);
+  EXPECT_EQ(events.headings, (std::vector<int>{2}));
+}
+
+TEST_F(ViewTest, aMovedColumnKeepsItsIndex) {
+  int order[] = {4, 5, 0, 1, 2, 3};
+  ListView_SetColumnOrderArray(item(idGrid), 6, order);
+  clickHeading(4);
+  clickHeading(0);
+  clickHeading(5);
+  EXPECT_EQ(events.headings, (std::vector<int>{4, 0, 5}));
+}
+
+TEST_F(ViewTest, theSortMarkStandsOnOneHeading) {
+  view->setSortMark(3, false);
+  view->setSortMark(2, true);
+  for (int column = 0; column < 6; ++column) {
+    HDITEMW info{};
+    info.mask = HDI_FORMAT;
+    Header_GetItem(heading(), column, &info);
+    EXPECT_EQ((info.fmt & HDF_SORTDOWN) != 0, column == 2);
+    EXPECT_EQ((info.fmt & HDF_SORTUP) != 0, false);
+  }
+}
+
+TEST_F(ViewTest, closingAsksAndDoesNotClose) {
+  SendMessageW(view->window(), WM_CLOSE, 0, 0);
+  EXPECT_EQ(events.closes, 1);
+  EXPECT_TRUE(IsWindow(view->window()));
+}
+
+TEST_F(ViewTest, f1ReachesTheFormFromEveryChild) {
+  for (const int id : {idGrid, idExchange, idPane, idRequest}) key(item(id), VK_F1);
+  EXPECT_EQ(events.keys, (std::vector<int>{112, 112, 112, 112}));
+}
+
+TEST_F(ViewTest, aRightPressOnTheExplainedControls) {
+  for (const int id : {idExchangeLabel, idMajor, idMinor, idReceivedLabel, idReceived, idRequest, idExchange})
+    SendMessageW(item(id), WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(3, 3));
+  EXPECT_EQ(events.pressed, (std::vector<std::u16string>{u"lblListups 2", u"lblMJ 2", u"lblMN 2",
+                                                         u"lblTimetag 2", u"txtTimeTag 2"}));
+}
+
+TEST_F(ViewTest, choosingAnExchange) {
+  choose(2, CBN_SELCHANGE);
+  EXPECT_EQ(events.exchanges, (std::vector<int>{2}));
+  EXPECT_EQ(exchanges().listIndex(), 2);
+}
+
+TEST_F(ViewTest, theListFollowsTheForm) {
+  exchanges().clearItems();
+  EXPECT_EQ(SendMessageW(item(idExchange), CB_GETCOUNT, 0, 0), 0);
+  exchanges().addItem(u"Ж");
+  exchanges().addItem(u"B");
+  exchanges().setListIndex(1);
+  EXPECT_EQ(SendMessageW(item(idExchange), CB_GETCOUNT, 0, 0), 2);
+  EXPECT_EQ(SendMessageW(item(idExchange), CB_GETCURSEL, 0, 0), 1);
+  wchar_t text[8];
+  SendMessageW(item(idExchange), CB_GETLBTEXT, 0, reinterpret_cast<LPARAM>(text));
+  EXPECT_STREQ(text, L"Ж");
+  EXPECT_TRUE(events.exchanges.empty());  // only a person chooses
+}
+
+TEST_F(ViewTest, captionsFollowTheForm) {
+  form.self().set(u"Caption", std::u16string(u"Список (PBX-2)"));
+  form.control(u"cmdRequest").set(u"Caption", std::u16string(u"要求(&R)"));
+  form.control(u"txtTimeTag").set(u"Text", std::u16string(u"12:00"));
+  form.control(u"grdDisplayFault").set(u"Columns(4).Caption", std::u16string(u"Störung"));
+  EXPECT_EQ(windowText(view->window()), u"Список (PBX-2)");
+  EXPECT_EQ(windowText(item(idRequest)), u"要求(&R)");
+  EXPECT_EQ(windowText(item(idReceived)), u"12:00");
+  wchar_t text[32] = L"";
+  HDITEMW info{};
+  info.mask = HDI_TEXT;
+  info.pszText = text;
+  info.cchTextMax = 32;
+  Header_GetItem(heading(), 4, &info);
+  EXPECT_STREQ(text, L"Störung");
+}
+
+TEST_F(ViewTest, fontsFollowTheForm) {
+  form.control(u"cmdRequest").set(u"FontSize", 18.0);
+  pump();
+  LOGFONTW font{};
+  const auto handle = reinterpret_cast<HFONT>(SendMessageW(item(idRequest), WM_GETFONT, 0, 0));
+  GetObjectW(handle, sizeof font, &font);
+  EXPECT_EQ(-font.lfHeight, MulDiv(18, static_cast<int>(GetDpiForWindow(view->window())), 72));
+}
+
+TEST_F(ViewTest, lampsSayTheirStateInWords) {
+  view->setLamp(true, true);
+  view->setLamp(false, false);
+  EXPECT_EQ(windowText(item(idMajor)), u"MAJOR: alarm");
+  EXPECT_EQ(windowText(item(idMinor)), u"MINOR: clear");
+  EXPECT_EQ(form.control(u"lblMJ").text(u"Caption"), u"MJ");
+}
+
+TEST_F(ViewTest, statusPartsHoldTheirTexts) {
+  view->setStatus(0, u"account");
+  view->setStatus(2, u"wide");
+  wchar_t text[32] = L"";
+  SendMessageW(item(idStatus), SB_GETTEXTW, 0, reinterpret_cast<LPARAM>(text));
+  EXPECT_STREQ(text, L"account");
+  SendMessageW(item(idStatus), SB_GETTEXTW, 2, reinterpret_cast<LPARAM>(text));
+  EXPECT_STREQ(text, L"wide");
+}
+
+TEST_F(ViewTest, theNoticeStandsWhereRowsAreMissing) {
+  view->setRows(nullptr);
+  view->setNotice(u"Press Request");
+  pump();
+  EXPECT_TRUE(IsWindowVisible(item(idNotice)));
+  EXPECT_EQ(windowText(item(idNotice)), u"Press Request");
+  RECT notice, grid;
+  GetWindowRect(item(idNotice), &notice);
+  GetWindowRect(item(idGrid), &grid);
+  EXPECT_GE(notice.top, grid.bottom);
+  EXPECT_GT(height(notice), 100);
+  view->setRows(&rows);
+  GetWindowRect(item(idNotice), &notice);
+  GetWindowRect(item(idGrid), &grid);
+  EXPECT_LE(notice.bottom, grid.top);
+  view->setNotice(u"");
+  EXPECT_FALSE(IsWindowVisible(item(idNotice)));
+}
+
+TEST_F(ViewTest, oneStartIsOneTick) {
+  view->startTimer(20);
+  pump(300);
+  EXPECT_EQ(events.ticks, 1);
+}
+
+TEST_F(ViewTest, startingAnewIsStillOneTick) {
+  view->startTimer(10);
+  view->startTimer(30);
+  pump(300);
+  EXPECT_EQ(events.ticks, 1);
+}
+
+TEST_F(ViewTest, aStoppedTimerDoesNotTickThoughItsMessageWaits) {
+  view->startTimer(10);
+  Sleep(60);
+  view->stopTimer();
+  pump(100);
+  EXPECT_EQ(events.ticks, 0);
+}
+
+TEST_F(ViewTest, aStaleMessageIsNoTick) {
+  view->startTimer(60'000);
+  for (WPARAM stale = 0x1000; stale < 0x1002; ++stale) PostMessageW(view->window(), WM_TIMER, stale - 1, 0);
+  pump(50);
+  EXPECT_EQ(events.ticks, 0);
+}
+
+TEST_F(ViewTest, aDueTickIsServedWithoutItsMessageAndOnlyOnce) {
+  view->startTimer(10);
+  view->serveDueTick();
+  EXPECT_EQ(events.ticks, 0);
+  Sleep(40);
+  view->serveDueTick();
+  EXPECT_EQ(events.ticks, 1);
+  pump(100);
+  view->serveDueTick();
+  EXPECT_EQ(events.ticks, 1);
+}
+
+TEST_F(ViewTest, paintingInsideALongStepTakesNoInput) {
+  PostMessageW(view->window(), WM_COMMAND, MAKEWPARAM(idRequest, BN_CLICKED),
+               reinterpret_cast<LPARAM>(item(idRequest)));
+  view->startTimer(1);
+  Sleep(20);
+  view->setNotice(u"step 1 of 2");
+  view->paintNow();
+  EXPECT_FALSE(GetUpdateRect(item(idNotice), nullptr, FALSE));
+  EXPECT_TRUE(events.buttons.empty());
+  EXPECT_EQ(events.ticks, 0);
+  pump(50);
+  EXPECT_EQ(events.buttons.size(), 1U);
+  EXPECT_EQ(events.ticks, 1);
+}
+
+TEST_F(ViewTest, aMillionRowsFetchOnlyTheOnesInSight) {
+  FakeRows million(Language::english, 1'000'000);
+  view->setRows(&million);
+  pump();
+  view->paintNow();
+  EXPECT_EQ(ListView_GetItemCount(item(idGrid)), 1'000'000);
+  EXPECT_LT(million.fetched, 60U);
+  million.fetched = 0;
+  SendMessageW(item(idGrid), WM_KEYDOWN, VK_END, 1);
+  pump();
+  view->paintNow();
+  EXPECT_EQ(ListView_GetNextItem(item(idGrid), -1, LVNI_SELECTED), 999'999);
+  EXPECT_LT(million.fetched, 60U);
+  view->setRows(nullptr);
+}
+
+TEST_F(ViewTest, screenReadersGetTheCellsTexts) {
+  wchar_t text[80] = L"";
+  LVITEMW asked{};
+  asked.iSubItem = 4;
+  asked.pszText = text;
+  asked.cchTextMax = 80;
+  SendMessageW(item(idGrid), LVM_GETITEMTEXTW, 1, reinterpret_cast<LPARAM>(&asked));
+  EXPECT_STREQ(text, L"Line circuit fault. No answer from line card [equipment C2D]");
+}
+
+TEST_F(ViewTest, thePaneShowsTheSelectedFaultWhole) {
+  ListView_SetItemState(item(idGrid), 1, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+  pump();
+  const std::u16string shown = windowText(item(idPane));
+  EXPECT_NE(shown.find(u"Line circuit fault"), std::u16string::npos);
+  EXPECT_NE(shown.find(u"Data [03 4C 2D 00 00 00 00 00]"), std::u16string::npos);
+}
+
+TEST_F(ViewTest, ctrlCCopiesTheSelectedFault) {
+  BYTE keys[256] = {};
+  keys[VK_CONTROL] = 0x80;
+  SetFocus(item(idGrid));
+  SetKeyboardState(keys);
+  SendMessageW(item(idGrid), WM_KEYDOWN, 'C', 1);
+  keys[VK_CONTROL] = 0;
+  SetKeyboardState(keys);
+  ASSERT_TRUE(OpenClipboard(view->window()));
+  const auto* text = static_cast<const wchar_t*>(GlobalLock(GetClipboardData(CF_UNICODETEXT)));
+  ASSERT_NE(text, nullptr);
+  EXPECT_NE(std::wstring(text).find(L"Cause: program fault"), std::wstring::npos);
+  CloseClipboard();
+}
+
+TEST_F(ViewTest, lookingUpGoesOnFromTheSelectedRow) {
+  press(idLookUp);
+  SetWindowTextW(item(idLookUpText), L"reset");
+  events.hit = 5;
+  press(idLookUpNext);
+  EXPECT_EQ(events.lookUps.back(), (std::pair<std::u16string, std::ptrdiff_t>{u"reset", 0}));
+  EXPECT_EQ(ListView_GetNextItem(item(idGrid), -1, LVNI_SELECTED), 5);
+  events.hit = 12;
+  key(item(idGrid), VK_F3);
+  EXPECT_EQ(events.lookUps.back().second, 5);
+  EXPECT_EQ(windowText(item(idLookUpMessage)), u"");
+  events.hit = 3;
+  key(item(idGrid), VK_F3);
+  EXPECT_EQ(windowText(item(idLookUpMessage)), u"Went on from the top.");
+  events.hit.reset();
+  press(idLookUpNext);
+  EXPECT_EQ(windowText(item(idLookUpMessage)), u"No fault shown here holds this text.");
+  EXPECT_EQ(ListView_GetNextItem(item(idGrid), -1, LVNI_SELECTED), 3);
+}
+
+TEST_F(ViewTest, escClosesTheLookUpBarAndNothingElse) {
+  press(idLookUp);
+  key(item(idLookUpText), VK_ESCAPE);
+  EXPECT_FALSE(IsWindowVisible(item(idLookUpText)));
+  key(item(idGrid), VK_ESCAPE);
+  EXPECT_EQ(events.closes, 0);
+}
+
+TEST_F(ViewTest, lookingUpIsDeadWhileItsButtonIs) {
+  form.control(u"cmdLookUp").set(u"Enabled", false);
+  key(item(idGrid), VK_F3);
+  EXPECT_FALSE(IsWindowVisible(item(idLookUpText)));
+  EXPECT_TRUE(events.lookUps.empty());
+}
+
+TEST_F(ViewTest, aPlaceOffTheScreenIsPulledBack) {
+  view->moveTo(2'000'000, 900'000);
+  RECT now;
+  GetWindowRect(view->window(), &now);
+  RECT common;
+  const RECT title{now.left, now.top, now.right, now.top + 20};
+  const auto areas = workAreas();
+  ASSERT_FALSE(areas.empty());
+  EXPECT_TRUE(IntersectRect(&common, &title, &areas.front()));
+}
+
+TEST_F(ViewTest, aPlaceOnTheScreenComesBackInTwips) {
+  view->moveTo(1500, 1350);  // whole pixels at 96 dots an inch
+  pump();
+  const auto at = view->position();
+  EXPECT_NEAR(at.first, 1500, 15);
+  EXPECT_NEAR(at.second, 1350, 15);
+  const auto screen = view->screenSize();
+  EXPECT_EQ(toPixels(screen.width, static_cast<int>(GetDpiForSystem())), GetSystemMetrics(SM_CXSCREEN));
+  EXPECT_LE(view->windowSize().width, screen.width);
+}
+
+TEST_F(ViewTest, widthsAndOrderAreRemembered) {
+  ListView_SetColumnWidth(item(idGrid), 0, scaled(123, static_cast<int>(GetDpiForWindow(view->window()))));
+  int order[] = {5, 0, 1, 2, 3, 4};
+  ListView_SetColumnOrderArray(item(idGrid), 6, order);
+  view->detach();
+  EXPECT_EQ(settings.values[u"VORDANE|Window|ColumnOrder"], u"5,0,1,2,3,4");
+  EXPECT_EQ(settings.values[u"VORDANE|Window|ColumnWidths"].substr(0, 4), u"123,");
+  view->attach(form, events);
+  int again[6] = {};
+  ListView_GetColumnOrderArray(item(idGrid), 6, again);
+  EXPECT_EQ(again[0], 5);
+  EXPECT_EQ(ListView_GetColumnWidth(item(idGrid), 0),
+            scaled(123, static_cast<int>(GetDpiForWindow(view->window()))));
+}
+
+TEST_F(ViewTest, spoiltSettingsAreLeftOut) {
+  view->detach();
+  settings.values[u"VORDANE|Window|ColumnOrder"] = u"5,5,5";
+  settings.values[u"VORDANE|Window|Place"] = u"99999999,x,1,1";
+  view->attach(form, events);
+  int order[6] = {};
+  ListView_GetColumnOrderArray(item(idGrid), 6, order);
+  EXPECT_EQ(order[0], 0);
+  EXPECT_GT(view->windowSize().width, 1440);
+}
+
+TEST_F(ViewTest, anActionMayTakeTheWindowAway) {
+  events.onButton = [this] { view->detach(); };
+  press(idClose);
+  EXPECT_EQ(view->window(), nullptr);
+  pump(20);
+  view->setNotice(u"late");
+  view->setRows(nullptr);
+  view->setInputEnabled(false);
+  view->startTimer(1);
+  view->stopTimer();
+  EXPECT_EQ(events.buttons, (std::vector<int>{4}));
+}
+
+TEST_F(ViewTest, helpGoesWithTheNextKey) {
+  view->showWhatsThis(form.control(u"lblMJ"), u"The major lamp.");
+  const HWND popup = FindWindowW(L"VordaneHelp", nullptr);
+  ASSERT_NE(popup, nullptr);
+  EXPECT_EQ(windowText(popup), u"The major lamp.");
+  key(item(idGrid), VK_ESCAPE);
+  EXPECT_EQ(FindWindowW(L"VordaneHelp", nullptr), nullptr);
+}
+
+TEST_F(ViewTest, theFormKnowsItsSizeForThePictures) {
+  RECT client;
+  GetClientRect(view->window(), &client);
+  EXPECT_EQ(form.self().number(u"Width"),
+            toTwips(client.right, static_cast<int>(GetDpiForWindow(view->window()))));
+}
+
+class PaneTest : public ViewTest {
+ protected:
+  void SetUp() override {
+    ViewTest::SetUp();
+    pane.create(view->window(), 900);
+    pane.setLook(nullptr, 96, currentPalette());
+    SetWindowPos(pane.window(), nullptr, 0, 0, 600, 120, SWP_NOZORDER);
+    pane.showFault(rows, 1, rows.row(1)->description);
+  }
+  std::vector<std::u16string> marked() const {
+    std::vector<std::u16string> found;
+    for (const Range mark : pane.marks())
+      found.push_back(pane.text().text.substr(mark.begin, mark.end - mark.begin));
+    return found;
+  }
+  COLORREF groundAt(std::size_t position) {
+    const CHARRANGE range{static_cast<LONG>(position), static_cast<LONG>(position) + 1};
+    SendMessageW(pane.window(), EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
+    CHARFORMAT2W look{};
+    look.cbSize = sizeof look;
+    SendMessageW(pane.window(), EM_GETCHARFORMAT, SCF_SELECTION, reinterpret_cast<LPARAM>(&look));
+    return look.crBackColor;
+  }
+  DetailPane pane;
+};
+
+TEST_F(PaneTest, theValuePointedAtMarksItselfAndItsData) {
+  const std::size_t value = pane.text().text.find(u"C2D");
+  pane.point(value + 1);
+  EXPECT_EQ(marked(), (std::vector<std::u16string>{u"C2D", u"C", u"2D"}));
+  const std::size_t data = pane.text().text.find(u"03 4C 2D");
+  EXPECT_EQ(groundAt(data + 4), currentPalette().mark);
+  EXPECT_EQ(groundAt(data + 6), currentPalette().mark);
+  EXPECT_NE(groundAt(data + 3), currentPalette().mark);
+  EXPECT_NE(groundAt(data + 9), currentPalette().mark);
+}
+
+TEST_F(PaneTest, pointingElsewhereTakesTheMarksAway) {
+  const std::size_t value = pane.text().text.find(u"C2D");
+  pane.point(value);
+  pane.point(0);
+  EXPECT_TRUE(marked().empty());
+  EXPECT_NE(groundAt(value), currentPalette().mark);
+}
+
+TEST_F(PaneTest, pastTheEndNothingIsMarked) {
+  pane.point(100'000);
+  EXPECT_TRUE(marked().empty());
+}
+
+}  // namespace
+}  // namespace vordane::window::win32
+
+int main(int count, char** words) {
+  CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+  ::testing::InitGoogleTest(&count, words);
+  return RUN_ALL_TESTS();
+}
