@@ -1,7 +1,7 @@
-// Prints the interface definition of the library it is built with: vordane-idl > Vordane10013.idl
+// Prints the interface definition of VORDANE.EXE's library.
 #include <cstdio>
 
-#include "startup/public_classes.h"
+#include "startup/library.h"
 
 int main() {
   const std::string text = vordane::automation::idlText(vordane::startup::libraryTable());

@@ -4,7 +4,7 @@
 
 #include "startup/basMain.h"
 #include "startup/dlgFaultDisplay.h"
-#include "startup/public_classes.h"
+#include "startup/library.h"
 #include "text/numbers.h"
 #include "text/text.h"
 
@@ -13,12 +13,11 @@ namespace {
 
 using automation::AutomationError;
 using automation::Value;
+using startup::LayerMember;
 
 constexpr std::int16_t runStarted = 0;
 constexpr std::int16_t runError = 10000;
 constexpr std::int16_t runBusy = 10001;
-
-enum Position : std::size_t { registering, visibility, creating, running, cancelling, background };
 
 // What a kind of host that numbers its errors expects: 0x800A0000 + number.
 constexpr std::pair<std::int32_t, int> errorNumbers[] = {
@@ -39,10 +38,6 @@ constexpr int objectNotSet = 91;
 }
 
 }  // namespace
-
-const automation::ClassTable& cOLELayer::classTable() {
-  return startup::layerTable();
-}
 
 cOLELayer::cOLELayer(startup::Application& application) : application_(application) {
   basMain::RegisterAddin(application_);
@@ -143,20 +138,20 @@ Value cOLELayer::invokeMember(std::size_t member, automation::CallKind kind,
                               std::span<automation::Argument> arguments) {
   const auto text = [&](std::size_t i) { return std::get<std::u16string>(arguments[i].value); };
   const auto integer = [&](std::size_t i) { return std::get<std::int16_t>(arguments[i].value); };
-  switch (static_cast<Position>(member)) {
-    case registering:
+  switch (static_cast<LayerMember>(member)) {
+    case LayerMember::registering:
       return RegisterPBX(text(0), std::get<automation::ObjectRef>(arguments[1].value), integer(2));
-    case visibility:
+    case LayerMember::visibility:
       if (!automation::isPut(kind)) return Visible();
       setVisible(std::get<bool>(arguments[0].value));
       return {};
-    case creating:
+    case LayerMember::creating:
       return CreateSchedule(std::get<std::int32_t>(arguments[0].value), integer(1));
-    case running:
+    case LayerMember::running:
       return RunSchedule(text(0));
-    case cancelling:
+    case LayerMember::cancelling:
       return CancelSchedule();
-    case background:
+    case LayerMember::background:
       SetBackGround(integer(0));
       return {};
   }

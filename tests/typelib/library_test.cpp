@@ -4,7 +4,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "startup/public_classes.h"
+#include "startup/library.h"
 
 namespace vordane {
 namespace {

@@ -1,56 +1,38 @@
-// VORDANE.EXE: reads what the command line asks for and wires the parts.
+// VORDANE.EXE: reads what the command line asks for and runs the parts.
 #include <windows.h>
 
-#include <memory>
 #include <string>
-#include <vector>
 
-#include "language/message_numbers.h"
+#include "parts.h"
 #include "pbx/cListRequest.h"
 #include "pbx/cSLVRequest.h"
 #include "platform/command_line.h"
 #include "platform/registration.h"
-#include "platform/windows/com/objects.h"
 #include "platform/windows/com/registrar.h"
 #include "startup/basMain.h"
 #include "startup/cOLELayer.h"
-#include "startup/dlgFaultDisplay.h"
-#include "startup/public_classes.h"
-#include "workstation.h"
+#include "startup/library.h"
 
 namespace vordane {
-
-// A box above the one whose help button was pressed.
-void Workstation::helpMissing(std::u16string_view path) {
-  application.form().showBox(box::helpNotFound, path);
-}
-
 namespace {
 
-std::vector<com::ServedClass> classes(startup::Application& application) {
-  return {
-      {std::string(cOLELayer::classTable().clsid), [&] { return application.createLayer(); }, true},
-      {std::string(cListRequest::classTable().clsid), [&] { return application.createListRequest(); }, false},
-      {std::string(cSLVRequest::classTable().clsid), [&] { return application.createSLVRequest(); }, false}};
+std::vector<com::ServedClass> publicClasses(startup::Application& application) {
+  const auto clsid = [](const automation::ClassTable& table) { return std::string(table.clsid); };
+  return {{clsid(cOLELayer::classTable()), [&] { return application.createLayer(); }, true},
+          {clsid(cListRequest::classTable()), [&] { return application.createListRequest(); }, false},
+          {clsid(cSLVRequest::classTable()), [&] { return application.createSLVRequest(); }, false}};
 }
 
 int serve() {
-  Workstation here;
-  com::setErrorSource(u"Vordane10013");
-  here.apartment.filterCalls(here.application);
-  switch (basMain::Main(here.application)) {
-    case basMain::Start::hostMode:
-      here.process.serve(classes(here.application));
-      break;
-    case basMain::Start::window:
-      break;
-    case basMain::Start::nothing:
-      return 0;
-  }
+  Parts parts;
+  const basMain::Start start = basMain::Main(parts.application);
+  if (start == basMain::Start::nothing) return 0;
+  // A process that a person started offers no class to others.
+  if (start == basMain::Start::hostMode) parts.process.serve(publicClasses(parts.application));
   return com::runMessageLoop([&](MSG& message) {
-    // A host that never stops calling would starve the timer's message.
-    here.view->serveDueTick();
-    return here.view->translate(message);
+    // A host that calls without end would starve the timer's message.
+    parts.view->serveDueTick();
+    return parts.view->translate(message);
   });
 }
 
@@ -69,5 +51,10 @@ int run() {
 }  // namespace vordane
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
-  return vordane::run();
+  // The last of the three places where a failure stops: without the parts there is nothing to say it with.
+  try {
+    return vordane::run();
+  } catch (const std::exception&) {
+    return 1;
+  }
 }

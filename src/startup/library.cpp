@@ -1,4 +1,4 @@
-#include "startup/public_classes.h"
+#include "startup/library.h"
 
 #include "pbx/cListRequest.h"
 #include "pbx/cSLVRequest.h"

@@ -1,8 +1,10 @@
-// The workstation's half of the add-in, as start-up wants it handed in.
+// The workstation's half of the add-in and the application above it, wired. Lives as long as the process has
+// a message loop.
 #pragma once
 
 #include <memory>
 
+#include "language/message_numbers.h"
 #include "language/view_texts.h"
 #include "platform/dao/dao_engine.h"
 #include "platform/engine_choice.h"
@@ -12,36 +14,38 @@
 #include "platform/windows/window/background.h"
 #include "platform/windows/window/win32_view.h"
 #include "startup/application.h"
+#include "startup/dlgFaultDisplay.h"
 
 namespace vordane {
 
-class ReadablePictures : public comPicture::PictureLoader {
+class Pictures final : public comPicture::PictureLoader {
  public:
   bool readable(std::u16string_view path) override { return window::win32::pictureReadable(path); }
 };
 
-// In the order of making: what stands below may use what stands above.
-struct Workstation {
+struct Parts {
   com::Apartment apartment;
   com::ClassServer process{apartment};
-  SharedState state;
   windows::RegistrySettings settings;
   windows::SystemClock clock;
   windows::SystemFiles files;
   windows::ComObjectCreator creator;
-  ReadablePictures pictures;
-  platform::Program program = windows::thisProgram();
+  Pictures pictures;
   std::unique_ptr<database::Engine> engine =
       database::makeEngineChoice(dao::makeEngine(creator), sqlite::makeEngine());
-  MessageTexts words{state};
-  std::unique_ptr<window::win32::Win32View> view = window::win32::makeWin32View(words, settings);
-  windows::SystemMessageBoxes boxes{[this] { return view->window(); },
-                                    [this](auto path) { helpMissing(path); }};
-  startup::Application application{
-      {settings, clock, files, creator, boxes, *engine, *view, pictures, process, program}, state};
 
- private:
-  void helpMissing(std::u16string_view path);
+  SharedState state;
+  MessageTexts viewTexts{state};
+  std::unique_ptr<window::win32::Win32View> view = window::win32::makeWin32View(viewTexts, settings);
+  windows::SystemMessageBoxes boxes{[this] { return view->window(); },
+                                    [this](std::u16string_view path) { tellHelpMissing(path); }};
+  startup::Application application{
+      {settings, clock, files, creator, boxes, *engine, *view, pictures, process, windows::thisProgram()},
+      state};
+
+  Parts() { apartment.filterCalls(application); }
+
+  void tellHelpMissing(std::u16string_view path) { application.form().showBox(box::helpNotFound, path); }
 };
 
 }  // namespace vordane
