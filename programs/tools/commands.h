@@ -8,6 +8,7 @@ namespace vordane::tools {
 int decode(const Arguments& arguments);
 int import(const Arguments& arguments);
 int language(const Arguments& arguments);
+int list(const Arguments& arguments);
 int suite(const Arguments& arguments);
 
 }  // namespace vordane::tools

@@ -15,6 +15,7 @@ constexpr Command commands[] = {
      decode},
     {"language", "language check FOLDER ... | language build [--common] FOLDER OUT.LNG", language},
     {"import", "import SUITE_DIR", import},
+    {"list", "list FAULT.MDB [--exchange NAME] [--csv | --count]", list},
     {"suite", "suite DIR [--language en] [--source data]", suite},
 };
 
