@@ -1,4 +1,5 @@
 // The start of the process: paths, language databases, the first failure ends it.
+#include "language/view_texts.h"
 #include "startup/story.h"
 
 namespace vordane::startup {
@@ -47,7 +48,7 @@ TEST_F(Start, MissingProjectTextsEndTheProcess) {
 
 TEST_F(Start, TheDrawingsWordsAreMessages) {
   start();
-  MessageViewTexts words(state);
+  MessageTexts words(state);
   EXPECT_EQ(words.text(window::ViewText::majorLit), u"M165");
   EXPECT_EQ(words.text(window::ViewText::noSelection), u"M220");
 }
