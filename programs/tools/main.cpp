@@ -13,6 +13,7 @@ constexpr Command commands[] = {
     {"decode",
      "decode (--language FILE | --messages FILE [--lists FILE]) [--narrow] [--explain] < records.tsv",
      decode},
+    {"doctor", "doctor SUITE_DIR", doctor},
     {"language", "language check FOLDER ... | language build [--common] FOLDER OUT.LNG", language},
     {"import", "import SUITE_DIR", import},
     {"list", "list FAULT.MDB [--exchange NAME] [--csv | --count]", list},
