@@ -15,10 +15,12 @@ var caller = {
   }
 };
 
-// What the exchange reads of a record.
+// What the exchange reads of a record. Members that are plain values can't be read as methods here, which is
+// how a late-bound reader asks; functions can.
 function request(id, first, second) {
   return {
-    LoginID: id, Tag: "10", PBXName: "PBX-1",
+    LoginID: function () { return id; },
+    Tag: function () { return "10"; },
     CMD: function (index) { return "LEA0"; },
     FirstData: function (index) { return first; },
     SecondData: function (index) { return second; }
