@@ -14,6 +14,7 @@ constexpr Command commands[] = {
      "decode (--language FILE | --messages FILE [--lists FILE]) [--narrow] [--explain] < records.tsv",
      decode},
     {"language", "language check FOLDER ... | language build [--common] FOLDER OUT.LNG", language},
+    {"export", "export FILE --csv DIR | export FILE.LNG --texts DIR", exportTables},
     {"import", "import SUITE_DIR", import},
     {"suite", "suite DIR [--language en] [--source data]", suite},
 };
