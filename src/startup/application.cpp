@@ -15,20 +15,6 @@ constexpr std::int32_t retryCancel = 5;
 constexpr std::int32_t exclamation = 48;
 constexpr int answerRetry = 4;
 
-constexpr std::pair<window::ViewText, std::size_t> viewTexts[] = {
-    {window::ViewText::majorLit, message::lampMajorAlarm},
-    {window::ViewText::majorClear, message::lampMajorClear},
-    {window::ViewText::minorLit, message::lampMinorAlarm},
-    {window::ViewText::minorClear, message::lampMinorClear},
-    {window::ViewText::lookUpLabel, message::lookUpLabel},
-    {window::ViewText::lookUpNext, message::lookUpNext},
-    {window::ViewText::lookUpClose, message::lookUpClose},
-    {window::ViewText::lookUpNotFound, message::lookUpNotFound},
-    {window::ViewText::copyFault, message::menuCopy},
-    {window::ViewText::selectedFault, message::paneName},
-    {window::ViewText::noSelection, message::paneEmpty},
-};
-
 }  // namespace
 
 Application::Application(const Workstation& workstation, SharedState& state)
@@ -85,12 +71,6 @@ automation::ObjectRef Application::createListRequest() {
 
 automation::ObjectRef Application::createSLVRequest() {
   return std::make_shared<cSLVRequest>(station_.clock.regional(station_.clock.now()));
-}
-
-std::u16string MessageViewTexts::text(window::ViewText which) {
-  for (const auto& [text, number] : viewTexts)
-    if (text == which) return messageText(state_, number);
-  return {};
 }
 
 }  // namespace vordane::startup

@@ -76,15 +76,5 @@ class Application final : public platform::CallQuestions {
   std::unique_ptr<dlgFaultDisplay> form_;
 };
 
-// The words of the drawing, from the message texts.
-class MessageViewTexts final : public window::ViewTexts {
- public:
-  explicit MessageViewTexts(const SharedState& state) : state_(state) {}
-  std::u16string text(window::ViewText which) override;
-
- private:
-  const SharedState& state_;
-};
-
 }  // namespace startup
 }  // namespace vordane

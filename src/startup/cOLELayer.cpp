@@ -2,10 +2,9 @@
 
 #include <utility>
 
-#include "pbx/cListRequest.h"
-#include "pbx/cSLVRequest.h"
 #include "startup/basMain.h"
 #include "startup/dlgFaultDisplay.h"
+#include "startup/library.h"
 #include "text/numbers.h"
 #include "text/text.h"
 
@@ -13,30 +12,12 @@ namespace vordane {
 namespace {
 
 using automation::AutomationError;
-using automation::Member;
-using automation::MemberKind;
-using automation::Parameter;
-using automation::Type;
 using automation::Value;
+using startup::LayerMember;
 
 constexpr std::int16_t runStarted = 0;
 constexpr std::int16_t runError = 10000;
 constexpr std::int16_t runBusy = 10001;
-
-constexpr Parameter registerPbx[] = {{u"PBX", Type::text}, {u"Parent", Type::object}, {u"ID", Type::integer}};
-constexpr Parameter createSchedule[] = {{u"Key", Type::longInteger}, {u"RAction", Type::integer}};
-constexpr Parameter runSchedule[] = {{u"Key", Type::text}};
-constexpr Parameter setBackGround[] = {{u"Index", Type::integer}};
-
-constexpr Member members[] = {
-    {u"RegisterPBX", 1, MemberKind::method, Type::boolean, registerPbx},
-    {u"Visible", 2, MemberKind::readWrite, Type::boolean},
-    {u"CreateSchedule", 3, MemberKind::method, Type::boolean, createSchedule},
-    {u"RunSchedule", 4, MemberKind::method, Type::integer, runSchedule},
-    {u"CancelSchedule", 5, MemberKind::method, Type::integer},
-    {u"SetBackGround", 6, MemberKind::method, Type::none, setBackGround},
-};
-enum Position : std::size_t { registering, visibility, creating, running, cancelling, background };
 
 // What a kind of host that numbers its errors expects: 0x800A0000 + number.
 constexpr std::pair<std::int32_t, int> errorNumbers[] = {
@@ -57,16 +38,6 @@ constexpr int objectNotSet = 91;
 }
 
 }  // namespace
-
-const automation::ClassTable& cOLELayer::classTable() {
-  static constexpr automation::ClassTable table{u"cOLELayer",
-                                                u"Vordane10013.cOLELayer",
-                                                u"Drives the fault display.",
-                                                "{A075C3FD-C044-4FB3-B4E3-5596C07EB160}",
-                                                "{62CC4A41-F04A-4820-9505-1C5DD1FA82AA}",
-                                                members};
-  return table;
-}
 
 cOLELayer::cOLELayer(startup::Application& application) : application_(application) {
   basMain::RegisterAddin(application_);
@@ -167,32 +138,24 @@ Value cOLELayer::invokeMember(std::size_t member, automation::CallKind kind,
                               std::span<automation::Argument> arguments) {
   const auto text = [&](std::size_t i) { return std::get<std::u16string>(arguments[i].value); };
   const auto integer = [&](std::size_t i) { return std::get<std::int16_t>(arguments[i].value); };
-  switch (static_cast<Position>(member)) {
-    case registering:
+  switch (static_cast<LayerMember>(member)) {
+    case LayerMember::registering:
       return RegisterPBX(text(0), std::get<automation::ObjectRef>(arguments[1].value), integer(2));
-    case visibility:
+    case LayerMember::visibility:
       if (!automation::isPut(kind)) return Visible();
       setVisible(std::get<bool>(arguments[0].value));
       return {};
-    case creating:
+    case LayerMember::creating:
       return CreateSchedule(std::get<std::int32_t>(arguments[0].value), integer(1));
-    case running:
+    case LayerMember::running:
       return RunSchedule(text(0));
-    case cancelling:
+    case LayerMember::cancelling:
       return CancelSchedule();
-    case background:
+    case LayerMember::background:
       SetBackGround(integer(0));
       return {};
   }
   return {};
-}
-
-const automation::LibraryTable& startup::libraryTable() {
-  static const automation::ClassTable* const classes[] = {
-      &cOLELayer::classTable(), &cListRequest::classTable(), &cSLVRequest::classTable()};
-  static const automation::LibraryTable library{u"Vordane10013", u"Displays and Manages PBX Fault Lists.",
-                                                "{3CF3E9A4-E2A4-4AE1-8329-337153D4646E}", "1.0", classes};
-  return library;
 }
 
 }  // namespace vordane

@@ -5,15 +5,15 @@
 #include <string>
 
 #include "platform/automation.h"
-#include "platform/idl.h"
 #include "platform/member_table.h"
 #include "startup/application.h"
+#include "startup/library.h"
 
 namespace vordane {
 
 class cOLELayer final : public automation::TableObject {
  public:
-  static const automation::ClassTable& classTable();
+  static const automation::ClassTable& classTable() { return startup::layerTable(); }
   const automation::ClassTable& table() const override { return classTable(); }
 
   // Registers the add-in, loads the window and counts this user.
@@ -45,10 +45,4 @@ class cOLELayer final : public automation::TableObject {
   bool counted_ = false;
 };
 
-namespace startup {
-
-// The type library "Vordane10013": the three public classes.
-const automation::LibraryTable& libraryTable();
-
-}  // namespace startup
 }  // namespace vordane

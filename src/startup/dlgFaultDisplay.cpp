@@ -116,6 +116,8 @@ void dlgFaultDisplay::localise() {
       if (!textsIncomplete_.empty()) textsIncomplete_ += u", ";
       textsIncomplete_ += loader.table;
     }
+  // Rows shown while loading may have asked for the decoder before its lists were there.
+  decoder_.reset();
   helpTexts_ = comLanguage::LoadHelpTexts(model_, language);
   view().setStatus(accountPart,
                    textsIncomplete_.empty()

@@ -151,7 +151,10 @@ void dlgFaultDisplay::waitingFor(std::int16_t kind) {
 }
 
 void dlgFaultDisplay::showIdle() {
-  if (store_.rows().size() == 0 && !failed_ && faultDatabase_) store_.showNotice();
+  if (failed_ || !faultDatabase_) return;
+  if (store_.rows().size() == 0) return store_.showNotice();
+  view().setNoticeKind(window::NoticeKind::hint);
+  view().setNotice({});
 }
 
 std::u16string dlgFaultDisplay::reasonText(pbx::Failure failure, std::int32_t errorCode) {

@@ -7,6 +7,8 @@
 #include <fstream>
 
 #include "devhost/fakes.h"
+#include "platform/sqlite/engine.h"
+#include "platform/sqlite/schema.h"
 #include "zulsim/core/files.h"
 
 namespace vordane::devhost {
@@ -106,6 +108,31 @@ TEST_F(ReportTest, AReportThatCannotBeWrittenIsNoReport) {
       printReport(engine_, request(u"PBX-1"), {(directory_ / "missing").u16string(), {}});
   EXPECT_EQ(report.file, u"");
   EXPECT_THAT(text::toUtf8(report.reason), HasSubstr("can't be written"));
+}
+
+TEST_F(ReportTest, ReadsARealDatabase) {
+  const std::u16string file = (directory_ / "FAULT.MDB").u16string();
+  sqlite::DatabaseWriter writer(file);
+  writer.createTables(sqlite::schema::faultDatabase());
+  const auto textValue = [](std::u16string_view text) { return database::Value(std::u16string(text)); };
+  const database::Value exchange[] = {automation::Null{}, textValue(u"Büro \"2\""),
+                                      textValue(u"2006-11-27 09:00:00"), true, false};
+  writer.insert(u"PBXList", exchange);
+  for (const std::u16string_view date : {u"2006/11/26 08:00", u"2006/11/27 08:00"}) {
+    const database::Value fault[] = {std::int16_t{1},        textValue(u"01"), textValue(u"MJ"),
+                                     textValue(u"LP 1"),     textValue(date),  automation::Null{},
+                                     textValue(u"Line down")};
+    writer.insert(u"FaultDisplay", fault);
+  }
+  writer.finish();
+  ReportRequest wanted = request(u"BÜRO \"2\"");
+  wanted.database = file;
+  const auto engine = sqlite::makeEngine();
+  const PrintedReport report = printReport(*engine, wanted, {{}, u"now"});
+  EXPECT_EQ(report.reason, u"");
+  const std::string text = page(report);
+  EXPECT_THAT(text,
+              HasSubstr("1 01 MJ 2006/11/27 08:00 LP 1 2 [Line down//]\n2 01 MJ 2006/11/26 08:00 LP 1 1"));
 }
 
 TEST_F(ReportTest, TheShippedLayoutHoldsEverything) {

@@ -15,7 +15,7 @@ namespace {
 class DaoServer : public database::EngineUnderTest {
  public:
   // What no DAO takes the server remembers, whatever came of the call.
-  ~DaoServer() override { EXPECT_EQ(automation::toText(automation::get(*keeper_, u"TestMisuse")), u""); }
+  ~DaoServer() override { EXPECT_EQ(automation::toText(automation::get(*witness_, u"TestMisuse")), u""); }
   database::Engine& engine() override { return *engine_; }
   std::u16string make(database::Layout layout, const std::vector<database::Row>& rows = {}) override {
     return files_.make(layout, rows);
@@ -24,7 +24,7 @@ class DaoServer : public database::EngineUnderTest {
 
  private:
   windows::ComObjectCreator creator_;
-  automation::ObjectRef keeper_ = creator_.create(u"DAO.DBEngine.120");  // one process for the whole test
+  automation::ObjectRef witness_ = creator_.create(u"DAO.DBEngine.120");
   sqlite::EmbeddedUnderTest files_;
   std::unique_ptr<database::Engine> engine_ = makeEngine(creator_, std::chrono::milliseconds(40));
 };

@@ -28,8 +28,17 @@ int runServer(const std::wstring& argument) {
 
 class RegisteredServer : public testing::Environment {
  public:
-  void SetUp() override { ASSERT_EQ(runServer(L"/RegServer"), 0); }
-  void TearDown() override { EXPECT_EQ(runServer(L"/UnregServer"), 0); }
+  void SetUp() override {
+    ASSERT_EQ(runServer(L"/RegServer"), 0);
+    keeper_ = vordane::windows::ComObjectCreator().create(u"DAO.DBEngine.120");
+  }
+  void TearDown() override {
+    keeper_ = nullptr;
+    EXPECT_EQ(runServer(L"/UnregServer"), 0);
+  }
+
+ private:
+  vordane::automation::ObjectRef keeper_;  // starting the server for each test would take most of the time
 };
 
 }  // namespace
