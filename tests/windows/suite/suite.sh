@@ -89,8 +89,9 @@ expect_trace() {
 # Whether an add-in's process runs in this prefix.
 addin_runs() {
   local process
-  for process in $(pgrep -f 'VORDANE\.EXE'); do
-    tr '\0' '\n' 2>/dev/null < "/proc/$process/environ" | grep -qx "WINEPREFIX=$WINEPREFIX" && return 0
+  for process in /proc/[0-9]*; do
+    grep -qa 'VORDANE\.EXE' "$process/cmdline" 2>/dev/null || continue
+    tr '\0' '\n' 2>/dev/null < "$process/environ" | grep -qx "WINEPREFIX=$WINEPREFIX" && return 0
   done
   return 1
 }
