@@ -15,6 +15,7 @@ constexpr Command commands[] = {
      decode},
     {"doctor", "doctor SUITE_DIR", doctor},
     {"language", "language check FOLDER ... | language build [--common] FOLDER OUT.LNG", language},
+    {"export", "export FILE --csv DIR | export FILE.LNG --texts DIR", exportTables},
     {"import", "import SUITE_DIR", import},
     {"list", "list FAULT.MDB [--exchange NAME] [--csv | --count]", list},
     {"suite", "suite DIR [--language en] [--source data]", suite},

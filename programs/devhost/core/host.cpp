@@ -159,22 +159,28 @@ Value Host::invoke(std::u16string_view name, CallKind kind, Arguments arguments)
   return text::equalIgnoringCase(name, u"oZUL") ? access_ : state_->exchangeServer;
 }
 
+std::shared_ptr<HostState> TracedServer::state() const {
+  if (auto held = state_.lock()) return held;
+  throw AutomationError(automation::error::memberNotFound);
+}
+
 bool TracedServer::hasMember(std::u16string_view member) const {
-  return !state_->omitted(member) && server_->hasMember(member);
+  return !state()->omitted(member) && server_->hasMember(member);
 }
 
 Value TracedServer::invoke(std::u16string_view member, CallKind kind, Arguments arguments) {
-  if (state_->omitted(member)) throw AutomationError(automation::error::unknownName);
-  ensureOpen(*state_);
+  const std::shared_ptr<HostState> host = state();
+  if (host->omitted(member)) throw AutomationError(automation::error::unknownName);
+  ensureOpen(*host);
   const std::u16string name = u"oPBX." + std::u16string(member);
-  state_->trace.notification(name, written(arguments));
-  depart(*state_, member);
+  host->trace.notification(name, written(arguments));
+  depart(*host, member);
   try {
     const Value result = server_->invoke(member, kind, arguments);
-    if (!automation::isEmpty(result)) state_->trace.line(name + u" = " + written(result));
+    if (!automation::isEmpty(result)) host->trace.line(name + u" = " + written(result));
     return result;
   } catch (const AutomationError& failure) {
-    state_->trace.line(name + u" ! " + written(failure));
+    host->trace.line(name + u" ! " + written(failure));
     throw;
   }
 }

@@ -46,8 +46,61 @@ wait_stored() {
   fail "the number of stored faults stayed at '$now'"
 }
 
+# Lets the simulated exchanges answer from `scenarios/$1.zul` beside this file.
+use_scenario() { cp "$repository/tests/windows/suite/scenarios/$1.zul" "$drive/SIM/Zulsim.zul"; }
+
 # Starts the add-in by hand in the simulator's folder.
 start_alone() {
   ( cd "$drive/SIM" && exec wine 'C:\QUILMAR32\30000\ADDINS\VORDANE.EXE' "$1" ) >/dev/null 2>&1 &
   addin=$!
+}
+
+# A host in a process of its own: runs the script `host/$1.txt`; its trace goes to `$trace`.
+start_host() {
+  trace="$WINEPREFIX/$1.trace"
+  cp "$repository/tests/windows/suite/host/$1.txt" "$addins/$1.txt"
+  : > "$trace"
+  ( cd "$addins" && exec wine 'C:\QUILMAR32\30000\ADDINS\devhost.exe' "C:\\QUILMAR32\\30000\\ADDINS\\$1.txt" ) \
+    > "$trace" 2>/dev/null &
+  host=$!
+}
+
+# Presses the request button of a host's window, once the host notes that it is ready (for exchange `$1`).
+press_request() {
+  local i
+  for i in $(seq 300); do grep -q "^# READY.*${1:-}" "$trace" && break; sleep 0.2; done
+  click --wait 30 --press cmdRequest >/dev/null || fail "$(cat "$trace"; echo 'no window with a request button')"
+}
+
+# Masks what differs from run to run: identifiers and the window's place.
+mask() {
+  tr -d '\r' | sed -E -e 's/(SIM|ACCEPTED)-[0-9]+/\1-N/g' -e 's/("MOVE" )"-?[0-9.]+,-?[0-9.]+"/\1"LEFT,TOP"/'
+}
+
+# Waits for the host's end and compares its trace, line by line, with `host/$1.expected`.
+expect_trace() {
+  local code=0
+  wait "$host" || code=$?
+  mask < "$trace" > "$trace.masked"
+  diff -u "$repository/tests/windows/suite/host/$1.expected" "$trace.masked" || fail "the trace of $1 differs"
+  expect "exit code of the host $1" 0 "$code"
+}
+
+# Whether an add-in's process runs in this prefix.
+addin_runs() {
+  local process
+  for process in $(pgrep -f 'VORDANE\.EXE'); do
+    tr '\0' '\n' 2>/dev/null < "/proc/$process/environ" | grep -qx "WINEPREFIX=$WINEPREFIX" && return 0
+  done
+  return 1
+}
+
+# The add-in's process ends with its last object.
+expect_gone() {
+  local i
+  for i in $(seq 50); do
+    addin_runs || { echo "ok: the add-in's process is gone"; return 0; }
+    sleep 0.2
+  done
+  fail "VORDANE.EXE still runs"
 }
