@@ -51,8 +51,8 @@ std::int16_t dlgFaultDisplay::CancelSchedule() {
   const Entry entry(*this);
   if (!alive()) return 0;
   cancelled_ = true;
-  if (!QueryCancelRun() && !alive()) return 0;
-  Unload();
+  QueryCancelRun();  // a run's pending request is given up; that it "may not close" is not heeded here
+  if (alive()) Unload();
   return 0;
 }
 

@@ -113,6 +113,7 @@ TEST_F(Schedule, WithoutErrorStopTheNextRunFollows) {
   taken();
   exchange().answer(5);
   EXPECT_THAT(taken(), testing::Not(testing::Contains("Login PBX-1&"))) << "not inside the call back";
+  EXPECT_THAT(log(), testing::Not(testing::Contains("Run 2")));
   tick();
   EXPECT_THAT(log(), testing::Contains("Run 2"));
   tick();
