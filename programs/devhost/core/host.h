@@ -68,14 +68,14 @@ class Host : public automation::Object {
 // oPBX as the host lends it: the exchange server itself with a trace line for each call and each result.
 class TracedServer : public automation::Object {
  public:
-  TracedServer(std::shared_ptr<HostState> state, automation::ObjectRef server)
-      : state_(std::move(state)), server_(std::move(server)) {}
+  TracedServer(const std::shared_ptr<HostState>& state, automation::ObjectRef server)
+      : state_(state), server_(std::move(server)) {}
   automation::Value invoke(std::u16string_view member, automation::CallKind kind,
                            std::span<automation::Argument> arguments) override;
   bool hasMember(std::u16string_view member) const override;
 
  private:
-  std::shared_ptr<HostState> state_;
+  std::weak_ptr<HostState> state_;  // which holds this object as its oPBX
   automation::ObjectRef server_;
 };
 
