@@ -3,6 +3,8 @@
 #include "access_reading.h"
 #include "commands.h"
 #include "import_suite.h"
+#include "language_source.h"
+#include "text/utf8.h"
 
 namespace vordane::tools {
 
@@ -11,10 +13,10 @@ int import(const Arguments& arguments) {
     std::cerr << "usage: vordane-tools import SUITE_DIR\n";
     return 2;
   }
-  const auto files = importSuite(std::filesystem::path(arguments.front()), accessReading());
+  const auto files = importSuite(toPath(arguments.front()), accessReading());
   for (const ImportedFile& file : files) {
-    std::cout << file.path.string() << ": brought over, the Access file is kept as "
-              << file.kept.filename().string() << '\n';
+    std::cout << text::toUtf8(file.path.u16string()) << ": brought over, the Access file is kept as "
+              << text::toUtf8(file.kept.filename().u16string()) << '\n';
     for (const ImportedTable& table : file.tables)
       std::cout << "  " << table.name << ": " << table.rows << " rows\n";
   }

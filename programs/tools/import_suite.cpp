@@ -1,9 +1,9 @@
 #include "import_suite.h"
 
 #include <algorithm>
-#include <array>
 #include <optional>
 #include <set>
+#include <span>
 #include <utility>
 
 #include "platform/engine_choice.h"
@@ -17,13 +17,24 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::array<std::u16string_view, 5> suiteFiles = {u"FAULT.MDB", u"VORDANE.LNG", u"Common.LNG",
-                                                           u"Register.mdb", u"Schedule.mdb"};
+struct SuiteFile {
+  std::u16string_view name;
+  std::span<const sqlite::TableDefinition> (*tables)();  // those it must have
+};
+constexpr SuiteFile suiteFiles[] = {{u"FAULT.MDB", sqlite::schema::faultDatabase},
+                                    {u"VORDANE.LNG", sqlite::schema::ownLanguage},
+                                    {u"Common.LNG", sqlite::schema::commonLanguage},
+                                    {u"Register.mdb", sqlite::schema::registration},
+                                    {u"Schedule.mdb", sqlite::schema::schedule}};
 
-bool isSuiteFile(const fs::path& path) {
+constexpr const char* importEnding = ".import";
+
+const SuiteFile* suiteFile(const fs::path& path) {
   const std::u16string name = path.filename().u16string();
-  return std::any_of(suiteFiles.begin(), suiteFiles.end(),
-                     [&](std::u16string_view file) { return text::equalIgnoringCase(file, name); });
+  const auto* found = std::find_if(std::begin(suiteFiles), std::end(suiteFiles), [&](const SuiteFile& file) {
+    return text::equalIgnoringCase(file.name, name);
+  });
+  return found == std::end(suiteFiles) ? nullptr : found;
 }
 
 sqlite::ColumnType columnType(const access::Column& column) {
@@ -121,21 +132,64 @@ class Pending {
 // At no moment is there no file under the name: the Access file gets a second name, then the new file takes
 // the first one over.
 void takePlace(const fs::path& written, ImportedFile& file) {
-  file.kept = keptName(file.path);
+  const fs::path kept = keptName(file.path);
   std::error_code noLinks;
-  fs::create_hard_link(file.path, file.kept, noLinks);
-  if (noLinks) fs::copy_file(file.path, file.kept);
-  fs::rename(written, file.path);
+  fs::create_hard_link(file.path, kept, noLinks);
+  try {
+    if (noLinks) fs::copy_file(file.path, kept);
+    fs::rename(written, file.path);
+  } catch (...) {
+    std::error_code ignored;
+    fs::remove(kept, ignored);
+    throw;
+  }
+  file.kept = kept;
+}
+
+void takePlaces(std::vector<ImportedFile>& files) {
+  try {
+    for (ImportedFile& file : files) takePlace(withEnding(file.path, importEnding), file);
+  } catch (...) {
+    // Those that had their turn go back: a suite is brought over whole or not at all.
+    std::error_code ignored;
+    for (const ImportedFile& file : files)
+      if (!file.kept.empty()) fs::rename(file.kept, file.path, ignored);
+    throw;
+  }
+}
+
+// Rows that somebody adds while the file is read would be left behind.
+void requireUnused(const fs::path& path) {
+  for (const char* ending : {".ldb", ".LDB"}) {
+    const fs::path lock = fs::path(path).replace_extension(ending);
+    if (fs::exists(lock))
+      throw access::AccessError(text::toUtf8(path.u16string()) +
+                                " is in use: " + text::toUtf8(lock.filename().u16string()) +
+                                " stands beside it. End the programs that use it (or, if none does, delete "
+                                "that file), then import again");
+  }
 }
 
 std::vector<fs::path> accessFilesBelow(const fs::path& directory) {
   std::vector<fs::path> found;
   for (const auto& entry : fs::recursive_directory_iterator(directory))
-    if (entry.is_regular_file() && isSuiteFile(entry.path()) &&
+    if (entry.is_regular_file() && suiteFile(entry.path()) != nullptr &&
         database::fileKind(entry.path().u16string()) == database::FileKind::access)
       found.push_back(entry.path());
   std::sort(found.begin(), found.end());
   return found;
+}
+
+// A damaged list of tables may hide one without any other sign.
+void requireTables(const fs::path& path, const std::vector<ImportedTable>& tables) {
+  for (const sqlite::TableDefinition& needed : suiteFile(path)->tables()) {
+    const bool found = std::any_of(tables.begin(), tables.end(), [&](const ImportedTable& table) {
+      return text::equalIgnoringCase(text::fromUtf8(table.name), needed.name);
+    });
+    if (!found)
+      throw access::AccessError(text::toUtf8(path.u16string()) + " is damaged: it has no table " +
+                                text::toUtf8(needed.name));
+  }
 }
 
 }  // namespace
@@ -144,13 +198,15 @@ std::vector<ImportedFile> importSuite(const fs::path& directory, const AccessRea
   std::vector<ImportedFile> files;
   Pending pending;
   for (const fs::path& path : accessFilesBelow(directory)) {
-    const fs::path written = withEnding(path, ".import");
+    requireUnused(path);
+    const fs::path written = withEnding(path, importEnding);
     pending.add(written);
     Import import(written);
-    read(path.string(), import);
+    read(path, import);
     files.push_back({path, {}, import.finish()});
+    requireTables(path, files.back().tables);
   }
-  for (ImportedFile& file : files) takePlace(withEnding(file.path, ".import"), file);
+  takePlaces(files);
   return files;
 }
 

@@ -12,7 +12,7 @@
 namespace vordane::tools {
 
 // Reads one Access file; throws access::AccessError or database::DatabaseError when it can't be read whole.
-using AccessReading = std::function<void(const std::string& path, access::Visitor& visitor)>;
+using AccessReading = std::function<void(const std::filesystem::path& path, access::Visitor& visitor)>;
 
 struct ImportedTable {
   std::string name;
@@ -26,7 +26,8 @@ struct ImportedFile {
 // The Access files among FAULT.MDB, VORDANE.LNG, Common.LNG, Register.mdb and Schedule.mdb below `directory`,
 // each brought over with every table, column and row it has. All are read and written beside their places
 // first; only when that has worked for every one of them does each take its place, its Access file kept under
-// the name with ".access" behind it. Throws with nothing changed when any of them can't be brought over.
+// the name with ".access" behind it. Throws with nothing changed when any of them can't be brought over, also
+// when Access has one open (its lock file, ".ldb", stands beside it).
 std::vector<ImportedFile> importSuite(const std::filesystem::path& directory, const AccessReading& read);
 
 }  // namespace vordane::tools

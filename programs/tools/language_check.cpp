@@ -28,7 +28,7 @@ std::string inQuotes(std::u16string_view text) {
   return "\"" + toUtf8(text) + "\"";
 }
 
-// One language under the check; every complaint names a row or, without one, the language's file.
+// One language under the check; every complaint names a row or, without one, the table.
 class Checker {
  public:
   Checker(const LanguageSource& source, Problems& problems) : source_(source), problems_(problems) {}
@@ -51,8 +51,8 @@ class Checker {
   void complain(const SourceRow& row, const std::string& what) {
     problems_.push_back(row.place + ": " + what);
   }
-  void missing(const char* file, const std::string& what) {
-    problems_.push_back(source_.name + "/" + file + ": " + what + " is missing");
+  void missing(const char* table, const std::string& what) {
+    problems_.push_back(source_.name + "/" + table + ": " + what + " is missing");
   }
 
   std::optional<std::int32_t> number(const SourceRow& row, std::size_t column) {
@@ -74,7 +74,7 @@ class Checker {
         messageText(row, static_cast<std::size_t>(*id));
     }
     for (std::int32_t id = 0; id < static_cast<std::int32_t>(message::count); ++id)
-      if (found.count(id) == 0) missing("messages.tsv", "message " + std::to_string(id));
+      if (found.count(id) == 0) missing("messages", "message " + std::to_string(id));
   }
 
   void messageText(const SourceRow& row, std::size_t id) {
@@ -107,14 +107,14 @@ class Checker {
   void listLength(const KindList& list, const std::set<std::int32_t>& codes) {
     const int length = codes.empty() ? 0 : *codes.rbegin() + 1;
     if (list.atLeast ? length < list.items : length != list.items)
-      problems_.push_back(source_.name + "/lists.tsv: " + toUtf8(list.name) + " has " +
-                          std::to_string(length) + " items instead of " + std::to_string(list.items) +
+      problems_.push_back(source_.name + "/lists: " + toUtf8(list.name) + " has " + std::to_string(length) +
+                          " items instead of " + std::to_string(list.items) +
                           (list.atLeast ? " or more" : ""));
     for (int code = 0; code < length; ++code)
       if (codes.count(code) == 0)
-        missing("lists.tsv", "code " + std::to_string(code) + " of " + toUtf8(list.name));
+        missing("lists", "code " + std::to_string(code) + " of " + toUtf8(list.name));
     if (!codes.empty() && *codes.begin() < 0)
-      problems_.push_back(source_.name + "/lists.tsv: " + toUtf8(list.name) + " has a code below 0");
+      problems_.push_back(source_.name + "/lists: " + toUtf8(list.name) + " has a code below 0");
   }
 
   void fontSize(const SourceRow& row, std::u16string_view size) {
@@ -130,7 +130,7 @@ class Checker {
       escapes(row, row.fields[1]);
       fontSize(row, row.fields[3]);
     }
-    if (rows != 1) problems_.push_back(source_.name + "/forms.tsv: one row for the window is needed");
+    if (rows != 1) problems_.push_back(source_.name + "/forms: one row for the window is needed");
   }
 
   static std::u16string_view typeOf(std::u16string_view control) {
@@ -155,7 +155,7 @@ class Checker {
       if (row.fields[2] != keepDesigned) fontSize(row, row.fields[3]);
     }
     const auto want = [&](std::u16string_view name) {
-      if (found.count(std::u16string(name)) == 0) missing("controls.tsv", toUtf8(name));
+      if (found.count(std::u16string(name)) == 0) missing("controls", toUtf8(name));
     };
     for (const FormControl& control : formControls) want(control.name);
     for (const KindList& list : kindLists) want(list.name);
@@ -198,7 +198,7 @@ class Checker {
       if (row.fields[2].empty()) complain(row, "the heading is empty");
     }
     for (int column = 0; column < gridColumns; ++column)
-      if (found.count(column) == 0) missing("headings.tsv", "column " + std::to_string(column));
+      if (found.count(column) == 0) missing("headings", "column " + std::to_string(column));
   }
 
   void project() {
@@ -211,7 +211,7 @@ class Checker {
       if (row.fields[1].empty()) complain(row, "the text is empty");
     }
     for (const auto name : projectProperties)
-      if (found.count(std::u16string(name)) == 0) missing("project.tsv", toUtf8(name));
+      if (found.count(std::u16string(name)) == 0) missing("project", toUtf8(name));
   }
 
   void boxes(const SourceRows& rows, std::span<const std::int16_t> wanted) {
@@ -227,7 +227,7 @@ class Checker {
       if (row.fields[5] != keepDesigned) static_cast<void>(number(row, 5));
     }
     for (const std::int16_t id : wanted)
-      if (found.count(id) == 0) missing("boxes.tsv", "box " + std::to_string(id));
+      if (found.count(id) == 0) missing("boxes", "box " + std::to_string(id));
   }
 
   void buttons(const SourceRow& row) {
@@ -254,7 +254,7 @@ class Checker {
     }
     // What's This opens for these with the right button.
     for (const char16_t* name : {u"lblListups", u"lblMJ", u"lblMN", u"lblTimetag", u"txtTimeTag"})
-      if (found.count(name) == 0) missing("help.tsv", toUtf8(name));
+      if (found.count(name) == 0) missing("help", toUtf8(name));
   }
 
   void pictures() {

@@ -13,8 +13,11 @@ constexpr Command commands[] = {
     {"decode",
      "decode (--language FILE | --messages FILE [--lists FILE]) [--narrow] [--explain] < records.tsv",
      decode},
+    {"doctor", "doctor SUITE_DIR", doctor},
     {"language", "language check FOLDER ... | language build [--common] FOLDER OUT.LNG", language},
+    {"export", "export FILE --csv DIR | export FILE.LNG --texts DIR", exportTables},
     {"import", "import SUITE_DIR", import},
+    {"list", "list FAULT.MDB [--exchange NAME] [--csv | --count]", list},
     {"suite", "suite DIR [--language en] [--source data]", suite},
 };
 

@@ -1,9 +1,9 @@
-// Prints the interface definition of the library it is built with: vordane-idl > Vordane10013.idl
+// Prints the interface definition of VORDANE.EXE's library.
 #include <cstdio>
 
-#include "library.h"
+#include "startup/library.h"
 
 int main() {
-  const std::string text = vordane::automation::idlText(vordane::vordaneLibrary());
+  const std::string text = vordane::automation::idlText(vordane::startup::libraryTable());
   return std::fwrite(text.data(), 1, text.size(), stdout) == text.size() ? 0 : 1;
 }

@@ -71,6 +71,19 @@ bool samePath(std::u16string_view registered, std::u16string_view path) {
   return text::equalIgnoringCase(inQuotes ? value.substr(1, value.size() - 2) : value, path);
 }
 
+Server serverOf(std::u16string path, const automation::LibraryTable& library) {
+  const auto widened = [](std::string_view text) { return std::u16string(text.begin(), text.end()); };
+  Server server{
+      std::move(path),
+      {},
+      Library{widened(library.libid), widened(library.version), std::u16string(library.description)}};
+  for (const automation::ClassTable* table : library.classes)
+    server.classes.push_back({std::u16string(table->progId), widened(table->clsid),
+                              std::u16string(table->description), u'_' + std::u16string(table->name),
+                              widened(table->iid)});
+  return server;
+}
+
 std::vector<Entry> entries(const Server& server) {
   std::vector<Entry> out;
   for (const Class& entry : server.classes) addClass(out, server, entry);

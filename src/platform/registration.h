@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/idl.h"
+
 namespace vordane::registration {
 
 struct Class {
@@ -35,6 +37,9 @@ struct Entry {
   std::u16string value;  // REG_SZ
   bool operator==(const Entry&) const = default;
 };
+
+// The registration of a program that serves the classes of a library.
+Server serverOf(std::u16string path, const automation::LibraryTable& library);
 
 std::vector<Entry> entries(const Server& server);
 

@@ -51,7 +51,7 @@ class Files {
 // What start-up learns of its own process.
 struct Program {
   std::u16string directory;    // of the executable, no trailing separator
-  std::u16string commandLine;  // without the program's own name
+  std::u16string commandLine;  // without the program's own name, surrounding blanks and quotes
   bool startedByAutomation = false;
   int major = 0, minor = 0, revision = 0;
   // False in a service's session, where nobody sees a window: every box is log-only then.

@@ -43,6 +43,7 @@ class FaultStore {
   void headingClicked(int column);  // throws std::out_of_range outside 0-5
   void DisplayAlarm();              // paints the lamps of the exchange shown; reports no missing database
   void showButtonStates();          // print, clear, look up and reset follow the empty grid
+  void showNotice();                // what stands in the place of an empty grid while nothing is waited for
   // The next row holding `text` after `after` (-1: from the first), round the end once.
   std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t after);
 
@@ -91,7 +92,6 @@ class FaultStore {
   void showLamps(bool major, bool minor);
   void showRows();
   void showCount();
-  void showNotice();
 
   void storeLamps(bool major, bool minor);
   void tellAccount(const ListAccount& account);

@@ -1,11 +1,16 @@
 // Moments as automation and Access keep them: days since 1899-12-30, local time, the time of day as fraction.
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace vordane::text {
 
 // "YYYY-MM-DD HH:MM:SS", rounded to the second; the empty text outside the years 100 to 9999.
 std::u16string isoMoment(double days);
+
+// The way back; nothing for a text that isoMoment never gives (30 February, another form).
+std::optional<double> momentOf(std::u16string_view text);
 
 }  // namespace vordane::text

@@ -1,38 +1,39 @@
-// Finds a control of the running fault display from outside: `click [--wait SECONDS] [--press] CONTROL`
-// prints the middle of the control on the screen as "x y" (pixels), and presses it with the mouse when asked.
-// The window says which control a child is by the window property "Vordane.Control" (an atom of its name).
+// What a person's hand and eye do to the running fault display, from outside and in its real window:
+//
+//   click [--wait SECONDS] CONTROL           prints the middle of the control on the screen as "x y" (pixels)
+//   click [--wait SECONDS] --press CONTROL   the same, and presses it with the mouse
+//   click [--wait SECONDS] --text CONTROL    prints the control's text
+//   click [--wait SECONDS] --box [ANSWER]    prints a message box's title and text; answers it with that
+//   button
+//
+// Controls go by their names in the form; ANSWER is 1 (OK), 2 (cancel), 6 (yes), 7 (no). Ends with 1 when
+// what was waited for did not come.
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cwchar>
 #include <string>
 
+#include "platform/windows/window/children.h"
+
 namespace {
 
-constexpr wchar_t frameClass[] = L"VordaneFaultDisplay";
-constexpr wchar_t controlProperty[] = L"Vordane.Control";
+using vordane::window::win32::Child;
+using vordane::window::win32::children;
 
-struct Search {
-  const wchar_t* name;
-  HWND found;
-};
-
-BOOL CALLBACK matchChild(HWND child, LPARAM parameter) {
-  auto& search = *reinterpret_cast<Search*>(parameter);
-  const auto atom = static_cast<ATOM>(reinterpret_cast<ULONG_PTR>(GetPropW(child, controlProperty)));
-  wchar_t name[256];
-  if (atom == 0 || GlobalGetAtomNameW(atom, name, 256) == 0 || _wcsicmp(name, search.name) != 0) return TRUE;
-  search.found = child;
-  return FALSE;
+bool isNamed(const Child& child, const wchar_t* name) {
+  const std::wstring own(child.control.begin(), child.control.end());
+  return _wcsicmp(own.c_str(), name) == 0;
 }
 
 HWND findControl(const wchar_t* name) {
-  const HWND frame = FindWindowW(frameClass, nullptr);
+  const HWND frame = FindWindowW(vordane::window::win32::windowClassName, nullptr);
   if (frame == nullptr || !IsWindowVisible(frame)) return nullptr;
-  Search search{name, nullptr};
-  EnumChildWindows(frame, matchChild, reinterpret_cast<LPARAM>(&search));
-  return search.found;
+  const auto* child = std::find_if(std::begin(children), std::end(children),
+                                   [&](const Child& entry) { return isNamed(entry, name); });
+  return child == std::end(children) ? nullptr : GetDlgItem(frame, child->id);
 }
 
 void press(POINT point) {
@@ -44,35 +45,92 @@ void press(POINT point) {
   SendInput(2, inputs, sizeof(INPUT));
 }
 
+struct Wish {
+  long wait = 0;
+  bool press = false, text = false, box = false;
+  const wchar_t* word = nullptr;  // the control, or the answer to a box
+};
+
+Wish parse(int count, wchar_t** values) {
+  Wish wish;
+  for (int i = 1; i < count; ++i) {
+    const std::wstring option = values[i];
+    if (option == L"--wait" && i + 1 < count)
+      wish.wait = std::wcstol(values[++i], nullptr, 10);
+    else if (option == L"--press")
+      wish.press = true;
+    else if (option == L"--text")
+      wish.text = true;
+    else if (option == L"--box")
+      wish.box = true;
+    else
+      wish.word = values[i];
+  }
+  return wish;
+}
+
+BOOL CALLBACK matchBox(HWND window, LPARAM parameter) {
+  wchar_t type[32];
+  if (!IsWindowVisible(window) || GetClassNameW(window, type, 32) == 0 || std::wcscmp(type, L"#32770") != 0)
+    return TRUE;
+  *reinterpret_cast<HWND*>(parameter) = window;
+  return FALSE;
+}
+
+HWND findBox() {
+  HWND found = nullptr;
+  EnumWindows(matchBox, reinterpret_cast<LPARAM>(&found));
+  return found;
+}
+
+void printText(HWND window) {
+  wchar_t text[4096] = L"";
+  SendMessageW(window, WM_GETTEXT, 4096, reinterpret_cast<LPARAM>(text));
+  char bytes[3 * 4096];
+  WideCharToMultiByte(CP_UTF8, 0, text, -1, bytes, sizeof bytes, nullptr, nullptr);
+  std::puts(bytes);
+}
+
+template <class Find>
+HWND waitFor(long seconds, Find find) {
+  HWND found = find();
+  for (long tries = seconds * 10; found == nullptr && tries > 0; --tries) {
+    Sleep(100);
+    found = find();
+  }
+  return found;
+}
+
+int box(const Wish& wish) {
+  const HWND found = waitFor(wish.wait, findBox);
+  if (found == nullptr) return 1;
+  constexpr int messageText = 0xFFFF;
+  printText(found);
+  if (const HWND text = GetDlgItem(found, messageText)) printText(text);
+  if (wish.word != nullptr)
+    PostMessageW(found, WM_COMMAND, static_cast<WPARAM>(std::wcstol(wish.word, nullptr, 10)), 0);
+  return 0;
+}
+
+int control(const Wish& wish) {
+  const HWND found = waitFor(wish.wait, [&] { return findControl(wish.word); });
+  if (found == nullptr) return std::fputs("click: no such control\n", stderr), 1;
+  if (wish.text) return printText(found), 0;
+  RECT area;
+  GetWindowRect(found, &area);
+  const POINT middle{(area.left + area.right) / 2, (area.top + area.bottom) / 2};
+  std::printf("%ld %ld\n", middle.x, middle.y);
+  if (wish.press) press(middle);
+  return 0;
+}
+
 }  // namespace
 
 int wmain(int count, wchar_t** values) {
-  long wait = 0;
-  bool pressed = false;
-  const wchar_t* name = nullptr;
-  for (int i = 1; i < count; ++i) {
-    if (std::wcscmp(values[i], L"--wait") == 0 && i + 1 < count) {
-      wait = std::wcstol(values[++i], nullptr, 10);
-    } else if (std::wcscmp(values[i], L"--press") == 0) {
-      pressed = true;
-    } else {
-      name = values[i];
-    }
-  }
-  if (name == nullptr) return std::fputs("usage: click [--wait SECONDS] [--press] CONTROL\n", stderr), 2;
-
+  const Wish wish = parse(count, values);
+  if (!wish.box && wish.word == nullptr)
+    return std::fputs("usage: click [--wait SECONDS] [--press | --text] CONTROL | --box [ANSWER]\n", stderr),
+           2;
   SetProcessDPIAware();
-  HWND control = findControl(name);
-  for (long tries = wait * 10; control == nullptr && tries > 0; --tries) {
-    Sleep(100);
-    control = findControl(name);
-  }
-  if (control == nullptr) return std::fputs("click: no such control\n", stderr), 1;
-
-  RECT area;
-  GetWindowRect(control, &area);
-  const POINT middle{(area.left + area.right) / 2, (area.top + area.bottom) / 2};
-  std::printf("%ld %ld\n", middle.x, middle.y);
-  if (pressed) press(middle);
-  return 0;
+  return wish.box ? box(wish) : control(wish);
 }

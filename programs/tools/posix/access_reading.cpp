@@ -5,8 +5,9 @@
 namespace vordane::tools {
 
 AccessReading accessReading() {
-  return
-      [](const std::string& path, access::Visitor& visitor) { access::readAccessFileInChild(path, visitor); };
+  return [](const std::filesystem::path& path, access::Visitor& visitor) {
+    access::readAccessFileInChild(path.string(), visitor);
+  };
 }
 
 }  // namespace vordane::tools

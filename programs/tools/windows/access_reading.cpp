@@ -1,6 +1,5 @@
 #include "../access_reading.h"
 
-#include <filesystem>
 #include <memory>
 
 #include "platform/dao/dao_reader.h"
@@ -18,8 +17,8 @@ struct Reader {
 }  // namespace
 
 AccessReading accessReading() {
-  return [reader = std::make_shared<Reader>()](const std::string& path, access::Visitor& visitor) {
-    dao::readAccessFile(reader->creator, std::filesystem::path(path).u16string(), visitor);
+  return [reader = std::make_shared<Reader>()](const std::filesystem::path& path, access::Visitor& visitor) {
+    dao::readAccessFile(reader->creator, path.u16string(), visitor);
   };
 }
 

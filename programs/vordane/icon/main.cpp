@@ -22,7 +22,9 @@ struct Pixel {
 };
 
 // How much of the pixel lies inside a shape whose signed distance from it is known, in pixels.
-double inside(double distance) { return std::fmin(1, std::fmax(0, 0.5 - distance)); }
+double inside(double distance) {
+  return std::fmin(1, std::fmax(0, 0.5 - distance));
+}
 
 double roundedBox(double x, double y, double left, double top, double right, double bottom, double radius) {
   const double dx = std::fabs(x - (left + right) / 2) - (right - left) / 2 + radius;
@@ -32,7 +34,8 @@ double roundedBox(double x, double y, double left, double top, double right, dou
 
 void blend(Pixel& pixel, const Colour& colour, double cover) {
   const double rest = 1 - cover;
-  pixel.colour = {colour.red * cover + pixel.colour.red * rest, colour.green * cover + pixel.colour.green * rest,
+  pixel.colour = {colour.red * cover + pixel.colour.red * rest,
+                  colour.green * cover + pixel.colour.green * rest,
                   colour.blue * cover + pixel.colour.blue * rest};
   pixel.cover = cover + pixel.cover * rest;
 }
@@ -55,7 +58,9 @@ void put(std::string& out, std::uint32_t value, int bytes) {
   for (int i = 0; i < bytes; ++i) out += static_cast<char>(value >> (8 * i) & 0xFF);
 }
 
-char part(double value) { return static_cast<char>(std::lround(value * 255)); }
+char part(double value) {
+  return static_cast<char>(std::lround(value * 255));
+}
 
 // A 32-bit bitmap, its lines from below, and an empty mask: the cover says what shows.
 std::string image(int size) {
@@ -70,8 +75,8 @@ std::string image(int size) {
     for (int x = 0; x < size; ++x) {
       const Pixel pixel = draw((x + 0.5) / size, (y + 0.5) / size, size);
       const double scale = pixel.cover > 0 ? 1 / pixel.cover : 0;
-      out += {part(pixel.colour.blue * scale), part(pixel.colour.green * scale), part(pixel.colour.red * scale),
-              part(pixel.cover)};
+      out += {part(pixel.colour.blue * scale), part(pixel.colour.green * scale),
+              part(pixel.colour.red * scale), part(pixel.cover)};
     }
   const int maskLine = (size + 31) / 32 * 4;
   return out + std::string(static_cast<std::size_t>(maskLine * size), '\0');

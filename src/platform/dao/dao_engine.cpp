@@ -1,5 +1,7 @@
 #include "platform/dao/dao_engine.h"
 
+#include <chrono>
+#include <thread>
 #include <utility>
 
 #include "platform/dao/dao_objects.h"
@@ -9,8 +11,17 @@ namespace {
 
 using automation::byVal;
 
-constexpr std::int16_t openSnapshot = 4;   // dbOpenSnapshot
+constexpr std::int16_t openDynaset = 2;    // dbOpenDynaset: holds the rows' keys and fetches the rows
 constexpr std::int32_t failOnError = 128;  // dbFailOnError: a statement that fails half way changes nothing
+
+// The engine's numbers that callers of this interface know by another one, or act upon here.
+constexpr int pathNotValid = 3044;
+constexpr int fileNotFound = 3024;
+constexpr int openedExclusively = 3356;
+constexpr int inUse = 3045;
+constexpr int locked = 3260;
+constexpr int noPermission = 3051;
+constexpr int recordDeleted = 3167;
 
 Value text(std::u16string_view value) {
   return std::u16string(value);
@@ -28,12 +39,8 @@ class Rows : public database::Recordset {
   void moveNext() override { call(rows_.object(), u"MoveNext"); }
   Value get(std::u16string_view column) override { return rows_.read(text(column)); }
   Value get(std::size_t column) override { return rows_.read(static_cast<std::int16_t>(column)); }
-  bool isDate(std::u16string_view column) override {
-    return automation::toInteger(dao::get(rows_.field(text(column)), u"Type")) == dateFieldType;
-  }
-  void set(std::u16string_view column, const Value& value) override {
-    put(rows_.field(text(column)), u"Value", value);
-  }
+  bool isDate(std::u16string_view column) override { return rows_.isDate(text(column)); }
+  void set(std::u16string_view column, const Value& value) override { rows_.write(text(column), value); }
   void addNew() override { call(rows_.object(), u"AddNew"); }
   void edit() override { call(rows_.object(), u"Edit"); }
   void update() override { call(rows_.object(), u"Update"); }
@@ -46,24 +53,30 @@ class Rows : public database::Recordset {
   DaoRecordset rows_;
 };
 
-// A snapshot, which keeps its rows in order; a row is reached by its position.
-class Snapshot : public database::RowList {
+// The rows keep their order and their places; one that was deleted meanwhile can't be read any more.
+class List : public database::RowList {
  public:
-  Snapshot(ObjectRef object, std::span<const std::u16string_view> columns) : rows_(std::move(object)) {
+  List(ObjectRef object, std::span<const std::u16string_view> columns) : rows_(std::move(object)) {
     for (const auto column : columns) columns_.push_back(text(column));
-    if (automation::toBoolean(get(rows_.object(), u"EOF"))) return;
+    if (automation::toBoolean(dao::get(rows_.object(), u"EOF"))) return;
     // Only at the end does DAO know how many there are.
     call(rows_.object(), u"MoveLast");
-    size_ = static_cast<std::size_t>(automation::toLong(get(rows_.object(), u"RecordCount")));
+    size_ = static_cast<std::size_t>(automation::toLong(dao::get(rows_.object(), u"RecordCount")));
   }
 
   std::size_t size() const override { return size_; }
 
   bool fetch(std::size_t position, std::vector<Value>& out) override {
-    if (position >= size_) return false;
-    put(rows_.object(), u"AbsolutePosition", static_cast<std::int32_t>(position));
     out.clear();
-    for (const Value& column : columns_) out.push_back(rows_.read(column));
+    if (position >= size_) return false;
+    try {
+      put(rows_.object(), u"AbsolutePosition", static_cast<std::int32_t>(position));
+      for (const Value& column : columns_) out.push_back(rows_.read(column));
+    } catch (const database::DatabaseError& error) {
+      if (error.number() != recordDeleted) throw;
+      out.clear();
+      return false;
+    }
     return true;
   }
 
@@ -86,13 +99,19 @@ class File : public database::Database {
   File(const File&) = delete;
   File& operator=(const File&) = delete;
 
+  // A file that may not be changed opens all the same, and says so here.
+  void requireUpdatable() const {
+    if (!automation::toBoolean(dao::get(object_, u"Updatable")))
+      throw database::DatabaseError(noPermission, u"The database is read-only.");
+  }
+
   std::unique_ptr<database::Recordset> openRecordset(std::u16string_view statement) override {
     return std::make_unique<Rows>(getObject(object_, u"OpenRecordset", {byVal(text(statement))}));
   }
   std::unique_ptr<database::RowList> openRowList(std::u16string_view statement,
                                                  std::span<const std::u16string_view> columns) override {
-    return std::make_unique<Snapshot>(
-        getObject(object_, u"OpenRecordset", {byVal(text(statement)), byVal(openSnapshot)}), columns);
+    return std::make_unique<List>(
+        getObject(object_, u"OpenRecordset", {byVal(text(statement)), byVal(openDynaset)}), columns);
   }
   void execute(std::u16string_view statement) override {
     call(object_, u"Execute", {byVal(text(statement)), byVal(failOnError)});
@@ -111,22 +130,43 @@ class File : public database::Database {
 
 class DaoEngine : public database::Engine {
  public:
-  explicit DaoEngine(platform::ObjectCreator& creator) : creator_(creator) {}
+  DaoEngine(platform::ObjectCreator& creator, std::chrono::milliseconds lockWait)
+      : creator_(creator), lockWait_(lockWait) {}
 
   std::unique_ptr<database::Database> open(std::u16string_view path, bool readOnly) override {
     if (!engine_) engine_ = createEngine(creator_);
-    return std::make_unique<File>(openDatabase(engine_, path, readOnly));
+    auto file = std::make_unique<File>(openPatiently(path, readOnly));
+    if (!readOnly) file->requireUpdatable();
+    return file;
   }
 
  private:
+  // Somebody who holds the file for himself, as Access does while it repairs one, may be about to let it go.
+  ObjectRef openPatiently(std::u16string_view path, bool readOnly) {
+    const auto end = std::chrono::steady_clock::now() + lockWait_;
+    for (;;) {
+      try {
+        return openDatabase(engine_, path, readOnly);
+      } catch (const database::DatabaseError& error) {
+        if (error.number() == pathNotValid) throw database::DatabaseError(fileNotFound, error.description());
+        if (error.number() != inUse && error.number() != openedExclusively) throw;
+        if (std::chrono::steady_clock::now() >= end)
+          throw database::DatabaseError(locked, error.description());
+      }
+      std::this_thread::sleep_for(lockWait_ / 20);
+    }
+  }
+
   platform::ObjectCreator& creator_;
+  std::chrono::milliseconds lockWait_;
   ObjectRef engine_;
 };
 
 }  // namespace
 
-std::unique_ptr<database::Engine> makeEngine(platform::ObjectCreator& creator) {
-  return std::make_unique<DaoEngine>(creator);
+std::unique_ptr<database::Engine> makeEngine(platform::ObjectCreator& creator,
+                                             std::chrono::milliseconds lockWait) {
+  return std::make_unique<DaoEngine>(creator, lockWait);
 }
 
 }  // namespace vordane::dao

@@ -2,6 +2,7 @@
 // it only makes automation calls; what creates the engine's object is handed in.
 #pragma once
 
+#include <chrono>
 #include <memory>
 
 #include "platform/database.h"
@@ -11,6 +12,8 @@ namespace vordane::dao {
 
 // Asks for DAO.DBEngine.120 and then DAO.DBEngine.36 at the first opening, and keeps the object. Opening
 // fails with number 429 where neither is installed. `creator` must outlive the engine.
-std::unique_ptr<database::Engine> makeEngine(platform::ObjectCreator& creator);
+// A file that somebody else holds for himself is tried again for `lockWait`.
+std::unique_ptr<database::Engine> makeEngine(
+    platform::ObjectCreator& creator, std::chrono::milliseconds lockWait = std::chrono::milliseconds(5000));
 
 }  // namespace vordane::dao

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "text/text.h"
+#include "text/dates.h"
 
 namespace vordane::dao {
 namespace {
@@ -13,11 +13,41 @@ using automation::AutomationError;
 constexpr std::uint32_t runTimeFacility = 0x800A0000U;
 constexpr int objectGone = 3420;  // the number of a call on an object that is no longer there
 
-// DAO's errors are run-time errors with the engine's number in their lower half.
+struct PlainFailure {
+  std::int32_t code;
+  int number;
+};
+// What automation itself turns down, before DAO has a say, under the run-time errors' numbers.
+constexpr PlainFailure plainFailures[] = {
+    {automation::error::typeMismatch, 13},
+    {automation::error::overflow, automation::error::overflowNumber},
+    {automation::error::unknownName, 438},
+    {automation::error::memberNotFound, 438},
+    {automation::error::badParameterCount, 450},
+    {automation::error::parameterNotOptional, 449},
+};
+
+int numberOf(std::int32_t code) {
+  const auto bits = static_cast<std::uint32_t>(code);
+  if ((bits & 0xFFFF0000U) == runTimeFacility) return static_cast<int>(bits & 0xFFFFU);
+  for (const PlainFailure& plain : plainFailures)
+    if (plain.code == code) return plain.number;
+  return objectGone;
+}
+
+std::u16string inHexadecimal(std::int32_t code) {
+  std::u16string digits;
+  for (int shift = 28; shift >= 0; shift -= 4)
+    digits.push_back(u"0123456789ABCDEF"[static_cast<std::uint32_t>(code) >> shift & 15U]);
+  return digits;
+}
+
+// DAO's errors are run-time errors with the engine's number in their lower half. One without words of its own
+// still says something in the box that shows it.
 [[noreturn]] void raise(const AutomationError& failure) {
-  const auto code = static_cast<std::uint32_t>(failure.code());
-  const int number = (code & 0xFFFF0000U) == runTimeFacility ? static_cast<int>(code & 0xFFFFU) : objectGone;
-  throw database::DatabaseError(number, failure.description());
+  std::u16string description = failure.description();
+  if (description.empty()) description = u"Automation error " + inHexadecimal(failure.code());
+  throw database::DatabaseError(numberOf(failure.code()), description);
 }
 
 Value invoke(const ObjectRef& object, std::u16string_view member, automation::CallKind kind,
@@ -83,19 +113,33 @@ DaoRecordset::~DaoRecordset() {
   }
 }
 
-ObjectRef DaoRecordset::field(const Value& nameOrPosition) {
+DaoRecordset::KnownField& DaoRecordset::field(const Value& nameOrPosition) {
   if (!object_) throw database::DatabaseError(objectGone, {});
   const auto found = std::find_if(known_.begin(), known_.end(),
                                   [&](const KnownField& known) { return known.key == nameOrPosition; });
-  if (found != known_.end()) return found->object;
-  return known_.emplace_back(nameOrPosition, getObject(fields_, u"Item", {automation::byVal(nameOrPosition)}))
-      .object;
+  if (found != known_.end()) return *found;
+  return known_.emplace_back(
+      KnownField{nameOrPosition, getObject(fields_, u"Item", {automation::byVal(nameOrPosition)}), {}});
 }
 
 Value DaoRecordset::read(const Value& nameOrPosition) {
-  Value value = get(field(nameOrPosition), u"Value");
+  Value value = get(field(nameOrPosition).object, u"Value");
   if (std::holds_alternative<automation::Date>(value)) return automation::toText(value);
   return value;
+}
+
+bool DaoRecordset::isDate(const Value& nameOrPosition) {
+  KnownField& known = field(nameOrPosition);
+  if (!known.isDate) known.isDate = automation::toInteger(get(known.object, u"Type")) == dateFieldType;
+  return *known.isDate;
+}
+
+// How DAO reads a date from a text depends on the workstation; a date value means the same everywhere.
+void DaoRecordset::write(const Value& nameOrPosition, const Value& value) {
+  const auto* words = std::get_if<std::u16string>(&value);
+  const auto moment = words != nullptr ? text::momentOf(*words) : std::nullopt;
+  const bool asDate = moment && isDate(nameOrPosition);
+  put(field(nameOrPosition).object, u"Value", asDate ? Value(automation::Date{*moment}) : value);
 }
 
 void DaoRecordset::close() {

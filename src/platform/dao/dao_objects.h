@@ -3,7 +3,9 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
+#include <vector>
 
 #include "platform/automation.h"
 #include "platform/database.h"
@@ -43,16 +45,21 @@ class DaoRecordset {
   DaoRecordset& operator=(const DaoRecordset&) = delete;
 
   const ObjectRef& object() const { return object_; }
-  ObjectRef field(const Value& nameOrPosition);
   // Dates as "YYYY-MM-DD HH:MM:SS".
   Value read(const Value& nameOrPosition);
+  // The same for a date column; any other value as it stands, which DAO converts.
+  void write(const Value& nameOrPosition, const Value& value);
+  bool isDate(const Value& nameOrPosition);
   void close();
 
  private:
   struct KnownField {
     Value key;
     ObjectRef object;
+    std::optional<bool> isDate;
   };
+  KnownField& field(const Value& nameOrPosition);
+
   ObjectRef object_;
   ObjectRef fields_;
   std::vector<KnownField> known_;

@@ -1,8 +1,9 @@
 #include "platform/dao/dao_reader.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <random>
 
-#include "platform/dao/dao_engine.h"
 #include "platform/dao/dao_objects.h"
 #include "text/utf8.h"
 
@@ -16,7 +17,7 @@ constexpr std::uint32_t systemTable = 0x80000002U;
 constexpr std::uint32_t attachedTable = 0x60000000U;
 constexpr std::uint32_t hiddenTable = 1;
 constexpr std::uint32_t autoIncrement = 16;
-constexpr std::int16_t openSnapshot = 4;
+constexpr std::int16_t openDynaset = 2, openSnapshot = 4;
 
 struct TypeRow {
   std::int16_t dao;
@@ -72,6 +73,14 @@ std::vector<Value> readRow(DaoRecordset& rows, const access::Table& table) {
   return values;
 }
 
+// The number before the next one: what a row would be given is asked for without adding it.
+std::int32_t lastNumberOf(const ObjectRef& database, const access::Table& table, const Value& counter) {
+  DaoRecordset rows(getObject(database, u"OpenRecordset",
+                              {byVal(u"SELECT * FROM [" + table.name + u"]"), byVal(openDynaset)}));
+  call(rows.object(), u"AddNew");
+  return automation::toLong(rows.read(counter)) - 1;
+}
+
 // Reads the table twice: how many rows and the highest number come first, the rows themselves then.
 void readTable(const ObjectRef& database, access::Table table, access::Visitor& visitor) {
   DaoRecordset rows(getObject(database, u"OpenRecordset",
@@ -79,7 +88,8 @@ void readTable(const ObjectRef& database, access::Table table, access::Visitor& 
   const auto some = [&] { return !automation::toBoolean(get(rows.object(), u"EOF")); };
   const auto counted = std::find_if(table.columns.begin(), table.columns.end(),
                                     [](const access::Column& column) { return column.autoNumber; });
-  const auto counter = static_cast<std::int16_t>(counted - table.columns.begin());
+  const Value counter = static_cast<std::int16_t>(counted - table.columns.begin());
+  if (counted != table.columns.end()) table.lastAutoNumber = lastNumberOf(database, table, counter);
   for (; some(); call(rows.object(), u"MoveNext")) {
     ++table.rowCount;
     if (counted != table.columns.end())
@@ -91,6 +101,58 @@ void readTable(const ObjectRef& database, access::Table table, access::Visitor& 
   visitor.endTable();
 }
 
+// DAO writes into whatever it opens, if only a mark: it gets a copy, in a folder of its own for the file it
+// locks with.
+class Copy {
+ public:
+  explicit Copy(std::u16string_view path) {
+    namespace fs = std::filesystem;
+    const fs::path original(path);
+    std::random_device random;
+    folder_ = fs::temp_directory_path() /
+              ("vordane-access-" + std::to_string(random()) + "-" + std::to_string(random()));
+    try {
+      fs::create_directory(folder_);
+      file_ = folder_ / original.filename();
+      fs::copy_file(original, file_);
+      fs::permissions(file_, fs::perms::owner_write, fs::perm_options::add);
+    } catch (const fs::filesystem_error& failure) {
+      remove();
+      throw access::AccessError(text::toUtf8(path) +
+                                " can't be copied to be read: " + failure.code().message());
+    }
+  }
+  ~Copy() { remove(); }
+  Copy(const Copy&) = delete;
+  Copy& operator=(const Copy&) = delete;
+  std::u16string path() const { return file_.u16string(); }
+
+ private:
+  void remove() {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_, ignored);
+  }
+  std::filesystem::path folder_, file_;
+};
+
+class OpenFile {
+ public:
+  explicit OpenFile(ObjectRef object) : object_(std::move(object)) {}
+  ~OpenFile() {
+    try {
+      call(object_, u"Close");
+    } catch (const database::DatabaseError&) {
+      // The engine has gone, and the file with it.
+    }
+  }
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+  const ObjectRef& object() const { return object_; }
+
+ private:
+  ObjectRef object_;
+};
+
 bool isUserTable(const ObjectRef& definition) {
   const auto attributes = static_cast<std::uint32_t>(number(definition, u"Attributes"));
   return (attributes & (systemTable | attachedTable | hiddenTable)) == 0;
@@ -99,13 +161,13 @@ bool isUserTable(const ObjectRef& definition) {
 }  // namespace
 
 void readAccessFile(platform::ObjectCreator& creator, std::u16string_view path, access::Visitor& visitor) {
-  const ObjectRef database = openDatabase(creator, path, true);
-  const ObjectRef tables = getObject(database, u"TableDefs");
+  const Copy copy(path);
+  const OpenFile database(openDatabase(creator, copy.path(), false));
+  const ObjectRef tables = getObject(database.object(), u"TableDefs");
   for (std::int32_t i = 0; i < number(tables, u"Count"); ++i) {
     const ObjectRef definition = item(tables, i);
-    if (isUserTable(definition)) readTable(database, describeTable(definition), visitor);
+    if (isUserTable(definition)) readTable(database.object(), describeTable(definition), visitor);
   }
-  call(database, u"Close");
 }
 
 }  // namespace vordane::dao

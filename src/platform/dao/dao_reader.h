@@ -8,8 +8,8 @@
 
 namespace vordane::dao {
 
-// Every user table. Throws DatabaseError for what DAO refuses and AccessError for a column type that is not
-// imported or rows that are not as many as counted.
+// Every user table, from a copy: the file itself is never opened. Throws DatabaseError for what DAO refuses
+// and AccessError for a column type that is not imported or rows that are not as many as counted.
 void readAccessFile(platform::ObjectCreator& creator, std::u16string_view path, access::Visitor& visitor);
 
 }  // namespace vordane::dao

@@ -112,6 +112,13 @@ Table* Connection::findTable(std::u16string_view name) {
   return found == tables_.end() ? nullptr : found->second.get();
 }
 
+std::vector<const Table*> Connection::tables() const {
+  std::vector<const Table*> all;
+  for (const auto& [folded, table] : tables_) all.push_back(table.get());
+  std::sort(all.begin(), all.end(), [](const Table* a, const Table* b) { return a->folded < b->folded; });
+  return all;
+}
+
 Table& Connection::table(std::u16string_view name) {
   Table* found = findTable(name);
   if (!found) fail(number::unknownTable, name);

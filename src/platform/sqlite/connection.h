@@ -25,6 +25,9 @@ struct HandleCloser {
 };
 using Handle = std::unique_ptr<sqlite3, HandleCloser>;
 
+// Opens an embedded file that is only read, also where its folder can't be written to. Throws DatabaseError.
+Handle openToRead(std::u16string_view path, const Options& options);
+
 // Whoever reads rows step by step. Before a write it finishes its reading, so that no change moves its rows
 // about and no lock of its own stands in the way.
 class Reader {
@@ -52,6 +55,7 @@ class Connection {
   // Case does not matter; throws DatabaseError (unknownTable).
   Table& table(std::u16string_view name);
   Table* findTable(std::u16string_view name);
+  std::vector<const Table*> tables() const;  // by name
 
   // Runs statements without results: opening and maintenance only.
   void run(const char* sql);

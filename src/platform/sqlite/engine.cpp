@@ -87,6 +87,26 @@ bool returnsRow(sqlite3* handle, const char* sql) {
   return row;
 }
 
+void prepare(sqlite3* handle) {
+  guard(handle);
+  execute(handle, cacheSize);
+  execute(handle, "PRAGMA cell_size_check = ON");
+  returnsRow(handle, "SELECT 1 FROM sqlite_schema LIMIT 1");
+}
+
+void requireEmbeddedFile(std::u16string_view path) {
+  switch (lookAt(std::filesystem::path(path))) {
+    case Found::missing:
+      fail(number::fileNotFound, path);
+    case Found::unreadable:
+      fail(number::noPermission, path);
+    case Found::foreign:
+      fail(number::notADatabase);
+    case Found::embedded:
+      break;
+  }
+}
+
 class EmbeddedDatabase final : public database::Database {
  public:
   EmbeddedDatabase(Handle handle, bool readOnly, const Options& options)
@@ -139,17 +159,9 @@ class EmbeddedEngine final : public database::Engine {
   explicit EmbeddedEngine(Options options) : options_(std::move(options)) { sqlite3_initialize(); }
 
   std::unique_ptr<database::Database> open(std::u16string_view path, bool readOnly) override {
-    switch (lookAt(std::filesystem::path(path))) {
-      case Found::missing:
-        fail(number::fileNotFound, path);
-      case Found::unreadable:
-        fail(number::noPermission, path);
-      case Found::foreign:
-        fail(number::notADatabase);
-      case Found::embedded:
-        break;
-    }
-    return readOnly ? openToRead(path) : openToWrite(path);
+    requireEmbeddedFile(path);
+    if (!readOnly) return openToWrite(path);
+    return std::make_unique<EmbeddedDatabase>(openToRead(path, options_), true, options_);
   }
 
  private:
@@ -162,32 +174,6 @@ class EmbeddedEngine final : public database::Engine {
     sqlite::execute(handle.get(), "PRAGMA synchronous = FULL");
     if (holdsFaults(handle.get())) chooseJournal(handle.get(), path);
     return std::make_unique<EmbeddedDatabase>(std::move(handle), false, options_);
-  }
-
-  std::unique_ptr<database::Database> openToRead(std::u16string_view path) {
-    const std::string file = text::toUtf8(path);
-    Handle handle = openFile(file, SQLITE_OPEN_READONLY, options_);
-    sqlite3_busy_timeout(handle.get(), options_.lockWaitMilliseconds);
-    try {
-      prepare(handle.get());
-    } catch (const database::DatabaseError& error) {
-      // A log that was tidied away needs nothing beside the file; where its folder can't be written to,
-      // the file is read as it stands.
-      std::error_code failure;
-      const bool logged =
-          std::filesystem::exists(std::filesystem::path(std::u16string(path) + u"-wal"), failure);
-      if (logged || (error.number() != number::noPermission && error.number() != number::readOnly)) throw;
-      handle = openFile(immutableAddress(file), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, options_);
-      prepare(handle.get());
-    }
-    return std::make_unique<EmbeddedDatabase>(std::move(handle), true, options_);
-  }
-
-  static void prepare(sqlite3* handle) {
-    guard(handle);
-    sqlite::execute(handle, cacheSize);
-    sqlite::execute(handle, "PRAGMA cell_size_check = ON");
-    returnsRow(handle, "SELECT 1 FROM sqlite_schema LIMIT 1");
   }
 
   static bool holdsFaults(sqlite3* handle) {
@@ -206,6 +192,26 @@ class EmbeddedEngine final : public database::Engine {
 };
 
 }  // namespace
+
+Handle openToRead(std::u16string_view path, const Options& options) {
+  requireEmbeddedFile(path);
+  const std::string file = text::toUtf8(path);
+  Handle handle = openFile(file, SQLITE_OPEN_READONLY, options);
+  sqlite3_busy_timeout(handle.get(), options.lockWaitMilliseconds);
+  try {
+    prepare(handle.get());
+  } catch (const database::DatabaseError& error) {
+    // A log that was tidied away needs nothing beside the file; where its folder can't be written to,
+    // the file is read as it stands.
+    std::error_code failure;
+    const bool logged =
+        std::filesystem::exists(std::filesystem::path(std::u16string(path) + u"-wal"), failure);
+    if (logged || (error.number() != number::noPermission && error.number() != number::readOnly)) throw;
+    handle = openFile(immutableAddress(file), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, options);
+    prepare(handle.get());
+  }
+  return handle;
+}
 
 std::unique_ptr<database::Engine> makeEngine(Options options) {
   return std::make_unique<EmbeddedEngine>(std::move(options));

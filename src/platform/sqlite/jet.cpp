@@ -220,6 +220,7 @@ constexpr std::u16string_view documented[] = {
     u"Select * From PictureFileName Where  ID = 0",
     u"SELECT * FROM Registry WHERE AppName = ''",
     u"SELECT * FROM Options WHERE Key = 0",
+    u"select ObjectName,HelpText from tHelp where FormName = ''",  // the product's own table
 };
 
 const std::unordered_set<std::u16string>& documentedShapes() {

@@ -185,14 +185,16 @@ TEST_F(Imported, ExceptionsKeepNumberTextAndSource) {
   }
 }
 
+HRESULT STDAPICALLTYPE fillInLater(EXCEPINFO* info) {
+  info->bstrDescription = SysAllocString(L"later");
+  return S_OK;
+}
+
 // Some run-time systems give a number of their own and fill the rest in only when asked.
 TEST_F(Imported, SmallErrorNumbersAreRunTimeErrors) {
   foreign.manners = [](DISPPARAMS&, WORD, VARIANT*, EXCEPINFO* exception) {
     exception->wCode = 1004;
-    exception->pfnDeferredFillIn = [](EXCEPINFO* info) -> HRESULT {
-      info->bstrDescription = SysAllocString(L"later");
-      return S_OK;
-    };
+    exception->pfnDeferredFillIn = fillInLater;
     return DISP_E_EXCEPTION;
   };
   try {

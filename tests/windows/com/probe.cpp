@@ -35,6 +35,7 @@ Value field(Field& value, bool put, std::span<Argument> arguments) {
 Value Bag::invokeMember(std::size_t member, automation::CallKind kind, std::span<Argument> arguments) {
   if (member == 0) return static_cast<std::int16_t>(items.size());
   if (member == 1) return element(items, automation::isPut(kind), arguments);
+  if (member == 3) return static_cast<std::int32_t>(GetCurrentProcessId());
   items.push_back(std::get<std::u16string>(arguments[0].value));
   return {};
 }

@@ -47,6 +47,7 @@ constexpr Member bagMembers[] = {
     {u"Count", 1, MemberKind::readOnly, Type::integer},
     {u"Item", 2, MemberKind::readWrite, Type::text, index},
     {u"Put", 3, MemberKind::method, Type::none, name},
+    {u"ProcessId", 4, MemberKind::readOnly, Type::longInteger},
 };
 
 }  // namespace

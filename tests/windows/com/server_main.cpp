@@ -13,19 +13,8 @@
 namespace vordane::test {
 namespace {
 
-std::u16string wide(std::string_view text) {
-  return {text.begin(), text.end()};
-}
-
 registration::Server description() {
-  registration::Server server{windows::executablePath(), {}, {}};
-  const automation::LibraryTable& library = probeLibrary();
-  for (const automation::ClassTable* table : library.classes)
-    server.classes.push_back({std::u16string(table->progId), wide(table->clsid),
-                              std::u16string(table->description), u"_" + std::u16string(table->name),
-                              wide(table->iid)});
-  server.library = {wide(library.libid), wide(library.version), std::u16string(library.description)};
-  return server;
+  return registration::serverOf(windows::executablePath(), probeLibrary());
 }
 
 // Like the add-in's layer: the last probe's release says good-bye to its host and ends the process.

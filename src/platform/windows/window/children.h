@@ -9,6 +9,8 @@
 
 namespace vordane::window::win32 {
 
+inline constexpr wchar_t windowClassName[] = L"VordaneWindow";
+
 enum Id : int {
   idNone = 0,
   idExchangeLabel = 100,

@@ -3,12 +3,13 @@
 #include <algorithm>
 
 #include "platform/windows/window/accessible_name.h"
+#include "platform/windows/window/children.h"
 #include "platform/windows/window/geometry.h"
 
 namespace vordane::window::win32 {
 namespace {
 
-constexpr wchar_t className[] = L"VordaneWindow";
+constexpr const wchar_t* className = windowClassName;
 constexpr std::u16string_view application = u"VORDANE", section = u"Window";
 constexpr std::u16string_view widthsKey = u"ColumnWidths", orderKey = u"ColumnOrder", paneKey = u"Pane",
                               placeKey = u"Place";

@@ -1,0 +1,240 @@
+#include "doctor_checks.h"
+
+#include <system_error>
+
+#include "language/form_controls.h"
+#include "language/row_values.h"
+#include "language_check.h"
+#include "platform/sqlite/engine.h"
+#include "platform/sqlite/schema.h"
+#include "settings/shared_state.h"
+#include "text/text.h"
+#include "text/utf8.h"
+
+namespace vordane::tools {
+namespace {
+
+namespace fs = std::filesystem;
+using database::Database;
+using database::Recordset;
+using Findings = std::vector<Finding>;
+using Tables = std::span<const sqlite::TableDefinition>;
+
+// One file that the program opens.
+struct SuiteFile {
+  fs::path path;
+  Tables tables;
+  bool fatal;     // without it the program ends, or shows no faults
+  bool writable;  // it is opened for writing
+  const char* without;
+};
+
+std::string nameOf(const fs::path& path) {
+  return text::toUtf8(toText(path));
+}
+
+std::u16string columnList(const sqlite::TableDefinition& table) {
+  std::u16string columns;
+  for (const auto& column : table.columns)
+    columns += (columns.empty() ? u"[" : u",[") + std::u16string(column.name) + u"]";
+  return columns;
+}
+
+bool canRun(Database& database, const std::u16string& statement) try {
+  database.openRecordset(statement)->close();
+  return true;
+} catch (const database::DatabaseError&) {
+  return false;
+}
+
+// The job kind is a column that a schedule may lack; every other column is needed.
+bool mayBeMissing(const sqlite::TableDefinition& table, const sqlite::ColumnDefinition& column) {
+  return table.name == u"Options" && column.name == u"Kind";
+}
+
+void examineTable(Database& database, const sqlite::TableDefinition& table, const SuiteFile& file,
+                  Findings& findings) {
+  const std::u16string from = u" from " + std::u16string(table.name);
+  if (canRun(database, u"select " + columnList(table) + from)) return;
+  if (!canRun(database, u"select *" + from)) {
+    findings.push_back(
+        {file.fatal, nameOf(file.path) + ": table " + text::toUtf8(table.name) + " is missing"});
+    return;
+  }
+  for (const auto& column : table.columns)
+    if (!mayBeMissing(table, column) &&
+        !canRun(database, u"select [" + std::u16string(column.name) + u"]" + from))
+      findings.push_back({file.fatal, nameOf(file.path) + ": table " + text::toUtf8(table.name) +
+                                          " lacks the column " + text::toUtf8(column.name)});
+}
+
+bool canWrite(const fs::path& path) {
+  std::error_code failure;
+  const auto permissions = fs::status(path, failure).permissions();
+  constexpr auto anyWrite = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+  return !failure && (permissions & anyWrite) != fs::perms::none;
+}
+
+std::unique_ptr<Database> openForLook(const SuiteFile& file, Findings& findings) {
+  std::error_code failure;
+  if (!fs::is_regular_file(file.path, failure)) {
+    findings.push_back({file.fatal, nameOf(file.path) + " is missing: " + file.without});
+    return nullptr;
+  }
+  if (file.writable && !canWrite(file.path))
+    findings.push_back({file.fatal, nameOf(file.path) + " can't be written: " + file.without});
+  try {
+    return sqlite::makeEngine()->open(toText(file.path), true);
+  } catch (const database::DatabaseError& error) {
+    const bool embedded = sqlite::isEmbeddedFile(toText(file.path));
+    findings.push_back(
+        {file.fatal, nameOf(file.path) +
+                         (embedded ? " can't be read: " : " is no file of the embedded engine: ") +
+                         text::toUtf8(error.description())});
+    return nullptr;
+  }
+}
+
+// A row of a table as its source would stand in a text file.
+SourceRows rowsOf(Database& database, const std::string& name, std::u16string_view table,
+                  std::initializer_list<std::u16string_view> columns, std::u16string_view formColumn = {}) {
+  SourceRows rows;
+  const auto recordset = database.openRecordset(u"SELECT * FROM " + std::u16string(table));
+  for (int number = 1; !recordset->atEnd(); recordset->moveNext(), ++number) {
+    if (!formColumn.empty() && language::textOf(recordset->get(formColumn)) != formName) continue;
+    SourceRow row{name + " " + text::toUtf8(table) + " row " + std::to_string(number), {}};
+    for (const auto column : columns) row.fields.push_back(language::textOf(recordset->get(column)));
+    rows.push_back(std::move(row));
+  }
+  return rows;
+}
+
+SourceRows projectRows(Database& own, const std::string& name) {
+  SourceRows rows;
+  const auto recordset = own.openRecordset(u"SELECT * FROM tProject");
+  for (; !recordset->atEnd(); recordset->moveNext()) {
+    if (language::textOf(recordset->get(u"EXEName")) != programName) continue;
+    for (const char16_t* property : {u"Title", u"OleServerBusyMsgTitle", u"OleServerBusyMsgText",
+                                     u"OleRequestPendingMsgTitle", u"OleRequestPendingMsgText"})
+      rows.push_back({name + " tProject", {property, language::textOf(recordset->get(property))}});
+  }
+  return rows;
+}
+
+// The texts of the installed database, in the shape of their sources, so that one check serves both.
+LanguageSource installedLanguage(Database& own, Database* common, const std::string& name) {
+  LanguageSource source;
+  source.name = name;
+  source.messages = rowsOf(own, name, u"tMessages", {u"ID", u"Caption"});
+  source.lists = rowsOf(own, name, u"tComboBoxDT", {u"ObjectName", u"ListIndex", u"List"}, u"FormName");
+  source.forms =
+      rowsOf(own, name, u"tForms", {u"ObjectName", u"Caption", u"FontName", u"FontSize"}, u"ObjectName");
+  source.controls =
+      rowsOf(own, name, u"tControls", {u"ObjectName", u"Caption", u"FontName", u"FontSize", u"ToolTipText"},
+             u"FormName");
+  source.headings = rowsOf(own, name, u"tSSGridsHD", {u"ObjectName", u"ColIndex", u"Caption"}, u"FormName");
+  source.project = projectRows(own, name);
+  source.boxes =
+      rowsOf(own, name, u"tMsgBox", {u"MsgNo", u"Prompt", u"Buttons", u"Title", u"HelpFile", u"Context"});
+  source.pictures = rowsOf(own, name, u"tPicture",
+                           {u"ObjectName", u"FileName", u"BasePanel", u"BasePanelIndex"}, u"FormName");
+  if (common != nullptr) {
+    source.common_boxes = rowsOf(*common, name, u"tMsgBox",
+                                 {u"MsgNo", u"Prompt", u"Buttons", u"Title", u"HelpFile", u"Context"});
+    source.picture_sets = rowsOf(*common, name, u"PictureFileName", {u"ID", u"DefaultName", u"FileName"});
+  }
+  if (canRun(own, u"select * from tHelp"))
+    source.help = rowsOf(own, name, u"tHelp", {u"ObjectName", u"HelpText"}, u"FormName");
+  return source;
+}
+
+void examineTexts(Database& own, Database* common, Findings& findings) try {
+  Problems problems;
+  checkLanguage(installedLanguage(own, common, "VORDANE.LNG"), problems);
+  for (const std::string& problem : problems) findings.push_back({false, problem});
+} catch (const database::DatabaseError&) {
+  // The table or column that is missing has been named already.
+} catch (const automation::AutomationError&) {
+  findings.push_back({false, "VORDANE.LNG: a value is of an unexpected type"});
+}
+
+void examineRegistration(Database& registry, Findings& findings) {
+  if (!canRun(registry, u"select AppName from Registry")) return;
+  for (const SourceRow& row : rowsOf(registry, "Register.mdb", u"Registry", {u"AppName"}))
+    if (text::equalIgnoringCase(row.fields[0], u"VORDANE.WRX")) return;
+  findings.push_back(
+      {false, "Register.mdb: there is no row for VORDANE.WRX, so the suite does not list the add-in"});
+}
+
+void examinePictures(const SuiteLayout& layout, Database& own, Findings& findings) try {
+  for (const SourceRow& row : rowsOf(own, "VORDANE.LNG", u"tPicture", {u"FileName"}, u"FormName"))
+    if (!row.fields[0].empty() && row.fields[0] != language::keepDesigned &&
+        !fs::exists(layout.pictures() / row.fields[0]))
+      findings.push_back(
+          {false, nameOf(layout.pictures() / row.fields[0]) + " is missing: no background there"});
+} catch (const database::DatabaseError&) {
+  // Named already.
+}
+
+bool samePlace(const fs::path& a, const fs::path& b) {
+  std::error_code failure;
+  return fs::equivalent(a, b, failure);
+}
+
+}  // namespace
+
+std::vector<Finding> examineFiles(const SuiteLayout& layout) {
+  Findings findings;
+  const auto open = [&](const SuiteFile& file) {
+    auto database = openForLook(file, findings);
+    if (database)
+      for (const auto& table : file.tables) examineTable(*database, table, file, findings);
+    return database;
+  };
+  const auto own = open({layout.ownDatabases() / "VORDANE.LNG", sqlite::schema::ownLanguage(), true, false,
+                         "the program ends at its start"});
+  const auto common = open({layout.sharedDatabases() / "Common.LNG", sqlite::schema::commonLanguage(), true,
+                            false, "the program ends at its start"});
+  open({layout.ownDatabases() / "FAULT.MDB", sqlite::schema::faultDatabase(), true, true,
+        "no faults can be stored or shown"});
+  const auto registry = open({layout.sharedDatabases() / "Register.mdb", sqlite::schema::registration(),
+                              false, true, "the suite does not learn the add-in's version"});
+  open({layout.sharedDatabases() / "Schedule.mdb", sqlite::schema::schedule(), false, false,
+        "scheduled jobs run with the default options and without a log"});
+  if (own) examineTexts(*own, common.get(), findings);
+  if (own) examinePictures(layout, *own, findings);
+  if (registry) examineRegistration(*registry, findings);
+  return findings;
+}
+
+std::vector<Finding> examineWorkstation(const SuiteLayout& layout, const Workstation& workstation) {
+  Findings findings;
+  const std::u16string version = layout.root.filename().u16string();
+  if (version.size() != 5)
+    findings.push_back(
+        {true, nameOf(layout.root) + ": the version directory must have a name of five characters"});
+  const auto path = workstation.setting(version, u"InstallPath");
+  if (!path || *path == u"NONE")
+    findings.push_back({false, "the setting InstallPath of version " + text::toUtf8(version) +
+                                   " is missing: the program looks below its own directory"});
+  else if (!samePlace(fs::path(*path), layout.root))
+    findings.push_back(
+        {true, "the setting InstallPath leads to " + text::toUtf8(*path) + ", not to this suite"});
+  if (!workstation.setting(version, u"QUILMAR32"))
+    findings.push_back(
+        {false, "the setting QUILMAR32 is missing: options and logs of scheduled jobs are not found"});
+  const auto zul = workstation.setting(version, u"ZUL");
+  if (!zul)
+    findings.push_back(
+        {false, "the setting ZUL is missing: started alone, the program finds no exchange server"});
+  if (!workstation.server(u"Vordane10013.cOLELayer"))
+    findings.push_back(
+        {true,
+         "Vordane10013.cOLELayer is not registered: no host can start the add-in (VORDANE.EXE /RegServer)"});
+  if (zul && !workstation.server(u"CalderinProj" + *zul + u".cPBXOle"))
+    findings.push_back({false, "CalderinProj" + text::toUtf8(*zul) +
+                                   ".cPBXOle is not registered: no exchange can be reached"});
+  return findings;
+}
+
+}  // namespace vordane::tools

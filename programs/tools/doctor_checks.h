@@ -1,0 +1,32 @@
+// Why a start-up would fail or be incomplete: the add-in itself must end without a word.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "suite_files.h"
+
+namespace vordane::tools {
+
+// `fatal`: the program would not start, or start without its faults; the others leave something out.
+struct Finding {
+  bool fatal;
+  std::string text;
+};
+
+// Looks at every file below the version directory, and changes none.
+std::vector<Finding> examineFiles(const SuiteLayout& layout);
+
+// What the workstation says of the suite: its stored settings and the classes that are registered. The
+// first of them reads a setting of application QUILMAR32, the second the program that a class starts.
+struct Workstation {
+  std::function<std::optional<std::u16string>(std::u16string_view section, std::u16string_view key)> setting;
+  std::function<std::optional<std::u16string>(std::u16string_view progId)> server;
+};
+// Nothing where there is no registry.
+std::optional<Workstation> thisWorkstation();
+std::vector<Finding> examineWorkstation(const SuiteLayout& layout, const Workstation& workstation);
+
+}  // namespace vordane::tools

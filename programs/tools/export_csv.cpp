@@ -1,0 +1,89 @@
+#include "export_csv.h"
+
+#include "lines.h"
+#include "text/utf8.h"
+
+namespace vordane::tools {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t enough = std::size_t{1} << 18;
+
+std::string quoted(const std::string& text) {
+  std::string out = "\"";
+  for (const char c : text) out += c == '"' ? std::string("\"\"") : std::string(1, c);
+  return out + '"';
+}
+
+// A table's name as a file's: what no system takes in one stands as "_".
+std::u16string fileName(std::u16string name) {
+  for (char16_t& c : name)
+    if (c < u' ' || std::u16string_view(u"<>:\"/\\|?*").find(c) != std::u16string_view::npos) c = u'_';
+  return name + u".csv";
+}
+
+}  // namespace
+
+std::string csvField(const access::Value& value) {
+  if (automation::isNull(value) || automation::isEmpty(value)) return {};
+  const std::string text = text::toUtf8(automation::toText(value));
+  const bool plain = !text.empty() && text.find_first_of("\",\r\n") == std::string::npos;
+  return plain ? text : quoted(text);
+}
+
+CsvExport::CsvExport(fs::path folder) : folder_(std::move(folder)) {
+  std::error_code failure;
+  fs::create_directories(folder_, failure);
+  if (failure) throw ToolError(text::toUtf8(folder_.u16string()) + ": " + failure.message());
+}
+
+CsvExport::~CsvExport() {
+  if (!pending_.empty()) {
+    out_.close();
+    std::error_code ignored;
+    fs::remove(pending_, ignored);
+  }
+}
+
+void CsvExport::beginTable(const access::Table& table) {
+  target_ = folder_ / fileName(table.name);
+  pending_ = target_;
+  pending_ += ".part";
+  out_.open(pending_, std::ios::binary | std::ios::trunc);
+  std::vector<std::string> names;
+  for (const access::Column& column : table.columns) names.push_back(csvField(column.name));
+  write(names);
+}
+
+void CsvExport::row(const std::vector<access::Value>& values) {
+  std::vector<std::string> fields;
+  for (const access::Value& value : values) fields.push_back(csvField(value));
+  write(fields);
+}
+
+void CsvExport::write(const std::vector<std::string>& fields) {
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    if (i > 0) buffer_ += ',';
+    buffer_ += fields[i];
+  }
+  buffer_ += "\r\n";
+  if (buffer_.size() >= enough) flush();
+}
+
+void CsvExport::flush() {
+  out_.write(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
+  buffer_.clear();
+}
+
+void CsvExport::endTable() {
+  flush();
+  out_.close();
+  std::error_code failure;
+  if (out_) fs::rename(pending_, target_, failure);
+  if (!out_ || failure) throw ToolError(text::toUtf8(target_.u16string()) + ": can't be written");
+  pending_.clear();
+  files_.push_back(target_);
+}
+
+}  // namespace vordane::tools

@@ -1,0 +1,163 @@
+#include "export_texts.h"
+
+#include <algorithm>
+#include <fstream>
+
+#include "language/form_controls.h"
+#include "lines.h"
+#include "settings/shared_state.h"
+#include "text/numbers.h"
+#include "text/text.h"
+#include "text/utf8.h"
+
+namespace vordane::tools {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct TextTable {
+  std::u16string_view table;
+  const char* file;
+  bool shared;
+  std::initializer_list<std::u16string_view> columns;
+};
+
+const TextTable textTables[] = {
+    {u"tMessages", "messages.tsv", false, {u"ID", u"Caption"}},
+    {u"tForms", "forms.tsv", false, {u"ObjectName", u"Caption", u"FontName", u"FontSize"}},
+    {u"tControls",
+     "controls.tsv",
+     false,
+     {u"ObjectName", u"Caption", u"FontName", u"FontSize", u"ToolTipText"}},
+    {u"tComboBoxDT", "lists.tsv", false, {u"ObjectName", u"ListIndex", u"List"}},
+    {u"tSSGridsHD", "headings.tsv", false, {u"ObjectName", u"ColIndex", u"Caption"}},
+    {u"tMsgBox", "boxes.tsv", false, {u"MsgNo", u"Prompt", u"Buttons", u"Title", u"HelpFile", u"Context"}},
+    {u"tHelp", "help.tsv", false, {u"ObjectName", u"HelpText"}},
+    {u"tPicture", "pictures.tsv", true, {u"ObjectName", u"FileName", u"BasePanel", u"BasePanelIndex"}},
+    {u"PictureFileName", "picture_sets.tsv", true, {u"ID", u"DefaultName", u"FileName"}},
+};
+
+constexpr std::u16string_view projectColumns[] = {u"Title", u"OleServerBusyMsgTitle", u"OleServerBusyMsgText",
+                                                  u"OleRequestPendingMsgTitle", u"OleRequestPendingMsgText"};
+
+std::string inUtf8(const fs::path& path) {
+  return text::toUtf8(path.u16string());
+}
+
+// By their numbers, where a table's rows have no order of their own.
+void sortRows(const std::string& name, SourceRows& rows) {
+  const auto number = [](const std::u16string& field) { return text::parseInteger(field).value_or(0); };
+  if (name == "messages.tsv")
+    std::stable_sort(rows.begin(), rows.end(), [&](const SourceRow& a, const SourceRow& b) {
+      return number(a.fields[0]) < number(b.fields[0]);
+    });
+  if (name == "lists.tsv")
+    std::stable_sort(rows.begin(), rows.end(), [&](const SourceRow& a, const SourceRow& b) {
+      return a.fields[0] != b.fields[0] ? a.fields[0] < b.fields[0]
+                                        : number(a.fields[1]) < number(b.fields[1]);
+    });
+}
+
+void writeRows(const fs::path& path, const SourceRows& rows) {
+  fs::create_directories(path.parent_path());
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  for (const SourceRow& row : rows) {
+    for (std::size_t i = 0; i < row.fields.size(); ++i)
+      out << (i > 0 ? "\t" : "") << text::toUtf8(row.fields[i]);
+    out << '\n';
+  }
+  out.close();
+  if (!out) throw ToolError(inUtf8(path) + ": can't be written");
+}
+
+}  // namespace
+
+TextExport::File& TextExport::file(const std::string& name, bool shared) {
+  for (File& known : files_)
+    if (known.name == name) return known;
+  return files_.emplace_back(File{name, shared, {}});
+}
+
+void TextExport::beginTable(const access::Table& table) {
+  table_ = table;
+  if (text::equalIgnoringCase(table.name, u"PictureFileName")) common_ = true;
+}
+
+// A column's text on one line; a tab or a line's end has no place in a source.
+std::u16string TextExport::field(std::u16string_view column) {
+  const auto found =
+      std::find_if(table_.columns.begin(), table_.columns.end(),
+                   [&](const access::Column& known) { return text::equalIgnoringCase(known.name, column); });
+  if (found == table_.columns.end()) return {};
+  const access::Value& value = values_.at(static_cast<std::size_t>(found - table_.columns.begin()));
+  std::u16string words = automation::isNull(value) ? std::u16string{} : automation::toText(value);
+  for (char16_t& c : words) {
+    if (c != u'\t' && c != u'\r' && c != u'\n') continue;
+    c = u' ';
+    problems_.push_back(text::toUtf8(table_.name) + ": \"" + text::toUtf8(words) +
+                        "\": a tab or a line's end became a blank");
+  }
+  return words;
+}
+
+// Sources know one window, and no control of it stands in a control array.
+bool TextExport::isOwnForm() {
+  const auto has = [&](std::u16string_view name) {
+    return std::any_of(table_.columns.begin(), table_.columns.end(), [&](const access::Column& column) {
+      return text::equalIgnoringCase(column.name, name);
+    });
+  };
+  const bool window = text::equalIgnoringCase(table_.name, u"tForms");
+  const std::u16string form = window ? field(u"ObjectName") : field(u"FormName");
+  if ((window || has(u"FormName")) && !text::equalIgnoringCase(form, formName)) {
+    problems_.push_back(text::toUtf8(table_.name) + ": a row of the window \"" + text::toUtf8(form) +
+                        "\" is left out");
+    return false;
+  }
+  if (has(u"Index") && field(u"Index") != u"-1") {
+    problems_.push_back(text::toUtf8(table_.name) + ": element " + text::toUtf8(field(u"Index")) +
+                        " of the control array \"" + text::toUtf8(field(u"ObjectName")) + "\" is left out");
+    return false;
+  }
+  return true;
+}
+
+void TextExport::take(const std::string& name, bool shared,
+                      std::initializer_list<std::u16string_view> columns) {
+  SourceRow row;
+  for (const auto column : columns) row.fields.push_back(field(column));
+  file(name, shared).rows.push_back(std::move(row));
+}
+
+void TextExport::projectRow() {
+  if (!text::equalIgnoringCase(field(u"EXEName"), programName)) return;
+  for (const auto column : projectColumns)
+    file("project.tsv", false).rows.push_back({{}, {std::u16string(column), field(column)}});
+}
+
+void TextExport::row(const std::vector<access::Value>& values) {
+  values_ = values;
+  if (text::equalIgnoringCase(table_.name, u"tProject")) return projectRow();
+  for (const TextTable& known : textTables)
+    if (text::equalIgnoringCase(known.table, table_.name) && isOwnForm())
+      take(known.file, known.shared, known.columns);
+}
+
+std::vector<fs::path> TextExport::write(const fs::path& folder) const {
+  const fs::path whole = fs::absolute(folder / "").parent_path().lexically_normal();
+  std::vector<fs::path> written;
+  for (const File& file : files_) {
+    // Both databases have boxes, each its own.
+    const std::string name = common_ && file.name == "boxes.tsv" ? "common_boxes.tsv" : file.name;
+    const fs::path path = (file.shared ? whole.parent_path() / "shared" : whole) / name;
+    if (file.shared && fs::exists(path)) continue;
+    SourceRows rows = file.rows;
+    sortRows(name, rows);
+    writeRows(path, rows);
+    written.push_back(path);
+  }
+  if (written.empty()) throw ToolError("no texts of a language are in it");
+  return written;
+}
+
+}  // namespace vordane::tools

@@ -1,0 +1,39 @@
+#include <windows.h>
+
+#include "doctor_checks.h"
+#include "platform/windows/services/services.h"
+
+namespace vordane::tools {
+namespace {
+
+std::optional<std::u16string> defaultValue(HKEY root, const std::u16string& key) {
+  wchar_t value[1024];
+  DWORD bytes = sizeof value;
+  const auto* name = reinterpret_cast<const wchar_t*>(key.c_str());
+  if (RegGetValueW(root, name, nullptr, RRF_RT_REG_SZ, nullptr, value, &bytes) != ERROR_SUCCESS)
+    return std::nullopt;
+  return std::u16string(reinterpret_cast<const char16_t*>(value));
+}
+
+// Per user first, as Windows looks.
+std::optional<std::u16string> classValue(const std::u16string& key) {
+  const std::u16string path = u"Software\\Classes\\" + key;
+  auto value = defaultValue(HKEY_CURRENT_USER, path);
+  return value ? value : defaultValue(HKEY_LOCAL_MACHINE, path);
+}
+
+std::optional<std::u16string> serverOf(std::u16string_view progId) {
+  const auto clsid = classValue(std::u16string(progId) + u"\\CLSID");
+  return clsid ? classValue(u"CLSID\\" + *clsid + u"\\LocalServer32") : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<Workstation> thisWorkstation() {
+  return Workstation{[](std::u16string_view section, std::u16string_view key) {
+                       return windows::RegistrySettings().read(u"QUILMAR32", section, key);
+                     },
+                     serverOf};
+}
+
+}  // namespace vordane::tools

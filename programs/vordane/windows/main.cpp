@@ -1,0 +1,60 @@
+// VORDANE.EXE: reads what the command line asks for and runs the parts.
+#include <windows.h>
+
+#include <string>
+
+#include "parts.h"
+#include "pbx/cListRequest.h"
+#include "pbx/cSLVRequest.h"
+#include "platform/command_line.h"
+#include "platform/registration.h"
+#include "platform/windows/com/registrar.h"
+#include "startup/basMain.h"
+#include "startup/cOLELayer.h"
+#include "startup/library.h"
+
+namespace vordane {
+namespace {
+
+std::vector<com::ServedClass> publicClasses(startup::Application& application) {
+  const auto clsid = [](const automation::ClassTable& table) { return std::string(table.clsid); };
+  return {{clsid(cOLELayer::classTable()), [&] { return application.createLayer(); }, true},
+          {clsid(cListRequest::classTable()), [&] { return application.createListRequest(); }, false},
+          {clsid(cSLVRequest::classTable()), [&] { return application.createSLVRequest(); }, false}};
+}
+
+int serve() {
+  Parts parts;
+  const basMain::Start start = basMain::Main(parts.application);
+  if (start == basMain::Start::nothing) return 0;
+  // A process that a person started offers no class to others.
+  if (start == basMain::Start::hostMode) parts.process.serve(publicClasses(parts.application));
+  return com::runMessageLoop([&](MSG& message) {
+    // A host that calls without end would starve the timer's message.
+    parts.view->serveDueTick();
+    return parts.view->translate(message);
+  });
+}
+
+int run() {
+  const platform::CommandLine line =
+      platform::parseCommandLine(platform::withoutProgramName(com::fromWide(GetCommandLineW())));
+  const auto server = [] {
+    return registration::serverOf(windows::executablePath(), startup::libraryTable());
+  };
+  if (line.start == platform::Start::registerServer) return com::registerServer(server());
+  if (line.start == platform::Start::unregisterServer) return com::unregisterServer(server());
+  return serve();
+}
+
+}  // namespace
+}  // namespace vordane
+
+int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
+  // The last of the three places where a failure stops: without the parts there is nothing to say it with.
+  try {
+    return vordane::run();
+  } catch (const std::exception&) {
+    return 1;
+  }
+}

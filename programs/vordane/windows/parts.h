@@ -1,0 +1,51 @@
+// The workstation's half of the add-in and the application above it, wired. Lives as long as the process has
+// a message loop.
+#pragma once
+
+#include <memory>
+
+#include "language/message_numbers.h"
+#include "language/view_texts.h"
+#include "platform/dao/dao_engine.h"
+#include "platform/engine_choice.h"
+#include "platform/sqlite/engine.h"
+#include "platform/windows/com/class_server.h"
+#include "platform/windows/services/services.h"
+#include "platform/windows/window/background.h"
+#include "platform/windows/window/win32_view.h"
+#include "startup/application.h"
+#include "startup/dlgFaultDisplay.h"
+
+namespace vordane {
+
+class Pictures final : public comPicture::PictureLoader {
+ public:
+  bool readable(std::u16string_view path) override { return window::win32::pictureReadable(path); }
+};
+
+struct Parts {
+  com::Apartment apartment;
+  com::ClassServer process{apartment};
+  windows::RegistrySettings settings;
+  windows::SystemClock clock;
+  windows::SystemFiles files;
+  windows::ComObjectCreator creator;
+  Pictures pictures;
+  std::unique_ptr<database::Engine> engine =
+      database::makeEngineChoice(dao::makeEngine(creator), sqlite::makeEngine());
+
+  SharedState state;
+  MessageTexts viewTexts{state};
+  std::unique_ptr<window::win32::Win32View> view = window::win32::makeWin32View(viewTexts, settings);
+  windows::SystemMessageBoxes boxes{[this] { return view->window(); },
+                                    [this](std::u16string_view path) { tellHelpMissing(path); }};
+  startup::Application application{
+      {settings, clock, files, creator, boxes, *engine, *view, pictures, process, windows::thisProgram()},
+      state};
+
+  Parts() { apartment.filterCalls(application); }
+
+  void tellHelpMissing(std::u16string_view path) { application.form().showBox(box::helpNotFound, path); }
+};
+
+}  // namespace vordane

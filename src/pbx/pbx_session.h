@@ -1,0 +1,139 @@
+// The conversation with an exchange: log in through the exchange server, send a request record, take the
+// answer when the server calls back, log out. One request at a time, one thread; other calls are served
+// while an outgoing one waits, so the window may have ended when a call returns.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "pbx/cListRequest.h"
+#include "platform/automation.h"
+#include "platform/services.h"
+#include "settings/shared_state.h"
+
+namespace vordane::pbx {
+
+// Why the last request came to nothing.
+enum class Failure {
+  none,
+  declined,      // the user did not want it sent
+  loginBusy,     // "BUSY"
+  loginRefused,  // "ERROR", an empty identifier or a raised error
+  noServer,      // stand-alone: the exchange server could not be created
+  sendFailed,
+  errorCode,   // the answer's code, or a tag that stands for no action
+  unreadable,  // the answer could not be read, or its server went away meanwhile
+  cancelled,   // by CancelRequest or an ending
+};
+
+// What the conversation needs of the window that holds it.
+class SessionForm {
+ public:
+  virtual ~SessionForm() = default;
+  virtual automation::ObjectRef host() = 0;    // Parent; null stand-alone and before RegisterPBX
+  virtual automation::ObjectRef caller() = 0;  // the window, whose CallBack the server will call
+  virtual std::u16string registeredName() = 0;
+  virtual std::u16string jobKey() = 0;
+  virtual void setHourglass(bool on) = 0;
+  virtual void setInputEnabled(bool on) = 0;
+  virtual int askBeforeRequest() = 0;                          // box 109; 7 is No
+  virtual bool alive() = 0;                                    // false once an ending has begun
+  virtual bool logResponse(automation::Object& response) = 0;  // true: the run must stop
+  // The conversation of an answered request is over: the action that its answer calls for ...
+  virtual void actionFollows(std::int16_t action) = 0;
+  // ... or none.
+  virtual void answerFailed() = 0;
+  // For the status line: what is waited for, and what came to nothing.
+  virtual void waitingFor(std::int16_t kind) = 0;
+  virtual void requestFailed(Failure failure, std::int32_t errorCode) = 0;
+};
+
+namespace action {
+inline constexpr std::int16_t ingest = 10;
+inline constexpr std::int16_t alarmsCleared = 11;
+inline constexpr std::int16_t alarmState = 12;
+inline constexpr std::int16_t stopRun = 100;
+}  // namespace action
+
+class PbxSession {
+ public:
+  // Entries beyond these are not taken over: whole groups of four within a 16-bit count.
+  static constexpr std::int32_t maximumEntries = 32764;
+
+  PbxSession(SessionForm& form, SharedState& state) : form_(form), state_(state) {}
+  PbxSession(const PbxSession&) = delete;
+  PbxSession& operator=(const PbxSession&) = delete;
+
+  // Stand-alone only: creates the exchange server, the simulator's when it lies in the current directory.
+  // One that can't be created leaves the object unset.
+  void CreateServer(platform::Files& files, platform::SettingsStore& settings,
+                    platform::ObjectCreator& creator);
+
+  // True when the request was sent (its answer may have come already). The acknowledgement keeps the
+  // exchange of the list it acknowledges; the others take the registered one.
+  bool RequestFaultList();
+  bool AcknowledgeFaultList();
+  bool AcknowledgeAndClear();
+
+  // An answer from the server. Calls that no request waits for are ignored. Never throws.
+  void CallBack(const automation::ObjectRef& response);
+
+  // Asks the server to give the request up, when a log-in identifier is held.
+  void CancelRequest();
+  // The window ends: an answer that still comes only logs out, while the host is held.
+  void interrupt();
+  void release();  // lets go of the exchange server
+
+  bool pending() const { return phase_ != Phase::idle && phase_ != Phase::interrupted; }
+  const cListRequest& response() const { return copy_; }
+  bool responseTruncated() const { return truncated_; }
+  const std::u16string& requestName() const { return request_.pbxName; }
+  bool requestWide() const { return request_.wide; }
+
+ private:
+  enum class Phase { idle, loggingIn, sending, waiting, interrupted };
+  struct Request {
+    std::int16_t kind = 0;
+    std::u16string pbxName;
+    bool wide = true;  // the processor texts of the exchange
+  };
+  struct Answer {
+    bool success = false;
+    bool unreadable = false;
+    std::int32_t errorCode = 0;
+    std::int16_t action = 0;
+  };
+
+  void takeRegistered();
+  bool send(std::int16_t kind, std::u16string_view secondData, std::u16string_view tag, bool list);
+  bool LogInAndSend(cListRequest& record, const automation::ObjectRef& reference);
+  bool accepted();
+  bool refuse(Failure failure);
+  std::u16string logIn();
+  std::u16string sendRequest(const automation::ObjectRef& record);
+  void LogOut(const std::u16string& loginId);
+
+  bool isAnswer(const std::u16string& loginId) const;
+  bool copy(automation::Object& response);
+  void copyEntries(automation::Object& response, std::int32_t count);
+  Answer judge(automation::Object& response, bool copied);
+  void showAnswer(automation::Object& response, const Answer& answer);
+  void finish(const Answer& answer);
+
+  automation::ObjectRef server();  // Parent.oPBX, read afresh, or the own one; throws AutomationError
+  void hostCall(std::u16string_view member, std::initializer_list<automation::Argument> arguments = {});
+  void hostMessage(std::size_t number, const std::u16string& text);
+
+  SessionForm& form_;
+  SharedState& state_;
+  automation::ObjectRef server_;
+  std::u16string loginId_;
+  Request request_;
+  Phase phase_ = Phase::idle;
+  cListRequest copy_;
+  bool truncated_ = false;
+};
+
+}  // namespace vordane::pbx

@@ -1,0 +1,49 @@
+#include "startup/form_model.h"
+
+#include <utility>
+
+#include "language/form_controls.h"
+#include "platform/control_types.h"
+
+namespace vordane::startup {
+namespace {
+
+constexpr std::pair<int, std::u16string_view> buttons[] = {{actionRequest, u"cmdRequest"},
+                                                           {actionReset, u"cmdReset"},
+                                                           {actionPrint, u"cmdPrint"},
+                                                           {actionClear, u"cmdClear"},
+                                                           {actionClose, u"cmdClose"}};
+
+// Odd and even rows of the grid.
+constexpr int gridStyleSets = 2;
+
+void addControl(window::Form& form, std::u16string_view name, std::u16string_view typeName, bool visible) {
+  auto properties = window::designedProperties(typeName);
+  if (typeName == u"SSDBGrid") {
+    window::addColumns(properties, gridColumns);
+    window::addStyleSets(properties, gridStyleSets);
+  }
+  if (name == u"txtTimeTag") properties[u"Locked"] = true;
+  properties[u"Visible"] = visible;
+  form.add(std::u16string(name), -1, std::u16string(typeName), std::move(properties));
+}
+
+}  // namespace
+
+window::Form makeFormModel() {
+  auto properties = window::designedProperties(u"Form");
+  properties[u"Caption"] = std::u16string{};
+  properties[u"Visible"] = false;
+  window::Form form{std::u16string(formName), std::move(properties)};
+  for (const FormControl& control : formControls) addControl(form, control.name, control.typeName, true);
+  for (const KindList& list : kindLists) addControl(form, list.name, u"ComboBox", false);
+  return form;
+}
+
+std::u16string_view buttonOfAction(int action) {
+  for (const auto& [code, name] : buttons)
+    if (code == action) return name;
+  return {};
+}
+
+}  // namespace vordane::startup

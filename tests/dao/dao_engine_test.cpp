@@ -1,0 +1,142 @@
+#include "platform/dao/dao_engine.h"
+
+#include "dao/dao_under_test.h"
+#include "database/contract.h"
+#include "fakes/scripted_object.h"
+#include "platform/dao/dao_objects.h"
+
+namespace vordane::database {
+
+INSTANTIATE_TEST_SUITE_P(Dao, DatabaseContract,
+                         testing::Values(EngineFactory{
+                             "dao", [] { return std::make_unique<fakes::DaoUnderTest>(); }}),
+                         [](const auto& run) { return run.param.name; });
+
+namespace {
+
+using fakes::DaoUnderTest;
+using fakes::DaoWorkstation;
+
+class DaoEngine : public testing::Test {
+ protected:
+  std::unique_ptr<Database> open(bool readOnly = false) { return under.engine().open(file, readOnly); }
+  fakes::DaoWorld& world() { return *under.workstation.world; }
+
+  DaoUnderTest under;
+  std::u16string file = under.make(Layout::faults);
+};
+
+TEST_F(DaoEngine, AsksForTheNewerVersionAndOnlyOnce) {
+  open();
+  open();
+  EXPECT_EQ(under.workstation.asked, (std::vector<std::u16string>{u"DAO.DBEngine.120"}));
+}
+
+TEST_F(DaoEngine, TakesTheOlderVersionWhereTheNewerIsMissing) {
+  DaoWorkstation older(u"DAO.DBEngine.36");
+  dao::makeEngine(older)->open(file, false);
+  EXPECT_EQ(older.asked, (std::vector<std::u16string>{u"DAO.DBEngine.120", u"DAO.DBEngine.36"}));
+}
+
+TEST_F(DaoEngine, SaysWhenThereIsNone) {
+  DaoWorkstation none(u"");
+  const auto engine = dao::makeEngine(none);
+  EXPECT_EQ(numberOfError([&] { engine->open(file, false); }), 429);
+}
+
+TEST_F(DaoEngine, AMissingFolderIsAMissingFile) {
+  EXPECT_EQ(numberOfError([&] { under.engine().open(file + u"-folder/FAULT.MDB", false); }), 3024);
+}
+
+TEST_F(DaoEngine, AFileThatMayNotBeChangedOpensOnlyToBeRead) {
+  addExchange(*open(), u"A");
+  world().writeProtected.insert(file);
+  EXPECT_EQ(numberOfError([&] { open(); }), 3051);
+  EXPECT_EQ(column(*open(true), u"Select * FROM PBXList", u"PBXName"), (std::vector<std::string>{"A"}));
+}
+
+TEST_F(DaoEngine, WaitsForOneWhoHoldsTheFileForHimself) {
+  world().held[file] = 2;
+  EXPECT_NO_THROW(open());
+  world().held[file] = 1'000'000;
+  EXPECT_EQ(numberOfError([&] { open(); }), 3260);
+}
+
+TEST_F(DaoEngine, ARecordsetMayBeClosedTwiceAndOutliveItsDatabase) {
+  auto database = open();
+  addExchange(*database, u"A");
+  const auto rows = database->openRecordset(u"Select * FROM PBXList");
+  const auto other = database->openRecordset(u"Select * FROM PBXList");
+  rows->close();
+  rows->close();
+  EXPECT_EQ(numberOfError([&] { rows->get(u"ID"); }), 3420);
+  database.reset();
+  EXPECT_EQ(numberOfError([&] { other->moveNext(); }), 3420);
+}
+
+TEST_F(DaoEngine, AMomentIsWrittenAsADateAndAnyOtherTextAsItStands) {
+  const auto database = open();
+  addExchange(*database, u"2006-11-27 10:15:00", u"2007-01-31 23:59:59");
+  const auto rows = database->openRecordset(u"Select * FROM PBXList");
+  EXPECT_EQ(shown(rows->get(u"PBXName")), "2006-11-27 10:15:00");
+  EXPECT_EQ(shown(rows->get(u"TimeStamp")), "2007-01-31 23:59:59");
+  rows->edit();
+  EXPECT_EQ(numberOfError([&] { rows->set(u"TimeStamp", text(u"31.01.2007")); }), 3421);
+  rows->set(u"TimeStamp", automation::Null{});
+  rows->update();
+  EXPECT_EQ(shown(rows->get(u"TimeStamp")), "Null");
+}
+
+TEST_F(DaoEngine, PastTheEndThereIsNoRecord) {
+  const auto database = open();
+  addExchange(*database, u"A");
+  const auto rows = database->openRecordset(u"Select * FROM PBXList");
+  rows->moveNext();
+  EXPECT_TRUE(rows->atEnd());
+  EXPECT_FALSE(rows->isEmpty());
+  EXPECT_EQ(numberOfError([&] { rows->get(u"ID"); }), 3021);
+  EXPECT_EQ(numberOfError([&] { rows->moveNext(); }), 3021);
+  EXPECT_EQ(numberOfError([&] { rows->edit(); }), 3021);
+  rows->moveFirst();
+  EXPECT_EQ(shown(rows->get(u"PBXName")), "A");
+}
+
+TEST_F(DaoEngine, AnEmptyRecordsetHasNoFirstRecord) {
+  const auto rows = open()->openRecordset(u"Select * FROM PBXList");
+  EXPECT_NE(numberOfError([&] { rows->moveFirst(); }), 0);
+}
+
+TEST_F(DaoEngine, ARowListOfNothingIsEmpty) {
+  const std::u16string_view columns[] = {u"ID"};
+  const auto database = open();
+  const auto rows = database->openRowList(u"SELECT * FROM FaultDisplay Order by [Date] Desc", columns);
+  std::vector<Value> values;
+  EXPECT_EQ(rows->size(), 0U);
+  EXPECT_FALSE(rows->fetch(0, values));
+}
+
+// ---- errors of automation itself
+
+int numberOfFailure(std::int32_t code, std::u16string* description = nullptr) {
+  const auto object = std::make_shared<fakes::ScriptedObject>();
+  object->on(u"Close", [code](auto) -> Value { throw automation::AutomationError(code); });
+  try {
+    dao::call(object, u"Close");
+  } catch (const DatabaseError& error) {
+    if (description != nullptr) *description = error.description();
+    return error.number();
+  }
+  return 0;
+}
+
+TEST(DaoErrors, HaveTheNumbersCallersKnow) {
+  EXPECT_EQ(numberOfFailure(automation::error::runTime(3022)), 3022);
+  EXPECT_EQ(numberOfFailure(automation::error::typeMismatch), 13);
+  EXPECT_EQ(numberOfFailure(automation::error::unknownName), 438);
+  std::u16string description;
+  EXPECT_EQ(numberOfFailure(static_cast<std::int32_t>(0x800706BA), &description), 3420);
+  EXPECT_EQ(description, u"Automation error 800706BA");
+}
+
+}  // namespace
+}  // namespace vordane::database

@@ -1,0 +1,67 @@
+// A fault list on its way into a file that the Access engine keeps: the store as it is, over DAO.
+#include <gtest/gtest.h>
+
+#include "dao/dao_under_test.h"
+#include "fakes/memory_store_form.h"
+#include "store/fault_store.h"
+#include "store/statements.h"
+
+namespace vordane::store {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+class DaoIngestion : public testing::Test {
+ protected:
+  DaoIngestion() {
+    form.database = under.engine().open(file, false);
+    store.SetSortFlags();
+  }
+  ~DaoIngestion() override { store.close(); }
+
+  std::vector<std::u16string> stored(std::u16string_view statement, std::u16string_view name) {
+    std::vector<std::u16string> values;
+    const auto rows = form.database->openRecordset(statement);
+    for (; !rows->atEnd(); rows->moveNext()) values.push_back(textOf(rows->get(name)));
+    return values;
+  }
+
+  fakes::DaoUnderTest under;
+  std::u16string file = under.make(database::Layout::faults);
+  fakes::MemoryStoreForm form;
+  FaultStore store{form};
+};
+
+TEST_F(DaoIngestion, StoresAListAndShowsIt) {
+  form.receive(u"01 MJ MP   ", u"2026/11/20 20:58", u"01 00", u"");
+  form.receive(u"0A MN AB 0C", u"06/11/27 10:15", u"0C", u"0D");
+  store.IngestFaultList();
+  EXPECT_EQ(form.takeTrace(), (Lines{"Account 2=2+0+0", "Acknowledge"}));
+  EXPECT_EQ(stored(addFaults, u"CPU"), (std::vector<std::u16string>{u"MP   ", u"AB 12"}));
+  EXPECT_EQ(stored(exchangesNewestFirst, u"TimeStamp"),
+            (std::vector<std::u16string>{u"2026-11-20 21:14:05"}));
+  ASSERT_NE(form.memoryView.rows, nullptr);
+  EXPECT_EQ(form.memoryView.rows->size(), 2U);
+  EXPECT_EQ(form.window.control(u"txtTimeTag").text(u"Text"), u"20.11.2026 21:14:05");
+}
+
+TEST_F(DaoIngestion, AddsNothingTheSecondTime) {
+  form.receive(u"01 MJ MP   ", u"2026/11/20 20:58", u"01 00", u"");
+  store.IngestFaultList();
+  form.takeTrace();
+  store.IngestFaultList();
+  EXPECT_EQ(form.takeTrace(),
+            (Lines{"Account 1=0+1+0", "ShowMessage nothing new", "Box 104", "Acknowledge"}));
+  EXPECT_EQ(stored(addFaults, u"Count").size(), 1U);
+}
+
+TEST_F(DaoIngestion, DeletesAnExchangeWithItsFaults) {
+  form.receive(u"01 MJ MP   ", u"2026/11/20 20:58", u"01 00", u"");
+  store.IngestFaultList();
+  form.database->execute(u"DELETE FROM PBXList WHERE ID = 1");
+  form.database->execute(u"DELETE FROM FaultDisplay WHERE ID = 1");
+  EXPECT_TRUE(stored(addFaults, u"Count").empty());
+}
+
+}  // namespace
+}  // namespace vordane::store

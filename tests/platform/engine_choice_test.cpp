@@ -1,0 +1,91 @@
+#include "platform/engine_choice.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+
+namespace vordane::database {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+
+// An engine that says its name when it is asked.
+class NamedEngine : public Engine {
+ public:
+  NamedEngine(int number, bool& readOnly) : number_(number), readOnly_(readOnly) {}
+  std::unique_ptr<Database> open(std::u16string_view path, bool readOnly) override {
+    readOnly_ = readOnly;
+    throw DatabaseError(number_, std::u16string(path));
+  }
+
+ private:
+  int number_;
+  bool& readOnly_;
+};
+
+class EngineChoice : public testing::Test {
+ protected:
+  static constexpr int access = 1, embedded = 2;
+
+  EngineChoice() { fs::create_directory(folder); }
+  ~EngineChoice() override { fs::remove_all(folder); }
+
+  std::u16string file(const std::string& bytes) const {
+    const fs::path path = folder / u"Ж.MDB";
+    std::ofstream(path, std::ios::binary) << bytes;
+    return path.u16string();
+  }
+  // The engine that was asked, or the choice's own error.
+  int answer(const std::u16string& path, bool readOnly = false) {
+    const auto choice = makeEngineChoice(std::make_unique<NamedEngine>(access, askedReadOnly),
+                                         std::make_unique<NamedEngine>(embedded, askedReadOnly));
+    try {
+      choice->open(path, readOnly);
+    } catch (const DatabaseError& error) {
+      EXPECT_EQ(error.description(), path);
+      return error.number();
+    }
+    return 0;
+  }
+
+  fs::path folder = fs::temp_directory_path() / ("vordane-choice-" + std::to_string(std::random_device()()));
+  bool askedReadOnly = false;
+};
+
+TEST_F(EngineChoice, AccessFilesGoToTheAccessEngine) {
+  EXPECT_EQ(answer(file("\0\1\0\0Standard Jet DB\0and more"s)), access);
+  EXPECT_EQ(answer(file("\0\1\0\0Standard ACE DB\0and more"s)), access);
+  EXPECT_EQ(answer((fs::path(VORDANE_TEST_DATA) / "access" / "FAULT-empty.MDB").u16string()), access);
+}
+
+TEST_F(EngineChoice, EmbeddedFilesGoToTheEmbeddedEngine) {
+  EXPECT_EQ(answer(file("SQLite format 3\0and more"s)), embedded);
+  EXPECT_FALSE(askedReadOnly);
+  EXPECT_EQ(answer(file("SQLite format 3\0and more"s), true), embedded);
+  EXPECT_TRUE(askedReadOnly);
+}
+
+TEST_F(EngineChoice, AMissingFileIsNotFound) {
+  EXPECT_EQ(answer((folder / "missing.mdb").u16string()), 3024);
+  EXPECT_EQ(answer(folder.u16string()), 3024);
+}
+
+TEST_F(EngineChoice, AnythingElseIsOfNoKnownFormat) {
+  for (const std::string& bytes :
+       {""s, "S"s, "SQLite format 3"s, "SQLite format 2\0"s, "\0\1\0\0Standard Jet D"s, "Standard Jet DB"s,
+        "PK\3\4"s, std::string(5000, '\0')})
+    EXPECT_EQ(answer(file(bytes)), 3343) << bytes;
+}
+
+TEST_F(EngineChoice, TheKindIsInTheFirstBytesAlone) {
+  EXPECT_EQ(fileKind(file("")), FileKind::unknown);
+  EXPECT_EQ(fileKind(file("SQLite format 3\0"s)), FileKind::embedded);
+  EXPECT_EQ(fileKind(file("\0\1\0\0Standard Jet DB"s)), FileKind::access);
+  EXPECT_EQ(fileKind(u""), FileKind::missing);
+}
+
+}  // namespace
+}  // namespace vordane::database

@@ -1,0 +1,385 @@
+// Whole conversations with the exchange, call by call, for success and for each failure.
+#include "startup/story.h"
+
+namespace vordane::startup {
+namespace {
+
+using Conversation = Story;
+using namespace std::string_literals;
+
+const std::string listRequest = "SendRequest LEA0// tag 10 for PBX-1 as L1 busy True mode 0 key ";
+const std::string acknowledgement = "SendRequest EA1/00/ tag 12 for PBX-1 as L1 busy False mode 0 key ";
+const std::string resetRequest = "SendRequest EA1/00/CCC tag 11 for PBX-1 as L1 busy True mode 0 key ";
+
+TEST_F(Conversation, AListIsAskedForTakenInAndAcknowledged) {
+  startWithHost();
+  press(0);
+  EXPECT_THAT(taken(), IsEmpty()) << "work runs from the timer alone";
+  EXPECT_FALSE(state.busy);
+  tick();
+  EXPECT_EQ(state.stepCode, 20000);
+  EXPECT_TRUE(state.busy);
+  EXPECT_THAT(taken(), ElementsAre("(hourglass)", "Login PBX-1&", "ShowMessage PBX L1", listRequest,
+                                   "ShowMessage PBX ACCEPTED", "(disabled)", "TurnOnFlow"));
+  EXPECT_EQ(view.notice, u"waiting for PBX-1");
+
+  exchange().answer(0, oneFault());
+  EXPECT_THAT(taken(), ElementsAre("ShowMessage Done", "ShowCode 0", "LogOut PBX-1& L1&", "TurnOffFlow",
+                                   "(enabled)", "(pointer)"));
+  tick();
+  EXPECT_EQ(state.stepCode, 20001);
+  EXPECT_THAT(taken(), ElementsAre("(hourglass)", "Login PBX-1&", "ShowMessage PBX L1", acknowledgement,
+                                   "ShowMessage PBX ACCEPTED", "(disabled)", "TurnOnFlow"));
+  EXPECT_TRUE(state.busy);
+  EXPECT_THAT(text::toUtf8(view.status[0]), testing::HasSubstr("1 received, 1 new, 0 stored, 0 refused"));
+
+  exchange().answerLamps(u"10");
+  EXPECT_THAT(taken(), ElementsAre("ShowMessage Done", "ShowCode 0", "LogOut PBX-1& L1&", "TurnOffFlow",
+                                   "(enabled)", "(pointer)"));
+  tick();
+  EXPECT_THAT(taken(), IsEmpty());
+  EXPECT_FALSE(state.busy);
+  EXPECT_TRUE(view.majorLit);
+  EXPECT_FALSE(view.minorLit);
+  ASSERT_NE(view.rows, nullptr);
+  EXPECT_EQ(view.rows->size(), 1U);
+  EXPECT_EQ(view.timer, 0);
+}
+
+TEST_F(Conversation, TheSameListAgainAddsNothingAndSaysSo) {
+  startWithHost();
+  for (int i = 0; i < 2; ++i) {
+    pressAndTick(0);
+    exchange().answer(0, oneFault());
+    trace.clear();
+    tick();
+    if (i == 1) {
+      EXPECT_THAT(taken(), testing::IsSupersetOf({"ShowMessage nothing new"s, "Box 104  "s}));
+    }
+    exchange().answerLamps(u"00");
+    tick();
+  }
+  EXPECT_EQ(view.rows->size(), 1U);
+}
+
+TEST_F(Conversation, AReFusedLogInSendsNothingAndLogsNothingOut) {
+  for (const char16_t* answer : {u"BUSY", u"ERROR", u""}) {
+    SCOPED_TRACE(text::toUtf8(answer));
+    if (!application) startWithHost();
+    exchange().loginAnswer = std::u16string(answer);
+    pressAndTick(0);
+    EXPECT_THAT(taken(), ElementsAre("(hourglass)", "Login PBX-1&", "ShowMessage PBX " + text::toUtf8(answer),
+                                     "(pointer)"));
+    EXPECT_FALSE(state.busy);
+    EXPECT_EQ(view.timer, 0);
+  }
+  EXPECT_EQ(view.noticeKind, window::NoticeKind::failure);
+}
+
+TEST_F(Conversation, ALogInThatRaisesCountsAsEmpty) {
+  startWithHost();
+  exchange().loginRaises = true;
+  pressAndTick(0);
+  EXPECT_THAT(taken(), ElementsAre("(hourglass)", "Login PBX-1&", "ShowMessage PBX ", "(pointer)"));
+  EXPECT_FALSE(state.busy);
+}
+
+TEST_F(Conversation, ARefusalIsComparedExactly) {
+  startWithHost();
+  exchange().loginAnswer = u"busy"s;
+  pressAndTick(0);
+  EXPECT_TRUE(state.busy) << "an identifier like any other";
+}
+
+TEST_F(Conversation, ARefusedRequestIsLoggedOut) {
+  for (const char16_t* answer : {u"BUSY", u"ERROR", u""}) {
+    SCOPED_TRACE(text::toUtf8(answer));
+    if (!application) startWithHost();
+    exchange().sendAnswer = std::u16string(answer);
+    pressAndTick(0);
+    EXPECT_THAT(taken(), ElementsAre("(hourglass)", "Login PBX-1&", "ShowMessage PBX L1", listRequest,
+                                     "ShowMessage PBX " + text::toUtf8(answer), "LogOut PBX-1& L1&",
+                                     "TurnOffFlow", "(pointer)"));
+    EXPECT_FALSE(state.busy);
+    exchange().answer(0, oneFault());
+    EXPECT_THAT(taken(), IsEmpty()) << "nobody waits for an answer";
+  }
+}
+
+TEST_F(Conversation, ASendingThatRaisesCountsAsEmpty) {
+  startWithHost();
+  exchange().sendRaises = true;
+  pressAndTick(0);
+  EXPECT_THAT(taken(), ElementsAre("(hourglass)", "Login PBX-1&", "ShowMessage PBX L1", listRequest,
+                                   "ShowMessage PBX ", "LogOut PBX-1& L1&", "TurnOffFlow", "(pointer)"));
+}
+
+TEST_F(Conversation, WholeHundredsAreSuccess) {
+  startWithHost();
+  pressAndTick(0);
+  taken();
+  exchange().answer(200, oneFault());
+  EXPECT_THAT(taken(), ElementsAre("ShowMessage Done", "ShowCode 200", "LogOut PBX-1& L1&", "TurnOffFlow",
+                                   "(enabled)", "(pointer)"));
+  EXPECT_EQ(view.timer, 100);
+}
+
+TEST_F(Conversation, AnErrorCodeEndsTheActionAfterTheSameSteps) {
+  startWithHost();
+  pressAndTick(0);
+  taken();
+  exchange().answer(61, oneFault());
+  EXPECT_THAT(taken(), ElementsAre("ShowMessage ", "ShowCode 61", "LogOut PBX-1& L1&", "TurnOffFlow",
+                                   "(enabled)", "(pointer)"));
+  EXPECT_EQ(view.timer, 0);
+  EXPECT_FALSE(state.busy);
+  EXPECT_EQ(form().response().Count(), 4) << "the entries are copied all the same";
+  EXPECT_EQ(view.status[0], u"failed: code 61");
+}
+
+TEST_F(Conversation, AnAnswerWithoutEntriesStillRunsItsAction) {
+  startWithHost();
+  pressAndTick(0);
+  exchange().answer(0);
+  trace.clear();
+  tick();
+  EXPECT_THAT(taken(), testing::Contains("Box 104  "));
+  EXPECT_TRUE(state.busy) << "the acknowledgement is under way";
+}
+
+TEST_F(Conversation, AMessageOfTheServersOwnIsShownAsItIs) {
+  startWithHost();
+  pressAndTick(0);
+  const auto answer = exchange().record();
+  answer->message = u"All read";
+  taken();
+  exchange().callBack(answer);
+  EXPECT_EQ(taken().front(), "ShowMessage All read");
+}
+
+TEST_F(Conversation, ARecordWithoutAMessageShowsItsCodeAlone) {
+  startWithHost();
+  pressAndTick(0);
+  const auto answer = exchange().record();
+  answer->hasMessage = false;
+  taken();
+  exchange().callBack(answer);
+  EXPECT_THAT(taken(),
+              ElementsAre("ShowCode 0", "LogOut PBX-1& L1&", "TurnOffFlow", "(enabled)", "(pointer)"));
+  EXPECT_EQ(view.timer, 100);
+}
+
+TEST_F(Conversation, AnotherIdentifierIsAnotherConversation) {
+  startWithHost();
+  pressAndTick(0);
+  const auto answer = exchange().record();
+  answer->loginId = u"L2"s;
+  taken();
+  exchange().callBack(answer);
+  EXPECT_THAT(taken(), IsEmpty());
+  EXPECT_TRUE(state.busy);
+  answer->loginId = u""s;
+  exchange().callBack(answer);
+  EXPECT_THAT(taken(), testing::Contains("LogOut PBX-1& L1&"));
+}
+
+TEST_F(Conversation, AnUnreadableIdentifierStandsForTheOwnOne) {
+  startWithHost();
+  pressAndTick(0);
+  const auto answer = exchange().record();
+  answer->loginId = automation::Null{};
+  exchange().callBack(answer);
+  EXPECT_THAT(taken(), testing::Contains("LogOut PBX-1& L1&"));
+}
+
+TEST_F(Conversation, TheSecondAnswerIsIgnored) {
+  startWithHost();
+  pressAndTick(0);
+  exchange().answer(0, oneFault());
+  taken();
+  exchange().answer(0, oneFault());
+  EXPECT_THAT(taken(), IsEmpty());
+}
+
+TEST_F(Conversation, AnAnswerBeforeTheLogInHasReturnedIsIgnored) {
+  startWithHost();
+  pressAndTick(0);
+  exchange().answer(61);
+  exchange().duringLogin = [&] { exchange().answer(0, oneFault()); };
+  taken();
+  pressAndTick(0);
+  EXPECT_EQ(taken().back(), "TurnOnFlow");
+}
+
+TEST_F(Conversation, AnAnswerBeforeSendRequestHasReturnedWinsOverItsText) {
+  startWithHost();
+  exchange().sendAnswer = u"ERROR"s;
+  exchange().duringSend = [&] { exchange().answer(0, oneFault()); };
+  pressAndTick(0);
+  EXPECT_THAT(taken(), ElementsAre("(hourglass)", "Login PBX-1&", "ShowMessage PBX L1", listRequest,
+                                   "ShowMessage Done", "ShowCode 0", "LogOut PBX-1& L1&", "TurnOffFlow",
+                                   "(pointer)", "ShowMessage PBX ERROR"));
+  EXPECT_TRUE(view.inputEnabled);
+  EXPECT_TRUE(state.busy);
+  EXPECT_EQ(view.timer, 100);
+}
+
+TEST_F(Conversation, AnAnswerWhileTheHostHearsOfTheAcceptanceIsTakenToo) {
+  startWithHost();
+  host->meanwhile[u"ShowMessage"] = [&] {
+    if (trace.back() == "ShowMessage PBX ACCEPTED") exchange().answer(0, oneFault());
+  };
+  pressAndTick(0);
+  EXPECT_TRUE(view.inputEnabled) << "nothing is waited for any more";
+  EXPECT_THAT(trace, testing::Not(testing::Contains("TurnOnFlow")));
+  EXPECT_EQ(view.timer, 100);
+}
+
+TEST_F(Conversation, OnlyTheKnownTagsLeadToAnAction) {
+  for (const char16_t* tag : {u"5", u"", u"100", u"list"}) {
+    if (!application) startWithHost();
+    pressAndTick(0);
+    const auto answer = exchange().record();
+    automation::put(*answer, u"Tag", std::u16string(tag));
+    exchange().callBack(answer);
+    EXPECT_EQ(view.timer, 0);
+    EXPECT_FALSE(state.busy);
+  }
+}
+
+TEST_F(Conversation, AnEntryThatCantBeReadIsEmptyAtItsPlace) {
+  startWithHost();
+  pressAndTick(0);
+  const auto answer = exchange().record(0, {u"a", u"b"});
+  answer->broken = [](std::u16string_view member) { return member == u"FirstData"; };
+  exchange().callBack(answer);
+  EXPECT_EQ(form().response().Count(), 2);
+  EXPECT_EQ(form().response().FirstData(0), u"");
+  EXPECT_EQ(form().response().CMD(1), u"LEA0");
+  EXPECT_EQ(view.timer, 100);
+}
+
+TEST_F(Conversation, AServerThatVanishesInTheMiddleIsAFailure) {
+  startWithHost();
+  pressAndTick(0);
+  const auto answer = exchange().record(0, oneFault());
+  int reads = 0;
+  answer->broken = [&](std::u16string_view) { return ++reads > 5; };
+  answer->brokenWith = static_cast<std::int32_t>(0x800706BA);
+  exchange().callBack(answer);
+  EXPECT_FALSE(state.busy);
+  EXPECT_EQ(view.timer, 0);
+  EXPECT_TRUE(view.inputEnabled);
+  EXPECT_LT(reads, 12) << "a server that has gone is not asked again and again";
+}
+
+TEST_F(Conversation, AnUnreadableCodeIsAFailure) {
+  startWithHost();
+  pressAndTick(0);
+  const auto answer = exchange().record(0, oneFault());
+  answer->broken = [](std::u16string_view member) { return member == u"ErrCode"; };
+  taken();
+  exchange().callBack(answer);
+  EXPECT_THAT(taken(),
+              ElementsAre("ShowMessage ", "LogOut PBX-1& L1&", "TurnOffFlow", "(enabled)", "(pointer)"));
+  EXPECT_EQ(view.timer, 0);
+}
+
+TEST_F(Conversation, EntriesBeyondWholeGroupsAreNotTakenOver) {
+  startWithHost();
+  pressAndTick(0);
+  const auto answer = exchange().record(0, oneFault());
+  answer->count = std::int32_t{32766};
+  exchange().callBack(answer);
+  EXPECT_EQ(form().response().Count(), 32764);
+  EXPECT_TRUE(form().responseTruncated());
+}
+
+TEST_F(Conversation, AHostThatRaisesEverywhereStopsNothing) {
+  startWithHost();
+  for (const char16_t* name : {u"ShowMessage", u"ShowCode", u"TurnOnFlow", u"TurnOffFlow"})
+    host->remove(name);
+  pressAndTick(0);
+  exchange().answer(0, oneFault());
+  tick();
+  exchange().answerLamps(u"01");
+  tick();
+  EXPECT_FALSE(state.busy);
+  EXPECT_EQ(view.rows->size(), 1U);
+  EXPECT_TRUE(view.minorLit);
+}
+
+TEST_F(Conversation, AHostWithoutAServerFailsTheLogIn) {
+  startWithHost();
+  host->remove(u"oPBX");
+  pressAndTick(0);
+  EXPECT_THAT(taken(), ElementsAre("(hourglass)", "ShowMessage PBX ", "(pointer)"));
+  EXPECT_FALSE(state.busy);
+}
+
+TEST_F(Conversation, TheServerIsReadAfreshForEachCall) {
+  startWithHost();
+  auto second = std::make_shared<fakes::MemoryExchange>(trace);
+  exchange().duringLogin = [&] {
+    host->on(u"oPBX", [&](auto) { return automation::Value(automation::ObjectRef(second)); });
+  };
+  pressAndTick(0);
+  EXPECT_EQ(exchange().request, nullptr);
+  EXPECT_NE(second->request, nullptr);
+}
+
+TEST_F(Conversation, ARequestKeepsTheExchangeItWasSentWith) {
+  startWithHost();
+  pressAndTick(0);
+  registerPbx(u"PBX-2");
+  taken();
+  exchange().answer(0, oneFault());
+  EXPECT_THAT(taken(), testing::Contains("LogOut PBX-1& L1&"));
+  tick();
+  EXPECT_THAT(taken(), testing::Contains(acknowledgement));
+  exchange().answerLamps(u"00");
+  tick();
+  pressAndTick(0);
+  EXPECT_THAT(taken(), testing::Contains("Login PBX-2&"));
+}
+
+TEST_F(Conversation, TheResetIsConfirmedAndTurnsTheLampsOff) {
+  startWithHost();
+  pressAndTick(0);
+  exchange().answer(0, oneFault());
+  tick();
+  exchange().answerLamps(u"11");
+  tick();
+  ASSERT_TRUE(view.majorLit);
+  taken();
+  pressAndTick(1);
+  EXPECT_EQ(state.stepCode, 20002);
+  EXPECT_THAT(taken(), testing::Contains(resetRequest));
+  const auto answer = exchange().record();
+  automation::call(*exchange().request, u"AddToList",
+                   {automation::byVal(u"EA1"s), automation::byVal(u"00"s), automation::byVal(u"CCC"s),
+                    automation::byVal(u"OK"s)});
+  exchange().callBack(answer);
+  taken();
+  tick();
+  EXPECT_THAT(taken(), ElementsAre("Box 108  "));
+  EXPECT_FALSE(view.majorLit);
+  EXPECT_FALSE(state.busy);
+}
+
+TEST_F(Conversation, ACarefulExchangeIsAskedForOnlyWhenTheUserAgrees) {
+  host->sysInfo = std::int16_t{12};
+  startWithHost();
+  ASSERT_TRUE(state.SysInfoBit8);
+  boxes.answer = 7;
+  pressAndTick(0);
+  EXPECT_THAT(taken(), ElementsAre("Box 109  "));
+  EXPECT_FALSE(state.busy);
+  EXPECT_EQ(state.stepCode, 20000);
+  boxes.answer = 6;
+  pressAndTick(0);
+  EXPECT_THAT(taken(), testing::Contains(listRequest));
+}
+
+}  // namespace
+}  // namespace vordane::startup

@@ -1,0 +1,178 @@
+// How it ends: the last release, the unload in each run mode, and what comes too late.
+#include "startup/story.h"
+
+namespace vordane::startup {
+namespace {
+
+using Endings = Story;
+using namespace std::string_literals;
+
+TEST_F(Endings, TheLastReleaseSavesThePlaceAndEndsTheProcess) {
+  startWithHost();
+  const auto second = createLayer();
+  layer.reset();
+  EXPECT_THAT(taken(), IsEmpty());
+  EXPECT_TRUE(view.attached);
+  view.place = {1200, 900};
+  auto last = second;
+  const_cast<automation::ObjectRef&>(second).reset();
+  EXPECT_THAT(taken(), IsEmpty());
+  last.reset();
+  EXPECT_THAT(taken(), ElementsAre("(stops serving)", "REGComData VORDANE MOVE& 1200,900&", "(window gone)",
+                                   "(process ends)"));
+  EXPECT_EQ(host.use_count(), 2) << "the add-in holds the host no more (the watch of this test does)";
+}
+
+TEST_F(Endings, CancelWhileNothingRunsUnloadsAndTellsTheHost) {
+  startWithHost();
+  EXPECT_EQ(callInteger(u"CancelSchedule"), 0);
+  EXPECT_THAT(taken(), ElementsAre("(stops serving)", "(window gone)", "UnloadChild 7&"));
+  EXPECT_FALSE(process.ended) << "the host still holds its layer";
+}
+
+TEST_F(Endings, AfterTheUnloadTheLayerAnswersAndDoesNothing) {
+  startWithHost();
+  view.place = {30, 40};
+  callInteger(u"CancelSchedule");
+  taken();
+  EXPECT_FALSE(automation::toBoolean(automation::get(*layer, u"Visible")));
+  automation::put(*layer, u"Visible", true);
+  EXPECT_FALSE(view.shown);
+  EXPECT_EQ(runSchedule(u"1"), 10000);
+  EXPECT_TRUE(registerPbx(u"PBX-2"));
+  createSchedule();
+  EXPECT_EQ(callInteger(u"CancelSchedule"), 0);
+  automation::call(*layer, u"SetBackGround", {automation::byVal(std::int16_t{1})});
+  EXPECT_THAT(taken(), IsEmpty());
+  layer.reset();
+  EXPECT_THAT(taken(), ElementsAre("REGComData VORDANE MOVE& 30,40&", "(process ends)"));
+}
+
+TEST_F(Endings, AnUnloadWhileAJobIsMadeReportsTheCreation) {
+  startWithHost();
+  createSchedule();
+  EXPECT_EQ(callInteger(u"CancelSchedule"), 0);
+  EXPECT_THAT(taken(),
+              ElementsAre("(stops serving)", "(window gone)", "EndCreateSchedule True&", "UnloadChild2 7&"));
+}
+
+TEST_F(Endings, AnUnloadDuringARunReportsItsStepBeforeTheUnload) {
+  startWithHost();
+  runSchedule(u"1");
+  tick();
+  tick();
+  taken();
+  EXPECT_EQ(callInteger(u"CancelSchedule"), 0);
+  EXPECT_THAT(taken(), ElementsAre("CancelRequest PBX-1& L1&", "(stops serving)", "(window gone)",
+                                   "EndProcess 1& 20000&", "UnloadChild 7&"));
+  EXPECT_EQ(log().back(), "...");
+}
+
+TEST_F(Endings, TheLateAnswerOfACancelledRequestOnlyLogsOut) {
+  startWithHost();
+  runSchedule(u"1");
+  tick();
+  tick();
+  const auto answer = exchange().record(0, oneFault());
+  callInteger(u"CancelSchedule");
+  taken();
+  exchange().callBack(answer);
+  EXPECT_THAT(taken(), ElementsAre("LogOut PBX-1& L1&", "TurnOffFlow"));
+  exchange().callBack(answer);
+  EXPECT_THAT(taken(), IsEmpty());
+}
+
+TEST_F(Endings, ARequestWhoseHostLetsGoTouchesNothingMore) {
+  startWithHost();
+  exchange().duringLogin = [&] { layer.reset(); };
+  pressAndTick(0);
+  EXPECT_THAT(taken(), ElementsAre("(hourglass)", "Login PBX-1&", "(stops serving)",
+                                   "REGComData VORDANE MOVE& 5100,2400&", "(window gone)", "(process ends)"));
+  EXPECT_FALSE(tick());
+}
+
+TEST_F(Endings, AnEndingInsideAnIngestionsBoxLosesNothing) {
+  startWithHost();
+  pressAndTick(0);
+  exchange().answer(0);
+  boxes.meanwhile = [&] { layer.reset(); };
+  taken();
+  tick();
+  const Lines lines = taken();
+  EXPECT_THAT(lines, testing::Contains("Box 104  "));
+  EXPECT_EQ(lines.back(), "(process ends)") << "no acknowledgement, no box behind it";
+}
+
+TEST_F(Endings, ACancelWhileTheAnswerIsCopiedLogsOutAndDoesNoMore) {
+  startWithHost();
+  pressAndTick(0);
+  const auto answer = exchange().record(0, oneFault());
+  bool once = false;
+  answer->broken = [&](std::u16string_view member) {
+    if (member == u"SecondData" && !std::exchange(once, true)) callInteger(u"CancelSchedule");
+    return false;
+  };
+  taken();
+  exchange().callBack(answer);
+  EXPECT_THAT(taken(), ElementsAre("(stops serving)", "(window gone)", "UnloadChild 7&", "LogOut PBX-1& L1&",
+                                   "TurnOffFlow"));
+  EXPECT_FALSE(tick());
+}
+
+TEST_F(Endings, AHostThatLetsGoWhileItIsToldEndsTheProcessOnce) {
+  startWithHost();
+  host->meanwhile[u"UnloadChild"] = [&] { layer.reset(); };
+  cOLELayer& held = static_cast<cOLELayer&>(*layer);
+  held.CancelSchedule();
+  EXPECT_THAT(taken(), ElementsAre("(stops serving)", "(window gone)", "UnloadChild 7&",
+                                   "REGComData VORDANE MOVE& 5100,2400&", "(process ends)"));
+}
+
+TEST_F(Endings, AHostThatRaisesIsToldEverythingAllTheSame) {
+  startWithHost();
+  createSchedule();
+  host->remove(u"EndCreateSchedule");
+  callInteger(u"CancelSchedule");
+  EXPECT_THAT(taken(), ElementsAre("(stops serving)", "(window gone)", "UnloadChild2 7&"));
+}
+
+TEST_F(Endings, ADeadHostCountsAsOneRelease) {
+  startWithHost();
+  auto& held = static_cast<cOLELayer&>(*layer);
+  held.released();
+  EXPECT_TRUE(process.ended);
+  taken();
+  held.released();
+  layer.reset();
+  EXPECT_THAT(taken(), IsEmpty());
+}
+
+TEST_F(Endings, TheTitleBarHidesInHostMode) {
+  startWithHost();
+  automation::put(*layer, u"Visible", true);
+  form().closeAsked();
+  EXPECT_FALSE(view.shown);
+  EXPECT_TRUE(view.attached);
+}
+
+TEST_F(Endings, TheTitleBarCancelsTheRequestOfARun) {
+  startWithHost();
+  runSchedule(u"1");
+  tick();
+  tick();
+  taken();
+  form().closeAsked();
+  EXPECT_THAT(taken(), ElementsAre("CancelRequest PBX-1& L1&"));
+  EXPECT_TRUE(view.attached);
+}
+
+TEST_F(Endings, TheTitleBarWhileAJobIsMadeCancelsIt) {
+  startWithHost();
+  createSchedule();
+  form().closeAsked();
+  EXPECT_THAT(taken(),
+              ElementsAre("(stops serving)", "(window gone)", "EndCreateSchedule True&", "UnloadChild2 7&"));
+}
+
+}  // namespace
+}  // namespace vordane::startup

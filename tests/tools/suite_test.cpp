@@ -1,0 +1,132 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "background_pictures.h"
+#include "language/comLanguage.h"
+#include "language/form_controls.h"
+#include "language/message_numbers.h"
+#include "language_folder.h"
+#include "platform/control_types.h"
+#include "suite_files.h"
+
+namespace vordane::tools {
+namespace {
+
+class Suite : public testing::TestWithParam<const char*> {
+ protected:
+  Suite() : texts(GetParam()), layout{texts.files.folder() / "30000"} {
+    Problems problems;
+    source = readLanguage(texts.folder(), problems);
+  }
+  std::unique_ptr<database::Database> open(const std::filesystem::path& file) {
+    return sqlite::makeEngine()->open(toText(file), true);
+  }
+
+  fakes::LanguageFolder texts;
+  SuiteLayout layout;
+  LanguageSource source;
+};
+
+// Every loader of the program takes the language to its end.
+TEST_P(Suite, ItsLanguageLoadsWhole) {
+  makeSuiteFiles(layout, source);
+  const auto language = open(layout.ownDatabases() / "VORDANE.LNG");
+  window::Properties window = window::designedProperties(u"Form");
+  window[u"Caption"] = std::u16string{};
+  window::Form form(std::u16string(formName), window);
+  for (const FormControl& control : formControls) {
+    window::Properties properties = window::designedProperties(control.typeName);
+    if (control.typeName == u"SSDBGrid") window::addColumns(properties, gridColumns);
+    form.add(std::u16string(control.name), -1, std::u16string(control.typeName), properties);
+  }
+  for (const KindList& list : kindLists)
+    form.add(std::u16string(list.name), -1, u"ComboBox", window::designedProperties(u"ComboBox"));
+
+  EXPECT_TRUE(comLanguage::LocaliseForm(form, *language));
+  EXPECT_TRUE(comLanguage::LocaliseControls(form, *language));
+  EXPECT_TRUE(comLanguage::LoadComboLists(form, *language));
+  EXPECT_TRUE(comLanguage::LocaliseGridHeadings(form, *language));
+  comLanguage::ProjectTexts project;
+  EXPECT_TRUE(comLanguage::LoadProjectTexts(u"VORDANE", *language, project));
+  std::vector<std::u16string> messages;
+  EXPECT_TRUE(comLanguage::LoadTextArray(messages, u"tMessages", *language));
+  EXPECT_EQ(messages.size(), message::count);
+  EXPECT_FALSE(messages[message::noHelpText].empty());
+  EXPECT_GE(comLanguage::LoadHelpTexts(form, *language).size(), 5U);
+  for (const KindList& list : kindLists) {
+    const auto items = static_cast<int>(form.control(list.name).items().size());
+    EXPECT_TRUE(list.atLeast ? items >= list.items : items == list.items);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Languages, Suite, testing::Values("en", "ru", "ja"));
+
+TEST(SuiteFiles, StandInTheInstalledLayout) {
+  fakes::LanguageFolder texts;
+  Problems problems;
+  const SuiteLayout layout{texts.files.folder() / "30000"};
+  makeSuiteFiles(layout, readLanguage(texts.folder(), problems));
+  for (const char* file :
+       {"ADDINS/DATABASE/FAULT.MDB", "ADDINS/DATABASE/VORDANE.LNG", "ADDINS/REPORT/FAULT.RPT",
+        "ADDINS/HELP/VORDANE.TXT", "QUIL32/DATABASE/Common.LNG", "QUIL32/DATABASE/Register.mdb",
+        "QUIL32/DATABASE/Schedule.mdb", "BACKGRND/VORDBACK.BMP", "BACKGRND/MIST.BMP"})
+    EXPECT_TRUE(std::filesystem::exists(layout.root / file)) << file;
+  const auto engine = sqlite::makeEngine();
+  const auto registry = engine->open(toText(layout.sharedDatabases() / "Register.mdb"), true);
+  EXPECT_FALSE(registry->openRecordset(u"SELECT * FROM Registry WHERE AppName = \"VORDANE.WRX\"")->isEmpty());
+  const auto schedule = engine->open(toText(layout.sharedDatabases() / "Schedule.mdb"), true);
+  EXPECT_EQ(
+      automation::toInteger(schedule->openRecordset(u"SELECT * FROM Options WHERE Key = 2")->get(u"Count")),
+      3);
+}
+
+TEST(SuiteFiles, StoredFaultsStayWhenTheFilesAreMadeAgain) {
+  fakes::LanguageFolder texts;
+  Problems problems;
+  const SuiteLayout layout{texts.files.folder() / "30000"};
+  const LanguageSource source = readLanguage(texts.folder(), problems);
+  makeSuiteFiles(layout, source);
+  {
+    const auto faults = sqlite::makeEngine()->open(toText(layout.ownDatabases() / "FAULT.MDB"), false);
+    const auto rows = faults->openRecordset(u"Select * FROM PBXList");
+    rows->addNew();
+    rows->set(u"PBXName", std::u16string(u"PBX-1"));
+    rows->update();
+  }
+  makeSuiteFiles(layout, source);
+  const auto faults = sqlite::makeEngine()->open(toText(layout.ownDatabases() / "FAULT.MDB"), true);
+  EXPECT_FALSE(faults->openRecordset(u"Select * FROM PBXList WHERE PBXName = \"PBX-1\"")->isEmpty());
+}
+
+TEST(BackgroundPictures, EveryNameOfTheSetsIsDrawn) {
+  Problems problems;
+  fakes::LanguageFolder texts;
+  const LanguageSource source = readLanguage(texts.folder(), problems);
+  const auto drawn = [](std::u16string_view file) {
+    for (const BackgroundPicture& picture : backgroundPictures())
+      if (picture.file == file) return true;
+    return false;
+  };
+  for (const SourceRow& row : source.pictures) EXPECT_TRUE(drawn(row.fields[1]));
+  for (const SourceRow& row : source.picture_sets) {
+    EXPECT_TRUE(drawn(row.fields[1]));
+    EXPECT_TRUE(drawn(row.fields[2]));
+  }
+}
+
+TEST(BackgroundPictures, AreLightBitmaps) {
+  for (const BackgroundPicture& picture : backgroundPictures()) {
+    const std::string bytes = drawPicture(picture);
+    ASSERT_EQ(bytes.size(), 54U + 16 * 256 * 3);
+    EXPECT_EQ(bytes.substr(0, 2), "BM");
+    for (std::size_t at = 54; at < bytes.size(); ++at)
+      ASSERT_GE(static_cast<unsigned char>(bytes[at]),
+                220);  // black text on it keeps a contrast above 14 to 1
+    EXPECT_EQ(static_cast<unsigned char>(bytes[54]), picture.bottom.blue);
+    EXPECT_EQ(static_cast<unsigned char>(bytes[bytes.size() - 1]), picture.top.red);
+  }
+}
+
+}  // namespace
+}  // namespace vordane::tools

@@ -1,0 +1,20 @@
+// The type library's text as a whole: numbers and identifiers that a host was compiled against never change.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "startup/library.h"
+
+namespace vordane {
+namespace {
+
+TEST(TypeLibrary, IsWhatHostsWereCompiledAgainst) {
+  std::ifstream file(VORDANE_TEST_DATA "/Vordane10013.idl", std::ios::binary);
+  std::stringstream golden;
+  golden << file.rdbuf();
+  EXPECT_EQ(automation::idlText(startup::libraryTable()), golden.str());
+}
+
+}  // namespace
+}  // namespace vordane
