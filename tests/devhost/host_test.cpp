@@ -96,6 +96,7 @@ TEST_F(HostTest, AClosedHostAnswersNothing) {
   const automation::ObjectRef kept = access();
   state_->closed = true;
   EXPECT_THROW(automation::call(*host_, u"TurnOnFlow"), AutomationError);
+  EXPECT_THROW(automation::get(*host_, u"oPBX"), AutomationError);
   EXPECT_THROW(automation::call(*kept, u"getsysinfo", {byRef(std::u16string(u"A"))}), AutomationError);
   EXPECT_TRUE(environment_.lines.empty());
 }

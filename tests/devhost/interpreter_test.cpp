@@ -136,6 +136,18 @@ TEST_F(InterpreterTest, AWrongScenarioIsToldWithItsLine) {
   EXPECT_THAT(environment_.lines.back(), HasSubstr("none.zul can't be read"));
 }
 
+TEST_F(InterpreterTest, AHostThatOutlivesItsScriptIsClosed) {
+  std::weak_ptr<FakeLayer> layer;
+  environment_.classes[u"Vordane10013.cOLELayer"] = [&] {
+    const auto made = std::make_shared<FakeLayer>();
+    layer = made;
+    return made;
+  };
+  scenario("exchange PBX-1\nanswer LEA0\nnever\n");
+  run("pbx in-process try.zul\ncreate\nregister PBX-1\nrun 1\n");
+  EXPECT_TRUE(layer.expired());  // neither the waiting request nor the log-in holds it any more
+}
+
 TEST_F(InterpreterTest, CanEndWithoutAWord) {
   run("die\n");
   EXPECT_EQ(environment_.timers.vanished, 1);

@@ -97,9 +97,18 @@ void depart(HostState& state, std::u16string_view member) {
   if (behaviour.raises) throw AutomationError(*behaviour.raises);
 }
 
+constexpr auto disconnected = static_cast<std::int32_t>(0x80010108);
+
 void ensureOpen(const HostState& state) {
-  constexpr auto disconnected = static_cast<std::int32_t>(0x80010108);
   if (state.closed) throw AutomationError(disconnected);
+}
+
+// The state behind an object that others may hold for longer.
+std::shared_ptr<HostState> open(const std::weak_ptr<HostState>& held) {
+  std::shared_ptr<HostState> state = held.lock();
+  if (!state) throw AutomationError(disconnected);
+  ensureOpen(*state);
+  return state;
 }
 
 Value serve(HostState& state, const Member& member, Arguments arguments) {
@@ -154,33 +163,29 @@ bool Host::hasMember(std::u16string_view member) const {
 Value Host::invoke(std::u16string_view name, CallKind kind, Arguments arguments) {
   if (!hasMember(name)) throw AutomationError(automation::error::unknownName);
   if (const Member* member = find(hostMembers, name)) return serve(*state_, *member, arguments);
+  ensureOpen(*state_);
   if (automation::isPut(kind)) throw AutomationError(automation::error::memberNotFound);
   depart(*state_, name);  // reading an object is no notification
   return text::equalIgnoringCase(name, u"oZUL") ? access_ : state_->exchangeServer;
 }
 
-std::shared_ptr<HostState> TracedServer::state() const {
-  if (auto held = state_.lock()) return held;
-  throw AutomationError(automation::error::memberNotFound);
-}
-
 bool TracedServer::hasMember(std::u16string_view member) const {
-  return !state()->omitted(member) && server_->hasMember(member);
+  const std::shared_ptr<HostState> state = state_.lock();
+  return state && !state->omitted(member) && server_->hasMember(member);
 }
 
 Value TracedServer::invoke(std::u16string_view member, CallKind kind, Arguments arguments) {
-  const std::shared_ptr<HostState> host = state();
-  if (host->omitted(member)) throw AutomationError(automation::error::unknownName);
-  ensureOpen(*host);
+  const std::shared_ptr<HostState> state = open(state_);
+  if (state->omitted(member)) throw AutomationError(automation::error::unknownName);
   const std::u16string name = u"oPBX." + std::u16string(member);
-  host->trace.notification(name, written(arguments));
-  depart(*host, member);
+  state->trace.notification(name, written(arguments));
+  depart(*state, member);
   try {
     const Value result = server_->invoke(member, kind, arguments);
-    if (!automation::isEmpty(result)) host->trace.line(name + u" = " + written(result));
+    if (!automation::isEmpty(result)) state->trace.line(name + u" = " + written(result));
     return result;
   } catch (const AutomationError& failure) {
-    host->trace.line(name + u" ! " + written(failure));
+    state->trace.line(name + u" ! " + written(failure));
     throw;
   }
 }

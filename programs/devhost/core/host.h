@@ -75,10 +75,7 @@ class TracedServer : public automation::Object {
   bool hasMember(std::u16string_view member) const override;
 
  private:
-  // Throws when the host has gone.
-  std::shared_ptr<HostState> state() const;
-
-  std::weak_ptr<HostState> state_;  // which holds this object
+  std::weak_ptr<HostState> state_;  // which holds this object as its oPBX
   automation::ObjectRef server_;
 };
 

@@ -70,9 +70,13 @@ Interpreter::Interpreter(Environment& environment, Settings settings)
   state_->report = [this](const ReportRequest& request) { return print(request); };
 }
 
-// The add-in's objects go before the host that they know.
+// The add-in's objects go before the host that they know, and the exchange server, which may hold the
+// add-in's window, before the host is closed to it.
 Interpreter::~Interpreter() {
   objects_.clear();
+  automation::ObjectRef server = std::move(state_->exchangeServer);
+  server.reset();
+  state_->closed = true;
 }
 
 Outcome Interpreter::run(const std::vector<Statement>& statements) {
