@@ -15,9 +15,15 @@ bool openLanguage(startup::Application& application, std::u16string_view item, s
   return comDatabase::OpenLanguageDatabase(application.station().engine, path, database, readOnly);
 }
 
+// It is opened for writing, but nothing is ever written to it: one that can't be written serves as well.
+bool openOwnLanguage(startup::Application& application) {
+  return openLanguage(application, u"Database", u"VORDANE.LNG", application.LangDB, false) ||
+         openLanguage(application, u"Database", u"VORDANE.LNG", application.LangDB, true);
+}
+
 bool loadTexts(startup::Application& application) {
   return openLanguage(application, u"REGDBOFQUIL32", u"Common.LNG", application.CommonLangDB, true) &&
-         openLanguage(application, u"Database", u"VORDANE.LNG", application.LangDB, false) &&
+         openOwnLanguage(application) &&
          comLanguage::LoadProjectTexts(programName, *application.LangDB, application.texts) &&
          comLanguage::LoadTextArray(application.state().Messages, u"tMessages", *application.LangDB);
 }

@@ -23,6 +23,8 @@ class FolderEngine : public database::Engine {
 
   std::unique_ptr<database::Database> open(std::u16string_view path, bool readOnly) override {
     opened.push_back({std::u16string(path), readOnly});
+    if (!readOnly && !unwritable.empty() && path.ends_with(unwritable))
+      throw database::DatabaseError(3051, std::u16string(path));
     return engine_->open(file(path.substr(path.rfind(u'\\') + 1)), readOnly);
   }
 
@@ -34,6 +36,7 @@ class FolderEngine : public database::Engine {
     bool readOnly;
   };
   std::vector<Opened> opened;
+  std::u16string unwritable;  // the name of a file that opens for reading only
 
  private:
   static std::filesystem::path makeFolder() {

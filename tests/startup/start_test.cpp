@@ -31,6 +31,13 @@ TEST_F(Start, EveryMissingPieceEndsTheProcessWithoutAWord) {
   }
 }
 
+TEST_F(Start, AnUnwritableOwnLanguageServesAsWell) {
+  engine.unwritable = u"VORDANE.LNG";
+  start();
+  EXPECT_EQ(state.Messages.size(), message::count);
+  EXPECT_TRUE(engine.opened.back().readOnly);
+}
+
 TEST_F(Start, MissingMessagesEndTheProcess) {
   const auto own = sqlite::schema::ownLanguage();
   fakes::makeDatabase(
