@@ -1,5 +1,6 @@
 // What may go wrong outside: other processes, damaged files, failing disks, no memory, a killed process.
 // The numbers of rounds are short here; VORDANE_ROUNDS=n repeats n times as many.
+#include <iostream>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sqlite3.h>
@@ -80,7 +81,8 @@ class Child {
     int code = 99;
     try {
       code = work();
-    } catch (...) {
+    } catch (const std::exception& failure) {
+      std::cerr << "the child process failed: " << failure.what() << std::endl;
     }
     _exit(code);
   }

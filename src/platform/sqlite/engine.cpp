@@ -185,7 +185,18 @@ class EmbeddedEngine final : public database::Engine {
   // work. The other databases lie in folders that may be read-only and keep the plain rollback journal.
   void chooseJournal(sqlite3* handle, std::u16string_view path) {
     const bool network = options_.onNetwork ? options_.onNetwork(path) : path.starts_with(u"\\\\");
-    sqlite::execute(handle, network ? "PRAGMA journal_mode = DELETE" : "PRAGMA journal_mode = WAL");
+    const char* choice = network ? "PRAGMA journal_mode = DELETE" : "PRAGMA journal_mode = WAL";
+    // Two programs that open a new file at once are in each other's way here, and the engine's own waiting
+    // for locks does not cover the change of the journal.
+    constexpr int pause = 20;
+    for (int waited = 0;; waited += pause) {
+      try {
+        return sqlite::execute(handle, choice);
+      } catch (const database::DatabaseError& failure) {
+        if ((failure.number() != number::locked && failure.number() != number::inUse) || waited >= options_.lockWaitMilliseconds) throw;
+      }
+      sqlite3_sleep(pause);
+    }
   }
 
   Options options_;
