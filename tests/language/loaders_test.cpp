@@ -50,6 +50,8 @@ TEST_F(Loaders, WindowRowFailsOnNullCaptionAndUselessSizes) {
     other.with(u"tForms", {{t(form16), t(u"new"), t(u"Tahoma"), size}});
     EXPECT_FALSE(comLanguage::LocaliseForm(form, other.open()));
     EXPECT_EQ(form.self().text(u"Caption"), u"new");  // what was applied before stays
+    EXPECT_EQ(form.self().text(u"Font.Name"), u"Tahoma");
+    form.self().set(u"Font.Name", std::u16string(u"Arial"));
   }
 }
 
