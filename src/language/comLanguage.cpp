@@ -143,6 +143,7 @@ bool LoadTextArray(std::vector<std::u16string>& array, std::u16string_view table
     const auto rows = database.openRecordset(u"SELECT * FROM " + name + u" UNION SELECT -1, COUNT(*) FROM " +
                                              name + u" ORDER BY ID");
     const std::int16_t count = automation::toInteger(rows->get(u"Caption"));
+    if (count < 0) throw automation::AutomationError(automation::error::overflow);  // another row came first
     array.assign(static_cast<std::size_t>(count), {});
     rows->moveNext();
     for (std::u16string& text : array) {

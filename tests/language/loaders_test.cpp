@@ -187,6 +187,12 @@ TEST_F(Loaders, NoMessagesAreAnEmptyArray) {
   EXPECT_TRUE(messages.empty());
 }
 
+TEST_F(Loaders, ANumberBelowTheCountsOwnIsFalse) {
+  language.with(u"tMessages", {{n(-7), t(u"-3")}, {n(0), t(u"zero")}});
+  std::vector<std::u16string> messages;
+  EXPECT_FALSE(comLanguage::LoadTextArray(messages, u"tMessages", language.open()));
+}
+
 TEST_F(Loaders, AMissingMessageTableIsFalse) {
   language.with(u"tForms", {});
   std::vector<std::u16string> messages;
