@@ -30,6 +30,17 @@ TEST_F(Endings, CancelWhileNothingRunsUnloadsAndTellsTheHost) {
   EXPECT_FALSE(process.ended) << "the host still holds its layer";
 }
 
+TEST_F(Endings, TheDatabasesAreClosedBeforeTheHostIsTold) {
+  startWithHost();
+  const std::filesystem::path log(engine.file(u"FAULT.MDB") + u"-wal");
+  EXPECT_TRUE(std::filesystem::exists(log)) << "as long as somebody has it open";
+  bool open = true;
+  host->meanwhile[u"UnloadChild"] = [&] { open = std::filesystem::exists(log); };
+  callInteger(u"CancelSchedule");
+  EXPECT_THAT(taken(), testing::Contains("UnloadChild 7&"));
+  EXPECT_FALSE(open) << "the host may copy or move the file at once";
+}
+
 TEST_F(Endings, AfterTheUnloadTheLayerAnswersAndDoesNothing) {
   startWithHost();
   view.place = {30, 40};
