@@ -193,6 +193,14 @@ TEST_F(Loaders, ANumberBelowTheCountsOwnIsFalse) {
   EXPECT_FALSE(comLanguage::LoadTextArray(messages, u"tMessages", language.open()));
 }
 
+TEST_F(Loaders, MoreMessagesThan16BitsCountAreFalse) {
+  std::vector<Row> rows;
+  for (int id = 0; id <= 32767; ++id) rows.push_back({n(id), t(u"x")});
+  language.with(u"tMessages", rows);
+  std::vector<std::u16string> messages;
+  EXPECT_FALSE(comLanguage::LoadTextArray(messages, u"tMessages", language.open()));
+}
+
 TEST_F(Loaders, AMissingMessageTableIsFalse) {
   language.with(u"tForms", {});
   std::vector<std::u16string> messages;

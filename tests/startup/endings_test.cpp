@@ -177,6 +177,30 @@ TEST_F(Endings, TheTitleBarCancelsTheRequestOfARun) {
   EXPECT_TRUE(view.attached);
 }
 
+TEST_F(Endings, TheTitleBarCancelsNothingWithoutAnIdentifier) {
+  for (const char16_t* answer : {u"BUSY", u"ERROR", u""}) {
+    exchange().loginAnswer = std::u16string(answer);
+    startWithHost();
+    runSchedule(u"3");
+    form().closeAsked();
+    tick();
+    tick();  // the first run's log-in fails and the second is due
+    taken();
+    form().closeAsked();
+    EXPECT_THAT(taken(), IsEmpty()) << text::toUtf8(answer);
+    EXPECT_TRUE(view.attached);
+    layer.reset();
+    view.timer = 0;
+  }
+}
+
+TEST_F(Endings, AHostThatKeepsNoDataIsLeftAllTheSame) {
+  startWithHost();
+  host->remove(u"REGComData");
+  layer.reset();
+  EXPECT_THAT(taken(), ElementsAre("(stops serving)", "(window gone)", "(process ends)"));
+}
+
 TEST_F(Endings, TheTitleBarWhileAJobIsMadeCancelsIt) {
   startWithHost();
   createSchedule();
