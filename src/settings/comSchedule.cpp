@@ -16,6 +16,7 @@ using automation::Value;
 
 constexpr std::int32_t fatalError = 61;  // ends every run, whatever its options say
 constexpr std::int16_t stateFatal = 12;
+constexpr std::int16_t noKind = 0;  // what is no 16-bit number is no kind of job that runs here
 constexpr int pollMilliseconds = 50;
 constexpr double secondsOfDay = 86'400;
 
@@ -58,6 +59,8 @@ std::int16_t jobKind(database::Recordset& row, std::int16_t otherwise) try {
   return automation::isNull(kind) ? otherwise : automation::toInteger(kind);
 } catch (const database::DatabaseError&) {
   return otherwise;
+} catch (const automation::AutomationError&) {
+  return noKind;
 }
 
 void readOptions(database::Recordset& row, std::u16string_view key, ScheduleState& state) {

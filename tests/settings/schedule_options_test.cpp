@@ -88,6 +88,15 @@ TEST_F(ScheduleOptions, NullKindIsTheFaultList) {
   EXPECT_EQ(state.JobKind, 2);
 }
 
+TEST_F(ScheduleOptions, AKindBeyond16BitsIsAnotherKind) {
+  fakes::Row row = fullRow();
+  row[8] = std::int32_t{70000};
+  makeSchedule(row);
+  comSchedule::LoadScheduleOptions(environment, u"7");
+  EXPECT_NE(state.JobKind, 2);
+  EXPECT_EQ(state.LogName, u"NIGHT7");
+}
+
 TEST_F(ScheduleOptions, ADatabaseWithoutKindsIsRead) {
   const sqlite::TableDefinition full = sqlite::schema::schedule()[0];
   fakes::Row row = fullRow();
