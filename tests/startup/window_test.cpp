@@ -52,6 +52,32 @@ TEST_F(Window, APressWhileAnotherIsUnderWayIsDropped) {
   EXPECT_EQ(view.timer, 0);
 }
 
+TEST_F(Window, AnotherExchangeIsChosenOnlyBetweenRequests) {
+  startWithHost(u"PBX-2");
+  for (const char16_t* name : {u"PBX-1", u"PBX-2"}) {
+    registerPbx(name);
+    pressAndTick(0);
+    exchange().answer(0, oneFault());
+    tick();
+    exchange().answerLamps(u"00");
+    tick();
+  }
+  window::Control& list = form().form().control(u"drpPBXList");
+  const int shown = list.listIndex();
+  std::vector<std::u16string> changes;
+  list.listen([&](window::Control&, std::u16string_view property) { changes.emplace_back(property); });
+  press(0);
+  form().exchangeChosen(1 - shown);
+  EXPECT_EQ(list.listIndex(), shown);
+  tick();
+  form().exchangeChosen(1 - shown);
+  EXPECT_EQ(list.listIndex(), shown);
+  EXPECT_EQ(changes, (std::vector<std::u16string>{u"ListIndex", u"ListIndex"})) << "the view puts it back";
+  exchange().answer(61);
+  form().exchangeChosen(1 - shown);
+  EXPECT_EQ(list.listIndex(), 1 - shown);
+}
+
 TEST_F(Window, ButtonsThatActOnFaultsNeedSome) {
   startWithHost();
   for (int action : {1, 2, 3}) {

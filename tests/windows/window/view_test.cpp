@@ -27,13 +27,19 @@ struct RecordedEvents : ViewEvents {
   std::optional<std::size_t> hit;
   int closes = 0, ticks = 0, whatsThis = 0;
   std::function<void()> onButton;
+  Control* exchangeList = nullptr;
+  bool takesExchanges = true;
 
   void buttonPressed(int action) override {
     buttons.push_back(action);
     if (onButton) onButton();
   }
   void headingClicked(int column) override { headings.push_back(column); }
-  void exchangeChosen(int listIndex) override { exchanges.push_back(listIndex); }
+  void exchangeChosen(int listIndex) override {
+    exchanges.push_back(listIndex);
+    if (exchangeList != nullptr)
+      exchangeList->setListIndex(takesExchanges ? listIndex : exchangeList->listIndex());
+  }
   void closeAsked() override { ++closes; }
   void keyPressed(int keyCode) override { keys.push_back(keyCode); }
   void mousePressed(Control& control, int button) override {
@@ -53,6 +59,7 @@ class ViewTest : public ::testing::Test {
     view->attach(form, events);
     for (const char16_t* name : {u"PBX-1", u"PBX-2", u"PBX-3"}) exchanges().addItem(name);
     exchanges().setListIndex(0);
+    events.exchangeList = &exchanges();
     view->setRows(&rows);
     view->setVisible(true);
     pump();
@@ -199,6 +206,14 @@ TEST_F(ViewTest, choosingAnExchange) {
   choose(2, CBN_SELCHANGE);
   EXPECT_EQ(events.exchanges, (std::vector<int>{2}));
   EXPECT_EQ(exchanges().listIndex(), 2);
+}
+
+TEST_F(ViewTest, aChoiceThatIsNotTakenIsUndone) {
+  events.takesExchanges = false;
+  choose(2, CBN_SELCHANGE);
+  EXPECT_EQ(events.exchanges, (std::vector<int>{2}));
+  EXPECT_EQ(exchanges().listIndex(), 0);
+  EXPECT_EQ(SendMessageW(item(idExchange), CB_GETCURSEL, 0, 0), 0);
 }
 
 TEST_F(ViewTest, theListFollowsTheForm) {

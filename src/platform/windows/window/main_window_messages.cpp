@@ -200,7 +200,6 @@ void MainWindow::exchangePicked() {
   Control* list = control(u"drpPBXList");
   const int chosen = static_cast<int>(SendMessageW(item(idExchange), CB_GETCURSEL, 0, 0));
   if (list == nullptr || chosen < 0 || chosen == list->listIndex()) return;
-  list->setListIndex(chosen);
   events_->exchangeChosen(chosen);
 }
 

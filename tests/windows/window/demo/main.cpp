@@ -39,7 +39,10 @@ class PrintingEvents : public ViewEvents {
     descending_ = !descending_;
     view->setSortMark(column, descending_);
   }
-  void exchangeChosen(int listIndex) override { say("exchange " + std::to_string(listIndex)); }
+  void exchangeChosen(int listIndex) override {
+    say("exchange " + std::to_string(listIndex));
+    form_.control(u"drpPBXList").setListIndex(listIndex);
+  }
   void closeAsked() override {
     say("close");
     PostQuitMessage(0);
