@@ -147,7 +147,7 @@ void FaultStore::DisplayAlarm() {
 }
 
 void FaultStore::showButtonStates() {
-  const bool usable = grid_.size() != 0 && form_.state().runMode != RunMode::creatingSchedule;
+  const bool usable = grid_.size() != 0 && form_.state().runMode == RunMode::interactive;
   for (const auto name : faultButtons) form_.form().control(name).set(u"Enabled", usable);
 }
 
