@@ -22,7 +22,6 @@ namespace {
 using automation::byRef;
 using automation::byVal;
 
-constexpr int accountPart = 0, processorPart = 2;
 constexpr std::u16string_view lastNarrowGeneration = u"M";
 
 struct Loader {
@@ -119,7 +118,7 @@ void dlgFaultDisplay::localise() {
   // Rows shown while loading may have asked for the decoder before its lists were there.
   decoder_.reset();
   helpTexts_ = comLanguage::LoadHelpTexts(model_, language);
-  view().setStatus(accountPart,
+  view().setStatus(window::accountPart,
                    textsIncomplete_.empty()
                        ? messageText(state(), message::statusNoList)
                        : fillText(messageText(state(), message::statusTextsIncomplete), {textsIncomplete_}));
@@ -229,7 +228,7 @@ void dlgFaultDisplay::setPBXName(const std::u16string& name) {
 
 void dlgFaultDisplay::showProcessorTexts() {
   const std::size_t number = state().WideFaultFields ? message::statusWide : message::statusNarrow;
-  view().setStatus(processorPart, messageText(state(), number));
+  view().setStatus(window::processorPart, messageText(state(), number));
 }
 
 bool dlgFaultDisplay::visible() {

@@ -130,6 +130,22 @@ TEST_F(Endings, ACancelWhileTheAnswerIsCopiedLogsOutAndDoesNoMore) {
   EXPECT_FALSE(tick());
 }
 
+TEST_F(Endings, ACancelBehindAnAnswerThatHadToWaitLogsOutAndDoesNoMore) {
+  startWithHost();
+  host->meanwhile[u"TurnOnFlow"] = [&] {
+    exchange().answer(0, oneFault());
+    callInteger(u"CancelSchedule");
+  };
+  press(0);
+  taken();
+  tick();
+  const Lines lines = taken();
+  EXPECT_EQ(Lines(lines.end() - 6, lines.end()),
+            (Lines{"TurnOnFlow", "(stops serving)", "(window gone)", "UnloadChild 7&", "LogOut PBX-1& L1&",
+                   "TurnOffFlow"}));
+  EXPECT_FALSE(tick());
+}
+
 TEST_F(Endings, AHostThatLetsGoWhileItIsToldEndsTheProcessOnce) {
   startWithHost();
   host->meanwhile[u"UnloadChild"] = [&] { layer.reset(); };
@@ -199,6 +215,18 @@ TEST_F(Endings, AHostThatKeepsNoDataIsLeftAllTheSame) {
   host->remove(u"REGComData");
   layer.reset();
   EXPECT_THAT(taken(), ElementsAre("(stops serving)", "(window gone)", "(process ends)"));
+}
+
+TEST_F(Endings, ARequestGivenUpIsCalledCancelledInTheLog) {
+  startWithHost();
+  runSchedule(u"1");
+  tick();
+  tick();
+  form().closeAsked();
+  exchange().answer(61);
+  tick();
+  EXPECT_THAT(log(), testing::Contains("failed: cancelled"));
+  EXPECT_THAT(log(), testing::Not(testing::Contains("failed: code 61")));
 }
 
 TEST_F(Endings, TheTitleBarWhileAJobIsMadeCancelsIt) {

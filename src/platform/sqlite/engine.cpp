@@ -117,7 +117,7 @@ class EmbeddedDatabase final : public database::Database {
     jet::Lifted& lifted = opened_->lifted;
     Plan& plan = opened_->plans.find(statement, lifted);
     if (plan.shape.verb == jet::Verb::remove) fail(number::invalidOperation);
-    return std::make_unique<EmbeddedRecordset>(opened_, plan, std::move(lifted.literals));
+    return std::make_unique<EmbeddedRecordset>(opened_, plan, lifted.literals);
   }
 
   std::unique_ptr<database::RowList> openRowList(std::u16string_view statement,
