@@ -302,13 +302,14 @@ void PbxSession::copyEntries(automation::Object& response, std::int32_t count) {
 PbxSession::Answer PbxSession::judge(automation::Object& response, bool copied) {
   Answer answer;
   answer.unreadable = true;
-  if (!form_.alive() || !copied) return answer;
+  if (!form_.alive()) return answer;
   try {
     const auto code = readLong(response, u"ErrCode");
     if (!code) return answer;
-    answer.unreadable = false;
+    answer.coded = true;
+    answer.unreadable = !copied;
     answer.errorCode = *code;
-    if (*code % 100 != 0) return answer;
+    if (!copied || *code % 100 != 0) return answer;
     answer.action = actionOfTag(readText(response, u"Tag").value_or(u""));
     answer.success = answer.action != 0;
     if (!answer.success) return answer;
@@ -325,7 +326,7 @@ PbxSession::Answer PbxSession::judge(automation::Object& response, bool copied) 
 
 void PbxSession::showAnswer(const Answer& answer) {
   if (form_.alive() && answer.message) hostCall(u"ShowMessage", {byVal(*answer.message)});
-  if (form_.alive() && !answer.unreadable) hostCall(u"ShowCode", {byVal(answer.errorCode)});
+  if (form_.alive() && answer.coded) hostCall(u"ShowCode", {byVal(answer.errorCode)});
 }
 
 void PbxSession::conclude(const Answer& answer) {

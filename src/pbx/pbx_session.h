@@ -103,6 +103,7 @@ class PbxSession {
   struct Answer {
     bool success = false;
     bool unreadable = false;
+    bool coded = false;  // its code could be read
     std::int32_t errorCode = 0;
     std::int16_t action = 0;
     std::u16string loginId;

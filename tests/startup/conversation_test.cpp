@@ -347,6 +347,19 @@ TEST_F(Conversation, AnUnreadableCodeIsAFailure) {
   EXPECT_EQ(view.timer, 0);
 }
 
+TEST_F(Conversation, WithoutACountTheCodeIsShownAndNothingFollows) {
+  startWithHost();
+  pressAndTick(0);
+  const auto answer = exchange().record(0, oneFault());
+  answer->broken = [](std::u16string_view member) { return member == u"Count"; };
+  taken();
+  exchange().callBack(answer);
+  EXPECT_THAT(taken(), ElementsAre("ShowMessage ", "ShowCode 0", "LogOut PBX-1& L1&", "TurnOffFlow",
+                                   "(enabled)", "(pointer)"));
+  EXPECT_EQ(view.timer, 0) << "a list that nobody could read is not acknowledged";
+  EXPECT_FALSE(state.busy);
+}
+
 TEST_F(Conversation, EntriesBeyondWholeGroupsAreNotTakenOver) {
   startWithHost();
   pressAndTick(0);
