@@ -140,9 +140,9 @@ bool PbxSession::LogInAndSend(cListRequest& record, const ObjectRef& reference) 
   phase_ = Phase::loggingIn;
   cancelAsked_ = false;
   loginId_ = logIn();
-  if (!form_.alive()) return false;
+  if (!form_.alive()) return abandon();
   hostMessage(serverAnswer, loginId_);
-  if (!form_.alive()) return false;
+  if (!form_.alive()) return abandon();
   if (isRefusal(loginId_)) {
     form_.setHourglass(false);
     const bool noServer = state_.StandAlone && !server_;
@@ -155,7 +155,7 @@ bool PbxSession::LogInAndSend(cListRequest& record, const ObjectRef& reference) 
 
   phase_ = Phase::sending;
   const std::u16string result = sendRequest(reference);
-  if (!form_.alive()) return false;
+  if (!form_.alive()) return phase_ == Phase::interrupted && isRefusal(result) && abandon();
   // Once the answer has come, what SendRequest said no longer matters.
   const bool answered = phase_ == Phase::idle;
   if (!answered && !isRefusal(result)) {
@@ -164,10 +164,17 @@ bool PbxSession::LogInAndSend(cListRequest& record, const ObjectRef& reference) 
   }
   phase_ = Phase::idle;
   hostMessage(serverAnswer, result);
-  if (!form_.alive()) return false;
+  if (!form_.alive()) return !answered && abandon();
   if (answered) return true;
   LogOut(loginId_);
   return form_.alive() && refuse(Failure::sendFailed);
+}
+
+// The window has ended meanwhile and no answer will come: the exchange is let go all the same. False.
+bool PbxSession::abandon() {
+  phase_ = Phase::idle;
+  if (!isRefusal(loginId_)) LogOut(loginId_);
+  return false;
 }
 
 // The answer is waited for from here on; one that comes before the host knows that much is held.

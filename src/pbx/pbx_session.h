@@ -115,6 +115,7 @@ class PbxSession {
   bool LogInAndSend(cListRequest& record, const automation::ObjectRef& reference);
   void accepted(const std::u16string& result);
   bool refuse(Failure failure);
+  bool abandon();
   std::u16string logIn();
   std::u16string sendRequest(const automation::ObjectRef& record);
   void LogOut(const std::u16string& loginId);

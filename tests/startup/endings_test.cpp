@@ -102,6 +102,63 @@ TEST_F(Endings, ARequestWhoseHostLetsGoTouchesNothingMore) {
   EXPECT_FALSE(tick());
 }
 
+TEST_F(Endings, ACancelDuringTheLogInLogsOutAndSendsNothing) {
+  startWithHost();
+  exchange().duringLogin = [&] { callInteger(u"CancelSchedule"); };
+  pressAndTick(0);
+  EXPECT_THAT(taken(), ElementsAre("(hourglass)", "Login PBX-1&", "(stops serving)", "(window gone)",
+                                   "UnloadChild 7&", "LogOut PBX-1& L1&", "TurnOffFlow"));
+}
+
+TEST_F(Endings, ACancelWhileTheHostHearsOfTheLogInLogsOutAndSendsNothing) {
+  startWithHost();
+  host->meanwhile[u"ShowMessage"] = [&] { callInteger(u"CancelSchedule"); };
+  pressAndTick(0);
+  EXPECT_THAT(taken(), ElementsAre("(hourglass)", "Login PBX-1&", "ShowMessage PBX L1", "(stops serving)",
+                                   "(window gone)", "UnloadChild 7&", "LogOut PBX-1& L1&", "TurnOffFlow"));
+}
+
+TEST_F(Endings, ACancelDuringARefusedLogInLogsNothingOut) {
+  startWithHost();
+  exchange().loginAnswer = u"BUSY"s;
+  exchange().duringLogin = [&] { callInteger(u"CancelSchedule"); };
+  pressAndTick(0);
+  EXPECT_EQ(taken().back(), "UnloadChild 7&");
+}
+
+TEST_F(Endings, ACancelDuringARefusedSendingLogsOutOnce) {
+  startWithHost();
+  exchange().sendAnswer = u"ERROR"s;
+  exchange().duringSend = [&] { callInteger(u"CancelSchedule"); };
+  pressAndTick(0);
+  const Lines lines = taken();
+  EXPECT_EQ(Lines(lines.end() - 3, lines.end()),
+            (Lines{"UnloadChild 7&", "LogOut PBX-1& L1&", "TurnOffFlow"}));
+  exchange().answer(0, oneFault());
+  EXPECT_THAT(taken(), IsEmpty());
+}
+
+TEST_F(Endings, ACancelWhileTheHostHearsOfARefusalLogsOut) {
+  startWithHost();
+  exchange().sendAnswer = u"BUSY"s;
+  host->meanwhile[u"ShowMessage"] = [&] {
+    if (trace.back() == "ShowMessage PBX BUSY") callInteger(u"CancelSchedule");
+  };
+  pressAndTick(0);
+  const Lines lines = taken();
+  EXPECT_EQ(Lines(lines.end() - 3, lines.end()),
+            (Lines{"UnloadChild 7&", "LogOut PBX-1& L1&", "TurnOffFlow"}));
+}
+
+TEST_F(Endings, ACancelDuringAnAcceptedSendingWaitsForTheAnswerToLogOut) {
+  startWithHost();
+  exchange().duringSend = [&] { callInteger(u"CancelSchedule"); };
+  pressAndTick(0);
+  EXPECT_EQ(taken().back(), "UnloadChild 7&");
+  exchange().answer(0, oneFault());
+  EXPECT_THAT(taken(), ElementsAre("LogOut PBX-1& L1&", "TurnOffFlow"));
+}
+
 TEST_F(Endings, AnEndingInsideAnIngestionsBoxLosesNothing) {
   startWithHost();
   pressAndTick(0);
