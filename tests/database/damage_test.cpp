@@ -79,6 +79,8 @@ struct Kind {
   void (*use)(Database& database);
   std::map<std::string, std::string> touched;  // table: condition
   std::size_t untouched = 0;                   // rows that are not
+
+  friend void PrintTo(const Kind& kind, std::ostream* out) { *out << kind.name; }
 };
 
 std::vector<Row> faultRows() {

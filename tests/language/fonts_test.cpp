@@ -2,6 +2,7 @@
 
 #include "language/control_fonts.h"
 #include "language_database.h"
+#include "text/utf8.h"
 
 namespace vordane {
 namespace {
@@ -10,6 +11,8 @@ struct FontCase {
   const char16_t* type;
   std::vector<std::u16string> fonts;  // every font that is set
   int charset;                        // 0: as designed
+
+  friend void PrintTo(const FontCase& font, std::ostream* out) { *out << text::toUtf8(font.type); }
 };
 
 class ControlFonts : public testing::TestWithParam<FontCase> {};
