@@ -4,7 +4,9 @@
 #include <optional>
 #include <string>
 
+#include "access_reading.h"
 #include "commands.h"
+#include "platform/engine_choice.h"
 #include "platform/sqlite/engine.h"
 #include "text/numbers.h"
 #include "text/text.h"
@@ -134,7 +136,8 @@ int list(const Arguments& arguments) {
     std::cerr << "usage: vordane-tools list FAULT.MDB [--exchange NAME] [--csv | --count]\n";
     return 2;
   }
-  const auto database = sqlite::makeEngine()->open(text::fromUtf8(options->file), true);
+  const auto engine = database::makeEngineChoice(accessEngine(), sqlite::makeEngine());
+  const auto database = engine->open(text::fromUtf8(options->file), true);
   Lister(*database, *options).run();
   return 0;
 }

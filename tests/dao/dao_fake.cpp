@@ -1,8 +1,13 @@
 #include "dao/dao_fake.h"
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <optional>
 
 #include "dao/dao_recordset.h"
+#include "platform/engine_choice.h"
 #include "platform/sqlite/table_reader.h"
 #include "text/text.h"
 #include "text/utf8.h"
@@ -77,17 +82,61 @@ class TableDefinitions : public DaoObject {
   }
 };
 
+// An Access file of this world is an embedded one behind a first page that begins as Access's do. While it is
+// open what stands behind that page lies in a file of its own; at its closing it goes back.
+class InnerFile {
+ public:
+  explicit InnerFile(std::u16string path) : outer_(std::move(path)) {
+    std::string bytes = bytesOf(outer_);
+    if (database::fileKind(outer_) != database::FileKind::access) return;
+    inner_ = outer_ + u".inner";
+    page_ = bytes.substr(0, pageSize);
+    std::ofstream(std::filesystem::path(*inner_), std::ios::binary) << bytes.substr(pageSize);
+  }
+  ~InnerFile() {
+    if (!inner_) return;
+    if (changed) std::ofstream(std::filesystem::path(outer_), std::ios::binary) << page_ << bytesOf(*inner_);
+    std::error_code ignored;
+    std::filesystem::remove(*inner_, ignored);
+  }
+  InnerFile(const InnerFile&) = delete;
+  InnerFile& operator=(const InnerFile&) = delete;
+  const std::u16string& path() const { return inner_ ? *inner_ : outer_; }
+
+  // Whoever opens a file that is open already gets the same.
+  static std::shared_ptr<InnerFile> open(const std::u16string& path) {
+    static std::map<std::u16string, std::weak_ptr<InnerFile>> all;
+    auto file = all[path].lock();
+    if (!file) all[path] = file = std::make_shared<InnerFile>(path);
+    return file;
+  }
+
+  bool changed = false;
+
+ private:
+  static constexpr std::size_t pageSize = 4096;
+  static std::string bytesOf(const std::u16string& path) {
+    std::ifstream in(std::filesystem::path(path), std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+  std::u16string outer_;
+  std::optional<std::u16string> inner_;
+  std::string page_;
+};
+
 class FakeDatabase : public DaoObject {
  public:
   FakeDatabase(const DaoWorldRef& world, std::u16string path, bool readOnly)
       : DaoObject(world, "Database"), file_(std::make_shared<DaoFile>()), path_(std::move(path)) {
     // DAO opens what it may not write to, and says so by Updatable.
     file_->updatable = !readOnly && !world->writeProtected.contains(path_);
-    file_->database = sqlite::makeEngine()->open(path_, !file_->updatable);
-    file_->tables = sqlite::describeTables(path_);
+    inner_ = InnerFile::open(path_);
+    inner_->changed |= file_->updatable;
+    file_->database = sqlite::makeEngine()->open(inner_->path(), !file_->updatable);
+    file_->tables = sqlite::describeTables(inner_->path());
     define();
   }
-  ~FakeDatabase() override { file_->database.reset(); }
+  ~FakeDatabase() override { close(); }
 
  private:
   void requireOpen() const override { requireOpenFile(*file_); }
@@ -110,12 +159,18 @@ class FakeDatabase : public DaoObject {
       return Value();
     });
     method(u"Close", 0, 0, [this](Arguments) {
-      file_->database.reset();
+      close();
       return Value();
     });
   }
 
+  void close() {
+    file_->database.reset();
+    inner_.reset();
+  }
+
   std::shared_ptr<DaoFile> file_;
+  std::shared_ptr<InnerFile> inner_;
   std::u16string path_;
 };
 

@@ -16,6 +16,7 @@ void raiseDao(int number, std::u16string description) {
 
 void DaoObject::misuse(std::u16string_view what, std::int32_t code, int position) const {
   world_->misuse.push_back(name_ + "." + text::toUtf8(what));
+  world_->misused(world_->misuse.back());
   throw AutomationError(code, {}, {}, position);
 }
 

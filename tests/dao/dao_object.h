@@ -24,6 +24,7 @@ using Arguments = std::span<Argument>;
 struct DaoWorld {
   // Calls that no DAO takes, whatever the data: a wrong member, argument count or type.
   std::vector<std::string> misuse;
+  std::function<void(const std::string& line)> misused = [](const std::string&) {};  // told each at once
   // Files that somebody else holds for himself, and how many openings he refuses before he lets go.
   std::map<std::u16string, int> held;
   // Files that open, but may not be changed.

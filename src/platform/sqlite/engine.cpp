@@ -210,7 +210,7 @@ class EmbeddedEngine final : public database::Engine {
       try {
         return sqlite::execute(handle, choice);
       } catch (const database::DatabaseError& failure) {
-        if ((failure.number() != number::locked && failure.number() != number::inUse) || waited >= options_.lockWaitMilliseconds) throw;
+        if (failure.number() != number::locked || waited >= options_.lockWaitMilliseconds) throw;
       }
       sqlite3_sleep(pause);
     }

@@ -24,13 +24,13 @@ constexpr Sentence sentences[] = {
     {number::readOnly, u"The database is read-only."},
     {number::outOfMemory, u"Out of memory."},
     {number::diskError, u"Disk or network error."},
-    {number::inUse, u"The file is in use by another process."},
     {number::damaged, u"The database file is damaged."},
     {number::noPermission, u"No permission to open file"},
     {number::unknownName, u"Unknown column"},
     {number::syntax, u"Syntax error in statement."},
     {number::unknownTable, u"Unknown table"},
     {number::recordGone, u"The record has been deleted."},
+    {number::alreadyExists, u"The database exists already:"},
     {number::locked, u"The database is locked by another process."},
     {number::unknownItem, u"Item not found in this collection:"},
     {number::columnCount, u"The two halves of the union have different numbers of columns."},
@@ -58,6 +58,7 @@ int numberOf(int resultCode) {
   switch (resultCode & 0xFF) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
+    case SQLITE_PROTOCOL:  // others changed the log again and again while this one tried to read it
       return number::locked;
     case SQLITE_READONLY:
       return number::readOnly;

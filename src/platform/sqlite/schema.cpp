@@ -114,7 +114,7 @@ DatabaseWriter::DatabaseWriter(std::u16string_view path, bool replace) : state_(
   state_->path = path;
   state_->temporary = temporaryName(state_->path);
   std::error_code failure;
-  if (!replace && std::filesystem::exists(state_->path, failure)) fail(number::inUse, path);
+  if (!replace && std::filesystem::exists(state_->path, failure)) fail(number::alreadyExists, path);
   std::filesystem::remove(state_->temporary, failure);
   sqlite3* raw = nullptr;
   const int result =

@@ -1,6 +1,7 @@
 #include "platform/sqlite/statement.h"
 
 #include <cstring>
+#include <new>
 
 #include "platform/sqlite/connection.h"
 
@@ -124,10 +125,14 @@ Statement StatementPool::take(Connection& connection) {
   return statement;
 }
 
-void StatementPool::giveBack(Statement statement) {
+void StatementPool::giveBack(Statement statement) noexcept {
   if (!statement) return;
   statement.reset();
-  idle_.push_back(std::move(statement));
+  try {
+    idle_.push_back(std::move(statement));
+  } catch (const std::bad_alloc&) {
+    // It is prepared anew the next time.
+  }
 }
 
 }  // namespace vordane::sqlite

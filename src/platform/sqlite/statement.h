@@ -59,7 +59,7 @@ class StatementPool {
   explicit StatementPool(std::string sql) : sql_(std::move(sql)) {}
   const std::string& sql() const { return sql_; }
   Statement take(Connection& connection);
-  void giveBack(Statement statement);
+  void giveBack(Statement statement) noexcept;
 
  private:
   std::string sql_;

@@ -1,6 +1,9 @@
 // The stand-in for DAO as a program of its own: DAO.DBEngine.120 for whoever creates it.
 #include <windows.h>
 
+#include <filesystem>
+#include <fstream>
+
 #include "dao/dao_fake.h"
 #include "platform/command_line.h"
 #include "platform/windows/com/class_server.h"
@@ -20,6 +23,11 @@ registration::Server description() {
   return server;
 }
 
+// Whoever started this server from a script finds beside it what was called wrongly.
+void tellMisuse(const std::string& line) {
+  std::ofstream(std::filesystem::path(windows::executablePath() + u".misuse"), std::ios::app) << line << '\n';
+}
+
 int run() {
   const platform::CommandLine line =
       platform::parseCommandLine(platform::withoutProgramName(com::fromWide(GetCommandLineW())));
@@ -28,6 +36,7 @@ int run() {
   com::Apartment apartment;
   com::ClassServer server(apartment);
   const auto world = std::make_shared<DaoWorld>();
+  world->misused = tellMisuse;
   server.serve({{engineClass, [&] { return makeDaoEngine(world); }, false}});
   return com::runMessageLoop();
 }
