@@ -43,9 +43,9 @@ void MainWindow::controlChanged(Control& changed, std::u16string_view property) 
     return;
   }
   if (changed.typeName() == u"PictureBox") {
+    if (property != u"Picture" && property != u"Visible") return;
     background_.update(changed);
-    InvalidateRect(window_, nullptr, TRUE);
-    return;
+    return wantRestyle();
   }
   if (isFont(property)) return wantRestyle();
   if (changed.name() == lampFrameName) return wantRestyle();
@@ -182,7 +182,9 @@ void MainWindow::restyle() {
   SendMessageW(item(idExchange), CB_SETITEMHEIGHT, static_cast<WPARAM>(-1),
                lineHeight(font_.get()) + scaled(4, dpi_));
   grid_.setLook(control(gridName), dpi_, palette_);
-  pane_.setLook(control(gridName), dpi_, palette_);
+  Palette pane = palette_;
+  pane.surface = background_.paneColour(palette_);
+  pane_.setLook(control(gridName), dpi_, pane);
   background_.changed();
   place();
   RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
