@@ -96,9 +96,10 @@ bool isWhole(const SuiteFile& file, Findings& findings) {
 }
 
 std::string whyNot(const SuiteFile& file, const database::DatabaseError& error) {
-  const bool unknown = database::fileKind(toText(file.path)) == database::FileKind::unknown;
-  return nameOf(file.path) + (unknown ? " is no database: " : " can't be opened: ") + file.without + " (" +
-         text::toUtf8(error.description()) + ")";
+  if (database::fileKind(toText(file.path)) == database::FileKind::unknown)
+    return nameOf(file.path) + " is no database: " + file.without;
+  return nameOf(file.path) + " can't be opened: " + file.without + " (" + text::toUtf8(error.description()) +
+         ")";
 }
 
 std::unique_ptr<Database> openForLook(database::Engine& engine, const SuiteFile& file, Findings& findings) {
@@ -202,9 +203,12 @@ void examinePictures(const SuiteLayout& layout, Database& own, Findings& finding
   // Named already.
 }
 
+// A directory that ends in a separator is not found by every system's look at it.
 bool samePlace(const fs::path& a, const fs::path& b) {
+  const auto bare = [](const fs::path& path) { return path.has_filename() ? path : path.parent_path(); };
   std::error_code failure;
-  return fs::equivalent(a, b, failure);
+  return text::equalIgnoringCase(toText(bare(a)), toText(bare(b))) ||
+         fs::equivalent(bare(a), bare(b), failure);
 }
 
 // The program of a command, whose path stands in quotes unless somebody left them out.

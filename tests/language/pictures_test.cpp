@@ -80,6 +80,18 @@ TEST_F(Backgrounds, AListBarTakesItAsBackgroundAndIsNotMoved) {
   EXPECT_EQ(bar.number(u"Left"), 70);
 }
 
+TEST_F(Backgrounds, ATreeTakesItAsBackgroundToo) {
+  window::Control& tree = fakes::addControl(form, u"treSites", u"SSTree", 1);
+  EXPECT_TRUE(apply({{t(u"dlgFaultDisplay"), t(u"treSites"), n(1), t(u"A.BMP"), t(u"me"), n(-1)}}));
+  EXPECT_EQ(tree.text(u"PictureBackground"), u"C:\\BACKGRND\\A.BMP");
+}
+
+TEST_F(Backgrounds, ARowWithoutANameStaysWithoutInEverySet) {
+  EXPECT_TRUE(apply({row(u"imgBackground", t(u""), u"me"), row(u"imgBackground", null, u"me")}, 1,
+                    {{n(1), t(u""), t(u"SET.BMP")}}));
+  EXPECT_EQ(pictureOf(image), u"");
+}
+
 TEST_F(Backgrounds, RowsWithoutAPictureAreSkipped) {
   EXPECT_TRUE(apply({row(u"imgBackground", t(u"-1"), u"me"), row(u"imgBackground", null, u"me"),
                      row(u"imgBackground", t(u""), u"me"), row(u"imgBackground", t(u"MISSING.BMP"), u"me")}));
