@@ -146,10 +146,13 @@ void dlgFaultDisplay::Unload() {
   if (state().StandAlone || userCount_ < 1) endProcess();
 }
 
-// A step that waits further down the stack may still hold a recordset: what is closed lives until it returns.
+// A step that waits further down the stack may still name a database: what is closed lives until it returns.
 void dlgFaultDisplay::closeDatabases() {
-  if (application_.LangDB) retired_.push_back(std::move(application_.LangDB));
-  if (faultDatabase_) retired_.push_back(std::move(faultDatabase_));
+  for (auto* database : {&application_.LangDB, &faultDatabase_}) {
+    if (!*database) continue;
+    (*database)->close();
+    retired_.push_back(std::move(*database));
+  }
 }
 
 void dlgFaultDisplay::endProcess() {

@@ -218,8 +218,6 @@ std::u16string dlgFaultDisplay::reasonText(pbx::Failure failure, std::int32_t er
     case Failure::cancelled:
     case Failure::declined:
       return text(message::reasonCancelled);
-    case Failure::none:
-      break;
   }
   return {};
 }

@@ -81,9 +81,11 @@ TEST_F(Backgrounds, AListBarTakesItAsBackgroundAndIsNotMoved) {
 }
 
 TEST_F(Backgrounds, ATreeTakesItAsBackgroundToo) {
-  window::Control& tree = fakes::addControl(form, u"treSites", u"SSTree", 1);
-  EXPECT_TRUE(apply({{t(u"dlgFaultDisplay"), t(u"treSites"), n(1), t(u"A.BMP"), t(u"me"), n(-1)}}));
-  EXPECT_EQ(tree.text(u"PictureBackground"), u"C:\\BACKGRND\\A.BMP");
+  window::Control& tree = fakes::addControl(form, u"treAll", u"SSTree");
+  tree.set(u"Left", std::int32_t{70});
+  EXPECT_TRUE(apply({row(u"treAll", t(u"B.BMP"), u"me")}));
+  EXPECT_EQ(tree.text(u"PictureBackground"), u"C:\\BACKGRND\\B.BMP");
+  EXPECT_EQ(tree.number(u"Left"), 70);
 }
 
 TEST_F(Backgrounds, ARowWithoutANameStaysWithoutInEverySet) {
