@@ -18,7 +18,7 @@ int doctor(const Arguments& arguments) {
     std::cerr << arguments.front() << ": there is no such directory\n";
     return 1;
   }
-  std::vector<Finding> findings = examineFiles(layout);
+  std::vector<Finding> findings = examineFiles(layout, *examiningEngine());
   if (const auto workstation = thisWorkstation())
     for (Finding& finding : examineWorkstation(layout, *workstation)) findings.push_back(std::move(finding));
   else

@@ -1,11 +1,13 @@
 #include "doctor_checks.h"
 
+#include <algorithm>
 #include <system_error>
 
 #include "language/form_controls.h"
 #include "language/row_values.h"
 #include "language_check.h"
-#include "platform/sqlite/engine.h"
+#include "platform/engine_choice.h"
+#include "platform/sqlite/integrity.h"
 #include "platform/sqlite/schema.h"
 #include "settings/shared_state.h"
 #include "text/text.h"
@@ -27,7 +29,16 @@ struct SuiteFile {
   bool fatal;     // without it the program ends, or shows no faults
   bool writable;  // it is opened for writing
   const char* without;
+  std::span<const std::u16string_view> needed;  // tables that `fatal` goes for; none: for all of them
+
+  bool fatalWithout(std::u16string_view table) const {
+    return fatal && (needed.empty() || std::find(needed.begin(), needed.end(), table) != needed.end());
+  }
 };
+
+// What the start itself reads; without the others the program leaves something out.
+constexpr std::u16string_view ownNeeded[] = {u"tProject", u"tMessages"};
+constexpr std::u16string_view commonNeeded[] = {u""};
 
 std::string nameOf(const fs::path& path) {
   return text::toUtf8(toText(path));
@@ -47,25 +58,26 @@ bool canRun(Database& database, const std::u16string& statement) try {
   return false;
 }
 
-// The job kind is a column that a schedule may lack; every other column is needed.
+// A schedule may lack the job kind, and of the suite's registration only the add-in's own row is used.
 bool mayBeMissing(const sqlite::TableDefinition& table, const sqlite::ColumnDefinition& column) {
+  if (table.name == u"Registry") return column.name != u"AppName" && column.name != u"Version";
   return table.name == u"Options" && column.name == u"Kind";
 }
 
 void examineTable(Database& database, const sqlite::TableDefinition& table, const SuiteFile& file,
                   Findings& findings) {
+  const bool fatal = file.fatalWithout(table.name);
   const std::u16string from = u" from " + std::u16string(table.name);
   if (canRun(database, u"select " + columnList(table) + from)) return;
   if (!canRun(database, u"select *" + from)) {
-    findings.push_back(
-        {file.fatal, nameOf(file.path) + ": table " + text::toUtf8(table.name) + " is missing"});
+    findings.push_back({fatal, nameOf(file.path) + ": table " + text::toUtf8(table.name) + " is missing"});
     return;
   }
   for (const auto& column : table.columns)
     if (!mayBeMissing(table, column) &&
         !canRun(database, u"select [" + std::u16string(column.name) + u"]" + from))
-      findings.push_back({file.fatal, nameOf(file.path) + ": table " + text::toUtf8(table.name) +
-                                          " lacks the column " + text::toUtf8(column.name)});
+      findings.push_back({fatal, nameOf(file.path) + ": table " + text::toUtf8(table.name) +
+                                     " lacks the column " + text::toUtf8(column.name)});
 }
 
 bool canWrite(const fs::path& path) {
@@ -75,7 +87,22 @@ bool canWrite(const fs::path& path) {
   return !failure && (permissions & anyWrite) != fs::perms::none;
 }
 
-std::unique_ptr<Database> openForLook(const SuiteFile& file, Findings& findings) {
+// A file that opens may still be damaged further inside.
+bool isWhole(const SuiteFile& file, Findings& findings) {
+  if (database::fileKind(toText(file.path)) != database::FileKind::embedded) return true;
+  const std::string damage = sqlite::damageIn(toText(file.path));
+  if (!damage.empty()) findings.push_back({file.fatal, nameOf(file.path) + " is damaged: " + damage});
+  return damage.empty();
+}
+
+std::string whyNot(const SuiteFile& file, const database::DatabaseError& error) {
+  if (database::fileKind(toText(file.path)) == database::FileKind::unknown)
+    return nameOf(file.path) + " is no database: " + file.without;
+  return nameOf(file.path) + " can't be opened: " + file.without + " (" + text::toUtf8(error.description()) +
+         ")";
+}
+
+std::unique_ptr<Database> openForLook(database::Engine& engine, const SuiteFile& file, Findings& findings) {
   std::error_code failure;
   if (!fs::is_regular_file(file.path, failure)) {
     findings.push_back({file.fatal, nameOf(file.path) + " is missing: " + file.without});
@@ -83,14 +110,11 @@ std::unique_ptr<Database> openForLook(const SuiteFile& file, Findings& findings)
   }
   if (file.writable && !canWrite(file.path))
     findings.push_back({file.fatal, nameOf(file.path) + " can't be written: " + file.without});
+  if (!isWhole(file, findings)) return nullptr;
   try {
-    return sqlite::makeEngine()->open(toText(file.path), true);
+    return engine.open(toText(file.path), true);
   } catch (const database::DatabaseError& error) {
-    const bool embedded = sqlite::isEmbeddedFile(toText(file.path));
-    findings.push_back(
-        {file.fatal, nameOf(file.path) +
-                         (embedded ? " can't be read: " : " is no file of the embedded engine: ") +
-                         text::toUtf8(error.description())});
+    findings.push_back({file.fatal, whyNot(file, error)});
     return nullptr;
   }
 }
@@ -149,6 +173,9 @@ LanguageSource installedLanguage(Database& own, Database* common, const std::str
 }
 
 void examineTexts(Database& own, Database* common, Findings& findings) try {
+  if (projectRows(own, "VORDANE.LNG").empty())
+    findings.push_back(
+        {true, "VORDANE.LNG: table tProject has no row for VORDANE: the program ends at its start"});
   Problems problems;
   checkLanguage(installedLanguage(own, common, "VORDANE.LNG"), problems);
   for (const std::string& problem : problems) findings.push_back({false, problem});
@@ -176,31 +203,81 @@ void examinePictures(const SuiteLayout& layout, Database& own, Findings& finding
   // Named already.
 }
 
+// A directory that ends in a separator is not found by every system's look at it.
 bool samePlace(const fs::path& a, const fs::path& b) {
+  const auto bare = [](const fs::path& path) { return path.has_filename() ? path : path.parent_path(); };
   std::error_code failure;
-  return fs::equivalent(a, b, failure);
+  return text::equalIgnoringCase(toText(bare(a)), toText(bare(b))) ||
+         fs::equivalent(bare(a), bare(b), failure);
+}
+
+// The program of a command, whose path stands in quotes unless somebody left them out.
+fs::path programOf(const std::u16string& command) {
+  if (command.starts_with(u'"')) return command.substr(1, command.find(u'"', 1) - 1);
+  constexpr std::u16string_view ending = u".exe";
+  const auto end = text::toLower(command).find(ending);
+  return end == command.npos ? command : command.substr(0, end + ending.size());
+}
+
+// Whether a class starts a program that is there.
+bool canStart(const std::string& progId, const std::optional<std::u16string>& command, bool fatal,
+              const std::string& without, Findings& findings) {
+  if (!command) {
+    findings.push_back({fatal, progId + " is not registered: " + without});
+    return false;
+  }
+  std::error_code failure;
+  if (fs::is_regular_file(programOf(*command), failure)) return true;
+  findings.push_back({fatal, progId + " is registered to " + nameOf(programOf(*command)) +
+                                 ", which is not there: " + without});
+  return false;
+}
+
+void examineClasses(const SuiteLayout& layout, const Workstation& workstation,
+                    const std::optional<std::u16string>& zul, Findings& findings) {
+  const auto own = workstation.server(u"Vordane10013.cOLELayer");
+  if (canStart("Vordane10013.cOLELayer", own, true, "no host can start the add-in (VORDANE.EXE /RegServer)",
+               findings) &&
+      !samePlace(programOf(*own), layout.program()))
+    findings.push_back({false, "Vordane10013.cOLELayer is registered to " + nameOf(programOf(*own)) +
+                                   ": hosts start that one, not this suite's " + nameOf(layout.program())});
+  if (!zul) return;
+  const std::u16string server = u"CalderinProj" + *zul + u".cPBXOle";
+  canStart(text::toUtf8(server), workstation.server(server), false, "no exchange can be reached", findings);
 }
 
 }  // namespace
 
-std::vector<Finding> examineFiles(const SuiteLayout& layout) {
+std::vector<Finding> examineFiles(const SuiteLayout& layout, database::Engine& engine) {
   Findings findings;
   const auto open = [&](const SuiteFile& file) {
-    auto database = openForLook(file, findings);
+    auto database = openForLook(engine, file, findings);
     if (database)
       for (const auto& table : file.tables) examineTable(*database, table, file, findings);
     return database;
   };
   const auto own = open({layout.ownDatabases() / "VORDANE.LNG", sqlite::schema::ownLanguage(), true, false,
-                         "the program ends at its start"});
+                         "the program ends at its start", ownNeeded});
   const auto common = open({layout.sharedDatabases() / "Common.LNG", sqlite::schema::commonLanguage(), true,
-                            false, "the program ends at its start"});
-  open({layout.ownDatabases() / "FAULT.MDB", sqlite::schema::faultDatabase(), true, true,
-        "no faults can be stored or shown"});
-  const auto registry = open({layout.sharedDatabases() / "Register.mdb", sqlite::schema::registration(),
-                              false, true, "the suite does not learn the add-in's version"});
-  open({layout.sharedDatabases() / "Schedule.mdb", sqlite::schema::schedule(), false, false,
-        "scheduled jobs run with the default options and without a log"});
+                            false, "the program ends at its start", commonNeeded});
+  open({layout.ownDatabases() / "FAULT.MDB",
+        sqlite::schema::faultDatabase(),
+        true,
+        true,
+        "no faults can be stored or shown",
+        {}});
+  const auto registry = open({layout.sharedDatabases() / "Register.mdb",
+                              sqlite::schema::registration(),
+                              true,
+                              true,
+                              "the program ends when a host creates it",
+                              {}});
+  open({layout.sharedDatabases() / "Schedule.mdb",
+        sqlite::schema::schedule(),
+        false,
+        false,
+        "scheduled jobs run with the default options and without a log",
+        {}});
   if (own) examineTexts(*own, common.get(), findings);
   if (own) examinePictures(layout, *own, findings);
   if (registry) examineRegistration(*registry, findings);
@@ -227,13 +304,7 @@ std::vector<Finding> examineWorkstation(const SuiteLayout& layout, const Worksta
   if (!zul)
     findings.push_back(
         {false, "the setting ZUL is missing: started alone, the program finds no exchange server"});
-  if (!workstation.server(u"Vordane10013.cOLELayer"))
-    findings.push_back(
-        {true,
-         "Vordane10013.cOLELayer is not registered: no host can start the add-in (VORDANE.EXE /RegServer)"});
-  if (zul && !workstation.server(u"CalderinProj" + *zul + u".cPBXOle"))
-    findings.push_back({false, "CalderinProj" + text::toUtf8(*zul) +
-                                   ".cPBXOle is not registered: no exchange can be reached"});
+  examineClasses(layout, workstation, zul, findings);
   return findings;
 }
 

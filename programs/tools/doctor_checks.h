@@ -2,10 +2,12 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/database.h"
 #include "suite_files.h"
 
 namespace vordane::tools {
@@ -16,11 +18,15 @@ struct Finding {
   std::string text;
 };
 
-// Looks at every file below the version directory, and changes none.
-std::vector<Finding> examineFiles(const SuiteLayout& layout);
+// Opens the databases as the program does on this machine. Only on Windows can that be Access files too.
+std::unique_ptr<database::Engine> examiningEngine();
+
+// Looks at every file below the version directory, reads each embedded one whole, and changes none.
+std::vector<Finding> examineFiles(const SuiteLayout& layout, database::Engine& engine);
 
 // What the workstation says of the suite: its stored settings and the classes that are registered. The
-// first of them reads a setting of application QUILMAR32, the second the program that a class starts.
+// first of them reads a setting of application QUILMAR32, the second the command that starts a class's
+// program.
 struct Workstation {
   std::function<std::optional<std::u16string>(std::u16string_view section, std::u16string_view key)> setting;
   std::function<std::optional<std::u16string>(std::u16string_view progId)> server;

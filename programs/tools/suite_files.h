@@ -10,6 +10,7 @@ namespace vordane::tools {
 // Where things stand below the version directory ("...\QUILMAR32\30000").
 struct SuiteLayout {
   std::filesystem::path root;
+  std::filesystem::path program() const { return root / "ADDINS" / "VORDANE.EXE"; }
   std::filesystem::path ownDatabases() const { return root / "ADDINS" / "DATABASE"; }
   std::filesystem::path help() const { return root / "ADDINS" / "HELP"; }
   std::filesystem::path report() const { return root / "ADDINS" / "REPORT"; }

@@ -30,7 +30,7 @@ bool takesBackground(const window::Control& control) {
 
 // The picture file of a row; empty when the row names none or it does not exist.
 std::u16string pictureFile(const Decoration& decoration, std::u16string name) {
-  if (name == noPicture) return {};
+  if (name.empty() || name == noPicture) return {};
   if (decoration.set != 0) name = MapPictureName(decoration.pictures, name);
   if (name.empty()) return {};
   std::u16string path = std::u16string(decoration.directory) + name;

@@ -36,13 +36,14 @@ inline constexpr std::size_t lampMinorClear = 168;
 inline constexpr std::size_t severityMajor = 169;  // one word beside the class "MJ"
 inline constexpr std::size_t severityMinor = 170;
 
-// Status line. The account: {1} time, {2} received, {3} new, {4} already stored, {5} refused.
+// Status line. The account: {1} time, {2} received, {3} new, {4} already stored, {5} refused, {6} exchange.
 inline constexpr std::size_t statusNoList = 171;
 inline constexpr std::size_t statusListComplete = 172;
 inline constexpr std::size_t statusListIncomplete = 173;
-inline constexpr std::size_t statusAttemptFailed = 174;  // {1} time, {2} reason
-inline constexpr std::size_t statusFaultCount = 175;     // {1} number of faults shown
-inline constexpr std::size_t statusWide = 176;           // processor texts wide
+inline constexpr std::size_t statusAttemptFailed =
+    174;  // {1} time, {2} reason, {3} exchange; what came last follows
+inline constexpr std::size_t statusFaultCount = 175;  // {1} number of faults shown
+inline constexpr std::size_t statusWide = 176;        // processor texts wide
 inline constexpr std::size_t statusNarrow = 177;
 inline constexpr std::size_t statusTextsIncomplete = 178;  // a loader stopped; {1} the tables
 inline constexpr std::size_t statusNetworkDrive = 179;     // the database lies where writing is slower
@@ -102,7 +103,24 @@ inline constexpr std::size_t sortedAscending = 222;
 inline constexpr std::size_t sortedDescending = 223;
 inline constexpr std::size_t noHelpText = 224;  // a control without a help text
 
-inline constexpr std::size_t count = 225;  // of all texts
+// What came before this start, as the status line's account.
+inline constexpr std::size_t statusStored = 225;         // {1} exchange, {2} when its last list came
+inline constexpr std::size_t statusStoredUndated = 226;  // {1} exchange; that is not known
+
+// More of what failed, and how a run ended before its end.
+inline constexpr std::size_t noticeListFailed = 227;   // {1} exchange, {2} reason
+inline constexpr std::size_t reasonCutShort = 228;     // the answer ends inside a fault
+inline constexpr std::size_t reasonUnreachable = 229;  // {1} the error that the log-in raised
+inline constexpr std::size_t runCancelled = 230;
+inline constexpr std::size_t runLetGo = 231;  // nobody holds the add-in any more
+
+// A list that came and was not acknowledged, and alarms that were not reset: {1} time, {2} reason, {3}
+// exchange.
+inline constexpr std::size_t statusAckFailed = 232;
+inline constexpr std::size_t statusResetFailed = 233;
+inline constexpr std::size_t runAckFailed = 234;  // {1} reason
+
+inline constexpr std::size_t count = 235;  // of all texts
 
 }  // namespace vordane::message
 

@@ -124,9 +124,9 @@ bool PbxSession::send(std::int16_t kind, std::u16string_view secondData, std::u1
   return LogInAndSend(*record, record);
 }
 
-bool PbxSession::refuse(Failure failure) {
+bool PbxSession::refuse(Failure failure, std::int32_t errorCode) {
   phase_ = Phase::idle;
-  form_.requestFailed(failure, 0);
+  form_.requestFailed(failure, errorCode);
   return false;
 }
 
@@ -145,10 +145,7 @@ bool PbxSession::LogInAndSend(cListRequest& record, const ObjectRef& reference) 
   if (!form_.alive()) return abandon();
   if (isRefusal(loginId_)) {
     form_.setHourglass(false);
-    const bool noServer = state_.StandAlone && !server_;
-    return refuse(noServer              ? Failure::noServer
-                  : loginId_ == u"BUSY" ? Failure::loginBusy
-                                        : Failure::loginRefused);
+    return refuse(loginFailure(), loginError_);
   }
   record.LoginID = loginId_;
   record.PBXName = request_.pbxName;
@@ -193,10 +190,22 @@ void PbxSession::accepted(const std::u16string& result) {
   conclude(*answer);
 }
 
+// A raised error counts as an empty identifier; only what the user is told differs.
 std::u16string PbxSession::logIn() {
-  return textOrEmpty([&] {
-    return automation::call(*server(), u"Login", {byRef(request_.pbxName), byVal(form_.caller())});
-  });
+  loginError_ = 0;
+  try {
+    return automation::toText(
+        automation::call(*server(), u"Login", {byRef(request_.pbxName), byVal(form_.caller())}));
+  } catch (const AutomationError& failure) {
+    loginError_ = failure.code();
+    return {};
+  }
+}
+
+Failure PbxSession::loginFailure() const {
+  if (state_.StandAlone && !server_) return Failure::noServer;
+  if (loginError_ != 0) return Failure::unreachable;
+  return loginId_ == u"BUSY" ? Failure::loginBusy : Failure::loginRefused;
 }
 
 std::u16string PbxSession::sendRequest(const ObjectRef& record) {

@@ -20,7 +20,8 @@ namespace vordane::pbx {
 enum class Failure {
   declined,      // the user did not want it sent
   loginBusy,     // "BUSY"
-  loginRefused,  // "ERROR", an empty identifier or a raised error
+  loginRefused,  // "ERROR" or an empty identifier
+  unreachable,   // the log-in raised an error, whose number comes with it
   noServer,      // stand-alone: the exchange server could not be created
   sendFailed,
   errorCode,   // the answer's code, or a tag that stands for no action
@@ -114,9 +115,10 @@ class PbxSession {
   bool send(std::int16_t kind, std::u16string_view secondData, std::u16string_view tag, bool list);
   bool LogInAndSend(cListRequest& record, const automation::ObjectRef& reference);
   void accepted(const std::u16string& result);
-  bool refuse(Failure failure);
+  bool refuse(Failure failure, std::int32_t errorCode = 0);
   bool abandon();
   std::u16string logIn();
+  Failure loginFailure() const;
   std::u16string sendRequest(const automation::ObjectRef& record);
   void LogOut(const std::u16string& loginId);
 
@@ -138,6 +140,7 @@ class PbxSession {
   SharedState& state_;
   automation::ObjectRef server_;
   std::u16string loginId_;
+  std::int32_t loginError_ = 0;  // raised by the last log-in
   Request request_;
   Phase phase_ = Phase::idle;
   bool announcing_ = false;  // the host is being told that the request was accepted

@@ -118,10 +118,8 @@ void dlgFaultDisplay::localise() {
   // Rows shown while loading may have asked for the decoder before its lists were there.
   decoder_.reset();
   helpTexts_ = comLanguage::LoadHelpTexts(model_, language);
-  view().setStatus(window::accountPart,
-                   textsIncomplete_.empty()
-                       ? messageText(state(), message::statusNoList)
-                       : fillText(messageText(state(), message::statusTextsIncomplete), {textsIncomplete_}));
+  if (storedLine_.empty()) storedLine_ = messageText(state(), message::statusNoList);
+  showStatus();
 }
 
 // --- unload
@@ -180,6 +178,8 @@ void dlgFaultDisplay::notifyUnload() {
 void dlgFaultDisplay::userReleased() {
   const Entry entry(*this);
   if (DecrementCount() >= 1) return;
+  if (alive() && state().runMode == RunMode::scheduledRun)
+    runLogLine(messageText(state(), message::runLetGo));
   beginEnding();
   FrmPositionSave();
   parent_.reset();
@@ -216,8 +216,10 @@ void dlgFaultDisplay::setPBXName(const std::u16string& name) {
   const Entry entry(*this);
   if (!alive()) return;
   pbxName_ = name;
+  failure_.clear();  // it was about what was shown before
   store_.setExchangeName(name);
   if (!alive()) return;
+  showNotice();
   model_.self().set(u"Caption", messageText(state(), message::windowTitle) + u" (" + name + u")");
   const std::u16string generation =
       pbx::GetMPGeneration(hostMode() ? automation::ObjectRef(parent_).get() : nullptr, name);

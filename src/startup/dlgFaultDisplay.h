@@ -104,6 +104,8 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   const cListRequest& response() override { return session_.response(); }
   bool responseTruncated() override { return session_.responseTruncated(); }
   void listTaken(const store::ListAccount& account) override;
+  void exchangeShown(std::u16string_view name, std::u16string_view received) override;
+  bool showOwnNotice() override;
   bool AcknowledgeFaultList() override { return session_.AcknowledgeFaultList(); }
   void endAction() override;
 
@@ -167,10 +169,13 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   void runStepAction();
   void stopRunAction();
   void showIdle();
+  void showNotice();
+  void showStatus();
   void showAttemptFailed(const std::u16string& reason);
   std::u16string reasonText(pbx::Failure failure, std::int32_t errorCode);
 
   // scheduled runs
+  void showButtonsDead();
   void ScheduledRunStep();
   bool startJob();
   void Ending();
@@ -201,7 +206,9 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   bool loaded_ = false, loading_ = false;
   bool ending_ = false, unloaded_ = false, endingTold_ = false;
   bool timerEnabled_ = false;
-  bool failed_ = false;  // the last attempt, whose reason stays in the place of an empty grid
+  // What the window says of the conversation; empty where there is nothing to say.
+  std::u16string waiting_, failure_;                    // in or above the grid: the wait goes first
+  std::u16string storedLine_, listLine_, attemptLine_;  // in the status line
   int depth_ = 0;
   window::Control* whatsThisTarget_ = nullptr;
   std::pair<std::int32_t, std::int32_t> lastPlace_{0, 0};

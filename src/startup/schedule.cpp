@@ -31,8 +31,14 @@ void dlgFaultDisplay::CreateSchedule() {
   store_.showButtonStates();
   for (const int action : {startup::actionRequest, startup::actionClose})
     model_.control(startup::buttonOfAction(action)).set(u"Enabled", true);
-  view().setNoticeKind(window::NoticeKind::hint);
-  view().setNotice(messageText(state(), message::noticeChooseJob));
+  showOwnNotice();
+}
+
+// Only the run itself presses a button, in code; a person sees that none of them does anything.
+void dlgFaultDisplay::showButtonsDead() {
+  for (const int action : {startup::actionRequest, startup::actionClose})
+    model_.control(startup::buttonOfAction(action)).set(u"Enabled", false);
+  store_.showButtonStates();
 }
 
 std::int16_t dlgFaultDisplay::RunSchedule() {
@@ -43,7 +49,7 @@ std::int16_t dlgFaultDisplay::RunSchedule() {
   iteration_ = 0;
   state().runMode = RunMode::scheduledRun;
   state().busy = true;
-  store_.showButtonStates();
+  showButtonsDead();
   enableTimer(99);
   return 0;
 }
@@ -52,6 +58,7 @@ std::int16_t dlgFaultDisplay::CancelSchedule() {
   const Entry entry(*this);
   if (!alive()) return 0;
   cancelled_ = true;
+  if (state().runMode == RunMode::scheduledRun) runLogLine(messageText(state(), message::runCancelled));
   QueryCancelRun();  // a run's pending request is given up; that it "may not close" is not heeded here
   if (alive()) Unload();
   return 0;
@@ -75,9 +82,9 @@ void dlgFaultDisplay::ScheduledRunStep() {
     if (schedule.ScheduleCount > 1)
       runLogLine(messageText(state(), message::runNumber) + u" " + text::decimal(iteration_));
     state().runMode = RunMode::scheduledRun;
-    view().setNoticeKind(window::NoticeKind::waiting);
-    view().setNotice(fillText(messageText(state(), message::noticeScheduledRun),
-                              {text::decimal(iteration_), text::decimal(schedule.ScheduleCount)}));
+    waiting_ = fillText(messageText(state(), message::noticeScheduledRun),
+                        {text::decimal(iteration_), text::decimal(schedule.ScheduleCount)});
+    showOwnNotice();
     comSchedule::WaitSeconds(clock(), schedule.ScheduleWait);
     if (startJob()) return;
   }

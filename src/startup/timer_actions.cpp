@@ -144,16 +144,56 @@ void dlgFaultDisplay::waitingFor(std::int16_t kind) {
   const std::size_t notice = kind == step::faultListRequest    ? message::noticeWaitingList
                              : kind == step::alarmStateRequest ? message::noticeWaitingAlarms
                                                                : message::noticeWaitingReset;
-  view().setNoticeKind(window::NoticeKind::waiting);
-  view().setNotice(fillText(messageText(state(), notice), {session_.requestName()}));
-  failed_ = false;
+  // The acknowledgement belongs to the list before it, whose failure stays.
+  if (kind != step::alarmStateRequest) failure_.clear();
+  waiting_ = fillText(messageText(state(), notice), {session_.requestName()});
+  showOwnNotice();
 }
 
+// A wait before a failure, a failure before what a job's creation asks for.
+bool dlgFaultDisplay::showOwnNotice() {
+  using window::NoticeKind;
+  const bool chooses = state().runMode == RunMode::creatingSchedule;
+  const auto show = [&](NoticeKind kind, const std::u16string& text) {
+    view().setNoticeKind(kind);
+    view().setNotice(text);
+    return true;
+  };
+  if (!waiting_.empty()) return show(NoticeKind::waiting, waiting_);
+  if (!failure_.empty()) return show(NoticeKind::failure, failure_);
+  return chooses && show(NoticeKind::hint, messageText(state(), message::noticeChooseJob));
+}
+
+// Nothing is waited for any more.
 void dlgFaultDisplay::showIdle() {
-  if (failed_ || !faultDatabase_) return;
+  waiting_.clear();
+  showNotice();
+}
+
+void dlgFaultDisplay::showNotice() {
+  if (!faultDatabase_) return;
   if (store_.rows().size() == 0) return store_.showNotice();
+  if (showOwnNotice()) return;
   view().setNoticeKind(window::NoticeKind::hint);
   view().setNotice({});
+}
+
+// A failed attempt, and behind it what came last: in this session, else before it.
+void dlgFaultDisplay::showStatus() {
+  const bool quiet = attemptLine_.empty() && listLine_.empty();
+  std::u16string line = listLine_.empty() ? storedLine_ : listLine_;
+  if (!attemptLine_.empty()) line = attemptLine_ + u" " + line;
+  if (quiet && !textsIncomplete_.empty())
+    line = fillText(messageText(state(), message::statusTextsIncomplete), {textsIncomplete_});
+  view().setStatus(window::accountPart, line);
+}
+
+void dlgFaultDisplay::exchangeShown(std::u16string_view name, std::u16string_view received) {
+  const std::size_t text = name.empty()       ? message::statusNoList
+                           : received.empty() ? message::statusStoredUndated
+                                              : message::statusStored;
+  storedLine_ = fillText(messageText(state(), text), {name, received});
+  showStatus();
 }
 
 std::u16string dlgFaultDisplay::reasonText(pbx::Failure failure, std::int32_t errorCode) {
@@ -164,6 +204,9 @@ std::u16string dlgFaultDisplay::reasonText(pbx::Failure failure, std::int32_t er
       return text(message::reasonBusy);
     case Failure::loginRefused:
       return text(message::reasonRefused);
+    case Failure::unreachable:
+      return fillText(text(message::reasonUnreachable),
+                      {text::hexadecimal(static_cast<std::uint32_t>(errorCode))});
     case Failure::noServer:
       return text(message::reasonNoServer);
     case Failure::sendFailed:
@@ -185,17 +228,31 @@ void dlgFaultDisplay::requestFailed(pbx::Failure failure, std::int32_t errorCode
 }
 
 void dlgFaultDisplay::showAttemptFailed(const std::u16string& reason) {
-  failed_ = true;
   const auto now = clock().regional(clock().now());
-  view().setStatus(window::accountPart, fillText(messageText(state(), message::statusAttemptFailed), {now, reason}));
-  view().setNoticeKind(window::NoticeKind::failure);
-  view().setNotice(
-      fillText(messageText(state(), message::noticeRequestFailed), {session_.requestName(), reason}));
+  const auto& exchange = session_.requestName();
+  const bool acknowledging = state().stepCode == step::alarmStateRequest;
+  const std::size_t line = acknowledging                                 ? message::statusAckFailed
+                           : state().stepCode == step::alarmClearRequest ? message::statusResetFailed
+                                                                         : message::statusAttemptFailed;
+  attemptLine_ = fillText(messageText(state(), line), {now, reason, exchange});
+  showStatus();
+  waiting_.clear();
+  failure_ = fillText(messageText(state(), message::noticeRequestFailed), {exchange, reason});
+  showOwnNotice();
   if (state().runMode == RunMode::scheduledRun)
-    runLogLine(fillText(messageText(state(), message::runListFailed), {reason}));
+    runLogLine(fillText(messageText(state(), acknowledging ? message::runAckFailed : message::runListFailed),
+                        {reason}));
 }
 
 void dlgFaultDisplay::listTaken(const store::ListAccount& account) {
+  attemptLine_.clear();
+  listLine_ = store::statusText(state(), account);
+  showStatus();
+  waiting_.clear();
+  failure_.clear();
+  if (!account.complete())
+    failure_ = fillText(messageText(state(), message::noticeListFailed),
+                        {account.exchange, store::reasonText(state(), account)});
   if (state().runMode == RunMode::scheduledRun) runLogLine(store::runLogText(state(), account));
 }
 
@@ -232,6 +289,7 @@ void dlgFaultDisplay::headingClicked(int column) {
   if (!alive() || depth_ > 0) return;
   const Entry entry(*this);
   store_.headingClicked(column);
+  if (alive()) showNotice();
 }
 
 void dlgFaultDisplay::exchangeChosen(int listIndex) {
@@ -240,7 +298,9 @@ void dlgFaultDisplay::exchangeChosen(int listIndex) {
   if (depth_ > 0 || state().busy || timerEnabled_) return list.setListIndex(list.listIndex());
   const Entry entry(*this);
   list.setListIndex(listIndex);
+  failure_.clear();  // it was about what was shown before
   store_.exchangeListClicked();
+  if (alive()) showIdle();
 }
 
 std::optional<std::size_t> dlgFaultDisplay::lookUp(std::u16string_view text, std::ptrdiff_t after) {

@@ -65,7 +65,8 @@ bool FaultStore::trapDisplay(Report report, const std::function<void()>& steps) 
   const auto failure = trap(steps);
   if (!failure) return true;
   emptyDisplay();
-  showFailure(*failure);
+  displayFailure_ = fillText(messageText(form_.state(), message::reasonDatabase), {*failure});
+  showNotice();
   return report == Report::quiet || showError(*failure);
 }
 
@@ -74,11 +75,6 @@ void FaultStore::showNoDatabase() {
   emptyDisplay();
   form_.view().setNoticeKind(window::NoticeKind::failure);
   form_.view().setNotice(messageText(form_.state(), message::noticeDatabaseClosed));
-}
-
-void FaultStore::showFailure(std::u16string_view engineText) {
-  form_.view().setNoticeKind(window::NoticeKind::failure);
-  form_.view().setNotice(fillText(messageText(form_.state(), message::reasonDatabase), {engineText}));
 }
 
 void FaultStore::emptyDisplay() {
@@ -212,6 +208,7 @@ void FaultStore::refreshExchange(database::Database& database) {
   std::u16string received;
   if (datPBXList_.hasRow())
     received = shownTimeStamp(datPBXList_.row().timeStamp, datPBXList_.row().dated, form_.clock());
+  form_.exchangeShown(datPBXList_.hasRow() ? exchange->name : std::u16string{}, received);
   form_.form().control(u"txtTimeTag").set(u"Text", std::move(received));
 }
 
@@ -232,6 +229,7 @@ void FaultStore::refreshFaults(database::Database& database) {
     const LongStep step(form_, grid_, database, message::noticeReading);
     datFaultDisplay_.Refresh(database);
   }
+  displayFailure_.clear();
   grid_.show(datFaultDisplay_.rows());
   showRows();
 }
@@ -246,10 +244,17 @@ void FaultStore::showRows() {
 
 void FaultStore::showCount() {
   const auto rows = text::decimal(static_cast<std::int64_t>(grid_.size()));
-  form_.view().setStatus(window::countPart, fillText(messageText(form_.state(), message::statusFaultCount), {rows}));
+  form_.view().setStatus(window::countPart,
+                         fillText(messageText(form_.state(), message::statusFaultCount), {rows}));
 }
 
 void FaultStore::showNotice() {
+  if (!displayFailure_.empty()) {
+    form_.view().setNoticeKind(window::NoticeKind::failure);
+    form_.view().setNotice(displayFailure_);
+    return;
+  }
+  if (form_.showOwnNotice()) return;
   const auto exchange = chosen();
   std::size_t notice = exchange ? message::noticeNoFaults : message::noticeFirstList;
   if (!exchange && registeredName_.empty()) notice = message::noticeNoExchange;

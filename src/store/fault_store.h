@@ -44,7 +44,7 @@ class FaultStore {
   void DisplayAlarm();              // paints the lamps of the exchange shown; reports no missing database
   // Print, clear, look up and reset follow the empty grid; the host's scheduler keeps them dead.
   void showButtonStates();
-  void showNotice();  // what stands in the place of an empty grid while nothing is waited for
+  void showNotice();  // what stands in the place of an empty grid: a failure before a hint
   // The next row holding `text` after `after` (-1: from the first), round the end once.
   std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t after);
 
@@ -77,7 +77,6 @@ class FaultStore {
   void refresh(database::Database& database, Report report);
   void showNoDatabase();
   void emptyDisplay();
-  void showFailure(std::u16string_view engineText);
   // Box 102 and nothing else. False when the form has gone meanwhile.
   bool showError(std::u16string_view engineText);
 
@@ -109,6 +108,7 @@ class FaultStore {
   std::array<bool, headingColumns> ascending_{};
   SortKey sortKey_ = 0;
   std::optional<ListAccount> account_;
+  std::u16string displayFailure_;  // why the display is empty; empty when it is as the database says
 };
 
 // True when no row of the exchange agrees in all compared columns. Throws DatabaseError.

@@ -189,6 +189,7 @@ ListEnd Ingestion::end() const {
 
 ListAccount Ingestion::account() const {
   ListAccount account;
+  account.exchange = form_.requestPbxName();
   account.when = form_.clock().regional(form_.clock().now());
   account.end = end();
   if (account.end == ListEnd::databaseError) account.cause = *error_;
@@ -242,7 +243,6 @@ void FaultStore::IngestFaultList() {
 
 void FaultStore::tellAccount(const ListAccount& account) {
   account_ = account;
-  form_.view().setStatus(window::accountPart, statusText(form_.state(), account));
   form_.listTaken(account);
 }
 

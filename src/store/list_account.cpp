@@ -6,7 +6,7 @@
 namespace vordane::store {
 namespace {
 
-// Empty when the account's words say enough.
+// Behind the account's own words, empty when they say enough.
 std::u16string reason(const SharedState& state, const ListAccount& account) {
   switch (account.end) {
     case ListEnd::tooLong:
@@ -29,12 +29,18 @@ std::u16string withReason(const SharedState& state, const ListAccount& account, 
 
 }  // namespace
 
+std::u16string reasonText(const SharedState& state, const ListAccount& account) {
+  return account.end == ListEnd::cutShort ? messageText(state, message::reasonCutShort)
+                                          : reason(state, account);
+}
+
 std::u16string statusText(const SharedState& state, const ListAccount& account) {
   const auto pattern = account.complete() ? message::statusListComplete : message::statusListIncomplete;
-  return withReason(state, account,
-                    fillText(messageText(state, pattern),
-                             {account.when, text::decimal(account.received), text::decimal(account.added),
-                              text::decimal(account.alreadyStored), text::decimal(account.refused())}));
+  return withReason(
+      state, account,
+      fillText(messageText(state, pattern),
+               {account.when, text::decimal(account.received), text::decimal(account.added),
+                text::decimal(account.alreadyStored), text::decimal(account.refused()), account.exchange}));
 }
 
 std::u16string runLogText(const SharedState& state, const ListAccount& account) {

@@ -22,10 +22,14 @@ struct ListAccount {
   ListEnd end = ListEnd::complete;
   std::u16string cause;  // the access component's entry or the engine's text; empty without one
   std::int32_t received = 0, added = 0, alreadyStored = 0;
+  std::u16string exchange{};
 
   std::int32_t refused() const { return received - added - alreadyStored; }
   bool complete() const { return end == ListEnd::complete; }
 };
+
+// Why an incomplete list ended as it did; empty for a complete one.
+std::u16string reasonText(const SharedState& state, const ListAccount& account);
 
 // One line from the message texts: for the status line, and for the run log, whose lines have a time of
 // their own.

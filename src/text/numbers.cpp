@@ -16,7 +16,9 @@ std::int32_t decimalField(std::u16string_view field) {
   return static_cast<std::int32_t>(value);
 }
 
-std::u16string decimal(std::int64_t value) { return decimalPadded(value, 1); }
+std::u16string decimal(std::int64_t value) {
+  return decimalPadded(value, 1);
+}
 
 std::u16string decimalPadded(std::int64_t value, int digits) {
   auto rest = value < 0 ? 0 - static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
@@ -25,6 +27,13 @@ std::u16string decimalPadded(std::int64_t value, int digits) {
     reversed.push_back(static_cast<char16_t>(u'0' + rest % 10));
   if (value < 0) reversed.push_back(u'-');
   return {reversed.rbegin(), reversed.rend()};
+}
+
+std::u16string hexadecimal(std::uint32_t value) {
+  constexpr std::u16string_view digits = u"0123456789ABCDEF";
+  std::u16string text = u"0x";
+  for (unsigned shift = 32; shift > 0; shift -= 4) text += digits[(value >> (shift - 4)) & 0xFU];
+  return text;
 }
 
 std::optional<std::int32_t> parseInteger(std::u16string_view text) {

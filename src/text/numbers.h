@@ -18,6 +18,9 @@ std::int32_t decimalField(std::u16string_view field);
 // Decimal without padding; negative numbers with "-".
 std::u16string decimal(std::int64_t value);
 
+// Eight digits behind "0x", as error numbers are written.
+std::u16string hexadecimal(std::uint32_t value);
+
 // At least `digits` digits, padded with zeros: the patterns "00" and "000".
 std::u16string decimalPadded(std::int64_t value, int digits);
 
@@ -25,7 +28,9 @@ std::u16string decimalPadded(std::int64_t value, int digits);
 // anything else or does not fit 32 bits.
 std::optional<std::int32_t> parseInteger(std::u16string_view text);
 
-constexpr bool isDecimalDigit(char16_t character) { return character >= u'0' && character <= u'9'; }
+constexpr bool isDecimalDigit(char16_t character) {
+  return character >= u'0' && character <= u'9';
+}
 
 // -1 for anything else.
 constexpr int hexDigitValue(char16_t character) {
@@ -35,7 +40,9 @@ constexpr int hexDigitValue(char16_t character) {
   return -1;
 }
 
-constexpr bool isHexDigit(char16_t character) { return hexDigitValue(character) >= 0; }
+constexpr bool isHexDigit(char16_t character) {
+  return hexDigitValue(character) >= 0;
+}
 
 // Decoding millions of fields, this one is worth being seen by the compiler.
 constexpr std::int16_t hexField(std::u16string_view field) {

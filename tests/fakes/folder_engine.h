@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -25,7 +26,7 @@ class FolderEngine : public database::Engine {
     opened.push_back({std::u16string(path), readOnly});
     if (!readOnly && !unwritable.empty() && path.ends_with(unwritable))
       throw database::DatabaseError(3051, std::u16string(path));
-    return engine_->open(file(path.substr(path.rfind(u'\\') + 1)), readOnly);
+    return between(path, engine_->open(file(path.substr(path.rfind(u'\\') + 1)), readOnly));
   }
 
   std::u16string file(std::u16string_view name) const { return (folder_ / name).u16string(); }
@@ -37,6 +38,10 @@ class FolderEngine : public database::Engine {
   };
   std::vector<Opened> opened;
   std::u16string unwritable;  // the name of a file that opens for reading only
+  // What stands between a database and whoever opens it: nothing, or something that watches it.
+  std::function<std::unique_ptr<database::Database>(std::u16string_view path,
+                                                    std::unique_ptr<database::Database> database)>
+      between = [](std::u16string_view, auto database) { return database; };
 
  private:
   static std::filesystem::path makeFolder() {

@@ -65,9 +65,18 @@ class MemoryStoreForm : public store::StoreForm {
   const cListRequest& response() override { return answer; }
   bool responseTruncated() override { return truncated; }
   void listTaken(const store::ListAccount& account) override {
+    memoryView.setStatus(window::accountPart, store::statusText(shared, account));
     note(joined({u"Account ", text::decimal(account.received), u"=", text::decimal(account.added), u"+",
                  text::decimal(account.alreadyStored), u"+", text::decimal(account.refused()),
                  account.complete() ? u"" : u" incomplete"}));
+  }
+  void exchangeShown(std::u16string_view name, std::u16string_view received) override {
+    shown = joined({name, u" ", received});
+  }
+  bool showOwnNotice() override {
+    if (ownNotice.empty()) return false;
+    memoryView.setNotice(ownNotice);
+    return true;
   }
   bool AcknowledgeFaultList() override {
     note(u"Acknowledge");
@@ -95,6 +104,7 @@ class MemoryStoreForm : public store::StoreForm {
   std::u16string exchange = u"PBX-1";
   bool requestWide = true, truncated = false, acknowledged = true, living = true;
   cListRequest answer;
+  std::u16string shown, ownNotice;
   int boxAnswer = 1;
   // Called after each line of the trace: what the outside does meanwhile.
   std::function<void(const std::string& line)> meanwhile = [](const std::string&) {};

@@ -88,6 +88,12 @@ TEST_F(Backgrounds, ATreeTakesItAsBackgroundToo) {
   EXPECT_EQ(tree.number(u"Left"), 70);
 }
 
+TEST_F(Backgrounds, ARowWithoutANameStaysWithoutInEverySet) {
+  EXPECT_TRUE(apply({row(u"imgBackground", t(u""), u"me"), row(u"imgBackground", null, u"me")}, 1,
+                    {{n(1), t(u""), t(u"SET.BMP")}}));
+  EXPECT_EQ(pictureOf(image), u"");
+}
+
 TEST_F(Backgrounds, RowsWithoutAPictureAreSkipped) {
   EXPECT_TRUE(apply({row(u"imgBackground", t(u"-1"), u"me"), row(u"imgBackground", null, u"me"),
                      row(u"imgBackground", t(u""), u"me"), row(u"imgBackground", t(u"MISSING.BMP"), u"me")}));

@@ -171,6 +171,62 @@ TEST_F(Schedule, AQuestionIsAnsweredWithYesInARun) {
   EXPECT_THAT(log(), testing::Contains("109  "));
 }
 
+TEST_F(Schedule, TheUsersButtonsLookDeadInARun) {
+  startWithHost();
+  pressAndTick(0);
+  exchange().answer(0, oneFault());
+  tick();
+  exchange().answerLamps(u"00");
+  tick();
+  const auto enabled = [&](const char16_t* name) { return form().form().control(name).flag(u"Enabled"); };
+  EXPECT_TRUE(enabled(u"cmdClear"));
+  runSchedule(u"3");
+  const auto expectDead = [&] {
+    for (const char16_t* name :
+         {u"cmdRequest", u"cmdReset", u"cmdPrint", u"cmdClear", u"cmdLookUp", u"cmdClose"})
+      EXPECT_FALSE(enabled(name)) << text::toUtf8(name);
+  };
+  expectDead();
+  tick();
+  tick();
+  exchange().answer(0, oneFault());
+  tick();
+  expectDead();
+  exchange().answerLamps(u"00");
+  expectDead();
+}
+
+TEST_F(Schedule, AListThatIsNotAcknowledgedWasReceivedAllTheSame) {
+  startWithHost();
+  runSchedule(u"1");
+  tick();
+  tick();
+  exchange().answer(0, oneFault());
+  exchange().loginAnswer = u"BUSY"s;
+  tick();
+  EXPECT_THAT(log(), testing::Contains("1 received, 1 new, 0 stored, 0 refused"));
+  EXPECT_THAT(log(), testing::Contains("not acknowledged: busy"));
+  EXPECT_THAT(log(), testing::Not(testing::Contains("failed: busy")));
+}
+
+TEST_F(Schedule, ACancelledRunSaysSoInItsLog) {
+  startWithHost();
+  runSchedule(u"1");
+  tick();
+  tick();
+  EXPECT_EQ(callInteger(u"CancelSchedule"), 0);
+  EXPECT_THAT(log(), ElementsAre("cancelled", "..."));
+}
+
+TEST_F(Schedule, ARunThatNobodyHoldsSaysSoInItsLog) {
+  startWithHost();
+  runSchedule(u"1");
+  tick();
+  tick();
+  layer.reset();
+  EXPECT_THAT(log(), ElementsAre("let go"));
+}
+
 TEST_F(Schedule, TheUsersButtonsAreDeadInARun) {
   startWithHost();
   runSchedule(u"1");

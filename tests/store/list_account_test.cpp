@@ -24,6 +24,21 @@ TEST_F(AccountTest, IsOneLine) {
   EXPECT_EQ(runLogText(form.shared, account), u"12 received, 9 new, 3 stored, 0 refused");
 }
 
+TEST_F(AccountTest, NamesItsExchange) {
+  form.shared.Messages[message::statusListComplete] = u"{6} at {1}: {2}={3}+{4}+{5}";
+  account.exchange = u"PBX-1";
+  EXPECT_EQ(statusText(form.shared, account), u"PBX-1 at now: 12=9+3+0");
+}
+
+TEST_F(AccountTest, TheReasonOfACutListStandsInItsPlaceOnly) {
+  form.shared.Messages[message::reasonCutShort] = u"cut";
+  EXPECT_EQ(reasonText(form.shared, account), u"");
+  account.end = ListEnd::cutShort;
+  EXPECT_EQ(reasonText(form.shared, account), u"cut");
+  account.end = ListEnd::tooLong;
+  EXPECT_EQ(reasonText(form.shared, account), u"too long");
+}
+
 TEST_F(AccountTest, SaysWhyItIsIncomplete) {
   const auto line = [&](ListEnd end, std::u16string cause) {
     account.end = end;

@@ -5,11 +5,13 @@
 
 #include "doctor_checks.h"
 #include "language_folder.h"
+#include "platform/sqlite/engine.h"
 
 namespace vordane::tools {
 namespace {
 
 using testing::AllOf;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::Field;
 using testing::HasSubstr;
@@ -26,8 +28,16 @@ class Doctor : public testing::Test {
     source = readLanguage(texts.folder(), problems);
     makeSuiteFiles(layout, source);
   }
-  void spoil(const std::filesystem::path& file) {
+  std::vector<Finding> look() { return examineFiles(layout, *sqlite::makeEngine()); }
+  static void spoil(const std::filesystem::path& file) {
     std::ofstream(file, std::ios::binary) << "no database at all";
+  }
+  // Writes over the pages behind the first, as a bad disk does.
+  static void spoilInside(const std::filesystem::path& file) {
+    constexpr int page = 4096;
+    std::fstream bytes(file, std::ios::binary | std::ios::in | std::ios::out);
+    bytes.seekp(page);
+    bytes << std::string(static_cast<std::size_t>(std::filesystem::file_size(file)) - page, 'x');
   }
   // The database at `file` with all but one of its documented tables.
   static void makeWithout(const std::filesystem::path& file, std::span<const sqlite::TableDefinition> tables,
@@ -44,7 +54,7 @@ class Doctor : public testing::Test {
 };
 
 TEST_F(Doctor, FindsNothingInAWholeSuite) {
-  EXPECT_THAT(examineFiles(layout), IsEmpty());
+  EXPECT_THAT(look(), IsEmpty());
 }
 
 TEST_F(Doctor, NamesMissingAndDamagedFiles) {
@@ -52,15 +62,45 @@ TEST_F(Doctor, NamesMissingAndDamagedFiles) {
   std::filesystem::remove(layout.pictures() / "VORDPANE.BMP");
   spoil(layout.sharedDatabases() / "Common.LNG");
   EXPECT_THAT(
-      examineFiles(layout),
-      ElementsAre(finding(true, "Common.LNG is no file of the embedded engine"),
+      look(),
+      ElementsAre(finding(true, "Common.LNG is no database: the program ends at its start"),
                   finding(false, "Schedule.mdb is missing: scheduled jobs run with the default options"),
                   finding(false, "VORDPANE.BMP is missing")));
 }
 
+TEST_F(Doctor, FindsDamageInsideAFile) {
+  spoilInside(layout.ownDatabases() / "FAULT.MDB");
+  EXPECT_THAT(look(), ElementsAre(finding(true, "FAULT.MDB is damaged: ")));
+}
+
+TEST_F(Doctor, SaysThatAnAccessFileNeedsItsEngine) {
+  std::ofstream(layout.ownDatabases() / "FAULT.MDB", std::ios::binary)
+      << std::string("\0\1\0\0Standard Jet DB\0", 20) << std::string(4096, '\0');
+  EXPECT_THAT(look(), ElementsAre(finding(true, "FAULT.MDB can't be opened: no faults can be stored")));
+}
+
 TEST_F(Doctor, NamesAMissingTable) {
   makeWithout(layout.ownDatabases() / "FAULT.MDB", sqlite::schema::faultDatabase(), u"FaultDisplay");
-  EXPECT_THAT(examineFiles(layout), ElementsAre(finding(true, "FAULT.MDB: table FaultDisplay is missing")));
+  EXPECT_THAT(look(), ElementsAre(finding(true, "FAULT.MDB: table FaultDisplay is missing")));
+}
+
+TEST_F(Doctor, KnowsWhichTablesTheStartNeeds) {
+  const auto lng = layout.ownDatabases() / "VORDANE.LNG";
+  makeWithout(lng, sqlite::schema::ownLanguage(), u"tPicture");
+  EXPECT_THAT(look(), Contains(finding(false, "VORDANE.LNG: table tPicture is missing")));
+  EXPECT_THAT(look(), Contains(finding(true, "VORDANE.LNG: table tProject has no row for VORDANE")));
+  makeWithout(lng, sqlite::schema::ownLanguage(), u"tMessages");
+  EXPECT_THAT(look(), Contains(finding(true, "VORDANE.LNG: table tMessages is missing")));
+  makeWithout(layout.sharedDatabases() / "Common.LNG", sqlite::schema::commonLanguage(), u"PictureFileName");
+  EXPECT_THAT(look(), Contains(finding(false, "Common.LNG: table PictureFileName is missing")));
+}
+
+TEST_F(Doctor, KnowsThatNoHostStartsItWithoutTheRegistration) {
+  const auto file = layout.sharedDatabases() / "Register.mdb";
+  makeWithout(file, sqlite::schema::schedule(), {});  // another database under its name
+  EXPECT_THAT(look(), ElementsAre(finding(true, "Register.mdb: table Registry is missing")));
+  std::filesystem::remove(file);
+  EXPECT_THAT(look(), ElementsAre(finding(true, "Register.mdb is missing: the program ends when a host")));
 }
 
 TEST_F(Doctor, NamesAMissingColumn) {
@@ -68,26 +108,30 @@ TEST_F(Doctor, NamesAMissingColumn) {
   sqlite::DatabaseWriter writer(toText(layout.sharedDatabases() / "Schedule.mdb"), true);
   writer.createTable({options.name, options.columns.first(7)});  // without File and Kind
   writer.finish();
-  EXPECT_THAT(examineFiles(layout), ElementsAre(finding(false, "table Options lacks the column File")));
+  EXPECT_THAT(look(), ElementsAre(finding(false, "table Options lacks the column File")));
 }
 
 TEST_F(Doctor, NamesIncompleteTexts) {
   source.messages.erase(source.messages.begin() + 40);
   makeSuiteFiles(layout, source);
-  EXPECT_THAT(examineFiles(layout),
-              ElementsAre(finding(false, "VORDANE.LNG/messages: message 40 is missing")));
+  EXPECT_THAT(look(), ElementsAre(finding(false, "VORDANE.LNG/messages: message 40 is missing")));
 }
 
 TEST_F(Doctor, NamesAMissingRegistration) {
   makeWithout(layout.sharedDatabases() / "Register.mdb", sqlite::schema::registration(), {});
-  EXPECT_THAT(examineFiles(layout), ElementsAre(finding(false, "there is no row for VORDANE.WRX")));
+  EXPECT_THAT(look(), ElementsAre(finding(false, "there is no row for VORDANE.WRX")));
 }
 
 class WorkstationDoctor : public Doctor {
  protected:
   WorkstationDoctor() {
     settings = {{u"InstallPath", layout.root.u16string()}, {u"QUILMAR32", u"30000"}, {u"ZUL", u"30001"}};
-    servers = {{u"Vordane10013.cOLELayer", u"VORDANE.EXE"}, {u"CalderinProj30001.cPBXOle", u"Zulsim.exe"}};
+    const auto command = [](const std::filesystem::path& program) {
+      std::ofstream(program) << "program";
+      return u"\"" + program.u16string() + u"\"";
+    };
+    servers = {{u"Vordane10013.cOLELayer", command(layout.program())},
+               {u"CalderinProj30001.cPBXOle", command(layout.root / "Zulsim.exe") + u" /Automation"}};
   }
   std::vector<Finding> examine() {
     const auto look = [](const auto& values, std::u16string_view name) -> std::optional<std::u16string> {
@@ -120,6 +164,20 @@ TEST_F(WorkstationDoctor, NamesADirectoryElsewhereAndAServerThatIsNotThere) {
   servers.erase(u"CalderinProj30001.cPBXOle");
   EXPECT_THAT(examine(), ElementsAre(finding(true, "not to this suite"),
                                      finding(false, "CalderinProj30001.cPBXOle is not registered")));
+}
+
+TEST_F(WorkstationDoctor, NamesServersThatAreGone) {
+  std::filesystem::remove(layout.program());
+  std::filesystem::remove(layout.root / "Zulsim.exe");
+  EXPECT_THAT(examine(), ElementsAre(finding(true, "VORDANE.EXE, which is not there: no host can start"),
+                                     finding(false, "Zulsim.exe, which is not there: no exchange")));
+}
+
+TEST_F(WorkstationDoctor, NamesAnotherSuitesProgram) {
+  const auto other = texts.files.folder() / "other vordane.exe";
+  std::ofstream(other) << "program";
+  servers[u"Vordane10013.cOLELayer"] = other.u16string() + u" -Embedding";
+  EXPECT_THAT(examine(), ElementsAre(finding(false, "other vordane.exe: hosts start that one")));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 //   click [--wait SECONDS] CONTROL           prints the middle of the control on the screen as "x y" (pixels)
 //   click [--wait SECONDS] --press CONTROL   the same, and presses it with the mouse
 //   click [--wait SECONDS] --text CONTROL    prints the control's text
+//   click [--wait SECONDS] --close           asks the window to close, as its title bar does
 //   click [--wait SECONDS] --box [ANSWER]    prints a message box's title and text; answers it with that
 //   button
 //
@@ -28,9 +29,14 @@ bool isNamed(const Child& child, const wchar_t* name) {
   return _wcsicmp(own.c_str(), name) == 0;
 }
 
-HWND findControl(const wchar_t* name) {
+HWND findFrame() {
   const HWND frame = FindWindowW(vordane::window::win32::windowClassName, nullptr);
-  if (frame == nullptr || !IsWindowVisible(frame)) return nullptr;
+  return frame != nullptr && IsWindowVisible(frame) ? frame : nullptr;
+}
+
+HWND findControl(const wchar_t* name) {
+  const HWND frame = findFrame();
+  if (frame == nullptr) return nullptr;
   const auto* child = std::find_if(std::begin(children), std::end(children),
                                    [&](const Child& entry) { return isNamed(entry, name); });
   return child == std::end(children) ? nullptr : GetDlgItem(frame, child->id);
@@ -47,7 +53,7 @@ void press(POINT point) {
 
 struct Wish {
   long wait = 0;
-  bool press = false, text = false, box = false;
+  bool press = false, text = false, box = false, close = false;
   const wchar_t* word = nullptr;  // the control, or the answer to a box
 };
 
@@ -63,6 +69,8 @@ Wish parse(int count, wchar_t** values) {
       wish.text = true;
     else if (option == L"--box")
       wish.box = true;
+    else if (option == L"--close")
+      wish.close = true;
     else
       wish.word = values[i];
   }
@@ -112,6 +120,11 @@ int box(const Wish& wish) {
   return 0;
 }
 
+int close(const Wish& wish) {
+  const HWND frame = waitFor(wish.wait, findFrame);
+  return frame != nullptr && PostMessageW(frame, WM_SYSCOMMAND, SC_CLOSE, 0) ? 0 : 1;
+}
+
 int control(const Wish& wish) {
   const HWND found = waitFor(wish.wait, [&] { return findControl(wish.word); });
   if (found == nullptr) return std::fputs("click: no such control\n", stderr), 1;
@@ -128,9 +141,12 @@ int control(const Wish& wish) {
 
 int wmain(int count, wchar_t** values) {
   const Wish wish = parse(count, values);
-  if (!wish.box && wish.word == nullptr)
-    return std::fputs("usage: click [--wait SECONDS] [--press | --text] CONTROL | --box [ANSWER]\n", stderr),
-           2;
+  if (!wish.box && !wish.close && wish.word == nullptr) {
+    std::fputs("usage: click [--wait SECONDS] [--press | --text] CONTROL | --close | --box [ANSWER]\n",
+               stderr);
+    return 2;
+  }
   SetProcessDPIAware();
+  if (wish.close) return close(wish);
   return wish.box ? box(wish) : control(wish);
 }

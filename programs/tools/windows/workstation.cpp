@@ -1,6 +1,10 @@
 #include <windows.h>
 
 #include "doctor_checks.h"
+#include "platform/dao/dao_engine.h"
+#include "platform/engine_choice.h"
+#include "platform/sqlite/engine.h"
+#include "platform/windows/com/apartment.h"
 #include "platform/windows/services/services.h"
 
 namespace vordane::tools {
@@ -27,7 +31,22 @@ std::optional<std::u16string> serverOf(std::u16string_view progId) {
   return clsid ? classValue(u"CLSID\\" + *clsid + u"\\LocalServer32") : std::nullopt;
 }
 
+// The Access engine is an automation server, so it needs what automation needs.
+struct ExaminingEngine : database::Engine {
+  std::unique_ptr<database::Database> open(std::u16string_view path, bool readOnly) override {
+    return engine->open(path, readOnly);
+  }
+  com::Apartment apartment;
+  windows::ComObjectCreator creator;
+  std::unique_ptr<database::Engine> engine =
+      database::makeEngineChoice(dao::makeEngine(creator), sqlite::makeEngine());
+};
+
 }  // namespace
+
+std::unique_ptr<database::Engine> examiningEngine() {
+  return std::make_unique<ExaminingEngine>();
+}
 
 std::optional<Workstation> thisWorkstation() {
   return Workstation{[](std::u16string_view section, std::u16string_view key) {

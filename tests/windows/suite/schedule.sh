@@ -4,16 +4,6 @@
 set -euo pipefail
 . "$(dirname "$0")/suite.sh"
 
-# A job's log, line by line, with the times masked.
-expect_log() {
-  local file
-  file=$(find "$drive/QUILMAR32" -iname "$1.tlg")
-  [ -n "$file" ] || fail "no log $1.tlg"
-  tr -d '\r' < "$file" | sed -E 's/[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}/TIME/g' > "$file.masked"
-  diff -u "$repository/tests/windows/suite/host/$1.log" "$file.masked" || fail "the log $1.tlg differs"
-  echo "ok: $1.tlg"
-}
-
 # Each run of a job waits before its request: between a log's line "Run N" and the next one lie `$2` seconds.
 expect_waits() {
   local waits

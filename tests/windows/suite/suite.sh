@@ -34,6 +34,27 @@ install_suite() {
   quick wine 'C:\SIM\Zulsim.exe' /RegServer >/dev/null || fail "Zulsim.exe was not registered"
 }
 
+# A statement on a database file, as another program would run it.
+sql() { win "$programs/suiteprobe/suiteprobe.exe" sql "$@"; }
+
+# A job of the scheduler: key, wait, error stop (0 or -1), runs, its log's name without the key (ENDS), the
+# thousands of bytes that the log may take (100).
+add_job() {
+  sql 'C:\QUILMAR32\30000\QUIL32\DATABASE\Schedule.mdb' \
+    "INSERT INTO Options (Key, Wait, ErrorStop, Count, Log, Log2, FileByte, File, Kind)
+     VALUES ($1, $2, $3, $4, -1, -1, ${6:-100}, '${5:-ENDS}', 2)" >/dev/null
+}
+
+# A job's log $1, line by line, with the times masked.
+expect_log() {
+  local file
+  file=$(find "$drive/QUILMAR32" -iname "$1.tlg")
+  [ -n "$file" ] || fail "no log $1.tlg"
+  tr -d '\r' < "$file" | sed -E 's/[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}/TIME/g' > "$file.masked"
+  diff -u "$repository/tests/windows/suite/host/$1.log" "$file.masked" || fail "the log $1.tlg differs"
+  echo "ok: $1.tlg"
+}
+
 # Waits until the number of stored faults stands still above `$1`.
 wait_stored() {
   local last=-1 now i
@@ -63,6 +84,16 @@ start_host() {
   ( cd "$addins" && exec wine 'C:\QUILMAR32\30000\ADDINS\devhost.exe' "C:\\QUILMAR32\\30000\\ADDINS\\$1.txt" ) \
     > "$trace" 2>/dev/null &
   host=$!
+}
+
+# Waits until a line like `$1` stands in the host's trace.
+wait_for_line() {
+  local i
+  for i in $(seq 300); do
+    grep -q "$1" "$trace" && return 0
+    sleep 0.2
+  done
+  fail "$(cat "$trace"; echo "no line '$1'")"
 }
 
 # Presses the request button of a host's window, once the host notes that it is ready (for exchange `$1`).
@@ -96,10 +127,10 @@ addin_runs() {
   return 1
 }
 
-# The add-in's process ends with its last object; a dead host's is noticed within `$1` seconds.
+# The add-in's process ends with its last object, or when its host has died; $1 seconds are given (10).
 expect_gone() {
   local i
-  for i in $(seq $((${1:-10} * 5))); do
+  for i in $(seq $((5 * ${1:-10}))); do
     addin_runs || { echo "ok: the add-in's process is gone"; return 0; }
     sleep 0.2
   done

@@ -17,16 +17,18 @@ namespace {
 // How much of the panel's own colour lies over a picture: captions stand on it.
 constexpr BYTE wash = 150;
 
-void washOver(HDC dc, SIZE size, COLORREF colour) {
+void washOver(HDC dc, const RECT& place, COLORREF colour) {
   const MemoryDc point(CreateCompatibleDC(dc));
   const Bitmap dot(CreateCompatibleBitmap(dc, 1, 1));
   const Selected with(point.get(), dot.get());
   SetPixel(point.get(), 0, 0, colour);
   const BLENDFUNCTION blend{AC_SRC_OVER, 0, wash, 0};
-  GdiAlphaBlend(dc, 0, 0, size.cx, size.cy, point.get(), 0, 0, 1, 1, blend);
+  GdiAlphaBlend(dc, place.left, place.top, width(place), height(place), point.get(), 0, 0, 1, 1, blend);
 }
 
-constexpr std::u16string_view headerControl = u"imgHeader", windowControl = u"imgBackground";
+constexpr std::u16string_view headerControl = u"imgHeader", windowControl = u"imgBackground",
+                              detailControl = u"imgDetail";
+constexpr int samples = 8;  // a picture is looked at in this many places across and down
 
 void drawPicture(HDC dc, IPicture& picture, const RECT& place) {
   OLE_XSIZE_HIMETRIC pictureWidth = 0;
@@ -35,6 +37,19 @@ void drawPicture(HDC dc, IPicture& picture, const RECT& place) {
   picture.get_Height(&pictureHeight);
   picture.Render(dc, place.left, place.top, width(place), height(place), 0, pictureHeight, pictureWidth,
                  -pictureHeight, nullptr);
+}
+
+// The colour between all of a small surface's points.
+COLORREF middleOf(HDC dc) {
+  int red = 0, green = 0, blue = 0;
+  for (int place = 0; place < samples * samples; ++place) {
+    const COLORREF point = GetPixel(dc, place % samples, place / samples);
+    red += GetRValue(point);
+    green += GetGValue(point);
+    blue += GetBValue(point);
+  }
+  constexpr int all = samples * samples;
+  return RGB(red / all, green / all, blue / all);
 }
 
 }  // namespace
@@ -57,12 +72,36 @@ bool pictureReadable(std::u16string_view path) {
   return Background::load(path) != nullptr;
 }
 
+Background::Picture* Background::pictureOf(const Control& control) {
+  if (text::equalIgnoringCase(control.name(), headerControl)) return &header_;
+  if (text::equalIgnoringCase(control.name(), windowControl)) return &window_;
+  return text::equalIgnoringCase(control.name(), detailControl) ? &detail_ : nullptr;
+}
+
 void Background::update(const Control& control) {
-  const bool header = text::equalIgnoringCase(control.name(), headerControl);
-  if (!header && !text::equalIgnoringCase(control.name(), windowControl)) return;
-  const std::u16string path = control.has(u"Picture") ? control.text(u"Picture") : std::u16string{};
-  (header ? header_ : window_) = path.empty() ? nullptr : load(path);
+  Picture* const picture = pictureOf(control);
+  if (picture == nullptr) return;
+  const bool shown = control.has(u"Picture") && (!control.has(u"Visible") || control.flag(u"Visible"));
+  const std::u16string path = shown ? control.text(u"Picture") : std::u16string{};
+  *picture = path.empty() ? nullptr : load(path);
   changed();
+}
+
+COLORREF Background::paneColour(const Palette& palette) const {
+  if (!detail_ || palette.systemOnly) return palette.surface;
+  const WindowDc screen(nullptr);
+  const MemoryDc dc(CreateCompatibleDC(screen.get()));
+  const Bitmap surface(CreateCompatibleBitmap(screen.get(), samples, samples));
+  const Selected with(dc.get(), surface.get());
+  drawPane(dc.get(), {0, 0, samples, samples}, palette);
+  return middleOf(dc.get());
+}
+
+void Background::drawPane(HDC dc, const RECT& pane, const Palette& palette) const {
+  fillRect(dc, pane, palette.surface);
+  if (!detail_ || palette.systemOnly || width(pane) <= 0 || height(pane) <= 0) return;
+  drawPicture(dc, *detail_, pane);
+  washOver(dc, pane, palette.surface);
 }
 
 HBRUSH Background::brush(SIZE client, const RECT& header, const Palette& palette) {
@@ -81,7 +120,7 @@ HBRUSH Background::brush(SIZE client, const RECT& header, const Palette& palette
     fillRect(dc.get(), whole, palette.panel);
     if (window_) drawPicture(dc.get(), *window_, whole);
     if (header_) drawPicture(dc.get(), *header_, header);
-    washOver(dc.get(), client, palette.panel);
+    washOver(dc.get(), whole, palette.panel);
   }
   brush_ = Brush(CreatePatternBrush(bitmap_.get()));
   return brush_.get();

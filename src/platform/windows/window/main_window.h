@@ -76,6 +76,7 @@ class MainWindow final : public Win32View {
   void setTip(int id, const std::u16string& tip);
   void wantRestyle();
   void restyle();
+  void dressPane();
   bool inputAllowed() const;
   void updateInput();
   std::u16string lampWords(bool major, bool lit);

@@ -178,7 +178,7 @@ void MainWindow::paintGround(HDC dc) {
   GetClientRect(window_, &client);
   SetBrushOrgEx(dc, 0, 0, nullptr);
   FillRect(dc, &client, ground());
-  fillRect(dc, layout_.pane, palette_.surface);
+  background_.drawPane(dc, layout_.pane, palette_);
   fillRect(dc, layout_.splitter, palette_.systemOnly ? palette_.text : RGB(214, 214, 214));
   const RECT edge{0, layout_.panel.bottom - 1, client.right, layout_.panel.bottom};
   fillRect(dc, edge, palette_.systemOnly ? palette_.text : RGB(206, 206, 206));

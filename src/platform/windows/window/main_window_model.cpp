@@ -43,7 +43,9 @@ void MainWindow::controlChanged(Control& changed, std::u16string_view property) 
     return;
   }
   if (changed.typeName() == u"PictureBox") {
+    if (property != u"Picture" && property != u"Visible") return;
     background_.update(changed);
+    dressPane();
     InvalidateRect(window_, nullptr, TRUE);
     return;
   }
@@ -155,6 +157,12 @@ void MainWindow::setTip(int id, const std::u16string& tip) {
   if (!tip.empty()) SendMessageW(tips_, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
 }
 
+void MainWindow::dressPane() {
+  Palette pane = palette_;
+  pane.surface = background_.paneColour(palette_);
+  pane_.setLook(control(gridName), dpi_, pane);
+}
+
 // The loaders change hundreds of properties in a row: one restyling follows them all.
 void MainWindow::wantRestyle() {
   if (restyleWanted_ || window_ == nullptr) return;
@@ -182,7 +190,7 @@ void MainWindow::restyle() {
   SendMessageW(item(idExchange), CB_SETITEMHEIGHT, static_cast<WPARAM>(-1),
                lineHeight(font_.get()) + scaled(4, dpi_));
   grid_.setLook(control(gridName), dpi_, palette_);
-  pane_.setLook(control(gridName), dpi_, palette_);
+  dressPane();
   background_.changed();
   place();
   RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);

@@ -1,0 +1,113 @@
+#!/usr/bin/env bash
+# A night in fast motion: one unattended job of many runs, then many jobs of one run with an add-in of their
+# own each. Memory and handles of the three programs stay flat, the log keeps to its limit, the database is
+# sound and holds each fault once, and no process stays behind.
+#
+# VORDANE_NIGHT_RUNS (usual 40, a multiple of 4) and VORDANE_NIGHT_JOBS (usual 4, likewise) say how many; the
+# long form is VORDANE_NIGHT_RUNS=1000 VORDANE_NIGHT_JOBS=100, see docs/reliability.md.
+set -euo pipefail
+. "$(dirname "$0")/suite.sh"
+
+runs=${VORDANE_NIGHT_RUNS:-40} jobs=${VORDANE_NIGHT_JOBS:-4}
+[ $((runs % 4)) = 0 ] && [ $((jobs % 4)) = 0 ] || fail "runs and jobs come in fours, as the exchange's answers do"
+limit=20  # thousands of bytes that the log may take
+
+figures() { win "$programs/suiteprobe/suiteprobe.exe" figures "$1"; }
+asked() { grep -c "SendRequest $1 = \"ACC" "$drive/SIM/Zulsim.log" || true; }
+
+# The host's script: a job of $runs runs under key 11, then $jobs jobs of one run under key 12.
+write_script() {
+  cat <<SCRIPT
+quiet
+pbx create
+create
+register NIGHT 1
+show
+run 11
+wait EndProcess within forever
+wait UnloadChild within 60000
+release
+loud
+note the long job is over
+quiet
+repeat $jobs
+create
+register NIGHT 1
+run 12
+wait EndProcess within 120000
+wait UnloadChild within 60000
+release
+end
+loud
+note the short jobs are over
+sleep 2000
+SCRIPT
+}
+
+# "seconds handles kilobytes" of a program, every so often while the host is in its long job.
+watch_long_job() {
+  local start=$SECONDS now
+  while ! grep -q 'long job is over' "$trace" && kill -0 "$host" 2>/dev/null; do
+    now=$(figures VORDANE.EXE) && [ -n "$now" ] && echo "$((SECONDS - start)) $now"
+    sleep "$1"
+  done
+}
+
+# The figures of the first and the last third lie together: column $2 of $1 grows by no more than $3.
+expect_flat() {
+  local early late
+  read -r early late < <(awk -v column="$2" '
+    { value[NR] = $column }
+    END {
+      third = int(NR / 3); if (third < 1) third = 1
+      for (i = 2; i <= third + 1; ++i) early = value[i] > early ? value[i] : early
+      for (i = NR - third; i < NR; ++i) late = value[i] > late ? value[i] : late
+      print early + 0, late + 0
+    }' "$1")
+  [ "$early" -gt 0 ] || fail "nothing was measured in $1"
+  [ $((late - early)) -le "$3" ] || { cat "$1"; fail "$4 grew from $early to $late"; }
+  echo "ok: $4 went from $early to $late ($(wc -l < "$1") samples)"
+}
+
+install_suite
+use_scenario fast-night
+: > "$drive/SIM/Zulsim.log"
+add_job 11 0 0 "$runs" NIGHT "$limit"
+add_job 12 0 0 1 NIGHT "$limit"
+trace="$WINEPREFIX/night.trace"
+write_script > "$addins/night.txt"
+: > "$trace"
+started=$SECONDS
+( cd "$addins" && exec wine 'C:\QUILMAR32\30000\ADDINS\devhost.exe' 'C:\QUILMAR32\30000\ADDINS\night.txt' ) > "$trace" 2>/dev/null &
+host=$!
+
+watch_long_job $((runs > 200 ? 10 : 1)) > "$WINEPREFIX/long.figures"
+echo "the job of $runs runs took $((SECONDS - started)) s"
+expect "lists asked for by $runs runs" "$runs" "$(asked LEA0)"
+expect "lists acknowledged" "$((runs / 4 * 3))" "$(asked EA1/00)"
+expect_flat "$WINEPREFIX/long.figures" 2 4 'handles of VORDANE.EXE'
+expect_flat "$WINEPREFIX/long.figures" 3 2000 'private kilobytes of VORDANE.EXE'
+
+log=$(find "$drive/QUILMAR32" -iname NIGHT11.tlg)
+size=$(stat -c %s "$log")
+[ "$size" -le $((limit * 1000 + 200)) ] || fail "the log took $size bytes"
+echo "ok: the log of $runs runs takes $size bytes"
+grep -q 'No list received: the exchange answered with error 60' "$log" || fail 'the log says nothing of the failed runs'
+
+before=$(figures Zulsim.exe) host_before=$(figures devhost.exe)
+started=$SECONDS
+code=0
+wait "$host" || code=$?
+expect 'exit code of the host' 0 "$code"
+echo "$jobs jobs took $((SECONDS - started)) s"
+expect "lists asked for by $runs runs and $jobs jobs" "$((runs + jobs))" "$(asked LEA0)"
+expect_gone
+
+expect 'the database, looked at by another program' ok "$(sql "$faults" 'PRAGMA integrity_check')"
+expect 'faults without a place in the index' 0 "$(sql "$faults" 'SELECT count(*) FROM FaultDisplay f WHERE NOT EXISTS
+  (SELECT 1 FROM VordaneFaultIndex x WHERE x.Count = f.Count AND x.ID = f.ID)')"
+expect 'faults stored twice' 0 "$(sql "$faults" 'SELECT count(*) FROM (SELECT 1 FROM FaultDisplay
+  GROUP BY ID, Fault, Alarm, CPU, Date, Description HAVING count(*) > 1)')"
+expect 'exchanges' 1 "$(sql "$faults" 'SELECT count(*) FROM PBXList')"
+echo "stored: $(stored)"
+echo "Zulsim.exe after the long job: $before; devhost.exe: $host_before"
