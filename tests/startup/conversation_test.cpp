@@ -265,7 +265,7 @@ TEST_F(Conversation, AFailedAnswerWhileTheFlowIsTurnedOnEndsTheActionBehindIt) {
 }
 
 TEST_F(Conversation, OnlyTheKnownTagsLeadToAnAction) {
-  for (const char16_t* tag : {u"5", u"", u"100", u"list"}) {
+  for (const char16_t* tag : {u"5", u"6", u"0", u"99", u"", u"100", u"list"}) {
     if (!application) startWithHost();
     pressAndTick(0);
     const auto answer = exchange().record();
@@ -286,6 +286,39 @@ TEST_F(Conversation, AnEntryThatCantBeReadIsEmptyAtItsPlace) {
   EXPECT_EQ(form().response().FirstData(0), u"");
   EXPECT_EQ(form().response().CMD(1), u"LEA0");
   EXPECT_EQ(view.timer, 100);
+}
+
+TEST_F(Conversation, OnlyTheCommandAndItsDataAreCopied) {
+  startWithHost();
+  pressAndTick(0);
+  const auto answer = exchange().record();
+  automation::call(*exchange().request, u"AddToList",
+                   {automation::byVal(u"c"s), automation::byVal(u"f"s), automation::byVal(u"s"s),
+                    automation::byVal(u"e"s), automation::byVal(u"d"s)});
+  for (const char16_t* column : {u"CK", u"ERMFP", u"MSGFP"}) {
+    automation::Argument arguments[] = {automation::byVal(std::int16_t{0}), automation::byVal(u"x"s)};
+    exchange().request->invoke(column, automation::CallKind::put, arguments);
+  }
+  exchange().callBack(answer);
+  const char16_t* const copied[cListRequest::columnCount] = {u"c", u"f", u"s", u"e", u"", u"", u"", u""};
+  for (std::size_t i = 0; i < cListRequest::columnCount; ++i)
+    EXPECT_EQ(form().response().at(static_cast<cListRequest::Column>(i), 0), copied[i]) << i;
+}
+
+TEST_F(Conversation, TheWindowGoesByValueAndTheRecordByReference) {
+  startWithHost();
+  bool callerByReference = true, recordByReference = false;
+  exchange().on(u"Login", [&](auto arguments) {
+    callerByReference = arguments[1].byReference;
+    return automation::Value(u"L1"s);
+  });
+  exchange().on(u"SendRequest", [&](auto arguments) {
+    recordByReference = arguments[0].byReference;
+    return automation::Value(u"ERROR"s);
+  });
+  pressAndTick(0);
+  EXPECT_FALSE(callerByReference);
+  EXPECT_TRUE(recordByReference);
 }
 
 TEST_F(Conversation, AServerThatVanishesInTheMiddleIsAFailure) {
@@ -328,8 +361,10 @@ TEST_F(Conversation, AHostThatRaisesEverywhereStopsNothing) {
   startWithHost();
   for (const char16_t* name : {u"ShowMessage", u"ShowCode", u"TurnOnFlow", u"TurnOffFlow"})
     host->remove(name);
+  exchange().remove(u"LogOut");
   pressAndTick(0);
   exchange().answer(0, oneFault());
+  EXPECT_TRUE(view.inputEnabled);
   tick();
   exchange().answerLamps(u"01");
   tick();
