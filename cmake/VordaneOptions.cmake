@@ -53,9 +53,9 @@ function(vordane_test_options target)
 endfunction()
 
 # A test program under CTest, one ctest entry for each of its cases. Rules are tested natively; with
-# ALSO_WINDOWS the program is built for Windows too and run there as one entry.
+# ALSO_WINDOWS the program is built for Windows too and run there as one entry, with its own TIMEOUT.
 function(vordane_test name)
-  cmake_parse_arguments(ARG "ALSO_WINDOWS" "" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "ALSO_WINDOWS" "TIMEOUT" "SOURCES;LINKS" ${ARGN})
   if(CMAKE_CROSSCOMPILING AND NOT ARG_ALSO_WINDOWS)
     return()
   endif()
@@ -70,7 +70,7 @@ function(vordane_test name)
     target_precompile_headers(${name} REUSE_FROM vordane_test_headers)
   endif()
   if(CMAKE_CROSSCOMPILING)
-    vordane_windows_test(${name} COMMAND $<TARGET_FILE:${name}>)
+    vordane_windows_test(${name} COMMAND $<TARGET_FILE:${name}> TIMEOUT ${ARG_TIMEOUT})
   else()
     gtest_discover_tests(${name} DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 300)
   endif()

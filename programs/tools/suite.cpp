@@ -45,7 +45,9 @@ int suite(const Arguments& arguments) {
     for (const std::string& problem : problems) std::cerr << problem << '\n';
     return 1;
   }
-  makeSuiteFiles({toPath(options.directory)}, source);
+  const SuiteLayout layout{toPath(options.directory)};
+  makeSuiteFiles(layout, source);
+  installReportLayout(layout, toPath(options.source) / "report" / "FAULT.RPT");
   std::cout << "made the data files of " << options.directory << '\n';
   return 0;
 }

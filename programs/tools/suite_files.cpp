@@ -58,12 +58,6 @@ void makeSchedule(const fs::path& path) {
   writer.finish();
 }
 
-// The layout of the printed report, for hosts that take a text with places to fill in.
-constexpr const char* reportTemplate =
-    "title={PbxList.PBXName}\r\n"
-    "columns={FaultDisplay.Count}\t{FaultDisplay.Date}\t{FaultDisplay.Fault}\t{FaultDisplay.Alarm}\t"
-    "{FaultDisplay.CPU}\t{FaultDisplay.Description}\r\n";
-
 // What the help file's viewer would show: current Windows has none for ".HLP" files.
 std::string helpText(const LanguageSource& language) {
   std::string out = "\xEF\xBB\xBF";
@@ -91,8 +85,14 @@ void makeSuiteFiles(const SuiteLayout& layout, const LanguageSource& language) {
   buildCommonLanguage(language, layout.sharedDatabases() / "Common.LNG");
   for (const BackgroundPicture& picture : backgroundPictures())
     writeFile(layout.pictures() / picture.file, drawPicture(picture));
-  writeFile(layout.report() / "FAULT.RPT", reportTemplate);
   writeFile(layout.help() / "VORDANE.TXT", helpText(language));
+}
+
+void installReportLayout(const SuiteLayout& layout, const fs::path& source) {
+  fs::create_directories(layout.report());
+  std::error_code failure;
+  fs::copy_file(source, layout.report() / "FAULT.RPT", fs::copy_options::overwrite_existing, failure);
+  if (failure) throw ToolError(text::toUtf8(toText(source)) + ": can't be copied");
 }
 
 }  // namespace vordane::tools

@@ -19,8 +19,11 @@ struct SuiteLayout {
 };
 
 // Makes every data file that is missing. What a user's work may have changed (stored faults, registration,
-// jobs) stays when it is there; texts, pictures, report and help are made anew. Throws ToolError or
+// jobs) stays when it is there; texts, pictures and help are made anew. Throws ToolError or
 // database::DatabaseError.
 void makeSuiteFiles(const SuiteLayout& layout, const LanguageSource& language);
+
+// The layout of the printed report, as hosts fill it in. Throws ToolError.
+void installReportLayout(const SuiteLayout& layout, const std::filesystem::path& source);
 
 }  // namespace vordane::tools

@@ -127,7 +127,11 @@ std::int16_t cOLELayer::RunSchedule(const std::u16string& Key) {
 }
 
 std::int16_t cOLELayer::CancelSchedule() {
-  return application_.form().CancelSchedule();
+  try {
+    return application_.form().CancelSchedule();
+  } catch (const std::exception&) {
+    return 0;  // whatever failed on the way, the host has its answer
+  }
 }
 
 void cOLELayer::SetBackGround(std::int16_t Index) {

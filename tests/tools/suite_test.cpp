@@ -7,6 +7,7 @@
 #include "language/form_controls.h"
 #include "language/message_numbers.h"
 #include "language_folder.h"
+#include "lines.h"
 #include "platform/control_types.h"
 #include "suite_files.h"
 
@@ -68,9 +69,9 @@ TEST(SuiteFiles, StandInTheInstalledLayout) {
   const SuiteLayout layout{texts.files.folder() / "30000"};
   makeSuiteFiles(layout, readLanguage(texts.folder(), problems));
   for (const char* file :
-       {"ADDINS/DATABASE/FAULT.MDB", "ADDINS/DATABASE/VORDANE.LNG", "ADDINS/REPORT/FAULT.RPT",
-        "ADDINS/HELP/VORDANE.TXT", "QUIL32/DATABASE/Common.LNG", "QUIL32/DATABASE/Register.mdb",
-        "QUIL32/DATABASE/Schedule.mdb", "BACKGRND/VORDBACK.BMP", "BACKGRND/MIST.BMP"})
+       {"ADDINS/DATABASE/FAULT.MDB", "ADDINS/DATABASE/VORDANE.LNG", "ADDINS/HELP/VORDANE.TXT",
+        "QUIL32/DATABASE/Common.LNG", "QUIL32/DATABASE/Register.mdb", "QUIL32/DATABASE/Schedule.mdb",
+        "BACKGRND/VORDBACK.BMP", "BACKGRND/MIST.BMP"})
     EXPECT_TRUE(std::filesystem::exists(layout.root / file)) << file;
   const auto engine = sqlite::makeEngine();
   const auto registry = engine->open(toText(layout.sharedDatabases() / "Register.mdb"), true);
@@ -79,6 +80,17 @@ TEST(SuiteFiles, StandInTheInstalledLayout) {
   EXPECT_EQ(
       automation::toInteger(schedule->openRecordset(u"SELECT * FROM Options WHERE Key = 2")->get(u"Count")),
       3);
+}
+
+TEST(SuiteFiles, TheReportsLayoutIsTheShippedOne) {
+  fakes::LanguageFolder texts;
+  const SuiteLayout layout{texts.files.folder() / "30000"};
+  const std::filesystem::path shipped =
+      std::filesystem::path(VORDANE_SOURCE_DIR) / "data" / "report" / "FAULT.RPT";
+  for (int time = 0; time < 2; ++time) installReportLayout(layout, shipped);
+  EXPECT_EQ(std::filesystem::file_size(layout.root / "ADDINS/REPORT/FAULT.RPT"),
+            std::filesystem::file_size(shipped));
+  EXPECT_THROW(installReportLayout(layout, layout.root / "none"), ToolError);
 }
 
 TEST(SuiteFiles, StoredFaultsStayWhenTheFilesAreMadeAgain) {

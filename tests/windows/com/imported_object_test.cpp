@@ -147,7 +147,14 @@ TEST_P(NotAMethod, IsReadAsPropertyAlone) {
   EXPECT_EQ(foreign.calls[0].flags, method | get);
   EXPECT_EQ(foreign.calls[1].flags, get);
 }
-INSTANTIATE_TEST_SUITE_P(Answers, NotAMethod, testing::Values(functionExpected, DISP_E_MEMBERNOTFOUND));
+INSTANTIATE_TEST_SUITE_P(Answers, NotAMethod,
+                         testing::Values(functionExpected, DISP_E_MEMBERNOTFOUND, E_FAIL));
+
+TEST_F(Imported, AMethodThatFailsIsNotRunAgain) {
+  foreign.manners = [](DISPPARAMS&, WORD, VARIANT*, EXCEPINFO*) { return E_FAIL; };
+  EXPECT_THROW(automation::get(*object, u"Key", {automation::byVal(std::int16_t{0})}), AutomationError);
+  EXPECT_EQ(foreign.calls.size(), 1u);
+}
 
 TEST_F(Imported, APutNamesItsValue) {
   automation::put(*object, u"Key", std::u16string(u"12"));

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <utility>
+
 #include "platform/windows/com/apartment.h"
 
 namespace vordane::test {
@@ -28,6 +30,21 @@ Value field(Field& value, bool put, std::span<Argument> arguments) {
   if (!put) return value;
   value = std::get<Field>(arguments[0].value);
   return {};
+}
+
+// The call that the process makes by itself, from its message loop.
+struct LaterCall {
+  automation::ObjectRef host;
+  std::u16string member;
+} later;
+
+void CALLBACK callLater(HWND, UINT, UINT_PTR timer, DWORD) {
+  KillTimer(nullptr, timer);
+  const LaterCall now = std::exchange(later, {});
+  try {
+    automation::call(*now.host, now.member);
+  } catch (const automation::AutomationError&) {
+  }
 }
 
 }  // namespace
@@ -103,6 +120,10 @@ Value Probe::method(ProbeMember member, std::span<Argument> arguments) {
     case ProbeMember::watch:
       host = automation::toObject(arguments[0].value);
       process_->watchHost(*this, host);
+      return {};
+    case ProbeMember::callHostLater:
+      later = {host, automation::toText(arguments[0].value)};
+      SetTimer(nullptr, 0, 20, callLater);
       return {};
     default:
       return {};

@@ -41,6 +41,7 @@ constexpr Member probeMembers[] = {
     {u"LetGo", 19, MemberKind::method, Type::none},
     {u"Hold", 20, MemberKind::method, Type::none, object},
     {u"Watch", 21, MemberKind::method, Type::none, object},
+    {u"CallHostLater", 22, MemberKind::method, Type::none, name},
 };
 
 constexpr Member bagMembers[] = {

@@ -32,6 +32,7 @@ enum class ProbeMember : std::size_t {
   letGo,
   hold,
   watch,
+  callHostLater,
 };
 
 }  // namespace vordane::test

@@ -77,11 +77,13 @@ Apartment::Apartment() {
   setProcessOptions();
   // The workstation's own access rules, nothing for everyone: what an unnamed application gets.
   CoInitializeSecurity(nullptr, -1, nullptr, nullptr, 0, 0, nullptr, EOAC_APPID, nullptr);
+  kept_ = std::make_unique<KeptInterfaces>();
 }
 
 Apartment::~Apartment() {
   if (filter_) CoRegisterMessageFilter(nullptr, nullptr);
   filter_ = nullptr;
+  kept_ = nullptr;
   CoUninitialize();
 }
 

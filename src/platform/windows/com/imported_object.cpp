@@ -17,6 +17,14 @@ using automation::CallKind;
 // What another program's object answers when it is called as a method but is a property, or the other way.
 constexpr HRESULT functionExpected = static_cast<HRESULT>(0x800A138A);
 
+// A plain value that is asked for as a method or a value: it is to be asked for as a value alone. Wine's
+// script engine says no more than E_FAIL then; a method with arguments that fails so has run and must not run
+// again.
+bool isPlainValue(const AutomationError& failure, bool hasArguments) {
+  return failure.code() == functionExpected || failure.code() == DISP_E_MEMBERNOTFOUND ||
+         (failure.code() == E_FAIL && !hasArguments);
+}
+
 // One argument on its way out: the value, and the VARIANT that is passed (the value, or a reference to it).
 struct Outgoing {
   Variant value;
@@ -138,8 +146,7 @@ automation::Value ImportedObject::invoke(std::u16string_view member, CallKind ki
   try {
     return invokeEitherWay(id, static_cast<WORD>(kind), arguments);
   } catch (const AutomationError& failure) {
-    const bool notAMethod = failure.code() == functionExpected || failure.code() == DISP_E_MEMBERNOTFOUND;
-    if (kind != CallKind::methodOrGet || !notAMethod) throw;
+    if (kind != CallKind::methodOrGet || !isPlainValue(failure, !arguments.empty())) throw;
     return invokeEitherWay(id, DISPATCH_PROPERTYGET, arguments);
   }
 }

@@ -10,6 +10,7 @@
 namespace vordane::window::win32 {
 
 inline constexpr wchar_t windowClassName[] = L"VordaneWindow";
+inline constexpr wchar_t helpClassName[] = L"VordaneHelp";  // the pop-up that explains a control
 
 enum Id : int {
   idNone = 0,

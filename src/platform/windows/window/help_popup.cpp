@@ -1,12 +1,12 @@
 #include "platform/windows/window/help_popup.h"
 
+#include "platform/windows/window/children.h"
 #include "platform/windows/window/geometry.h"
 #include "platform/windows/window/parts_paint.h"
 
 namespace vordane::window::win32 {
 namespace {
 
-constexpr wchar_t className[] = L"VordaneHelp";
 constexpr int padding = 9, widest = 340;
 constexpr UINT wrapped = DT_WORDBREAK | DT_NOPREFIX;
 
@@ -17,7 +17,7 @@ void registerOnce(WNDPROC procedure) {
   type.lpfnWndProc = procedure;
   type.hInstance = GetModuleHandleW(nullptr);
   type.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-  type.lpszClassName = className;
+  type.lpszClassName = helpClassName;
   RegisterClassExW(&type);
 }
 
@@ -44,7 +44,7 @@ void HelpPopup::show(HWND owner, HWND beside, const std::u16string& help, HFONT 
   RECT place{anchor.left, anchor.bottom + scaled(3, dpi_), anchor.left + width(box),
              anchor.bottom + scaled(3, dpi_) + height(box)};
   place = pulledBack(place, workAreas(), height(box), width(box));
-  window_ = CreateWindowExW(WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE | WS_EX_TOPMOST, className, wide(help_),
+  window_ = CreateWindowExW(WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE | WS_EX_TOPMOST, helpClassName, wide(help_),
                             WS_POPUP, place.left, place.top, width(place), height(place), owner, nullptr,
                             GetModuleHandleW(nullptr), this);
   ShowWindow(window_, SW_SHOWNOACTIVATE);
