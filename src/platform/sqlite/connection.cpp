@@ -255,6 +255,16 @@ void Connection::progress() noexcept {
   }
 }
 
+ReadScope::ReadScope(Connection& connection) {
+  if (connection.inTransaction()) return;
+  connection.run("BEGIN");
+  connection_ = &connection;
+}
+
+ReadScope::~ReadScope() {
+  if (connection_ != nullptr) connection_->rollback();
+}
+
 WriteScope::WriteScope(Connection& connection)
     : connection_(connection), nested_(connection.inTransaction() || connection.inBatch_) {
   if (!connection.inTransaction()) connection.begin();

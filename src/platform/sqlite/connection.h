@@ -112,6 +112,19 @@ class Connection {
   Statement savepoint_, release_, rollbackTo_;
 };
 
+// Many small statements that only read: what they read stays the same meanwhile, and the file's locks are
+// taken once. Nothing may be written while it lives.
+class ReadScope {
+ public:
+  explicit ReadScope(Connection& connection);
+  ~ReadScope();
+  ReadScope(const ReadScope&) = delete;
+  ReadScope& operator=(const ReadScope&) = delete;
+
+ private:
+  Connection* connection_ = nullptr;  // null: a transaction was open already
+};
+
 // One step that writes. Outside a batch it is a transaction of its own; `done` makes it last, and without it
 // nothing of it stays.
 class WriteScope {

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "platform/sqlite/connection.h"
+#include "platform/sqlite/fault_orders.h"
 
 namespace vordane::sqlite {
 
@@ -23,8 +24,6 @@ namespace vordane::sqlite {
 struct FaultFields {
   std::optional<std::u16string_view> fault, alarm, cpu, date, description;
 };
-
-enum class FaultOrder { fault, alarm, date, cpu, description };
 
 class FaultIndex {
  public:
@@ -78,6 +77,7 @@ class FaultIndex {
   Newest newest_;
   Statement state_, same_, insert_, remove_, read_;
   std::string key_;  // kept for its room
+  Collecting collecting_;
 };
 
 }  // namespace vordane::sqlite

@@ -119,6 +119,12 @@ void appendSortKey(std::u16string_view text, std::string& key) {
   }
 }
 
+void appendField(std::optional<std::u16string_view> text, std::string& key) {
+  if (!text) return;
+  key.push_back('\1');
+  appendSortKey(*text, key);
+}
+
 void FoldedHash::mix(std::uint64_t word) {
   state_ = (state_ ^ word) * 0xFF51AFD7ED558CCDU;
   state_ ^= state_ >> 32;
