@@ -8,6 +8,7 @@
 #include <exception>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -63,6 +64,16 @@ class RowList {
   // The columns of row `position`, in the order of `columns` as they were given to openRowList; nothing
   // when the row has gone since.
   virtual bool fetch(std::size_t position, std::vector<Value>& out) = 0;
+
+  // The first row from `first` on, round the end once, that has `needle` in the text of any column, case not
+  // regarded; numbers count as their decimal text. `needle` is in lower case and not empty; `progress` may be
+  // empty and is called now and then with the number of rows looked at.
+  using Progress = std::function<void(std::size_t done)>;
+  virtual std::optional<std::size_t> find(std::u16string_view needle, std::size_t first,
+                                          const Progress& progress);
+
+ protected:
+  static constexpr std::size_t rowsBetweenProgress = 1024;
 };
 
 class Database {

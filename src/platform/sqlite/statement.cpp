@@ -109,6 +109,10 @@ bool Statement::isNull(int column) const {
   return sqlite3_column_type(handle_.get(), column) == SQLITE_NULL;
 }
 
+bool Statement::isText(int column) const {
+  return sqlite3_column_type(handle_.get(), column) == SQLITE_TEXT;
+}
+
 std::optional<std::u16string_view> Statement::textIfAny(int column, std::u16string& copy) const {
   if (isNull(column)) return std::nullopt;
   const void* const characters = sqlite3_column_text16(handle_.get(), column);

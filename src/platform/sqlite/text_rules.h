@@ -21,6 +21,16 @@ void appendSortKey(std::u16string_view text, std::string& key);
 // The same for a column: nothing for Null, which sorts first.
 void appendField(std::optional<std::u16string_view> text, std::string& key);
 
+// Looks for one text, given in lower case, in others, case not regarded.
+class FoldedNeedle {
+ public:
+  explicit FoldedNeedle(std::u16string_view needle) : needle_(needle) {}
+  bool isIn(std::u16string_view text);
+
+ private:
+  std::u16string needle_, folded_;  // `folded_` is kept for its room
+};
+
 // A 64-bit hash that equal texts share, the same on every system.
 class FoldedHash {
  public:
