@@ -48,16 +48,11 @@ constexpr Member members[] = {
     {u"Clear", 25, MemberKind::method, Type::none},
 };
 
-constexpr std::size_t positionOf(std::u16string_view name) {
-  for (std::size_t i = 0; i < std::size(members); ++i)
-    if (members[i].name == name) return i;
-  throw "no such member";
-}
-constexpr std::size_t objectId = positionOf(u"ObjectID");
-constexpr std::size_t count = positionOf(u"Count");
-constexpr std::size_t firstColumn = positionOf(u"CMD");
-constexpr std::size_t add = positionOf(u"AddToList");
-constexpr std::size_t clear = positionOf(u"Clear");
+constexpr std::size_t objectId = automation::positionOf(members, u"ObjectID");
+constexpr std::size_t count = automation::positionOf(members, u"Count");
+constexpr std::size_t firstColumn = automation::positionOf(members, u"CMD");
+constexpr std::size_t add = automation::positionOf(members, u"AddToList");
+constexpr std::size_t clear = automation::positionOf(members, u"Clear");
 static_assert(add == firstColumn + cListRequest::columnCount);
 
 using Record = cListRequest;

@@ -47,16 +47,11 @@ constexpr pbx::Field<Record> fields[] = {
     std::monostate{},     &Record::ErrCount, &Record::ErrCode,
 };
 
-constexpr std::size_t positionOf(std::u16string_view name) {
-  for (std::size_t i = 0; i < std::size(members); ++i)
-    if (members[i].name == name) return i;
-  throw "no such member";
-}
-constexpr std::size_t objectId = positionOf(u"ObjectID");
-constexpr std::size_t fileCount = positionOf(u"FileCount");
-constexpr std::size_t name = positionOf(u"FileName");
-constexpr std::size_t add = positionOf(u"AddFileName");
-constexpr std::size_t clear = positionOf(u"Clear");
+constexpr std::size_t objectId = automation::positionOf(members, u"ObjectID");
+constexpr std::size_t fileCount = automation::positionOf(members, u"FileCount");
+constexpr std::size_t name = automation::positionOf(members, u"FileName");
+constexpr std::size_t add = automation::positionOf(members, u"AddFileName");
+constexpr std::size_t clear = automation::positionOf(members, u"Clear");
 static_assert(std::size(fields) == name);
 
 }  // namespace

@@ -26,7 +26,7 @@ struct Member {
   std::u16string_view name;
   std::int32_t dispid;
   MemberKind kind;
-  Type type;  // the result, or the property's type
+  Type type;                                   // the result, or the property's type
   std::span<const Parameter> parameters = {};  // a property's are its indexes
 };
 
@@ -38,6 +38,13 @@ struct ClassTable {
   std::string_view iid;             // empty: outside the type library, without type information
   std::span<const Member> members;  // in type-library order
 };
+
+// Position of a member that the class itself names, found while compiling: a wrong name does not compile.
+consteval std::size_t positionOf(std::span<const Member> members, std::u16string_view name) {
+  for (std::size_t i = 0; i < members.size(); ++i)
+    if (members[i].name == name) return i;
+  throw "no such member";
+}
 
 // Position in the table, without regard to case; -1 for an unknown name.
 int findMember(const ClassTable& table, std::u16string_view name);

@@ -43,6 +43,7 @@ std::int16_t dlgFaultDisplay::RunSchedule() {
   iteration_ = 0;
   state().runMode = RunMode::scheduledRun;
   state().busy = true;
+  store_.showButtonStates();
   enableTimer(99);
   return 0;
 }

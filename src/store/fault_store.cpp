@@ -147,7 +147,7 @@ void FaultStore::DisplayAlarm() {
 }
 
 void FaultStore::showButtonStates() {
-  const bool usable = grid_.size() != 0 && form_.state().runMode != RunMode::creatingSchedule;
+  const bool usable = grid_.size() != 0 && form_.state().runMode == RunMode::interactive;
   for (const auto name : faultButtons) form_.form().control(name).set(u"Enabled", usable);
 }
 
@@ -246,7 +246,7 @@ void FaultStore::showRows() {
 
 void FaultStore::showCount() {
   const auto rows = text::decimal(static_cast<std::int64_t>(grid_.size()));
-  form_.view().setStatus(countPart, fillText(messageText(form_.state(), message::statusFaultCount), {rows}));
+  form_.view().setStatus(window::countPart, fillText(messageText(form_.state(), message::statusFaultCount), {rows}));
 }
 
 void FaultStore::showNotice() {

@@ -42,8 +42,9 @@ class FaultStore {
   void exchangeListClicked();       // a choice in drpPBXList; nothing while the list is being filled
   void headingClicked(int column);  // throws std::out_of_range outside 0-5
   void DisplayAlarm();              // paints the lamps of the exchange shown; reports no missing database
-  void showButtonStates();          // print, clear, look up and reset follow the empty grid
-  void showNotice();                // what stands in the place of an empty grid while nothing is waited for
+  // Print, clear, look up and reset follow the empty grid; the host's scheduler keeps them dead.
+  void showButtonStates();
+  void showNotice();  // what stands in the place of an empty grid while nothing is waited for
   // The next row holding `text` after `after` (-1: from the first), round the end once.
   std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t after);
 

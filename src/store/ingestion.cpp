@@ -147,13 +147,30 @@ void Ingestion::add(database::Recordset& faults, std::int16_t exchangeId, const 
   faults.update();
 }
 
+std::u16string doubled(char16_t quote, std::u16string_view text) {
+  std::u16string result;
+  for (const char16_t character : text) result.append(character == quote ? 2 : 1, character);
+  return result;
+}
+
+// FindSameFault escapes nothing, so it can't find what was stored with a quote in it. The account must.
+bool isStored(database::Database& database, std::int16_t exchangeId, const Fault& fault) {
+  const std::u16string kind = doubled(u'\'', faultKind(fault.record)),
+                       alarm = doubled(u'\'', alarmClass(fault.record)),
+                       cpu = doubled(u'\'', processor(fault.record)), date = doubled(u'\'', fault.date),
+                       description = doubled(u'"', fault.description);
+  const auto same = database.openRecordset(findFault(exchangeId, {kind, alarm, cpu, date, description}));
+  const bool stored = same->recordCount() > 0;
+  same->close();
+  return stored;
+}
+
 void Ingestion::countAgain(database::Database& database, std::int16_t exchangeId, std::u16string error) {
   error_ = std::move(error);
   std::size_t group = 0;
   const auto failure = trap([&] {
     for (; group < outcomes_.size() && outcomes_[group] != Outcome::refused; ++group) {
-      const Fault known = fault(static_cast<std::int32_t>(group));
-      if (FindSameFault(exchangeId, database, known.record, known.date, known.description))
+      if (!isStored(database, exchangeId, fault(static_cast<std::int32_t>(group))))
         outcomes_[group] = Outcome::refused;
     }
   });
@@ -225,7 +242,7 @@ void FaultStore::IngestFaultList() {
 
 void FaultStore::tellAccount(const ListAccount& account) {
   account_ = account;
-  form_.view().setStatus(accountPart, statusText(form_.state(), account));
+  form_.view().setStatus(window::accountPart, statusText(form_.state(), account));
   form_.listTaken(account);
 }
 

@@ -1,10 +1,10 @@
 #!/bin/bash
-# vordane-tools decode, byte for byte. Arguments: the program that makes databases, then vordane-tools and
-# what it is started with.
+# vordane-tools decode, byte for byte. Arguments: the program that makes databases, then vordane-tools. Windows
+# programs are started under Wine.
 set -u
-make_database=$1
-shift
-tool=("$@")
+make_database=("$1")
+tool=("$2")
+case "$2" in *.exe) make_database=(wine "$1") tool=(wine "$2") ;; esac
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 failed=0
@@ -116,7 +116,7 @@ refuse 'another list is only mentioned' 0 'other.tsv:1: "drpOther"' --messages "
     echo "INSERT INTO tComboBoxDT VALUES ('dlgOther', 'cboFK09', -1, $i, 'other', 0, 0);"
   done
   echo "COMMIT;"
-} | "$make_database" "$work/VORDANE.LNG" || failed=1
+} | "${make_database[@]}" "$work/VORDANE.LNG" || failed=1
 
 language() { "${tool[@]}" decode --language "$work/VORDANE.LNG" "$@"; }
 printf '03\t01\n03\t09\n21\t05\n09\t01\n08\tC5\n' > "$work/input"
@@ -128,7 +128,7 @@ refuse 'no such language' 1 "$work/none.LNG" --language "$work/none.LNG"
 refuse 'a language that is none' 1 "$work/messages.tsv" --language "$work/messages.tsv"
 printf '\0\1\0\0Standard Jet DB\0' > "$work/access.LNG"
 refuse 'an Access file' 1 'has to be imported first' --language "$work/access.LNG"
-echo 'CREATE TABLE tMessages (ID INTEGER PRIMARY KEY, Caption TEXT);' | "$make_database" "$work/half.LNG"
+echo 'CREATE TABLE tMessages (ID INTEGER PRIMARY KEY, Caption TEXT);' | "${make_database[@]}" "$work/half.LNG"
 refuse 'a language without lists' 1 "$work/half.LNG" --language "$work/half.LNG"
 
 if [ -e /dev/full ]; then

@@ -61,7 +61,12 @@ TEST(ControlFont, AnEmptyNameKeepsTheFaceAndASizeMustBeAboveZero) {
   EXPECT_EQ(label.text(u"Font.Name"), u"Arial");
   EXPECT_EQ(automation::toDouble(label.get(u"FontSize")), 12);
   EXPECT_THROW(language::setControlFont(label, u"Tahoma", 0), window::PropertyError);
+  EXPECT_EQ(label.text(u"Font.Name"), u"Tahoma") << "set before the size";
+  EXPECT_EQ(automation::toDouble(label.get(u"FontSize")), 12);
+  EXPECT_EQ(label.number(u"Font.Charset"), 204) << "of the first call; the failing ones end before theirs";
   EXPECT_THROW(language::setControlFont(label, u"Tahoma", -1), window::PropertyError);
+  EXPECT_THROW(language::setControlFont(label, u"Verdana", automation::Null{}), automation::AutomationError);
+  EXPECT_EQ(label.text(u"Font.Name"), u"Verdana");
 }
 
 TEST(ControlFont, AControlWithoutTheFontFails) {

@@ -180,6 +180,19 @@ TEST_F(Schedule, TheUsersButtonsAreDeadInARun) {
   EXPECT_EQ(view.timer, 0);
 }
 
+// Looking up has no action that could be ignored, so its button itself is dead.
+TEST_F(ScheduledRuns, LookingUpIsDeadInARunToo) {
+  startWithHost();
+  press(0);
+  fetchOnce();
+  const window::Control& lookUp = form().form().control(u"cmdLookUp");
+  ASSERT_TRUE(lookUp.flag(u"Enabled"));
+  runSchedule(u"3");
+  EXPECT_FALSE(lookUp.flag(u"Enabled"));
+  fetchOnce();
+  EXPECT_FALSE(lookUp.flag(u"Enabled"));
+}
+
 TEST_F(Schedule, RunScheduleTellsBusyAndErrors) {
   startWithHost();
   pressAndTick(0);

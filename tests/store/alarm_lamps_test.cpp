@@ -176,6 +176,18 @@ TEST_F(LampsTest, AreWhiteForANameThatIsNotStored) {
   store.DisplayAlarm();
   EXPECT_EQ(colour(u"lblMJ", u"BackColor"), 16777215);
   EXPECT_EQ(colour(u"lblMN", u"BackColor"), 16777215);
+  EXPECT_EQ(form.trace, Lines{});
+}
+
+TEST_F(LampsTest, AreWhiteWithoutADatabase) {
+  addExchange(u"PBX-1", u"2021-01-01 00:00:00", true, true);
+  store.RefreshDisplay();
+  ASSERT_EQ(colour(u"lblMJ", u"BackColor"), 255);
+  auto kept = std::move(form.database);
+  store.DisplayAlarm();
+  EXPECT_EQ(colour(u"lblMJ", u"BackColor"), 16777215);
+  EXPECT_EQ(colour(u"lblMN", u"BackColor"), 16777215);
+  form.database = std::move(kept);
 }
 
 TEST_F(LampsTest, AreWhiteWithoutAChosenExchange) {

@@ -347,11 +347,13 @@ TEST_F(DisplayTest, AnErrorShowsOneBoxAndLeavesGridAndLampsEmpty) {
 TEST_F(DisplayTest, ANameThatBreaksAStatementShowsOneBox) {
   addExchange(u"O'Hara", u"2020-01-01 00:00:00");
   store.setExchangeName(u"O'Hara");
+  EXPECT_EQ(store.exchangeId(), 1);
   ASSERT_EQ(form.trace.size(), 1U);
   EXPECT_THAT(form.trace[0], testing::StartsWith("Box 102 "));
   form.takeTrace();
   store.setExchangeName(u"a\"b");
   ASSERT_EQ(form.trace.size(), 1U);
+  EXPECT_EQ(store.exchangeId(), 0) << "a name that can't be looked up has no row";
 }
 
 TEST_F(DisplayTest, ASortThatFailedStillTurnsTheDirection) {

@@ -213,6 +213,24 @@ TEST_F(IngestionTest, ADoubleQuoteInAFaultStopsTheList) {
   EXPECT_EQ(shown(&window::GridRow::fault), Texts{u"01"});
 }
 
+// A doubled quote reads as one in the look-up, so what was stored is never found again.
+TEST_F(IngestionTest, AFaultWithADoubledQuoteIsStoredAtEveryFetch) {
+  form.receive(u"02 MJ MP", u"2026/11/20 20:58", u"\"\"");
+  ingest();
+  ingest();
+  EXPECT_EQ(form.trace, (Lines{"Account 1=1+0+0", "Acknowledge", "Account 1=1+0+0", "Acknowledge"}));
+  EXPECT_EQ(stored(u"Description"), Texts(2, u"M15\r\n\r\nData [\"\" ]"));
+}
+
+TEST_F(IngestionTest, CountsAStoredFaultWithADoubledQuoteAsStored) {
+  form.receive(u"02 MJ MP", u"2026/11/20 20:58", u"\"\"");
+  form.receive(u"'' MJ MP", u"2026/11/20 20:58", u"01");
+  form.receive(u"02 MJ MP", u"2026/11/20 20:59", u"\"");
+  ingest();
+  EXPECT_EQ(form.trace[0], "Account 3=2+0+1 incomplete");
+  EXPECT_EQ(stored(u"Fault").size(), 2U);
+}
+
 TEST_F(IngestionTest, ADoubleQuoteInAnExchangeNameStoresNothing) {
   form.exchange = u"PBX\"1";
   form.receive(u"01 MJ MP", u"2026/11/20 20:58", u"01");

@@ -24,6 +24,9 @@ done
 for face in 'Consolas' 'Courier New' 'Cascadia Mono'; do replace "$face" 'DejaVu Sans Mono'; done
 for face in 'Yu Gothic UI' 'Meiryo' 'Meiryo UI' 'MS UI Gothic' 'MS PGothic'; do replace "$face" 'VL PGothic'; done
 for face in 'MS Gothic' 'Yu Gothic'; do replace "$face" 'VL Gothic'; done
+# Message boxes stay in the system's own face, whatever their language: it borrows the letters it lacks.
+timeout 60 wine reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink' /v 'DejaVu Sans' \
+  /t REG_MULTI_SZ /d 'VL-PGothic-Regular.ttf,VL PGothic' /f >/dev/null 2>&1
 timeout 60 wineserver -w || timeout 20 wineserver -k
 [ -f "$prefix/system.reg" ] || { echo "the Wine prefix $prefix could not be made" >&2; exit 1; }
 touch "$prefix/.vordane-ready"

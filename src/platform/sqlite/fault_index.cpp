@@ -326,9 +326,11 @@ void FaultIndex::changed(std::int64_t count) {
 }
 
 void FaultIndex::removeExchange(std::int64_t id) {
+  // The row itself decides: a damaged entry must not take another exchange's fault along.
   Statement rows(
       connection_,
-      "DELETE FROM FaultDisplay WHERE Count IN (SELECT Count FROM VordaneFaultIndex WHERE ID = ?)");
+      "DELETE FROM FaultDisplay WHERE Count IN (SELECT Count FROM VordaneFaultIndex WHERE ID = ?1) "
+      "AND ID = ?1");
   rows.bind(1, id);
   rows.run();
   Statement entries(connection_, "DELETE FROM VordaneFaultIndex WHERE ID = ?");
