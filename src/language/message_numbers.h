@@ -102,7 +102,11 @@ inline constexpr std::size_t sortedAscending = 222;
 inline constexpr std::size_t sortedDescending = 223;
 inline constexpr std::size_t noHelpText = 224;  // a control without a help text
 
-inline constexpr std::size_t count = 225;  // of all texts
+// The same steps with {1} done, {2} of.
+inline constexpr std::size_t noticeReadingOf = 225;
+inline constexpr std::size_t noticeDeleting = 226;
+
+inline constexpr std::size_t count = 227;  // of all texts
 
 }  // namespace vordane::message
 

@@ -91,8 +91,10 @@ class Database {
   virtual void checkpoint() = 0;
   virtual void endBatch() = 0;
 
-  // Called from inside long steps (now and then, never inside a short one); may only paint.
-  virtual void setProgress(std::function<void()> progress) = 0;
+  // Called from inside long steps (now and then, never inside a short one); may only paint. `of` is 0 where
+  // the engine doesn't know how much there is to do.
+  using Progress = std::function<void(std::size_t done, std::size_t of)>;
+  virtual void setProgress(Progress progress) = 0;
 
   // Lets go of the file before this object goes, as soon as no recordset or row list of it is left; a step
   // that still waits further down the stack finds the object, and an error (3420). Closing again does nothing.

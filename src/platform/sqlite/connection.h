@@ -84,8 +84,9 @@ class Connection {
   // Between two steps of a batch: its transaction must be open before something is looked for.
   void beforeRead();
 
-  void setProgress(std::function<void()> progress);
-  void progress() noexcept;
+  void setProgress(database::Database::Progress progress);
+  // How far a long step is, from where that is known.
+  void progress(std::size_t done, std::size_t of) noexcept;
 
  private:
   friend class WriteScope;
@@ -94,6 +95,7 @@ class Connection {
   void finishReaders();
   void commitIfDue();
   bool wait(int tries) noexcept;
+  void progress() noexcept;
   void checkFreePages();
   std::int64_t pragma(const char* sql);
 
@@ -110,7 +112,8 @@ class Connection {
   std::chrono::steady_clock::time_point waitingSince_;
   std::unordered_map<std::u16string, std::unique_ptr<Table>> tables_;
   std::vector<Reader*> readers_;
-  std::function<void()> progress_;
+  database::Database::Progress progress_;
+  std::size_t done_ = 0, of_ = 0;
   std::unique_ptr<FaultIndex> faults_;
   Statement savepoint_, release_, rollbackTo_;
 };

@@ -128,8 +128,11 @@ void DescriptionOrder::setKey(std::uint32_t fault, const Texts& texts) {
 }
 
 void DescriptionOrder::makeKeys() {
-  for (std::uint32_t begin = 0; begin < counts_.size(); begin += readTogether)
-    makeKeys(begin, std::min(begin + readTogether, static_cast<std::uint32_t>(counts_.size())));
+  const auto size = static_cast<std::uint32_t>(counts_.size());
+  for (std::uint32_t begin = 0; begin < size; begin += readTogether) {
+    makeKeys(begin, std::min(begin + readTogether, size));
+    connection_.progress(begin, size);
+  }
   std::size_t placeCount = 0;
   kindPlaces_ = kinds_.places(FaultOrder::fault, placeCount);
   samples_ = {};
@@ -182,7 +185,7 @@ void DescriptionOrder::sortClasses() {
   for (std::uint64_t number = 0; number < classCount; ++number) {
     sortClass(number, order_.begin() + begin, order_.begin() + ends[number]);
     begin = ends[number];
-    connection_.progress();
+    connection_.progress(counts_.size(), counts_.size());
   }
 }
 

@@ -326,18 +326,31 @@ void FaultIndex::changed(std::int64_t count) {
 }
 
 void FaultIndex::removeExchange(std::int64_t id) {
-  // The row itself decides: a damaged entry must not take another exchange's fault along.
-  Statement rows(
-      connection_,
-      "DELETE FROM FaultDisplay WHERE Count IN (SELECT Count FROM VordaneFaultIndex WHERE ID = ?1) "
-      "AND ID = ?1");
-  rows.bind(1, id);
-  rows.run();
+  Statement all(connection_, "SELECT count(*) FROM VordaneFaultIndex WHERE ID = ?");
+  all.bind(1, id);
+  all.step();
+  const auto of = static_cast<std::size_t>(all.integer(0));
+  all.reset();
+  removeRows(id, of);
   Statement entries(connection_, "DELETE FROM VordaneFaultIndex WHERE ID = ?");
   entries.bind(1, id);
   entries.run();
   newest_.known = false;
   newestChanged_ = true;
+}
+
+// One by one, so that it can be told how far it is.
+void FaultIndex::removeRows(std::int64_t id, std::size_t of) {
+  constexpr std::size_t rowsBetweenProgress = 1024;
+  Statement rows(connection_, "SELECT Count FROM VordaneFaultIndex WHERE ID = ?");
+  Statement row(connection_, "DELETE FROM FaultDisplay WHERE Count = ?");
+  rows.bind(1, id);
+  for (std::size_t done = 0; rows.step(); ++done) {
+    if (done % rowsBetweenProgress == 0) connection_.progress(done, of);
+    row.bind(1, rows.integer(0));
+    row.run();
+  }
+  rows.reset();
 }
 
 void FaultIndex::beforeCommit() {

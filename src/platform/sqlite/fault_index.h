@@ -67,6 +67,7 @@ class FaultIndex {
   void create();
   void rebuild();
   void findNewest();
+  void removeRows(std::int64_t id, std::size_t of);
   Statement& prepared(Statement& statement, const char* sql);
 
   Connection& connection_;
