@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <ctime>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,6 +20,20 @@ double seconds(Work&& work) {
   const auto begin = std::chrono::steady_clock::now();
   work();
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+// The time the processor worked for this process, not what others had of it meanwhile: for work that waits for
+// nobody, on machines that are never quiet.
+template <class Work>
+double processorSeconds(Work&& work) {
+  const auto now = [] {
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+  };
+  const double begin = now();
+  work();
+  return now() - begin;
 }
 
 inline double median(std::vector<double> values) {

@@ -1,15 +1,14 @@
 // How fast fault records become descriptions, against the least that could be done: appending the same
 // characters from pieces that lie ready. Prints the ratio of the two rates, measured one after the other in
 // the same process: the share of a perfect decoder's speed. Texts have the lengths that real ones have.
-#include <algorithm>
-#include <array>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "common/measure.h"
+#include "common/texts.h"
 #include "faults/cFaultDisplay.h"
 #include "faults/kind_table.h"
 #include "faults/random_records.h"
@@ -17,29 +16,8 @@
 namespace vordane::faults {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 constexpr int recordCount = 1060;  // few enough to stay in the cache: memory is not what is measured
 constexpr int runs = 9;
-
-std::u16string words(std::size_t length) {
-  constexpr std::u16string_view some = u"line trunk station processor failure restart number equipped ";
-  std::u16string text;
-  while (text.size() < length) text += some.substr(0, std::min(some.size(), length - text.size()));
-  return text;
-}
-
-FaultTextTable texts() {
-  FaultTextTable table;
-  for (int number = 0; number <= 164; ++number)
-    table.setMessage(number, words(8 + static_cast<std::size_t>(number) % 25));
-  table.setMessage(6, u"[");
-  table.setMessage(7, u"]");
-  for (const FaultKind& row : faultKinds)
-    for (int code = 0; row.list != noList && code < 17; ++code)
-      table.addItem(row.list, words(10 + static_cast<std::size_t>(code)));
-  return table;
-}
 
 // The same number of records of each kind, and of unknown ones, in no order.
 std::vector<RandomRecord> records() {
@@ -83,39 +61,21 @@ class ReadyPieces {
   std::vector<std::size_t> ends_;
 };
 
-template <class Work>
-double seconds(Work work) {
-  const auto begin = Clock::now();
-  work();
-  return std::chrono::duration<double>(Clock::now() - begin).count();
-}
-
-double median(std::vector<double>& values) {
-  std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2),
-                   values.end());
-  return values[values.size() / 2];
-}
-
-struct Measured {
-  double ratio, decodeNanoseconds, appendNanoseconds;
-};
-
 class Bench {
  public:
   // Turn about, and the median of many short turns, so that a disturbed moment counts for neither.
-  Measured measure() {
+  void measure(bench::Comparison& comparison) {
     constexpr std::size_t turns = 301;
     std::vector<double> decodeTimes, appendTimes;
     for (std::size_t i = 0; i < turns; ++i) {
       std::size_t decoded = 0, appended = 0;
-      decodeTimes.push_back(seconds([&] { decoded = decodeAll(); }));
-      appendTimes.push_back(seconds([&] { appended = ready_.appendAll(result_); }));
+      decodeTimes.push_back(bench::seconds([&] { decoded = decodeAll(); }));
+      appendTimes.push_back(bench::seconds([&] { appended = ready_.appendAll(result_); }));
       if (decoded == appended) continue;
       std::fputs("the baseline does not write what the decoder writes\n", stderr);
       std::exit(1);
     }
-    const double decodeTime = median(decodeTimes), appendTime = median(appendTimes);
-    return {appendTime / decodeTime, decodeTime * 1e9 / recordCount, appendTime * 1e9 / recordCount};
+    comparison.add(bench::median(decodeTimes), bench::median(appendTimes));
   }
 
  private:
@@ -129,32 +89,24 @@ class Bench {
   }
 
   const bool wide_ = true;
-  const FaultTextTable texts_ = texts();
+  const FaultTextTable texts_ = bench::decoderTexts();
   const cFaultDisplay display_{texts_, wide_};
   const std::vector<RandomRecord> records_ = records();
   const ReadyPieces ready_{display_, records_};
   std::u16string result_;
 };
 
-int run() {
-  Bench bench;
-  bench.measure();  // warms caches up
-  std::array<Measured, runs> measured;
-  for (Measured& one : measured) one = bench.measure();
-  std::sort(measured.begin(), measured.end(),
-            [](const Measured& a, const Measured& b) { return a.ratio < b.ratio; });
-  const Measured& middle = measured[runs / 2];
-  std::printf("decode: %d runs of %d records, every kind alike\n", runs, recordCount);
-  std::printf("  ratio to appending ready pieces: min %.2f, median %.2f, max %.2f (goal: at least 0.50)\n",
-              measured.front().ratio, middle.ratio, measured.back().ratio);
-  std::printf("  median run: decode %.0f ns a record, append %.0f ns\n", middle.decodeNanoseconds,
-              middle.appendNanoseconds);
-  return 0;
-}
-
 }  // namespace
 }  // namespace vordane::faults
 
 int main() {
-  return vordane::faults::run();
+  using namespace vordane;
+  faults::Bench decoding;
+  bench::Comparison warm("", "", bench::noGoal);
+  decoding.measure(warm);
+  bench::Comparison comparison("decode a fault, every kind alike", "appending the ready-made pieces",
+                               bench::rateAtLeast(0.5));
+  for (int run = 0; run < faults::runs; ++run) decoding.measure(comparison);
+  bench::printHeading();
+  comparison.print(faults::recordCount);
 }

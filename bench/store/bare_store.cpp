@@ -138,6 +138,26 @@ std::vector<std::int64_t> BareStore::orderedKeys(std::int16_t id, const char* or
   return keysBy(std::string("SELECT Count FROM FaultDisplay WHERE ID = ? ORDER BY ") + order, id);
 }
 
+std::size_t BareStore::readAll(std::int16_t id) {
+  state_->run("BEGIN");
+  sqlite3_stmt* row =
+      prepare(state_->handle,
+              "SELECT Fault, Alarm, Date, CPU, Description, Count FROM FaultDisplay WHERE rowid = ?");
+  std::size_t bytes = 0;
+  for (const std::int64_t key : scanKeys(id)) {
+    sqlite3_bind_int64(row, 1, key);
+    sqlite3_step(row);
+    for (int column = 0; column < 5; ++column) {
+      sqlite3_column_text16(row, column);
+      bytes += static_cast<std::size_t>(sqlite3_column_bytes16(row, column));
+    }
+    sqlite3_reset(row);
+  }
+  sqlite3_finalize(row);
+  state_->run("COMMIT");
+  return bytes;
+}
+
 void BareStore::run(const char* sql) {
   state_->run(sql);
 }

@@ -34,6 +34,8 @@ class BareStore {
   std::vector<std::int64_t> scanKeys(std::int16_t id);
   // The keys of an exchange's rows in an order, by the engine's own sorting.
   std::vector<std::int64_t> orderedKeys(std::int16_t id, const char* order);
+  // Reads the columns of an exchange's rows, newest first, each by its key; returns the bytes of the texts.
+  std::size_t readAll(std::int16_t id);
   void deleteExchange(std::int16_t id);
   void run(const char* sql);
 

@@ -120,7 +120,11 @@ inline constexpr std::size_t statusAckFailed = 232;
 inline constexpr std::size_t statusResetFailed = 233;
 inline constexpr std::size_t runAckFailed = 234;  // {1} reason
 
-inline constexpr std::size_t count = 235;  // of all texts
+// Long steps with {1} done, {2} of.
+inline constexpr std::size_t noticeReadingOf = 235;
+inline constexpr std::size_t noticeDeleting = 236;
+
+inline constexpr std::size_t count = 237;  // of all texts
 
 }  // namespace vordane::message
 

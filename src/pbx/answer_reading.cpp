@@ -44,4 +44,15 @@ std::u16string readEntry(automation::Object& record, std::u16string_view member,
   return text.value_or(std::u16string{});
 }
 
+void copyEntries(automation::Object& record, std::int32_t count, cListRequest& copy,
+                 const std::function<bool()>& wanted) {
+  for (std::int32_t i = 0; i < count && wanted(); ++i) {
+    const auto cmd = readEntry(record, u"CMD", i);
+    const auto first = readEntry(record, u"FirstData", i);
+    const auto second = readEntry(record, u"SecondData", i);
+    copy.AddToList(cmd, first, second);
+    copy.set(cListRequest::Column::ExtraData, i, readEntry(record, u"ExtraData", i));
+  }
+}
+
 }  // namespace vordane::pbx

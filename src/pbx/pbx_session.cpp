@@ -297,21 +297,10 @@ bool PbxSession::copy(automation::Object& response) {
     const auto count = readLong(response, u"Count");
     if (!count) return false;
     truncated_ = *count > maximumEntries;
-    copyEntries(response, std::min(*count, maximumEntries));
+    copyEntries(response, std::min(*count, maximumEntries), copy_, [this] { return form_.alive(); });
     return true;
   } catch (const ServerGone&) {
     return false;
-  }
-}
-
-// A value that can't be read is empty at its place, so that groups of four stay together.
-void PbxSession::copyEntries(automation::Object& response, std::int32_t count) {
-  for (std::int32_t i = 0; i < count && form_.alive(); ++i) {
-    const auto cmd = readEntry(response, u"CMD", i);
-    const auto first = readEntry(response, u"FirstData", i);
-    const auto second = readEntry(response, u"SecondData", i);
-    copy_.AddToList(cmd, first, second);
-    copy_.set(cListRequest::Column::ExtraData, i, readEntry(response, u"ExtraData", i));
   }
 }
 

@@ -124,7 +124,6 @@ class PbxSession {
 
   bool isAnswer(const std::u16string& loginId) const;
   bool copy(automation::Object& response);
-  void copyEntries(automation::Object& response, std::int32_t count);
   Answer judge(automation::Object& response, bool copied);
   Answer take(automation::Object& response);
   void stopByLog(automation::Object& response, Answer& answer);

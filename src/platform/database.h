@@ -8,6 +8,7 @@
 #include <exception>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -63,6 +64,16 @@ class RowList {
   // The columns of row `position`, in the order of `columns` as they were given to openRowList; nothing
   // when the row has gone since.
   virtual bool fetch(std::size_t position, std::vector<Value>& out) = 0;
+
+  // The first row from `first` on, round the end once, that has `needle` in the text of any column, case not
+  // regarded; numbers count as their decimal text. `needle` is in lower case and not empty; `progress` may be
+  // empty and is called now and then with the number of rows looked at.
+  using Progress = std::function<void(std::size_t done)>;
+  virtual std::optional<std::size_t> find(std::u16string_view needle, std::size_t first,
+                                          const Progress& progress);
+
+ protected:
+  static constexpr std::size_t rowsBetweenProgress = 1024;
 };
 
 class Database {
@@ -80,8 +91,10 @@ class Database {
   virtual void checkpoint() = 0;
   virtual void endBatch() = 0;
 
-  // Called from inside long steps (now and then, never inside a short one); may only paint.
-  virtual void setProgress(std::function<void()> progress) = 0;
+  // Called from inside long steps (now and then, never inside a short one); may only paint. `of` is 0 where
+  // the engine doesn't know how much there is to do.
+  using Progress = std::function<void(std::size_t done, std::size_t of)>;
+  virtual void setProgress(Progress progress) = 0;
 
   // Lets go of the file before this object goes, as soon as no recordset or row list of it is left; a step
   // that still waits further down the stack finds the object, and an error (3420). Closing again does nothing.

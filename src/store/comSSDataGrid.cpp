@@ -11,20 +11,8 @@ namespace {
 
 // The message texts that stand around the data in every description.
 constexpr std::size_t dataHeading = 5, dataOpen = 6, dataClose = 7;
-constexpr std::size_t rowsBetweenProgress = 1024;
 
 enum Field : std::size_t { fault, alarm, date, cpu, description, count };
-
-// `needle` is folded and not empty.
-bool containsFolded(std::u16string_view text, std::u16string_view needle) {
-  const auto same = [](char16_t a, char16_t folded) { return text::lower(a) == folded; };
-  return std::search(text.begin(), text.end(), needle.begin(), needle.end(), same) != text.end();
-}
-
-bool holds(const database::Value& value, std::u16string_view needle) {
-  if (const auto* stored = std::get_if<std::u16string>(&value)) return containsFolded(*stored, needle);
-  return containsFolded(store::textOf(value), needle);
-}
 
 }  // namespace
 
@@ -111,14 +99,7 @@ std::optional<std::size_t> FaultRows::lookUp(std::u16string_view text, std::ptrd
   const std::size_t rows = size();
   if (needle.empty() || rows == 0) return {};
   const std::size_t first = static_cast<std::size_t>(std::max<std::ptrdiff_t>(after, -1) + 1) % rows;
-  for (std::size_t i = 0; i < rows; ++i) {
-    if (i % rowsBetweenProgress == rowsBetweenProgress - 1 && progress) progress(i);
-    const std::size_t position = (first + i) % rows;
-    if (!rows_->fetch(position, buffer_)) continue;
-    if (std::any_of(buffer_.begin(), buffer_.end(), [&](const auto& value) { return holds(value, needle); }))
-      return position;
-  }
-  return {};
+  return rows_->find(needle, first, progress);
 }
 
 }  // namespace vordane::comSSDataGrid

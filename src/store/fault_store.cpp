@@ -152,7 +152,7 @@ std::optional<std::size_t> FaultStore::lookUp(std::u16string_view text, std::ptr
   if (database == nullptr) return {};
   std::optional<std::size_t> found;
   trapDisplay(Report::box, [&] {
-    LongStep step(form_, grid_, *database, message::noticeReading);
+    LongStep step(form_, grid_, *database, LongStep::reading);
     found = grid_.lookUp(text, after, [&](std::size_t done) { step.at(done, grid_.size()); });
   });
   if (form_.alive()) showCount();
@@ -226,7 +226,7 @@ void FaultStore::SortFaultGrid(database::Database& database, int column) {
 
 void FaultStore::refreshFaults(database::Database& database) {
   {
-    const LongStep step(form_, grid_, database, message::noticeReading);
+    const LongStep step(form_, grid_, database, LongStep::reading);
     datFaultDisplay_.Refresh(database);
   }
   displayFailure_.clear();

@@ -206,7 +206,7 @@ std::optional<std::u16string> takeList(StoreForm& form, comSSDataGrid::FaultRows
                                        std::int16_t& exchangeId) {
   return trap([&] {
     Batch batch(database);
-    LongStep step(form, shown, database, message::noticeStoring);
+    LongStep step(form, shown, database, LongStep::storing);
     list.stampExchange(database, exchangeId);
     list.storeFaults(database, exchangeId, step);
     batch.end();

@@ -2,7 +2,6 @@
 
 #include <cmath>
 
-#include "language/message_numbers.h"
 #include "text/numbers.h"
 
 namespace vordane::store {
@@ -13,15 +12,15 @@ constexpr double secondsBetweenPaints = 0.1;
 
 }  // namespace
 
-LongStep::LongStep(StoreForm& form, comSSDataGrid::FaultRows& rows, database::Database& database,
-                   std::size_t pattern)
+LongStep::LongStep(StoreForm& form, comSSDataGrid::FaultRows& rows, database::Database& database, Texts texts)
     : form_(form),
       rows_(rows),
       database_(database),
-      pattern_(pattern),
+      texts_(texts),
       last_(form.clock().secondsSinceMidnight()) {
   rows_.hold();
-  database_.setProgress([this] { paint(); });
+  // What the step knows itself stays where the engine knows nothing.
+  database_.setProgress([this](std::size_t done, std::size_t of) { of == 0 ? paint() : at(done, of); });
 }
 
 LongStep::~LongStep() {
@@ -47,7 +46,8 @@ void LongStep::paint() {
   if (!due()) return;
   const auto done = text::decimal(static_cast<std::int64_t>(done_));
   const auto of = text::decimal(static_cast<std::int64_t>(of_));
-  form_.view().setStatus(window::countPart, fillText(messageText(form_.state(), pattern_), {done, of}));
+  const auto pattern = messageText(form_.state(), of_ == 0 ? texts_.plain : texts_.counted);
+  form_.view().setStatus(window::countPart, fillText(pattern, {done, of}));
   form_.view().paintNow();
 }
 

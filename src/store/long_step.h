@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <string>
 
+#include "language/message_numbers.h"
 #include "store/comSSDataGrid.h"
 #include "store/store_form.h"
 
@@ -13,9 +14,16 @@ namespace vordane::store {
 
 class LongStep {
  public:
-  // `pattern` is a message; a place {1} takes what is done, {2} what there is to do.
-  LongStep(StoreForm& form, comSSDataGrid::FaultRows& rows, database::Database& database,
-           std::size_t pattern);
+  // What the step is called while nobody knows how far it is, and where a place {1} takes what is done, {2}
+  // what there is to do. Both are messages.
+  struct Texts {
+    std::size_t plain, counted;
+  };
+  static constexpr Texts storing{message::noticeStoring, message::noticeStoring};
+  static constexpr Texts reading{message::noticeReading, message::noticeReadingOf};
+  static constexpr Texts deleting{message::noticeDeleting, message::noticeDeleting};
+
+  LongStep(StoreForm& form, comSSDataGrid::FaultRows& rows, database::Database& database, Texts texts);
   ~LongStep();
   LongStep(const LongStep&) = delete;
   LongStep& operator=(const LongStep&) = delete;
@@ -30,7 +38,7 @@ class LongStep {
   StoreForm& form_;
   comSSDataGrid::FaultRows& rows_;
   database::Database& database_;
-  std::size_t pattern_;
+  Texts texts_;
   std::size_t done_ = 0, of_ = 0;
   double last_;
 };

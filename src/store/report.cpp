@@ -59,7 +59,8 @@ void FaultStore::DeleteExchange() {
   if (database == nullptr) return;
   const auto failure = trap([&] {
     const std::int16_t id = exchangeIdOf(datPBXList_.row().id);
-    const LongStep step(form_, grid_, *database, message::noticeReading);
+    LongStep step(form_, grid_, *database, LongStep::deleting);
+    step.at(0, grid_.size());
     // Two steps of their own: faults left without an exchange are kept when the second fails.
     database->execute(deleteExchange(id));
     database->execute(deleteFaults(id));

@@ -24,7 +24,7 @@ void widen(database::Recordset& row) {
 
 void widenAll(StoreForm& form, comSSDataGrid::FaultRows& shown, database::Database& database,
               database::Recordset& rows) {
-  const LongStep step(form, shown, database, message::noticeReading);
+  const LongStep step(form, shown, database, LongStep::reading);
   Batch batch(database);
   for (rows.moveFirst(); !rows.atEnd(); rows.moveNext()) widen(rows);
   batch.end();

@@ -1,5 +1,7 @@
 #include "text/text.h"
 
+#include <cstring>
+
 #include <algorithm>
 
 namespace vordane::text {
@@ -53,6 +55,19 @@ std::u16string toUpper(std::u16string_view text) {
 bool equalIgnoringCase(std::u16string_view a, std::u16string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                     [](char16_t x, char16_t y) { return x == y || lower(x) == lower(y); });
+}
+
+std::size_t find(std::u16string_view text, char16_t character) {
+  // The library finds bytes many at a time.
+  const char* const first = reinterpret_cast<const char*>(text.data());
+  const char* const end = first + text.size() * sizeof(char16_t);
+  for (const char* at = first; at != end; ++at) {
+    at = static_cast<const char*>(std::memchr(at, character & 0xFF, static_cast<std::size_t>(end - at)));
+    if (at == nullptr) break;
+    const auto position = static_cast<std::size_t>(at - first) / sizeof(char16_t);
+    if (text[position] == character) return position;
+  }
+  return std::u16string_view::npos;
 }
 
 }  // namespace vordane::text

@@ -248,6 +248,74 @@ TEST_F(FaultIndexTest, ManyFaultsOfOneMinuteAreFoundAndOrdered) {
   for (std::size_t i = 0; i < order.size(); ++i) ASSERT_EQ(order[i], std::to_string(i + 1));
 }
 
+// More descriptions than are ever held at once: with long beginnings in common, the same ones many times over,
+// very many alike, and Null.
+TEST_F(FaultIndexTest, ThousandsOfDescriptionsAreOrderedInFull) {
+  const auto database = open();
+  std::mt19937 random(11);
+  struct Stored {
+    std::u16string description, fault, alarm, date;
+    int count;
+    bool isNull;
+  };
+  std::vector<Stored> all;
+  const auto rows = database->openRecordset(u"Select * from FaultDisplay");
+  database->beginBatch();
+  for (int i = 1; i <= 9000; ++i) {
+    const std::u16string number = text::fromUtf8(std::to_string(random() % 100000));
+    std::u16string description = u"Module group: 01, unit: 02, always the same ";
+    const unsigned kind = random() % 8;
+    if (kind == 0) description += std::u16string(kind, u'x') + number;
+    if (kind == 1) description += u"again " + number.substr(0, 1);
+    if (kind == 2) description = (random() % 2 == 0 ? u"LINE \xD83D\xDE00" : u"line \uFFFD") + number;
+    if (kind == 3) description = randomText(random);
+    Stored row{description, random() % 2 == 0 ? u"0A" : u"01", random() % 3 == 0 ? u"MJ" : u"mn",
+               u"2006/01/01 10:0" + std::u16string(1, char16_t(u'0' + random() % 10)), i, kind == 7};
+    rows->addNew();
+    rows->set(u"ID", std::int16_t(1));
+    rows->set(u"Fault", row.fault);
+    rows->set(u"Alarm", row.alarm);
+    rows->set(u"CPU", u"MP   ");
+    rows->set(u"Date", row.date);
+    if (!row.isNull) rows->set(u"Description", row.description);
+    rows->update();
+    all.push_back(std::move(row));
+  }
+  database->endBatch();
+  std::sort(all.begin(), all.end(), [](const Stored& a, const Stored& b) {
+    if (a.isNull != b.isNull) return a.isNull;
+    const int orders[] = {a.isNull ? 0 : compareTexts(a.description, b.description),
+                          compareTexts(a.fault, b.fault), compareTexts(a.alarm, b.alarm),
+                          compareTexts(a.date, b.date), a.count - b.count};
+    for (const int order : orders)
+      if (order != 0) return order < 0;
+    return false;
+  });
+  std::vector<std::string> wanted;
+  for (const Stored& row : all) wanted.push_back(std::to_string(row.count));
+  EXPECT_EQ(counts(*database, clauses[4][0]), wanted);
+  std::reverse(wanted.begin(), wanted.end());
+  EXPECT_EQ(counts(*database, clauses[4][1]), wanted);
+}
+
+// Two exchanges in one table, far apart in it: what lies between belongs to the other one.
+TEST_F(FaultIndexTest, DescriptionsOfAnExchangeAmongOthersAreOrdered) {
+  const auto database = open();
+  database->beginBatch();
+  std::vector<std::pair<std::u16string, int>> all;
+  for (int i = 1; i <= 30000; ++i) {
+    const bool mine = i % 9 == 0;
+    const auto description = text::fromUtf8("port " + std::to_string(i * 7919 % 10007));
+    addFault(*database, {std::int16_t(mine ? 1 : 2), u"01", u"MJ", u"MP", u"2006/01/01 10:00", description});
+    if (mine) all.emplace_back(description, i);
+  }
+  database->endBatch();
+  std::sort(all.begin(), all.end());
+  std::vector<std::string> wanted;
+  for (const auto& [description, count] : all) wanted.push_back(std::to_string(count));
+  EXPECT_EQ(counts(*database, clauses[4][0]), wanted);
+}
+
 TEST(TextRules, OrderGoesByCodePointOfTheFoldedText) {
   EXPECT_EQ(compareTexts(u"ABC  ", u"abc"), 0);
   EXPECT_LT(compareTexts(u"a", u"b"), 0);

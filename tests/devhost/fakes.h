@@ -203,7 +203,7 @@ class FakeEngine : public database::Engine {
     void beginBatch() override {}
     void checkpoint() override {}
     void endBatch() override {}
-    void setProgress(std::function<void()>) override {}
+    void setProgress(Progress) override {}
     void close() noexcept override {}
 
    private:

@@ -20,7 +20,7 @@ class WatchedDatabase : public database::Database {
   std::function<void(std::u16string_view step)> before = [](std::u16string_view) {};
   std::vector<std::u16string> statements;
   int batchDepth = 0, batches = 0, recordsetsOpen = 0;
-  std::function<void()> progress;
+  Progress progress;
 
   std::unique_ptr<database::Recordset> openRecordset(std::u16string_view statement) override {
     note(statement);
@@ -46,7 +46,7 @@ class WatchedDatabase : public database::Database {
     inner_->endBatch();
     ask(u"endBatch");
   }
-  void setProgress(std::function<void()> callback) override {
+  void setProgress(Progress callback) override {
     progress = callback;
     inner_->setProgress(std::move(callback));
   }

@@ -74,14 +74,18 @@ TEST_F(RowsTest, WhileAStepRunsOnlyRowsReadBeforeAreGiven) {
     if (!step.starts_with(u"DELETE FROM FaultDisplay")) return;
     form.setClock.seconds += 1;
     ASSERT_TRUE(database->progress);
-    database->progress();
+    database->progress(0, 0);
+    EXPECT_EQ(form.memoryView.status[window::countPart], u"deleting 0 of 2");
+    form.setClock.seconds += 1;
+    database->progress(1, 2);
+    EXPECT_EQ(form.memoryView.status[window::countPart], u"deleting 1 of 2");
     EXPECT_EQ(form.memoryView.screen, Texts{first.description});
     EXPECT_EQ(form.memoryView.rows->size(), 2U);
     EXPECT_FALSE(form.memoryView.rows->row(1).has_value());
   };
   form.boxAnswer = 6;
   store.DeleteExchange();
-  EXPECT_EQ(form.memoryView.painted.size(), 1U);
+  EXPECT_EQ(form.memoryView.painted.size(), 2U);
 }
 
 class LookUpTest : public RowsTest {

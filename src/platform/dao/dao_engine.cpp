@@ -116,7 +116,7 @@ class File : public database::Database {
   void checkpoint() override {}
   void endBatch() override {}
   // A statement runs in the engine, which does not report how far it is.
-  void setProgress(std::function<void()>) override {}
+  void setProgress(Progress) override {}
 
   void close() noexcept override {
     if (std::exchange(closed_, true)) return;

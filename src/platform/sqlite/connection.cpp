@@ -258,8 +258,9 @@ void Connection::beforeRead() {
   if (inBatch_ && !inTransaction()) begin();
 }
 
-void Connection::setProgress(std::function<void()> progress) {
+void Connection::setProgress(database::Database::Progress progress) {
   progress_ = std::move(progress);
+  done_ = of_ = 0;
   sqlite3_progress_handler(
       handle_.get(), progress_ ? stepsBetweenProgress : 0,
       [](void* self) {
@@ -271,10 +272,26 @@ void Connection::setProgress(std::function<void()> progress) {
 
 void Connection::progress() noexcept {
   try {
-    if (progress_) progress_();
+    if (progress_) progress_(done_, of_);
   } catch (...) {
     // Painting failed; the step goes on.
   }
+}
+
+ReadScope::ReadScope(Connection& connection) {
+  if (connection.inTransaction()) return;
+  connection.run("BEGIN");
+  connection_ = &connection;
+}
+
+ReadScope::~ReadScope() {
+  if (connection_ != nullptr) connection_->rollback();
+}
+
+void Connection::progress(std::size_t done, std::size_t of) noexcept {
+  done_ = done;
+  of_ = of;
+  progress();
 }
 
 WriteScope::WriteScope(Connection& connection)

@@ -84,8 +84,9 @@ class Connection {
   // Between two steps of a batch: its transaction must be open before something is looked for.
   void beforeRead();
 
-  void setProgress(std::function<void()> progress);
-  void progress() noexcept;
+  void setProgress(database::Database::Progress progress);
+  // How far a long step is, from where that is known.
+  void progress(std::size_t done, std::size_t of) noexcept;
 
  private:
   friend class WriteScope;
@@ -94,6 +95,7 @@ class Connection {
   void finishReaders();
   void commitIfDue();
   bool wait(int tries) noexcept;
+  void progress() noexcept;
   void checkFreePages();
   std::int64_t pragma(const char* sql);
 
@@ -110,9 +112,23 @@ class Connection {
   std::chrono::steady_clock::time_point waitingSince_;
   std::unordered_map<std::u16string, std::unique_ptr<Table>> tables_;
   std::vector<Reader*> readers_;
-  std::function<void()> progress_;
+  database::Database::Progress progress_;
+  std::size_t done_ = 0, of_ = 0;
   std::unique_ptr<FaultIndex> faults_;
   Statement savepoint_, release_, rollbackTo_;
+};
+
+// Many small statements that only read: what they read stays the same meanwhile, and the file's locks are
+// taken once. Nothing may be written while it lives.
+class ReadScope {
+ public:
+  explicit ReadScope(Connection& connection);
+  ~ReadScope();
+  ReadScope(const ReadScope&) = delete;
+  ReadScope& operator=(const ReadScope&) = delete;
+
+ private:
+  Connection* connection_ = nullptr;  // null: a transaction was open already
 };
 
 // One step that writes. Outside a batch it is a transaction of its own; `done` makes it last, and without it

@@ -158,7 +158,7 @@ class EmbeddedDatabase final : public database::Database {
     requireOpen();
     opened_->connection.endBatch();
   }
-  void setProgress(std::function<void()> progress) override {
+  void setProgress(Progress progress) override {
     if (opened_) opened_->connection.setProgress(std::move(progress));
   }
   void close() noexcept override { opened_.reset(); }

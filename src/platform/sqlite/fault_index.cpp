@@ -1,10 +1,8 @@
 #include "platform/sqlite/fault_index.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <limits>
-#include <unordered_map>
 
 #include "platform/sqlite/errors.h"
 #include "platform/sqlite/text_rules.h"
@@ -91,16 +89,6 @@ void sortKeyFunction(sqlite3_context* context, sqlite3_value** values) {
   resultBlob(context, key);
 }
 
-// SQLite may hand over bytes at an odd address; those are copied.
-std::u16string_view unitsOf(const void* bytes, int size, std::u16string& copy) {
-  const auto length = static_cast<std::size_t>(size) / 2;
-  if (reinterpret_cast<std::uintptr_t>(bytes) % alignof(char16_t) == 0)
-    return {static_cast<const char16_t*>(bytes), length};
-  copy.resize(length);
-  if (length != 0) std::memcpy(copy.data(), bytes, length * 2);
-  return copy;
-}
-
 int compareCollation(void*, int sizeA, const void* a, int sizeB, const void* b) noexcept {
   if (sizeA == sizeB && std::memcmp(a, b, static_cast<std::size_t>(sizeA)) == 0) return 0;
   try {
@@ -127,83 +115,15 @@ void registerFunctions(Connection& connection) {
   if (result != SQLITE_OK) connection.raise(result);
 }
 
-void appendField(std::optional<std::u16string_view> text, std::string& key) {
-  if (!text) return;
-  key.push_back('\1');
-  appendSortKey(*text, key);
-}
-
 void hashField(std::optional<std::u16string_view> text, FoldedHash& hash) {
   text ? hash.addText(*text) : hash.addNull();
-}
-
-std::array<std::string, 3> piecesOf(std::string_view kind) {
-  std::array<std::string, 3> pieces;
-  for (std::string& piece : pieces) {
-    const auto end = std::min(kind.find('\xFF'), kind.size());
-    piece = kind.substr(0, end);
-    kind.remove_prefix(std::min(end + 1, kind.size()));
-  }
-  return pieces;
-}
-
-// Entries of an exchange in the order of Date, then Count.
-struct Entry {
-  std::uint32_t count;
-  std::uint32_t kind;  // its number among the kinds met
-};
-
-// Numbers the kinds of an exchange as they are met; there are few of them.
-class Kinds {
- public:
-  std::uint32_t numberOf(std::string_view kind) {
-    if (kind == last_) return lastNumber_;
-    const auto [found, isNew] =
-        numbers_.try_emplace(std::string(kind), static_cast<std::uint32_t>(numbers_.size()));
-    last_ = found->first;
-    return lastNumber_ = found->second;
-  }
-  std::size_t size() const { return numbers_.size(); }
-
-  // The place of each kind in an order that begins with `first`; kinds that do not differ there share one.
-  std::vector<std::uint32_t> places(FaultOrder first, std::size_t& placeCount) const {
-    struct Ranked {
-      std::array<std::string, 3> key;
-      std::uint32_t number;
-    };
-    std::vector<Ranked> ranked;
-    for (const auto& [kind, number] : numbers_) {
-      auto [fault, alarm, cpu] = piecesOf(kind);
-      // CPU is behind Count where it is not the first, and never decides there.
-      if (first == FaultOrder::fault) ranked.push_back({{fault, alarm, {}}, number});
-      if (first == FaultOrder::alarm) ranked.push_back({{alarm, fault, {}}, number});
-      if (first == FaultOrder::cpu) ranked.push_back({{cpu, fault, alarm}, number});
-    }
-    std::sort(ranked.begin(), ranked.end(), [](const Ranked& a, const Ranked& b) { return a.key < b.key; });
-    std::vector<std::uint32_t> places(numbers_.size());
-    placeCount = 0;
-    for (std::size_t i = 0; i < ranked.size(); ++i) {
-      if (i == 0 || ranked[i].key != ranked[i - 1].key) ++placeCount;
-      places[ranked[i].number] = static_cast<std::uint32_t>(placeCount - 1);
-    }
-    return places;
-  }
-
- private:
-  std::unordered_map<std::string, std::uint32_t> numbers_;
-  std::string_view last_ = "\xFF\xFF\xFF";  // no kind
-  std::uint32_t lastNumber_ = 0;
-};
-
-std::uint32_t shortCount(std::int64_t count) {
-  if (count < 0 || count > std::numeric_limits<std::uint32_t>::max()) fail(number::badValue, u"Count");
-  return static_cast<std::uint32_t>(count);
 }
 
 }  // namespace
 
 FaultIndex::FaultIndex(Connection& connection) : connection_(connection) {
   registerFunctions(connection);
+  registerCollect(connection, collecting_);
   Table* faults = connection.findTable(u"FaultDisplay");
   if (!faults || !faults->autoNumber || faults->columns[*faults->autoNumber].folded != u"count") return;
   for (std::u16string_view column : comparedColumns)
@@ -361,54 +281,7 @@ std::vector<std::int64_t> FaultIndex::allNewestFirst() {
 }
 
 std::vector<std::uint32_t> FaultIndex::ordered(std::int64_t id, FaultOrder order, bool descending) {
-  std::vector<std::uint32_t> counts;
-  if (order == FaultOrder::description) {
-    Statement rows(
-        connection_,
-        "SELECT f.Count FROM VordaneFaultIndex AS x CROSS JOIN FaultDisplay AS f ON f.Count = x.Count "
-        "WHERE x.ID = ? ORDER BY vordane_key(f.Description), vordane_key(f.Fault), vordane_key(f.Alarm), "
-        "x.Moment, f.Count");
-    rows.bind(1, id);
-    while (rows.step()) counts.push_back(shortCount(rows.integer(0)));
-    if (descending) std::reverse(counts.begin(), counts.end());
-    return counts;
-  }
-
-  std::vector<Entry> entries;
-  Kinds kinds;
-  Statement rows(connection_,
-                 "SELECT Moment, Count, Kind FROM VordaneFaultIndex WHERE ID = ? ORDER BY Moment");
-  rows.bind(1, id);
-  std::string moment;
-  std::size_t group = 0;
-  // Within one moment the index goes by hash; the order goes by Count.
-  const auto closeGroup = [&] {
-    const auto begin = entries.begin() + static_cast<std::ptrdiff_t>(group);
-    std::sort(begin, entries.end(), [](const Entry& a, const Entry& b) { return a.count < b.count; });
-    group = entries.size();
-  };
-  while (rows.step()) {
-    if (rows.blob(0) != std::string_view(moment)) {
-      closeGroup();
-      moment = rows.blob(0);
-    }
-    entries.push_back(
-        {shortCount(rows.integer(1)), order == FaultOrder::date ? 0 : kinds.numberOf(rows.blob(2))});
-  }
-  closeGroup();
-
-  counts.resize(entries.size());
-  if (order == FaultOrder::date) {
-    std::transform(entries.begin(), entries.end(), counts.begin(),
-                   [](const Entry& entry) { return entry.count; });
-  } else {
-    std::size_t placeCount = 0;
-    const std::vector<std::uint32_t> places = kinds.places(order, placeCount);
-    std::vector<std::size_t> next(placeCount + 1, 0);
-    for (const Entry& entry : entries) ++next[places[entry.kind] + 1];
-    for (std::size_t i = 1; i < next.size(); ++i) next[i] += next[i - 1];
-    for (const Entry& entry : entries) counts[next[places[entry.kind]]++] = entry.count;
-  }
+  std::vector<std::uint32_t> counts = orderedFaults(connection_, collecting_, id, order);
   if (descending) std::reverse(counts.begin(), counts.end());
   return counts;
 }
@@ -453,18 +326,31 @@ void FaultIndex::changed(std::int64_t count) {
 }
 
 void FaultIndex::removeExchange(std::int64_t id) {
-  // The row itself decides: a damaged entry must not take another exchange's fault along.
-  Statement rows(
-      connection_,
-      "DELETE FROM FaultDisplay WHERE Count IN (SELECT Count FROM VordaneFaultIndex WHERE ID = ?1) "
-      "AND ID = ?1");
-  rows.bind(1, id);
-  rows.run();
+  Statement all(connection_, "SELECT count(*) FROM VordaneFaultIndex WHERE ID = ?");
+  all.bind(1, id);
+  all.step();
+  const auto of = static_cast<std::size_t>(all.integer(0));
+  all.reset();
+  removeRows(id, of);
   Statement entries(connection_, "DELETE FROM VordaneFaultIndex WHERE ID = ?");
   entries.bind(1, id);
   entries.run();
   newest_.known = false;
   newestChanged_ = true;
+}
+
+// One by one, so that it can be told how far it is.
+void FaultIndex::removeRows(std::int64_t id, std::size_t of) {
+  constexpr std::size_t rowsBetweenProgress = 1024;
+  Statement rows(connection_, "SELECT Count FROM VordaneFaultIndex WHERE ID = ?");
+  Statement row(connection_, "DELETE FROM FaultDisplay WHERE Count = ?");
+  rows.bind(1, id);
+  for (std::size_t done = 0; rows.step(); ++done) {
+    if (done % rowsBetweenProgress == 0) connection_.progress(done, of);
+    row.bind(1, rows.integer(0));
+    row.run();
+  }
+  rows.reset();
 }
 
 void FaultIndex::beforeCommit() {

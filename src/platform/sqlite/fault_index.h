@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "platform/sqlite/connection.h"
+#include "platform/sqlite/fault_orders.h"
 
 namespace vordane::sqlite {
 
@@ -23,8 +24,6 @@ namespace vordane::sqlite {
 struct FaultFields {
   std::optional<std::u16string_view> fault, alarm, cpu, date, description;
 };
-
-enum class FaultOrder { fault, alarm, date, cpu, description };
 
 class FaultIndex {
  public:
@@ -68,6 +67,7 @@ class FaultIndex {
   void create();
   void rebuild();
   void findNewest();
+  void removeRows(std::int64_t id, std::size_t of);
   Statement& prepared(Statement& statement, const char* sql);
 
   Connection& connection_;
@@ -78,6 +78,7 @@ class FaultIndex {
   Newest newest_;
   Statement state_, same_, insert_, remove_, read_;
   std::string key_;  // kept for its room
+  Collecting collecting_;
 };
 
 }  // namespace vordane::sqlite

@@ -40,20 +40,6 @@ bool isKeyword(std::u16string_view word) {
   return false;
 }
 
-// Where `character` stands: a description is long, its closing quote is its end, and the library finds bytes
-// far sooner than characters of this width.
-std::size_t findCharacter(std::u16string_view text, char16_t character) {
-  const char* const first = reinterpret_cast<const char*>(text.data());
-  const char* const end = first + text.size() * sizeof(char16_t);
-  for (const char* at = first; at != end; ++at) {
-    at = static_cast<const char*>(std::memchr(at, character & 0xFF, static_cast<std::size_t>(end - at)));
-    if (at == nullptr) break;
-    const auto position = static_cast<std::size_t>(at - first) / sizeof(char16_t);
-    if (text[position] == character) return position;
-  }
-  return std::u16string_view::npos;
-}
-
 // The library compares characters of this width one by one.
 bool beginsWith(std::u16string_view text, std::u16string_view piece) {
   return text.size() >= piece.size() &&
@@ -381,7 +367,7 @@ bool Skeleton::match(std::u16string_view statement, std::vector<Literal>& litera
     Literal& literal = literals[i];
     literal.isText = texts_[i];
     const std::size_t end =
-        literal.isText ? findCharacter(statement, pieces_[i].back()) : endOfNumber(statement);
+        literal.isText ? text::find(statement, pieces_[i].back()) : endOfNumber(statement);
     if (end == std::u16string_view::npos ||
         (!literal.isText && (end == 0 || !text::isDecimalDigit(statement[end - 1]))))
       return false;

@@ -1,6 +1,7 @@
 #include "platform/sqlite/row_list.h"
 
 #include "platform/sqlite/errors.h"
+#include "platform/sqlite/text_rules.h"
 
 namespace vordane::sqlite {
 namespace {
@@ -36,12 +37,43 @@ class EmbeddedRowList final : public database::RowList {
     return found;
   }
 
+  std::optional<std::size_t> find(std::u16string_view needle, std::size_t first,
+                                  const Progress& progress) override {
+    const ReadScope reading(connection_);
+    FoldedNeedle folded(needle);
+    for (std::size_t i = 0; i < keys_.size(); ++i) {
+      if (progress && i % rowsBetweenProgress == rowsBetweenProgress - 1) progress(i);
+      const std::size_t position = (first + i) % keys_.size();
+      if (holds(position, folded)) return position;
+    }
+    return {};
+  }
+
  private:
+  // Looks at the texts where the engine holds them.
+  bool holds(std::size_t position, FoldedNeedle& needle) {
+    row_.bind(1, static_cast<std::int64_t>(keys_[position]));
+    bool found = false;
+    if (row_.step()) {
+      for (std::size_t i = 0; !found && i < yesNo_.size(); ++i) {
+        const int column = static_cast<int>(i);
+        if (row_.isText(column)) {
+          found = needle.isIn(*row_.textIfAny(column, copy_));
+        } else if (!row_.isNull(column)) {
+          found = needle.isIn(automation::toText(row_.value(column, yesNo_[i])));
+        }
+      }
+    }
+    row_.reset();
+    return found;
+  }
+
   std::shared_ptr<Opened> opened_;
   Connection& connection_;
   std::vector<Key> keys_;
   std::vector<bool> yesNo_;
   Statement row_;
+  std::u16string copy_;
 };
 
 std::vector<std::int64_t> readKeys(Connection& connection, Plan& plan,

@@ -15,6 +15,15 @@ const void* dataOf(std::u16string_view text) {
 
 }  // namespace
 
+std::u16string_view unitsOf(const void* bytes, int size, std::u16string& copy) {
+  const auto length = static_cast<std::size_t>(size) / 2;
+  if (reinterpret_cast<std::uintptr_t>(bytes) % alignof(char16_t) == 0)
+    return {static_cast<const char16_t*>(bytes), length};
+  copy.resize(length);
+  if (length != 0) std::memcpy(copy.data(), bytes, length * 2);
+  return copy;
+}
+
 Statement::Statement(Connection& connection, std::string_view sql) : connection_(&connection) {
   sqlite3_stmt* statement = nullptr;
   const int result = sqlite3_prepare_v3(connection.handle(), sql.data(), static_cast<int>(sql.size()),
@@ -99,6 +108,16 @@ std::string_view Statement::blob(int column) const {
 
 bool Statement::isNull(int column) const {
   return sqlite3_column_type(handle_.get(), column) == SQLITE_NULL;
+}
+
+bool Statement::isText(int column) const {
+  return sqlite3_column_type(handle_.get(), column) == SQLITE_TEXT;
+}
+
+std::optional<std::u16string_view> Statement::textIfAny(int column, std::u16string& copy) const {
+  if (isNull(column)) return std::nullopt;
+  const void* const characters = sqlite3_column_text16(handle_.get(), column);
+  return unitsOf(characters, sqlite3_column_bytes16(handle_.get(), column), copy);
 }
 
 Value Statement::value(int column, bool yesNo) const {

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,6 +18,9 @@ namespace vordane::sqlite {
 using database::Value;
 
 class Connection;
+
+// SQLite may hand over characters at an odd address; those are copied.
+std::u16string_view unitsOf(const void* bytes, int size, std::u16string& copy);
 
 // One prepared statement. Parameters and columns count as SQLite counts them: from 1 and from 0. What is
 // bound must live until the statement is reset.
@@ -41,6 +45,9 @@ class Statement {
   std::u16string text(int column) const;
   std::string_view blob(int column) const;  // until the next step
   bool isNull(int column) const;
+  bool isText(int column) const;
+  // Nothing for Null. Until the next step, or until `copy` changes, which is used where it has to be.
+  std::optional<std::u16string_view> textIfAny(int column, std::u16string& copy) const;
   Value value(int column, bool yesNo) const;
 
  private:

@@ -119,6 +119,37 @@ void appendSortKey(std::u16string_view text, std::string& key) {
   }
 }
 
+void appendField(std::optional<std::u16string_view> text, std::string& key) {
+  if (!text) return;
+  key.push_back('\1');
+  appendSortKey(*text, key);
+}
+
+bool FoldedNeedle::isIn(std::u16string_view text) {
+  folded_.resize(text.size());
+  std::size_t i = 0;
+  for (; i + together <= text.size(); i += together) {
+    const std::uint64_t four = fourAt(text.data() + i);
+    if (areAscii(four)) {
+      const std::uint64_t folded = foldAscii(four);
+      std::memcpy(folded_.data() + i, &folded, sizeof folded);
+    } else {
+      for (std::size_t k = i; k < i + together; ++k) folded_[k] = fold(text[k]);
+    }
+  }
+  for (; i < text.size(); ++i) folded_[i] = fold(text[i]);
+
+  std::u16string_view rest = folded_;
+  while (rest.size() >= needle_.size()) {
+    const std::size_t found = text::find(rest, needle_.front());
+    if (found == std::u16string_view::npos || rest.size() - found < needle_.size()) return false;
+    rest.remove_prefix(found);
+    if (std::memcmp(rest.data(), needle_.data(), needle_.size() * sizeof(char16_t)) == 0) return true;
+    rest.remove_prefix(1);
+  }
+  return false;
+}
+
 void FoldedHash::mix(std::uint64_t word) {
   state_ = (state_ ^ word) * 0xFF51AFD7ED558CCDU;
   state_ ^= state_ >> 32;

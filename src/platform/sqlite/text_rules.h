@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,19 @@ bool equalTexts(std::u16string_view a, std::u16string_view b);
 // Appends bytes whose plain byte order is the order of the folded texts: UTF-8, lone surrogates encoded
 // like any other character. Never contains the byte 0xFF.
 void appendSortKey(std::u16string_view text, std::string& key);
+
+// The same for a column: nothing for Null, which sorts first.
+void appendField(std::optional<std::u16string_view> text, std::string& key);
+
+// Looks for one text, given in lower case, in others, case not regarded.
+class FoldedNeedle {
+ public:
+  explicit FoldedNeedle(std::u16string_view needle) : needle_(needle) {}
+  bool isIn(std::u16string_view text);
+
+ private:
+  std::u16string needle_, folded_;  // `folded_` is kept for its room
+};
 
 // A 64-bit hash that equal texts share, the same on every system.
 class FoldedHash {

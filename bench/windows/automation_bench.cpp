@@ -1,0 +1,204 @@
+// What crosses a process, against bare COM in the same run, and how soon the window stands there:
+//
+//   automation_bench call | record ENTRIES | start PROGRAM EXCHANGE EMPTY-PROGRAM
+//
+// The add-in must be registered and its suite installed.
+#include <windows.h>
+
+#include <oleauto.h>
+
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+
+#include "common/measure.h"
+#include "pbx/answer_reading.h"
+#include "platform/windows/com/apartment.h"
+#include "platform/windows/com/objects.h"
+#include "windows/trivial_server.h"
+
+namespace vordane::bench {
+namespace {
+
+void check(HRESULT result, const char* step) {
+  if (FAILED(result)) throw std::runtime_error(step);
+}
+
+com::ComPtr<IDispatch> create(REFCLSID type) {
+  com::ComPtr<IDispatch> object;
+  check(CoCreateInstance(type, nullptr, CLSCTX_LOCAL_SERVER, IID_IDispatch, object.putVoid()), "CoCreateInstance");
+  return object;
+}
+
+com::ComPtr<IDispatch> create(const wchar_t* name) {
+  CLSID type;
+  check(CLSIDFromProgID(name, &type), "CLSIDFromProgID");
+  return create(type);
+}
+
+DISPID numberOf(IDispatch* object, const wchar_t* name) {
+  LPOLESTR names[] = {const_cast<LPOLESTR>(name)};
+  DISPID id = DISPID_UNKNOWN;
+  check(object->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id), "GetIDsOfNames");
+  return id;
+}
+
+void bareGet(IDispatch* object, DISPID id, VARIANT* argument = nullptr) {
+  com::Variant value;
+  DISPPARAMS parameters{argument, nullptr, argument == nullptr ? 0U : 1U, 0};
+  check(object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &parameters, &value, nullptr,
+                       nullptr),
+        "Invoke");
+}
+
+// A process started for the time of a measurement.
+class Started {
+ public:
+  explicit Started(std::wstring commandLine) {
+    STARTUPINFOW start{};
+    start.cb = sizeof start;
+    PROCESS_INFORMATION made{};
+    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &made))
+      throw std::runtime_error("CreateProcess");
+    CloseHandle(made.hThread);
+    process_ = com::Handle(made.hProcess);
+  }
+  ~Started() {
+    if (WaitForSingleObject(process_.get(), 0) == WAIT_TIMEOUT) TerminateProcess(process_.get(), 1);
+  }
+  Started(const Started&) = delete;
+  Started& operator=(const Started&) = delete;
+  void waitForEnd() const { WaitForSingleObject(process_.get(), 20000); }
+
+ private:
+  com::Handle process_;
+};
+
+std::wstring besideThisProgram(const wchar_t* name) {
+  wchar_t path[MAX_PATH];
+  GetModuleFileNameW(nullptr, path, MAX_PATH);
+  std::wstring folder(path);
+  return folder.substr(0, folder.rfind(L'\\') + 1) + name;
+}
+
+com::ComPtr<IDispatch> createTrivial() {
+  for (int i = 0; i < 200; ++i) {
+    com::ComPtr<IDispatch> object;
+    if (SUCCEEDED(CoCreateInstance(trivialClass, nullptr, CLSCTX_LOCAL_SERVER, IID_IDispatch, object.putVoid())))
+      return object;
+    Sleep(50);
+  }
+  throw std::runtime_error("the trivial server did not start");
+}
+
+void measureCall() {
+  constexpr int calls = 2000;
+  const Started server(besideThisProgram(L"trivial_server.exe"));
+  const auto trivial = createTrivial();
+  const auto layer = create(L"Vordane10013.cOLELayer");
+  const DISPID member = numberOf(layer.get(), L"Visible"), one = numberOf(trivial.get(), L"Member");
+  const auto time = [&](IDispatch* object, DISPID id) {
+    return seconds([&] {
+      for (int i = 0; i < calls; ++i) bareGet(object, id);
+    });
+  };
+  time(layer.get(), member);
+  time(trivial.get(), one);
+  Comparison comparison("one call on cOLELayer from another process", "a server with one member", timeAtMost(1.2));
+  for (int run = 0; run < runs; ++run) {
+    const double ours = time(layer.get(), member);
+    comparison.add(ours, time(trivial.get(), one));
+  }
+  comparison.print(calls);
+}
+
+void bareCopy(IDispatch* record, int entries, const DISPID (&members)[4]) {
+  for (int i = 0; i < entries; ++i) {
+    for (const DISPID member : members) {
+      com::Variant index;
+      index.get().vt = VT_I2;
+      index.get().iVal = static_cast<SHORT>(i);
+      bareGet(record, member, &index.get());
+    }
+  }
+}
+
+void measureRecord(int entries) {
+  const auto record = create(L"Vordane10013.cListRequest");
+  const auto object = com::importObject(record.get());
+  for (int i = 0; i < entries; ++i)
+    automation::call(*object, u"AddToList",
+                     {automation::byVal(std::u16string(u"LEA0")),
+                      automation::byVal(std::u16string(u"01 MJ LP 0C 26/11/20 20:58 01 02 03"))});
+  const DISPID members[] = {numberOf(record.get(), L"CMD"), numberOf(record.get(), L"FirstData"),
+                            numberOf(record.get(), L"SecondData"), numberOf(record.get(), L"ExtraData")};
+  Comparison comparison("take over an answer of " + std::to_string(entries) + " entries", "the bare Invoke calls",
+                        timeAtMost(1.1));
+  for (int run = 0; run < runs; ++run) {
+    cListRequest copy;
+    const double ours = seconds([&] { pbx::copyEntries(*object, entries, copy, [] { return true; }); });
+    if (copy.Count() != entries) throw std::runtime_error("entries are missing");
+    comparison.add(ours, seconds([&] { bareCopy(record.get(), entries, members); }));
+  }
+  comparison.print(entries);
+}
+
+// From the start of the process until its window stands on the screen.
+double timeToWindow(const std::wstring& commandLine, const wchar_t* windowClass) {
+  HWND window = nullptr;
+  double time = 0;
+  const auto begin = std::chrono::steady_clock::now();
+  const Started program(commandLine);
+  while (time < 60 && (window == nullptr || !IsWindowVisible(window))) {
+    window = FindWindowW(windowClass, nullptr);
+    time = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    Sleep(1);
+  }
+  if (window == nullptr) throw std::runtime_error("no window appeared");
+  PostMessageW(window, WM_CLOSE, 0, 0);
+  program.waitForEnd();
+  return time;
+}
+
+void measureStart(const std::wstring& program, const std::wstring& exchange, const std::wstring& empty) {
+  Comparison comparison("process start to window shown", "an empty program with a list view", timeAtMost(1.5));
+  const auto ours = [&] { return timeToWindow(L'"' + program + L"\" " + exchange, L"VordaneWindow"); };
+  const auto bare = [&] { return timeToWindow(L'"' + empty + L'"', L"VordaneBenchEmpty"); };
+  ours();
+  bare();
+  for (int run = 0; run < runs; ++run) {
+    const double mine = ours();
+    comparison.add(mine, bare());
+  }
+  comparison.print();
+}
+
+int run(int count, wchar_t** words) {
+  const std::wstring what = count > 1 ? words[1] : L"";
+  if (what == L"call") {
+    measureCall();
+  } else if (what == L"record" && count == 3) {
+    measureRecord(_wtoi(words[2]));
+  } else if (what == L"start" && count == 5) {
+    measureStart(words[2], words[3], words[4]);
+  } else {
+    std::fputs("usage: automation_bench call | record ENTRIES | start PROGRAM EXCHANGE EMPTY-PROGRAM\n", stderr);
+    return 2;
+  }
+  return 0;
+}
+
+}  // namespace
+}  // namespace vordane::bench
+
+int main() {
+  int count = 0;
+  wchar_t** const words = CommandLineToArgvW(GetCommandLineW(), &count);
+  vordane::com::Apartment apartment;
+  try {
+    return vordane::bench::run(count, words);
+  } catch (const std::exception& failure) {
+    std::fprintf(stderr, "failed: %s\n", failure.what());
+    return 1;
+  }
+}

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <windows.h>
+
+namespace vordane::bench {
+
+inline constexpr CLSID trivialClass{
+    0x6d1c2f10, 0x77a4, 0x4c0e, {0x9b, 0x35, 0x1e, 0x52, 0x0c, 0x8f, 0x4d, 0x21}};
+
+}  // namespace vordane::bench
