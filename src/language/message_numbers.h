@@ -46,10 +46,10 @@ inline constexpr std::size_t statusWide = 176;           // processor texts wide
 inline constexpr std::size_t statusNarrow = 177;
 inline constexpr std::size_t statusTextsIncomplete = 178;  // a loader stopped; {1} the tables
 inline constexpr std::size_t statusNetworkDrive = 179;     // the database lies where writing is slower
-inline constexpr std::size_t statusDoesNothing = 180;      // an action that is empty here
+inline constexpr std::size_t runOtherKind = 180;           // of a scheduled job that is not run here
 inline constexpr std::size_t statusReady = 181;
 inline constexpr std::size_t statusPrinted = 182;
-inline constexpr std::size_t statusDeleted = 183;  // {1} exchange
+inline constexpr std::size_t noticeDeleting = 183;
 
 // In the place of an empty grid. {1} is the exchange.
 inline constexpr std::size_t noticeNoExchange = 184;  // nothing stored, nothing registered
@@ -118,9 +118,8 @@ inline constexpr std::int16_t confirmRequest = 109;
 // The product's own.
 inline constexpr std::int16_t noHostToPrint = 900;
 inline constexpr std::int16_t helpNotFound = 901;  // substitution: the file
-inline constexpr std::int16_t doesNothingYet = 902;
 
-inline constexpr std::array<std::int16_t, 9> all{102, 104, 105, 107, 108, 109, 900, 901, 902};
+inline constexpr std::array<std::int16_t, 8> all{102, 104, 105, 107, 108, 109, 900, 901};
 
 }  // namespace vordane::box
 

@@ -59,7 +59,7 @@ void FaultStore::DeleteExchange() {
   if (database == nullptr) return;
   const auto failure = trap([&] {
     const std::int16_t id = exchangeIdOf(datPBXList_.row().id);
-    const LongStep step(form_, grid_, *database, message::noticeReading);
+    const LongStep step(form_, grid_, *database, message::noticeDeleting);
     // Two steps of their own: faults left without an exchange are kept when the second fails.
     database->execute(deleteExchange(id));
     database->execute(deleteFaults(id));

@@ -128,6 +128,7 @@ class MemoryStoreForm : public store::StoreForm {
         {message::statusFaultCount, u"{1} faults"},
         {message::noticeStoring, u"storing {1} of {2}"},
         {message::noticeReading, u"reading"},
+        {message::noticeDeleting, u"deleting"},
         {message::noticeNoExchange, u"no exchange"},
         {message::noticeFirstList, u"press to ask {1}"},
         {message::noticeNoFaults, u"{1} has no faults"},

@@ -81,7 +81,8 @@ TEST_F(RowsTest, WhileAStepRunsOnlyRowsReadBeforeAreGiven) {
   };
   form.boxAnswer = 6;
   store.DeleteExchange();
-  EXPECT_EQ(form.memoryView.painted.size(), 1U);
+  ASSERT_EQ(form.memoryView.painted.size(), 1U);
+  EXPECT_EQ(form.memoryView.painted[0].at(1), u"deleting");
 }
 
 class LookUpTest : public RowsTest {
