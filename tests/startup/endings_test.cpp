@@ -166,6 +166,24 @@ TEST_F(Endings, TheTitleBarCancelsTheRequestOfARun) {
   EXPECT_TRUE(view.attached);
 }
 
+TEST_F(Endings, TheTitleBarCancelsNothingWhereNoLogInSucceeded) {
+  startWithHost();
+  runSchedule(u"3");
+  state.schedule.ScheduleCount = 9;
+  taken();
+  form().closeAsked();
+  EXPECT_THAT(taken(), IsEmpty()) << "nobody has logged in yet";
+  tick();
+  for (const auto* refusal : {u"BUSY", u"ERROR", u""}) {
+    exchange().loginAnswer = std::u16string(refusal);
+    tick();
+    taken();
+    form().closeAsked();
+    EXPECT_THAT(taken(), IsEmpty()) << text::toUtf8(refusal);
+    EXPECT_TRUE(view.attached);
+  }
+}
+
 TEST_F(Endings, TheTitleBarWhileAJobIsMadeCancelsIt) {
   startWithHost();
   createSchedule();
