@@ -121,14 +121,21 @@ std::size_t BareStore::lookUp(const std::vector<Fault>& faults, const std::vecto
   return count;
 }
 
-std::vector<std::int64_t> BareStore::orderedKeys(std::int16_t id, const char* order) {
-  const std::string sql = std::string("SELECT Count FROM FaultDisplay WHERE ID = ? ORDER BY ") + order;
+std::vector<std::int64_t> BareStore::keysBy(const std::string& sql, std::int16_t id) {
   sqlite3_stmt* rows = prepare(state_->handle, sql.c_str());
   sqlite3_bind_int(rows, 1, id);
   std::vector<std::int64_t> keys;
   while (sqlite3_step(rows) == SQLITE_ROW) keys.push_back(sqlite3_column_int64(rows, 0));
   sqlite3_finalize(rows);
   return keys;
+}
+
+std::vector<std::int64_t> BareStore::scanKeys(std::int16_t id) {
+  return keysBy("SELECT Count FROM VordaneFaultIndex WHERE ID = ? ORDER BY Moment DESC", id);
+}
+
+std::vector<std::int64_t> BareStore::orderedKeys(std::int16_t id, const char* order) {
+  return keysBy(std::string("SELECT Count FROM FaultDisplay WHERE ID = ? ORDER BY ") + order, id);
 }
 
 void BareStore::run(const char* sql) {

@@ -30,12 +30,15 @@ class BareStore {
   void ingest(const std::vector<Fault>& faults, const std::vector<FaultKeys>& keys);
   // The same loop without the additions.
   std::size_t lookUp(const std::vector<Fault>& faults, const std::vector<FaultKeys>& keys);
+  // The keys of an exchange's rows, newest first, as the fault index holds them.
+  std::vector<std::int64_t> scanKeys(std::int16_t id);
   // The keys of an exchange's rows in an order, by the engine's own sorting.
   std::vector<std::int64_t> orderedKeys(std::int16_t id, const char* order);
   void deleteExchange(std::int16_t id);
   void run(const char* sql);
 
  private:
+  std::vector<std::int64_t> keysBy(const std::string& sql, std::int16_t id);
   struct State;
   std::unique_ptr<State> state_;
 };

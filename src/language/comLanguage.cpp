@@ -30,22 +30,18 @@ void setText(window::Control& control, std::u16string_view property, const datab
   if (auto text = newText(value)) control.set(property, std::move(*text));
 }
 
-float sizeOf(const database::Value& value) {
-  return static_cast<float>(automation::toDouble(value));
-}
-
 // The window's own row knows neither "-1" nor Null: a Null caption is a failing call.
 void localiseWindow(window::Control& self, Recordset& row) {
   std::u16string nothingToInsert;
   self.set(u"Caption", ExpandEscapes(automation::toText(row.get(u"Caption")), nothingToInsert));
-  language::setFont(self, u"Font", textOf(row.get(u"FontName")), sizeOf(row.get(u"FontSize")));
+  language::setFont(self, u"Font", textOf(row.get(u"FontName")), row.get(u"FontSize"));
 }
 
 void localiseControl(window::Form& form, Recordset& row) {
   window::Control& control = language::controlOf(form, row);
   setText(control, u"Caption", row.get(u"Caption"));
   if (const auto font = newText(row.get(u"FontName")))
-    language::setControlFont(control, *font, sizeOf(row.get(u"FontSize")));
+    language::setControlFont(control, *font, row.get(u"FontSize"));
   setText(control, u"ToolTipText", row.get(u"ToolTipText"));
 }
 
@@ -147,6 +143,7 @@ bool LoadTextArray(std::vector<std::u16string>& array, std::u16string_view table
     const auto rows = database.openRecordset(u"SELECT * FROM " + name + u" UNION SELECT -1, COUNT(*) FROM " +
                                              name + u" ORDER BY ID");
     const std::int16_t count = automation::toInteger(rows->get(u"Caption"));
+    if (count < 0) throw automation::AutomationError(automation::error::overflow);  // another row came first
     array.assign(static_cast<std::size_t>(count), {});
     rows->moveNext();
     for (std::u16string& text : array) {

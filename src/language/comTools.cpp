@@ -144,8 +144,9 @@ std::int32_t ButtonStyleValue(std::u16string_view name) {
 }
 
 int FindItemDataIndex(const window::Control& list, const automation::Value& value) {
-  const std::int16_t wanted = automation::toInteger(value);
   const auto& items = list.items();
+  if (items.empty()) return -1;
+  const std::int16_t wanted = automation::toInteger(value);
   const auto found =
       std::find_if(items.begin(), items.end(), [&](const auto& item) { return item.itemData == wanted; });
   return found == items.end() ? -1 : static_cast<int>(found - items.begin());

@@ -46,7 +46,8 @@ bool MayShowMsgBox(comSchedule::Environment& runLog, std::u16string_view text, s
 std::int32_t ParseButtonStyle(std::u16string_view names);
 std::int32_t ButtonStyleValue(std::u16string_view name);
 
-// Position of the first entry whose item data equals the value as a 16-bit integer, or -1.
+// Position of the first entry whose item data equals the value as a 16-bit integer, or -1. Throws
+// automation::AutomationError when there are entries and the value is no such integer.
 int FindItemDataIndex(const window::Control& list, const automation::Value& value);
 
 }  // namespace vordane::comTools

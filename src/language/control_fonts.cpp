@@ -80,15 +80,15 @@ const FontRule& ruleFor(std::u16string_view typeName) {
 struct FontChange {
   window::Control& control;
   const std::u16string& name;
-  float size;
+  const window::Value& size;
   Charset charset;
 };
 
 void setPair(const FontChange& change, std::u16string_view nameProperty, std::u16string_view sizeProperty) {
-  if (!(change.size > 0))
-    throw window::PropertyError(change.control.name() + u": a font size must be above 0");
   if (!change.name.empty()) change.control.set(nameProperty, change.name);
-  change.control.set(sizeProperty, change.size);
+  const auto size = static_cast<float>(automation::toDouble(change.size));
+  if (!(size > 0)) throw window::PropertyError(change.control.name() + u": a font size must be above 0");
+  change.control.set(sizeProperty, size);
 }
 
 void setCharset(const FontChange& change, const std::u16string& font) {
@@ -109,7 +109,7 @@ void setStyleSets(const FontChange& change) {
 
 }  // namespace
 
-void setControlFont(window::Control& control, const std::u16string& name, float size) {
+void setControlFont(window::Control& control, const std::u16string& name, const window::Value& size) {
   const FontRule& rule = ruleFor(control.typeName());
   const FontChange change{control, name, size, rule.charset};
   switch (rule.fonts) {
@@ -134,7 +134,8 @@ void setControlFont(window::Control& control, const std::u16string& name, float 
   }
 }
 
-void setFont(window::Control& control, const std::u16string& path, const std::u16string& name, float size) {
+void setFont(window::Control& control, const std::u16string& path, const std::u16string& name,
+             const window::Value& size) {
   setOne({control, name, size, std::nullopt}, path);
 }
 

@@ -8,11 +8,13 @@
 
 namespace vordane::language {
 
-// Throws window::PropertyError where the control lacks a property, and when the size is not above 0. An
-// empty name keeps the face.
-void setControlFont(window::Control& control, const std::u16string& name, float size);
+// `size` as the row holds it. Throws window::PropertyError where the control lacks a property and when the
+// size is not above 0, automation::AutomationError when it is no number; the name is set by then. An empty
+// name keeps the face.
+void setControlFont(window::Control& control, const std::u16string& name, const window::Value& size);
 
 // The same for one font, named by its property path ("Font", "StyleSets(0).Font"), without character set.
-void setFont(window::Control& control, const std::u16string& path, const std::u16string& name, float size);
+void setFont(window::Control& control, const std::u16string& path, const std::u16string& name,
+             const window::Value& size);
 
 }  // namespace vordane::language

@@ -138,6 +138,7 @@ bool PbxSession::LogInAndSend(cListRequest& record, const ObjectRef& reference) 
     record.Key = form_.jobKey();
   }
   phase_ = Phase::loggingIn;
+  cancelAsked_ = false;
   loginId_ = logIn();
   if (!form_.alive()) return false;
   hostMessage(serverAnswer, loginId_);
@@ -157,21 +158,32 @@ bool PbxSession::LogInAndSend(cListRequest& record, const ObjectRef& reference) 
   if (!form_.alive()) return false;
   // Once the answer has come, what SendRequest said no longer matters.
   const bool answered = phase_ == Phase::idle;
-  const bool refused = !answered && isRefusal(result);
-  if (!answered) phase_ = refused ? Phase::idle : Phase::waiting;
+  if (!answered && !isRefusal(result)) {
+    accepted(result);
+    return true;
+  }
+  phase_ = Phase::idle;
   hostMessage(serverAnswer, result);
   if (!form_.alive()) return false;
-  if (!refused) return accepted();
+  if (answered) return true;
   LogOut(loginId_);
   return form_.alive() && refuse(Failure::sendFailed);
 }
 
-// Waits, unless the answer came while the host was being told.
-bool PbxSession::accepted() {
-  if (phase_ != Phase::waiting) return true;
-  form_.setInputEnabled(false);
-  hostCall(u"TurnOnFlow");
-  return true;
+// The answer is waited for from here on; one that comes before the host knows that much is held.
+void PbxSession::accepted(const std::u16string& result) {
+  phase_ = Phase::waiting;
+  announcing_ = true;
+  hostMessage(serverAnswer, result);
+  if (form_.alive()) {
+    form_.setInputEnabled(false);
+    hostCall(u"TurnOnFlow");
+  }
+  announcing_ = false;
+  const auto answer = std::exchange(held_, std::nullopt);
+  if (!answer) return;
+  showAnswer(*answer);
+  conclude(*answer);
 }
 
 std::u16string PbxSession::logIn() {
@@ -198,6 +210,7 @@ void PbxSession::LogOut(const std::u16string& loginId) {
 
 void PbxSession::CancelRequest() {
   if (isRefusal(loginId_)) return;
+  cancelAsked_ = true;
   try {
     automation::call(*server(), u"CancelRequest", {byRef(request_.pbxName), byRef(loginId_)});
   } catch (const AutomationError&) {
@@ -232,15 +245,32 @@ void PbxSession::CallBack(const ObjectRef& response) {
   if (loginId.empty()) loginId = loginId_;
   if (std::exchange(phase_, Phase::idle) == Phase::interrupted) return LogOut(loginId);
 
-  const bool copied = copy(*response);
-  Answer answer = judge(*response, copied);
-  showAnswer(*response, answer);
-  if (form_.alive() && state_.runMode == RunMode::scheduledRun && form_.logResponse(*response)) {
-    answer.action = action::stopRun;
-    answer.success = true;
+  Answer answer = take(*response);
+  answer.loginId = loginId;
+  if (!announcing_) showAnswer(answer);
+  stopByLog(*response, answer);
+  if (announcing_)
+    held_ = std::move(answer);
+  else
+    conclude(answer);
+}
+
+// All that is read of the record but the run log's lines.
+PbxSession::Answer PbxSession::take(automation::Object& response) {
+  const bool copied = copy(response);
+  Answer answer = judge(response, copied);
+  if (!form_.alive()) return answer;
+  try {
+    answer.message = readText(response, u"Message");
+  } catch (const ServerGone&) {
   }
-  LogOut(loginId);
-  if (form_.alive()) finish(answer);
+  return answer;
+}
+
+void PbxSession::stopByLog(automation::Object& response, Answer& answer) {
+  if (!form_.alive() || state_.runMode != RunMode::scheduledRun || !form_.logResponse(response)) return;
+  answer.action = action::stopRun;
+  answer.success = true;
 }
 
 // False when the record could not be read as a whole.
@@ -293,22 +323,25 @@ PbxSession::Answer PbxSession::judge(automation::Object& response, bool copied) 
   return answer;
 }
 
-void PbxSession::showAnswer(automation::Object& response, const Answer& answer) {
-  if (!form_.alive()) return;
-  try {
-    if (const auto message = readText(response, u"Message")) hostCall(u"ShowMessage", {byVal(*message)});
-  } catch (const ServerGone&) {
-  }
+void PbxSession::showAnswer(const Answer& answer) {
+  if (form_.alive() && answer.message) hostCall(u"ShowMessage", {byVal(*answer.message)});
   if (form_.alive() && !answer.unreadable) hostCall(u"ShowCode", {byVal(answer.errorCode)});
 }
 
-void PbxSession::finish(const Answer& answer) {
+void PbxSession::conclude(const Answer& answer) {
+  LogOut(answer.loginId);
+  if (!form_.alive()) return;
   if (!answer.success || answer.action == action::stopRun)
-    form_.requestFailed(answer.unreadable ? Failure::unreadable : Failure::errorCode, answer.errorCode);
+    form_.requestFailed(failureOf(answer), answer.errorCode);
   if (answer.success)
     form_.actionFollows(answer.action);
   else
     form_.answerFailed();
+}
+
+Failure PbxSession::failureOf(const Answer& answer) const {
+  if (answer.unreadable) return Failure::unreadable;
+  return cancelAsked_ ? Failure::cancelled : Failure::errorCode;
 }
 
 }  // namespace vordane::pbx

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,7 +18,6 @@ namespace vordane::pbx {
 
 // Why the last request came to nothing.
 enum class Failure {
-  none,
   declined,      // the user did not want it sent
   loginBusy,     // "BUSY"
   loginRefused,  // "ERROR", an empty identifier or a raised error
@@ -25,7 +25,7 @@ enum class Failure {
   sendFailed,
   errorCode,   // the answer's code, or a tag that stands for no action
   unreadable,  // the answer could not be read, or its server went away meanwhile
-  cancelled,   // by CancelRequest or an ending
+  cancelled,   // the answer failed after the server was asked to give the request up
 };
 
 // What the conversation needs of the window that holds it.
@@ -77,7 +77,9 @@ class PbxSession {
   bool AcknowledgeFaultList();
   bool AcknowledgeAndClear();
 
-  // An answer from the server. Calls that no request waits for are ignored. Never throws.
+  // An answer from the server. Calls that no request waits for are ignored. Never throws. One that comes
+  // while the host still hears of the acceptance is read at once, since the server may let go of its record;
+  // what follows it waits until the host has taken `TurnOnFlow`, so that the flow is never left turned on.
   void CallBack(const automation::ObjectRef& response);
 
   // Asks the server to give the request up, when a log-in identifier is held.
@@ -86,7 +88,6 @@ class PbxSession {
   void interrupt();
   void release();  // lets go of the exchange server
 
-  bool pending() const { return phase_ != Phase::idle && phase_ != Phase::interrupted; }
   const cListRequest& response() const { return copy_; }
   bool responseTruncated() const { return truncated_; }
   const std::u16string& requestName() const { return request_.pbxName; }
@@ -104,12 +105,14 @@ class PbxSession {
     bool unreadable = false;
     std::int32_t errorCode = 0;
     std::int16_t action = 0;
+    std::u16string loginId;
+    std::optional<std::u16string> message;
   };
 
   void takeRegistered();
   bool send(std::int16_t kind, std::u16string_view secondData, std::u16string_view tag, bool list);
   bool LogInAndSend(cListRequest& record, const automation::ObjectRef& reference);
-  bool accepted();
+  void accepted(const std::u16string& result);
   bool refuse(Failure failure);
   std::u16string logIn();
   std::u16string sendRequest(const automation::ObjectRef& record);
@@ -119,8 +122,11 @@ class PbxSession {
   bool copy(automation::Object& response);
   void copyEntries(automation::Object& response, std::int32_t count);
   Answer judge(automation::Object& response, bool copied);
-  void showAnswer(automation::Object& response, const Answer& answer);
-  void finish(const Answer& answer);
+  Answer take(automation::Object& response);
+  void stopByLog(automation::Object& response, Answer& answer);
+  void showAnswer(const Answer& answer);
+  void conclude(const Answer& answer);
+  Failure failureOf(const Answer& answer) const;
 
   automation::ObjectRef server();  // Parent.oPBX, read afresh, or the own one; throws AutomationError
   void hostCall(std::u16string_view member, std::initializer_list<automation::Argument> arguments = {});
@@ -132,6 +138,9 @@ class PbxSession {
   std::u16string loginId_;
   Request request_;
   Phase phase_ = Phase::idle;
+  bool announcing_ = false;  // the host is being told that the request was accepted
+  bool cancelAsked_ = false;
+  std::optional<Answer> held_;  // came meanwhile
   cListRequest copy_;
   bool truncated_ = false;
 };

@@ -82,6 +82,10 @@ class Database {
 
   // Called from inside long steps (now and then, never inside a short one); may only paint.
   virtual void setProgress(std::function<void()> progress) = 0;
+
+  // Lets go of the file before this object goes, as soon as no recordset or row list of it is left; a step
+  // that still waits further down the stack finds the object, and an error (3420). Closing again does nothing.
+  virtual void close() noexcept = 0;
 };
 
 class Engine {

@@ -78,6 +78,9 @@ class ViewEvents {
   virtual void tick() = 0;  // tmrEvent
 };
 
+// The status line's parts: the account of the lists, the number of faults shown, the processor texts.
+inline constexpr int accountPart = 0, countPart = 1, processorPart = 2;
+
 class View {
  public:
   virtual ~View() = default;
@@ -95,7 +98,6 @@ class View {
   virtual void setRows(GridSource* rows) = 0;                 // nullptr: empty grid
   virtual void setSortMark(int column, bool descending) = 0;  // -1: none
   virtual void setLamp(bool major, bool lit) = 0;             // drawn in words besides the label's colour
-  // The status line's parts: the account of the last list, the number of faults, the processor texts.
   virtual void setStatus(int part, std::u16string_view text) = 0;
   // What stands in the empty grid's place: what is being waited for, what failed, what to press.
   virtual void setNotice(std::u16string_view text) = 0;

@@ -22,7 +22,6 @@ namespace {
 using automation::byRef;
 using automation::byVal;
 
-constexpr int accountPart = 0, processorPart = 2;
 constexpr std::u16string_view lastNarrowGeneration = u"M";
 
 struct Loader {
@@ -119,7 +118,7 @@ void dlgFaultDisplay::localise() {
   // Rows shown while loading may have asked for the decoder before its lists were there.
   decoder_.reset();
   helpTexts_ = comLanguage::LoadHelpTexts(model_, language);
-  view().setStatus(accountPart,
+  view().setStatus(window::accountPart,
                    textsIncomplete_.empty()
                        ? messageText(state(), message::statusNoList)
                        : fillText(messageText(state(), message::statusTextsIncomplete), {textsIncomplete_}));
@@ -149,10 +148,13 @@ void dlgFaultDisplay::Unload() {
   if (state().StandAlone || userCount_ < 1) endProcess();
 }
 
-// A step that waits further down the stack may still hold a recordset: what is closed lives until it returns.
+// A step that waits further down the stack may still name a database: what is closed lives until it returns.
 void dlgFaultDisplay::closeDatabases() {
-  if (application_.LangDB) retired_.push_back(std::move(application_.LangDB));
-  if (faultDatabase_) retired_.push_back(std::move(faultDatabase_));
+  for (auto* database : {&application_.LangDB, &faultDatabase_}) {
+    if (!*database) continue;
+    (*database)->close();
+    retired_.push_back(std::move(*database));
+  }
 }
 
 void dlgFaultDisplay::endProcess() {
@@ -226,7 +228,7 @@ void dlgFaultDisplay::setPBXName(const std::u16string& name) {
 
 void dlgFaultDisplay::showProcessorTexts() {
   const std::size_t number = state().WideFaultFields ? message::statusWide : message::statusNarrow;
-  view().setStatus(processorPart, messageText(state(), number));
+  view().setStatus(window::processorPart, messageText(state(), number));
 }
 
 bool dlgFaultDisplay::visible() {

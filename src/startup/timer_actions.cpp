@@ -10,7 +10,6 @@
 namespace vordane {
 namespace {
 
-constexpr int accountPart = 0;
 constexpr int keyF1 = 112;
 constexpr int rightButton = 2;
 constexpr std::u16string_view helpFile = u"VORDANE.HLP";
@@ -176,8 +175,6 @@ std::u16string dlgFaultDisplay::reasonText(pbx::Failure failure, std::int32_t er
     case Failure::cancelled:
     case Failure::declined:
       return text(message::reasonCancelled);
-    case Failure::none:
-      break;
   }
   return {};
 }
@@ -190,7 +187,7 @@ void dlgFaultDisplay::requestFailed(pbx::Failure failure, std::int32_t errorCode
 void dlgFaultDisplay::showAttemptFailed(const std::u16string& reason) {
   failed_ = true;
   const auto now = clock().regional(clock().now());
-  view().setStatus(accountPart, fillText(messageText(state(), message::statusAttemptFailed), {now, reason}));
+  view().setStatus(window::accountPart, fillText(messageText(state(), message::statusAttemptFailed), {now, reason}));
   view().setNoticeKind(window::NoticeKind::failure);
   view().setNotice(
       fillText(messageText(state(), message::noticeRequestFailed), {session_.requestName(), reason}));

@@ -246,7 +246,7 @@ void FaultStore::showRows() {
 
 void FaultStore::showCount() {
   const auto rows = text::decimal(static_cast<std::int64_t>(grid_.size()));
-  form_.view().setStatus(countPart, fillText(messageText(form_.state(), message::statusFaultCount), {rows}));
+  form_.view().setStatus(window::countPart, fillText(messageText(form_.state(), message::statusFaultCount), {rows}));
 }
 
 void FaultStore::showNotice() {

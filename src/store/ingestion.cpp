@@ -242,7 +242,7 @@ void FaultStore::IngestFaultList() {
 
 void FaultStore::tellAccount(const ListAccount& account) {
   account_ = account;
-  form_.view().setStatus(accountPart, statusText(form_.state(), account));
+  form_.view().setStatus(window::accountPart, statusText(form_.state(), account));
   form_.listTaken(account);
 }
 

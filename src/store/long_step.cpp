@@ -47,7 +47,7 @@ void LongStep::paint() {
   if (!due()) return;
   const auto done = text::decimal(static_cast<std::int64_t>(done_));
   const auto of = text::decimal(static_cast<std::int64_t>(of_));
-  form_.view().setStatus(countPart, fillText(messageText(form_.state(), pattern_), {done, of}));
+  form_.view().setStatus(window::countPart, fillText(messageText(form_.state(), pattern_), {done, of}));
   form_.view().paintNow();
 }
 

@@ -11,9 +11,6 @@
 
 namespace vordane::store {
 
-// The parts of the status line that the store writes.
-inline constexpr int accountPart = 0, countPart = 1;
-
 class LongStep {
  public:
   // `pattern` is a message; a place {1} takes what is done, {2} what there is to do.

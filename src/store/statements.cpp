@@ -4,6 +4,8 @@
 
 namespace vordane::store {
 
+using namespace std::string_view_literals;
+
 std::u16string findExchange(std::u16string_view name) {
   std::u16string statement = u"Select * FROM PBXList WHERE PBXName = \"";
   return statement.append(name).append(u"\"");
@@ -14,22 +16,23 @@ std::u16string selectExchange(std::u16string_view name, std::int16_t id) {
   return statement.append(name).append(u"' AND ID = ").append(text::decimal(id));
 }
 
+// Built once for each fault received.
 std::u16string findFault(std::int16_t id, const FaultColumns& columns) {
   std::u16string statement;
   statement.reserve(160 + columns.description.size());
-  return statement.append(u"Select * FROM FaultDisplay WHERE ID = ")
+  return statement.append(u"Select * FROM FaultDisplay WHERE ID = "sv)
       .append(text::decimal(id))
-      .append(u" AND Fault = '")
+      .append(u" AND Fault = '"sv)
       .append(columns.fault)
-      .append(u"' AND CPU = '")
+      .append(u"' AND CPU = '"sv)
       .append(columns.cpu)
-      .append(u"' AND Alarm = '")
+      .append(u"' AND Alarm = '"sv)
       .append(columns.alarm)
-      .append(u"' AND Date = '")
+      .append(u"' AND Date = '"sv)
       .append(columns.date)
-      .append(u"' AND Description = \"")
+      .append(u"' AND Description = \""sv)
       .append(columns.description)
-      .append(u"\"");
+      .append(u"\""sv);
 }
 
 std::u16string faultsOfExchange(std::int16_t id, SortKey key) {

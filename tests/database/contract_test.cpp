@@ -1,5 +1,7 @@
 #include "database/contract.h"
 
+#include <filesystem>
+
 #include "text/utf8.h"
 
 namespace vordane::database {
@@ -124,6 +126,17 @@ TEST_P(DatabaseContract, ANumberIsNeverUsedAgain) {
   dropped->close();
   addExchange(*database, u"C");
   EXPECT_EQ(column(*database, u"Select * FROM PBXList", u"ID"), (std::vector<std::string>{"1", "4"}));
+}
+
+TEST_P(DatabaseContract, AClosedDatabaseLetsTheFileGoAndRefusesEveryStep) {
+  const auto database = open(Layout::faults);
+  addExchange(*database, u"P1");
+  database->close();
+  EXPECT_FALSE(std::filesystem::exists(std::filesystem::path(path_ + u"-wal"))) << "nothing is kept open";
+  EXPECT_EQ(numberOfError([&] { database->openRecordset(u"Select * From PBXList"); }), 3420);
+  EXPECT_EQ(numberOfError([&] { database->execute(u"Delete From PBXList Where ID = 1"); }), 3420);
+  database->setProgress({});
+  database->close();
 }
 
 TEST_P(DatabaseContract, AnAddThatIsClosedLeavesNothing) {

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,6 +31,9 @@ class EngineUnderTest {
 struct EngineFactory {
   std::string name;
   std::function<std::unique_ptr<EngineUnderTest>()> make;
+
+  // What a failing test calls it.
+  friend void PrintTo(const EngineFactory& factory, std::ostream* out) { *out << factory.name; }
 };
 
 }  // namespace vordane::database

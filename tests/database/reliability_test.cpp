@@ -191,62 +191,6 @@ TEST(TwoProcesses, BothAddAndNothingIsLostOrTwice) {
   expectWhole(path);
 }
 
-// What a caller does with a database, from opening to closing.
-void useEverything(database::Engine& engine, const std::u16string& path) {
-  const auto database = engine.open(path, false);
-  for (const char16_t* statement :
-       {u"Select * FROM PBXList", u"SELECT * FROM PBXList Order by [TimeStamp] Desc",
-        u"Select * from FaultDisplay", u"SELECT * FROM FaultDisplay Order by [Date] Desc"})
-    numberOfError([&] {
-      const auto rows = database->openRecordset(statement);
-      for (int i = 0; i < 500 && !rows->atEnd(); ++i, rows->moveNext())
-        for (std::size_t k = 0; k < 5; ++k) rows->get(k);
-    });
-  for (int i = 0; i < 40; ++i)
-    numberOfError([&] {
-      if (!isStored(*database, faultOf(i * 3))) addFault(*database, faultOf(i * 3));
-    });
-  const std::u16string_view columns[] = {u"Count", u"Description"};
-  numberOfError([&] {
-    const auto rows = database->openRowList(
-        u"SELECT * FROM FaultDisplay WHERE ID = 1 Order by [Description] Asc, [Fault] Asc, [Alarm] Asc, "
-        u"[Date] Asc, "
-        u"[Count] Asc, [CPU] Asc",
-        columns);
-    std::vector<Value> values;
-    for (std::size_t i = 0; i < rows->size(); ++i) rows->fetch(i, values);
-  });
-  numberOfError([&] { database->execute(u"DELETE FROM FaultDisplay WHERE ID = 2"); });
-}
-
-TEST(Damage, ADamagedCopyGivesAnErrorOrAnAnswer) {
-  EmbeddedUnderTest under;
-  const std::u16string path = under.make(Layout::faults);
-  {
-    const auto database = under.engine().open(path, false);
-    database->beginBatch();
-    for (int i = 0; i < 100; ++i) addFault(*database, faultOf(i));
-    addExchange(*database, u"A");
-    database->endBatch();
-  }
-  std::ifstream file(std::filesystem::path(path), std::ios::binary);
-  const std::string good{std::istreambuf_iterator<char>(file), {}};
-  std::mt19937 random(11);
-  for (int round = 0; round < rounds(100); ++round) {
-    std::string bytes = good;
-    for (unsigned i = 1 + random() % 20; i > 0; --i) {
-      const std::size_t range = random() % 2 == 0 ? 200 : bytes.size();
-      bytes[random() % range] = static_cast<char>(random());
-    }
-    if (random() % 10 == 0) bytes.resize(random() % bytes.size());
-    const auto copy = (under.folder() / "copy").u16string();
-    for (const char* suffix : {"copy", "copy-wal", "copy-shm", "copy-journal"})
-      std::filesystem::remove(under.folder() / suffix);
-    std::ofstream(std::filesystem::path(copy), std::ios::binary) << bytes;
-    numberOfError([&] { useEverything(under.engine(), copy); });
-  }
-}
-
 TEST(Damage, WhatIsFoundDamagedIsNotWrittenAgain) {
   EmbeddedUnderTest under;
   const std::u16string path = under.make(Layout::faults);
@@ -341,42 +285,6 @@ TEST(Failure, EveryAllocationMayFail) {
     if (HasFailure()) FAIL() << "after failure " << n;
   }
   EXPECT_GT(n, 100);
-}
-
-TEST(Killed, NothingReportedAsSavedIsLost) {
-  EmbeddedUnderTest under;
-  std::mt19937 random(3);
-  for (int round = 0; round < rounds(20); ++round) {
-    const std::u16string path = under.make(Layout::faults);
-    int reports[2];
-    ASSERT_EQ(pipe(reports), 0);
-    Child child([&] {
-      const auto database = makeEngine()->open(path, false);
-      for (int list = 0; list < 1000; ++list) {
-        database->beginBatch();
-        for (int i = 0; i < 20; ++i) addFault(*database, faultOf(list * 20 + i));
-        database->endBatch();
-        const int saved = (list + 1) * 20;
-        if (write(reports[1], &saved, sizeof saved) != sizeof saved) return 1;
-      }
-      return 0;
-    });
-    close(reports[1]);
-    usleep(1000 + random() % 60000);
-    child.kill();
-    child.wait();
-    int saved = 0, next = 0;
-    while (read(reports[0], &next, sizeof next) == sizeof next) saved = next;
-    close(reports[0]);
-    {
-      const auto database = under.engine().open(path, false);
-      isStored(*database, faultOf(0));
-      for (int i = std::max(0, saved - 40); i < saved; ++i) ASSERT_TRUE(isStored(*database, faultOf(i))) << i;
-    }
-    EXPECT_GE(std::stoi(check(path, "SELECT count(*) FROM FaultDisplay")), saved);
-    expectWhole(path);
-    std::filesystem::remove(std::filesystem::path(path));
-  }
 }
 
 }  // namespace

@@ -204,6 +204,7 @@ class FakeEngine : public database::Engine {
     void checkpoint() override {}
     void endBatch() override {}
     void setProgress(std::function<void()>) override {}
+    void close() noexcept override {}
 
    private:
     const FakeFaultDatabase& content_;

@@ -97,6 +97,8 @@ struct BadCase {
   const char* text;
   int line;
   const char16_t* problem;
+
+  friend void PrintTo(const BadCase& bad, std::ostream* out) { *out << testing::PrintToString(bad.text); }
 };
 
 class BadScript : public testing::TestWithParam<BadCase> {};

@@ -15,7 +15,7 @@ class MemoryView : public window::View {
   void detach() override { attached = false; }
   void setVisible(bool on) override { shown = on; }
   bool visible() override { return shown; }
-  void refresh() override {}
+  void refresh() override { ++refreshed; }
   void setInputEnabled(bool on) override { inputEnabled = on; }
   void setHourglass(bool on) override { hourglass = on; }
   void startTimer(int milliseconds) override { timer = milliseconds; }
@@ -49,7 +49,7 @@ class MemoryView : public window::View {
   bool attached = false, shown = false, inputEnabled = true, hourglass = false;
   int timer = 0;
   window::GridSource* rows = nullptr;
-  int rowsSet = 0;
+  int rowsSet = 0, refreshed = 0;
   int sortColumn = -1;
   bool sortDescending = false;
   bool majorLit = false, minorLit = false;

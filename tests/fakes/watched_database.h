@@ -50,6 +50,7 @@ class WatchedDatabase : public database::Database {
     progress = callback;
     inner_->setProgress(std::move(callback));
   }
+  void close() noexcept override { inner_->close(); }
   database::Database& inner() { return *inner_; }
 
  private:

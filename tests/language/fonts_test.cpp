@@ -2,6 +2,7 @@
 
 #include "language/control_fonts.h"
 #include "language_database.h"
+#include "text/utf8.h"
 
 namespace vordane {
 namespace {
@@ -10,6 +11,8 @@ struct FontCase {
   const char16_t* type;
   std::vector<std::u16string> fonts;  // every font that is set
   int charset;                        // 0: as designed
+
+  friend void PrintTo(const FontCase& font, std::ostream* out) { *out << text::toUtf8(font.type); }
 };
 
 class ControlFonts : public testing::TestWithParam<FontCase> {};
@@ -61,7 +64,12 @@ TEST(ControlFont, AnEmptyNameKeepsTheFaceAndASizeMustBeAboveZero) {
   EXPECT_EQ(label.text(u"Font.Name"), u"Arial");
   EXPECT_EQ(automation::toDouble(label.get(u"FontSize")), 12);
   EXPECT_THROW(language::setControlFont(label, u"Tahoma", 0), window::PropertyError);
+  EXPECT_EQ(label.text(u"Font.Name"), u"Tahoma") << "set before the size";
+  EXPECT_EQ(automation::toDouble(label.get(u"FontSize")), 12);
+  EXPECT_EQ(label.number(u"Font.Charset"), 204) << "of the first call; the failing ones end before theirs";
   EXPECT_THROW(language::setControlFont(label, u"Tahoma", -1), window::PropertyError);
+  EXPECT_THROW(language::setControlFont(label, u"Verdana", automation::Null{}), automation::AutomationError);
+  EXPECT_EQ(label.text(u"Font.Name"), u"Verdana");
 }
 
 TEST(ControlFont, AControlWithoutTheFontFails) {

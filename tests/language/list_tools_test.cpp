@@ -12,6 +12,7 @@ TEST(ItemData, TheFirstEqualEntryIsFound) {
   window::Form form = fakes::makeForm();
   window::Control& list = fakes::addControl(form, u"drpPBXList", u"ComboBox");
   EXPECT_EQ(FindItemDataIndex(list, std::int16_t{5}), -1);
+  EXPECT_EQ(FindItemDataIndex(list, std::int32_t{70000}), -1) << "nothing to compare it with";
   for (const int data : {3, 5, 5}) list.setItemData(list.addItem(u"x"), data);
   EXPECT_EQ(FindItemDataIndex(list, std::int16_t{5}), 1);
   EXPECT_EQ(FindItemDataIndex(list, std::u16string(u"3")), 0);

@@ -50,6 +50,8 @@ TEST_F(Loaders, WindowRowFailsOnNullCaptionAndUselessSizes) {
     other.with(u"tForms", {{t(form16), t(u"new"), t(u"Tahoma"), size}});
     EXPECT_FALSE(comLanguage::LocaliseForm(form, other.open()));
     EXPECT_EQ(form.self().text(u"Caption"), u"new");  // what was applied before stays
+    EXPECT_EQ(form.self().text(u"Font.Name"), u"Tahoma");
+    form.self().set(u"Font.Name", std::u16string(u"Arial"));
   }
 }
 
@@ -183,6 +185,20 @@ TEST_F(Loaders, NoMessagesAreAnEmptyArray) {
   std::vector<std::u16string> messages{u"old"};
   EXPECT_TRUE(comLanguage::LoadTextArray(messages, u"tMessages", language.open()));
   EXPECT_TRUE(messages.empty());
+}
+
+TEST_F(Loaders, ANumberBelowTheCountsOwnIsFalse) {
+  language.with(u"tMessages", {{n(-7), t(u"-3")}, {n(0), t(u"zero")}});
+  std::vector<std::u16string> messages;
+  EXPECT_FALSE(comLanguage::LoadTextArray(messages, u"tMessages", language.open()));
+}
+
+TEST_F(Loaders, MoreMessagesThan16BitsCountAreFalse) {
+  std::vector<Row> rows;
+  for (int id = 0; id <= 32767; ++id) rows.push_back({n(id), t(u"x")});
+  language.with(u"tMessages", rows);
+  std::vector<std::u16string> messages;
+  EXPECT_FALSE(comLanguage::LoadTextArray(messages, u"tMessages", language.open()));
 }
 
 TEST_F(Loaders, AMissingMessageTableIsFalse) {

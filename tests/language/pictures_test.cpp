@@ -80,6 +80,14 @@ TEST_F(Backgrounds, AListBarTakesItAsBackgroundAndIsNotMoved) {
   EXPECT_EQ(bar.number(u"Left"), 70);
 }
 
+TEST_F(Backgrounds, ATreeTakesItAsBackgroundToo) {
+  window::Control& tree = fakes::addControl(form, u"treAll", u"SSTree");
+  tree.set(u"Left", std::int32_t{70});
+  EXPECT_TRUE(apply({row(u"treAll", t(u"B.BMP"), u"me")}));
+  EXPECT_EQ(tree.text(u"PictureBackground"), u"C:\\BACKGRND\\B.BMP");
+  EXPECT_EQ(tree.number(u"Left"), 70);
+}
+
 TEST_F(Backgrounds, RowsWithoutAPictureAreSkipped) {
   EXPECT_TRUE(apply({row(u"imgBackground", t(u"-1"), u"me"), row(u"imgBackground", null, u"me"),
                      row(u"imgBackground", t(u""), u"me"), row(u"imgBackground", t(u"MISSING.BMP"), u"me")}));

@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -127,6 +128,14 @@ TEST_F(RunLog, AnErrorStopsTheRunWhenTheOptionsSaySo) {
   state.ScheduleErrorStop = u"False";
   EXPECT_FALSE(comSchedule::LogResponse(environment, record));
   EXPECT_EQ(state.RunState, 0);
+}
+
+TEST_F(RunLog, ACodeBeyond16BitsIsKeptAsItsLimit) {
+  cListRequest record;
+  fill(record, 70000);
+  EXPECT_TRUE(comSchedule::LogResponse(environment, record));
+  EXPECT_THAT(log(), testing::StartsWith("2026-11-20 21:14:05 ErrCode = 70000\r\n"));
+  EXPECT_EQ(state.LastErrCode, 32767);
 }
 
 TEST_F(RunLog, Code61AlwaysStopsTheRun) {

@@ -224,19 +224,48 @@ TEST_F(Conversation, AnAnswerBeforeSendRequestHasReturnedWinsOverItsText) {
   EXPECT_EQ(view.timer, 100);
 }
 
-TEST_F(Conversation, AnAnswerWhileTheHostHearsOfTheAcceptanceIsTakenToo) {
+// A host is slow, or asked for the number of a member's name first: the answer overtakes what it is told.
+TEST_F(Conversation, AnAnswerWhileTheHostHearsOfTheAcceptanceFollowsItsTurn) {
+  for (const char16_t* member : {u"ShowMessage", u"TurnOnFlow"}) {
+    SCOPED_TRACE(text::toUtf8(member));
+    if (!application) startWithHost();
+    host->meanwhile[member] = [&] {
+      if (trace.back() != "ShowMessage PBX ACCEPTED" && trace.back() != "TurnOnFlow") return;
+      exchange().answer(0, oneFault());
+      EXPECT_EQ(form().response().Count(), 4) << "read while the server still keeps its record";
+      EXPECT_FALSE(tick());
+    };
+    pressAndTick(0);
+    host->meanwhile.clear();
+    EXPECT_THAT(taken(),
+                ElementsAre("(hourglass)", "Login PBX-1&", "ShowMessage PBX L1", listRequest,
+                            "ShowMessage PBX ACCEPTED", "(disabled)", "TurnOnFlow", "ShowMessage Done",
+                            "ShowCode 0", "LogOut PBX-1& L1&", "TurnOffFlow", "(enabled)", "(pointer)"));
+    EXPECT_TRUE(view.inputEnabled);
+    exchange().answer(0, oneFault());
+    EXPECT_THAT(taken(), IsEmpty()) << "one answer for each request";
+    tick();
+    exchange().answerLamps(u"00");
+    tick();
+    EXPECT_FALSE(state.busy);
+    taken();
+  }
+}
+
+TEST_F(Conversation, AFailedAnswerWhileTheFlowIsTurnedOnEndsTheActionBehindIt) {
   startWithHost();
-  host->meanwhile[u"ShowMessage"] = [&] {
-    if (trace.back() == "ShowMessage PBX ACCEPTED") exchange().answer(0, oneFault());
-  };
+  host->meanwhile[u"TurnOnFlow"] = [&] { exchange().answer(61); };
   pressAndTick(0);
-  EXPECT_TRUE(view.inputEnabled) << "nothing is waited for any more";
-  EXPECT_THAT(trace, testing::Not(testing::Contains("TurnOnFlow")));
-  EXPECT_EQ(view.timer, 100);
+  const Lines lines = taken();
+  EXPECT_EQ(Lines(lines.end() - 7, lines.end()),
+            (Lines{"TurnOnFlow", "ShowMessage ", "ShowCode 61", "LogOut PBX-1& L1&", "TurnOffFlow",
+                   "(enabled)", "(pointer)"}));
+  EXPECT_FALSE(state.busy);
+  EXPECT_EQ(view.timer, 0);
 }
 
 TEST_F(Conversation, OnlyTheKnownTagsLeadToAnAction) {
-  for (const char16_t* tag : {u"5", u"", u"100", u"list"}) {
+  for (const char16_t* tag : {u"5", u"6", u"0", u"99", u"", u"100", u"list"}) {
     if (!application) startWithHost();
     pressAndTick(0);
     const auto answer = exchange().record();
@@ -257,6 +286,39 @@ TEST_F(Conversation, AnEntryThatCantBeReadIsEmptyAtItsPlace) {
   EXPECT_EQ(form().response().FirstData(0), u"");
   EXPECT_EQ(form().response().CMD(1), u"LEA0");
   EXPECT_EQ(view.timer, 100);
+}
+
+TEST_F(Conversation, OnlyTheCommandAndItsDataAreCopied) {
+  startWithHost();
+  pressAndTick(0);
+  const auto answer = exchange().record();
+  automation::call(*exchange().request, u"AddToList",
+                   {automation::byVal(u"c"s), automation::byVal(u"f"s), automation::byVal(u"s"s),
+                    automation::byVal(u"e"s), automation::byVal(u"d"s)});
+  for (const char16_t* column : {u"CK", u"ERMFP", u"MSGFP"}) {
+    automation::Argument arguments[] = {automation::byVal(std::int16_t{0}), automation::byVal(u"x"s)};
+    exchange().request->invoke(column, automation::CallKind::put, arguments);
+  }
+  exchange().callBack(answer);
+  const char16_t* const copied[cListRequest::columnCount] = {u"c", u"f", u"s", u"e", u"", u"", u"", u""};
+  for (std::size_t i = 0; i < cListRequest::columnCount; ++i)
+    EXPECT_EQ(form().response().at(static_cast<cListRequest::Column>(i), 0), copied[i]) << i;
+}
+
+TEST_F(Conversation, TheWindowGoesByValueAndTheRecordByReference) {
+  startWithHost();
+  bool callerByReference = true, recordByReference = false;
+  exchange().on(u"Login", [&](auto arguments) {
+    callerByReference = arguments[1].byReference;
+    return automation::Value(u"L1"s);
+  });
+  exchange().on(u"SendRequest", [&](auto arguments) {
+    recordByReference = arguments[0].byReference;
+    return automation::Value(u"ERROR"s);
+  });
+  pressAndTick(0);
+  EXPECT_FALSE(callerByReference);
+  EXPECT_TRUE(recordByReference);
 }
 
 TEST_F(Conversation, AServerThatVanishesInTheMiddleIsAFailure) {
@@ -299,8 +361,10 @@ TEST_F(Conversation, AHostThatRaisesEverywhereStopsNothing) {
   startWithHost();
   for (const char16_t* name : {u"ShowMessage", u"ShowCode", u"TurnOnFlow", u"TurnOffFlow"})
     host->remove(name);
+  exchange().remove(u"LogOut");
   pressAndTick(0);
   exchange().answer(0, oneFault());
+  EXPECT_TRUE(view.inputEnabled);
   tick();
   exchange().answerLamps(u"01");
   tick();

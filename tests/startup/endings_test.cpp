@@ -30,6 +30,17 @@ TEST_F(Endings, CancelWhileNothingRunsUnloadsAndTellsTheHost) {
   EXPECT_FALSE(process.ended) << "the host still holds its layer";
 }
 
+TEST_F(Endings, TheDatabasesAreClosedBeforeTheHostIsTold) {
+  startWithHost();
+  const std::filesystem::path log(engine.file(u"FAULT.MDB") + u"-wal");
+  EXPECT_TRUE(std::filesystem::exists(log)) << "as long as somebody has it open";
+  bool open = true;
+  host->meanwhile[u"UnloadChild"] = [&] { open = std::filesystem::exists(log); };
+  callInteger(u"CancelSchedule");
+  EXPECT_THAT(taken(), testing::Contains("UnloadChild 7&"));
+  EXPECT_FALSE(open) << "the host may copy or move the file at once";
+}
+
 TEST_F(Endings, AfterTheUnloadTheLayerAnswersAndDoesNothing) {
   startWithHost();
   view.place = {30, 40};
@@ -119,6 +130,22 @@ TEST_F(Endings, ACancelWhileTheAnswerIsCopiedLogsOutAndDoesNoMore) {
   EXPECT_FALSE(tick());
 }
 
+TEST_F(Endings, ACancelBehindAnAnswerThatHadToWaitLogsOutAndDoesNoMore) {
+  startWithHost();
+  host->meanwhile[u"TurnOnFlow"] = [&] {
+    exchange().answer(0, oneFault());
+    callInteger(u"CancelSchedule");
+  };
+  press(0);
+  taken();
+  tick();
+  const Lines lines = taken();
+  EXPECT_EQ(Lines(lines.end() - 6, lines.end()),
+            (Lines{"TurnOnFlow", "(stops serving)", "(window gone)", "UnloadChild 7&", "LogOut PBX-1& L1&",
+                   "TurnOffFlow"}));
+  EXPECT_FALSE(tick());
+}
+
 TEST_F(Endings, AHostThatLetsGoWhileItIsToldEndsTheProcessOnce) {
   startWithHost();
   host->meanwhile[u"UnloadChild"] = [&] { layer.reset(); };
@@ -166,22 +193,40 @@ TEST_F(Endings, TheTitleBarCancelsTheRequestOfARun) {
   EXPECT_TRUE(view.attached);
 }
 
-TEST_F(Endings, TheTitleBarCancelsNothingWhereNoLogInSucceeded) {
-  startWithHost();
-  runSchedule(u"3");
-  state.schedule.ScheduleCount = 9;
-  taken();
-  form().closeAsked();
-  EXPECT_THAT(taken(), IsEmpty()) << "nobody has logged in yet";
-  tick();
-  for (const auto* refusal : {u"BUSY", u"ERROR", u""}) {
-    exchange().loginAnswer = std::u16string(refusal);
+TEST_F(Endings, TheTitleBarCancelsNothingWithoutAnIdentifier) {
+  for (const char16_t* answer : {u"BUSY", u"ERROR", u""}) {
+    exchange().loginAnswer = std::u16string(answer);
+    startWithHost();
+    runSchedule(u"3");
+    form().closeAsked();
     tick();
+    tick();  // the first run's log-in fails and the second is due
     taken();
     form().closeAsked();
-    EXPECT_THAT(taken(), IsEmpty()) << text::toUtf8(refusal);
+    EXPECT_THAT(taken(), IsEmpty()) << text::toUtf8(answer);
     EXPECT_TRUE(view.attached);
+    layer.reset();
+    view.timer = 0;
   }
+}
+
+TEST_F(Endings, AHostThatKeepsNoDataIsLeftAllTheSame) {
+  startWithHost();
+  host->remove(u"REGComData");
+  layer.reset();
+  EXPECT_THAT(taken(), ElementsAre("(stops serving)", "(window gone)", "(process ends)"));
+}
+
+TEST_F(Endings, ARequestGivenUpIsCalledCancelledInTheLog) {
+  startWithHost();
+  runSchedule(u"1");
+  tick();
+  tick();
+  form().closeAsked();
+  exchange().answer(61);
+  tick();
+  EXPECT_THAT(log(), testing::Contains("failed: cancelled"));
+  EXPECT_THAT(log(), testing::Not(testing::Contains("failed: code 61")));
 }
 
 TEST_F(Endings, TheTitleBarWhileAJobIsMadeCancelsIt) {

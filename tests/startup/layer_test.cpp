@@ -36,6 +36,7 @@ TEST_F(Layer, RegistrationGoesStepByStep) {
   EXPECT_EQ(form().form().self().text(u"Caption"), u"Faults (PBX-1)");
   EXPECT_EQ(application->texts.Title, u"Fault display (PBX-1)");
   EXPECT_EQ(process.watched, host);
+  EXPECT_THAT(creator.asked, IsEmpty()) << "the host lends its exchange server";
 }
 
 TEST_F(Layer, TheTitleCarriesAnExchangeOnce) {
@@ -44,6 +45,8 @@ TEST_F(Layer, TheTitleCarriesAnExchangeOnce) {
   EXPECT_EQ(application->texts.Title, u"Fault display (P1)");
   registerPbx(u"P2");
   EXPECT_EQ(application->texts.Title, u"Fault display (P1) (P2)");
+  registerPbx(u"p1");
+  EXPECT_EQ(application->texts.Title, u"Fault display (P1) (P2) (p1)") << "compared with regard to case";
 }
 
 TEST_F(Layer, AnEmptyNameClearsTheFlagsAndAsksNothing) {
@@ -84,11 +87,36 @@ TEST_F(Layer, AHostWithoutItsAccessComponentHearsTheError) {
   }
   EXPECT_TRUE(state.WideFaultFields) << "no answer counts as a new exchange";
   EXPECT_EQ(form().form().self().text(u"Caption"), u"Faults (PBX-1)");
+  EXPECT_EQ(application->texts.Title, u"Fault display (PBX-1)");
+  taken();
+  callInteger(u"CancelSchedule");
+  EXPECT_THAT(taken(), testing::Contains("UnloadChild 0&")) << "the identifier comes behind the error";
+}
+
+TEST_F(Layer, CapabilitiesAreConvertedAndLostOnlyByAnAnswer) {
+  host->sysInfo = std::u16string(u"13.6");
+  startWithHost();
+  EXPECT_EQ(state.SysInfo, 14);
+  EXPECT_TRUE(state.SysInfoBit2 && state.SysInfoBit4 && state.SysInfoBit8);
+  const std::pair<automation::Value, int> unusable[] = {
+      {std::int32_t{40000}, 6}, {std::u16string(u"none"), 13}, {automation::Null{}, 13}};
+  for (const auto& [answer, number] : unusable) {
+    host->sysInfo = answer;
+    try {
+      registerPbx(u"PBX-1");
+      ADD_FAILURE() << "no error " << number;
+    } catch (const automation::AutomationError& failure) {
+      EXPECT_EQ(failure.code(), automation::error::runTime(number));
+    }
+    EXPECT_EQ(state.SysInfo, 14);
+    EXPECT_TRUE(state.SysInfoBit2 && state.SysInfoBit4 && state.SysInfoBit8);
+  }
 }
 
 TEST_F(Layer, TheProcessorGenerationDecidesTheFieldWidth) {
-  const std::pair<const char16_t*, bool> cases[] = {
-      {u"SC-1000 M1", false}, {u"SC-1000 N", true}, {u"SC-1000 4.2", false}, {u"SC-1000", true}, {u"", true}};
+  const std::pair<const char16_t*, bool> cases[] = {{u"SC-1000 M1", false}, {u"SC-1000 M", false},
+                                                    {u"SC-1000 N", true},   {u"SC-1000 4.2", false},
+                                                    {u"SC-1000", true},     {u"", true}};
   start();
   layer = createLayer();
   for (const auto& [version, wide] : cases) {
@@ -129,8 +157,10 @@ TEST_F(Layer, AMissingDatabaseStillAcknowledges) {
 
 TEST_F(Layer, VisibleShowsAndHides) {
   startWithHost();
+  const int refreshed = view.refreshed;
   automation::put(*layer, u"Visible", true);
   EXPECT_TRUE(view.shown);
+  EXPECT_EQ(view.refreshed, refreshed + 1);
   EXPECT_TRUE(automation::toBoolean(automation::get(*layer, u"Visible")));
   automation::put(*layer, u"Visible", std::int16_t{0});
   EXPECT_FALSE(view.shown);

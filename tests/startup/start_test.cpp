@@ -25,9 +25,12 @@ TEST_F(Start, FindsThePathsAndOpensTheTexts) {
 
 TEST_F(Start, EveryMissingPieceEndsTheProcessWithoutAWord) {
   for (const char16_t* file : {u"VORDANE.LNG", u"Common.LNG"}) {
-    std::filesystem::remove(engine.file(file));
-    EXPECT_THROW(start(), ProcessEnded);
+    const std::filesystem::path here(engine.file(file)), away(engine.file(u"away"));
+    std::filesystem::rename(here, away);
+    EXPECT_THROW(start(), ProcessEnded) << text::toUtf8(file);
     EXPECT_THAT(taken(), IsEmpty());
+    EXPECT_FALSE(view.attached);
+    std::filesystem::rename(away, here);
   }
 }
 

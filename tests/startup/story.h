@@ -253,6 +253,7 @@ class Story : public testing::Test {
         {message::noticeRequestFailed, u"{1}: {2}"},
         {message::reasonBusy, u"busy"},
         {message::reasonErrorCode, u"code {1}"},
+        {message::reasonCancelled, u"cancelled"},
         {message::reasonNoServer, u"no server"},
         {message::runListComplete, u"{1} received, {2} new, {3} stored, {4} refused"},
         {message::runListFailed, u"failed: {1}"},

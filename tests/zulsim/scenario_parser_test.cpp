@@ -157,6 +157,8 @@ struct BadCase {
   const char* text;
   int line;
   const char16_t* problem;
+
+  friend void PrintTo(const BadCase& bad, std::ostream* out) { *out << testing::PrintToString(bad.text); }
 };
 
 class BadScenario : public testing::TestWithParam<BadCase> {};

@@ -89,13 +89,7 @@ class List : public database::RowList {
 class File : public database::Database {
  public:
   explicit File(ObjectRef object) : object_(std::move(object)) {}
-  ~File() override {
-    try {
-      call(object_, u"Close");
-    } catch (const database::DatabaseError&) {
-      // The engine's process has gone, and the file with it.
-    }
-  }
+  ~File() override { close(); }
   File(const File&) = delete;
   File& operator=(const File&) = delete;
 
@@ -124,8 +118,18 @@ class File : public database::Database {
   // A statement runs in the engine, which does not report how far it is.
   void setProgress(std::function<void()>) override {}
 
+  void close() noexcept override {
+    if (std::exchange(closed_, true)) return;
+    try {
+      call(object_, u"Close");
+    } catch (const database::DatabaseError&) {
+      // The engine's process has gone, and the file with it.
+    }
+  }
+
  private:
   ObjectRef object_;
+  bool closed_ = false;
 };
 
 class DaoEngine : public database::Engine {

@@ -1,6 +1,7 @@
 #include "platform/sqlite/connection.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/sqlite/errors.h"
 #include "platform/sqlite/fault_index.h"
@@ -12,6 +13,8 @@ namespace {
 // A batch saves what it holds at the latest after this time.
 constexpr std::chrono::milliseconds longestUnsaved{500};
 constexpr int stepsBetweenProgress = 50000;
+// A file up to this size is looked through before free pages of it are written to.
+constexpr std::int64_t quicklyChecked = 16 << 20;
 
 }  // namespace
 
@@ -150,11 +153,30 @@ void Connection::finishReaders() {
 void Connection::begin() {
   if (readOnly_) fail(number::readOnly);
   // What is damaged is never written again: it could only become worse.
+  if (!freePagesChecked_) checkFreePages();
   if (damaged_) fail(number::damaged);
   finishReaders();
   run("BEGIN IMMEDIATE");
   begun_ = std::chrono::steady_clock::now();
   faults_->transactionBegan();
+}
+
+std::int64_t Connection::pragma(const char* sql) {
+  Statement statement(*this, sql);
+  return statement.step() ? statement.integer(0) : 0;
+}
+
+// A damaged list of free pages may name a page in use, and whoever takes it for free writes over its rows.
+// Any other damage is found when its page is read.
+void Connection::checkFreePages() {
+  freePagesChecked_ = true;
+  const bool wasMaintaining = std::exchange(maintaining_, true);
+  if (pragma("PRAGMA freelist_count") > 0 &&
+      pragma("PRAGMA page_count") * pragma("PRAGMA page_size") <= quicklyChecked) {
+    Statement check(*this, "PRAGMA quick_check(1)");
+    damaged_ = !check.step() || check.text(0) != u"ok";
+  }
+  maintaining_ = wasMaintaining;
 }
 
 std::int64_t Connection::takeNumber(Table& table) {

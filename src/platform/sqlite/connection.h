@@ -94,11 +94,14 @@ class Connection {
   void finishReaders();
   void commitIfDue();
   bool wait(int tries) noexcept;
+  void checkFreePages();
+  std::int64_t pragma(const char* sql);
 
   Handle handle_;
   bool readOnly_;
   bool utf8_ = false;
   bool damaged_ = false;
+  bool freePagesChecked_ = false;
   bool inBatch_ = false;
   bool maintaining_ = true;  // opening counts as maintenance
   int depth_ = 0;            // of steps within steps

@@ -113,20 +113,23 @@ class EmbeddedDatabase final : public database::Database {
       : opened_(std::make_shared<Opened>(std::move(handle), readOnly, options)) {}
 
   std::unique_ptr<database::Recordset> openRecordset(std::u16string_view statement) override {
+    requireOpen();
     jet::Lifted& lifted = opened_->lifted;
     Plan& plan = opened_->plans.find(statement, lifted);
     if (plan.shape.verb == jet::Verb::remove) fail(number::invalidOperation);
-    return std::make_unique<EmbeddedRecordset>(opened_, plan, std::move(lifted.literals));
+    return std::make_unique<EmbeddedRecordset>(opened_, plan, lifted.literals);
   }
 
   std::unique_ptr<database::RowList> openRowList(std::u16string_view statement,
                                                  std::span<const std::u16string_view> columns) override {
+    requireOpen();
     jet::Lifted& lifted = opened_->lifted;
     Plan& plan = opened_->plans.find(statement, lifted);
     return makeRowList(opened_, plan, lifted.literals, columns);
   }
 
   void execute(std::u16string_view statement) override {
+    requireOpen();
     jet::Lifted& lifted = opened_->lifted;
     Plan& plan = opened_->plans.find(statement, lifted);
     Connection& connection = opened_->connection;
@@ -143,14 +146,28 @@ class EmbeddedDatabase final : public database::Database {
     write.done();
   }
 
-  void beginBatch() override { opened_->connection.beginBatch(); }
-  void checkpoint() override { opened_->connection.checkpoint(); }
-  void endBatch() override { opened_->connection.endBatch(); }
-  void setProgress(std::function<void()> progress) override {
-    opened_->connection.setProgress(std::move(progress));
+  void beginBatch() override {
+    requireOpen();
+    opened_->connection.beginBatch();
   }
+  void checkpoint() override {
+    requireOpen();
+    opened_->connection.checkpoint();
+  }
+  void endBatch() override {
+    requireOpen();
+    opened_->connection.endBatch();
+  }
+  void setProgress(std::function<void()> progress) override {
+    if (opened_) opened_->connection.setProgress(std::move(progress));
+  }
+  void close() noexcept override { opened_.reset(); }
 
  private:
+  void requireOpen() const {
+    if (!opened_) fail(number::closed);
+  }
+
   std::shared_ptr<Opened> opened_;
 };
 

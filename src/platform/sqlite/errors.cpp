@@ -36,6 +36,7 @@ constexpr Sentence sentences[] = {
     {number::columnCount, u"The two halves of the union have different numbers of columns."},
     {number::needsValue, u"A column needs a value."},
     {number::notADatabase, u"Not a database of a known format."},
+    {number::closed, u"The database has been closed."},
     {number::badValue, u"The value does not fit the column"},
 };
 

@@ -28,6 +28,7 @@ inline constexpr int unknownItem = 3265;
 inline constexpr int columnCount = 3307;
 inline constexpr int needsValue = 3314;
 inline constexpr int notADatabase = 3343;
+inline constexpr int closed = 3420;
 inline constexpr int badValue = 3421;
 inline constexpr int outOfMemory = 3035;
 }  // namespace number

@@ -102,6 +102,7 @@ std::u16string_view unitsOf(const void* bytes, int size, std::u16string& copy) {
 }
 
 int compareCollation(void*, int sizeA, const void* a, int sizeB, const void* b) noexcept {
+  if (sizeA == sizeB && std::memcmp(a, b, static_cast<std::size_t>(sizeA)) == 0) return 0;
   try {
     thread_local std::u16string copyA, copyB;
     return compareTexts(unitsOf(a, sizeA, copyA), unitsOf(b, sizeB, copyB));
@@ -305,16 +306,26 @@ std::string FaultIndex::kindKey(const FaultFields& fields) {
   return key;
 }
 
-std::string FaultIndex::findSameSql(const Table& faults) {
-  std::string columns;
-  for (const Column& column : faults.columns) columns += ", f." + column.quoted;
+std::vector<std::int64_t> FaultIndex::findSame(std::int64_t id, const FaultFields& fields) {
   // The cross join fixes which table is read first; the row itself decides, the hash only finds it.
-  return "SELECT f.rowid" + columns +
-         " FROM VordaneFaultIndex AS x CROSS JOIN FaultDisplay AS f ON f.Count = x.Count "
-         "WHERE x.ID = ?1 AND x.Moment = ?7 AND x.Hash = ?8 AND f.ID = ?1 "
-         "AND f.Fault = ?2 COLLATE vordane_text AND f.CPU = ?3 COLLATE vordane_text "
-         "AND f.Alarm = ?4 COLLATE vordane_text AND f.Date = ?5 COLLATE vordane_text "
-         "AND f.Description = ?6 COLLATE vordane_text";
+  Statement& rows = prepared(
+      same_,
+      "SELECT x.Count FROM VordaneFaultIndex AS x CROSS JOIN FaultDisplay AS f ON f.Count = x.Count "
+      "WHERE x.ID = ?1 AND x.Moment = ?2 AND x.Hash = ?3 AND f.Fault = ?4 COLLATE vordane_text "
+      "AND f.CPU = ?5 COLLATE vordane_text AND f.Alarm = ?6 COLLATE vordane_text "
+      "AND f.Date = ?7 COLLATE vordane_text AND f.Description = ?8 COLLATE vordane_text AND f.ID = ?1");
+  key_.clear();
+  appendField(fields.date, key_);
+  rows.bind(1, id);
+  rows.bindBlob(2, key_);
+  rows.bind(3, hashOf(fields));
+  int parameter = 3;
+  for (const auto& field : {fields.fault, fields.cpu, fields.alarm, fields.date, fields.description})
+    rows.bindText(++parameter, *field);
+  std::vector<std::int64_t> counts;
+  while (rows.step()) counts.push_back(rows.integer(0));
+  rows.reset();
+  return counts;
 }
 
 // One seek for each exchange: needed only after rows were changed or removed.
@@ -442,9 +453,11 @@ void FaultIndex::changed(std::int64_t count) {
 }
 
 void FaultIndex::removeExchange(std::int64_t id) {
+  // The row itself decides: a damaged entry must not take another exchange's fault along.
   Statement rows(
       connection_,
-      "DELETE FROM FaultDisplay WHERE Count IN (SELECT Count FROM VordaneFaultIndex WHERE ID = ?)");
+      "DELETE FROM FaultDisplay WHERE Count IN (SELECT Count FROM VordaneFaultIndex WHERE ID = ?1) "
+      "AND ID = ?1");
   rows.bind(1, id);
   rows.run();
   Statement entries(connection_, "DELETE FROM VordaneFaultIndex WHERE ID = ?");

@@ -34,9 +34,8 @@ class FaultIndex {
   // Without it every statement is answered from the table alone.
   bool usable();
 
-  // The select behind the duplicate test: rows of the table with rowid first, parameters ID, Fault, CPU,
-  // Alarm, Date, Description, Moment, Hash.
-  static std::string findSameSql(const Table& faults);
+  // `Count` of the rows that agree in all compared columns, oldest first; all `fields` are texts.
+  std::vector<std::int64_t> findSame(std::int64_t id, const FaultFields& fields);
   static std::string momentKey(std::optional<std::u16string_view> date);
   static std::int64_t hashOf(const FaultFields& fields);
   static std::string kindKey(const FaultFields& fields);
@@ -77,7 +76,8 @@ class FaultIndex {
   bool checked_ = false;  // known to be good for as long as this transaction lasts
   bool newestChanged_ = false;
   Newest newest_;
-  Statement state_, insert_, remove_, read_;
+  Statement state_, same_, insert_, remove_, read_;
+  std::string key_;  // kept for its room
 };
 
 }  // namespace vordane::sqlite

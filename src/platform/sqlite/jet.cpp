@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <cstring>
 #include <limits>
 #include <unordered_set>
 
@@ -37,6 +38,26 @@ bool isKeyword(std::u16string_view word) {
   for (std::u16string_view keyword : keywords)
     if (word == keyword) return true;
   return false;
+}
+
+// Where `character` stands: a description is long, its closing quote is its end, and the library finds bytes
+// far sooner than characters of this width.
+std::size_t findCharacter(std::u16string_view text, char16_t character) {
+  const char* const first = reinterpret_cast<const char*>(text.data());
+  const char* const end = first + text.size() * sizeof(char16_t);
+  for (const char* at = first; at != end; ++at) {
+    at = static_cast<const char*>(std::memchr(at, character & 0xFF, static_cast<std::size_t>(end - at)));
+    if (at == nullptr) break;
+    const auto position = static_cast<std::size_t>(at - first) / sizeof(char16_t);
+    if (text[position] == character) return position;
+  }
+  return std::u16string_view::npos;
+}
+
+// The library compares characters of this width one by one.
+bool beginsWith(std::u16string_view text, std::u16string_view piece) {
+  return text.size() >= piece.size() &&
+         std::memcmp(text.data(), piece.data(), piece.size() * sizeof(char16_t)) == 0;
 }
 
 // The digits from `first` on.
@@ -352,14 +373,15 @@ Skeleton::Skeleton(std::u16string_view statement, const Lifted& lifted) {
 }
 
 bool Skeleton::match(std::u16string_view statement, std::vector<Literal>& literals) const {
-  literals.clear();
-  literals.reserve(mostLiterals);
+  if (!beginsWith(statement, pieces_.front())) return false;
+  literals.resize(texts_.size());
   for (std::size_t i = 0; i < texts_.size(); ++i) {
-    if (!statement.starts_with(pieces_[i])) return false;
+    if (!beginsWith(statement, pieces_[i])) return false;
     statement.remove_prefix(pieces_[i].size());
-    Literal& literal = literals.emplace_back();
+    Literal& literal = literals[i];
     literal.isText = texts_[i];
-    const std::size_t end = literal.isText ? statement.find(pieces_[i].back()) : endOfNumber(statement);
+    const std::size_t end =
+        literal.isText ? findCharacter(statement, pieces_[i].back()) : endOfNumber(statement);
     if (end == std::u16string_view::npos ||
         (!literal.isText && (end == 0 || !text::isDecimalDigit(statement[end - 1]))))
       return false;

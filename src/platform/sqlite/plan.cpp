@@ -72,7 +72,6 @@ void planFaults(Plan& plan) {
   if (!plan.table->isFaults || !shape.columns.empty() || shape.verb != jet::Verb::select) return;
   if (shape.conditions.size() == 6) {
     plan.special = Plan::Special::sameFault;
-    plan.indexed = StatementPool(FaultIndex::findSameSql(*plan.table));
   } else if (shape.conditions.empty() && shape.orders.size() == 1 && shape.orders[0].column == u"date" &&
              shape.orders[0].descending) {
     plan.special = Plan::Special::newestFaults;

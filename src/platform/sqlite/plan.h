@@ -23,7 +23,6 @@ struct Plan {
   StatementPool rows;                  // column 0 is the row's key, but for a counted union
   StatementPool keys;                  // the key alone
   StatementPool byKey;                 // one row
-  StatementPool indexed;               // the duplicate test over the fault index
   Special special = Special::none;
   FaultOrder order = FaultOrder::date;
   bool descending = false;

@@ -19,12 +19,22 @@ std::optional<std::int64_t> numberOf(const std::optional<Value>& value) {
 }  // namespace
 
 EmbeddedRecordset::EmbeddedRecordset(std::shared_ptr<Opened> opened, Plan& plan,
-                                     std::vector<jet::Literal> literals)
-    : opened_(std::move(opened)),
-      connection_(opened_->connection),
-      plan_(plan),
-      literals_(std::move(literals)) {
+                                     std::vector<jet::Literal>& literals)
+    : opened_(std::move(opened)), connection_(opened_->connection), plan_(plan) {
+  if (!findSame(literals)) literals_ = std::move(literals);
   connection_.add(*this);
+}
+
+// The duplicate test is made once for each fault received: answered at once, from the statement's own
+// values, and only the key of what was found is kept.
+bool EmbeddedRecordset::findSame(const std::vector<jet::Literal>& literals) {
+  if (plan_.special != Plan::Special::sameFault || !connection_.faults().usable()) return false;
+  connection_.beforeRead();
+  keepKeys(connection_.faults().findSame(literals[0].number,
+                                         {literals[1].text, literals[3].text, literals[2].text,
+                                          literals[4].text, literals[5].text}));
+  hadRows_ = place_ == Place::onRow;
+  return true;
 }
 
 EmbeddedRecordset::~EmbeddedRecordset() {
@@ -57,19 +67,11 @@ void EmbeddedRecordset::startRows() {
     onlyNewest_ = newest.has_value();
     return;
   }
-  const bool indexed = plan_.special == Plan::Special::sameFault && connection_.faults().usable();
-  pool_ = indexed ? &plan_.indexed : &plan_.rows;
+  pool_ = &plan_.rows;
   rows_ = pool_->take(connection_);
   int parameter = 0;
   if (!plan_.isUnion())
     for (const jet::Literal& literal : literals_) rows_.bind(++parameter, literal);
-  if (indexed) {
-    const FaultFields fields{literals_[1].text, literals_[3].text, literals_[2].text, literals_[4].text,
-                             literals_[5].text};
-    momentKey_ = FaultIndex::momentKey(fields.date);
-    rows_.bindBlob(7, momentKey_);
-    rows_.bind(8, FaultIndex::hashOf(fields));
-  }
   stepRows();
 }
 

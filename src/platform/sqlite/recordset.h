@@ -12,7 +12,8 @@ namespace vordane::sqlite {
 
 class EmbeddedRecordset final : public database::Recordset, private Reader {
  public:
-  EmbeddedRecordset(std::shared_ptr<Opened> opened, Plan& plan, std::vector<jet::Literal> literals);
+  // Takes the literals unless it needs them no more.
+  EmbeddedRecordset(std::shared_ptr<Opened> opened, Plan& plan, std::vector<jet::Literal>& literals);
   ~EmbeddedRecordset() override;
 
   bool atEnd() override;
@@ -36,6 +37,7 @@ class EmbeddedRecordset final : public database::Recordset, private Reader {
 
   void finishReading() override;
   void start();
+  bool findSame(const std::vector<jet::Literal>& literals);
   void startRows();
   void stepRows();
   void placeOnKey();
@@ -61,7 +63,6 @@ class EmbeddedRecordset final : public database::Recordset, private Reader {
   Connection& connection_;
   Plan& plan_;
   std::vector<jet::Literal> literals_;
-  std::string momentKey_;
   Place place_ = Place::before;
   bool open_ = true;
   bool hadRows_ = false;

@@ -1,6 +1,8 @@
 #include "platform/sqlite/text_rules.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstring>
 
 #include "text/text.h"
 
@@ -10,6 +12,38 @@ namespace {
 inline char16_t fold(char16_t character) {
   if (character < 0x80) return character >= u'A' && character <= u'Z' ? char16_t(character + 32) : character;
   return text::lower(character);
+}
+
+// Four characters at once: what is stored is nearly always plain ASCII.
+static_assert(std::endian::native == std::endian::little);
+constexpr std::size_t together = 4;
+constexpr std::uint64_t eachOfFour = 0x0001000100010001U;
+
+std::uint64_t fourAt(const char16_t* characters) {
+  std::uint64_t word = 0;
+  std::memcpy(&word, characters, sizeof word);
+  return word;
+}
+
+constexpr bool areAscii(std::uint64_t four) {
+  return (four & (0xFF80U * eachOfFour)) == 0;
+}
+
+// Adding reaches bit 7 from 'A' on, and from behind 'Z' on; bit 7 moved to bit 5 is what makes a letter small.
+constexpr std::uint64_t foldAscii(std::uint64_t four) {
+  const std::uint64_t fromA = four + (0x80U - u'A') * eachOfFour;
+  const std::uint64_t behindZ = four + (0x7FU - u'Z') * eachOfFour;
+  return four + ((fromA & ~behindZ & (0x80U * eachOfFour)) >> 2);
+}
+static_assert(foldAscii(0x0040'0041'005A'005B) == 0x0040'0061'007A'005B);
+
+// Where two texts begin to differ, as far as can be told without folding: never inside a pair.
+std::size_t samePrefix(std::u16string_view a, std::u16string_view b) {
+  const std::size_t shorter = std::min(a.size(), b.size());
+  std::size_t i = 0;
+  while (i + together <= shorter && fourAt(a.data() + i) == fourAt(b.data() + i)) i += together;
+  while (i < shorter && a[i] == b[i]) ++i;
+  return i > 0 && (a[i - 1] & 0xFC00) == 0xD800 ? i - 1 : i;
 }
 
 std::u16string_view withoutTrailingBlanks(std::u16string_view text) {
@@ -50,7 +84,7 @@ char32_t pointAt(std::u16string_view text, std::size_t& i) {
 int compareTexts(std::u16string_view a, std::u16string_view b) {
   a = withoutTrailingBlanks(a);
   b = withoutTrailingBlanks(b);
-  std::size_t i = 0, k = 0;
+  std::size_t i = samePrefix(a, b), k = i;
   while (i < a.size() && k < b.size()) {
     if (a[i] == b[k] && (a[i] & 0xF800) != 0xD800) {
       ++i, ++k;
@@ -71,7 +105,18 @@ bool equalTexts(std::u16string_view a, std::u16string_view b) {
 
 void appendSortKey(std::u16string_view text, std::string& key) {
   text = withoutTrailingBlanks(text);
-  for (std::size_t i = 0; i < text.size();) appendPoint(pointAt(text, i), key);
+  for (std::size_t i = 0; i < text.size();) {
+    const std::uint64_t four = i + together <= text.size() ? fourAt(text.data() + i) : 0xFFFF;
+    if (!areAscii(four)) {
+      appendPoint(pointAt(text, i), key);
+      continue;
+    }
+    const std::uint64_t folded = foldAscii(four);
+    const char bytes[together] = {static_cast<char>(folded), static_cast<char>(folded >> 16),
+                                  static_cast<char>(folded >> 32), static_cast<char>(folded >> 48)};
+    key.append(bytes, together);
+    i += together;
+  }
 }
 
 void FoldedHash::mix(std::uint64_t word) {
@@ -87,7 +132,12 @@ void FoldedHash::addText(std::u16string_view text) {
   text = withoutTrailingBlanks(text);
   std::uint64_t word = 0;
   std::size_t i = 0;
-  for (; i + 4 <= text.size(); i += 4) {
+  for (; i + together <= text.size(); i += together) {
+    word = fourAt(text.data() + i);
+    if (areAscii(word)) {
+      mix(foldAscii(word));
+      continue;
+    }
     word = fold(text[i]) | std::uint64_t{fold(text[i + 1])} << 16 | std::uint64_t{fold(text[i + 2])} << 32 |
            std::uint64_t{fold(text[i + 3])} << 48;
     mix(word);

@@ -96,10 +96,10 @@ addin_runs() {
   return 1
 }
 
-# The add-in's process ends with its last object.
+# The add-in's process ends with its last object; a dead host's is noticed within `$1` seconds.
 expect_gone() {
   local i
-  for i in $(seq 50); do
+  for i in $(seq $((${1:-10} * 5))); do
     addin_runs || { echo "ok: the add-in's process is gone"; return 0; }
     sleep 0.2
   done

@@ -5,6 +5,7 @@
 #include <condition_variable>
 #include <mutex>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "platform/windows/com/imported_object.h"
@@ -14,6 +15,8 @@ namespace vordane::com {
 namespace {
 
 constexpr std::chrono::seconds pause{3};
+// How long an ending waits for the thread to let go of the hosts: one slow call must not hold it up.
+constexpr std::chrono::seconds lettingGo{2};
 constexpr int failuresOfTheDead = 2;  // one alone may be a call that the death cut off
 
 constexpr std::array<HRESULT, 4> deathSigns{static_cast<HRESULT>(0x800706BA), RPC_E_DISCONNECTED,
@@ -36,6 +39,7 @@ struct HostWatch::State {
   std::condition_variable changed;
   std::vector<Entry> entries;
   bool over = false;
+  bool running = false;  // the thread holds, or may hold, references
   WPARAM lastNumber = 0;
   HWND window = nullptr;
   UINT message = 0;
@@ -86,8 +90,12 @@ void run(const std::shared_ptr<State>& state) {
       lock.lock();
       if (!state->over) state->changed.wait_for(lock, pause);
     }
+    lock.unlock();
   }
   CoUninitialize();
+  const std::lock_guard lock(state->mutex);
+  state->running = false;
+  state->changed.notify_all();
 }
 
 }  // namespace
@@ -97,10 +105,12 @@ HostWatch::HostWatch(HWND window, UINT message) : state_(std::make_shared<State>
   state_->message = message;
 }
 
+// A reference that goes down with this process stays in the host's.
 HostWatch::~HostWatch() {
-  const std::lock_guard lock(state_->mutex);
+  std::unique_lock lock(state_->mutex);
   state_->over = true;
   state_->changed.notify_all();
+  state_->changed.wait_for(lock, lettingGo, [&] { return !state_->running; });
 }
 
 void HostWatch::watch(const automation::Object* layer, const automation::ObjectRef& host) {
@@ -111,9 +121,8 @@ void HostWatch::watch(const automation::Object* layer, const automation::ObjectR
   if (FAILED(CoMarshalInterThreadInterfaceInStream(IID_IDispatch, imported->dispatch(), passage.put())))
     return;
   const std::lock_guard lock(state_->mutex);
-  const bool first = state_->lastNumber == 0;
   state_->entries.push_back({++state_->lastNumber, layer, std::move(passage)});
-  if (first) std::thread(run<State>, state_).detach();
+  if (!std::exchange(state_->running, true)) std::thread(run<State>, state_).detach();
   state_->changed.notify_all();
 }
 

@@ -1,0 +1,100 @@
+// One line of the table that every benchmark prints: a piece of work, its baseline, the median times of both
+// and the ratio of their times or rates, taken run by run, so that a slow moment of the machine weighs on
+// both sides alike.
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace vordane::bench {
+
+inline constexpr int runs = 5;
+
+template <class Work>
+double seconds(Work&& work) {
+  const auto begin = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+inline double median(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  return values[values.size() / 2];
+}
+
+// What a ratio is held to: a share of the baseline's rate, or a multiple of its time.
+struct Goal {
+  enum class Kind { rateAtLeast, timeAtMost, none } kind;
+  double limit = 0;
+};
+inline constexpr Goal noGoal{Goal::Kind::none};
+constexpr Goal rateAtLeast(double share) {
+  return {Goal::Kind::rateAtLeast, share};
+}
+constexpr Goal timeAtMost(double multiple) {
+  return {Goal::Kind::timeAtMost, multiple};
+}
+
+class Comparison {
+ public:
+  Comparison(std::string work, std::string baseline, Goal goal)
+      : work_(std::move(work)), baseline_(std::move(baseline)), goal_(goal) {}
+
+  void add(double ours, double baseline) {
+    ours_.push_back(ours);
+    baselines_.push_back(baseline);
+  }
+
+  // `units` are the pieces of work in one run: the times printed are for one of them.
+  void print(double units = 1) const {
+    std::vector<double> ratios;
+    for (std::size_t i = 0; i < ours_.size(); ++i)
+      ratios.push_back(isRate() ? baselines_[i] / ours_[i] : ours_[i] / baselines_[i]);
+    const double ratio = median(ratios);
+    const auto [low, high] = std::minmax_element(ratios.begin(), ratios.end());
+    std::printf("%-44s | %-44s | %10s | %10s | %s %5.2f (%.2f to %.2f) | %s\n", work_.c_str(),
+                baseline_.c_str(), time(median(ours_) / units).c_str(),
+                time(median(baselines_) / units).c_str(), isRate() ? "rate" : "time", ratio, *low, *high,
+                verdict(ratio).c_str());
+    std::fflush(stdout);
+  }
+
+ private:
+  bool isRate() const { return goal_.kind == Goal::Kind::rateAtLeast; }
+
+  static std::string time(double seconds) {
+    char text[32];
+    const double micro = seconds * 1e6;
+    if (micro < 1000)
+      std::snprintf(text, sizeof text, "%.2f us", micro);
+    else if (micro < 1e6)
+      std::snprintf(text, sizeof text, "%.2f ms", micro / 1e3);
+    else
+      std::snprintf(text, sizeof text, "%.2f s", seconds);
+    return text;
+  }
+
+  std::string verdict(double ratio) const {
+    if (goal_.kind == Goal::Kind::none) return "-";
+    const bool reached = isRate() ? ratio >= goal_.limit : ratio <= goal_.limit;
+    char text[48];
+    std::snprintf(text, sizeof text, "%s %.1f: %s", isRate() ? "at least" : "at most", goal_.limit,
+                  reached ? "reached" : "NOT reached");
+    return text;
+  }
+
+  std::string work_, baseline_;
+  Goal goal_;
+  std::vector<double> ours_, baselines_;
+};
+
+inline void printHeading() {
+  std::printf("%-44s | %-44s | %10s | %10s | %s | goal\n", "work", "baseline", "ours", "baseline",
+              "ratio: median (range)");
+}
+
+}  // namespace vordane::bench
