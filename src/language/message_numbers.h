@@ -47,10 +47,10 @@ inline constexpr std::size_t statusWide = 176;        // processor texts wide
 inline constexpr std::size_t statusNarrow = 177;
 inline constexpr std::size_t statusTextsIncomplete = 178;  // a loader stopped; {1} the tables
 inline constexpr std::size_t statusNetworkDrive = 179;     // the database lies where writing is slower
-inline constexpr std::size_t statusDoesNothing = 180;      // an action that is empty here
+inline constexpr std::size_t runOtherKind = 180;           // of a scheduled job that is not run here
 inline constexpr std::size_t statusReady = 181;
 inline constexpr std::size_t statusPrinted = 182;
-inline constexpr std::size_t statusDeleted = 183;  // {1} exchange
+inline constexpr std::size_t noticeDeleting = 183;
 
 // In the place of an empty grid. {1} is the exchange.
 inline constexpr std::size_t noticeNoExchange = 184;  // nothing stored, nothing registered
@@ -122,7 +122,7 @@ inline constexpr std::size_t runAckFailed = 234;  // {1} reason
 
 // Long steps with {1} done, {2} of.
 inline constexpr std::size_t noticeReadingOf = 235;
-inline constexpr std::size_t noticeDeleting = 236;
+inline constexpr std::size_t noticeDeletingOf = 236;
 
 inline constexpr std::size_t count = 237;  // of all texts
 
@@ -140,9 +140,8 @@ inline constexpr std::int16_t confirmRequest = 109;
 // The product's own.
 inline constexpr std::int16_t noHostToPrint = 900;
 inline constexpr std::int16_t helpNotFound = 901;  // substitution: the file
-inline constexpr std::int16_t doesNothingYet = 902;
 
-inline constexpr std::array<std::int16_t, 9> all{102, 104, 105, 107, 108, 109, 900, 901, 902};
+inline constexpr std::array<std::int16_t, 8> all{102, 104, 105, 107, 108, 109, 900, 901};
 
 }  // namespace vordane::box
 

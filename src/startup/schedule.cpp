@@ -95,7 +95,7 @@ bool dlgFaultDisplay::startJob() {
   resultCode_ = resultOtherKind;
   if (state().schedule.JobKind != fetchFaultList) {
     // No answer will come that would move the run on.
-    runLogLine(messageText(state(), message::statusDoesNothing));
+    runLogLine(messageText(state(), message::runOtherKind));
     enableTimer(99);
     return true;
   }

@@ -21,7 +21,7 @@ class LongStep {
   };
   static constexpr Texts storing{message::noticeStoring, message::noticeStoring};
   static constexpr Texts reading{message::noticeReading, message::noticeReadingOf};
-  static constexpr Texts deleting{message::noticeDeleting, message::noticeDeleting};
+  static constexpr Texts deleting{message::noticeDeleting, message::noticeDeletingOf};
 
   LongStep(StoreForm& form, comSSDataGrid::FaultRows& rows, database::Database& database, Texts texts);
   ~LongStep();

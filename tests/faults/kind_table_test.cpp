@@ -14,6 +14,7 @@ static_assert(!wellFormed({0x01, Family::oneCode, 9, 0, {{{1, 2}}}, 15, 0x02}));
 static_assert(!wellFormed({0x01, Family::oneCode, 9, 0, {{{1, 2}}}, 15, noList}));  // held to no list
 static_assert(!wellFormed({0x01, Family::oneCode, 9, 0, {{{1, 3}}}, 15, 0x01}));    // three characters
 static_assert(!wellFormed({0x01, Family::oneCode, 9, 0, {{{0, 2}}}, 15, 0x01}));    // from nowhere
+static_assert(!wellFormed({0x01, Family::oneCode, 9, 0, {{{23, 2}}}, 15, 0x01}));   // behind the eighth byte
 static_assert(!wellFormed({0x01, Family::oneCode, 0}));                             // no title
 static_assert(wellFormed({0x01, Family::oneCode, 9, 0, {{{1, 2}}}, 15, 0x01}));
 

@@ -91,6 +91,7 @@ TEST_F(Schedule, AnotherKindOfJobRequestsNothing) {
   tick();
   EXPECT_THAT(taken(),
               ElementsAre("(stops serving)", "EndProcess 6& 10020&", "(window gone)", "UnloadChild 7&"));
+  EXPECT_THAT(log(), ElementsAre("Run 1", "another kind", "Run 2", "another kind", "..."));
 }
 
 TEST_F(Schedule, AnErrorStopsAllRepetitions) {

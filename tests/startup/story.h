@@ -275,7 +275,7 @@ class Story : public testing::Test {
         {message::runListComplete, u"{1} received, {2} new, {3} stored, {4} refused"},
         {message::runListFailed, u"failed: {1}"},
         {message::reasonNoExchange, u"no exchange"},
-        {message::statusDoesNothing, u"nothing to do"},
+        {message::runOtherKind, u"another kind"},
         {message::statusTextsIncomplete, u"incomplete: {1}"},
     };
     std::vector<fakes::Row> rows;

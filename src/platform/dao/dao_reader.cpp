@@ -107,14 +107,14 @@ class Copy {
  public:
   explicit Copy(std::u16string_view path) {
     namespace fs = std::filesystem;
-    const fs::path original(path);
+    const fs::path source(path);
     std::random_device random;
     folder_ = fs::temp_directory_path() /
               ("vordane-access-" + std::to_string(random()) + "-" + std::to_string(random()));
     try {
       fs::create_directory(folder_);
-      file_ = folder_ / original.filename();
-      fs::copy_file(original, file_);
+      file_ = folder_ / source.filename();
+      fs::copy_file(source, file_);
       fs::permissions(file_, fs::perms::owner_write, fs::perm_options::add);
     } catch (const fs::filesystem_error& failure) {
       remove();
