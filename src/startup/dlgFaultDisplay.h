@@ -171,6 +171,7 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   void showIdle();
   void showNotice();
   void showStatus();
+  void tellAttempt(bool good, std::size_t reason);
   void showAttemptFailed(const std::u16string& reason);
   std::u16string reasonText(pbx::Failure failure, std::int32_t errorCode);
 

@@ -95,14 +95,16 @@ void dlgFaultDisplay::ingestAction() {
 }
 
 void dlgFaultDisplay::alarmsClearedAction() {
-  store_.ClearAlarm();
+  const bool confirmed = store_.ClearAlarm();
   if (alive()) store_.DisplayAlarm();
+  if (alive()) tellAttempt(confirmed, message::reasonClearAnswer);
   endAction();
 }
 
 void dlgFaultDisplay::alarmStateAction() {
-  store_.UpDateAlarm();
+  const bool readable = store_.UpDateAlarm();
   if (alive()) store_.DisplayAlarm();
+  if (alive()) tellAttempt(readable, message::reasonLampAnswer);
   endAction();
 }
 
@@ -242,6 +244,13 @@ void dlgFaultDisplay::showAttemptFailed(const std::u16string& reason) {
   if (state().runMode == RunMode::scheduledRun)
     runLogLine(fillText(messageText(state(), acknowledging ? message::runAckFailed : message::runListFailed),
                         {reason}));
+}
+
+// What an answer that came was worth; a good one makes an earlier failure old.
+void dlgFaultDisplay::tellAttempt(bool good, std::size_t reason) {
+  if (!good) return showAttemptFailed(messageText(state(), reason));
+  attemptLine_.clear();
+  showStatus();
 }
 
 void dlgFaultDisplay::listTaken(const store::ListAccount& account) {

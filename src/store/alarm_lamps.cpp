@@ -35,24 +35,26 @@ bool lit(const database::Value& value) {
 
 }  // namespace
 
-void FaultStore::UpDateAlarm() {
-  if (openDatabase() == nullptr) return;
+bool FaultStore::UpDateAlarm() {
+  if (openDatabase() == nullptr) return true;
   const auto state = lampState(text::trim(form_.response().SecondData(0)));
   if (!state) {
     form_.showBox(box::stepFailed);
-    return;
+    return false;
   }
   storeLamps(state->major, state->minor);
+  return true;
 }
 
-void FaultStore::ClearAlarm() {
-  if (openDatabase() == nullptr) return;
+bool FaultStore::ClearAlarm() {
+  if (openDatabase() == nullptr) return true;
   if (!clearConfirmed(form_.response())) {
     form_.showBox(box::stepFailed);
-    return;
+    return false;
   }
   form_.showBox(box::alarmsReset);
   if (form_.alive()) storeLamps(false, false);
+  return true;
 }
 
 void FaultStore::storeLamps(bool major, bool minor) {

@@ -50,8 +50,10 @@ class FaultStore {
 
   // --- actions
   void IngestFaultList();  // action 10, ends with the acknowledgement or with StoreForm::endAction
-  void UpDateAlarm();      // action 12; the caller then paints the lamps and ends the action
-  void ClearAlarm();       // action 11; likewise
+  // Actions 12 and 11; the caller then paints the lamps and ends the action. False when the answer does not
+  // say what it should.
+  bool UpDateAlarm();
+  bool ClearAlarm();
   void PrintFaultReport();
   void DeleteExchange();
 

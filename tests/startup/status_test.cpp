@@ -105,6 +105,26 @@ TEST_F(Status, AnAcknowledgementThatFailsLeavesTheListsAccount) {
   EXPECT_THAT(status(), testing::StartsWith("PBX-1 not reset: busy."));
 }
 
+TEST_F(Status, AnAnswerThatSaysNothingIsAFailureUntilTheNextGoodOne) {
+  startWithHost();
+  pressAndTick(0);
+  exchange().answer(0, oneFault());
+  tick();
+  exchange().answerLamps(u"red");
+  tick();
+  EXPECT_THAT(status(), testing::StartsWith("PBX-1 not acknowledged: lamps unreadable."));
+  const auto reset = [&](const std::vector<std::u16string>& entries) {
+    pressAndTick(1);
+    exchange().answer(0, entries);
+    tick();
+  };
+  reset({u"an entry without a confirmation"});
+  EXPECT_THAT(status(), testing::StartsWith("PBX-1 not reset: not confirmed."));
+  reset({});
+  EXPECT_THAT(status(), testing::EndsWith("1 received, 1 new, 0 stored, 0 refused"));
+  EXPECT_THAT(status(), testing::Not(HasSubstr("not "))) << "the reset went well";
+}
+
 TEST_F(Status, ALogInThatRaisesIsNotCalledRefused) {
   startWithHost();
   host->remove(u"oPBX");

@@ -261,6 +261,8 @@ class Story : public testing::Test {
         {message::statusAckFailed, u"{3} not acknowledged: {2}."},
         {message::statusResetFailed, u"{3} not reset: {2}."},
         {message::runAckFailed, u"not acknowledged: {1}"},
+        {message::reasonLampAnswer, u"lamps unreadable"},
+        {message::reasonClearAnswer, u"not confirmed"},
         {message::runCancelled, u"cancelled"},
         {message::runLetGo, u"let go"},
         {message::noticeWaitingList, u"waiting for {1}"},

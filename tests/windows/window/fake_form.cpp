@@ -150,13 +150,14 @@ Form makeForm(Language language) {
         pick(headings[n], language);
   form.add(u"grdDisplayFault", -1, u"SSDBGrid", grid);
   form.add(u"cboFK01", -1, u"ComboBox", {{u"Font.Name", face(language)}, {u"Font.Size", 9.0}});
-  form.add(u"imgBackground", -1, u"PictureBox",
-           {{u"Left", std::int32_t{0}},
-            {u"Top", std::int32_t{0}},
-            {u"Width", std::int32_t{0}},
-            {u"Height", std::int32_t{0}},
-            {u"Picture", std::u16string()},
-            {u"Visible", true}});
+  for (const char16_t* picture : {u"imgBackground", u"imgDetail"})
+    form.add(picture, -1, u"PictureBox",
+             {{u"Left", std::int32_t{0}},
+              {u"Top", std::int32_t{0}},
+              {u"Width", std::int32_t{0}},
+              {u"Height", std::int32_t{0}},
+              {u"Picture", std::u16string()},
+              {u"Visible", true}});
   return form;
 }
 

@@ -509,6 +509,46 @@ TEST_F(ViewTest, theFormKnowsItsSizeForThePictures) {
             toTwips(client.right, static_cast<int>(GetDpiForWindow(view->window()))));
 }
 
+// A picture of one blue point.
+std::u16string bluePicture() {
+  wchar_t folder[MAX_PATH], file[MAX_PATH];
+  GetTempPathW(MAX_PATH, folder);
+  GetTempFileNameW(folder, L"pic", 0, file);
+  constexpr unsigned char bytes[] = {'B', 'M', 58, 0, 0, 0, 0, 0, 0,  0, 54, 0, 0, 0, 40,  0, 0, 0, 1, 0,
+                                     0,   0,   1,  0, 0, 0, 1, 0, 24, 0, 0,  0, 0, 0, 4,   0, 0, 0, 0, 0,
+                                     0,   0,   0,  0, 0, 0, 0, 0, 0,  0, 0,  0, 0, 0, 255, 0, 0, 0};
+  DWORD written = 0;
+  const HANDLE handle = CreateFileW(file, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+  WriteFile(handle, bytes, sizeof bytes, &written, nullptr);
+  CloseHandle(handle);
+  return std::u16string(reinterpret_cast<const char16_t*>(file));
+}
+
+TEST_F(ViewTest, thePaneShowsItsPictureAroundATextThatStaysReadable) {
+  const auto paneGround = [&] {
+    const auto plain = static_cast<LPARAM>(currentPalette().surface);
+    const LRESULT ground = SendMessageW(item(idPane), EM_SETBKGNDCOLOR, 0, plain);  // answers the one before
+    SendMessageW(item(idPane), EM_SETBKGNDCOLOR, 0, ground);
+    return static_cast<COLORREF>(ground);
+  };
+  const COLORREF plain = paneGround();
+  Control& picture = form.control(u"imgDetail");
+  picture.set(u"Picture", bluePicture());
+  pump();
+  const COLORREF blue = paneGround();
+  EXPECT_GT(GetBValue(blue), GetRValue(blue) + 50);
+  EXPECT_GT(GetRValue(blue), 100) << "washed, so that dark text stays readable";
+  picture.set(u"Visible", false);
+  pump();
+  EXPECT_EQ(paneGround(), plain);
+  picture.set(u"Visible", true);
+  pump();
+  EXPECT_EQ(paneGround(), blue);
+  picture.set(u"Picture", std::u16string());
+  pump();
+  EXPECT_EQ(paneGround(), plain);
+}
+
 class PaneTest : public ViewTest {
  protected:
   void SetUp() override {
