@@ -1,0 +1,90 @@
+// How much is done for a known list, not how long it takes: statements prepared, rows the engine hands over,
+// calls that cross a process, allocations. A number here grows only when somebody means it to.
+#include "startup/story.h"
+#include "work/counting.h"
+
+namespace vordane::startup {
+namespace {
+
+using work::Work;
+using work::counted;
+
+constexpr std::size_t faults = 1000;
+
+std::vector<std::u16string> listOf(std::size_t count) {
+  std::vector<std::u16string> entries;
+  for (std::size_t i = 0; i < count; ++i) {
+    const auto two = [](std::size_t n) { return text::decimalPadded(static_cast<std::int64_t>(n), 2); };
+    entries.push_back(i % 2 == 0 ? u"15 MJ MP000" : u"01 MN LP 0C");
+    entries.push_back(u"26/11/" + two(1 + i / 60 % 28) + u" 10:" + two(i % 60));
+    entries.push_back(two(i % 90) + u" 01 02 " + two(i / 90));
+    entries.push_back(u"");
+  }
+  return entries;
+}
+
+class WorkTest : public Story {
+ protected:
+  // From the answer to the refreshed window.
+  Work takeIn(std::size_t count) {
+    pressAndTick(0);
+    const auto record = exchange().record(0, listOf(count));
+    recordCalls = 0;
+    record->broken = [this](std::u16string_view) { return ++recordCalls == 0; };
+    trace.clear();
+    exchange().callBack(record);
+    outgoing = calls();
+    const Work before = counted;
+    tick();
+    const Work used{counted.prepared - before.prepared, counted.rows - before.rows,
+                    counted.allocations - before.allocations, 0, 0};
+    exchange().answerLamps(u"00");
+    tick();
+    return used;
+  }
+  // Lines in round brackets are the window's own, boxes no calls.
+  std::size_t calls() {
+    const Lines lines = taken();
+    return static_cast<std::size_t>(std::count_if(lines.begin(), lines.end(), [](const std::string& line) {
+      return line.front() != '(' && !line.starts_with("Box ");
+    }));
+  }
+
+  std::size_t recordCalls = 0, outgoing = 0;
+};
+
+TEST_F(WorkTest, AnAnswerIsReadOnce) {
+  startWithHost();
+  takeIn(faults);
+  EXPECT_EQ(recordCalls, 4 * 4 * faults + 4) << "four values for each entry, and four of the record";
+  EXPECT_EQ(outgoing, 4U) << "two messages, the log-out, the flow";
+}
+
+TEST_F(WorkTest, AListCostsNoStatementForEachFault) {
+  startWithHost();
+  takeIn(1);
+  const Work few = takeIn(2), added = takeIn(faults), again = takeIn(faults);
+  EXPECT_EQ(added.prepared, few.prepared);
+  EXPECT_EQ(again.prepared, few.prepared);
+  EXPECT_LE(few.prepared, 3U);
+}
+
+TEST_F(WorkTest, AListReadsTheRowsThatAreAlike) {
+  startWithHost();
+  takeIn(1);
+  const Work none = takeIn(1), added = takeIn(faults), again = takeIn(faults);
+  EXPECT_EQ(added.rows, none.rows) << "the one fault that is stored already, and the exchange's own rows";
+  EXPECT_EQ(again.rows, none.rows + faults - 1);
+}
+
+TEST_F(WorkTest, AFaultCostsAFewAllocations) {
+  startWithHost();
+  takeIn(1);
+  takeIn(2);
+  const Work small = takeIn(100), added = takeIn(faults), again = takeIn(faults);
+  EXPECT_EQ((added.allocations - small.allocations) / (faults - 100), 0U);
+  EXPECT_EQ(again.allocations / faults, 0U);
+}
+
+}  // namespace
+}  // namespace vordane::startup
