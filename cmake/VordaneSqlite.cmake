@@ -14,4 +14,6 @@ target_compile_definitions(sqlite3_amalgamation PUBLIC
 target_compile_options(sqlite3_amalgamation PRIVATE -w -O2 -fno-sanitize=all)
 if(NOT WIN32)
   target_link_libraries(sqlite3_amalgamation PUBLIC pthread m)
+  # Without it a wait for a lock is rounded up to whole seconds.
+  target_compile_definitions(sqlite3_amalgamation PRIVATE HAVE_USLEEP=1)
 endif()

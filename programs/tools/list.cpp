@@ -56,7 +56,7 @@ bool flagOf(Recordset& rows, std::u16string_view column) {
   return !automation::isNull(value) && automation::toBoolean(value);
 }
 
-std::string quoted(std::u16string_view value) {
+std::string inQuotes(std::u16string_view value) {
   std::string result = "\"";
   for (const char byte : text::toUtf8(value)) result.append(byte == '"' ? 2 : 1, byte);
   return result + '"';
@@ -110,9 +110,9 @@ class Lister {
   }
 
   static void printCsv(Recordset& row, std::u16string_view name) {
-    std::cout << quoted(name);
+    std::cout << inQuotes(name);
     for (const auto column : {u"Fault", u"Alarm", u"Date", u"CPU", u"Description"})
-      std::cout << ',' << quoted(textOf(row, column));
+      std::cout << ',' << inQuotes(textOf(row, column));
     std::cout << ',' << text::toUtf8(textOf(row, u"Count")) << "\r\n";
   }
 

@@ -14,15 +14,19 @@ void raiseDao(int number, std::u16string description) {
   throw AutomationError(error::runTime(number), std::move(description), u"DAO.DbEngine");
 }
 
-void DaoObject::misuse(std::u16string_view what, std::int32_t code, int position) const {
-  world_->misuse.push_back(name_ + "." + text::toUtf8(what));
+void DaoObject::note(const std::string& what) const {
+  world_->misuse.push_back(name_ + "." + what);
   world_->misused(world_->misuse.back());
+}
+
+void DaoObject::misuse(std::u16string_view what, std::int32_t code, int position) const {
+  note(text::toUtf8(what));
   throw AutomationError(code, {}, {}, position);
 }
 
 bool DaoObject::hasMember(std::u16string_view member) const {
   const bool known = members_.contains(text::toLower(member));
-  if (!known) world_->misuse.push_back(name_ + "." + text::toUtf8(member) + " is no member");
+  if (!known) note(text::toUtf8(member) + " is no member");
   return known;
 }
 

@@ -66,6 +66,7 @@ class DaoObject : public automation::Object {
     std::size_t least = 0, most = 0;
     Action get, put;
   };
+  void note(const std::string& what) const;
   [[noreturn]] void misuse(std::u16string_view what, std::int32_t code, int position = -1) const;
   const Member& find(std::u16string_view member, automation::CallKind kind) const;
 
