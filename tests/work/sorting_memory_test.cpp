@@ -41,7 +41,7 @@ TEST(SortingMemory, SixteenBytesForEachFault) {
     const auto rows = database->openRowList(store::faultsOfExchange(1, key), columns);
     ASSERT_EQ(rows->size(), faults);
     EXPECT_LE(work::counted.mostBytes - before, 16 * faults) << key;
-    EXPECT_LE(work::counted.bytes - before, 4 * faults + 1024) << key;
+    EXPECT_LE(work::counted.bytes - before, 4 * faults + 4096) << key;
   }
 }
 

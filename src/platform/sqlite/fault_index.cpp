@@ -343,8 +343,10 @@ void FaultIndex::removeExchange(std::int64_t id) {
 void FaultIndex::removeRows(std::int64_t id, std::size_t of) {
   constexpr std::size_t rowsBetweenProgress = 1024;
   Statement rows(connection_, "SELECT Count FROM VordaneFaultIndex WHERE ID = ?");
-  Statement row(connection_, "DELETE FROM FaultDisplay WHERE Count = ?");
+  // The row itself decides: a damaged entry must not take another exchange's fault along.
+  Statement row(connection_, "DELETE FROM FaultDisplay WHERE Count = ?1 AND ID = ?2");
   rows.bind(1, id);
+  row.bind(2, id);
   for (std::size_t done = 0; rows.step(); ++done) {
     if (done % rowsBetweenProgress == 0) connection_.progress(done, of);
     row.bind(1, rows.integer(0));

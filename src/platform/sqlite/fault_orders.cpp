@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <limits>
-#include <stdexcept>
 
 #include "platform/sqlite/description_order.h"
 #include "platform/sqlite/errors.h"
@@ -37,7 +36,7 @@ void collectStep(sqlite3_context* context, int count, sqlite3_value** values) no
   try {
     if (collecting.faults != nullptr)
       collecting.faults->add(blobOf(values[0]), sqlite3_value_int64(values[1]),
-                             count > 2 ? blobOf(values[2]) : std::string_view{});
+                             count > 2 ? std::optional(blobOf(values[2])) : std::nullopt);
   } catch (...) {
     collecting.failure = std::current_exception();
     sqlite3_result_error_code(context, SQLITE_ABORT);
@@ -100,14 +99,15 @@ std::vector<std::uint32_t> Kinds::places(FaultOrder first, std::size_t& placeCou
   return places;
 }
 
-void CollectedFaults::add(std::string_view moment, std::int64_t count, std::string_view kind) {
+void CollectedFaults::add(std::string_view moment, std::int64_t count, std::optional<std::string_view> kind) {
   if (moment != moment_) {
-    if (moment < moment_) throw std::logic_error("the fault index was not read in its order");
+    if (moment < moment_) fail(number::damaged);
     closeGroup();
     moment_ = moment;
   }
+  if (kind && kind->empty()) fail(number::damaged);
   counts_.push_back(shortCount(count));
-  if (!kind.empty()) kinds_.push_back(numbers_.numberOf(kind));
+  if (kind) kinds_.push_back(numbers_.numberOf(*kind));
 }
 
 // Within one moment the index goes by hash; the order goes by Count.

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -33,9 +34,9 @@ class Kinds {
 // An exchange's faults by Date, then Count, taken in while the engine goes through the index.
 class CollectedFaults {
  public:
-  // `kind` counts only where some was given. Throws DatabaseError for a `Count` that is no row number,
-  // std::logic_error when the index is not gone through in its order.
-  void add(std::string_view moment, std::int64_t count, std::string_view kind);
+  // `kind` is given for all or for none. Throws DatabaseError for a `Count` that is no row number, and when
+  // moments do not ascend or a kind is no kind: the index is damaged then.
+  void add(std::string_view moment, std::int64_t count, std::optional<std::string_view> kind);
   void finish() { closeGroup(); }
 
   std::size_t size() const { return counts_.size(); }
