@@ -18,7 +18,8 @@ constexpr const char* filling =
     "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 300000) "
     "INSERT INTO FaultDisplay(ID, Fault, Alarm, CPU, Date, Description) "
     "SELECT 1, printf('%02X', i % 40), iif(i % 3 = 0, 'MJ', 'MN'), 'MP   ', "
-    "printf('20%02d/%02d/%02d %02d:%02d', 10 + i / 40000, 1 + i / 4000 % 12, 1 + i / 200 % 28, i / 9 % 24, i % 60), "
+    "printf('20%02d/%02d/%02d %02d:%02d', 10 + i / 40000, 1 + i / 4000 % 12, 1 + i / 200 % 28, i / 9 % 24, i "
+    "% 60), "
     "'Fault of the line circuit, module group 01, unit 02, port ' || i * 7919 % 100003 FROM n";
 
 std::size_t held() {

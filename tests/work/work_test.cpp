@@ -6,8 +6,8 @@
 namespace vordane::startup {
 namespace {
 
-using work::Work;
 using work::counted;
+using work::Work;
 
 constexpr std::size_t faults = 1000;
 
