@@ -40,6 +40,7 @@ constexpr ClassTable serverTable{u"cPBXOLE",
 
 constexpr std::u16string_view refused = u"ERROR";
 constexpr std::int32_t cancelledByUser = 61;
+constexpr int cancelMilliseconds = 1500;
 
 std::u16string quoted(std::u16string_view text) {
   return u"\"" + std::u16string(text) + u"\"";
@@ -84,6 +85,7 @@ Answer cancelledAnswer() {
   answer.parts.emplace_back(Entry{u"ZUL_USERCANCEL", {}, {}, {}});
   answer.errCode = cancelledByUser;
   answer.message = u"ZUL_USERCANCEL";
+  answer.delay = cancelMilliseconds;
   return answer;
 }
 

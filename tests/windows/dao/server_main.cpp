@@ -38,6 +38,8 @@ int run() {
   const auto world = std::make_shared<DaoWorld>();
   world->misused = tellMisuse;
   server.serve({{engineClass, [&] { return makeDaoEngine(world); }, false}});
+  // The engine itself lives in its caller's process and is never on its way out while somebody else comes.
+  server.stay();
   return com::runMessageLoop();
 }
 

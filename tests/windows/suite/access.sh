@@ -33,7 +33,8 @@ nothing_new() {
 export_all() {
   local file
   for file in "${mine}FAULT.MDB" "${mine}VORDANE.LNG" "${theirs}Common.LNG" "${theirs}Register.mdb" "${theirs}Schedule.mdb"; do
-    tools export "$file" --csv "C:\\$1" >/dev/null || fail "$file was not exported"
+    tools export "$file" --csv "C:\\$1" >/dev/null 2>"$WINEPREFIX/export.txt" ||
+      fail "$file was not exported: $(cat "$WINEPREFIX/export.txt")"
   done
 }
 
