@@ -97,6 +97,20 @@ TEST_F(Damaged, ARegistrationEndsTheCreationWithoutAWord) {
   }
 }
 
+TEST_F(Damaged, WhatMayNotBeWrittenCountsAsNotOpened) {
+  engine.unwritable = u"FAULT.MDB";
+  start();
+  layer = createLayer();
+  EXPECT_TRUE(registerPbx(u"PBX-1"));
+  EXPECT_THAT(taken(), testing::Contains("ShowCode 3024"));
+  layer.reset();
+  taken();
+  engine.unwritable = u"Register.mdb";
+  start();
+  EXPECT_THROW(createLayer(), ProcessEnded);
+  EXPECT_THAT(taken(), IsEmpty());
+}
+
 TEST_F(Damaged, OptionsAreTheUsualOnes) {
   for (const int page : {2, 1}) {
     spoil(u"Schedule.mdb", page);

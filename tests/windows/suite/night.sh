@@ -11,6 +11,7 @@ set -euo pipefail
 runs=${VORDANE_NIGHT_RUNS:-40} jobs=${VORDANE_NIGHT_JOBS:-4}
 [ $((runs % 4)) = 0 ] && [ $((jobs % 4)) = 0 ] || fail "runs and jobs come in fours, as the exchange's answers do"
 limit=20  # thousands of bytes that the log may take
+between=$((runs > 200 ? 10 : 1))  # seconds from one sample of the figures to the next
 
 figures() { win "$programs/suiteprobe/suiteprobe.exe" figures "$1"; }
 asked() { grep -c "SendRequest $1 = \"ACC" "$drive/SIM/Zulsim.log" || true; }
@@ -30,6 +31,7 @@ release
 loud
 note the long job is over
 quiet
+sleep $((1000 * between + 5000))
 repeat $jobs
 create
 register NIGHT 1
@@ -81,7 +83,7 @@ started=$SECONDS
 ( cd "$addins" && exec wine 'C:\QUILMAR32\30000\ADDINS\devhost.exe' 'C:\QUILMAR32\30000\ADDINS\night.txt' ) > "$trace" 2>/dev/null &
 host=$!
 
-watch_long_job $((runs > 200 ? 10 : 1)) > "$WINEPREFIX/long.figures"
+watch_long_job $between > "$WINEPREFIX/long.figures"
 echo "the job of $runs runs took $((SECONDS - started)) s"
 expect "lists asked for by $runs runs" "$runs" "$(asked LEA0)"
 expect "lists acknowledged" "$((runs / 4 * 3))" "$(asked EA1/00)"
