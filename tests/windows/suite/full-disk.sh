@@ -52,7 +52,7 @@ expect_gone
 
 # The run log's disk.
 shared="$drive/QUILMAR32/30000/QUIL32/DATABASE"
-put_on_disk "$shared" 8
+put_on_disk "$shared" 0
 start_host full-disk
 expect_trace full-disk
 expect_gone
@@ -64,11 +64,12 @@ whole='^[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2} .*'$'\r''$'
 expect 'lines of the log that are not whole' 0 "$(grep -cvE "$whole" "$log" || true)"
 expect 'the end of the log' '\n' "$(tail -c 1 "$log" | tr '\n' n | sed 's/n/\\n/')"
 lines=$(wc -l < "$log")
+[ "$lines" -lt 380 ] || fail "$lines lines had room"
 echo "ok: the log holds $lines whole lines"
 
 make_room "$shared"
 start_host full-disk
-expect_trace full-disk
+wait "$host" || fail "$(cat "$trace")"
 expect_gone
 expect 'lines of the log that are not whole, with room again' 0 "$(grep -cvE "$whole" "$log" || true)"
 [ "$(wc -l < "$log")" -gt $((lines + 400)) ] || fail 'the next run left no log'
