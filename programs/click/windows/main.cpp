@@ -204,14 +204,19 @@ void awaitRest(HWND window) {
 }
 
 int control(const Wish& wish) {
-  const HWND found = waitFor(wish.wait, [&] { return findControl(wish.word); });
+  // What can't be pressed yet, since a box is still about to go, is waited for.
+  const bool presses = wish.deed == Deed::press || wish.deed == Deed::rightPress;
+  const HWND found = waitFor(wish.wait, [&] {
+    const HWND child = findControl(wish.word);
+    return !presses || (IsWindowEnabled(findFrame()) && IsWindowEnabled(child)) ? child : nullptr;
+  });
   if (found == nullptr) return std::fputs("click: no such control\n", stderr), 1;
   if (wish.deed == Deed::text) return printText(found), 0;
   if (wish.deed == Deed::press || wish.deed == Deed::rightPress) awaitRest(found);
   const RECT area = placeOf(found);
   const POINT middle{(area.left + area.right) / 2, (area.top + area.bottom) / 2};
   std::printf("%ld %ld\n", middle.x, middle.y);
-  if (wish.deed != Deed::find) press(middle, wish.deed == Deed::rightPress);
+  if (presses) press(middle, wish.deed == Deed::rightPress);
   return 0;
 }
 
