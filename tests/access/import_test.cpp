@@ -150,8 +150,8 @@ Rows exportedRows(const fs::path& file, const std::string& table) {
   return rows;
 }
 
-// As the other program would show what was brought over: it takes an empty text for Null, and has no character
-// beyond the Basic Multilingual Plane, which `bells` counts.
+// As the other program would show what was brought over: it takes an empty text for Null, and has no
+// character beyond the Basic Multilingual Plane, which `bells` counts.
 Rows asExported(const std::vector<std::vector<Value>>& rows, int& bells) {
   Rows all;
   for (const auto& row : rows) {

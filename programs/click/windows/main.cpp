@@ -212,7 +212,7 @@ int control(const Wish& wish) {
   });
   if (found == nullptr) return std::fputs("click: no such control\n", stderr), 1;
   if (wish.deed == Deed::text) return printText(found), 0;
-  if (wish.deed == Deed::press || wish.deed == Deed::rightPress) awaitRest(found);
+  if (presses) awaitRest(found);
   const RECT area = placeOf(found);
   const POINT middle{(area.left + area.right) / 2, (area.top + area.bottom) / 2};
   std::printf("%ld %ld\n", middle.x, middle.y);
