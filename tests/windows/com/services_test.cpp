@@ -77,8 +77,8 @@ TEST(SystemFiles, SeveralWritersAndAReaderAreNotInEachOthersWay) {
   const std::u16string path = u"vordane-writers-test.tmp";
   DeleteFileW(com::wide(path.c_str()));
   EXPECT_TRUE(SystemFiles().append(path, "begin\r\n"));
-  const com::File reader(CreateFileW(com::wide(path.c_str()), GENERIC_READ,
-                                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
+  com::File reader(CreateFileW(com::wide(path.c_str()), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                               nullptr, OPEN_EXISTING, 0, nullptr));
   ASSERT_TRUE(reader);
   constexpr int lines = 300;
   const auto write = [&](const char* line) {
@@ -92,6 +92,7 @@ TEST(SystemFiles, SeveralWritersAndAReaderAreNotInEachOthersWay) {
   std::string bytes(100'000, '\0');
   DWORD size = 0;
   ASSERT_TRUE(ReadFile(reader.get(), bytes.data(), 100'000, &size, nullptr));
+  reader.reset();
   bytes.resize(size);
   int found[2]{};
   std::size_t at = 7;
