@@ -6,6 +6,7 @@
 #include <windows.h>
 
 #include <oleauto.h>
+#include <shellapi.h>
 
 #include <cstdlib>
 #include <stdexcept>

@@ -128,6 +128,8 @@ class MainWindow final : public Win32View {
   ViewEvents* events_ = nullptr;
   HWND window_ = nullptr;
   HWND tips_ = nullptr, status_ = nullptr, notice_ = nullptr;
+  HWND exchangeBox_ = nullptr;
+  std::size_t shownExchanges_ = 0;  // entries of the box
   std::map<const Control*, int> ids_;
   Grid grid_;
   DetailPane pane_;

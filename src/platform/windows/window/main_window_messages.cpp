@@ -298,6 +298,8 @@ void MainWindow::lookUpNext() {
 
 bool MainWindow::translate(MSG& message) {
   if (window_ == nullptr || (message.hwnd != window_ && !IsChild(window_, message.hwnd))) return false;
+  if (message.message >= WM_MOUSEFIRST && message.message <= WM_MOUSELAST)
+    SendMessageW(tips_, TTM_RELAYEVENT, 0, reinterpret_cast<LPARAM>(&message));
   const bool key = message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN;
   if (help_.shown() && key) {
     help_.close();
@@ -331,7 +333,7 @@ LRESULT CALLBACK MainWindow::watchChild(HWND window, UINT message, WPARAM wide, 
                                         DWORD_PTR self) {
   auto& view = *reinterpret_cast<MainWindow*>(self);
   const bool pressed = message == WM_RBUTTONDOWN || message == WM_LBUTTONDOWN;
-  if (pressed && view.inputAllowed() && view.events_ != nullptr && isExplained(static_cast<int>(id))) {
+  if (pressed && view.inputAllowed() && view.events_ != nullptr) {
     for (const auto& [shown, childId] : view.ids_) {
       if (childId != static_cast<int>(id)) continue;
       try {
@@ -344,7 +346,7 @@ LRESULT CALLBACK MainWindow::watchChild(HWND window, UINT message, WPARAM wide, 
       break;
     }
   }
-  if (message == WM_RBUTTONUP && isExplained(static_cast<int>(id))) return 0;
+  if (message == WM_RBUTTONUP) return 0;
   return DefSubclassProc(window, message, wide, low);
 }
 
