@@ -132,9 +132,10 @@ void MainWindow::createChildren() {
         CreateWindowExW(child.extendedStyle, child.type, L"", WS_CHILD | child.style, 0, 0, 0, 0, window_,
                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(child.id)), instance, nullptr);
     if (child.id == idExchange) exchangeBox_ = made;
-    // Only what is explained is watched: watching makes every message to a control dearer.
     if (isExplained(child.id))
-      SetWindowSubclass(made, watchChild, static_cast<UINT_PTR>(child.id), reinterpret_cast<DWORD_PTR>(this));
+      watches_[child.id].start(made, [this, id = child.id](UINT message, WPARAM wide, LPARAM low) {
+        return childHeard(id, message, wide, low);
+      });
   }
   lookUp_.create(window_, {idLookUpLabel, idLookUpText, idLookUpNext, idLookUpClose, idLookUpMessage},
                  texts_);

@@ -329,16 +329,14 @@ bool MainWindow::keyDown(WPARAM key) {
   return key == VK_F1;
 }
 
-LRESULT CALLBACK MainWindow::watchChild(HWND window, UINT message, WPARAM wide, LPARAM low, UINT_PTR id,
-                                        DWORD_PTR self) {
-  auto& view = *reinterpret_cast<MainWindow*>(self);
+LRESULT MainWindow::childHeard(int id, UINT message, WPARAM wide, LPARAM low) {
   const bool pressed = message == WM_RBUTTONDOWN || message == WM_LBUTTONDOWN;
-  if (pressed && view.inputAllowed() && view.events_ != nullptr) {
-    for (const auto& [shown, childId] : view.ids_) {
-      if (childId != static_cast<int>(id)) continue;
+  if (pressed && inputAllowed() && events_ != nullptr) {
+    for (const auto& [shown, childId] : ids_) {
+      if (childId != id) continue;
       try {
-        view.events_->mousePressed(const_cast<Control&>(*shown),
-                                   message == WM_RBUTTONDOWN ? rightButton : leftButton);
+        events_->mousePressed(const_cast<Control&>(*shown),
+                              message == WM_RBUTTONDOWN ? rightButton : leftButton);
       } catch (const std::exception&) {
         return 0;  // as in the window procedure
       }
@@ -347,7 +345,7 @@ LRESULT CALLBACK MainWindow::watchChild(HWND window, UINT message, WPARAM wide, 
     }
   }
   if (message == WM_RBUTTONUP) return 0;
-  return DefSubclassProc(window, message, wide, low);
+  return watches_[id].pass(message, wide, low);
 }
 
 }  // namespace vordane::window::win32
