@@ -93,7 +93,7 @@ com::ComPtr<IDispatch> createTrivial() {
 }
 
 void measureCall() {
-  constexpr int calls = 2000;
+  constexpr int calls = 200;
   const Started server(besideThisProgram(L"trivial_server.exe"));
   const auto trivial = createTrivial();
   const auto layer = create(L"Vordane10013.cOLELayer");
