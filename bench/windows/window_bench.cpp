@@ -139,7 +139,7 @@ void measureScrolling(const std::u16string& path) {
   ReadyRows ready(*rows);
   Window window;
   Comparison comparison("End, Page Up, Page Down in " + std::to_string(rows->size()) + " rows, a screen",
-                        "the same over ready-made rows", timeAtMost(1.5));
+                        "the same over ready-made rows", timeAtMost(1.5, 0.016));
   window.show(ready);
   walk(window);
   for (int run = 0; run < runs; ++run) {
