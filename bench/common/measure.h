@@ -22,8 +22,8 @@ double seconds(Work&& work) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }
 
-// The time the processor worked for this process, not what others had of it meanwhile: for work that waits for
-// nobody, on machines that are never quiet.
+// The time the processor worked for this process, not what others had of it meanwhile: for work that waits
+// for nobody, on machines that are never quiet.
 template <class Work>
 double processorSeconds(Work&& work) {
   const auto now = [] {
@@ -96,8 +96,8 @@ class Comparison {
 
   std::string verdict(double ratio, double unit) const {
     if (goal_.kind == Goal::Kind::none) return "-";
-    const bool reached = (isRate() ? ratio >= goal_.limit : ratio <= goal_.limit) &&
-                         (goal_.most == 0 || unit < goal_.most);
+    const bool reached =
+        (isRate() ? ratio >= goal_.limit : ratio <= goal_.limit) && (goal_.most == 0 || unit < goal_.most);
     char text[48];
     std::snprintf(text, sizeof text, "%s %.1f", isRate() ? "at least" : "at most", goal_.limit);
     return text + (goal_.most == 0 ? std::string() : ", under " + time(goal_.most)) +

@@ -132,7 +132,8 @@ void measureScrolling(const std::u16string& path) {
   const auto database = sqlite::makeEngine()->open(path, false);
   const std::u16string_view columns[] = {u"Fault", u"Alarm", u"Date", u"CPU", u"Description", u"Count"};
   const auto rows = database->openRowList(
-      u"SELECT * FROM FaultDisplay WHERE ID = 1 Order by [Date] Desc, [Count] Desc, [Fault] Desc, [Alarm] Desc, "
+      u"SELECT * FROM FaultDisplay WHERE ID = 1 Order by [Date] Desc, [Count] Desc, [Fault] Desc, [Alarm] "
+      u"Desc, "
       u"[CPU] Desc, [Description] Desc",
       columns);
   StoredRows stored(*rows);
@@ -158,8 +159,8 @@ std::u16string exchangeName(int i) {
 void measureDropDown(int exchanges) {
   Window window;
   Control& list = window.form().control(u"drpPBXList");
-  const HWND plain = CreateWindowW(WC_COMBOBOXW, L"", WS_POPUP | WS_VSCROLL | CBS_DROPDOWNLIST, 0, 0, 200, 300,
-                                   nullptr, nullptr, nullptr, nullptr);
+  const HWND plain = CreateWindowW(WC_COMBOBOXW, L"", WS_POPUP | WS_VSCROLL | CBS_DROPDOWNLIST, 0, 0, 200,
+                                   300, nullptr, nullptr, nullptr, nullptr);
   Comparison comparison("fill the drop-down with " + std::to_string(exchanges), "filling a plain combo box",
                         timeAtMost(1.5));
   for (int run = 0; run < runs; ++run) {
