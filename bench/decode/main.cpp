@@ -107,6 +107,5 @@ int main() {
   bench::Comparison comparison("decode a fault, every kind alike", "appending the ready-made pieces",
                                bench::rateAtLeast(0.5));
   for (int run = 0; run < faults::runs; ++run) decoding.measure(comparison);
-  bench::printHeading();
   comparison.print(faults::recordCount);
 }

@@ -82,8 +82,12 @@ std::vector<Fault> rowsOf(fakes::MemoryStoreForm& form, const Answer& answer) {
   std::vector<Fault> rows;
   for (std::size_t k = 0; k < answer.size(); k += 4) {
     const auto entry = [&](std::size_t i) { return text::trim(answer[k + i]); };
-    Fault row{1, std::u16string(store::faultKind(entry(0))), std::u16string(store::alarmClass(entry(0))),
-              store::processor(entry(0)), std::u16string(entry(1)), {}};
+    Fault row{1,
+              std::u16string(store::faultKind(entry(0))),
+              std::u16string(store::alarmClass(entry(0))),
+              store::processor(entry(0)),
+              std::u16string(entry(1)),
+              {}};
     row.description = form.faultDecoder(true).GetFaultMessage(entry(0), entry(2), entry(3));
     rows.push_back(std::move(row));
   }

@@ -140,9 +140,8 @@ std::vector<std::int64_t> BareStore::orderedKeys(std::int16_t id, const char* or
 
 std::size_t BareStore::readAll(std::int16_t id) {
   state_->run("BEGIN");
-  sqlite3_stmt* row =
-      prepare(state_->handle,
-              "SELECT Fault, Alarm, Date, CPU, Description, Count FROM FaultDisplay WHERE rowid = ?");
+  sqlite3_stmt* row = prepare(
+      state_->handle, "SELECT Fault, Alarm, Date, CPU, Description, Count FROM FaultDisplay WHERE rowid = ?");
   std::size_t bytes = 0;
   for (const std::int64_t key : scanKeys(id)) {
     sqlite3_bind_int64(row, 1, key);

@@ -9,7 +9,8 @@
 
 namespace vordane::bench {
 
-// Faults of one exchange, four in a minute, as an exchange sends them: oldest first, `first` of them left out.
+// Faults of one exchange, four in a minute, as an exchange sends them: oldest first, `first` of them left
+// out.
 std::vector<Fault> makeFaults(std::int16_t id, std::size_t count, std::size_t first = 0);
 
 std::u16string decimal(std::size_t number);

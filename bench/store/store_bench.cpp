@@ -9,8 +9,8 @@
 #include "common/measure.h"
 #include "platform/sqlite/engine.h"
 #include "platform/sqlite/schema.h"
-#include "store/made_faults.h"
 #include "store/bare_store.h"
+#include "store/made_faults.h"
 
 namespace vordane::bench {
 namespace {
@@ -151,8 +151,8 @@ void selectAmongOthers(const Folder& folder) {
              alone = engine->open(aloneFile.u16string(), false);
   for (std::int16_t id = 1; id <= exchanges; ++id) ingest(*crowded, makeFaults(id, 1000));
   ingest(*alone, makeFaults(7, 1000));
-  Comparison comparison("select 1,000 faults among " + thousands(1000000 / scale), "the same, nothing else stored",
-                        timeAtMost(1.5));
+  Comparison comparison("select 1,000 faults among " + thousands(1000000 / scale),
+                        "the same, nothing else stored", timeAtMost(1.5));
   const auto selectFrom = [&](database::Database& database) {
     return processorSeconds([&] {
       for (int i = 0; i < times; ++i) select(database, 7);

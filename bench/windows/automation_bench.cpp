@@ -6,6 +6,7 @@
 #include <windows.h>
 
 #include <oleauto.h>
+#include <shellapi.h>
 
 #include <cstdlib>
 #include <stdexcept>
@@ -26,7 +27,8 @@ void check(HRESULT result, const char* step) {
 
 com::ComPtr<IDispatch> create(REFCLSID type) {
   com::ComPtr<IDispatch> object;
-  check(CoCreateInstance(type, nullptr, CLSCTX_LOCAL_SERVER, IID_IDispatch, object.putVoid()), "CoCreateInstance");
+  check(CoCreateInstance(type, nullptr, CLSCTX_LOCAL_SERVER, IID_IDispatch, object.putVoid()),
+        "CoCreateInstance");
   return object;
 }
 
@@ -58,7 +60,8 @@ class Started {
     STARTUPINFOW start{};
     start.cb = sizeof start;
     PROCESS_INFORMATION made{};
-    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &made))
+    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
+                        &made))
       throw std::runtime_error("CreateProcess");
     CloseHandle(made.hThread);
     process_ = com::Handle(made.hProcess);
@@ -84,7 +87,8 @@ std::wstring besideThisProgram(const wchar_t* name) {
 com::ComPtr<IDispatch> createTrivial() {
   for (int i = 0; i < 200; ++i) {
     com::ComPtr<IDispatch> object;
-    if (SUCCEEDED(CoCreateInstance(trivialClass, nullptr, CLSCTX_LOCAL_SERVER, IID_IDispatch, object.putVoid())))
+    if (SUCCEEDED(
+            CoCreateInstance(trivialClass, nullptr, CLSCTX_LOCAL_SERVER, IID_IDispatch, object.putVoid())))
       return object;
     Sleep(50);
   }
@@ -92,7 +96,7 @@ com::ComPtr<IDispatch> createTrivial() {
 }
 
 void measureCall() {
-  constexpr int calls = 2000;
+  constexpr int calls = 200;
   const Started server(besideThisProgram(L"trivial_server.exe"));
   const auto trivial = createTrivial();
   const auto layer = create(L"Vordane10013.cOLELayer");
@@ -104,7 +108,8 @@ void measureCall() {
   };
   time(layer.get(), member);
   time(trivial.get(), one);
-  Comparison comparison("one call on cOLELayer from another process", "a server with one member", timeAtMost(1.2));
+  Comparison comparison("one call on cOLELayer from another process", "a server with one member",
+                        timeAtMost(1.2));
   for (int run = 0; run < runs; ++run) {
     const double ours = time(layer.get(), member);
     comparison.add(ours, time(trivial.get(), one));
@@ -132,8 +137,8 @@ void measureRecord(int entries) {
                       automation::byVal(std::u16string(u"01 MJ LP 0C 26/11/20 20:58 01 02 03"))});
   const DISPID members[] = {numberOf(record.get(), L"CMD"), numberOf(record.get(), L"FirstData"),
                             numberOf(record.get(), L"SecondData"), numberOf(record.get(), L"ExtraData")};
-  Comparison comparison("take over an answer of " + std::to_string(entries) + " entries", "the bare Invoke calls",
-                        timeAtMost(1.1));
+  Comparison comparison("take over an answer of " + std::to_string(entries) + " entries",
+                        "the bare Invoke calls", timeAtMost(1.1));
   for (int run = 0; run < runs; ++run) {
     cListRequest copy;
     const double ours = seconds([&] { pbx::copyEntries(*object, entries, copy, [] { return true; }); });
@@ -161,7 +166,8 @@ double timeToWindow(const std::wstring& commandLine, const wchar_t* windowClass)
 }
 
 void measureStart(const std::wstring& program, const std::wstring& exchange, const std::wstring& empty) {
-  Comparison comparison("process start to window shown", "an empty program with a list view", timeAtMost(1.5));
+  Comparison comparison("process start to window shown", "an empty program with a list view",
+                        timeAtMost(1.5));
   const auto ours = [&] { return timeToWindow(L'"' + program + L"\" " + exchange, L"VordaneWindow"); };
   const auto bare = [&] { return timeToWindow(L'"' + empty + L'"', L"VordaneBenchEmpty"); };
   ours();
@@ -182,7 +188,8 @@ int run(int count, wchar_t** words) {
   } else if (what == L"start" && count == 5) {
     measureStart(words[2], words[3], words[4]);
   } else {
-    std::fputs("usage: automation_bench call | record ENTRIES | start PROGRAM EXCHANGE EMPTY-PROGRAM\n", stderr);
+    std::fputs("usage: automation_bench call | record ENTRIES | start PROGRAM EXCHANGE EMPTY-PROGRAM\n",
+               stderr);
     return 2;
   }
   return 0;

@@ -1,15 +1,22 @@
 #!/usr/bin/env bash
 # Run by tests/windows/run.sh in a Wine prefix of its own, with the suite installed: what only Windows programs
-# show. Expects VORDANE_BUILD, and in BENCH_FAULTS a FAULT.MDB with an exchange PBX-1.
+# show, and a tenth of the portable work. Expects VORDANE_BUILD, and in BENCH_FAULTS a FAULT.MDB with an
+# exchange PBX-1.
 #   measure.sh ENTRIES EXCHANGES
 set -euo pipefail
 . "$(dirname "$0")/../../tests/windows/suite/suite.sh"
 
 install_suite
 cp "$BENCH_FAULTS" "$addins/DATABASE/FAULT.MDB"
-cp "$VORDANE_BUILD"/bench/windows/*.exe "$addins/"
+cp "$VORDANE_BUILD"/bench/*/*.exe "$addins/"
 cd "$addins"
-measure() { timeout --kill-after=5 1200 wine "$@" 2>>"$WINEPREFIX/bench.errors" | tr -d '\r' || cat "$WINEPREFIX/bench.errors"; }
+# Into a file: what a program starts would keep a pipe open.
+measure() {
+  timeout --kill-after=5 1200 wine "$@" >"$WINEPREFIX/bench.lines" 2>"$WINEPREFIX/bench.errors" ||
+    echo "$1: ended with $?" >>"$WINEPREFIX/bench.lines"
+  tr -d '\r' <"$WINEPREFIX/bench.lines"
+  grep '^failed' "$WINEPREFIX/bench.errors" || true
+}
 
 measure window_bench.exe 'C:\QUILMAR32\30000\ADDINS\DATABASE\FAULT.MDB' "$2"
 measure automation_bench.exe call
@@ -17,3 +24,6 @@ measure automation_bench.exe record "$1"
 # The exchange server runs already, as it does on a workstation.
 wine 'C:\SIM\Zulsim.exe' >/dev/null 2>&1 &
 measure automation_bench.exe start 'C:\QUILMAR32\30000\ADDINS\VORDANE.EXE' PBX-1 empty_window.exe
+measure bench_decode.exe
+measure ingest_bench.exe --quick
+measure store_bench.exe --quick delete

@@ -1,5 +1,6 @@
-// The least that an automation server can be: one class with one property, served from its own process in bare
-// COM. The baseline of a call on the add-in. Run without a switch it serves for as long as somebody holds it.
+// The least that an automation server can be: one class with one property, served from its own process in
+// bare COM. The baseline of a call on the add-in. Run without a switch it serves for as long as somebody
+// holds it.
 #include <windows.h>
 
 #include <oleauto.h>

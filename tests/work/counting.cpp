@@ -36,6 +36,40 @@ void give(void* memory) noexcept {
   std::free(block);
 }
 
+// What the engine takes is counted between it and its allocator, before it is used for the first time.
+class EngineMemory {
+ public:
+  EngineMemory() {
+    sqlite3_config(SQLITE_CONFIG_GETMALLOC, &plain_);
+    sqlite3_mem_methods counting = plain_;
+    counting.xMalloc = [](int size) { return taken(plain_.xMalloc(size)); };
+    counting.xFree = [](void* memory) {
+      given(memory);
+      plain_.xFree(memory);
+    };
+    counting.xRealloc = [](void* memory, int size) {
+      given(memory);
+      void* const moved = plain_.xRealloc(memory, size);
+      taken(moved == nullptr ? memory : moved);
+      return moved;
+    };
+    sqlite3_config(SQLITE_CONFIG_MALLOC, &counting);
+  }
+
+ private:
+  static void* taken(void* memory) {
+    if (memory != nullptr) counted.engineBytes += static_cast<std::size_t>(plain_.xSize(memory));
+    counted.mostEngineBytes = std::max(counted.mostEngineBytes, counted.engineBytes);
+    return memory;
+  }
+  static void given(void* memory) {
+    if (memory != nullptr) counted.engineBytes -= static_cast<std::size_t>(plain_.xSize(memory));
+  }
+
+  static inline sqlite3_mem_methods plain_;
+};
+const EngineMemory engineMemory;
+
 }  // namespace
 
 void* operator new(std::size_t size) {

@@ -1,4 +1,5 @@
-// What is held at once while an exchange's faults are put in order: at most 16 bytes for each of them.
+// What is held at once while an exchange's faults are put in order: at most 16 bytes for each of them, and
+// what the engine's cache may take.
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
@@ -12,6 +13,7 @@ namespace vordane::sqlite {
 namespace {
 
 constexpr std::size_t faults = 300000;
+constexpr std::size_t cache = 64 << 20, smallThings = 1 << 20;
 
 // Long beginnings in common, and many descriptions several times over.
 constexpr const char* filling =
@@ -24,6 +26,7 @@ constexpr const char* filling =
 
 std::size_t held() {
   work::counted.mostBytes = work::counted.bytes;
+  work::counted.mostEngineBytes = work::counted.engineBytes;
   return work::counted.bytes;
 }
 
@@ -42,6 +45,7 @@ TEST(SortingMemory, SixteenBytesForEachFault) {
     const auto rows = database->openRowList(store::faultsOfExchange(1, key), columns);
     ASSERT_EQ(rows->size(), faults);
     EXPECT_LE(work::counted.mostBytes - before, 16 * faults) << key;
+    EXPECT_LE(work::counted.mostEngineBytes, cache + smallThings) << key;
     EXPECT_LE(work::counted.bytes - before, 4 * faults + 4096) << key;
   }
 }

@@ -14,9 +14,8 @@ class Blocks {
  public:
   std::size_t size() const { return size_; }
   void push_back(const T& value) {
-    if (size_ % blockSize == 0) blocks_.push_back(std::make_unique<Block>());
-    (*blocks_.back())[size_ % blockSize] = value;
-    ++size_;
+    if (size_ % blockSize == 0) last_ = blocks_.emplace_back(std::make_unique<Block>())->data();
+    last_[size_++ % blockSize] = value;
   }
   T& operator[](std::size_t i) { return (*blocks_[i / blockSize])[i % blockSize]; }
   const T& operator[](std::size_t i) const { return (*blocks_[i / blockSize])[i % blockSize]; }
@@ -26,6 +25,7 @@ class Blocks {
   using Block = std::array<T, blockSize>;
   std::vector<std::unique_ptr<Block>> blocks_;
   std::size_t size_ = 0;
+  T* last_ = nullptr;  // the last block
 };
 
 }  // namespace vordane::sqlite

@@ -40,6 +40,9 @@ class Reader {
 
 class FaultIndex;
 
+// Reading a file is dear on some systems: the keys of a million faults find room in this many kilobytes.
+inline constexpr const char* wholeCache = "PRAGMA cache_size = -65536";
+
 class Connection {
  public:
   Connection(Handle handle, bool readOnly, const Options& options);

@@ -1,63 +1,38 @@
 // The order of an exchange's faults by Description. The texts of a million faults are too long to be held at
-// once. So some of them, chosen evenly, are sorted first; they part the others into classes that each have a
-// long beginning in common, and a fault is then known by its class and the few characters behind that
-// beginning. Only faults that are still alike are read once more and compared in full.
+// once: SQLite's own sorter puts them in order, in half of the engine's cache and a file of its own, by the
+// texts' sort keys, which are half as long as the texts and are compared without rules.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "platform/sqlite/blocks.h"
-#include "platform/sqlite/fault_orders.h"
+#include "platform/sqlite/connection.h"
 
 namespace vordane::sqlite {
 
 class DescriptionOrder {
  public:
-  // `counts` are the exchange's faults by Date, then Count.
-  DescriptionOrder(Connection& connection, const Blocks<std::uint32_t>& counts);
-  // The same by Description, Fault, Alarm, Date, Count. Throws DatabaseError.
-  std::vector<std::uint32_t> run();
+  // Once for a connection, which it belongs to.
+  explicit DescriptionOrder(Connection& connection);
+  DescriptionOrder(const DescriptionOrder&) = delete;
+  DescriptionOrder& operator=(const DescriptionOrder&) = delete;
+
+  // `Count` of the exchange's rows by Description, Fault, Alarm, Date, Count. The fault index must be good.
+  // Throws DatabaseError.
+  std::vector<std::uint32_t> of(std::int64_t id);
 
  private:
-  // A fault's class and what its class orders it by, in 6 bytes.
-  struct Key {
-    std::array<std::uint16_t, 3> parts;
-  };
-  struct Texts {
-    std::string description, fault, alarm;  // sort keys; empty for Null
-    friend auto operator<=>(const Texts&, const Texts&) = default;
-  };
-  using Position = std::vector<std::uint32_t>::iterator;
-
-  void take(const Statement& row, Texts& out);
-  void read(std::uint32_t fault, Texts& out);
-  void chooseSamples();
-  void makeKeys();
-  void makeKeys(std::uint32_t begin, std::uint32_t end);
-  void setKey(std::uint32_t fault, const Texts& texts);
-  std::uint64_t keyOf(std::string_view description);
-  std::uint64_t keyAt(std::uint32_t fault) const;
-  void sortClasses();
-  void sortClass(std::uint64_t number, Position begin, Position end);
-  void sortAlike(Position begin, Position end);
-  void sortTexts(Position begin, Position end);
-  void partTexts(Position begin, Position end);
+  static void keyFunction(sqlite3_context* context, int, sqlite3_value** values) noexcept;
+  void step();
 
   Connection& connection_;
-  const Blocks<std::uint32_t>& counts_;
-  Statement row_, neighbours_;
+  std::size_t rows_ = 0, steps_ = 0;  // each row is read and handed over: two steps
+  std::string key_;                   // kept for its room
   std::u16string copy_;
-  std::vector<std::string> samples_;      // sorted, each once
-  std::vector<std::size_t> commonBegin_;  // of sample i-1 and sample i
-  Blocks<Key> keys_;
-  Kinds kinds_;
-  std::string kind_;
-  std::vector<std::uint32_t> kindPlaces_;
-  std::vector<std::uint32_t> order_;  // positions in `counts_`
 };
+
+// `Count` as a row's key of four bytes; throws DatabaseError for one that is none.
+std::uint32_t shortCount(std::int64_t count);
 
 }  // namespace vordane::sqlite

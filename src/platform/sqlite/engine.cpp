@@ -16,8 +16,6 @@ namespace {
 
 constexpr std::string_view firstBytes{"SQLite format 3\0", 16};
 constexpr std::size_t headerSize = 100;
-// Reading a file is dear on some systems: the keys of a million faults find room in this many kilobytes.
-constexpr const char* cacheSize = "PRAGMA cache_size = -65536";
 
 enum class Found { missing, unreadable, foreign, embedded };
 
@@ -89,7 +87,7 @@ bool returnsRow(sqlite3* handle, const char* sql) {
 
 void prepare(sqlite3* handle) {
   guard(handle);
-  execute(handle, cacheSize);
+  execute(handle, wholeCache);
   execute(handle, "PRAGMA cell_size_check = ON");
   returnsRow(handle, "SELECT 1 FROM sqlite_schema LIMIT 1");
 }

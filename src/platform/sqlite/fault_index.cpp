@@ -121,7 +121,7 @@ void hashField(std::optional<std::u16string_view> text, FoldedHash& hash) {
 
 }  // namespace
 
-FaultIndex::FaultIndex(Connection& connection) : connection_(connection) {
+FaultIndex::FaultIndex(Connection& connection) : connection_(connection), byDescription_(connection) {
   registerFunctions(connection);
   registerCollect(connection, collecting_);
   Table* faults = connection.findTable(u"FaultDisplay");
@@ -281,7 +281,9 @@ std::vector<std::int64_t> FaultIndex::allNewestFirst() {
 }
 
 std::vector<std::uint32_t> FaultIndex::ordered(std::int64_t id, FaultOrder order, bool descending) {
-  std::vector<std::uint32_t> counts = orderedFaults(connection_, collecting_, id, order);
+  std::vector<std::uint32_t> counts = order == FaultOrder::description
+                                          ? byDescription_.of(id)
+                                          : orderedFaults(connection_, collecting_, id, order);
   if (descending) std::reverse(counts.begin(), counts.end());
   return counts;
 }

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "platform/sqlite/connection.h"
+#include "platform/sqlite/description_order.h"
 #include "platform/sqlite/fault_orders.h"
 
 namespace vordane::sqlite {
@@ -79,6 +80,7 @@ class FaultIndex {
   Statement state_, same_, insert_, remove_, read_;
   std::string key_;  // kept for its room
   Collecting collecting_;
+  DescriptionOrder byDescription_;
 };
 
 }  // namespace vordane::sqlite

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
+#include <cstring>
+#include <utility>
 
 #include "platform/sqlite/description_order.h"
 #include "platform/sqlite/errors.h"
@@ -18,11 +19,6 @@ std::array<std::string, 3> piecesOf(std::string_view kind) {
     kind.remove_prefix(std::min(end + 1, kind.size()));
   }
   return pieces;
-}
-
-std::uint32_t shortCount(std::int64_t count) {
-  if (count < 0 || count > std::numeric_limits<std::uint32_t>::max()) fail(number::badValue, u"Count");
-  return static_cast<std::uint32_t>(count);
 }
 
 std::string_view blobOf(sqlite3_value* value) {
@@ -100,22 +96,35 @@ std::vector<std::uint32_t> Kinds::places(FaultOrder first, std::size_t& placeCou
 }
 
 void CollectedFaults::add(std::string_view moment, std::int64_t count, std::optional<std::string_view> kind) {
-  if (moment != moment_) {
+  const bool same =
+      moment.size() == moment_.size() && std::memcmp(moment.data(), moment_.data(), moment.size()) == 0;
+  if (!same) {
     if (moment < moment_) fail(number::damaged);
     closeGroup();
-    moment_ = moment;
+    moment_.assign(moment);
   }
   if (kind && kind->empty()) fail(number::damaged);
   counts_.push_back(shortCount(count));
   if (kind) kinds_.push_back(numbers_.numberOf(*kind));
 }
 
-// Within one moment the index goes by hash; the order goes by Count.
+// Within one moment the index goes by hash; the order goes by Count. Mostly a few faults share a moment.
 void CollectedFaults::closeGroup() {
+  constexpr std::size_t few = 16;
   const std::size_t begin = group_, end = counts_.size();
   group_ = end;
   if (end - begin < 2) return;
   const bool withKinds = kinds_.size() == counts_.size();
+  if (end - begin > few) return sortGroup(begin, end, withKinds);
+  for (std::size_t i = begin + 1; i < end; ++i) {
+    for (std::size_t k = i; k > begin && counts_[k] < counts_[k - 1]; --k) {
+      std::swap(counts_[k], counts_[k - 1]);
+      if (withKinds) std::swap(kinds_[k], kinds_[k - 1]);
+    }
+  }
+}
+
+void CollectedFaults::sortGroup(std::size_t begin, std::size_t end, bool withKinds) {
   std::vector<std::pair<std::uint32_t, std::uint32_t>> group;
   group.reserve(end - begin);
   for (std::size_t i = begin; i < end; ++i) group.emplace_back(counts_[i], withKinds ? kinds_[i] : 0);
@@ -155,11 +164,10 @@ void registerCollect(Connection& connection, Collecting& collecting) {
 std::vector<std::uint32_t> orderedFaults(Connection& connection, Collecting& collecting, std::int64_t id,
                                          FaultOrder order) {
   const ReadScope reading(connection);
-  const bool withKinds = order != FaultOrder::date && order != FaultOrder::description;
+  const bool withKinds = order != FaultOrder::date;
   CollectedFaults faults;
   collect(connection, collecting, id, withKinds, faults);
-  if (withKinds) return faults.byKind(order);
-  return order == FaultOrder::date ? faults.byDate() : DescriptionOrder(connection, faults.counts()).run();
+  return withKinds ? faults.byKind(order) : faults.byDate();
 }
 
 }  // namespace vordane::sqlite

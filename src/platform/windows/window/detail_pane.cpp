@@ -73,7 +73,7 @@ void DetailPane::create(HWND parent, int id) {
       WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_VSCROLL | ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL, 0, 0, 0,
       0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr), nullptr);
   SendMessageW(window_, EM_SETEVENTMASK, 0, ENM_SELCHANGE);
-  SetWindowSubclass(window_, watch, 1, reinterpret_cast<DWORD_PTR>(this));
+  watch_.start(window_, [this](UINT message, WPARAM wide, LPARAM low) { return heard(message, wide, low); });
 }
 
 void DetailPane::setLook(const Control* control, int dpi, const Palette& palette) {
@@ -208,14 +208,12 @@ bool DetailPane::notified(const NMHDR& header) {
   return true;
 }
 
-LRESULT CALLBACK DetailPane::watch(HWND window, UINT message, WPARAM wide, LPARAM low, UINT_PTR,
-                                   DWORD_PTR self) {
+LRESULT DetailPane::heard(UINT message, WPARAM wide, LPARAM low) {
   if (message == WM_MOUSEMOVE && (wide & MK_LBUTTON) == 0)
-    reinterpret_cast<DetailPane*>(self)->mouseAt(
-        {static_cast<short>(LOWORD(low)), static_cast<short>(HIWORD(low))});
+    mouseAt({static_cast<short>(LOWORD(low)), static_cast<short>(HIWORD(low))});
   // Tab, Enter and Esc belong to the window, everything else to the text.
   if (message == WM_GETDLGCODE) return DLGC_WANTARROWS | DLGC_WANTCHARS | DLGC_HASSETSEL;
-  return DefSubclassProc(window, message, wide, low);
+  return watch_.pass(message, wide, low);
 }
 
 }  // namespace vordane::window::win32

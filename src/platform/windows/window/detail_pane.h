@@ -8,6 +8,7 @@
 #include "platform/windows/window/description.h"
 #include "platform/windows/window/fonts.h"
 #include "platform/windows/window/theme.h"
+#include "platform/windows/window/watch.h"
 
 namespace vordane::window::win32 {
 
@@ -30,7 +31,7 @@ class DetailPane {
   void point(std::size_t position);
 
  private:
-  static LRESULT CALLBACK watch(HWND window, UINT message, WPARAM wide, LPARAM low, UINT_PTR, DWORD_PTR self);
+  LRESULT heard(UINT message, WPARAM wide, LPARAM low);
   void mouseAt(POINT place);
   void render();
   void format(Range range, COLORREF ink, HFONT face, COLORREF ground);
@@ -39,6 +40,7 @@ class DetailPane {
   const std::vector<Range>& provenance(std::size_t position);
 
   HWND window_ = nullptr;
+  Watch watch_;
   Library richText_;
   GridSource* source_ = nullptr;
   std::size_t row_ = 0;

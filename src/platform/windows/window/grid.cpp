@@ -30,8 +30,10 @@ void Grid::create(HWND parent, int id, Events events) {
   ListView_SetExtendedListViewStyle(window_,
                                     LVS_EX_FULLROWSELECT | LVS_EX_HEADERDRAGDROP | LVS_EX_DOUBLEBUFFER);
   SetWindowTheme(window_, L"Explorer", nullptr);
-  SetWindowSubclass(window_, watchRows, 1, reinterpret_cast<DWORD_PTR>(this));
-  SetWindowSubclass(heading(), watchHeading, 1, reinterpret_cast<DWORD_PTR>(this));
+  watch_.start(window_,
+               [this](UINT message, WPARAM wide, LPARAM low) { return rowsHeard(message, wide, low); });
+  headingWatch_.start(
+      heading(), [this](UINT message, WPARAM wide, LPARAM low) { return headingHeard(message, wide, low); });
   addColumns();
 }
 
@@ -171,7 +173,7 @@ LRESULT Grid::moveSelection(UINT message, WPARAM wide, LPARAM low) {
   const auto before = selected_;
   unselect();
   filling_ = true;
-  const LRESULT answer = DefSubclassProc(window_, message, wide, low);
+  const LRESULT answer = watch_.pass(message, wide, low);
   if (!selected_ && before && *before < size())
     ListView_SetItemState(window_, static_cast<int>(*before), LVIS_SELECTED, LVIS_SELECTED);
   filling_ = false;
@@ -179,12 +181,15 @@ LRESULT Grid::moveSelection(UINT message, WPARAM wide, LPARAM low) {
   return answer;
 }
 
-LRESULT CALLBACK Grid::watchRows(HWND window, UINT message, WPARAM wide, LPARAM low, UINT_PTR,
-                                 DWORD_PTR self) {
+LRESULT Grid::rowsHeard(UINT message, WPARAM wide, LPARAM low) {
   const bool moves = message == WM_KEYDOWN && wide >= VK_PRIOR && wide <= VK_DOWN;
   if (moves || message == WM_LBUTTONDOWN || message == WM_RBUTTONDOWN)
-    return reinterpret_cast<Grid*>(self)->moveSelection(message, wide, low);
-  return DefSubclassProc(window, message, wide, low);
+    return moveSelection(message, wide, low);
+  if (message != WM_PAINT) return watch_.pass(message, wide, low);
+  painting_ = lookAtPlaces();
+  const LRESULT answer = watch_.pass(message, wide, low);
+  painting_.reset();
+  return answer;
 }
 
 // A position of -1 speaks of all rows at once.
@@ -268,45 +273,52 @@ void Grid::giveText(NMLVDISPINFOW& asked) {
 }
 
 // The heading gets a little more room than its letters need.
-LRESULT CALLBACK Grid::watchHeading(HWND window, UINT message, WPARAM wide, LPARAM low, UINT_PTR,
-                                    DWORD_PTR self) {
-  const LRESULT answer = DefSubclassProc(window, message, wide, low);
+LRESULT Grid::headingHeard(UINT message, WPARAM wide, LPARAM low) {
+  const LRESULT answer = headingWatch_.pass(message, wide, low);
   if (message == HDM_LAYOUT && answer != FALSE) {
-    const Grid& grid = *reinterpret_cast<Grid*>(self);
     const HDLAYOUT& asked = *reinterpret_cast<HDLAYOUT*>(low);
-    if (!grid.headFont_) return answer;
-    const int tall = lineHeight(grid.headFont_.get()) + 2 * scaled(headingPadding, grid.look_.dpi);
+    if (!headFont_) return answer;
+    const int tall = lineHeight(headFont_.get()) + 2 * scaled(headingPadding, look_.dpi);
     asked.prc->top += tall - asked.pwpos->cy;
     asked.pwpos->cy = tall;
   }
   return answer;
 }
 
-std::array<RECT, columnCount> Grid::cells(const RECT& row) const {
-  std::array<RECT, columnCount> places{};
+// The headings stand where the cells of each row begin.
+Grid::Places Grid::lookAtPlaces() const {
+  Places places{};
+  RECT client;
+  GetClientRect(window_, &client);
+  places.right = client.right;
+  POINT origin{};
+  MapWindowPoints(heading(), window_, &origin, 1);
+  places.left = origin.x;
   for (int column = 0; column < columnCount; ++column) {
-    RECT& place = places[static_cast<std::size_t>(column)];
+    RECT& place = places.columns[static_cast<std::size_t>(column)];
     Header_GetItemRect(heading(), column, &place);
-    place = {row.left + place.left, row.top, row.left + place.right, row.bottom};
+    OffsetRect(&place, origin.x, 0);
   }
+  places.focused = GetFocus() == window_;
   return places;
 }
 
 void Grid::draw(const DRAWITEMSTRUCT& item) {
-  RECT client;
-  GetClientRect(window_, &client);
+  const Places places = painting_ ? *painting_ : lookAtPlaces();
   RowDrawing drawing{};
-  POINT origin{};
-  MapWindowPoints(heading(), window_, &origin, 1);
   drawing.dc = item.hDC;
   drawing.place = item.rcItem;
-  drawing.place.left = origin.x;  // rows begin where their headings do
-  drawing.cells = cells(drawing.place);
-  drawing.place.right = std::max(drawing.place.right, client.right);
+  drawing.place.left = places.left;
+  drawing.place.right = std::max(drawing.place.right, places.right);
+  drawing.cells = places.columns;
+  for (RECT& cell : drawing.cells) {
+    cell.top = item.rcItem.top;
+    cell.bottom = item.rcItem.bottom;
+  }
   drawing.row = rows_.row(item.itemID);
   drawing.odd = item.itemID % 2 != 0;
   drawing.selected = (item.itemState & ODS_SELECTED) != 0;
-  drawing.gridFocused = GetFocus() == window_;
+  drawing.gridFocused = places.focused;
   drawing.focusMark = drawing.gridFocused && (item.itemState & ODS_FOCUS) != 0;
   drawRow(look_, drawing);
 }

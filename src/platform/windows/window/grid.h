@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "platform/windows/window/grid_paint.h"
+#include "platform/windows/window/watch.h"
 
 namespace vordane::window::win32 {
 
@@ -47,18 +48,24 @@ class Grid {
   void addColumns();
   void askRowHeightAgain();
   void giveText(NMLVDISPINFOW& asked);
-  std::array<RECT, columnCount> cells(const RECT& row) const;
+  // What all rows have in common while they are painted.
+  struct Places {
+    std::array<RECT, columnCount> columns;
+    LONG left, right;
+    bool focused;
+  };
+  Places lookAtPlaces() const;
   void itemChanged(const NMLISTVIEW& change);
   bool headingNotified(const NMHDR& header, LPARAM message);
   void widthChanged(int column);
   void unselect();
   LRESULT moveSelection(UINT message, WPARAM wide, LPARAM low);
-  static LRESULT CALLBACK watchRows(HWND window, UINT message, WPARAM wide, LPARAM low, UINT_PTR,
-                                    DWORD_PTR self);
-  static LRESULT CALLBACK watchHeading(HWND window, UINT message, WPARAM wide, LPARAM low, UINT_PTR,
-                                       DWORD_PTR self);
+  LRESULT rowsHeard(UINT message, WPARAM wide, LPARAM low);
+  LRESULT headingHeard(UINT message, WPARAM wide, LPARAM low);
 
   HWND window_ = nullptr;
+  Watch watch_, headingWatch_;
+  std::optional<Places> painting_;
   Events events_;
   RowCache rows_;
   GridLook look_;

@@ -115,6 +115,8 @@ void MainWindow::detach() {
   help_.close();
   timer_.stop(window_);
   grid_.forgetRows();
+  exchangeBox_ = nullptr;
+  shownExchanges_ = 0;
   DestroyWindow(std::exchange(window_, nullptr));
 }
 
@@ -129,7 +131,11 @@ void MainWindow::createChildren() {
     const HWND made =
         CreateWindowExW(child.extendedStyle, child.type, L"", WS_CHILD | child.style, 0, 0, 0, 0, window_,
                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(child.id)), instance, nullptr);
-    SetWindowSubclass(made, watchChild, static_cast<UINT_PTR>(child.id), reinterpret_cast<DWORD_PTR>(this));
+    if (child.id == idExchange) exchangeBox_ = made;
+    if (isExplained(child.id))
+      watches_[child.id].start(made, [this, id = child.id](UINT message, WPARAM wide, LPARAM low) {
+        return childHeard(id, message, wide, low);
+      });
   }
   lookUp_.create(window_, {idLookUpLabel, idLookUpText, idLookUpNext, idLookUpClose, idLookUpMessage},
                  texts_);

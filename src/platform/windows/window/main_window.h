@@ -97,8 +97,7 @@ class MainWindow final : public Win32View {
 
   // Messages.
   static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wide, LPARAM low);
-  static LRESULT CALLBACK watchChild(HWND window, UINT message, WPARAM wide, LPARAM low, UINT_PTR id,
-                                     DWORD_PTR self);
+  LRESULT childHeard(int id, UINT message, WPARAM wide, LPARAM low);
   LRESULT handle(UINT message, WPARAM wide, LPARAM low);
   LRESULT handleInput(UINT message, WPARAM wide, LPARAM low);
   LRESULT handleDrawing(UINT message, WPARAM wide, LPARAM low);
@@ -128,7 +127,10 @@ class MainWindow final : public Win32View {
   ViewEvents* events_ = nullptr;
   HWND window_ = nullptr;
   HWND tips_ = nullptr, status_ = nullptr, notice_ = nullptr;
+  HWND exchangeBox_ = nullptr;
+  std::size_t shownExchanges_ = 0;  // entries of the box
   std::map<const Control*, int> ids_;
+  std::map<int, Watch> watches_;  // of the controls that a right click explains
   Grid grid_;
   DetailPane pane_;
   LookUpBar lookUp_;

@@ -298,6 +298,8 @@ void MainWindow::lookUpNext() {
 
 bool MainWindow::translate(MSG& message) {
   if (window_ == nullptr || (message.hwnd != window_ && !IsChild(window_, message.hwnd))) return false;
+  if (message.message >= WM_MOUSEFIRST && message.message <= WM_MOUSELAST)
+    SendMessageW(tips_, TTM_RELAYEVENT, 0, reinterpret_cast<LPARAM>(&message));
   const bool key = message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN;
   if (help_.shown() && key) {
     help_.close();
@@ -327,16 +329,14 @@ bool MainWindow::keyDown(WPARAM key) {
   return key == VK_F1;
 }
 
-LRESULT CALLBACK MainWindow::watchChild(HWND window, UINT message, WPARAM wide, LPARAM low, UINT_PTR id,
-                                        DWORD_PTR self) {
-  auto& view = *reinterpret_cast<MainWindow*>(self);
+LRESULT MainWindow::childHeard(int id, UINT message, WPARAM wide, LPARAM low) {
   const bool pressed = message == WM_RBUTTONDOWN || message == WM_LBUTTONDOWN;
-  if (pressed && view.inputAllowed() && view.events_ != nullptr && isExplained(static_cast<int>(id))) {
-    for (const auto& [shown, childId] : view.ids_) {
-      if (childId != static_cast<int>(id)) continue;
+  if (pressed && inputAllowed() && events_ != nullptr) {
+    for (const auto& [shown, childId] : ids_) {
+      if (childId != id) continue;
       try {
-        view.events_->mousePressed(const_cast<Control&>(*shown),
-                                   message == WM_RBUTTONDOWN ? rightButton : leftButton);
+        events_->mousePressed(const_cast<Control&>(*shown),
+                              message == WM_RBUTTONDOWN ? rightButton : leftButton);
       } catch (const std::exception&) {
         return 0;  // as in the window procedure
       }
@@ -344,8 +344,8 @@ LRESULT CALLBACK MainWindow::watchChild(HWND window, UINT message, WPARAM wide, 
       break;
     }
   }
-  if (message == WM_RBUTTONUP && isExplained(static_cast<int>(id))) return 0;
-  return DefSubclassProc(window, message, wide, low);
+  if (message == WM_RBUTTONUP) return 0;
+  return watches_[id].pass(message, wide, low);
 }
 
 }  // namespace vordane::window::win32

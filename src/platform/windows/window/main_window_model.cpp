@@ -1,5 +1,6 @@
 // What the form says, shown.
 #include <algorithm>
+#include <utility>
 
 #include "platform/windows/window/geometry.h"
 #include "platform/windows/window/main_window.h"
@@ -119,20 +120,20 @@ void MainWindow::updateInput() {
   if (allowed) giveFocusBack();
 }
 
-// One added entry is one message; anything else fills the list anew.
+// Thousands of exchanges are added one by one: each is one message.
 void MainWindow::applyItems(const Control& list) {
-  const HWND box = item(idExchange);
-  const auto shown = static_cast<std::size_t>(SendMessageW(box, CB_GETCOUNT, 0, 0));
+  const auto add = [this](const Control::Entry& entry) {
+    SendMessageW(exchangeBox_, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(wide(entry.text)));
+  };
   const auto& entries = list.items();
-  if (entries.size() == shown + 1) {
-    SendMessageW(box, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(wide(entries.back().text)));
-  } else if (entries.size() != shown) {
-    SendMessageW(box, CB_RESETCONTENT, 0, 0);
-    for (const Control::Entry& entry : entries)
-      SendMessageW(box, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(wide(entry.text)));
+  const std::size_t shown = std::exchange(shownExchanges_, entries.size());
+  if (entries.size() == shown + 1) return add(entries.back());
+  if (entries.size() != shown) {
+    SendMessageW(exchangeBox_, CB_RESETCONTENT, 0, 0);
+    std::for_each(entries.begin(), entries.end(), add);
   }
-  if (SendMessageW(box, CB_GETCURSEL, 0, 0) != list.listIndex())
-    SendMessageW(box, CB_SETCURSEL, static_cast<WPARAM>(list.listIndex()), 0);
+  if (SendMessageW(exchangeBox_, CB_GETCURSEL, 0, 0) != list.listIndex())
+    SendMessageW(exchangeBox_, CB_SETCURSEL, static_cast<WPARAM>(list.listIndex()), 0);
 }
 
 void MainWindow::applyHeading(const Control& grid, std::u16string_view property) {
@@ -149,7 +150,7 @@ void MainWindow::applyTip(const Control& shown, int id) {
 void MainWindow::setTip(int id, const std::u16string& tip) {
   TTTOOLINFOW tool{};
   tool.cbSize = sizeof tool;
-  tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+  tool.uFlags = TTF_IDISHWND;  // it hears of the mouse from `translate`
   tool.hwnd = window_;
   tool.uId = reinterpret_cast<UINT_PTR>(item(id));
   tool.lpszText = const_cast<wchar_t*>(wide(tip));
