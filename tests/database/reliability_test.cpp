@@ -1,15 +1,20 @@
 // What may go wrong outside: other processes, damaged files, failing disks, no memory, a killed process.
 #include <gtest/gtest.h>
+#include <sched.h>
 #include <signal.h>
 #include <sqlite3.h>
+#include <sys/mount.h>
+#include <sys/statvfs.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <iostream>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <iostream>
 #include <iterator>
+#include <map>
 #include <new>
 
 #include "database/contract.h"
@@ -80,6 +85,7 @@ class Child {
     } catch (const std::exception& failure) {
       std::cerr << "the child process failed: " << failure.what() << std::endl;
     }
+    std::fflush(nullptr);
     _exit(code);
   }
   void kill() { ::kill(pid_, SIGKILL); }
@@ -124,7 +130,7 @@ TEST(Opening, WhatMayOnlyBeReadIsOpenedForReadingAlone) {
   std::filesystem::permissions(std::filesystem::path(path), std::filesystem::perms(0444));
   // As an ordinary user: to root every file is writable.
   Child user([&] {
-    if (setuid(65534) != 0) return 1;
+    if (geteuid() == 0 && setuid(65534) != 0) return 1;
     const int refused = numberOfError([&] { under.engine().open(path, false); });
     if (refused != 3051) return 2;
     const auto database = under.engine().open(path, true);
@@ -289,6 +295,69 @@ TEST(Failure, EveryCallForAFileMayFailOnce) {
 }
 TEST(Failure, EveryCallForAFileMayFailForGood) {
   failEveryCall(true, true);
+}
+
+// Whoever is not root is so in a world of his own.
+bool unshareMounts() {
+  if (unshare(CLONE_NEWNS) == 0) return true;
+  const std::string user = std::to_string(geteuid()), group = std::to_string(getegid());
+  if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) return false;
+  std::ofstream("/proc/self/setgroups") << "deny";
+  std::ofstream("/proc/self/uid_map") << "0 " << user << " 1";
+  std::ofstream("/proc/self/gid_map") << "0 " << group << " 1";
+  return true;
+}
+
+// A small disk, seen by this process alone, at the folder that temporary files are made in.
+bool mountSmallDisk(const std::filesystem::path& place) {
+  if (!unshareMounts()) return false;
+  mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr);
+  return mount("none", place.c_str(), "tmpfs", 0, "size=2m") == 0 && setenv("TMPDIR", place.c_str(), 1) == 0;
+}
+
+// A file that leaves `bytes` free where it stands, as long as it lives.
+class Filler {
+ public:
+  Filler(std::filesystem::path path, std::size_t bytes) : path_(std::move(path)) {
+    struct statvfs disk;
+    statvfs(path_.parent_path().c_str(), &disk);
+    const std::size_t free = disk.f_bavail * disk.f_bsize;
+    std::ofstream(path_, std::ios::binary) << std::string(free - std::min(bytes, free), 'x');
+  }
+  ~Filler() { std::filesystem::remove(path_); }
+  Filler(const Filler&) = delete;
+  Filler& operator=(const Filler&) = delete;
+
+ private:
+  std::filesystem::path path_;
+};
+
+// With room for n more pages, from none to all that an ingestion takes.
+int ingestOnFullDisks() {
+  std::map<int, int> ends;  // how often, by the error's number
+  for (std::size_t pages = 0; pages < 60 && !testing::Test::HasFailure(); ++pages) {
+    SCOPED_TRACE(std::to_string(pages) + " pages free");
+    Scene scene;
+    {
+      const Filler filler(scene.under.folder() / "filler", pages * 4096);
+      ++ends[scene.run()];
+    }
+    scene.expectWholeAfterTheNextList();
+  }
+  EXPECT_GT(ends[0], 0) << "enough room";
+  EXPECT_GT(ends[3026], 10) << "told as a full disk";
+  EXPECT_EQ(ends.size(), 2U) << "and as nothing else";
+  for (const auto& [number, times] : ends) std::printf("error %d: %d times\n", number, times);
+  return testing::Test::HasFailure() ? 1 : 0;
+}
+
+TEST(Failure, ADiskThatFillsUpLosesNothingThatWasSaved) {
+  constexpr int notAllowed = 77;
+  const TemporaryFolder place;
+  Child process([&] { return mountSmallDisk(place / "") ? ingestOnFullDisks() : notAllowed; });
+  const int code = process.wait();
+  if (code == notAllowed) GTEST_SKIP() << "no file system may be mounted here";
+  EXPECT_EQ(code, 0);
 }
 
 // Every 7th in a short run, all of them with VORDANE_EVERY_ALLOCATION=1.

@@ -90,6 +90,14 @@ TEST_F(RunLog, AnUnlimitedLogGrowsOn) {
   EXPECT_FALSE(state.LogFull);
 }
 
+TEST_F(RunLog, TheLargestLimitIsNoSmallOne) {
+  state.LogLimitKB = 2'147'483'647;  // thousands of bytes: more than 32 bits hold
+  log() = std::string(3'000'000, 'x');
+  write(u"more");
+  EXPECT_EQ(log().size(), 3'000'026U);
+  EXPECT_FALSE(state.LogFull);
+}
+
 TEST_F(RunLog, ALogThatCantBeWrittenStopsNothing) {
   files.locked = true;
   write(u"lost");

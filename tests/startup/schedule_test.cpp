@@ -94,6 +94,33 @@ TEST_F(Schedule, AnotherKindOfJobRequestsNothing) {
   EXPECT_THAT(log(), ElementsAre("Run 1", "another kind", "Run 2", "another kind", "..."));
 }
 
+TEST_F(Schedule, AJobOfNoRunsEndsAtOnceAsOneThatWasStarted) {
+  for (const char16_t* key : {u"8", u"9"}) {
+    startWithHost();
+    runSchedule(key);
+    taken();
+    tick();
+    EXPECT_THAT(taken(), testing::Contains("EndProcess " + text::toUtf8(key) + "& 0&"));
+    EXPECT_THAT(log(), ElementsAre("..."));
+    files.content.clear();
+    layer.reset();
+  }
+}
+
+TEST_F(Schedule, TheEndMarkIsWrittenAndTheRunOverBeforeTheHostHearsOfIt) {
+  startWithHost(u"");
+  runSchedule(u"1");
+  bool told = false;
+  host->meanwhile[u"EndProcess"] = [&] {
+    told = true;
+    EXPECT_EQ(log().back(), "...");
+    EXPECT_EQ(state.schedule.RunState, 0);
+    EXPECT_EQ(state.runMode, RunMode::interactive);
+  };
+  tick();
+  EXPECT_TRUE(told);
+}
+
 TEST_F(Schedule, AnErrorStopsAllRepetitions) {
   startWithHost();
   runSchedule(u"3");

@@ -312,7 +312,9 @@ class Story : public testing::Test {
             job(4, false, 3),
             job(5, true, 1, false),
             job(6, true, 2, true, 9),
-            job(7, true, 1, true, 2, 30)};
+            job(7, true, 1, true, 2, 30),
+            job(8, true, 0),
+            job(9, true, -3)};
   }
 };
 

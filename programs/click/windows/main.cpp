@@ -183,15 +183,40 @@ int close(const Wish& wish) {
   return frame != nullptr && PostMessageW(frame, WM_SYSCOMMAND, SC_CLOSE, 0) ? 0 : 1;
 }
 
+RECT placeOf(HWND window) {
+  RECT area{};
+  GetWindowRect(window, &area);
+  return area;
+}
+
+// A window that has just appeared may still be arranging itself: waits until it answers and stands still.
+void awaitRest(HWND window) {
+  constexpr int looks = 50, pause = 100;
+  RECT before = placeOf(window);
+  for (int i = 0; i < looks; ++i) {
+    DWORD_PTR ignored = 0;
+    SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_NORMAL, 20 * pause, &ignored);
+    Sleep(pause);
+    const RECT now = placeOf(window);
+    if (EqualRect(&now, &before)) return;
+    before = now;
+  }
+}
+
 int control(const Wish& wish) {
-  const HWND found = waitFor(wish.wait, [&] { return findControl(wish.word); });
+  // What can't be pressed yet, since a box is still about to go, is waited for.
+  const bool presses = wish.deed == Deed::press || wish.deed == Deed::rightPress;
+  const HWND found = waitFor(wish.wait, [&] {
+    const HWND child = findControl(wish.word);
+    return !presses || (IsWindowEnabled(findFrame()) && IsWindowEnabled(child)) ? child : nullptr;
+  });
   if (found == nullptr) return std::fputs("click: no such control\n", stderr), 1;
   if (wish.deed == Deed::text) return printText(found), 0;
-  RECT area;
-  GetWindowRect(found, &area);
+  if (presses) awaitRest(found);
+  const RECT area = placeOf(found);
   const POINT middle{(area.left + area.right) / 2, (area.top + area.bottom) / 2};
   std::printf("%ld %ld\n", middle.x, middle.y);
-  if (wish.deed != Deed::find) press(middle, wish.deed == Deed::rightPress);
+  if (presses) press(middle, wish.deed == Deed::rightPress);
   return 0;
 }
 

@@ -80,6 +80,8 @@ int numberOf(int resultCode) {
     case SQLITE_NOMEM:
       return number::outOfMemory;
     case SQLITE_IOERR:
+      // The log's index could not be made longer: for lack of room.
+      if (resultCode == SQLITE_IOERR_SHMSIZE) return number::diskFull;
       return resultCode == SQLITE_IOERR_NOMEM ? number::outOfMemory : number::diskError;
     default:
       return number::invalidOperation;

@@ -1,6 +1,9 @@
 // The workstation's services on the workstation itself.
 #include <gtest/gtest.h>
 
+#include <string>
+#include <thread>
+
 #include "platform/windows/com/owned.h"
 #include "platform/windows/services/services.h"
 
@@ -66,6 +69,56 @@ TEST(SystemFiles, AppendsAndMeasures) {
   EXPECT_TRUE(files.directoryExists(u"."));
   EXPECT_FALSE(files.append(u"no\\such\\folder\\file", "x"));
   EXPECT_FALSE(files.exists(u""));
+  DeleteFileW(com::wide(path.c_str()));
+}
+
+// A run log that several add-ins write to while somebody reads it.
+TEST(SystemFiles, SeveralWritersAndAReaderAreNotInEachOthersWay) {
+  const std::u16string path = u"vordane-writers-test.tmp";
+  DeleteFileW(com::wide(path.c_str()));
+  EXPECT_TRUE(SystemFiles().append(path, "begin\r\n"));
+  com::File reader(CreateFileW(com::wide(path.c_str()), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                               nullptr, OPEN_EXISTING, 0, nullptr));
+  ASSERT_TRUE(reader);
+  constexpr int lines = 300;
+  const auto write = [&](const char* line) {
+    SystemFiles files;
+    for (int i = 0; i < lines; ++i) EXPECT_TRUE(files.append(path, line));
+  };
+  const std::string first = std::string(40, 'a') + "\r\n", second = std::string(90, 'b') + "\r\n";
+  std::thread one(write, first.c_str()), other(write, second.c_str());
+  one.join();
+  other.join();
+  std::string bytes(100'000, '\0');
+  DWORD size = 0;
+  ASSERT_TRUE(ReadFile(reader.get(), bytes.data(), 100'000, &size, nullptr));
+  reader.reset();
+  bytes.resize(size);
+  int found[2]{};
+  std::size_t at = 7;
+  for (; at < bytes.size();) {
+    const bool isFirst = bytes.compare(at, first.size(), first) == 0;
+    if (!isFirst && bytes.compare(at, second.size(), second) != 0) break;
+    ++found[isFirst ? 0 : 1];
+    at += isFirst ? first.size() : second.size();
+  }
+  EXPECT_EQ(at, bytes.size()) << "a line that is not whole";
+  EXPECT_EQ(found[0], lines);
+  EXPECT_EQ(found[1], lines);
+  DeleteFileW(com::wide(path.c_str()));
+}
+
+TEST(SystemFiles, WhatSomebodyHoldsForHimselfIsNotWritten) {
+  const std::u16string path = u"vordane-held-test.tmp";
+  EXPECT_TRUE(SystemFiles().append(path, "mine"));
+  {
+    const com::File held(
+        CreateFileW(com::wide(path.c_str()), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    ASSERT_TRUE(held);
+    EXPECT_FALSE(SystemFiles().append(path, "more"));
+  }
+  EXPECT_TRUE(SystemFiles().append(path, "more"));
+  EXPECT_EQ(SystemFiles().length(path), 8);
   DeleteFileW(com::wide(path.c_str()));
 }
 

@@ -146,6 +146,8 @@ void ending(bool createMeanwhile) {
 }
 
 void endings(int rounds) {
+  // What this host makes once, threads and their stacks among it, is made in both kinds of ending.
+  for (const bool createMeanwhile : {false, true, false, true}) ending(createMeanwhile);
   Holding first;
   for (int number = 1; number <= rounds; ++number) {
     ending(number % 10 == 5);

@@ -11,6 +11,7 @@ set -euo pipefail
 runs=${VORDANE_NIGHT_RUNS:-40} jobs=${VORDANE_NIGHT_JOBS:-4}
 [ $((runs % 4)) = 0 ] && [ $((jobs % 4)) = 0 ] || fail "runs and jobs come in fours, as the exchange's answers do"
 limit=20  # thousands of bytes that the log may take
+between=$((runs > 200 ? 10 : 1))  # seconds from one sample of the figures to the next
 
 figures() { win "$programs/suiteprobe/suiteprobe.exe" figures "$1"; }
 asked() { grep -c "SendRequest $1 = \"ACC" "$drive/SIM/Zulsim.log" || true; }
@@ -30,6 +31,7 @@ release
 loud
 note the long job is over
 quiet
+sleep $((1000 * between + 5000))
 repeat $jobs
 create
 register NIGHT 1
@@ -44,11 +46,15 @@ sleep 2000
 SCRIPT
 }
 
-# "seconds handles kilobytes" of a program, every so often while the host is in its long job.
+# "seconds handles kilobytes" of each program in a file of its own, every so often while the host is in its
+# long job.
 watch_long_job() {
-  local start=$SECONDS now
+  local start=$SECONDS now program
   while ! grep -q 'long job is over' "$trace" && kill -0 "$host" 2>/dev/null; do
-    now=$(figures VORDANE.EXE) && [ -n "$now" ] && echo "$((SECONDS - start)) $now"
+    for program in VORDANE.EXE Zulsim.exe devhost.exe; do
+      now=$(figures "$program") && [ -n "$now" ] &&
+        echo "$((SECONDS - start)) $now" >> "$WINEPREFIX/$program.figures"
+    done
     sleep "$1"
   done
 }
@@ -81,12 +87,14 @@ started=$SECONDS
 ( cd "$addins" && exec wine 'C:\QUILMAR32\30000\ADDINS\devhost.exe' 'C:\QUILMAR32\30000\ADDINS\night.txt' ) > "$trace" 2>/dev/null &
 host=$!
 
-watch_long_job $((runs > 200 ? 10 : 1)) > "$WINEPREFIX/long.figures"
+watch_long_job $between
 echo "the job of $runs runs took $((SECONDS - started)) s"
 expect "lists asked for by $runs runs" "$runs" "$(asked LEA0)"
 expect "lists acknowledged" "$((runs / 4 * 3))" "$(asked EA1/00)"
-expect_flat "$WINEPREFIX/long.figures" 2 4 'handles of VORDANE.EXE'
-expect_flat "$WINEPREFIX/long.figures" 3 2000 'private kilobytes of VORDANE.EXE'
+for program in VORDANE.EXE Zulsim.exe devhost.exe; do
+  expect_flat "$WINEPREFIX/$program.figures" 2 4 "handles of $program"
+  expect_flat "$WINEPREFIX/$program.figures" 3 2000 "private kilobytes of $program"
+done
 
 log=$(find "$drive/QUILMAR32" -iname NIGHT11.tlg)
 size=$(stat -c %s "$log")
@@ -94,7 +102,6 @@ size=$(stat -c %s "$log")
 echo "ok: the log of $runs runs takes $size bytes"
 grep -q 'No list received: the exchange answered with error 60' "$log" || fail 'the log says nothing of the failed runs'
 
-before=$(figures Zulsim.exe) host_before=$(figures devhost.exe)
 started=$SECONDS
 code=0
 wait "$host" || code=$?
@@ -110,4 +117,3 @@ expect 'faults stored twice' 0 "$(sql "$faults" 'SELECT count(*) FROM (SELECT 1 
   GROUP BY ID, Fault, Alarm, CPU, Date, Description HAVING count(*) > 1)')"
 expect 'exchanges' 1 "$(sql "$faults" 'SELECT count(*) FROM PBXList')"
 echo "stored: $(stored)"
-echo "Zulsim.exe after the long job: $before; devhost.exe: $host_before"

@@ -6,6 +6,7 @@
 
 #include "platform/automation.h"
 #include "platform/call_filter.h"
+#include "platform/windows/com/counted.h"
 
 namespace vordane::com {
 namespace {
@@ -24,26 +25,11 @@ void setProcessOptions() {
 }  // namespace
 
 // The object that COM asks while an outgoing call waits. Accepts everything that comes in.
-class Apartment::Filter final : public IMessageFilter {
+class Apartment::Filter final : public Counted<IMessageFilter> {
  public:
   explicit Filter(platform::CallQuestions& questions) : rules(questions) {}
-  virtual ~Filter() = default;
 
   platform::CallFilter rules;
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
-    if (out == nullptr) return E_POINTER;
-    const bool known = iid == IID_IUnknown || iid == IID_IMessageFilter;
-    *out = known ? static_cast<IMessageFilter*>(this) : nullptr;
-    if (known) AddRef();
-    return known ? S_OK : E_NOINTERFACE;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
 
   DWORD STDMETHODCALLTYPE HandleInComingCall(DWORD, HTASK, DWORD, LPINTERFACEINFO) override {
     return SERVERCALL_ISHANDLED;
@@ -67,8 +53,6 @@ class Apartment::Filter final : public IMessageFilter {
       if (PeekMessageW(&message, nullptr, press, press, PM_NOREMOVE | PM_NOYIELD)) return true;
     return false;
   }
-
-  ULONG references_ = 0;
 };
 
 Apartment::Apartment() {

@@ -1,11 +1,11 @@
 #include "platform/windows/com/class_server.h"
 
-#include <atomic>
 #include <cstdlib>
 #include <thread>
 #include <utility>
 
 #include "platform/server_life.h"
+#include "platform/windows/com/counted.h"
 #include "platform/windows/com/errors.h"
 #include "platform/windows/com/host_watch.h"
 #include "platform/windows/com/objects.h"
@@ -76,25 +76,10 @@ class ClassServer::Impl {
 };
 
 // One class's factory. COM keeps it as long as it is registered; a client may keep it longer.
-class ClassServer::Impl::Factory final : public IClassFactory {
+class ClassServer::Impl::Factory final : public Counted<IClassFactory> {
  public:
   Factory(Impl& server, const ServedClass& served)
       : server_(server), served_(served), clsid_(toGuid(served.clsid)) {}
-  virtual ~Factory() = default;
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
-    if (out == nullptr) return E_POINTER;
-    const bool known = iid == IID_IUnknown || iid == IID_IClassFactory;
-    *out = known ? static_cast<IClassFactory*>(this) : nullptr;
-    if (known) AddRef();
-    return known ? S_OK : E_NOINTERFACE;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
 
   HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** out) override {
     if (out == nullptr) return E_POINTER;
@@ -122,7 +107,6 @@ class ClassServer::Impl::Factory final : public IClassFactory {
   Impl& server_;
   const ServedClass& served_;
   GUID clsid_;
-  std::atomic<ULONG> references_{0};
 };
 
 LRESULT CALLBACK ClassServer::Impl::procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {

@@ -1,31 +1,13 @@
 #include "platform/windows/com/kept_interfaces.h"
 
-#include <atomic>
+#include "platform/windows/com/counted.h"
 
 namespace vordane::com {
 namespace {
 
 // Has the interfaces and does nothing: nobody ever gets hold of it.
-class Nothing final : public IClassFactory, public IDispatch {
+class Nothing final : public Counted<IClassFactory, IDispatch> {
  public:
-  virtual ~Nothing() = default;
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
-    if (out == nullptr) return E_POINTER;
-    *out = nullptr;
-    if (iid == IID_IUnknown || iid == IID_IDispatch) *out = static_cast<IDispatch*>(this);
-    if (iid == IID_IClassFactory) *out = static_cast<IClassFactory*>(this);
-    if (*out == nullptr) return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
-
   HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID, void**) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return E_NOTIMPL; }
 
@@ -38,9 +20,6 @@ class Nothing final : public IClassFactory, public IDispatch {
                                    UINT*) override {
     return E_NOTIMPL;
   }
-
- private:
-  std::atomic<ULONG> references_{0};
 };
 
 }  // namespace

@@ -10,6 +10,17 @@ std::wstring toWide(std::u16string_view text) {
   return {text.begin(), text.end()};
 }
 
+// Takes the last `bytes` away again, unless somebody has written behind them.
+void takeBack(const std::wstring& path, std::int64_t end, DWORD bytes) {
+  const com::File file(CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                   OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  LARGE_INTEGER size, wanted;
+  wanted.QuadPart = end - bytes;
+  if (file && GetFileSizeEx(file.get(), &size) && size.QuadPart == end &&
+      SetFilePointerEx(file.get(), wanted, nullptr, FILE_BEGIN))
+    SetEndOfFile(file.get());
+}
+
 DWORD attributesOf(std::u16string_view path) {
   return path.empty() ? INVALID_FILE_ATTRIBUTES : GetFileAttributesW(toWide(path).c_str());
 }
@@ -26,13 +37,17 @@ bool SystemFiles::directoryExists(std::u16string_view path) {
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
+// A disk that fills up in the middle of a line takes none of it: the next line begins at a line's begin.
 bool SystemFiles::append(std::u16string_view path, std::string_view bytes) {
   const com::File file(CreateFileW(toWide(path).c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                    nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!file) return false;
   DWORD written = 0;
-  return WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) != FALSE &&
-         written == bytes.size();
+  const bool done =
+      WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) != FALSE;
+  if (done && written == bytes.size()) return true;
+  if (written > 0) takeBack(toWide(path), length(path).value_or(0), written);
+  return false;
 }
 
 std::optional<std::int64_t> SystemFiles::length(std::u16string_view path) {
