@@ -10,6 +10,27 @@ std::wstring toWide(std::u16string_view text) {
   return {text.begin(), text.end()};
 }
 
+// Keeps other add-ins from appending meanwhile: not every file system moves to the end and writes in one
+// step. The place is far behind the end, so readers are never held up; it is given back with the handle too.
+class AppendLock {
+ public:
+  explicit AppendLock(HANDLE file) : file_(file) {
+    LockFileEx(file_, LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &place_);
+  }
+  ~AppendLock() { UnlockFileEx(file_, 0, 1, 0, &place_); }
+  AppendLock(const AppendLock&) = delete;
+  AppendLock& operator=(const AppendLock&) = delete;
+
+ private:
+  static OVERLAPPED farBehind() {
+    OVERLAPPED place{};
+    place.OffsetHigh = 0x7FFFFFFF;
+    return place;
+  }
+  HANDLE file_;
+  OVERLAPPED place_ = farBehind();
+};
+
 // Takes the last `bytes` away again, unless somebody has written behind them.
 void takeBack(const std::wstring& path, std::int64_t end, DWORD bytes) {
   const com::File file(CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
@@ -39,9 +60,12 @@ bool SystemFiles::directoryExists(std::u16string_view path) {
 
 // A disk that fills up in the middle of a line takes none of it: the next line begins at a line's begin.
 bool SystemFiles::append(std::u16string_view path, std::string_view bytes) {
-  const com::File file(CreateFileW(toWide(path).c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                   nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+  // Reading is asked for since only then may the file be locked.
+  const com::File file(CreateFileW(toWide(path).c_str(), FILE_APPEND_DATA | FILE_READ_DATA,
+                                   FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
+                                   FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!file) return false;
+  const AppendLock lock(file.get());
   DWORD written = 0;
   const bool done =
       WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) != FALSE;
