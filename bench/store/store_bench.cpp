@@ -174,7 +174,8 @@ void deletion(const Folder& folder) {
   ingest(*sqlite::makeEngine()->open(full.u16string(), false), faults);
   const auto copy = [&] {
     const auto file = folder.fresh("deleted");
-    std::filesystem::copy_file(full, file, std::filesystem::copy_options::overwrite_existing);
+    std::filesystem::remove(file);  // not every library's copying overwrites
+    std::filesystem::copy_file(full, file);
     return file;
   };
   for (int run = 0; run < runs; ++run) {

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Run by tests/windows/run.sh in a Wine prefix of its own, with the suite installed: what only Windows programs
-# show, the decoder, and a tenth of the lists. Expects VORDANE_BUILD, and in BENCH_FAULTS a FAULT.MDB with an
+# show, the decoder, and a tenth of what is stored. Expects VORDANE_BUILD, and in BENCH_FAULTS a FAULT.MDB with an
 # exchange PBX-1.
 #   measure.sh ENTRIES EXCHANGES
 set -euo pipefail
@@ -26,3 +26,4 @@ wine 'C:\SIM\Zulsim.exe' >/dev/null 2>&1 &
 measure automation_bench.exe start 'C:\QUILMAR32\30000\ADDINS\VORDANE.EXE' PBX-1 empty_window.exe
 measure bench_decode.exe
 measure ingest_bench.exe --quick
+measure store_bench.exe --quick

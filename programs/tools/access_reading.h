@@ -10,7 +10,8 @@ namespace vordane::tools {
 
 AccessReading accessReading();
 
-// Opens Access files as they are, for statements; on Linux there is no such engine, and opening fails saying so.
+// Opens Access files as they are, for statements; on Linux there is no such engine, and opening fails saying
+// so.
 std::unique_ptr<database::Engine> accessEngine();
 
 }  // namespace vordane::tools

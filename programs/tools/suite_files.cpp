@@ -90,8 +90,10 @@ void makeSuiteFiles(const SuiteLayout& layout, const LanguageSource& language) {
 
 void installReportLayout(const SuiteLayout& layout, const fs::path& source) {
   fs::create_directories(layout.report());
+  const fs::path target = layout.report() / "FAULT.RPT";
   std::error_code failure;
-  fs::copy_file(source, layout.report() / "FAULT.RPT", fs::copy_options::overwrite_existing, failure);
+  if (fs::exists(source, failure)) fs::remove(target, failure);  // not every library's copying overwrites
+  fs::copy_file(source, target, failure);
   if (failure) throw ToolError(text::toUtf8(toText(source)) + ": can't be copied");
 }
 

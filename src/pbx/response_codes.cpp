@@ -123,7 +123,8 @@ int prefixPass(std::u16string_view text) {
   int result = -1;
   if (text.empty()) return result;
   for (std::size_t i = 0; i < textCount; ++i)  // asked of each fault received: nearly all differ at once
-    if (text[0] == joined[i * textWidth] && text.substr(0, lengthOf(i)) == tableFrom(i).substr(0, lengthOf(i)))
+    if (text[0] == joined[i * textWidth] &&
+        text.substr(0, lengthOf(i)) == tableFrom(i).substr(0, lengthOf(i)))
       result = static_cast<int>(i);
   return result;
 }

@@ -13,7 +13,9 @@
 namespace vordane::automation {
 namespace {
 
-[[noreturn]] void mismatch() { throw AutomationError(error::typeMismatch); }
+[[noreturn]] void mismatch() {
+  throw AutomationError(error::typeMismatch);
+}
 
 // A numeric text as late-bound calls take it: decimal, "." as decimal sign, surrounding blanks.
 double numberOf(std::u16string_view text) {
@@ -37,13 +39,15 @@ Integral toIntegral(const Value& value) {
 std::u16string textOf(double value) {
   char buffer[32];
   const auto [end, failure] = std::to_chars(buffer, buffer + sizeof buffer, value);
-  return failure == std::errc{} ? text::fromUtf8({buffer, static_cast<std::size_t>(end - buffer)}) : std::u16string{};
+  return failure == std::errc{} ? text::fromUtf8({buffer, static_cast<std::size_t>(end - buffer)})
+                                : std::u16string{};
 }
 
 std::u16string textOf(float value) {
   char buffer[32];
   const auto [end, failure] = std::to_chars(buffer, buffer + sizeof buffer, value);
-  return failure == std::errc{} ? text::fromUtf8({buffer, static_cast<std::size_t>(end - buffer)}) : std::u16string{};
+  return failure == std::errc{} ? text::fromUtf8({buffer, static_cast<std::size_t>(end - buffer)})
+                                : std::u16string{};
 }
 
 template <class... Cases>
@@ -61,7 +65,8 @@ std::string describe(std::int32_t code, const std::u16string& description) {
 
 }  // namespace
 
-AutomationError::AutomationError(std::int32_t code, std::u16string description, std::u16string source, int argument)
+AutomationError::AutomationError(std::int32_t code, std::u16string description, std::u16string source,
+                                 int argument)
     : code_(code),
       description_(std::move(description)),
       source_(std::move(source)),
@@ -88,19 +93,22 @@ void put(Object& object, std::u16string_view member, Value value) {
 }
 
 double toDouble(const Value& value) {
-  return std::visit(Overloaded{[](Empty) { return 0.0; },
-                               [](Null) -> double { mismatch(); },
-                               [](Missing) -> double { throw AutomationError(error::parameterNotOptional); },
-                               [](bool flag) { return flag ? -1.0 : 0.0; },
-                               [](const std::u16string& text) { return numberOf(text); },
-                               [](const ObjectRef&) -> double { mismatch(); },
-                               [](Date moment) { return moment.days; },
-                               [](auto number) { return static_cast<double>(number); }},
-                    value);
+  return std::visit(
+      Overloaded{[](Empty) { return 0.0; }, [](Null) -> double { mismatch(); },
+                 [](Missing) -> double { throw AutomationError(error::parameterNotOptional); },
+                 [](bool flag) { return flag ? -1.0 : 0.0; },
+                 [](const std::u16string& text) { return numberOf(text); },
+                 [](const ObjectRef&) -> double { mismatch(); }, [](Date moment) { return moment.days; },
+                 [](auto number) { return static_cast<double>(number); }},
+      value);
 }
 
-std::int16_t toInteger(const Value& value) { return toIntegral<std::int16_t>(value); }
-std::int32_t toLong(const Value& value) { return toIntegral<std::int32_t>(value); }
+std::int16_t toInteger(const Value& value) {
+  return toIntegral<std::int16_t>(value);
+}
+std::int32_t toLong(const Value& value) {
+  return toIntegral<std::int32_t>(value);
+}
 std::uint8_t toByte(const Value& value) {
   if (const bool* flag = std::get_if<bool>(&value)) return *flag ? 255 : 0;
   return toIntegral<std::uint8_t>(value);
@@ -115,17 +123,16 @@ bool toBoolean(const Value& value) {
 }
 
 std::u16string toText(const Value& value) {
-  return std::visit(Overloaded{[](Empty) { return std::u16string{}; },
-                               [](Null) -> std::u16string { mismatch(); },
-                               [](Missing) -> std::u16string { throw AutomationError(error::parameterNotOptional); },
-                               [](bool flag) { return std::u16string(flag ? u"True" : u"False"); },
-                               [](const std::u16string& text) { return text; },
-                               [](const ObjectRef&) -> std::u16string { mismatch(); },
-                               [](Date moment) { return text::isoMoment(moment.days); },
-                               [](float number) { return textOf(number); },
-                               [](double number) { return textOf(number); },
-                               [](auto integer) { return text::decimal(integer); }},
-                    value);
+  return std::visit(
+      Overloaded{[](Empty) { return std::u16string{}; }, [](Null) -> std::u16string { mismatch(); },
+                 [](Missing) -> std::u16string { throw AutomationError(error::parameterNotOptional); },
+                 [](bool flag) { return std::u16string(flag ? u"True" : u"False"); },
+                 [](const std::u16string& text) { return text; },
+                 [](const ObjectRef&) -> std::u16string { mismatch(); },
+                 [](Date moment) { return text::isoMoment(moment.days); },
+                 [](float number) { return textOf(number); }, [](double number) { return textOf(number); },
+                 [](auto integer) { return text::decimal(integer); }},
+      value);
 }
 
 ObjectRef toObject(const Value& value) {
@@ -141,14 +148,21 @@ Value coerce(const Value& value, const Parameter& to, int position) {
   if (to.nullIsEmpty && isNull(value)) return std::u16string{};
   try {
     switch (to.type) {
-      case Type::boolean: return toBoolean(value);
-      case Type::byte: return toByte(value);
-      case Type::integer: return toInteger(value);
-      case Type::longInteger: return toLong(value);
-      case Type::text: return toText(value);
-      case Type::object: return toObject(value);
+      case Type::boolean:
+        return toBoolean(value);
+      case Type::byte:
+        return toByte(value);
+      case Type::integer:
+        return toInteger(value);
+      case Type::longInteger:
+        return toLong(value);
+      case Type::text:
+        return toText(value);
+      case Type::object:
+        return toObject(value);
       case Type::none:
-      case Type::variant: break;
+      case Type::variant:
+        break;
     }
     return value;
   } catch (const AutomationError& failure) {

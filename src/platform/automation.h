@@ -36,20 +36,33 @@ struct Date {
 };
 
 // Integer is 16-bit, Long is 32-bit; a null ObjectRef is "nothing".
-using Value = std::variant<Empty, Null, Missing, bool, std::uint8_t, std::int16_t, std::int32_t, float, double,
-                           std::u16string, ObjectRef, Date>;
+using Value = std::variant<Empty, Null, Missing, bool, std::uint8_t, std::int16_t, std::int32_t, float,
+                           double, std::u16string, ObjectRef, Date>;
 
 // A value passed to a call. By-reference arguments hold the callee's last assignment after the call.
 struct Argument {
   Value value;
   bool byReference = false;
 };
-inline Argument byRef(Value value) { return {std::move(value), true}; }
-inline Argument byVal(Value value) { return {std::move(value), false}; }
+inline Argument byRef(Value value) {
+  return {std::move(value), true};
+}
+inline Argument byVal(Value value) {
+  return {std::move(value), false};
+}
 
 // How a member is called; a reader may come as get, method or both.
-enum class CallKind : unsigned { method = 1, get = 2, methodOrGet = 3, put = 4, putRef = 8, putOrPutRef = 12 };
-inline bool isPut(CallKind kind) { return (static_cast<unsigned>(kind) & 12U) != 0; }
+enum class CallKind : unsigned {
+  method = 1,
+  get = 2,
+  methodOrGet = 3,
+  put = 4,
+  putRef = 8,
+  putOrPutRef = 12
+};
+inline bool isPut(CallKind kind) {
+  return (static_cast<unsigned>(kind) & 12U) != 0;
+}
 
 // The standard automation errors this system raises or meets (HRESULT values).
 namespace error {
@@ -61,7 +74,9 @@ inline constexpr std::int32_t badParameterCount = static_cast<std::int32_t>(0x80
 inline constexpr std::int32_t parameterNotOptional = static_cast<std::int32_t>(0x8002000F);
 inline constexpr std::int32_t exception = static_cast<std::int32_t>(0x80020009);
 // Run-time errors travel as 0x800A0000 + their number.
-inline constexpr std::int32_t runTime(int number) { return static_cast<std::int32_t>(0x800A0000U + static_cast<unsigned>(number)); }
+inline constexpr std::int32_t runTime(int number) {
+  return static_cast<std::int32_t>(0x800A0000U + static_cast<unsigned>(number));
+}
 inline constexpr int overflowNumber = 6;
 }  // namespace error
 
@@ -118,8 +133,14 @@ double toDouble(const Value& value);
 bool toBoolean(const Value& value);
 ObjectRef toObject(const Value& value);
 
-inline bool isNull(const Value& value) { return std::holds_alternative<Null>(value); }
-inline bool isEmpty(const Value& value) { return std::holds_alternative<Empty>(value); }
-inline bool isMissing(const Value& value) { return std::holds_alternative<Missing>(value); }
+inline bool isNull(const Value& value) {
+  return std::holds_alternative<Null>(value);
+}
+inline bool isEmpty(const Value& value) {
+  return std::holds_alternative<Empty>(value);
+}
+inline bool isMissing(const Value& value) {
+  return std::holds_alternative<Missing>(value);
+}
 
 }  // namespace vordane::automation

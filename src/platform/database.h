@@ -97,7 +97,8 @@ class Database {
   virtual void setProgress(Progress progress) = 0;
 
   // Lets go of the file before this object goes, as soon as no recordset or row list of it is left; a step
-  // that still waits further down the stack finds the object, and an error (3420). Closing again does nothing.
+  // that still waits further down the stack finds the object, and an error (3420). Closing again does
+  // nothing.
   virtual void close() noexcept = 0;
 };
 

@@ -40,7 +40,7 @@ class Clock {
 class Files {
  public:
   virtual ~Files() = default;
-  virtual bool exists(std::u16string_view path) = 0;            // a file, in the current directory if bare
+  virtual bool exists(std::u16string_view path) = 0;  // a file, in the current directory if bare
   virtual bool directoryExists(std::u16string_view path) = 0;
   // Appends bytes, creating the file; `length` is its size before. False when it can't be opened or
   // written whole.
@@ -68,8 +68,8 @@ class ObjectCreator {
 struct MessageBoxRequest {
   std::u16string prompt;
   std::u16string title;
-  std::int32_t style = 0;     // the sum of the button-style values
-  std::u16string helpFile;    // empty: no help
+  std::int32_t style = 0;   // the sum of the button-style values
+  std::u16string helpFile;  // empty: no help
   std::optional<std::int32_t> helpContext;
 };
 

@@ -66,12 +66,12 @@ class ViewEvents {
  public:
   virtual ~ViewEvents() = default;
   virtual void buttonPressed(int action) = 0;  // cmdRequest 0, cmdReset 1, cmdPrint 2, cmdClear 3, cmdClose 4
-  virtual void headingClicked(int column) = 0;     // the column's own index, wherever it was moved
+  virtual void headingClicked(int column) = 0;  // the column's own index, wherever it was moved
   // drpPBXList. The form's list still has its former choice: whoever takes the new one sets it there, whoever
   // does not sets the former again.
   virtual void exchangeChosen(int listIndex) = 0;
-  virtual void closeAsked() = 0;                   // the title bar
-  virtual void keyPressed(int keyCode) = 0;        // F1 is 112
+  virtual void closeAsked() = 0;                                // the title bar
+  virtual void keyPressed(int keyCode) = 0;                     // F1 is 112
   virtual void mousePressed(Control& control, int button) = 0;  // 2 is the right one
   virtual void whatsThisChosen() = 0;                           // itmWhatThis of the pop-up menu
   // The row that holds `text` next after `after` (exclusive, from -1) without regard to case, wrapping

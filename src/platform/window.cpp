@@ -8,7 +8,9 @@
 namespace vordane::window {
 namespace {
 
-bool isListType(std::u16string_view typeName) { return typeName == u"ComboBox" || typeName == u"ListBox"; }
+bool isListType(std::u16string_view typeName) {
+  return typeName == u"ComboBox" || typeName == u"ListBox";
+}
 
 // The short names of the font's parts.
 std::u16string_view fullName(std::u16string_view property) {
@@ -21,8 +23,12 @@ std::u16string_view fullName(std::u16string_view property) {
 
 PropertyError::PropertyError(std::u16string what) : what_(text::toUtf8(what)) {}
 
-Control::Control(std::u16string name, int index, std::u16string typeName, std::map<std::u16string, Value> properties)
-    : name_(std::move(name)), index_(index), typeName_(std::move(typeName)), properties_(std::move(properties)) {}
+Control::Control(std::u16string name, int index, std::u16string typeName,
+                 std::map<std::u16string, Value> properties)
+    : name_(std::move(name)),
+      index_(index),
+      typeName_(std::move(typeName)),
+      properties_(std::move(properties)) {}
 
 std::map<std::u16string, Value>::const_iterator Control::find(std::u16string_view name) const {
   const std::u16string_view property = fullName(name);
@@ -30,22 +36,28 @@ std::map<std::u16string, Value>::const_iterator Control::find(std::u16string_vie
                       [&](const auto& entry) { return text::equalIgnoringCase(entry.first, property); });
 }
 
-bool Control::has(std::u16string_view property) const { return find(property) != properties_.end(); }
+bool Control::has(std::u16string_view property) const {
+  return find(property) != properties_.end();
+}
 
 Value Control::get(std::u16string_view property) const {
   const auto found = find(property);
-  if (found == properties_.end()) throw PropertyError(name_ + u" has no property " + std::u16string(property));
+  if (found == properties_.end())
+    throw PropertyError(name_ + u" has no property " + std::u16string(property));
   return found->second;
 }
 
 void Control::set(std::u16string_view property, Value value) {
   const auto found = find(property);
-  if (found == properties_.end()) throw PropertyError(name_ + u" has no property " + std::u16string(property));
+  if (found == properties_.end())
+    throw PropertyError(name_ + u" has no property " + std::u16string(property));
   properties_[found->first] = std::move(value);
   changed(found->first);
 }
 
-bool Control::isList() const { return isListType(typeName_); }
+bool Control::isList() const {
+  return isListType(typeName_);
+}
 
 int Control::addItem(std::u16string text) {
   if (!isList()) throw PropertyError(name_ + u" has no list");
@@ -62,11 +74,14 @@ void Control::clearItems() {
 }
 
 void Control::setItemData(int position, std::int32_t data) {
-  if (position < 0 || position >= static_cast<int>(items_.size())) throw PropertyError(name_ + u": no such entry");
+  if (position < 0 || position >= static_cast<int>(items_.size()))
+    throw PropertyError(name_ + u": no such entry");
   items_[static_cast<std::size_t>(position)].itemData = data;
 }
 
-const std::vector<Control::Entry>& Control::items() const { return items_; }
+const std::vector<Control::Entry>& Control::items() const {
+  return items_;
+}
 
 void Control::setListIndex(int position) {
   if (!isList() || position < -1 || position >= static_cast<int>(items_.size()))

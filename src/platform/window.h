@@ -31,7 +31,8 @@ class PropertyError : public std::exception {
 class Control {
  public:
   // `properties` are the ones the control has, with their designed values.
-  Control(std::u16string name, int index, std::u16string typeName, std::map<std::u16string, Value> properties);
+  Control(std::u16string name, int index, std::u16string typeName,
+          std::map<std::u16string, Value> properties);
 
   const std::u16string& name() const { return name_; }
   int index() const { return index_; }  // -1: not in a control array
@@ -88,7 +89,8 @@ class Form {
   Control& self() { return self_; }
   const Control& self() const { return self_; }
 
-  Control& add(std::u16string name, int index, std::u16string typeName, std::map<std::u16string, Value> properties);
+  Control& add(std::u16string name, int index, std::u16string typeName,
+               std::map<std::u16string, Value> properties);
 
   // A row's way of naming a control: index -1 is the plain control. Names ignore case. PropertyError.
   Control& control(std::u16string_view name, int index = -1);

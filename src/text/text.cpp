@@ -17,7 +17,9 @@ std::u16string_view middle(std::u16string_view text, std::size_t start, std::siz
   return text.substr(start - 1, length);
 }
 
-std::u16string_view left(std::u16string_view text, std::size_t length) { return text.substr(0, length); }
+std::u16string_view left(std::u16string_view text, std::size_t length) {
+  return text.substr(0, length);
+}
 
 std::u16string_view right(std::u16string_view text, std::size_t length) {
   return text.size() <= length ? text : text.substr(text.size() - length);
@@ -34,7 +36,9 @@ std::vector<std::u16string> split(std::u16string_view text, char16_t separator) 
   }
 }
 
-bool startsWith(std::u16string_view text, std::u16string_view prefix) { return text.starts_with(prefix); }
+bool startsWith(std::u16string_view text, std::u16string_view prefix) {
+  return text.starts_with(prefix);
+}
 
 bool contains(std::u16string_view text, std::u16string_view part) {
   return text.find(part) != std::u16string_view::npos;

@@ -26,7 +26,8 @@ std::vector<std::u16string> split(std::u16string_view text, char16_t separator);
 
 bool startsWith(std::u16string_view text, std::u16string_view prefix);
 bool contains(std::u16string_view text, std::u16string_view part);
-// The position, from 0, of the first `character`, else npos; far quicker in long texts than the library's own.
+// The position, from 0, of the first `character`, else npos; far quicker in long texts than the library's
+// own.
 std::size_t find(std::u16string_view text, char16_t character);
 
 // Letters mapped one for one by a table that ships with the program; the length never changes.

@@ -248,8 +248,8 @@ TEST_F(FaultIndexTest, ManyFaultsOfOneMinuteAreFoundAndOrdered) {
   for (std::size_t i = 0; i < order.size(); ++i) ASSERT_EQ(order[i], std::to_string(i + 1));
 }
 
-// More descriptions than are ever held at once: with long beginnings in common, the same ones many times over,
-// very many alike, and Null.
+// More descriptions than are ever held at once: with long beginnings in common, the same ones many times
+// over, very many alike, and Null.
 TEST_F(FaultIndexTest, ThousandsOfDescriptionsAreOrderedInFull) {
   const auto database = open();
   std::mt19937 random(11);
@@ -269,8 +269,12 @@ TEST_F(FaultIndexTest, ThousandsOfDescriptionsAreOrderedInFull) {
     if (kind == 1) description += u"again " + number.substr(0, 1);
     if (kind == 2) description = (random() % 2 == 0 ? u"LINE \xD83D\xDE00" : u"line \uFFFD") + number;
     if (kind == 3) description = randomText(random);
-    Stored row{description, random() % 2 == 0 ? u"0A" : u"01", random() % 3 == 0 ? u"MJ" : u"mn",
-               u"2006/01/01 10:0" + std::u16string(1, char16_t(u'0' + random() % 10)), i, kind == 7};
+    Stored row{description,
+               random() % 2 == 0 ? u"0A" : u"01",
+               random() % 3 == 0 ? u"MJ" : u"mn",
+               u"2006/01/01 10:0" + std::u16string(1, char16_t(u'0' + random() % 10)),
+               i,
+               kind == 7};
     rows->addNew();
     rows->set(u"ID", std::int16_t(1));
     rows->set(u"Fault", row.fault);

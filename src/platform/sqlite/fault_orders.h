@@ -1,5 +1,5 @@
-// The orders of an exchange's faults that the fault index holds; by Description: description_order.h. A million faults cost
-// at most 16 bytes each on the way and 4 in the end.
+// The orders of an exchange's faults that the fault index holds; by Description: description_order.h. A
+// million faults cost at most 16 bytes each on the way and 4 in the end.
 #pragma once
 
 #include <cstdint>

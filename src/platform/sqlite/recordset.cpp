@@ -30,9 +30,9 @@ EmbeddedRecordset::EmbeddedRecordset(std::shared_ptr<Opened> opened, Plan& plan,
 bool EmbeddedRecordset::findSame(const std::vector<jet::Literal>& literals) {
   if (plan_.special != Plan::Special::sameFault || !connection_.faults().usable()) return false;
   connection_.beforeRead();
-  keepKeys(connection_.faults().findSame(literals[0].number,
-                                         {literals[1].text, literals[3].text, literals[2].text,
-                                          literals[4].text, literals[5].text}));
+  keepKeys(connection_.faults().findSame(
+      literals[0].number,
+      {literals[1].text, literals[3].text, literals[2].text, literals[4].text, literals[5].text}));
   hadRows_ = place_ == Place::onRow;
   return true;
 }

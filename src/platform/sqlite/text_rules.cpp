@@ -29,7 +29,8 @@ constexpr bool areAscii(std::uint64_t four) {
   return (four & (0xFF80U * eachOfFour)) == 0;
 }
 
-// Adding reaches bit 7 from 'A' on, and from behind 'Z' on; bit 7 moved to bit 5 is what makes a letter small.
+// Adding reaches bit 7 from 'A' on, and from behind 'Z' on; bit 7 moved to bit 5 is what makes a letter
+// small.
 constexpr std::uint64_t foldAscii(std::uint64_t four) {
   const std::uint64_t fromA = four + (0x80U - u'A') * eachOfFour;
   const std::uint64_t behindZ = four + (0x7FU - u'Z') * eachOfFour;
