@@ -90,7 +90,7 @@ void sortKeyFunction(sqlite3_context* context, sqlite3_value** values) {
 }
 
 int compareCollation(void*, int sizeA, const void* a, int sizeB, const void* b) noexcept {
-  if (sizeA == sizeB && std::memcmp(a, b, static_cast<std::size_t>(sizeA)) == 0) return 0;
+  if (sizeA == sizeB && (sizeA == 0 || std::memcmp(a, b, static_cast<std::size_t>(sizeA)) == 0)) return 0;
   try {
     thread_local std::u16string copyA, copyB;
     return compareTexts(unitsOf(a, sizeA, copyA), unitsOf(b, sizeB, copyB));

@@ -23,6 +23,7 @@ std::array<std::string, 3> piecesOf(std::string_view kind) {
 
 std::string_view blobOf(sqlite3_value* value) {
   const void* const bytes = sqlite3_value_blob(value);
+  if (bytes == nullptr) return "";  // of no bytes, and comparing wants a place all the same
   return {static_cast<const char*>(bytes), static_cast<std::size_t>(sqlite3_value_bytes(value))};
 }
 
