@@ -38,16 +38,24 @@ TEST(Registrar, WritesBothViewsWithTheQuotedPath) {
   EXPECT_EQ(runServer(L"-unregserver"), 0);
 }
 
+// All that a registration writes, below the classes of the machine or of a user.
+std::vector<std::wstring> registeredKeys() {
+  return {clsidKey(),
+          L"CLSID\\" + wide(bagTable().clsid),
+          L"VordaneProbe.cProbe",
+          L"VordaneProbe.cBag",
+          L"Interface\\" + wide(probeTable().iid),
+          L"Interface\\" + wide(bagTable().iid),
+          L"TypeLib\\" + wide(probeLibrary().libid)};
+}
+
 TEST(Registrar, LeavesNothingBehind) {
   ASSERT_EQ(runServer(L"-RegServer"), 0);
   std::string printed;
   ASSERT_EQ(runServer(L"/UnregServer", &printed), 0);
   EXPECT_EQ(printed.substr(0, 20), "Registration removed");
   for (const REGSAM view : views)
-    for (const std::wstring& key :
-         {clsidKey(), L"CLSID\\" + wide(bagTable().clsid), std::wstring(L"VordaneProbe.cProbe"),
-          std::wstring(L"VordaneProbe.cBag"), L"Interface\\" + wide(probeTable().iid),
-          L"Interface\\" + wide(bagTable().iid), L"TypeLib\\" + wide(probeLibrary().libid)})
+    for (const std::wstring& key : registeredKeys())
       EXPECT_FALSE(machineKeyExists(key, view)) << std::string(key.begin(), key.end());
   ASSERT_EQ(runServer(L"/UnregServer", &printed), 0);
   EXPECT_EQ(printed.substr(0, 21), "Nothing is registered");
@@ -168,10 +176,7 @@ TEST(Registrar, ServesOneUserWhereTheMachineCantBeWritten) {
   ASSERT_EQ(runServer(L"/UnregServer", &printed), 0);
   EXPECT_EQ(printed.substr(0, 20), "Registration removed");
   for (const REGSAM view : views)
-    for (const std::wstring& key :
-         {clsidKey(), L"CLSID\\" + wide(bagTable().clsid), std::wstring(L"VordaneProbe.cProbe"),
-          std::wstring(L"VordaneProbe.cBag"), L"Interface\\" + wide(probeTable().iid),
-          L"Interface\\" + wide(bagTable().iid), L"TypeLib\\" + wide(probeLibrary().libid)})
+    for (const std::wstring& key : registeredKeys())
       EXPECT_FALSE(userKeyExists(key, view)) << std::string(key.begin(), key.end());
 }
 
