@@ -6,6 +6,8 @@
 #include <sddl.h>
 
 #include <array>
+#include <string>
+#include <vector>
 
 #include "platform/windows/com/registrar.h"
 #include "platform/windows/services/services.h"

@@ -1,114 +1,14 @@
-// The real window over fakes: messages go in, events come out, and what the form says is shown.
-#include <windows.h>
+// The real window over fakes: what the form says is shown, what a person does reaches the form.
+#include "windows/window/view_fixture.h"
 
-#include <commctrl.h>
 #include <objbase.h>
 #include <richedit.h>
 
-#include <gtest/gtest.h>
-
-#include <functional>
-
-#include "platform/windows/window/children.h"
 #include "platform/windows/window/detail_pane.h"
 #include "platform/windows/window/geometry.h"
-#include "platform/windows/window/win32_view.h"
-#include "windows/window/fake_form.h"
 
 namespace vordane::window::win32 {
 namespace {
-
-using namespace testing;
-
-struct RecordedEvents : ViewEvents {
-  std::vector<int> buttons, headings, exchanges, keys;
-  std::vector<std::u16string> pressed;  // control and button
-  std::vector<std::pair<std::u16string, std::ptrdiff_t>> lookUps;
-  std::optional<std::size_t> hit;
-  int closes = 0, ticks = 0, whatsThis = 0;
-  std::function<void()> onButton;
-  Control* exchangeList = nullptr;
-  bool takesExchanges = true;
-
-  void buttonPressed(int action) override {
-    buttons.push_back(action);
-    if (onButton) onButton();
-  }
-  void headingClicked(int column) override { headings.push_back(column); }
-  void exchangeChosen(int listIndex) override {
-    exchanges.push_back(listIndex);
-    if (exchangeList != nullptr)
-      exchangeList->setListIndex(takesExchanges ? listIndex : exchangeList->listIndex());
-  }
-  void closeAsked() override { ++closes; }
-  void keyPressed(int keyCode) override { keys.push_back(keyCode); }
-  void mousePressed(Control& control, int button) override {
-    pressed.push_back(control.name() + u" " + static_cast<char16_t>(u'0' + button));
-  }
-  void whatsThisChosen() override { ++whatsThis; }
-  std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t after) override {
-    lookUps.emplace_back(text, after);
-    return hit;
-  }
-  void tick() override { ++ticks; }
-};
-
-class ViewTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    view->attach(form, events);
-    for (const char16_t* name : {u"PBX-1", u"PBX-2", u"PBX-3"}) exchanges().addItem(name);
-    exchanges().setListIndex(0);
-    events.exchangeList = &exchanges();
-    view->setRows(&rows);
-    view->setVisible(true);
-    pump();
-  }
-  void TearDown() override { view->detach(); }
-
-  HWND item(int id) const { return GetDlgItem(view->window(), id); }
-  HWND heading() const { return ListView_GetHeader(item(idGrid)); }
-  Control& exchanges() { return form.control(u"drpPBXList"); }
-  void press(int id) { SendMessageW(item(id), BM_CLICK, 0, 0); }
-
-  // Serves what is waiting, as a message loop does, for at least `milliseconds`.
-  void pump(DWORD milliseconds = 0) {
-    const ULONGLONG end = GetTickCount64() + milliseconds;
-    do {
-      MSG message;
-      while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-        if (view->translate(message)) continue;
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
-      }
-      if (milliseconds > 0) Sleep(2);
-    } while (GetTickCount64() < end);
-  }
-  void key(HWND window, WPARAM code) {
-    PostMessageW(window, WM_KEYDOWN, code, 1);
-    pump();
-  }
-  void clickHeading(int column) {
-    RECT place;
-    Header_GetItemRect(heading(), column, &place);
-    const LPARAM at = MAKELPARAM(place.left + 12, place.top + 6);
-    SendMessageW(heading(), WM_LBUTTONDOWN, MK_LBUTTON, at);
-    SendMessageW(heading(), WM_LBUTTONUP, 0, at);
-    pump();
-  }
-  void choose(int entry, int code) {
-    SendMessageW(item(idExchange), CB_SETCURSEL, static_cast<WPARAM>(entry), 0);
-    SendMessageW(view->window(), WM_COMMAND, MAKEWPARAM(idExchange, code),
-                 reinterpret_cast<LPARAM>(item(idExchange)));
-  }
-
-  Form form = makeForm(Language::english);
-  FakeTexts texts{Language::english};
-  FakeSettings settings;
-  FakeRows rows{Language::english, 100};
-  RecordedEvents events;
-  std::unique_ptr<Win32View> view = makeWin32View(texts, settings);
-};
 
 TEST_F(ViewTest, eachButtonIsItsAction) {
   for (const int id : {idRequest, idReset, idPrint, idClear, idClose}) press(id);
@@ -507,96 +407,6 @@ TEST_F(ViewTest, theFormKnowsItsSizeForThePictures) {
   GetClientRect(view->window(), &client);
   EXPECT_EQ(form.self().number(u"Width"),
             toTwips(client.right, static_cast<int>(GetDpiForWindow(view->window()))));
-}
-
-// A picture of one blue point.
-std::u16string bluePicture() {
-  wchar_t folder[MAX_PATH], file[MAX_PATH];
-  GetTempPathW(MAX_PATH, folder);
-  GetTempFileNameW(folder, L"pic", 0, file);
-  constexpr unsigned char bytes[] = {'B', 'M', 58, 0, 0, 0, 0, 0, 0,  0, 54, 0, 0, 0, 40,  0, 0, 0, 1, 0,
-                                     0,   0,   1,  0, 0, 0, 1, 0, 24, 0, 0,  0, 0, 0, 4,   0, 0, 0, 0, 0,
-                                     0,   0,   0,  0, 0, 0, 0, 0, 0,  0, 0,  0, 0, 0, 255, 0, 0, 0};
-  DWORD written = 0;
-  const HANDLE handle = CreateFileW(file, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-  WriteFile(handle, bytes, sizeof bytes, &written, nullptr);
-  CloseHandle(handle);
-  return std::u16string(reinterpret_cast<const char16_t*>(file));
-}
-
-TEST_F(ViewTest, thePaneShowsItsPictureAroundATextThatStaysReadable) {
-  const auto paneGround = [&] {
-    const auto plain = static_cast<LPARAM>(currentPalette().surface);
-    const LRESULT ground = SendMessageW(item(idPane), EM_SETBKGNDCOLOR, 0, plain);  // answers the one before
-    SendMessageW(item(idPane), EM_SETBKGNDCOLOR, 0, ground);
-    return static_cast<COLORREF>(ground);
-  };
-  const COLORREF plain = paneGround();
-  Control& picture = form.control(u"imgDetail");
-  picture.set(u"Picture", bluePicture());
-  pump();
-  const COLORREF blue = paneGround();
-  EXPECT_GT(GetBValue(blue), GetRValue(blue) + 50);
-  EXPECT_GT(GetRValue(blue), 100) << "washed, so that dark text stays readable";
-  picture.set(u"Visible", false);
-  pump();
-  EXPECT_EQ(paneGround(), plain);
-  picture.set(u"Visible", true);
-  pump();
-  EXPECT_EQ(paneGround(), blue);
-  picture.set(u"Picture", std::u16string());
-  pump();
-  EXPECT_EQ(paneGround(), plain);
-}
-
-class PaneTest : public ViewTest {
- protected:
-  void SetUp() override {
-    ViewTest::SetUp();
-    pane.create(view->window(), 900);
-    pane.setLook(nullptr, 96, currentPalette());
-    SetWindowPos(pane.window(), nullptr, 0, 0, 600, 120, SWP_NOZORDER);
-    pane.showFault(rows, 1, rows.row(1)->description);
-  }
-  std::vector<std::u16string> marked() const {
-    std::vector<std::u16string> found;
-    for (const Range mark : pane.marks())
-      found.push_back(pane.text().text.substr(mark.begin, mark.end - mark.begin));
-    return found;
-  }
-  COLORREF groundAt(std::size_t position) {
-    const CHARRANGE range{static_cast<LONG>(position), static_cast<LONG>(position) + 1};
-    SendMessageW(pane.window(), EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
-    CHARFORMAT2W look{};
-    look.cbSize = sizeof look;
-    SendMessageW(pane.window(), EM_GETCHARFORMAT, SCF_SELECTION, reinterpret_cast<LPARAM>(&look));
-    return look.crBackColor;
-  }
-  DetailPane pane;
-};
-
-TEST_F(PaneTest, theValuePointedAtMarksItselfAndItsData) {
-  const std::size_t value = pane.text().text.find(u"C2D");
-  pane.point(value + 1);
-  EXPECT_EQ(marked(), (std::vector<std::u16string>{u"C2D", u"C", u"2D"}));
-  const std::size_t data = pane.text().text.find(u"03 4C 2D");
-  EXPECT_EQ(groundAt(data + 4), currentPalette().mark);
-  EXPECT_EQ(groundAt(data + 6), currentPalette().mark);
-  EXPECT_NE(groundAt(data + 3), currentPalette().mark);
-  EXPECT_NE(groundAt(data + 9), currentPalette().mark);
-}
-
-TEST_F(PaneTest, pointingElsewhereTakesTheMarksAway) {
-  const std::size_t value = pane.text().text.find(u"C2D");
-  pane.point(value);
-  pane.point(0);
-  EXPECT_TRUE(marked().empty());
-  EXPECT_NE(groundAt(value), currentPalette().mark);
-}
-
-TEST_F(PaneTest, pastTheEndNothingIsMarked) {
-  pane.point(100'000);
-  EXPECT_TRUE(marked().empty());
 }
 
 }  // namespace

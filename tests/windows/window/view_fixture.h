@@ -1,0 +1,115 @@
+// The real window over fakes, for its tests: messages go in, events come out.
+#pragma once
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/windows/window/children.h"
+#include "platform/windows/window/win32_view.h"
+#include "windows/window/fake_form.h"
+
+namespace vordane::window::win32 {
+
+using namespace testing;
+
+struct RecordedEvents : ViewEvents {
+  std::vector<int> buttons, headings, exchanges, keys;
+  std::vector<std::u16string> pressed;  // control and button
+  std::vector<std::pair<std::u16string, std::ptrdiff_t>> lookUps;
+  std::optional<std::size_t> hit;
+  int closes = 0, ticks = 0, whatsThis = 0;
+  std::function<void()> onButton;
+  Control* exchangeList = nullptr;
+  bool takesExchanges = true;
+
+  void buttonPressed(int action) override {
+    buttons.push_back(action);
+    if (onButton) onButton();
+  }
+  void headingClicked(int column) override { headings.push_back(column); }
+  void exchangeChosen(int listIndex) override {
+    exchanges.push_back(listIndex);
+    if (exchangeList != nullptr)
+      exchangeList->setListIndex(takesExchanges ? listIndex : exchangeList->listIndex());
+  }
+  void closeAsked() override { ++closes; }
+  void keyPressed(int keyCode) override { keys.push_back(keyCode); }
+  void mousePressed(Control& control, int button) override {
+    pressed.push_back(control.name() + u" " + static_cast<char16_t>(u'0' + button));
+  }
+  void whatsThisChosen() override { ++whatsThis; }
+  std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t after) override {
+    lookUps.emplace_back(text, after);
+    return hit;
+  }
+  void tick() override { ++ticks; }
+};
+
+class ViewTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    view->attach(form, events);
+    for (const char16_t* name : {u"PBX-1", u"PBX-2", u"PBX-3"}) exchanges().addItem(name);
+    exchanges().setListIndex(0);
+    events.exchangeList = &exchanges();
+    view->setRows(&rows);
+    view->setVisible(true);
+    pump();
+  }
+  void TearDown() override { view->detach(); }
+
+  HWND item(int id) const { return GetDlgItem(view->window(), id); }
+  HWND heading() const { return ListView_GetHeader(item(idGrid)); }
+  Control& exchanges() { return form.control(u"drpPBXList"); }
+  void press(int id) { SendMessageW(item(id), BM_CLICK, 0, 0); }
+
+  // Serves what is waiting, as a message loop does, for at least `milliseconds`.
+  void pump(DWORD milliseconds = 0) {
+    const ULONGLONG end = GetTickCount64() + milliseconds;
+    do {
+      MSG message;
+      while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+        if (view->translate(message)) continue;
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+      }
+      if (milliseconds > 0) Sleep(2);
+    } while (GetTickCount64() < end);
+  }
+  void key(HWND window, WPARAM code) {
+    PostMessageW(window, WM_KEYDOWN, code, 1);
+    pump();
+  }
+  void clickHeading(int column) {
+    RECT place;
+    Header_GetItemRect(heading(), column, &place);
+    const LPARAM at = MAKELPARAM(place.left + 12, place.top + 6);
+    SendMessageW(heading(), WM_LBUTTONDOWN, MK_LBUTTON, at);
+    SendMessageW(heading(), WM_LBUTTONUP, 0, at);
+    pump();
+  }
+  void choose(int entry, int code) {
+    SendMessageW(item(idExchange), CB_SETCURSEL, static_cast<WPARAM>(entry), 0);
+    SendMessageW(view->window(), WM_COMMAND, MAKEWPARAM(idExchange, code),
+                 reinterpret_cast<LPARAM>(item(idExchange)));
+  }
+
+  Form form = makeForm(Language::english);
+  FakeTexts texts{Language::english};
+  FakeSettings settings;
+  FakeRows rows{Language::english, 100};
+  RecordedEvents events;
+  std::unique_ptr<Win32View> view = makeWin32View(texts, settings);
+};
+
+}  // namespace vordane::window::win32
