@@ -2,7 +2,6 @@
 #include "windows/window/view_fixture.h"
 
 #include <objbase.h>
-#include <richedit.h>
 
 #include "platform/windows/window/detail_pane.h"
 #include "platform/windows/window/geometry.h"
