@@ -162,6 +162,75 @@ TEST_F(FaultIndexTest, TheTenOrdersAreThoseOfTheRules) {
   }
 }
 
+// What an opened database knows of an exchange it has shown before agrees with what a newly opened one reads,
+// whoever added, changed or deleted faults in between, in whatever order of time, and whether it lasted.
+TEST_F(FaultIndexTest, AnExchangeShownAgainHasTheRowsThatAreThere) {
+  const auto database = open(), besides = open();
+  OtherTool other(path_);
+  std::mt19937 random(21);
+  const auto date = [&] { return u"2006/01/0" + std::u16string(1, char16_t(u'1' + random() % 8)); };
+  const auto add = [&](database::Database& to) {
+    addFault(to, {std::int16_t(1 + random() % 5 / 4), u"01", u"MJ", u"MP", date()});
+  };
+  for (int i = 0; i < 600; ++i) {
+    SCOPED_TRACE(i);
+    switch (random() % 12) {
+      case 0:
+        add(*besides);
+        break;
+      case 1:
+        ASSERT_EQ(other.run("UPDATE FaultDisplay SET Date = '2006/01/09' WHERE Count % 17 = 3"), "");
+        break;
+      case 2: {
+        const auto rows = database->openRecordset(u"Select * from FaultDisplay");
+        if (rows->atEnd()) break;
+        rows->edit();
+        rows->set(u"Date", date());
+        rows->update();
+        break;
+      }
+      case 3:
+        if (random() % 8 == 0) database->execute(u"DELETE FROM FaultDisplay WHERE ID = 1");
+        break;
+      case 4: {
+        database->beginBatch();
+        for (unsigned more = random() % 5; more > 0; --more) add(*database);
+        ASSERT_EQ(counts(*database, clauses[2][0]).size(), counts(*database, clauses[0][0]).size());
+        database->endBatch();
+        break;
+      }
+      default:
+        addFault(*database,
+                 {1, u"01", u"MJ", u"MP", u"2006/02/" + text::fromUtf8(std::to_string(10 + i / 30))});
+    }
+    const auto wanted = counts(*open(), clauses[2][0]);
+    ASSERT_EQ(counts(*database, clauses[2][0]), wanted);
+    ASSERT_EQ(counts(*database, clauses[2][1]), std::vector(wanted.rbegin(), wanted.rend()));
+  }
+}
+
+TEST_F(FaultIndexTest, RowsThatAreShownStayAsTheyWereWhenMoreAreAdded) {
+  const auto database = open();
+  const std::u16string_view count[] = {u"Count"};
+  const std::u16string statement = u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[2][1]);
+  const auto first = [&](database::RowList& rows) {
+    std::vector<Value> values;
+    return rows.fetch(0, values) ? shown(values[0]) : "none";
+  };
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01"});
+  const auto before = database->openRowList(statement, count);
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/02"});
+  const auto after = database->openRowList(statement, count);
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/03"});
+  const auto last = database->openRowList(statement, count);
+  EXPECT_EQ(before->size(), 1U);
+  EXPECT_EQ(after->size(), 2U);
+  EXPECT_EQ(last->size(), 3U);
+  EXPECT_EQ(first(*before), "1");
+  EXPECT_EQ(first(*after), "2");
+  EXPECT_EQ(first(*last), "3");
+}
+
 TEST_F(FaultIndexTest, AnotherToolReadsWritesAndChecksTheFile) {
   const auto database = open();
   addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01", u"Шина"});

@@ -31,6 +31,7 @@ Connection::Connection(Handle handle, bool readOnly, const Options& options)
   savepoint_ = Statement(*this, "SAVEPOINT step");
   release_ = Statement(*this, "RELEASE step");
   rollbackTo_ = Statement(*this, "ROLLBACK TO step");
+  changes_ = Statement(*this, "PRAGMA data_version");
   maintaining_ = false;
   sqlite3_set_authorizer(
       handle_.get(),
@@ -51,6 +52,8 @@ int Connection::authorize(int action, const char* first, const char*) const noex
     case SQLITE_TRANSACTION:
     case SQLITE_SAVEPOINT:
       return SQLITE_OK;
+    case SQLITE_PRAGMA:  // made ready once more when another program has changed the tables
+      return std::string_view(first) == "data_version" ? SQLITE_OK : SQLITE_DENY;
     case SQLITE_INSERT:
     case SQLITE_UPDATE:
     case SQLITE_DELETE:
@@ -143,6 +146,7 @@ void Connection::runMaintenance(const char* sql) {
 void Connection::raise(int resultCode) {
   const int number = numberOf(resultCode);
   if (number == number::damaged || number == number::notADatabase) damaged_ = true;
+  if (faults_) faults_->undone();
   failWith(resultCode);
 }
 
@@ -177,6 +181,13 @@ void Connection::checkFreePages() {
     damaged_ = !check.step() || check.text(0) != u"ok";
   }
   maintaining_ = wasMaintaining;
+}
+
+std::int64_t Connection::changesByOthers() {
+  changes_.step();
+  const std::int64_t version = changes_.integer(0);
+  changes_.reset();
+  return version;
 }
 
 std::int64_t Connection::takeNumber(Table& table) {
@@ -244,6 +255,7 @@ void Connection::endBatch() {
     commit();
   } catch (...) {
     rollback();
+    faults_->undone();
     throw;
   }
   // A copy of the one file is whole again. What a reader holds up stays in the log until the next time.
@@ -316,6 +328,7 @@ void WriteScope::done() {
 WriteScope::~WriteScope() {
   --connection_.depth_;
   if (done_) return;
+  connection_.faults_->undone();
   // After a full disk or a failed write the whole transaction may be gone already.
   if (!nested_) {
     connection_.rollback();

@@ -75,6 +75,9 @@ class Connection {
   void keepNumber(const Table& table, std::int64_t last);
   void loadTables();
 
+  // Differs from what it was when another connection has changed the file since.
+  std::int64_t changesByOthers();
+
   bool inTransaction() const { return sqlite3_get_autocommit(handle_.get()) == 0; }
   void begin();
   void commit();
@@ -118,7 +121,7 @@ class Connection {
   database::Database::Progress progress_;
   std::size_t done_ = 0, of_ = 0;
   std::unique_ptr<FaultIndex> faults_;
-  Statement savepoint_, release_, rollbackTo_;
+  Statement savepoint_, release_, rollbackTo_, changes_;
 };
 
 // Many small statements that only read: what they read stays the same meanwhile, and the file's locks are

@@ -198,6 +198,7 @@ void FaultIndex::create() {
 void FaultIndex::rebuild() {
   connection_.run("DELETE FROM VordaneFaultIndex");
   connection_.run(filling);
+  byTime_.forget();
   connection_.run("UPDATE VordaneIndexState SET Version = 1, Stale = 0");
   newest_.known = false;
   newestChanged_ = true;
@@ -280,12 +281,20 @@ std::vector<std::int64_t> FaultIndex::allNewestFirst() {
   return counts;
 }
 
-std::vector<std::uint32_t> FaultIndex::ordered(std::int64_t id, FaultOrder order, bool descending) {
-  std::vector<std::uint32_t> counts = order == FaultOrder::description
-                                          ? byDescription_.of(id)
-                                          : orderedFaults(connection_, collecting_, id, order);
-  if (descending) std::reverse(counts.begin(), counts.end());
-  return counts;
+SharedCounts FaultIndex::ordered(std::int64_t id, FaultOrder order) {
+  if (order == FaultOrder::date) return orderedByTime(id);
+  byTime_.forget();  // one order of a million faults at a time
+  return std::make_shared<const std::vector<std::uint32_t>>(
+      order == FaultOrder::description ? byDescription_.of(id)
+                                       : collectFaults(connection_, collecting_, id, true).byKind(order));
+}
+
+SharedCounts FaultIndex::orderedByTime(std::int64_t id) {
+  const std::int64_t version = connection_.changesByOthers();
+  if (auto kept = byTime_.of(id, version)) return kept;
+  const CollectedFaults faults = collectFaults(connection_, collecting_, id, false);
+  byTime_.keep(id, version, faults.byDate(), faults.lastMoment());
+  return byTime_.of(id, version);
 }
 
 void FaultIndex::added(std::int64_t count, std::optional<std::int64_t> id, const FaultFields& fields) {
@@ -298,6 +307,7 @@ void FaultIndex::added(std::int64_t count, std::optional<std::int64_t> id, const
   insert.bind(4, count);
   insert.bindBlob(5, kind);
   insert.run();
+  byTime_.added(id.value_or(noExchange), moment, count);
   if (newest_.known && (newest_.count == 0 || moment > newest_.moment)) {
     newest_ = {true, moment, count};
     newestChanged_ = true;
@@ -313,6 +323,7 @@ void FaultIndex::changing(std::int64_t count) {
       "FaultDisplay WHERE Count = ?)");
   remove.bind(1, count);
   remove.run();
+  byTime_.forget();
   newest_.known = false;
   newestChanged_ = true;
 }
@@ -337,6 +348,7 @@ void FaultIndex::removeExchange(std::int64_t id) {
   Statement entries(connection_, "DELETE FROM VordaneFaultIndex WHERE ID = ?");
   entries.bind(1, id);
   entries.run();
+  byTime_.forget();
   newest_.known = false;
   newestChanged_ = true;
 }

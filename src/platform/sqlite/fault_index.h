@@ -18,6 +18,7 @@
 #include "platform/sqlite/connection.h"
 #include "platform/sqlite/description_order.h"
 #include "platform/sqlite/fault_orders.h"
+#include "platform/sqlite/time_order.h"
 
 namespace vordane::sqlite {
 
@@ -44,8 +45,8 @@ class FaultIndex {
   std::optional<std::int64_t> newest();
   // `Count` of every row in that order, `newest` first.
   std::vector<std::int64_t> allNewestFirst();
-  // `Count` of an exchange's rows in one of the ten orders; all columns turn with the direction.
-  std::vector<std::uint32_t> ordered(std::int64_t id, FaultOrder order, bool descending);
+  // `Count` of an exchange's rows, ascending in one of the five orders.
+  SharedCounts ordered(std::int64_t id, FaultOrder order);
 
   // Inside the transaction that changes the table.
   void added(std::int64_t count, std::optional<std::int64_t> id, const FaultFields& fields);
@@ -55,6 +56,8 @@ class FaultIndex {
 
   void transactionBegan() { checked_ = false; }
   void beforeCommit();
+  // Something that was changed was taken back, or may have been.
+  void undone() noexcept { byTime_.forget(); }
 
  private:
   struct Newest {
@@ -69,6 +72,7 @@ class FaultIndex {
   void rebuild();
   void findNewest();
   void removeRows(std::int64_t id, std::size_t of);
+  SharedCounts orderedByTime(std::int64_t id);
   Statement& prepared(Statement& statement, const char* sql);
 
   Connection& connection_;
@@ -80,6 +84,7 @@ class FaultIndex {
   Statement state_, same_, insert_, remove_, read_;
   std::string key_;  // kept for its room
   Collecting collecting_;
+  TimeOrder byTime_;
   DescriptionOrder byDescription_;
 };
 

@@ -44,25 +44,6 @@ void collectFinal(sqlite3_context* context) noexcept {
   sqlite3_result_null(context);
 }
 
-// The engine goes through the index by itself: stepping row by row would double the time.
-void collect(Connection& connection, Collecting& collecting, std::int64_t id, bool withKinds,
-             CollectedFaults& faults) {
-  Statement rows(connection,
-                 withKinds ? "SELECT vordane_collect(Moment, Count, Kind) FROM VordaneFaultIndex WHERE ID = ?"
-                           : "SELECT vordane_collect(Moment, Count) FROM VordaneFaultIndex WHERE ID = ?");
-  rows.bind(1, id);
-  collecting = {&faults, nullptr};
-  try {
-    rows.step();
-    collecting.faults = nullptr;
-  } catch (const database::DatabaseError&) {
-    collecting.faults = nullptr;
-    if (collecting.failure) std::rethrow_exception(collecting.failure);
-    throw;
-  }
-  faults.finish();
-}
-
 }  // namespace
 
 std::uint32_t Kinds::numberOf(std::string_view kind) {
@@ -162,13 +143,26 @@ void registerCollect(Connection& connection, Collecting& collecting) {
   }
 }
 
-std::vector<std::uint32_t> orderedFaults(Connection& connection, Collecting& collecting, std::int64_t id,
-                                         FaultOrder order) {
+// The engine goes through the index by itself: stepping row by row would double the time.
+CollectedFaults collectFaults(Connection& connection, Collecting& collecting, std::int64_t id,
+                              bool withKinds) {
   const ReadScope reading(connection);
-  const bool withKinds = order != FaultOrder::date;
   CollectedFaults faults;
-  collect(connection, collecting, id, withKinds, faults);
-  return withKinds ? faults.byKind(order) : faults.byDate();
+  Statement rows(connection,
+                 withKinds ? "SELECT vordane_collect(Moment, Count, Kind) FROM VordaneFaultIndex WHERE ID = ?"
+                           : "SELECT vordane_collect(Moment, Count) FROM VordaneFaultIndex WHERE ID = ?");
+  rows.bind(1, id);
+  collecting = {&faults, nullptr};
+  try {
+    rows.step();
+    collecting.faults = nullptr;
+  } catch (const database::DatabaseError&) {
+    collecting.faults = nullptr;
+    if (collecting.failure) std::rethrow_exception(collecting.failure);
+    throw;
+  }
+  faults.finish();
+  return faults;
 }
 
 }  // namespace vordane::sqlite

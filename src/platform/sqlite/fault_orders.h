@@ -40,6 +40,7 @@ class CollectedFaults {
   void finish() { closeGroup(); }
 
   std::size_t size() const { return counts_.size(); }
+  const std::string& lastMoment() const { return moment_; }
   std::vector<std::uint32_t> byDate() const;
   std::vector<std::uint32_t> byKind(FaultOrder first) const;
 
@@ -60,9 +61,8 @@ struct Collecting {
 };
 void registerCollect(Connection& connection, Collecting& collecting);
 
-// `Count` of an exchange's rows, ascending in `order`, which is not by Description; `collecting` is the one
-// that was registered.
-std::vector<std::uint32_t> orderedFaults(Connection& connection, Collecting& collecting, std::int64_t id,
-                                         FaultOrder order);
+// Goes through an exchange's part of the index; `collecting` is the one that was registered.
+CollectedFaults collectFaults(Connection& connection, Collecting& collecting, std::int64_t id,
+                              bool withKinds);
 
 }  // namespace vordane::sqlite

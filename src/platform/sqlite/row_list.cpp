@@ -6,13 +6,19 @@
 namespace vordane::sqlite {
 namespace {
 
-// `Key` is as wide as the rows' keys need, to keep a million of them small.
+// `Key` is as wide as the rows' keys need, to keep a million of them small. Backwards the last key is the
+// first row.
 template <class Key>
 class EmbeddedRowList final : public database::RowList {
  public:
-  EmbeddedRowList(std::shared_ptr<Opened> opened, const Plan& plan, std::vector<Key> keys,
+  using Keys = std::shared_ptr<const std::vector<Key>>;
+
+  EmbeddedRowList(std::shared_ptr<Opened> opened, const Plan& plan, Keys keys, bool backwards,
                   std::span<const std::u16string_view> columns)
-      : opened_(std::move(opened)), connection_(opened_->connection), keys_(std::move(keys)) {
+      : opened_(std::move(opened)),
+        connection_(opened_->connection),
+        keys_(std::move(keys)),
+        backwards_(backwards) {
     std::string sql;
     for (std::u16string_view name : columns) {
       const Column* column = plan.columns[plan.resultColumn(name)];
@@ -23,13 +29,13 @@ class EmbeddedRowList final : public database::RowList {
     row_ = Statement(connection_, sql + " FROM " + plan.table->quoted + " WHERE rowid = ?");
   }
 
-  std::size_t size() const override { return keys_.size(); }
+  std::size_t size() const override { return keys_->size(); }
 
   bool fetch(std::size_t position, std::vector<Value>& out) override {
     out.clear();
-    if (position >= keys_.size()) return false;
+    if (position >= size()) return false;
     connection_.beforeRead();
-    row_.bind(1, static_cast<std::int64_t>(keys_[position]));
+    row_.bind(1, keyAt(position));
     const bool found = row_.step();
     for (std::size_t i = 0; found && i < yesNo_.size(); ++i)
       out.push_back(row_.value(static_cast<int>(i), yesNo_[i]));
@@ -41,18 +47,22 @@ class EmbeddedRowList final : public database::RowList {
                                   const Progress& progress) override {
     const ReadScope reading(connection_);
     FoldedNeedle folded(needle);
-    for (std::size_t i = 0; i < keys_.size(); ++i) {
+    for (std::size_t i = 0; i < size(); ++i) {
       if (progress && i % rowsBetweenProgress == rowsBetweenProgress - 1) progress(i);
-      const std::size_t position = (first + i) % keys_.size();
+      const std::size_t position = (first + i) % size();
       if (holds(position, folded)) return position;
     }
     return {};
   }
 
  private:
+  std::int64_t keyAt(std::size_t position) const {
+    return (*keys_)[backwards_ ? keys_->size() - 1 - position : position];
+  }
+
   // Looks at the texts where the engine holds them.
   bool holds(std::size_t position, FoldedNeedle& needle) {
-    row_.bind(1, static_cast<std::int64_t>(keys_[position]));
+    row_.bind(1, keyAt(position));
     bool found = false;
     if (row_.step()) {
       for (std::size_t i = 0; !found && i < yesNo_.size(); ++i) {
@@ -70,7 +80,8 @@ class EmbeddedRowList final : public database::RowList {
 
   std::shared_ptr<Opened> opened_;
   Connection& connection_;
-  std::vector<Key> keys_;
+  Keys keys_;
+  bool backwards_;
   std::vector<bool> yesNo_;
   Statement row_;
   std::u16string copy_;
@@ -97,10 +108,11 @@ std::unique_ptr<database::RowList> makeRowList(std::shared_ptr<Opened> opened, P
   connection.beforeRead();
   if (plan.special == Plan::Special::faultsOfExchange && connection.faults().usable())
     return std::make_unique<EmbeddedRowList<std::uint32_t>>(
-        std::move(opened), plan,
-        connection.faults().ordered(literals.at(0).number, plan.order, plan.descending), columns);
-  std::vector<std::int64_t> keys = readKeys(connection, plan, literals);
-  return std::make_unique<EmbeddedRowList<std::int64_t>>(std::move(opened), plan, std::move(keys), columns);
+        std::move(opened), plan, connection.faults().ordered(literals.at(0).number, plan.order),
+        plan.descending, columns);
+  auto keys = std::make_shared<const std::vector<std::int64_t>>(readKeys(connection, plan, literals));
+  return std::make_unique<EmbeddedRowList<std::int64_t>>(std::move(opened), plan, std::move(keys), false,
+                                                         columns);
 }
 
 }  // namespace vordane::sqlite
