@@ -20,7 +20,7 @@ inline constexpr int takesTheRest = 0;
 // Widths at 96 dots an inch, so that a workstation with another density finds them as they were; order
 // gives for each place from the left the column that stands there.
 struct ColumnLayout {
-  std::array<int, columnCount> widths{60, 76, 150, 84, takesTheRest, 64};
+  std::array<int, columnCount> widths{60, 76, 150, 84, takesTheRest, 76};  // seven digits of a number
   std::array<int, columnCount> order{0, 1, 2, 3, 4, 5};
   bool operator==(const ColumnLayout&) const = default;
 };

@@ -119,9 +119,12 @@ void Grid::setLayout(const ColumnLayout& layout) {
   std::array<int, columnCount> order = layout.order;
   fits_ = layout.widths[descriptionColumn] == takesTheRest;
   ownWidths_ = true;
-  for (int column = 0; column < columnCount; ++column)
-    ListView_SetColumnWidth(window_, column,
-                            scaled(layout.widths[static_cast<std::size_t>(column)], look_.dpi));
+  for (int column = 0; column < columnCount; ++column) {
+    const int wide = scaled(layout.widths[static_cast<std::size_t>(column)], look_.dpi);
+    const bool fits = column == descriptionColumn && fits_;
+    if (!fits && ListView_GetColumnWidth(window_, column) != wide)
+      ListView_SetColumnWidth(window_, column, wide);
+  }
   ownWidths_ = false;
   ListView_SetColumnOrderArray(window_, columnCount, order.data());
   fit();

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "platform/windows/window/accessible_name.h"
 #include "platform/windows/window/children.h"
 #include "platform/windows/window/geometry.h"
 
@@ -98,10 +97,10 @@ void MainWindow::attach(Form& form, ViewEvents& events) {
   palette_ = currentPalette();
   createChildren();
   createGridAndPane();
-  restyle();
   applyWhole();
   readSettings();
-  place();
+  wantRestyle();  // once, after all that the load changes
+  PostMessageW(window_, nameMessage, 0, 0);
 }
 
 void MainWindow::detach() {
@@ -157,8 +156,6 @@ void MainWindow::createGridAndPane() {
   grid_.create(window_, idGrid, std::move(events));
   if (Control* grid = control(gridName)) ids_[grid] = idGrid;
   pane_.create(window_, idPane);
-  nameForScreenReaders(pane_.window(), texts_.text(ViewText::selectedFault));
-  nameForScreenReaders(lookUp_.closeButton(), texts_.text(ViewText::lookUpClose));
   status_ =
       CreateWindowExW(0, STATUSCLASSNAMEW, L"", WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0, 0, 0, 0, window_,
                       reinterpret_cast<HMENU>(static_cast<INT_PTR>(idStatus)), instance, nullptr);

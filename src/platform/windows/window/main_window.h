@@ -53,7 +53,7 @@ class MainWindow final : public Win32View {
 
  private:
   static constexpr int statusParts = 3;
-  static constexpr UINT restyleMessage = WM_APP + 1;
+  static constexpr UINT restyleMessage = WM_APP + 1, nameMessage = WM_APP + 2;
 
   // Creation.
   void createChildren();

@@ -67,8 +67,9 @@ LayoutInput MainWindow::layoutInput() const {
   return in;
 }
 
+// A restyling that is still to come places everything.
 void MainWindow::place() {
-  if (window_ == nullptr || status_ == nullptr || IsIconic(window_)) return;
+  if (window_ == nullptr || status_ == nullptr || restyleWanted_ || IsIconic(window_)) return;
   SendMessageW(status_, WM_SIZE, 0, 0);
   layout_ = arrange(layoutInput());
   const SIZE client = clientSize(window_);
@@ -131,7 +132,7 @@ void MainWindow::placeNotice(const Layout& layout) {
 }
 
 void MainWindow::placeStatus() {
-  if (status_ == nullptr) return;
+  if (status_ == nullptr || restyleWanted_) return;
   const int total = static_cast<int>(clientSize(window_).cx);
   std::array<int, statusParts> ends{};
   int right = total - scaled(16, dpi_);

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/windows/window/accessible_name.h"
 #include "platform/windows/window/geometry.h"
 #include "platform/windows/window/main_window.h"
 #include "platform/windows/window/parts_paint.h"
@@ -56,7 +57,7 @@ LRESULT MainWindow::handle(UINT message, WPARAM wide, LPARAM low) {
       place();
       return 0;
     case WM_GETMINMAXINFO:
-      if (status_ != nullptr) {
+      if (status_ != nullptr && !restyleWanted_) {
         const SIZE least = smallestClient(layoutInput());
         RECT outer{0, 0, least.cx, least.cy};
         AdjustWindowRectExForDpi(&outer, WS_OVERLAPPEDWINDOW, FALSE, WS_EX_CONTROLPARENT,
@@ -83,6 +84,10 @@ LRESULT MainWindow::handle(UINT message, WPARAM wide, LPARAM low) {
       return 0;
     case restyleMessage:
       if (restyleWanted_) restyle();
+      return 0;
+    case nameMessage:  // after the start: the libraries that this needs take their time
+      nameForScreenReaders(pane_.window(), texts_.text(ViewText::selectedFault));
+      nameForScreenReaders(lookUp_.closeButton(), texts_.text(ViewText::lookUpClose));
       return 0;
     case WM_COMMAND:
       return command(LOWORD(wide), HIWORD(wide));

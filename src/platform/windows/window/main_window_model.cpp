@@ -79,7 +79,6 @@ void MainWindow::applyWhole() {
     if (each->typeName() == u"PictureBox") background_.update(*each);
   setLamp(true, lit_[0]);
   setLamp(false, lit_[1]);
-  showSelected();
 }
 
 void MainWindow::apply(Control& shown, int id) {
@@ -194,6 +193,7 @@ void MainWindow::restyle() {
   dressPane();
   background_.changed();
   place();
+  showSelected();
   RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
@@ -202,8 +202,9 @@ std::u16string MainWindow::lampWords(bool major, bool lit) {
   return texts_.text(lit ? ViewText::minorLit : ViewText::minorClear);
 }
 
+// The pane breaks its lines at once, so it is filled when it has its place.
 void MainWindow::showSelected() {
-  if (form_ == nullptr || pane_.window() == nullptr) return;
+  if (form_ == nullptr || pane_.window() == nullptr || restyleWanted_) return;
   const ShownRow* row = grid_.selectedRow();
   const auto place = grid_.selected();
   if (row != nullptr && place)
