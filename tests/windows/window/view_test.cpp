@@ -221,10 +221,10 @@ TEST_F(ViewTest, aStaleMessageIsNoTick) {
 }
 
 TEST_F(ViewTest, aDueTickIsServedWithoutItsMessageAndOnlyOnce) {
-  view->startTimer(10);
+  view->startTimer(500);
   view->serveDueTick();
   EXPECT_EQ(events.ticks, 0);
-  Sleep(40);
+  Sleep(540);
   view->serveDueTick();
   EXPECT_EQ(events.ticks, 1);
   pump(100);
