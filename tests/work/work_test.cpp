@@ -67,7 +67,7 @@ TEST_F(WorkTest, AListCostsNoStatementForEachFault) {
   const Work few = takeIn(3), added = takeIn(faults), again = takeIn(faults);
   EXPECT_EQ(added.prepared, few.prepared);
   EXPECT_EQ(again.prepared, few.prepared);
-  EXPECT_LE(few.prepared, 3U);
+  EXPECT_LE(few.prepared, 2U) << "reading the keys of the shown exchange again would be one more";
 }
 
 TEST_F(WorkTest, AListReadsTheRowsThatAreAlike) {

@@ -263,6 +263,17 @@ TEST_F(ViewTest, aMillionRowsFetchOnlyTheOnesInSight) {
   view->setRows(nullptr);
 }
 
+// Attached twice before the first one's message loop has run; a host shows its window later.
+TEST_F(ViewTest, aWindowThatNobodyHasShownIsLaidOut) {
+  view->attach(form, events);
+  view->attach(form, events);
+  pump();
+  EXPECT_FALSE(IsWindowVisible(view->window()));
+  RECT grid;
+  GetClientRect(item(idGrid), &grid);
+  EXPECT_GT(grid.right, 500);
+}
+
 TEST_F(ViewTest, screenReadersGetTheCellsTexts) {
   wchar_t text[80] = L"";
   LVITEMW asked{};

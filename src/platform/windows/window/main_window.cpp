@@ -116,6 +116,7 @@ void MainWindow::detach() {
   grid_.forgetRows();
   exchangeBox_ = nullptr;
   shownExchanges_ = 0;
+  restyleWanted_ = false;
   DestroyWindow(std::exchange(window_, nullptr));
 }
 
