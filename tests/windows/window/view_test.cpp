@@ -274,6 +274,23 @@ TEST_F(ViewTest, aWindowThatNobodyHasShownIsLaidOut) {
   EXPECT_GT(grid.right, 500);
 }
 
+TEST_F(ViewTest, statusTextsGivenBeforeTheWindowIsLaidOutAreShown) {
+  view->attach(form, events);
+  const std::u16string_view given[] = {u"no list", u"Faults: 0", u"wide"};
+  for (int part = 0; part < 3; ++part) view->setStatus(part, given[part]);
+  view->setVisible(true);
+  pump();
+  const HWND status = item(idStatus);
+  for (WPARAM part = 0; part < 3; ++part) {
+    wchar_t text[80] = L"";
+    SendMessageW(status, SB_GETTEXTW, part, reinterpret_cast<LPARAM>(text));
+    EXPECT_EQ(fromWide(text, wcslen(text)), given[part]);
+    RECT place{};
+    SendMessageW(status, SB_GETRECT, part, reinterpret_cast<LPARAM>(&place));
+    EXPECT_GT(place.right - place.left, 20) << part;
+  }
+}
+
 TEST_F(ViewTest, screenReadersGetTheCellsTexts) {
   wchar_t text[80] = L"";
   LVITEMW asked{};

@@ -1,6 +1,7 @@
 #include "platform/windows/window/main_window.h"
 
 #include <algorithm>
+#include <array>
 
 #include "platform/windows/window/children.h"
 #include "platform/windows/window/geometry.h"
@@ -160,6 +161,9 @@ void MainWindow::createGridAndPane() {
   status_ =
       CreateWindowExW(0, STATUSCLASSNAMEW, L"", WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0, 0, 0, 0, window_,
                       reinterpret_cast<HMENU>(static_cast<INT_PTR>(idStatus)), instance, nullptr);
+  // It takes no text for a part that it has not got; where the parts end is seen when all is placed.
+  const std::array<int, statusParts> ends{1, 2, -1};
+  SendMessageW(status_, SB_SETPARTS, statusParts, reinterpret_cast<LPARAM>(ends.data()));
 }
 
 RECT MainWindow::placeFromSettings() const {
