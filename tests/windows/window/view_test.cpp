@@ -71,9 +71,11 @@ TEST_F(ViewTest, aMovedColumnKeepsItsIndex) {
   EXPECT_EQ(events.headings, (std::vector<int>{4, 0, 5}));
 }
 
+// The headings' texts come after the first rows at the start.
 TEST_F(ViewTest, theSortMarkStandsOnOneHeading) {
   view->setSortMark(3, false);
   view->setSortMark(2, true);
+  form.control(u"grdDisplayFault").set(u"Columns(2).Caption", std::u16string(u"Date and time"));
   for (int column = 0; column < 6; ++column) {
     HDITEMW info{};
     info.mask = HDI_FORMAT;

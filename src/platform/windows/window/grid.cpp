@@ -81,6 +81,7 @@ void Grid::setHeading(int column, const std::u16string& caption) {
   info.fmt = formatOf(column);
   info.pszText = const_cast<wchar_t*>(wide(caption));
   ListView_SetColumn(window_, column, &info);
+  showSortMark(column);  // the format took it away
 }
 
 void Grid::setRows(GridSource* source) {
@@ -105,14 +106,16 @@ void Grid::refresh() {
 void Grid::setSortMark(int column, bool descending) {
   sortColumn_ = column;
   sortDescending_ = descending;
-  for (int n = 0; n < columnCount; ++n) {
-    HDITEMW item{};
-    item.mask = HDI_FORMAT;
-    Header_GetItem(heading(), n, &item);
-    item.fmt &= ~(HDF_SORTUP | HDF_SORTDOWN);
-    if (n == column) item.fmt |= descending ? HDF_SORTDOWN : HDF_SORTUP;
-    Header_SetItem(heading(), n, &item);
-  }
+  for (int n = 0; n < columnCount; ++n) showSortMark(n);
+}
+
+void Grid::showSortMark(int column) {
+  HDITEMW item{};
+  item.mask = HDI_FORMAT;
+  Header_GetItem(heading(), column, &item);
+  item.fmt &= ~(HDF_SORTUP | HDF_SORTDOWN);
+  if (column == sortColumn_) item.fmt |= sortDescending_ ? HDF_SORTDOWN : HDF_SORTUP;
+  Header_SetItem(heading(), column, &item);
 }
 
 void Grid::setLayout(const ColumnLayout& layout) {

@@ -46,6 +46,7 @@ class Grid {
  private:
   HWND heading() const { return ListView_GetHeader(window_); }
   void addColumns();
+  void showSortMark(int column);
   void askRowHeightAgain();
   void giveText(NMLVDISPINFOW& asked);
   // What all rows have in common while they are painted.
