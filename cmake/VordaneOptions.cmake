@@ -5,6 +5,16 @@ set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 
+# What was compiled once, in whatever folder, comes out of the compiler cache. It may take a compiled header's
+# macros and times for what they are, since the header is compiled by the same build.
+find_program(VORDANE_CCACHE NAMES ccache)
+if(VORDANE_CCACHE)
+  set(launcher ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1
+    CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime ${VORDANE_CCACHE})
+  set(CMAKE_C_COMPILER_LAUNCHER ${launcher})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${launcher})
+endif()
+
 if(VORDANE_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
   add_link_options(-fsanitize=address,undefined)
@@ -50,6 +60,9 @@ endfunction()
 function(vordane_test_options target)
   vordane_warnings(${target})
   target_compile_options(${target} PRIVATE -O1 -Wno-stringop-overread -Wno-stringop-overflow -Wno-array-bounds)
+  if(VORDANE_CCACHE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(${target} PRIVATE -fpch-preprocess)  # the cache can't look into compiled headers otherwise
+  endif()
 endfunction()
 
 # A test program under CTest, one ctest entry for each of its cases. Rules are tested natively; with
@@ -61,9 +74,7 @@ function(vordane_test name)
   endif()
   add_executable(${name} ${ARG_SOURCES})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/tests)
-  target_compile_definitions(${name} PRIVATE VORDANE_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data"
-    VORDANE_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
-  target_link_libraries(${name} PRIVATE ${ARG_LINKS} GTest::gmock GTest::gtest_main)
+  target_link_libraries(${name} PRIVATE ${ARG_LINKS} vordane_test_places GTest::gmock GTest::gtest_main)
   vordane_test_options(${name})
   # GoogleTest's headers cost more than most tests: compiled once for all test programs.
   if(TARGET vordane_test_headers)

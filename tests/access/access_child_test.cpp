@@ -8,13 +8,14 @@
 #include <random>
 
 #include "access/recording_visitor.h"
+#include "places.h"
 
 namespace vordane::access {
 namespace {
 
 namespace fs = std::filesystem;
 
-const std::string samples = std::string(VORDANE_TEST_DATA) + "/access/";
+const std::string samples = (test::dataFolder() / "access/").string();
 
 TEST(AccessChild, TellsTheSameAsReadingHere) {
   RecordingVisitor here;

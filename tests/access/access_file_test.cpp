@@ -7,6 +7,7 @@
 #include <string>
 
 #include "access/recording_visitor.h"
+#include "places.h"
 
 namespace vordane::access {
 namespace {
@@ -15,7 +16,7 @@ using Read = RecordingVisitor;
 
 Read read(const std::string& file) {
   Read result;
-  readAccessFile(std::string(VORDANE_TEST_DATA) + "/access/" + file, result);
+  readAccessFile((test::dataFolder() / "access/").string() + file, result);
   return result;
 }
 

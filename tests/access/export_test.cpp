@@ -10,6 +10,7 @@
 #include "export_csv.h"
 #include "export_texts.h"
 #include "language_build.h"
+#include "places.h"
 #include "platform/access/access_child.h"
 #include "platform/sqlite/table_reader.h"
 
@@ -32,7 +33,7 @@ class Export : public testing::Test {
     std::ifstream in(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
   }
-  static std::string sample(const char* name) { return std::string(VORDANE_TEST_DATA) + "/access/" + name; }
+  static std::string sample(const char* name) { return (test::dataFolder() / "access/").string() + name; }
 
   fs::path folder = fs::temp_directory_path() / ("vordane-export-" + std::to_string(std::random_device()()));
 };
@@ -77,7 +78,7 @@ std::vector<std::vector<std::u16string>> plain(const SourceRows& rows) {
 TEST_F(Export, ALanguageGoesThereAndBackAgain) {
   for (const char* language : {"en", "ja"}) {
     Problems problems;
-    const auto source = readLanguage(fs::path(VORDANE_SOURCE_DIR) / "data" / "language" / language, problems);
+    const auto source = readLanguage(test::sourceFolder() / "data" / "language" / language, problems);
     buildOwnLanguage(source, folder / "VORDANE.LNG");
     buildCommonLanguage(source, folder / "Common.LNG");
     const fs::path texts = folder / language / "texts";

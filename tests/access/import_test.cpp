@@ -12,6 +12,7 @@
 #include <random>
 
 #include "access/recording_visitor.h"
+#include "places.h"
 #include "platform/access/access_child.h"
 #include "platform/engine_choice.h"
 #include "platform/sqlite/engine.h"
@@ -26,7 +27,7 @@ using access::RecordingVisitor;
 using automation::Value;
 using database::FileKind;
 
-const fs::path samples = fs::path(VORDANE_TEST_DATA) / "access";
+const fs::path samples = test::dataFolder() / "access";
 
 std::string bytesOf(const fs::path& path) {
   std::ifstream in(path, std::ios::binary);

@@ -7,6 +7,7 @@
 #include <fstream>
 
 #include "devhost/fakes.h"
+#include "places.h"
 
 namespace vordane::devhost {
 namespace {
@@ -154,7 +155,7 @@ TEST_F(InterpreterTest, CanEndWithoutAWord) {
 }
 
 TEST_F(InterpreterTest, TheShippedScriptsAreWellFormed) {
-  const auto folder = std::filesystem::path(VORDANE_SOURCE_DIR) / "examples" / "devhost";
+  const auto folder = test::sourceFolder() / "examples" / "devhost";
   int files = 0;
   for (const auto& file : std::filesystem::directory_iterator(folder)) {
     std::ifstream in(file.path(), std::ios::binary);

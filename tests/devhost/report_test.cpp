@@ -7,6 +7,7 @@
 #include <fstream>
 
 #include "devhost/fakes.h"
+#include "places.h"
 #include "platform/sqlite/engine.h"
 #include "platform/sqlite/schema.h"
 #include "zulsim/core/files.h"
@@ -137,7 +138,7 @@ TEST_F(ReportTest, ReadsARealDatabase) {
 
 TEST_F(ReportTest, TheShippedLayoutHoldsEverything) {
   const auto shipped = files::readFile(
-      (std::filesystem::path(VORDANE_SOURCE_DIR) / "data" / "report" / "FAULT.RPT").u16string());
+      (test::sourceFolder() / "data" / "report" / "FAULT.RPT").u16string());
   ASSERT_TRUE(shipped);
   layout(*shipped);
   const std::string text = page(print(request(u"PBX-1")));

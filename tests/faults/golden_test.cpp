@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "places.h"
 #include "recognisable_texts.h"
 #include "text/text.h"
 #include "text/utf8.h"
@@ -21,7 +22,7 @@ struct Line {
 };
 
 std::vector<Line> goldenLines() {
-  std::ifstream file(VORDANE_TEST_DATA "/faults/golden.tsv", std::ios::binary);
+  std::ifstream file(test::dataFolder() / "faults/golden.tsv", std::ios::binary);
   std::vector<Line> lines;
   for (std::string text; std::getline(file, text);) {
     if (text.starts_with('#')) continue;

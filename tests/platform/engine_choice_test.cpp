@@ -1,3 +1,4 @@
+#include "places.h"
 #include "platform/engine_choice.h"
 
 #include <gtest/gtest.h>
@@ -58,7 +59,7 @@ class EngineChoice : public testing::Test {
 TEST_F(EngineChoice, AccessFilesGoToTheAccessEngine) {
   EXPECT_EQ(answer(file("\0\1\0\0Standard Jet DB\0and more"s)), access);
   EXPECT_EQ(answer(file("\0\1\0\0Standard ACE DB\0and more"s)), access);
-  EXPECT_EQ(answer((fs::path(VORDANE_TEST_DATA) / "access" / "FAULT-empty.MDB").u16string()), access);
+  EXPECT_EQ(answer((test::dataFolder() / "access" / "FAULT-empty.MDB").u16string()), access);
 }
 
 TEST_F(EngineChoice, EmbeddedFilesGoToTheEmbeddedEngine) {

@@ -7,13 +7,14 @@
 #include <string>
 
 #include "fakes/folder_engine.h"
+#include "places.h"
 
 namespace vordane::fakes {
 
 class LanguageFolder {
  public:
   explicit LanguageFolder(const std::string& language = "en") {
-    const std::filesystem::path data = std::filesystem::path(VORDANE_SOURCE_DIR) / "data/language";
+    const std::filesystem::path data = test::sourceFolder() / "data/language";
     std::filesystem::copy(data / language, folder(), std::filesystem::copy_options::recursive);
     std::filesystem::copy(data / "shared", files.folder() / "shared",
                           std::filesystem::copy_options::recursive);

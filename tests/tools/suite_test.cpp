@@ -8,6 +8,7 @@
 #include "language/message_numbers.h"
 #include "language_folder.h"
 #include "lines.h"
+#include "places.h"
 #include "platform/control_types.h"
 #include "suite_files.h"
 
@@ -86,7 +87,7 @@ TEST(SuiteFiles, TheReportsLayoutIsTheShippedOne) {
   fakes::LanguageFolder texts;
   const SuiteLayout layout{texts.files.folder() / "30000"};
   const std::filesystem::path shipped =
-      std::filesystem::path(VORDANE_SOURCE_DIR) / "data" / "report" / "FAULT.RPT";
+      test::sourceFolder() / "data" / "report" / "FAULT.RPT";
   for (int time = 0; time < 2; ++time) installReportLayout(layout, shipped);
   EXPECT_EQ(std::filesystem::file_size(layout.root / "ADDINS/REPORT/FAULT.RPT"),
             std::filesystem::file_size(shipped));

@@ -4,13 +4,14 @@
 #include <fstream>
 #include <sstream>
 
+#include "places.h"
 #include "startup/library.h"
 
 namespace vordane {
 namespace {
 
 TEST(TypeLibrary, IsWhatHostsWereCompiledAgainst) {
-  std::ifstream file(VORDANE_TEST_DATA "/Vordane10013.idl", std::ios::binary);
+  std::ifstream file(test::dataFolder() / "Vordane10013.idl", std::ios::binary);
   std::stringstream golden;
   golden << file.rdbuf();
   EXPECT_EQ(automation::idlText(startup::libraryTable()), golden.str());

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <set>
 
+#include "places.h"
 #include "text/numbers.h"
 #include "text/utf8.h"
 #include "zulsim/core/generator.h"
@@ -13,7 +14,7 @@
 namespace vordane::zulsim {
 namespace {
 
-const std::filesystem::path folder = std::filesystem::path(VORDANE_SOURCE_DIR) / "data" / "scenarios";
+const std::filesystem::path folder = test::sourceFolder() / "data" / "scenarios";
 
 std::string contentOf(const std::filesystem::path& file) {
   std::ifstream in(file, std::ios::binary);

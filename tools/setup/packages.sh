@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(
   # building
-  g++ cmake ninja-build make gawk unicode-data
+  g++ cmake ninja-build make ccache gawk unicode-data
   g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools libwine-dev
   # SQLite from Debian's sources
   dpkg-dev tcl ca-certificates
