@@ -120,7 +120,7 @@ TEST(AccessFile, LanguageAndSuiteFilesAreReadToo) {
 }
 
 TEST(AccessFile, AnythingElseIsRefused) {
-  EXPECT_FALSE(isAccessFile(std::string(VORDANE_TEST_DATA) + "/access/README.txt"));
+  EXPECT_FALSE(isAccessFile((test::dataFolder() / "access" / "README.txt").string()));
   EXPECT_THROW(read("README.txt"), AccessError);
   EXPECT_THROW(read("missing.mdb"), AccessError);
 }
