@@ -220,8 +220,8 @@ TEST(Damage, WhatIsFoundDamagedIsNotWrittenAgain) {
   EXPECT_EQ(numberOfError([&] { addExchange(*database, u"A"); }), 3049);
 }
 
-// One list of 30 faults for a fresh file, taken in as the product does: whatever goes wrong, the same database
-// stays open for the next list. What was reported as saved is remembered.
+// One list of 30 faults for a fresh file, taken in as the product does: whatever goes wrong, the same
+// database stays open for the next list. What was reported as saved is remembered.
 struct Scene {
   EmbeddedUnderTest under{Options{{}, 100, failing::fileLayer}};
   std::u16string path = (under.folder() / "scene").u16string();

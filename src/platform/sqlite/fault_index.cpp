@@ -218,13 +218,15 @@ bool FaultIndex::readState() {
   if (!present_) present_ = isPresent();
   if (!*present_) return false;
   const bool pending = connection_.inTransaction() && touched_;
-  Statement& state = prepared(state_,
-                              "SELECT Version, Stale, NewestMoment, NewestCount, LastCount IS (SELECT seq FROM "
-                              "sqlite_sequence WHERE name = ?1) FROM VordaneIndexState");
+  Statement& state =
+      prepared(state_,
+               "SELECT Version, Stale, NewestMoment, NewestCount, LastCount IS (SELECT seq FROM "
+               "sqlite_sequence WHERE name = ?1) FROM VordaneIndexState");
   const Running running(state);
   state.bindText(1, table_->name);
   if (!state.step()) return false;
-  const bool good = state.integer(0) == version && state.integer(1) == 0 && (pending || state.integer(4) != 0);
+  const bool good =
+      state.integer(0) == version && state.integer(1) == 0 && (pending || state.integer(4) != 0);
   if (pending && newestChanged_) return good;
   newest_ = {!state.isNull(3), std::string(state.blob(2)), {}};
   if (!state.isNull(2)) newest_.count = state.integer(3);
@@ -473,9 +475,10 @@ void FaultIndex::removeRows(std::int64_t id, std::size_t of) {
 void FaultIndex::beforeCommit() {
   if (!newestChanged_ && !touched_) return;
   if (!newest_.known) findNewest();
-  Statement update(connection_,
-                   "UPDATE VordaneIndexState SET NewestMoment = ?1, NewestCount = ?2, LastCount = (SELECT seq "
-                   "FROM sqlite_sequence WHERE name = ?3)");
+  Statement update(
+      connection_,
+      "UPDATE VordaneIndexState SET NewestMoment = ?1, NewestCount = ?2, LastCount = (SELECT seq "
+      "FROM sqlite_sequence WHERE name = ?3)");
   if (newest_.count) update.bindBlob(1, newest_.moment);
   update.bind(2, newest_.count.value_or(0));
   update.bindText(3, table_->name);

@@ -84,7 +84,7 @@ class FaultIndex {
   Statement& prepared(Statement& statement, const char* sql);
 
   Connection& connection_;
-  const Table* table_ = nullptr;  // null: the file holds no such table
+  const Table* table_ = nullptr;     // null: the file holds no such table
   std::uint64_t tablesChanged_ = 0;  // when `table_` was found
   std::int64_t seenChanges_ = 0;     // when `present_` was
   std::optional<bool> present_;      // unknown where something was taken back or others have written
