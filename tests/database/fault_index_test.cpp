@@ -231,6 +231,95 @@ TEST_F(FaultIndexTest, RowsThatAreShownStayAsTheyWereWhenMoreAreAdded) {
   EXPECT_EQ(first(*last), "3");
 }
 
+// There is room behind what is kept; what is shown must not grow into it.
+TEST_F(FaultIndexTest, RowsThatAreShownStayAlsoWhereThereIsRoomForMore) {
+  const auto database = open();
+  const std::u16string_view count[] = {u"Count"};
+  const std::u16string statement = u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[2][1]);
+  const auto add = [&] { addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01"}); };
+  for (int i = 0; i < 64; ++i) add();
+  database->openRowList(statement, count);
+  add();
+  const auto shownRows = database->openRowList(statement, count);
+  add();
+  const auto more = database->openRowList(statement, count);
+  EXPECT_EQ(shownRows->size(), 65U);
+  EXPECT_EQ(more->size(), 66U);
+  std::vector<Value> values;
+  ASSERT_TRUE(shownRows->fetch(0, values));
+  EXPECT_EQ(shown(values[0]), "65");
+}
+
+// What one connection keeps of an exchange's order, after each kind of change of its own.
+TEST_F(FaultIndexTest, AnOlderFaultOfOnesOwnTakesItsPlace) {
+  const auto database = open();
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/02"});
+  EXPECT_EQ(counts(*database, clauses[2][0]), std::vector<std::string>{"1"});
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01"});
+  EXPECT_EQ(counts(*database, clauses[2][0]), (std::vector<std::string>{"2", "1"}));
+}
+
+TEST_F(FaultIndexTest, AChangeOfOnesOwnMovesTheFault) {
+  const auto database = open();
+  for (const char16_t* date : {u"06/01/01", u"06/01/02", u"2006/01/03"})
+    addFault(*database, {1, u"01", u"MJ", u"MP", date});
+  EXPECT_EQ(counts(*database, clauses[2][0]), (std::vector<std::string>{"1", "2", "3"}));
+  const auto rows = database->openRecordset(u"Select * from FaultDisplay");
+  rows->edit();
+  rows->set(u"Date", std::u16string(u"2006/01/04"));
+  rows->update();
+  rows->close();
+  EXPECT_EQ(counts(*database, clauses[2][0]), (std::vector<std::string>{"2", "3", "1"}));
+}
+
+TEST_F(FaultIndexTest, ADeletionOfOnesOwnLeavesNothingToShow) {
+  const auto database = open();
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01"});
+  const std::u16string_view count[] = {u"Count"};
+  const std::u16string statement = u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[2][0]);
+  EXPECT_EQ(database->openRowList(statement, count)->size(), 1U);
+  database->execute(u"DELETE FROM FaultDisplay WHERE ID = 1");
+  EXPECT_EQ(database->openRowList(statement, count)->size(), 0U);
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/02"});
+  EXPECT_EQ(counts(*database, clauses[2][0]), std::vector<std::string>{"2"});
+}
+
+TEST_F(FaultIndexTest, TheNewestOfSeveralExchangesThatAreLeft) {
+  for (const std::int16_t newest : {1, 2, 3}) {
+    path_ = under_.make(Layout::faults);
+    const auto database = open();
+    for (std::int16_t id = 1; id <= 4; ++id)
+      addFault(*database, {id, u"01", u"MJ", u"MP",
+                           id == 4        ? u"2006/01/09"
+                           : id == newest ? u"2006/01/05"
+                                          : u"2006/01/01"});
+    EXPECT_EQ(newestDate(*database), "2006/01/09");
+    database->execute(u"DELETE FROM FaultDisplay WHERE ID = 4");
+    EXPECT_EQ(newestDate(*database), "2006/01/05") << newest;
+    EXPECT_EQ(newestDate(*open()), "2006/01/05") << newest;
+  }
+}
+
+// An exchange with few of all faults is found through the index, one with most of them by the table.
+TEST_F(FaultIndexTest, EqualDescriptionsGoByFaultAlarmDateAndNumber) {
+  struct Tied {
+    const char16_t *fault, *alarm, *date;
+  };
+  constexpr Tied tied[] = {{u"02", u"MJ", u"2006/01/01"}, {u"01", u"MN", u"2006/01/01"},
+                           {u"01", u"MJ", u"2006/01/02"}, {u"01", u"MJ", u"2006/01/01"},
+                           {u"01", u"MJ", u"2006/01/01"}, {u"01", u"MN", u"2006/01/02"}};
+  for (const int others : {0, 40}) {
+    path_ = under_.make(Layout::faults);
+    const auto database = open();
+    for (const Tied& fault : tied)
+      addFault(*database, {1, fault.fault, fault.alarm, u"MP", fault.date, u"same"});
+    for (int i = 0; i < others; ++i) addFault(*database, {2});
+    const std::vector<std::string> wanted{"4", "5", "3", "2", "6", "1"};
+    EXPECT_EQ(counts(*database, clauses[4][0]), wanted) << others;
+    EXPECT_EQ(counts(*database, clauses[4][1]), std::vector(wanted.rbegin(), wanted.rend())) << others;
+  }
+}
+
 TEST_F(FaultIndexTest, AnotherToolReadsWritesAndChecksTheFile) {
   const auto database = open();
   addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01", u"Шина"});
@@ -622,7 +711,7 @@ TEST(Utf8File, TakesNoTextThatItWouldChange) {
           "TEXT, TimeStamp TEXT, MJ INTEGER, MN INTEGER); CREATE TABLE FaultDisplay(ID INTEGER, Fault "
           "TEXT, Alarm TEXT, CPU TEXT, Date TEXT, Count INTEGER PRIMARY KEY AUTOINCREMENT, Description "
           "TEXT)"),
-      "UTF-8\n");
+      "");
   const auto database = under.engine().open(path, false);
   for (const char16_t* text : {u"a\uFFFF", u"\uFFFE", u"\xD800"})
     EXPECT_EQ(database::numberOfError([&] {

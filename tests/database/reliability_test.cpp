@@ -333,6 +333,33 @@ TEST(Failure, EveryCallForAFileMayFailForGood) {
   failEveryCall(true, true);
 }
 
+// Shown within the batch, then taken back with it: what is kept of the order goes along.
+TEST(Failure, WhatWasTakenBackIsShownNoLonger) {
+  Scene scene;
+  scene.open();
+  database::Database& database = *scene.database;
+  addFault(database, {1});
+  const std::u16string_view columns[] = {u"Count"};
+  const auto rows = [&] {
+    return database
+        .openRowList(
+            u"SELECT * FROM FaultDisplay WHERE ID = 1 Order by [Date] Desc, [Count] Desc, [Fault] Desc, "
+            u"[Alarm] Desc, [CPU] Desc, [Description] Desc",
+            columns)
+        ->size();
+  };
+  EXPECT_EQ(rows(), 1U);
+  database.beginBatch();
+  addFault(database, {1, u"02"});
+  EXPECT_EQ(rows(), 2U);
+  failing::failFileAfter(0, true);
+  EXPECT_NE(numberOfError([&] { database.endBatch(); }), 0);
+  failing::failFileAfter(-1, false);
+  EXPECT_EQ(rows(), 1U);
+  addFault(database, {1, u"03"});
+  EXPECT_EQ(rows(), 2U);
+}
+
 // Whoever is not root is so in a world of his own.
 bool unshareMounts() {
   if (unshare(CLONE_NEWNS) == 0) return true;

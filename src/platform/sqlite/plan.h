@@ -9,7 +9,7 @@
 
 #include "platform/sqlite/connection.h"
 #include "platform/sqlite/fault_index.h"
-#include "platform/sqlite/jet.h"
+#include "platform/jet.h"
 
 namespace vordane::sqlite {
 

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "platform/database.h"
-#include "platform/sqlite/jet.h"
+#include "platform/jet.h"
 
 namespace vordane::sqlite {
 
