@@ -4,6 +4,7 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <string>
 
 #include "platform/sqlite/errors.h"
@@ -61,20 +62,22 @@ bool callsFunction(std::string_view sql) {
 
 using Refuses = bool (*)(std::string_view text);
 
+struct Finalizer {
+  void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+};
+
 // Whether one of the texts that a statement gives is to be refused; without `refuses` each of them is.
 bool anyRefused(sqlite3* handle, const char* sql, Refuses refuses) {
-  struct Looking {
-    Refuses refuses;
-    bool found = false;
-  } looking{refuses};
-  const auto look = [](void* self, int, char** values, char**) {
-    auto& state = *static_cast<Looking*>(self);
-    state.found |= state.refuses == nullptr || (values[0] != nullptr && state.refuses(values[0]));
-    return 0;
-  };
-  if (sqlite3_exec(handle, sql, look, &looking, nullptr) != SQLITE_OK)
-    failWith(sqlite3_extended_errcode(handle));
-  return looking.found;
+  sqlite3_stmt* prepared = nullptr;
+  int result = sqlite3_prepare_v2(handle, sql, -1, &prepared, nullptr);
+  const std::unique_ptr<sqlite3_stmt, Finalizer> statement(prepared);
+  if (result == SQLITE_OK) result = sqlite3_step(prepared);
+  for (; result == SQLITE_ROW; result = sqlite3_step(prepared)) {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(prepared, 0));
+    if (refuses == nullptr || (text != nullptr && refuses(text))) return true;
+  }
+  if (result != SQLITE_DONE) failWith(sqlite3_extended_errcode(handle));
+  return false;
 }
 
 struct Look {
