@@ -18,7 +18,8 @@ struct Installation {
 // The five-character version text taken from the running directory, or "NONE".
 std::u16string GetSuiteVersion(const Installation& installation, std::u16string_view product);
 
-// An upper-case directory ending in "\". Never fails: missing settings fall back to the running directory.
+// A directory ending in "\", upper-case but for letters whose capital names another directory. Never fails:
+// missing settings fall back to the running directory.
 std::u16string GetInstallPath(const Installation& installation, std::u16string_view product,
                               std::u16string_view item);
 
