@@ -2,6 +2,7 @@
 
 #include <array>
 #include <optional>
+#include <utility>
 
 #include "text/text.h"
 
@@ -101,6 +102,14 @@ std::u16string GetInstallPath(const Installation& installation, std::u16string_v
   for (const FixedItem& fixed : fixedItems)
     if (fixed.item == wanted) return text::toUpperPath(fixedDirectory(lookup, fixed));
   return text::toUpperPath(productDirectory(lookup, wanted));
+}
+
+std::u16string SuiteDirectory(const Installation& installation) {
+  const Lookup lookup = lookupFor(installation, u"ADDINS");
+  if (auto stored = readSetting(installation, lookup.application, lookup.section, u"InstallPath"))
+    return std::move(*stored);
+  const std::u16string& running = installation.runningDirectory;
+  return lookup.section == none ? running : running.substr(0, running.rfind(u'\\'));
 }
 
 bool RegisterVersion(const Installation& installation, database::Engine& engine, std::u16string_view product,

@@ -23,6 +23,11 @@ std::u16string GetSuiteVersion(const Installation& installation, std::u16string_
 std::u16string GetInstallPath(const Installation& installation, std::u16string_view product,
                               std::u16string_view item);
 
+// The suite's install directory of the running version: the one that the settings name, else the one above
+// the add-ins that the program runs in. Outside a suite, and without a setting, it is the program's own
+// directory.
+std::u16string SuiteDirectory(const Installation& installation);
+
 // Writes `version` into the row of Register.mdb whose AppName is `application`. True when done, also when
 // there is no such row; false when the database or the table is missing.
 bool RegisterVersion(const Installation& installation, database::Engine& engine, std::u16string_view product,

@@ -109,6 +109,14 @@ TEST_F(InstallPaths, StoredNoneIsAbsentAndStoredEmptyIsFound) {
   EXPECT_EQ(path(u"Addins", u"Database"), u"ADDINS\\DATABASE\\");
 }
 
+TEST_F(InstallPaths, TheSuitesDirectoryIsThatOfTheRunningVersion) {
+  EXPECT_EQ(comRegQuil32::SuiteDirectory(installation), u"D:\\QUILMAR32\\30000");
+  settings.write(u"QUILMAR32", u"30000", u"InstallPath", u"E:\\q\\");
+  EXPECT_EQ(comRegQuil32::SuiteDirectory(installation), u"E:\\q\\");
+  installation.runningDirectory = u"C:\\Tools\\Vordane";
+  EXPECT_EQ(comRegQuil32::SuiteDirectory(installation), u"C:\\Tools\\Vordane");
+}
+
 // A capital may name another directory: the file system keeps these letters apart from their capitals.
 TEST_F(InstallPaths, LettersWithoutACapitalInFileSystemsStayAsTheyAre) {
   installation.runningDirectory = u"C:\\Yazılım µ\\Quilmar32\\30000\\Addins";
