@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/access/access_file.h"
+#include "platform/file_moves.h"
 
 namespace vordane::tools {
 
@@ -28,6 +29,9 @@ struct ImportedFile {
 // first; only when that has worked for every one of them does each take its place, its Access file kept under
 // the name with ".access" behind it. Throws with nothing changed when any of them can't be brought over, also
 // when Access has one open (its lock file, ".ldb", stands beside it).
-std::vector<ImportedFile> importSuite(const std::filesystem::path& directory, const AccessReading& read);
+// A file that another program holds for a moment (a scanner that looks into the new one) is waited for with
+// `pause`, as platform::moveFile does.
+std::vector<ImportedFile> importSuite(const std::filesystem::path& directory, const AccessReading& read,
+                                      const platform::Pause& pause = platform::sleepFor);
 
 }  // namespace vordane::tools

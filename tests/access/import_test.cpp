@@ -12,6 +12,7 @@
 #include <random>
 
 #include "access/recording_visitor.h"
+#include "lines.h"
 #include "places.h"
 #include "platform/access/access_child.h"
 #include "platform/engine_choice.h"
@@ -242,7 +243,7 @@ TEST_F(ImportSuite, AFileThatCannotTakeItsPlaceTakesTheOthersBack) {
     read(path, visitor);
     if (path.filename() == "Schedule.mdb") fs::remove(shared("Register.mdb.import"));
   };
-  EXPECT_THROW(importSuite(suite, blocked), fs::filesystem_error);
+  EXPECT_THROW(importSuite(suite, blocked), ToolError);
   EXPECT_EQ(everything(), before);
 }
 
@@ -289,7 +290,7 @@ TEST_F(ImportSuite, AFullDiskLeavesAllAsItWas) {
   };
   EXPECT_THROW(importSuite(suite, full), database::DatabaseError);
   EXPECT_EQ(everything(), before);
-  EXPECT_THROW(importSuite(suite / "missing", read), fs::filesystem_error);
+  EXPECT_THROW(importSuite(suite / "missing", read), ToolError);
 }
 
 // Random damage: an error or a result as whole as the file says, and the file itself as it was. The number of
