@@ -6,6 +6,7 @@
 #include <span>
 #include <utility>
 
+#include "database_files.h"
 #include "lines.h"
 #include "platform/engine_choice.h"
 #include "platform/sqlite/schema.h"
@@ -167,10 +168,10 @@ void requireUnused(const fs::path& path) {
   for (const char* ending : {".ldb", ".LDB"}) {
     const fs::path lock = fs::path(path).replace_extension(ending);
     if (fs::exists(lock))
-      throw access::AccessError(text::toUtf8(path.u16string()) +
-                                " is in use: " + text::toUtf8(lock.filename().u16string()) +
-                                " stands beside it. End the programs that use it (or, if none does, delete "
-                                "that file), then import again");
+      throw ToolError(text::toUtf8(path.u16string()) +
+                      " is in use: " + text::toUtf8(lock.filename().u16string()) +
+                      " stands beside it. End the programs that use it (or, if none does, delete "
+                      "that file), then import again");
   }
 }
 
@@ -197,8 +198,27 @@ void requireTables(const fs::path& path, const std::vector<ImportedTable>& table
       return text::equalIgnoringCase(text::fromUtf8(table.name), needed.name);
     });
     if (!found)
-      throw access::AccessError(text::toUtf8(path.u16string()) + " is damaged: it has no table " +
+      throw access::AccessError(text::toUtf8(path.u16string()) + ": it is damaged, since it has no table " +
                                 text::toUtf8(needed.name));
+  }
+}
+
+// Reads an Access file and writes what it holds beside it.
+std::vector<ImportedTable> bringOver(const fs::path& path, const fs::path& written,
+                                     const AccessReading& read) {
+  const std::string name = text::toUtf8(path.u16string());
+  try {
+    Import import(written);
+    read(path, import);
+    std::vector<ImportedTable> tables = import.finish();
+    requireTables(path, tables);
+    return tables;
+  } catch (const access::AccessError& failure) {
+    const std::string reason = failure.what();
+    throw ToolError((reason.starts_with(name) ? "" : name + ": ") + reason +
+                    ". Nothing was changed. Let Access repair the file, then import again");
+  } catch (const database::DatabaseError& failure) {
+    throw ToolError(failureText(name, failure) + ". Nothing was changed");
   }
 }
 
@@ -212,10 +232,7 @@ std::vector<ImportedFile> importSuite(const fs::path& directory, const AccessRea
     requireUnused(path);
     const fs::path written = withEnding(path, importEnding);
     pending.add(written);
-    Import import(written);
-    read(path, import);
-    files.push_back({path, {}, import.finish()});
-    requireTables(path, files.back().tables);
+    files.push_back({path, {}, bringOver(path, written, read)});
   }
   takePlaces(files, pause);
   return files;
