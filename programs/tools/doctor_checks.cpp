@@ -271,9 +271,11 @@ bool canStart(const std::string& progId, const std::optional<RegisteredClass>& f
 void examineGuard(const std::string& progId, const RegisteredClass& found, const Workstation& workstation,
                   Findings& findings) {
   if (!found.forEveryUser) return;
+  std::string holes;
   for (const guard::Finding& hole : workstation.whoMayReplace(toText(programOf(found.command))))
-    findings.push_back({Weight::unsafe, progId + " is registered for every user, but " +
-                                            text::toUtf8(guard::sentence(hole)) +
+    holes += (holes.empty() ? "" : ", ") + text::toUtf8(guard::sentence(hole));
+  if (!holes.empty())
+    findings.push_back({Weight::unsafe, progId + " is registered for every user, but " + holes +
                                             ": let administrators alone write there"});
 }
 
