@@ -6,6 +6,7 @@
 // shellapi.h needs windows.h before it.
 #include <shellapi.h>
 
+#include "platform/windows/services/console_output.h"
 #include "text/utf8.h"
 
 namespace vordane::tools {
@@ -32,6 +33,14 @@ Arguments programArguments(int, char**) {
 void useBinaryStandardStreams() {
   _setmode(_fileno(stdin), _O_BINARY);
   _setmode(_fileno(stdout), _O_BINARY);
+}
+
+bool isTerminal(std::FILE* file) {
+  return windows::isConsole(file);
+}
+
+void writeTerminal(std::FILE* file, std::string_view utf8) {
+  windows::writeConsole(file, utf8);
 }
 
 File openForReading(const std::string& path) {
