@@ -1,3 +1,4 @@
+#include <exception>
 #include <string>
 
 #include "platform/windows/com/owned.h"
@@ -20,7 +21,11 @@ Shown* newest = nullptr;
 void CALLBACK helpWanted(LPHELPINFO) {
   if (newest == nullptr || newest->request->helpFile.empty()) return;
   const std::u16string& file = newest->request->helpFile;
-  if (!openDocument(file) && *newest->helpMissing) (*newest->helpMissing)(file);
+  try {
+    if (!openDocument(file) && *newest->helpMissing) (*newest->helpMissing)(file);
+  } catch (const std::exception&) {
+    // The box that asked stays, without its help.
+  }
 }
 
 }  // namespace
