@@ -51,6 +51,7 @@ class WatchedDatabase : public database::Database {
     progress = callback;
     inner_->setProgress(std::move(callback));
   }
+  bool isOnNetwork() const override { return inner_->isOnNetwork(); }
   void close() noexcept override {
     if (closed) closed();
     inner_->close();
