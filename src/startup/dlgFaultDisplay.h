@@ -33,7 +33,7 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   dlgFaultDisplay(const dlgFaultDisplay&) = delete;
   dlgFaultDisplay& operator=(const dlgFaultDisplay&) = delete;
 
-  // While one of these exists a call is under way: timer actions wait, and databases closed meanwhile are
+  // While one of these exists a call is under way: timer actions wait, and what an unload closes meanwhile is
   // let go of behind the last one. Every public procedure below makes its own.
   class Entry {
    public:
@@ -48,13 +48,15 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   Entry enter() { return Entry(*this); }
 
   // --- life
-  void Load();    // once; a failure leaves the load-in-progress flag set
-  void Unload();  // once: closes the databases, tells the host by the run mode
+  void Load();  // once; a failure leaves the load-in-progress flag set
+  void
+  Unload();  // once: closes the databases, tells the host by the run mode; every step runs, nothing is thrown
   bool alive() override { return !ending_; }
   std::int16_t IncrementCount() { return ++userCount_; }
   std::int16_t DecrementCount() { return --userCount_; }
-  // One user less; the last one saves the place, lets the host go, unloads and ends the process.
-  void userReleased();
+  // One user less; the last one saves the place, lets the host go, unloads and ends the process. A step that
+  // fails hinders none of the others.
+  void userReleased() noexcept;
   bool CheckLoadError() const { return loading_; }
   bool loaded() const { return loaded_; }
 
@@ -106,6 +108,8 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   void listTaken(const store::ListAccount& account) override;
   void exchangeShown(std::u16string_view name, std::u16string_view received) override;
   bool showOwnNotice() override;
+  // The next action, taken by one tick of the timer; a code that stands for none does nothing.
+  void actionFollows(std::int16_t action) override;
   bool AcknowledgeFaultList() override { return session_.AcknowledgeFaultList(); }
   void endAction() override;
 
@@ -134,17 +138,19 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   void setInputEnabled(bool on) override { view().setInputEnabled(on); }
   int askBeforeRequest() override;
   bool logResponse(automation::Object& response) override;
-  void actionFollows(std::int16_t action) override;
   void answerFailed() override;
   void waitingFor(std::int16_t kind) override;
   void requestFailed(pbx::Failure failure, std::int32_t errorCode) override;
 
   // load and unload
   void loadSteps();
+  bool showExchanges();
+  void usePBXName(const std::u16string& name, store::FaultStore::Report report);
   void openFaultDatabase();
   void localise();
   void beginEnding();  // from here on nothing reaches window or database; the classes are withdrawn
   void closeDatabases();
+  void close(std::unique_ptr<database::Database>& database);
   void notifyUnload();
   void endProcess();
   bool hostMode() { return !state().StandAlone; }
@@ -187,7 +193,9 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   startup::Application& application_;
   window::Form model_;
   std::unique_ptr<database::Database> faultDatabase_;
-  std::vector<std::unique_ptr<database::Database>> retired_;  // closed while a call was under way
+  // What an unload has let go of while a call was under way, which may still name it.
+  std::vector<std::unique_ptr<database::Database>> retired_;
+  std::unique_ptr<cFaultDisplay> retiredDecoder_;
   FaultTextTable faultTexts_;
   bool decoderWide_ = true;
   std::unique_ptr<cFaultDisplay> decoder_;
@@ -205,7 +213,7 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   std::int16_t resultCode_ = 0;  // told at its end
   bool cancelled_ = false;       // the creation of a job was given up
   bool loaded_ = false, loading_ = false;
-  bool ending_ = false, unloaded_ = false, endingTold_ = false;
+  bool ending_ = false, unloaded_ = false, endingTold_ = false, processEnded_ = false;
   bool timerEnabled_ = false;
   // What the window says of the conversation; empty where there is nothing to say.
   std::u16string waiting_, failure_;                    // in or above the grid: the wait goes first

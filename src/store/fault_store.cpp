@@ -87,18 +87,23 @@ void FaultStore::emptyDisplay() {
   showButtonStates();
 }
 
-void FaultStore::FillExchangeList() {
+bool FaultStore::FillExchangeList(Report report) {
   database::Database* database = openDatabase();
-  if (database == nullptr) return;
-  trapDisplay(Report::box, [&] { fillList(*database); });
+  if (database == nullptr) return false;
+  bool filled = false;
+  trapDisplay(report, [&] {
+    fillList(*database);
+    filled = true;
+  });
+  return filled;
 }
 
-void FaultStore::setExchangeName(std::u16string_view name) {
+void FaultStore::setExchangeName(std::u16string_view name, Report report) {
   registeredName_ = name;
   exchangeId_ = 0;
   database::Database* database = openDatabase();
   if (database == nullptr) return showNoDatabase();
-  const bool here = trapDisplay(Report::box, [&] {
+  const bool here = trapDisplay(report, [&] {
     exchangeId_ = idOfName(*database, name);
     fillList(*database);
     SelectExchange(*database);

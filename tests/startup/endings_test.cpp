@@ -1,4 +1,7 @@
 // How it ends: the last release, the unload in each run mode, and what comes too late.
+#include <stdexcept>
+
+#include "fakes/watched_database.h"
 #include "startup/story.h"
 
 namespace vordane::startup {
@@ -41,6 +44,66 @@ TEST_F(Endings, TheDatabasesAreClosedBeforeTheHostIsTold) {
   EXPECT_FALSE(open) << "the host may copy or move the file at once";
 }
 
+TEST_F(Endings, TextsAndFaultsAreClosedBeforeTheHostIsTold) {
+  engine.between = [this](std::u16string_view path, auto file) -> std::unique_ptr<database::Database> {
+    auto watched = std::make_unique<fakes::WatchedDatabase>(std::move(file));
+    if (path.ends_with(u"VORDANE.LNG")) watched->closed = [this] { trace.push_back("(texts closed)"); };
+    if (path.ends_with(u"FAULT.MDB")) watched->closed = [this] { trace.push_back("(faults closed)"); };
+    return watched;
+  };
+  startWithHost();
+  callInteger(u"CancelSchedule");
+  EXPECT_THAT(taken(), ElementsAre("(stops serving)", "(window gone)", "(texts closed)", "(faults closed)",
+                                   "UnloadChild 7&"));
+  EXPECT_EQ(application->LangDB, nullptr);
+  EXPECT_EQ(form().faultDatabase(), nullptr);
+  EXPECT_NE(application->CommonLangDB, nullptr) << "the common texts live as long as the process";
+}
+
+TEST_F(Endings, TheDecoderGoesWithTheUnload) {
+  startWithHost();
+  const auto line = [&] { return form().faultDecoder(true).GetFaultMessage(u"15 MJ MP000", u"00", u""); };
+  const std::u16string before = line();
+  for (auto& text : state.Messages) text += u"!";
+  EXPECT_EQ(line(), before) << "its texts are read once";
+  callInteger(u"CancelSchedule");
+  EXPECT_NE(line(), before);
+}
+
+TEST_F(Endings, AStepThatFailsHindersNoOther) {
+  startWithHost();
+  runSchedule(u"1");
+  tick();
+  tick();
+  taken();
+  view.duringDetach = [&] {
+    files.outOfMemory = true;
+    throw std::runtime_error("the window can't go");
+  };
+  for (const char16_t* member : {u"REGComData", u"EndProcess", u"UnloadChild"})
+    host->meanwhile[member] = [] { throw std::runtime_error("the host fails"); };
+  callInteger(u"CancelSchedule");
+  EXPECT_THAT(taken(), ElementsAre("CancelRequest PBX-1& L1&", "(stops serving)", "(window gone)",
+                                   "EndProcess 1& 20000&", "UnloadChild 7&"));
+  EXPECT_EQ(application->LangDB, nullptr);
+  layer.reset();
+  EXPECT_THAT(taken(), ElementsAre("REGComData VORDANE MOVE& 5100,2400&", "(process ends)"));
+}
+
+TEST_F(Endings, TheLastReleaseInARunGoesOnWhateverFails) {
+  startWithHost();
+  runSchedule(u"1");
+  tick();
+  tick();
+  taken();
+  files.outOfMemory = true;
+  view.duringDetach = [] { throw std::runtime_error("the window can't go"); };
+  host->meanwhile[u"REGComData"] = [] { throw std::runtime_error("the host fails"); };
+  layer.reset();
+  EXPECT_THAT(taken(), ElementsAre("(stops serving)", "REGComData VORDANE MOVE& 5100,2400&", "(window gone)",
+                                   "(process ends)"));
+}
+
 TEST_F(Endings, AfterTheUnloadTheLayerAnswersAndDoesNothing) {
   startWithHost();
   view.place = {30, 40};
@@ -77,6 +140,7 @@ TEST_F(Endings, AnUnloadDuringARunReportsItsStepBeforeTheUnload) {
   EXPECT_THAT(taken(), ElementsAre("CancelRequest PBX-1& L1&", "(stops serving)", "(window gone)",
                                    "EndProcess 1& 20000&", "UnloadChild 7&"));
   EXPECT_EQ(log().back(), "...");
+  EXPECT_EQ(state.schedule.RunState, 0);
 }
 
 TEST_F(Endings, TheLateAnswerOfACancelledRequestOnlyLogsOut) {

@@ -190,6 +190,24 @@ TEST_F(Status, ADisplayThatFailedIsNotCalledEmpty) {
   EXPECT_EQ(view.notice, u"") << "the rows are back";
 }
 
+TEST_F(Status, AStartByHandThatCouldNotReadGoesOnWhenItCan) {
+  auto server = std::make_shared<fakes::MemoryExchange>(trace);
+  creator.server = server;
+  failing = store::exchangesNewestFirst;
+  startStandAlone(u"PBX-1");
+  EXPECT_THAT(taken(), ElementsAre("Box 102 disk full"));
+  EXPECT_EQ(view.notice, u"database: disk full");
+  failing = {};
+  pressAndTick(0);
+  server->answer(0, oneFault());
+  tick();
+  server->answerLamps(u"00");
+  tick();
+  ASSERT_NE(view.rows, nullptr);
+  EXPECT_EQ(view.rows->size(), 1U);
+  EXPECT_EQ(view.notice, u"");
+}
+
 TEST_F(Status, ARegistrationMeanwhileLeavesTheWaitAsItIs) {
   startWithHost();
   pressAndTick(0);

@@ -41,7 +41,7 @@ class StoryProcess : public platform::Process {
     serving = false;
   }
   void end() override {
-    if (!ended) trace_.push_back("(process ends)");
+    trace_.push_back("(process ends)");
     ended = true;
   }
   [[noreturn]] void endAtOnce() override { throw ProcessEnded{}; }
@@ -77,8 +77,9 @@ class StoryView : public fakes::MemoryView {
     trace_.push_back("(window gone)");
     MemoryView::detach();
     shown = false;
+    if (duringDetach) duringDetach();
   }
-  std::function<void()> duringMenu;
+  std::function<void()> duringMenu, duringDetach;
   bool tracePointer = true;
 
  private:

@@ -3,6 +3,7 @@
 #include <objidl.h>
 
 #include <array>
+#include <exception>
 
 #include "platform/automation.h"
 #include "platform/call_filter.h"
@@ -35,12 +36,22 @@ class Apartment::Filter final : public Counted<IMessageFilter> {
     return SERVERCALL_ISHANDLED;
   }
 
+  // A question that can't be put is answered with giving up.
   DWORD STDMETHODCALLTYPE RetryRejectedCall(HTASK, DWORD elapsed, DWORD) override {
-    return static_cast<DWORD>(rules.rejected(elapsed));
+    constexpr auto giveUp = static_cast<DWORD>(-1);
+    try {
+      return static_cast<DWORD>(rules.rejected(elapsed));
+    } catch (const std::exception&) {
+      return giveUp;
+    }
   }
 
   DWORD STDMETHODCALLTYPE MessagePending(HTASK, DWORD elapsed, DWORD) override {
-    rules.waiting(GetTickCount(), elapsed, inputWaits());
+    try {
+      rules.waiting(GetTickCount(), elapsed, inputWaits());
+    } catch (const std::exception&) {
+      // The call goes on whatever is told.
+    }
     return PENDINGMSG_WAITDEFPROCESS;
   }
 
@@ -81,10 +92,23 @@ void Apartment::setCallTimes(const platform::CallTimes& times) {
   if (rules_ != nullptr) rules_->rules.setTimes(times);
 }
 
+namespace {
+
+// A message whose translation fails is served as it is.
+bool translated(const std::function<bool(MSG&)>& translate, MSG& message) {
+  try {
+    return translate && translate(message);
+  } catch (const std::exception&) {
+    return false;
+  }
+}
+
+}  // namespace
+
 int runMessageLoop(const std::function<bool(MSG&)>& translate) {
   MSG message{};
   while (GetMessageW(&message, nullptr, 0, 0) > 0) {
-    if (translate && translate(message)) continue;
+    if (translated(translate, message)) continue;
     TranslateMessage(&message);
     DispatchMessageW(&message);
   }

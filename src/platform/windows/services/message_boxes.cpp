@@ -1,3 +1,4 @@
+#include <exception>
 #include <string>
 
 #include "platform/windows/com/owned.h"
@@ -19,7 +20,11 @@ Shown* newest = nullptr;
 
 void CALLBACK askForHelp(LPHELPINFO) {
   if (newest == nullptr || newest->request->helpFile.empty()) return;
-  if (*newest->helpWanted) (*newest->helpWanted)(newest->request->helpFile);
+  try {
+    if (*newest->helpWanted) (*newest->helpWanted)(newest->request->helpFile);
+  } catch (const std::exception&) {
+    // The box that asked stays, without its help.
+  }
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <exception>
 
 namespace vordane::window::win32 {
 namespace {
@@ -25,8 +26,12 @@ long into(long start, long length, long areaStart, long areaEnd) {
 BOOL CALLBACK addWorkArea(HMONITOR monitor, HDC, LPRECT, LPARAM list) {
   MONITORINFO info{};
   info.cbSize = sizeof info;
-  if (GetMonitorInfoW(monitor, &info)) reinterpret_cast<std::vector<RECT>*>(list)->push_back(info.rcWork);
-  return TRUE;
+  try {
+    if (GetMonitorInfoW(monitor, &info)) reinterpret_cast<std::vector<RECT>*>(list)->push_back(info.rcWork);
+    return TRUE;
+  } catch (const std::exception&) {
+    return FALSE;  // the screens found so far have to do
+  }
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "platform/windows/window/watch.h"
 
+#include <exception>
 #include <utility>
 
 namespace vordane::window::win32 {
@@ -23,9 +24,15 @@ void Watch::stop() {
 
 LRESULT CALLBACK Watch::procedure(HWND window, UINT message, WPARAM wide, LPARAM low) {
   auto& watch = *reinterpret_cast<Watch*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-  if (message != WM_NCDESTROY) return watch.hear_(message, wide, low);
-  watch.stop();
-  return watch.pass(message, wide, low);
+  if (message == WM_NCDESTROY) {
+    watch.stop();
+    return watch.pass(message, wide, low);
+  }
+  try {
+    return watch.hear_(message, wide, low);
+  } catch (const std::exception&) {
+    return watch.pass(message, wide, low);
+  }
 }
 
 }  // namespace vordane::window::win32
