@@ -281,6 +281,7 @@ class Story : public testing::Test {
         {message::reasonNoExchange, u"no exchange"},
         {message::runOtherKind, u"another kind"},
         {message::statusTextsIncomplete, u"incomplete: {1}"},
+        {message::statusNetworkDrive, u"on the network"},
     };
     std::vector<fakes::Row> rows;
     for (std::size_t i = 0; i < message::count; ++i) {

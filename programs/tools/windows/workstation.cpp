@@ -38,8 +38,8 @@ struct ExaminingEngine : database::Engine {
   }
   com::Apartment apartment;
   windows::ComObjectCreator creator;
-  std::unique_ptr<database::Engine> engine =
-      database::makeEngineChoice(dao::makeEngine(creator), sqlite::makeEngine());
+  std::unique_ptr<database::Engine> engine = database::makeEngineChoice(
+      dao::makeEngine(creator), sqlite::makeEngine({windows::isOnNetworkDrive}), {windows::isHeldByOthers});
 };
 
 }  // namespace

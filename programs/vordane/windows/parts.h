@@ -31,8 +31,8 @@ struct Parts {
   windows::SystemFiles files;
   windows::ComObjectCreator creator;
   Pictures pictures;
-  std::unique_ptr<database::Engine> engine =
-      database::makeEngineChoice(dao::makeEngine(creator), sqlite::makeEngine());
+  std::unique_ptr<database::Engine> engine = database::makeEngineChoice(
+      dao::makeEngine(creator), sqlite::makeEngine({windows::isOnNetworkDrive}), {windows::isHeldByOthers});
 
   SharedState state;
   MessageTexts viewTexts{state};

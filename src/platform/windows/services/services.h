@@ -63,6 +63,12 @@ std::u16string executablePath();
 // False in a service's session, where a window or box would never be seen.
 bool stationIsVisible();
 
+// True for a file on a share or on a drive that stands for one.
+bool isOnNetworkDrive(std::u16string_view path);
+
+// True when somebody else has opened a file for himself alone, or keeps its beginning locked.
+bool isHeldByOthers(std::u16string_view path);
+
 // Opens a document with what the workstation has for it; false when there is nothing.
 bool openDocument(std::u16string_view path);
 
