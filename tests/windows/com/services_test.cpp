@@ -7,6 +7,7 @@
 #include "platform/engine_choice.h"
 #include "platform/windows/com/owned.h"
 #include "platform/windows/services/services.h"
+#include "text/text.h"
 
 namespace vordane::windows {
 namespace {
@@ -54,6 +55,22 @@ TEST(SystemClock, GivesTheRegionalShortForms) {
   EXPECT_NE(text.find(u":05:08"), std::u16string::npos);
   EXPECT_GE(clock.secondsSinceMidnight(), 0.0);
   EXPECT_LT(clock.secondsSinceMidnight(), 86400.0);
+}
+
+// The program upper-cases the paths that it makes of the settings: each capital must name the same file.
+TEST(SystemFiles, FindsAFileByTheCapitalsOfItsPath) {
+  SystemFiles files;
+  int letters = 0;
+  for (char32_t code = 1; code <= 0xFFFF; ++code) {
+    const auto letter = static_cast<char16_t>(code);
+    if (text::upperInPath(letter) == letter) continue;
+    ++letters;
+    const std::u16string path = std::u16string(u"vordane-") + letter + u".tmp";
+    ASSERT_TRUE(files.append(path, "x"));
+    EXPECT_TRUE(files.exists(text::toUpperPath(path))) << code;
+    DeleteFileW(com::wide(path.c_str()));
+  }
+  EXPECT_GT(letters, 800);
 }
 
 TEST(SystemFiles, TellWhoHoldsAFileForHimself) {
