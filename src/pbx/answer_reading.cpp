@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <new>
 
 namespace vordane::pbx {
 namespace {
@@ -11,12 +12,16 @@ namespace {
 constexpr std::uint32_t goneCodes[] = {0x800706BA, 0x800706BE, 0x80010108,
                                        0x80010007, 0x80010012, 0x800401FD};
 
+// E_OUTOFMEMORY: what a call says whose result found no room on its way here.
+constexpr std::uint32_t noRoom = 0x8007000E;
+
 template <class Read>
 auto attempt(const Read& read) -> std::optional<decltype(read())> {
   try {
     return read();
   } catch (const automation::AutomationError& failure) {
     if (isServerGone(failure.code())) throw ServerGone{};
+    if (static_cast<std::uint32_t>(failure.code()) == noRoom) throw std::bad_alloc();
     return std::nullopt;
   }
 }

@@ -22,7 +22,8 @@ bool isServerGone(std::int32_t code);
 inline constexpr std::size_t longestText = 65'536;                // characters; what is longer is cut
 inline constexpr std::size_t largestAnswer = 256 * 1024 * 1024U;  // bytes that the copied entries take
 
-// Nothing for a value that can't be read or converted; ServerGone is thrown through. Texts come cut.
+// Nothing for a value that can't be read or converted. ServerGone and bad_alloc are thrown through, the
+// latter also for a call that failed for want of memory. Texts come cut.
 std::optional<std::u16string> readText(automation::Object& record, std::u16string_view member);
 std::optional<std::int32_t> readLong(automation::Object& record, std::u16string_view member);
 // What became of a copy.

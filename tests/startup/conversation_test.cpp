@@ -610,6 +610,22 @@ TEST_F(Conversation, AnAnswerOfMoreThan256MegabytesHasFailed) {
   EXPECT_EQ(view.timer, 100) << "one entry less is taken in";
 }
 
+// An empty text in place of one that was there would be stored and acknowledged.
+TEST_F(Conversation, AnEntryThatFoundNoRoomOnItsWayFailsTheAnswer) {
+  startWithHost();
+  pressAndTick(0);
+  const auto answer = exchange().record(0, oneFault());
+  answer->broken = [](std::u16string_view member) { return member == u"FirstData"; };
+  answer->brokenWith = static_cast<std::int32_t>(0x8007000E);
+  exchange().callBack(answer);
+  EXPECT_EQ(view.notice, u"PBX-1: no memory");
+  EXPECT_EQ(form().response().Count(), 0);
+  EXPECT_EQ(view.timer, 0);
+  EXPECT_FALSE(state.busy);
+  fetch();
+  EXPECT_EQ(view.rows->size(), 1U);
+}
+
 // Memory that runs out behind the conversation must not leave the add-in busy for good.
 TEST_F(Conversation, AnActionThatBreaksOffIsOver) {
   startWithHost();
