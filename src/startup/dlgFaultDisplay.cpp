@@ -196,7 +196,7 @@ void dlgFaultDisplay::notifyUnload() {
     return;
   }
   if (mode == RunMode::scheduledRun) {
-    if (state().schedule.LogEnabled) attempt([&] { runLogLine(u"..."); });
+    attempt([&] { closeRunLog(); });
     state().schedule.RunState = 0;
     callHost(u"EndProcess", {byRef(key_), byRef(state().stepCode)});
   }
@@ -357,8 +357,13 @@ int dlgFaultDisplay::askBeforeRequest() {
   return showBox(box::confirmRequest);
 }
 
-bool dlgFaultDisplay::logResponse(automation::Object& response) {
-  return comSchedule::LogResponse(application_.runLog(), response);
+bool dlgFaultDisplay::logResponse(std::optional<std::int32_t> errorCode) {
+  const cListRequest& copy = session_.response();
+  return comSchedule::LogResponse(application_.runLog(), {errorCode, copy.Count(), [&](std::int32_t i) {
+                                                            return comSchedule::LoggedEntry{
+                                                                copy.CMD(i), copy.FirstData(i),
+                                                                copy.SecondData(i), copy.ExtraData(i)};
+                                                          }});
 }
 
 }  // namespace vordane

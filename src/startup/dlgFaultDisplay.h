@@ -105,8 +105,10 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   bool requestWideFaultFields() override { return session_.requestWide(); }
   const cListRequest& response() override { return session_.response(); }
   bool responseTruncated() override { return session_.responseTruncated(); }
+  bool responseCut() override { return session_.responseCut(); }
   void listTaken(const store::ListAccount& account) override;
   void exchangeShown(std::u16string_view name, std::u16string_view received) override;
+  void deletionGivenUp() override;
   bool showOwnNotice() override;
   // The next action, taken by one tick of the timer; a code that stands for none does nothing.
   void actionFollows(std::int16_t action) override;
@@ -123,6 +125,8 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   void whatsThisChosen() override;
   std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t after) override;
   void tick() override;
+  // What a tick does for an action's code; any code that is none does nothing.
+  void dispatch(std::int16_t action);
 
   static constexpr int timerInterval = 100;  // milliseconds
 
@@ -137,7 +141,7 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   void setHourglass(bool on) override { view().setHourglass(on); }
   void setInputEnabled(bool on) override { view().setInputEnabled(on); }
   int askBeforeRequest() override;
-  bool logResponse(automation::Object& response) override;
+  bool logResponse(std::optional<std::int32_t> errorCode) override;
   void answerFailed() override;
   void waitingFor(std::int16_t kind) override;
   void requestFailed(pbx::Failure failure, std::int32_t errorCode) override;
@@ -161,7 +165,9 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
 
   // the timer and its actions
   void enableTimer(std::int16_t nextAction);
-  void dispatch(std::int16_t action);
+  void endBrokenAction(std::int16_t action);
+  bool answerWaits() const;
+  void dropPress();
   bool pressCounts(int action);
   void requestAction();
   void clearAlarmAction();
@@ -188,6 +194,7 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   void Ending();
   void notifyEnding();
   void runLogLine(const std::u16string& text);
+  void closeRunLog();
   std::vector<std::u16string> filePathPieces(const std::u16string& value);
 
   startup::Application& application_;

@@ -46,7 +46,38 @@ void dlgFaultDisplay::tick() {
   const Entry entry(*this);
   timerEnabled_ = false;
   view().stopTimer();
-  dispatch(nextAction_);
+  const std::int16_t action = nextAction_;
+  try {
+    dispatch(action);
+  } catch (...) {
+    endBrokenAction(action);
+    throw;
+  }
+}
+
+// An action that ran out of memory is over all the same: a busy flag that stayed would keep everybody out.
+void dlgFaultDisplay::endBrokenAction(std::int16_t action) {
+  if (!alive()) return;
+  waiting_.clear();
+  const bool converses =
+      action == startup::actionRequest || action == startup::actionReset || pbx::action::isAnswer(action);
+  try {
+    if (converses) showAttemptFailed(messageText(state(), message::reasonNoMemory));
+  } catch (const std::exception&) {
+    // It ends without a word then.
+  }
+  answerFailed();
+}
+
+// The timer stands for an answer that has come, not for a press.
+bool dlgFaultDisplay::answerWaits() const {
+  return timerEnabled_ && pbx::action::isAnswer(nextAction_);
+}
+
+void dlgFaultDisplay::dropPress() {
+  if (!timerEnabled_ || answerWaits()) return;
+  timerEnabled_ = false;
+  view().stopTimer();
 }
 
 void dlgFaultDisplay::dispatch(std::int16_t action) {
@@ -219,6 +250,10 @@ std::u16string dlgFaultDisplay::reasonText(pbx::Failure failure, std::int32_t er
       return fillText(text(message::reasonErrorCode), {text::decimal(errorCode)});
     case Failure::unreadable:
       return text(message::reasonServerGone);
+    case Failure::tooLarge:
+      return text(message::reasonTooLarge);
+    case Failure::noMemory:
+      return text(message::reasonNoMemory);
     case Failure::cancelled:
     case Failure::declined:
       return text(message::reasonCancelled);
@@ -232,6 +267,7 @@ void dlgFaultDisplay::requestFailed(pbx::Failure failure, std::int32_t errorCode
 }
 
 void dlgFaultDisplay::showAttemptFailed(const std::u16string& reason) {
+  waiting_.clear();
   const auto now = clock().regional(clock().now());
   const auto& exchange = session_.requestName();
   const bool acknowledging = state().stepCode == step::alarmStateRequest;
@@ -240,12 +276,16 @@ void dlgFaultDisplay::showAttemptFailed(const std::u16string& reason) {
                                                                          : message::statusAttemptFailed;
   attemptLine_ = fillText(messageText(state(), line), {now, reason, exchange});
   showStatus();
-  waiting_.clear();
   failure_ = fillText(messageText(state(), message::noticeRequestFailed), {exchange, reason});
   showOwnNotice();
   if (state().runMode == RunMode::scheduledRun)
     runLogLine(fillText(messageText(state(), acknowledging ? message::runAckFailed : message::runListFailed),
                         {reason}));
+}
+
+void dlgFaultDisplay::deletionGivenUp() {
+  attemptLine_ = fillText(messageText(state(), message::statusNotDeleted), {clock().regional(clock().now())});
+  showStatus();
 }
 
 // What an answer that came was worth; a good one makes an earlier failure old.

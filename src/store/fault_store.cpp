@@ -134,9 +134,11 @@ void FaultStore::exchangeListClicked() {
 
 void FaultStore::headingClicked(int column) {
   if (column < 0 || column >= headingColumns) throw std::out_of_range("no such column of the fault grid");
-  database::Database* database = openDatabase();
-  if (database == nullptr) return showNoDatabase();
-  if (!trapDisplay(Report::box, [&] { SortFaultGrid(*database, column); })) return;
+  if (database::Database* database = openDatabase())
+    trapDisplay(Report::box, [&] { SortFaultGrid(*database, column); });
+  else
+    showNoDatabase();
+  // Whatever came of the sorting, the next click asks for the other direction.
   bool& ascending = ascending_[static_cast<std::size_t>(column)];
   ascending = !ascending;
 }

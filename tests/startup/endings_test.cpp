@@ -157,6 +157,104 @@ TEST_F(Endings, TheLateAnswerOfACancelledRequestOnlyLogsOut) {
   EXPECT_THAT(taken(), IsEmpty());
 }
 
+TEST_F(Endings, ALateAnswerOfSomebodyElsesLogInIsIgnored) {
+  startWithHost();
+  pressAndTick(0);
+  const auto answer = exchange().record(0, oneFault());
+  callInteger(u"CancelSchedule");
+  taken();
+  answer->loginId = u"L2"s;
+  exchange().callBack(answer);
+  EXPECT_THAT(taken(), IsEmpty());
+  answer->loginId = u"L1"s;
+  exchange().callBack(answer);
+  EXPECT_THAT(taken(), ElementsAre("LogOut PBX-1& L1&", "TurnOffFlow"));
+}
+
+TEST_F(Endings, ARunIsOverBeforeTheHostHearsOfItsUnload) {
+  startWithHost();
+  runSchedule(u"1");
+  bool told = false;
+  host->meanwhile[u"EndProcess"] = [&] {
+    told = true;
+    EXPECT_EQ(state.runMode, RunMode::interactive);
+    EXPECT_EQ(state.schedule.RunState, 0);
+    EXPECT_THAT(log(), ElementsAre("cancelled", "..."));
+  };
+  callInteger(u"CancelSchedule");
+  EXPECT_TRUE(told);
+}
+
+// On a station without a person a call that lasts is noted in the log of the run that waits for it.
+TEST_F(Endings, NothingStandsBehindTheEndMark) {
+  program.interactive = false;
+  for (const bool cancelled : {false, true}) {
+    SCOPED_TRACE(cancelled);
+    startWithHost(cancelled ? u"PBX-1" : u"");
+    runSchedule(u"1");
+    host->meanwhile[u"EndProcess"] = [&] { application->tellPending(); };
+    host->meanwhile[u"UnloadChild"] = [&] { application->askWhileBusy(); };
+    if (cancelled)
+      callInteger(u"CancelSchedule");
+    else
+      tick();
+    EXPECT_EQ(log().back(), "...");
+    layer.reset();
+    files.content.clear();
+  }
+}
+
+TEST_F(Endings, AHostThatCancelsWhileItHearsOfAnEndIsToldOnce) {
+  startWithHost(u"");
+  runSchedule(u"1");
+  taken();
+  host->meanwhile[u"EndProcess"] = [&] { callInteger(u"CancelSchedule"); };
+  tick();
+  EXPECT_THAT(taken(),
+              ElementsAre("(stops serving)", "EndProcess 1& 10021&", "(window gone)", "UnloadChild 7&"));
+  layer.reset();
+
+  process.serving = true;
+  startWithHost();
+  createSchedule();
+  host->meanwhile[u"EndCreateSchedule"] = [&] { callInteger(u"CancelSchedule"); };
+  pressAndTick(0);
+  EXPECT_THAT(taken(),
+              ElementsAre("(stops serving)", "EndCreateSchedule False&", "UnloadChild2 7&", "(window gone)"));
+}
+
+TEST_F(Endings, AHostThatLetsGoWhileItHearsOfAnEndIsToldNoMore) {
+  startWithHost(u"");
+  runSchedule(u"1");
+  taken();
+  host->meanwhile[u"EndProcess"] = [&] { layer.reset(); };
+  tick();
+  EXPECT_THAT(taken(), ElementsAre("(stops serving)", "EndProcess 1& 10021&",
+                                   "REGComData VORDANE MOVE& 5100,2400&", "(window gone)", "(process ends)"));
+}
+
+TEST_F(Endings, ACancelNamesTheRequestThatWaits) {
+  startWithHost();
+  runSchedule(u"4");
+  tick();
+  tick();
+  registerPbx(u"PBX-2");
+  taken();
+  form().closeAsked();
+  EXPECT_THAT(taken(), ElementsAre("CancelRequest PBX-1& L1&"));
+  exchange().answer(5);
+  taken();
+  form().closeAsked();
+  EXPECT_THAT(taken(), ElementsAre("CancelRequest PBX-1& L1&")) << "none waits: the last one";
+  tick();
+  exchange().loginAnswer = u"L2"s;
+  exchange().duringLogin = [&] { form().closeAsked(); };
+  tick();
+  EXPECT_THAT(taken(), testing::Contains("CancelRequest PBX-1& L1&")) << "the new one has no identifier yet";
+  form().closeAsked();
+  EXPECT_THAT(taken(), ElementsAre("CancelRequest PBX-2& L2&"));
+}
+
 TEST_F(Endings, ARequestWhoseHostLetsGoTouchesNothingMore) {
   startWithHost();
   exchange().duringLogin = [&] { layer.reset(); };

@@ -226,6 +226,22 @@ TEST_F(Status, AnotherExchangeIsNotBlamedForTheFailure) {
   EXPECT_EQ(view.noticeKind, NoticeKind::hint);
 }
 
+TEST_F(Status, ADeletionThatWasAskedAboutAnotherExchangeIsToldAsNotDone) {
+  startWithHost();
+  fetch(oneFault());
+  exchange().answerLamps(u"00");
+  tick();
+  storeEarlier(u"PBX-2", u"2026-11-19 08:00:00"_v);
+  boxes.answer = 6;
+  boxes.meanwhile = [&] { registerPbx(u"PBX-2"); };
+  pressAndTick(3);
+  EXPECT_THAT(status(), testing::StartsWith("not deleted 20.11.2026 21:14:05. "));
+  EXPECT_FALSE(state.busy);
+  EXPECT_EQ(form().form().control(u"drpPBXList").items().size(), 2U);
+  EXPECT_EQ(engine.open(u"C:\\FAULT.MDB", true)->openRecordset(u"Select * from FaultDisplay")->recordCount(),
+            1);
+}
+
 TEST_F(Status, JobSelectionIsToldUntilItEnds) {
   startWithHost();
   createSchedule();
