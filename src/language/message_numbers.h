@@ -124,7 +124,11 @@ inline constexpr std::size_t runAckFailed = 234;  // {1} reason
 inline constexpr std::size_t noticeReadingOf = 235;
 inline constexpr std::size_t noticeDeletingOf = 236;
 
-inline constexpr std::size_t count = 237;  // of all texts
+// Of the window.
+inline constexpr std::size_t clipboardHeld = 237;
+inline constexpr std::size_t lookUpWrappedBack = 238;  // backwards, went on from the bottom
+
+inline constexpr std::size_t count = 239;  // of all texts
 
 }  // namespace vordane::message
 

@@ -117,7 +117,8 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   void keyPressed(int keyCode) override;
   void mousePressed(window::Control& control, int button) override;
   void whatsThisChosen() override;
-  std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t after) override;
+  std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from,
+                                    window::LookUpWay way) override;
   void tick() override;
 
   static constexpr int timerInterval = 100;  // milliseconds

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/windows/window/guard.h"
+
 namespace vordane::window::win32 {
 
 void Watch::start(HWND window, Hear hear) {
@@ -23,9 +25,15 @@ void Watch::stop() {
 
 LRESULT CALLBACK Watch::procedure(HWND window, UINT message, WPARAM wide, LPARAM low) {
   auto& watch = *reinterpret_cast<Watch*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-  if (message != WM_NCDESTROY) return watch.hear_(message, wide, low);
-  watch.stop();
-  return watch.pass(message, wide, low);
+  if (message == WM_NCDESTROY) {
+    watch.stop();
+    return watch.pass(message, wide, low);
+  }
+  LRESULT answer = 0;
+  const bool heard = guarded([&] { answer = watch.hear_(message, wide, low); });
+  if (!heard && message == WM_PAINT)
+    ValidateRect(window, nullptr);  // else it would be asked for again at once
+  return answer;
 }
 
 }  // namespace vordane::window::win32

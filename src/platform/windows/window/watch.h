@@ -17,7 +17,7 @@ class Watch {
   Watch(const Watch&) = delete;
   Watch& operator=(const Watch&) = delete;
 
-  // From now until the window's end `hear` answers its messages; nothing may be thrown.
+  // From now until the window's end `hear` answers its messages. A message that it fails in is answered 0.
   void start(HWND window, Hear hear);
   // The window's own answer.
   LRESULT pass(UINT message, WPARAM wide, LPARAM low) const;
