@@ -43,8 +43,8 @@ class EmbeddedRowList final : public database::RowList {
     return found;
   }
 
-  std::optional<std::size_t> find(std::u16string_view needle, std::size_t first,
-                                  const Progress& progress, Walk walk) override {
+  std::optional<std::size_t> find(std::u16string_view needle, std::size_t first, const Progress& progress,
+                                  database::Walk walk) override {
     const ReadScope reading(connection_);
     FoldedNeedle folded(needle);
     for (std::size_t i = 0; i < size(); ++i) {

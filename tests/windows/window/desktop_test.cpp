@@ -260,6 +260,7 @@ TEST_F(DesktopTest, gridAndPaneLookAsEverWhileTheyTakeNoInput) {
 // --- keys and menus
 
 TEST_F(DesktopTest, altWithAnArrowMovesTheSplitter) {
+  SetWindowPos(view->window(), nullptr, 0, 0, 1000, 460, SWP_NOZORDER | SWP_NOMOVE);
   SetFocus(item(idGrid));
   const int before = height(placeOf(item(idPane)));
   const auto alt = [&](WPARAM arrow) {
@@ -272,9 +273,9 @@ TEST_F(DesktopTest, altWithAnArrowMovesTheSplitter) {
   EXPECT_GT(after, before + 20);
   alt(VK_DOWN);
   EXPECT_LT(height(placeOf(item(idPane))), after);
-  for (int n = 0; n < 100; ++n) alt(VK_UP);
+  for (int n = 0; n < 12; ++n) alt(VK_UP);
   EXPECT_GE(height(placeOf(item(idGrid))), 90);
-  for (int n = 0; n < 100; ++n) alt(VK_DOWN);
+  for (int n = 0; n < 12; ++n) alt(VK_DOWN);
   EXPECT_GE(height(placeOf(item(idPane))), 30);
   SetFocus(item(idExchange));
   const int still = height(placeOf(item(idPane)));

@@ -148,6 +148,7 @@ void MainWindow::detach() {
   grid_.forgetRows();
   exchangeBox_ = nullptr;
   shownExchanges_ = 0;
+  status_ = {};
   restyleWanted_ = false;
   DestroyWindow(std::exchange(window_, nullptr));
 }
@@ -185,7 +186,7 @@ void MainWindow::createGridAndPane() {
     if (inputAllowed() && events_ != nullptr) events_->headingClicked(column);
   };
   events.selectionChanged = [this] {
-    status_.takeRemarkAway();
+    if (status_.takeRemarkAway()) placeStatus();
     showSelected();
   };
   events.copy = [this] { copySelected(); };

@@ -66,8 +66,10 @@ void StatusLine::remark(const std::u16string& text) {
   showAccount();
 }
 
-void StatusLine::takeRemarkAway() {
-  if (!remark_.empty()) remark({});
+bool StatusLine::takeRemarkAway() {
+  if (remark_.empty()) return false;
+  remark({});
+  return true;
 }
 
 void StatusLine::showAccount() {

@@ -23,7 +23,7 @@ class StatusLine {
   void setText(int part, const std::u16string& text);
   // A word to the user in the account's place, until the account changes or the remark is taken away.
   void remark(const std::u16string& text);
-  void takeRemarkAway();
+  bool takeRemarkAway();  // false when there is none
 
   // What the texts need in a window of this width; at most `most`.
   int heightFor(int width, int most) const;
