@@ -30,6 +30,8 @@ std::vector<Finding> examineFiles(const SuiteLayout& layout, database::Engine& e
 struct Workstation {
   std::function<std::optional<std::u16string>(std::u16string_view section, std::u16string_view key)> setting;
   std::function<std::optional<std::u16string>(std::u16string_view progId)> server;
+  // Whether a file of that path is there, as the program itself asks; none where paths are of another shape.
+  std::function<bool(std::u16string_view path)> exists = {};
 };
 // Nothing where there is no registry.
 std::optional<Workstation> thisWorkstation();

@@ -323,7 +323,7 @@ TEST_F(DesktopTest, whileTheMenuStandsThePaneShowsTheRowPressed) {
     }
     if (message != WM_NOTIFY || reinterpret_cast<NMHDR*>(low)->code != LVN_ITEMCHANGED) return;
     const auto& change = *reinterpret_cast<NMLISTVIEW*>(low);
-    if (change.iItem != 2 || (change.uNewState & LVIS_SELECTED) == 0) return;
+    if (seen.menus > 0 || change.iItem != 2 || (change.uNewState & LVIS_SELECTED) == 0) return;
     POINT at = rowPoint(2);
     ClientToScreen(item(idGrid), &at);
     SendMessageW(view->window(), WM_CONTEXTMENU, reinterpret_cast<WPARAM>(item(idGrid)),
