@@ -73,6 +73,7 @@ class DesktopTest : public ViewTest {
 
 // --- shown
 
+// Wine gives the foreground to any window that is activated, Windows only to one that asks for it.
 TEST_F(DesktopTest, shownIsOnTopAndInTheForegroundAlsoWhenItWasShownBefore) {
   const testing::SecondProcess host(L"--foreground");
   ASSERT_TRUE(host.ready);

@@ -59,6 +59,7 @@ std::vector<std::u16string> accounts(const Messages& m, const std::u16string& ti
   std::vector<std::u16string> all = lists;
   all.push_back(fillText(m.at(message::statusTextsIncomplete), {u"tForms, tControls, tMessages, tList"}));
   all.push_back(m.at(message::clipboardHeld));
+  all.push_back(m.at(message::statusNetworkDrive) + u" " + lists[1]);
   for (const std::size_t attempt :
        {message::statusAttemptFailed, message::statusAckFailed, message::statusResetFailed})
     for (const std::u16string& reason : reasons)
