@@ -118,13 +118,17 @@ inline constexpr std::size_t runAckFailed = 234;  // {1} reason
 inline constexpr std::size_t noticeReadingOf = 235;
 inline constexpr std::size_t noticeDeletingOf = 236;
 
-// Limits, and an answer to a question about something else.
-inline constexpr std::size_t reasonTooLarge = 245;
-inline constexpr std::size_t reasonTextCut = 246;  // longer than is kept
-inline constexpr std::size_t reasonNoMemory = 247;
-inline constexpr std::size_t statusNotDeleted = 248;  // {1} time; another exchange came to be shown
+// Of the window.
+inline constexpr std::size_t clipboardHeld = 237;
+inline constexpr std::size_t lookUpWrappedBack = 238;  // backwards, went on from the bottom
 
-inline constexpr std::size_t count = 249;  // of all texts
+// Limits, and an answer to a question about something else.
+inline constexpr std::size_t reasonTooLarge = 239;
+inline constexpr std::size_t reasonTextCut = 240;  // longer than is kept
+inline constexpr std::size_t reasonNoMemory = 241;
+inline constexpr std::size_t statusNotDeleted = 242;  // {1} time; another exchange came to be shown
+
+inline constexpr std::size_t count = 243;  // of all texts
 
 // The texts with an access key. Within one window, captions of controls included, a key opens one thing.
 inline constexpr std::array windowKeys{lookUpLabel, lookUpNext};

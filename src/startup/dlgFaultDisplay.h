@@ -123,7 +123,8 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   void keyPressed(int keyCode) override;
   void mousePressed(window::Control& control, int button) override;
   void whatsThisChosen() override;
-  std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t after) override;
+  std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from,
+                                    window::LookUpWay way) override;
   void tick() override;
   // What a tick does for an action's code; any code that is none does nothing.
   void dispatch(std::int16_t action);

@@ -211,11 +211,11 @@ void dlgFaultDisplay::showNotice() {
   view().setNotice({});
 }
 
-// A failed attempt, and behind it what came last: in this session, else before it.
+// A failed attempt, and in a line below it what came last: in this session, else before it.
 void dlgFaultDisplay::showStatus() {
   const bool quiet = attemptLine_.empty() && listLine_.empty();
   std::u16string line = listLine_.empty() ? storedLine_ : listLine_;
-  if (!attemptLine_.empty()) line = attemptLine_ + u" " + line;
+  if (!attemptLine_.empty()) line = attemptLine_ + u"\n" + line;
   if (quiet && !textsIncomplete_.empty())
     line = fillText(messageText(state(), message::statusTextsIncomplete), {textsIncomplete_});
   if (quiet && faultDatabase_ && faultDatabase_->isOnNetwork())
@@ -354,10 +354,11 @@ void dlgFaultDisplay::exchangeChosen(int listIndex) {
   if (alive()) showIdle();
 }
 
-std::optional<std::size_t> dlgFaultDisplay::lookUp(std::u16string_view text, std::ptrdiff_t after) {
+std::optional<std::size_t> dlgFaultDisplay::lookUp(std::u16string_view text, std::ptrdiff_t from,
+                                                   window::LookUpWay way) {
   if (!alive() || depth_ > 0) return std::nullopt;
   const Entry entry(*this);
-  return store_.lookUp(text, after);
+  return store_.lookUp(text, from, way);
 }
 
 // --- help

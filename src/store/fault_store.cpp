@@ -154,13 +154,14 @@ void FaultStore::showButtonStates() {
   for (const auto name : faultButtons) form_.form().control(name).set(u"Enabled", usable);
 }
 
-std::optional<std::size_t> FaultStore::lookUp(std::u16string_view text, std::ptrdiff_t after) {
+std::optional<std::size_t> FaultStore::lookUp(std::u16string_view text, std::ptrdiff_t from,
+                                              window::LookUpWay way) {
   database::Database* database = openDatabase();
   if (database == nullptr) return {};
   std::optional<std::size_t> found;
   trapDisplay(Report::box, [&] {
     LongStep step(form_, grid_, *database, LongStep::reading);
-    found = grid_.lookUp(text, after, [&](std::size_t done) { step.at(done, grid_.size()); });
+    found = grid_.lookUp(text, from, way, [&](std::size_t done) { step.at(done, grid_.size()); });
   });
   if (form_.alive()) showCount();
   return found;

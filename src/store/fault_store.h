@@ -49,7 +49,8 @@ class FaultStore {
   void showButtonStates();
   void showNotice();  // what stands in the place of an empty grid: a failure before a hint
   // The next row holding `text` after `after` (-1: from the first), round the end once.
-  std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t after);
+  std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from,
+                                    window::LookUpWay way = window::LookUpWay::forwards);
 
   // --- actions
   void IngestFaultList();  // action 10, ends with the acknowledgement or with StoreForm::endAction

@@ -145,7 +145,7 @@ TEST_F(Conversation, AnErrorCodeEndsTheActionAfterTheSameSteps) {
   EXPECT_EQ(view.timer, 0);
   EXPECT_FALSE(state.busy);
   EXPECT_EQ(form().response().Count(), 4) << "the entries are copied all the same";
-  EXPECT_EQ(view.status[0], u"PBX-1 failed: code 61. no list yet");
+  EXPECT_EQ(view.status[0], u"PBX-1 failed: code 61.\nno list yet");
 }
 
 TEST_F(Conversation, AnAnswerWithoutEntriesStillRunsItsAction) {

@@ -91,7 +91,7 @@ TEST_F(Status, AFailedAttemptStandsBeforeWhatCameLast) {
   startWithHost();
   pressAndTick(0);
   exchange().answer(61);
-  EXPECT_EQ(status(), "PBX-1 failed: code 61. PBX-1: stored 20.11.2026 21:14:05");
+  EXPECT_EQ(status(), "PBX-1 failed: code 61.\nPBX-1: stored 20.11.2026 21:14:05");
   fetch(oneFault());
   EXPECT_THAT(status(), testing::Not(HasSubstr("failed")));
   exchange().answerLamps(u"00");

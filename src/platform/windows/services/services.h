@@ -43,7 +43,8 @@ class ComObjectCreator : public platform::ObjectCreator {
   automation::ObjectRef create(std::u16string_view progId) override;
 };
 
-// MessageBoxIndirect above the window that `owner` names at that moment. Where nobody could see a box (a
+// MessageBoxIndirect above the window that `owner` names at that moment; while that one is hidden a window of
+// its own that asks for the foreground. Where nobody could see a box (a
 // service's window station) none is shown and the answer is 6.
 class SystemMessageBoxes : public platform::MessageBoxes {
  public:
@@ -52,8 +53,12 @@ class SystemMessageBoxes : public platform::MessageBoxes {
   using HelpWanted = std::function<void(std::u16string_view file)>;
   SystemMessageBoxes(Owner owner, HelpWanted helpWanted);
   int show(const platform::MessageBoxRequest& request) override;
+  // A box without an owner asks for the foreground.
+  static int styleFor(int asked, HWND owner);
 
  private:
+  HWND shownOwner() const;
+
   Owner owner_;
   HelpWanted helpWanted_;
 };

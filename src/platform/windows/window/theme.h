@@ -18,6 +18,8 @@ struct Palette {
   COLORREF mark, markText;          // marked data characters
   COLORREF lampLit, lampLitText, lampClear, lampClearText, lampFrame;
   COLORREF hint, hintText, failure, failureText, waiting, waitingText;  // the notice
+
+  bool operator==(const Palette&) const = default;
 };
 
 // Of the workstation as it is now; asked again whenever it tells of a change.

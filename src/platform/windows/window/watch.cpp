@@ -1,7 +1,8 @@
 #include "platform/windows/window/watch.h"
 
-#include <exception>
 #include <utility>
+
+#include "platform/windows/window/guard.h"
 
 namespace vordane::window::win32 {
 
@@ -28,11 +29,9 @@ LRESULT CALLBACK Watch::procedure(HWND window, UINT message, WPARAM wide, LPARAM
     watch.stop();
     return watch.pass(message, wide, low);
   }
-  try {
-    return watch.hear_(message, wide, low);
-  } catch (const std::exception&) {
-    return watch.pass(message, wide, low);
-  }
+  LRESULT answer = 0;
+  if (guarded([&] { answer = watch.hear_(message, wide, low); })) return answer;
+  return watch.pass(message, wide, low);
 }
 
 }  // namespace vordane::window::win32
