@@ -5,7 +5,9 @@
 #include <windows.h>
 
 #include <functional>
+#include <vector>
 
+#include "platform/program_guard.h"
 #include "platform/services.h"
 
 namespace vordane::windows {
@@ -59,6 +61,11 @@ class SystemMessageBoxes : public platform::MessageBoxes {
 // The running program: long path name, version resource, command line. `start` says what was asked for.
 platform::Program thisProgram();
 std::u16string executablePath();
+
+// Who besides administrators may put another program in the place of the one at `path`, or a library beside
+// it: by the rights of the file, of its folder and of the folders above. A place whose rights can't be read,
+// one that does not exist among them, is left out.
+std::vector<guard::Finding> whoMayReplace(std::u16string_view path);
 
 // False in a service's session, where a window or box would never be seen.
 bool stationIsVisible();
