@@ -6,6 +6,7 @@
 // shellapi.h needs windows.h before it.
 #include <shellapi.h>
 
+#include "platform/windows/services/services.h"
 #include "text/utf8.h"
 
 namespace vordane::tools {
@@ -20,7 +21,9 @@ std::string utf8(const wchar_t* text) {
 }  // namespace
 
 // The arguments that main receives have been forced into the system's code page; the command line has not.
+// The first that the program does on this system.
 Arguments programArguments(int, char**) {
+  windows::loadFromSystemOnly();
   int count = 0;
   LPWSTR* const values = CommandLineToArgvW(GetCommandLineW(), &count);
   Arguments arguments;
