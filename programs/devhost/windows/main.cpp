@@ -142,6 +142,7 @@ int runScript(const Options& options) {
 
 int main() {
   using namespace vordane::devhost;
+  vordane::windows::loadFromSystemOnly();
   _setmode(_fileno(stdout), _O_BINARY);
   try {
     const Options options = optionsOf(programArguments());

@@ -7,6 +7,7 @@
 #include <shellapi.h>
 
 #include "platform/windows/services/console_output.h"
+#include "platform/windows/services/services.h"
 #include "text/utf8.h"
 
 namespace vordane::tools {
@@ -21,7 +22,9 @@ std::string utf8(const wchar_t* text) {
 }  // namespace
 
 // The arguments that main receives have been forced into the system's code page; the command line has not.
+// The first that the program does on this system.
 Arguments programArguments(int, char**) {
+  windows::loadFromSystemOnly();
   int count = 0;
   LPWSTR* const values = CommandLineToArgvW(GetCommandLineW(), &count);
   Arguments arguments;

@@ -6,7 +6,6 @@
 
 #include "platform/command_line.h"
 #include "platform/windows/com/class_server.h"
-#include "platform/windows/com/registrar.h"
 #include "platform/windows/services/services.h"
 #include "probe.h"
 
@@ -89,8 +88,7 @@ class Layers {
 int run() {
   const platform::CommandLine line =
       platform::parseCommandLine(platform::withoutProgramName(com::fromWide(GetCommandLineW())));
-  if (line.start == platform::Start::registerServer) return com::registerServer(description());
-  if (line.start == platform::Start::unregisterServer) return com::unregisterServer(description());
+  if (const auto asked = windows::registerAsAsked(line, description())) return *asked;
   com::Apartment apartment;
   com::ClassServer server(apartment);
   Layers layers(server);

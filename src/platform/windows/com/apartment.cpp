@@ -4,10 +4,13 @@
 
 #include <array>
 #include <exception>
+#include <string>
+#include <vector>
 
 #include "platform/automation.h"
 #include "platform/call_filter.h"
 #include "platform/windows/com/counted.h"
+#include "platform/windows/com/permissions.h"
 
 namespace vordane::com {
 namespace {
@@ -21,6 +24,27 @@ void setProcessOptions() {
     return;
   options->Set(COMGLB_EXCEPTION_HANDLING, COMGLB_EXCEPTION_DONOT_HANDLE_ANY);
   options->Set(COMGLB_RO_SETTINGS, COMGLB_FAST_RUNDOWN);
+}
+
+// The name of this program's file, by which its rights are found.
+std::u16string fileName() {
+  std::vector<wchar_t> buffer(32768);
+  const DWORD length = GetModuleFileNameW(nullptr, buffer.data(), static_cast<DWORD>(buffer.size()));
+  const std::u16string_view path = fromWide({buffer.data(), length});
+  return std::u16string(path.substr(path.rfind(u'\\') + 1));
+}
+
+// Calls come in under the workstation's own rules, nothing for everyone: what an unnamed application gets,
+// and besides no other program's library is loaded to take an argument apart. Processes may be started on the
+// way: by hand the exchange server is.
+void secureCalls() {
+  const CallSecurity security = callSecurity(fileName());
+  AbsoluteRights access(security.access);
+  if (access.get() != nullptr &&
+      SUCCEEDED(CoInitializeSecurity(access.get(), -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_DEFAULT,
+                                     RPC_C_IMP_LEVEL_IDENTIFY, nullptr, security.capabilities, nullptr)))
+    return;
+  CoInitializeSecurity(nullptr, -1, nullptr, nullptr, 0, 0, nullptr, EOAC_APPID, nullptr);
 }
 
 }  // namespace
@@ -70,8 +94,7 @@ Apartment::Apartment() {
   const HRESULT result = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
   if (FAILED(result)) throw automation::AutomationError(result);
   setProcessOptions();
-  // The workstation's own access rules, nothing for everyone: what an unnamed application gets.
-  CoInitializeSecurity(nullptr, -1, nullptr, nullptr, 0, 0, nullptr, EOAC_APPID, nullptr);
+  secureCalls();
   kept_ = std::make_unique<KeptInterfaces>();
 }
 

@@ -1,47 +1,21 @@
 #include "platform/program_guard.h"
 
 #include <windows.h>
-// aclapi.h and sddl.h need windows.h before them.
+// aclapi.h needs windows.h before it.
 #include <aclapi.h>
-#include <sddl.h>
 
-#include <array>
+#include <optional>
 
+#include "platform/windows/com/accounts.h"
 #include "platform/windows/com/owned.h"
 #include "platform/windows/services/services.h"
 
 namespace vordane::windows {
 namespace {
 
-struct LocalTraits {
-  using Type = void*;
-  static Type invalid() { return nullptr; }
-  static void close(Type memory) { LocalFree(memory); }
-};
-using LocalMemory = com::Owned<LocalTraits>;
-
-std::u16string identifierOf(PSID sid) {
-  LPWSTR text = nullptr;
-  if (!ConvertSidToStringSidW(sid, &text)) return {};
-  const LocalMemory owned(text);
-  return std::u16string(com::fromWide(text));
-}
-
-std::u16string nameOf(PSID sid) {
-  std::array<wchar_t, 256> name{};
-  std::array<wchar_t, 256> domain{};
-  DWORD nameLength = name.size();
-  DWORD domainLength = domain.size();
-  SID_NAME_USE use{};
-  if (!LookupAccountSidW(nullptr, sid, name.data(), &nameLength, domain.data(), &domainLength, &use))
-    return {};
-  const std::u16string account(com::fromWide(name.data()));
-  return domain[0] == L'\0' ? account : std::u16string(com::fromWide(domain.data())) + u"\\" + account;
-}
-
 guard::Account accountOf(PSID sid) {
   if (sid == nullptr || !IsValidSid(sid)) return {};
-  return {identifierOf(sid), nameOf(sid)};
+  return {com::identifierOf(sid), com::nameOf(sid)};
 }
 
 // Lines of other types (those of a directory service, audits) say nothing about a file.
@@ -65,7 +39,7 @@ std::optional<guard::Place> placeOf(guard::Kind kind, const std::wstring& path) 
                             OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION, &owner, nullptr, &list,
                             nullptr, &descriptor) != ERROR_SUCCESS)
     return std::nullopt;
-  const LocalMemory owned(descriptor);
+  const com::LocalMemory owned(descriptor);
   guard::Place place{kind, std::u16string(com::fromWide(path)), accountOf(owner), list == nullptr, {}};
   for (DWORD i = 0; list != nullptr && i < list->AceCount; ++i) {
     void* ace = nullptr;

@@ -2,13 +2,12 @@
 
 #include <windows.h>
 
-#include <uxtheme.h>
-
 #include <algorithm>
 #include <cwchar>
 
 #include "platform/windows/window/geometry.h"
 #include "platform/windows/window/input_messages.h"
+#include "platform/windows/window/theme.h"
 
 namespace vordane::window::win32 {
 namespace {
@@ -31,7 +30,7 @@ void Grid::create(HWND parent, int id, Events events) {
                             GetModuleHandleW(nullptr), nullptr);
   ListView_SetExtendedListViewStyle(window_,
                                     LVS_EX_FULLROWSELECT | LVS_EX_HEADERDRAGDROP | LVS_EX_DOUBLEBUFFER);
-  SetWindowTheme(window_, L"Explorer", nullptr);
+  drawAsExplorer(window_);
   watch_.start(window_,
                [this](UINT message, WPARAM wide, LPARAM low) { return rowsHeard(message, wide, low); });
   headingWatch_.start(

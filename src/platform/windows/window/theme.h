@@ -25,4 +25,7 @@ struct Palette {
 // Of the workstation as it is now; asked again whenever it tells of a change.
 Palette currentPalette();
 
+// Selection and hot rows of a list as the system's own lists have them, where themes are drawn.
+void drawAsExplorer(HWND list);
+
 }  // namespace vordane::window::win32
