@@ -41,7 +41,7 @@ class StoryProcess : public platform::Process {
     serving = false;
   }
   void end() override {
-    if (!ended) trace_.push_back("(process ends)");
+    trace_.push_back("(process ends)");
     ended = true;
   }
   [[noreturn]] void endAtOnce() override { throw ProcessEnded{}; }
@@ -77,8 +77,9 @@ class StoryView : public fakes::MemoryView {
     trace_.push_back("(window gone)");
     MemoryView::detach();
     shown = false;
+    if (duringDetach) duringDetach();
   }
-  std::function<void()> duringMenu;
+  std::function<void()> duringMenu, duringDetach;
   bool tracePointer = true;
 
  private:
@@ -111,9 +112,19 @@ class StoryCreator : public platform::ObjectCreator {
   Lines asked;
 };
 
-class NoPictures : public comPicture::PictureLoader {
+class StoryPictures : public comPicture::PictureLoader {
  public:
-  bool readable(std::u16string_view) override { return false; }
+  bool readable(std::u16string_view) override { return areReadable; }
+  bool areReadable = false;
+};
+
+class StoryClock : public fakes::SetClock {
+ public:
+  void sleep(int milliseconds) override {
+    if (duringSleep) duringSleep();
+    SetClock::sleep(milliseconds);
+  }
+  std::function<void()> duringSleep;
 };
 
 class Story : public testing::Test {
@@ -145,9 +156,10 @@ class Story : public testing::Test {
          table(u"tControls", controlRows()), table(u"tComboBoxDT", {}), table(u"tSSGridsHD", {}),
          table(u"tProject", {{u"VORDANE"_v, u"Fault display"_v, u"Busy"_v, u"It is busy"_v, u"Waiting"_v,
                               u"No answer yet"_v}}),
-         table(u"tMessages", messageRows()), table(u"tMsgBox", boxRows()), table(u"tPicture", {})});
+         table(u"tMessages", messageRows()), table(u"tMsgBox", boxRows()), table(u"tPicture", pictureRows)});
   }
   bool badControl = false;  // a row of a control that the window lacks
+  std::vector<fakes::Row> pictureRows;
 
   // --- what happens
   void start() {
@@ -222,11 +234,11 @@ class Story : public testing::Test {
   fakes::FolderEngine engine;
   fakes::MemorySettings settings;
   fakes::MemoryFiles files;
-  fakes::SetClock clock;
+  StoryClock clock;
   StoryView view{trace};
   StoryBoxes boxes{trace};
   StoryCreator creator;
-  NoPictures pictures;
+  StoryPictures pictures;
   StoryProcess process{trace};
   platform::Program program;
   SharedState state;
@@ -254,6 +266,11 @@ class Story : public testing::Test {
         {message::noticeChooseJob, u"choose"},
         {message::noticeScheduledRun, u"run {1} of {2}"},
         {message::reasonAccess, u"access: {1}"},
+        {message::reasonTooLarge, u"too large"},
+        {message::reasonTextCut, u"text cut"},
+        {message::reasonNoMemory, u"no memory"},
+        {message::statusNotDeleted, u"not deleted {1}."},
+        {message::reasonServerGone, u"gone"},
         {message::reasonDatabase, u"database: {1}"},
         {message::reasonCutShort, u"cut short"},
         {message::reasonRefused, u"refused"},
@@ -315,7 +332,9 @@ class Story : public testing::Test {
             job(6, true, 2, true, 9),
             job(7, true, 1, true, 2, 30),
             job(8, true, 0),
-            job(9, true, -3)};
+            job(9, true, -3),
+            job(10, true, 2, true, 2, 30),
+            job(11, false, 30000)};
   }
 };
 

@@ -5,9 +5,9 @@
 #include <thread>
 
 #include "platform/engine_choice.h"
-#include "platform/moving.h"
 #include "platform/windows/com/owned.h"
 #include "platform/windows/services/services.h"
+#include "text/text.h"
 
 namespace vordane::windows {
 namespace {
@@ -55,6 +55,22 @@ TEST(SystemClock, GivesTheRegionalShortForms) {
   EXPECT_NE(text.find(u":05:08"), std::u16string::npos);
   EXPECT_GE(clock.secondsSinceMidnight(), 0.0);
   EXPECT_LT(clock.secondsSinceMidnight(), 86400.0);
+}
+
+// The program upper-cases the paths that it makes of the settings: each capital must name the same file.
+TEST(SystemFiles, FindsAFileByTheCapitalsOfItsPath) {
+  SystemFiles files;
+  int letters = 0;
+  for (char32_t code = 1; code <= 0xFFFF; ++code) {
+    const auto letter = static_cast<char16_t>(code);
+    if (text::upperInPath(letter) == letter) continue;
+    ++letters;
+    const std::u16string path = std::u16string(u"vordane-") + letter + u".tmp";
+    ASSERT_TRUE(files.append(path, "x"));
+    EXPECT_TRUE(files.exists(text::toUpperPath(path))) << code;
+    DeleteFileW(com::wide(path.c_str()));
+  }
+  EXPECT_GT(letters, 800);
 }
 
 TEST(SystemFiles, TellWhoHoldsAFileForHimself) {
@@ -109,23 +125,6 @@ TEST(SystemFiles, AHeldFileIsWaitedForAndThenTold) {
   EXPECT_EQ(open(std::chrono::minutes(5)), 0);
   lettingGo.join();
   DeleteFileW(L"vordane-held-test.mdb");
-}
-
-TEST(SystemFiles, ANewFileThatAScannerHoldsIsRenamedInTheEnd) {
-  SystemFiles().append(u"vordane-new-test.tmp", "new");
-  com::File scanner(CreateFileW(L"vordane-new-test.tmp", GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-  ASSERT_TRUE(static_cast<bool>(scanner));
-  EXPECT_TRUE(platform::renamePatiently("vordane-new-test.tmp", "vordane-old-test.tmp",
-                                        std::chrono::milliseconds(50)));
-  std::thread lettingGo([&] {
-    Sleep(200);
-    scanner = com::File();
-  });
-  EXPECT_FALSE(
-      platform::renamePatiently("vordane-new-test.tmp", "vordane-old-test.tmp", std::chrono::minutes(5)));
-  lettingGo.join();
-  EXPECT_TRUE(DeleteFileW(L"vordane-old-test.tmp"));
 }
 
 // What Windows says of a letter that stands for a share is tried with the whole suite (network-drive.sh).
