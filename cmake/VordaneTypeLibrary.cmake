@@ -3,7 +3,9 @@
 # IDL; they are compiled for this machine, also in a build for Windows, and must need nothing but src.
 find_program(VORDANE_HOST_CXX NAMES c++ g++ REQUIRED)
 find_program(VORDANE_WIDL NAMES x86_64-w64-mingw32-widl REQUIRED)
-set(VORDANE_WIDL_FLAGS -I /usr/include/wine/wine/windows -L /usr/lib/x86_64-linux-gnu/wine/x86_64-windows)
+# The library of a 32-bit program says that its numbers are those of a 32-bit system.
+math(EXPR VORDANE_WORD_SIZE "8 * ${CMAKE_SIZEOF_VOID_P}")
+set(VORDANE_WIDL_FLAGS -m${VORDANE_WORD_SIZE} -I /usr/include/wine/wine/windows -L /usr/lib/x86_64-linux-gnu/wine/x86_64-windows)
 
 # The few sources behind every table: the IDL writer and the text library.
 function(vordane_idl_sources out)

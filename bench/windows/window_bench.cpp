@@ -32,7 +32,7 @@ struct NoEvents : ViewEvents {
   void keyPressed(int) override {}
   void mousePressed(Control&, int) override {}
   void whatsThisChosen() override {}
-  std::optional<std::size_t> lookUp(std::u16string_view, std::ptrdiff_t) override { return {}; }
+  std::optional<std::size_t> lookUp(std::u16string_view, std::ptrdiff_t, LookUpWay) override { return {}; }
   void tick() override {}
 };
 

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "command.h"
 
@@ -19,6 +20,11 @@ struct CloseFile {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 using File = std::unique_ptr<std::FILE, CloseFile>;
+
+// Whether a person reads what goes there.
+bool isTerminal(std::FILE* file);
+// Writes whole characters (UTF-8) to a terminal, which shows them in whatever language they are.
+void writeTerminal(std::FILE* file, std::string_view utf8);
 
 // Null when it can't be opened. `path` is UTF-8.
 File openForReading(const std::string& path);

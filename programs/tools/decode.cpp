@@ -1,6 +1,5 @@
 // vordane-tools decode: recorded faults in, one message a line out.
 #include <cstdio>
-#include <iostream>
 #include <string>
 #include <string_view>
 
@@ -19,7 +18,6 @@ struct Options {
   std::string language, messages, lists;  // file names; empty: not given
   bool narrow = false;
   bool explain = false;
-  bool understood = true;
 };
 
 std::string* fileOption(Options& options, std::string_view name) {
@@ -30,25 +28,28 @@ std::string* fileOption(Options& options, std::string_view name) {
 }
 
 // Either a language database, or messages with or without lists.
-bool sourceIsClear(const Options& options) {
-  return options.language.empty() ? !options.messages.empty()
-                                  : options.messages.empty() && options.lists.empty();
+void requireSource(const Options& options) {
+  if (!options.language.empty() && !(options.messages.empty() && options.lists.empty()))
+    throw Misuse("--language excludes --messages and --lists");
+  if (options.language.empty() && options.messages.empty())
+    throw Misuse("the texts are missing: --language or --messages");
 }
 
 Options parse(const Arguments& arguments) {
   Options options;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     if (std::string* const file = fileOption(options, arguments[i])) {
-      if (++i < arguments.size()) *file = arguments[i];
+      if (++i == arguments.size()) throw Misuse(arguments[i - 1] + " needs a file behind it");
+      *file = arguments[i];
     } else if (arguments[i] == "--narrow") {
       options.narrow = true;
     } else if (arguments[i] == "--explain") {
       options.explain = true;
     } else {
-      options.understood = false;
+      throw Misuse("unknown argument " + arguments[i]);
     }
   }
-  options.understood = options.understood && sourceIsClear(options);
+  requireSource(options);
   return options;
 }
 
@@ -124,7 +125,7 @@ class Decode {
 void decodeStream(const FaultTextTable& texts, const Options& options, std::FILE* in, std::FILE* out) {
   const bool wide = !options.narrow;
   LineReader lines(in);
-  BlockWriter writer(out);
+  BlockWriter writer(out, isTerminal(out));
   Decode decode(texts, wide, writer.buffer());
   Record record;
   while (const auto line = lines.next()) {
@@ -139,11 +140,6 @@ void decodeStream(const FaultTextTable& texts, const Options& options, std::FILE
 
 int decode(const Arguments& arguments) {
   const Options options = parse(arguments);
-  if (!options.understood) {
-    std::cerr << "usage: vordane-tools decode (--language FILE | --messages FILE [--lists FILE])"
-                 " [--narrow] [--explain] < records.tsv\n";
-    return 2;
-  }
   FaultTextTable texts;
   readTexts(options, texts);
   useBinaryStandardStreams();

@@ -1,6 +1,7 @@
 #include "doctor_checks.h"
 
 #include <algorithm>
+#include <map>
 #include <system_error>
 
 #include "doctor_paths.h"
@@ -27,13 +28,14 @@ using Tables = std::span<const sqlite::TableDefinition>;
 struct SuiteFile {
   fs::path path;
   Tables tables;
-  bool fatal;     // without it the program ends, or shows no faults
+  Weight weight;  // of its absence
   bool writable;  // it is opened for writing
   const char* without;
-  std::span<const std::u16string_view> needed;  // tables that `fatal` goes for; none: for all of them
+  std::span<const std::u16string_view> needed;  // tables that `weight` goes for; none: for all of them
 
-  bool fatalWithout(std::u16string_view table) const {
-    return fatal && (needed.empty() || std::find(needed.begin(), needed.end(), table) != needed.end());
+  Weight weightOf(std::u16string_view table) const {
+    const bool used = needed.empty() || std::find(needed.begin(), needed.end(), table) != needed.end();
+    return used ? weight : Weight::incomplete;
   }
 };
 
@@ -67,18 +69,18 @@ bool mayBeMissing(const sqlite::TableDefinition& table, const sqlite::ColumnDefi
 
 void examineTable(Database& database, const sqlite::TableDefinition& table, const SuiteFile& file,
                   Findings& findings) {
-  const bool fatal = file.fatalWithout(table.name);
+  const Weight weight = file.weightOf(table.name);
   const std::u16string from = u" from " + std::u16string(table.name);
   if (canRun(database, u"select " + columnList(table) + from)) return;
   if (!canRun(database, u"select *" + from)) {
-    findings.push_back({fatal, nameOf(file.path) + ": table " + text::toUtf8(table.name) + " is missing"});
+    findings.push_back({weight, nameOf(file.path) + ": table " + text::toUtf8(table.name) + " is missing"});
     return;
   }
   for (const auto& column : table.columns)
     if (!mayBeMissing(table, column) &&
         !canRun(database, u"select [" + std::u16string(column.name) + u"]" + from))
-      findings.push_back({fatal, nameOf(file.path) + ": table " + text::toUtf8(table.name) +
-                                     " lacks the column " + text::toUtf8(column.name)});
+      findings.push_back({weight, nameOf(file.path) + ": table " + text::toUtf8(table.name) +
+                                      " lacks the column " + text::toUtf8(column.name)});
 }
 
 bool canWrite(const fs::path& path) {
@@ -92,7 +94,7 @@ bool canWrite(const fs::path& path) {
 bool isWhole(const SuiteFile& file, Findings& findings) {
   if (database::fileKind(toText(file.path)) != database::FileKind::embedded) return true;
   const std::string damage = sqlite::damageIn(toText(file.path));
-  if (!damage.empty()) findings.push_back({file.fatal, nameOf(file.path) + " is damaged: " + damage});
+  if (!damage.empty()) findings.push_back({file.weight, nameOf(file.path) + " is damaged: " + damage});
   return damage.empty();
 }
 
@@ -106,16 +108,16 @@ std::string whyNot(const SuiteFile& file, const database::DatabaseError& error) 
 std::unique_ptr<Database> openForLook(database::Engine& engine, const SuiteFile& file, Findings& findings) {
   std::error_code failure;
   if (!fs::is_regular_file(file.path, failure)) {
-    findings.push_back({file.fatal, nameOf(file.path) + " is missing: " + file.without});
+    findings.push_back({file.weight, nameOf(file.path) + " is missing: " + file.without});
     return nullptr;
   }
   if (file.writable && !canWrite(file.path))
-    findings.push_back({file.fatal, nameOf(file.path) + " can't be written: " + file.without});
+    findings.push_back({file.weight, nameOf(file.path) + " can't be written: " + file.without});
   if (!isWhole(file, findings)) return nullptr;
   try {
     return engine.open(toText(file.path), true);
   } catch (const database::DatabaseError& error) {
-    findings.push_back({file.fatal, whyNot(file, error)});
+    findings.push_back({file.weight, whyNot(file, error)});
     return nullptr;
   }
 }
@@ -173,17 +175,48 @@ LanguageSource installedLanguage(Database& own, Database* common, const std::str
   return source;
 }
 
-void examineTexts(Database& own, Database* common, Findings& findings) try {
-  if (projectRows(own, "VORDANE.LNG").empty())
-    findings.push_back(
-        {true, "VORDANE.LNG: table tProject has no row for VORDANE: the program ends at its start"});
-  Problems problems;
-  checkLanguage(installedLanguage(own, common, "VORDANE.LNG"), problems);
-  for (const std::string& problem : problems) findings.push_back({false, problem});
+std::map<std::int32_t, std::int64_t> countById(Database& faults, std::u16string_view table) {
+  std::map<std::int32_t, std::int64_t> counts;
+  const auto rows = faults.openRecordset(u"select [ID] from " + std::u16string(table));
+  for (; !rows->atEnd(); rows->moveNext()) ++counts[automation::toLong(rows->get(u"ID"))];
+  return counts;
+}
+
+// A deletion that was interrupted, or another program, leaves faults whose exchange is gone.
+void examineOwners(Database& faults, const std::string& file, Findings& findings) try {
+  std::map<std::int32_t, std::int64_t> left = countById(faults, u"FaultDisplay");
+  for (const auto& [id, count] : countById(faults, u"PBXList")) left.erase(id);
+  if (left.empty()) return;
+  constexpr std::size_t mostNamed = 5;
+  std::int64_t all = 0;
+  std::size_t named = 0;
+  std::string ids;
+  for (const auto& [id, count] : left) {
+    all += count;
+    if (++named <= mostNamed)
+      ids += (named == 1 ? "ID " : ", ID ") + std::to_string(id) + ": " + std::to_string(count);
+  }
+  if (named > mostNamed) ids += ", ...";
+  findings.push_back({Weight::incomplete, file + ": " + std::to_string(all) + " fault(s) of no exchange (" +
+                                              ids + "): nothing shows them, but 'vordane-tools export'"});
 } catch (const database::DatabaseError&) {
   // The table or column that is missing has been named already.
 } catch (const automation::AutomationError&) {
-  findings.push_back({false, "VORDANE.LNG: a value is of an unexpected type"});
+  findings.push_back(
+      {Weight::incomplete, file + ": the ID of a row is no number, so its exchange can't be told"});
+}
+
+void examineTexts(Database& own, Database* common, Findings& findings) try {
+  if (projectRows(own, "VORDANE.LNG").empty())
+    findings.push_back(
+        {Weight::fatal, "VORDANE.LNG: table tProject has no row for VORDANE: the program ends at its start"});
+  Problems problems;
+  checkLanguage(installedLanguage(own, common, "VORDANE.LNG"), problems);
+  for (const std::string& problem : problems) findings.push_back({Weight::incomplete, problem});
+} catch (const database::DatabaseError&) {
+  // The table or column that is missing has been named already.
+} catch (const automation::AutomationError&) {
+  findings.push_back({Weight::incomplete, "VORDANE.LNG: a value is of an unexpected type"});
 }
 
 void examineRegistration(Database& registry, Findings& findings) {
@@ -191,15 +224,16 @@ void examineRegistration(Database& registry, Findings& findings) {
   for (const SourceRow& row : rowsOf(registry, "Register.mdb", u"Registry", {u"AppName"}))
     if (text::equalIgnoringCase(row.fields[0], u"VORDANE.WRX")) return;
   findings.push_back(
-      {false, "Register.mdb: there is no row for VORDANE.WRX, so the suite does not list the add-in"});
+      {Weight::incomplete,
+       "Register.mdb: there is no row for VORDANE.WRX, so the suite does not list the add-in"});
 }
 
 void examinePictures(const SuiteLayout& layout, Database& own, Findings& findings) try {
   for (const SourceRow& row : rowsOf(own, "VORDANE.LNG", u"tPicture", {u"FileName"}, u"FormName"))
     if (!row.fields[0].empty() && row.fields[0] != language::keepDesigned &&
         !fs::exists(layout.pictures() / row.fields[0]))
-      findings.push_back(
-          {false, nameOf(layout.pictures() / row.fields[0]) + " is missing: no background there"});
+      findings.push_back({Weight::incomplete,
+                          nameOf(layout.pictures() / row.fields[0]) + " is missing: no background there"});
 } catch (const database::DatabaseError&) {
   // Named already.
 }
@@ -221,33 +255,62 @@ fs::path programOf(const std::u16string& command) {
 }
 
 // Whether a class starts a program that is there.
-bool canStart(const std::string& progId, const std::optional<std::u16string>& command, bool fatal,
+bool canStart(const std::string& progId, const std::optional<RegisteredClass>& found, Weight weight,
               const std::string& without, Findings& findings) {
-  if (!command) {
-    findings.push_back({fatal, progId + " is not registered: " + without});
+  if (!found) {
+    findings.push_back({weight, progId + " is not registered: " + without});
     return false;
   }
   std::error_code failure;
-  if (fs::is_regular_file(programOf(*command), failure)) return true;
-  findings.push_back({fatal, progId + " is registered to " + nameOf(programOf(*command)) +
-                                 ", which is not there: " + without});
+  if (fs::is_regular_file(programOf(found->command), failure)) return true;
+  findings.push_back({weight, progId + " is registered to " + nameOf(programOf(found->command)) +
+                                  ", which is not there: " + without});
   return false;
+}
+
+// What is registered for every user runs in the name of each of them.
+void examineGuard(const std::string& progId, const RegisteredClass& found, const Workstation& workstation,
+                  Findings& findings) {
+  if (!found.forEveryUser) return;
+  std::string holes;
+  for (const guard::Finding& hole : workstation.whoMayReplace(toText(programOf(found.command))))
+    holes += (holes.empty() ? "" : ", ") + text::toUtf8(guard::sentence(hole));
+  if (!holes.empty())
+    findings.push_back({Weight::unsafe, progId + " is registered for every user, but " + holes +
+                                            ": let administrators alone write there"});
 }
 
 void examineClasses(const SuiteLayout& layout, const Workstation& workstation,
                     const std::optional<std::u16string>& zul, Findings& findings) {
-  const auto own = workstation.server(u"Vordane10013.cOLELayer");
-  if (canStart("Vordane10013.cOLELayer", own, true, "no host can start the add-in (VORDANE.EXE /RegServer)",
-               findings) &&
-      !samePlace(programOf(*own), layout.program()))
-    findings.push_back({false, "Vordane10013.cOLELayer is registered to " + nameOf(programOf(*own)) +
+  const auto own = workstation.registered(u"Vordane10013.cOLELayer");
+  if (canStart("Vordane10013.cOLELayer", own, Weight::fatal,
+               "no host can start the add-in (VORDANE.EXE /RegServer)", findings)) {
+    if (!samePlace(programOf(own->command), layout.program()))
+      findings.push_back(
+          {Weight::incomplete, "Vordane10013.cOLELayer is registered to " + nameOf(programOf(own->command)) +
                                    ": hosts start that one, not this suite's " + nameOf(layout.program())});
+    examineGuard("Vordane10013.cOLELayer", *own, workstation, findings);
+  }
   if (!zul) return;
-  const std::u16string server = u"CalderinProj" + *zul + u".cPBXOle";
-  canStart(text::toUtf8(server), workstation.server(server), false, "no exchange can be reached", findings);
+  const std::u16string progId = u"CalderinProj" + *zul + u".cPBXOle";
+  const auto exchange = workstation.registered(progId);
+  if (canStart(text::toUtf8(progId), exchange, Weight::incomplete, "no exchange can be reached", findings))
+    examineGuard(text::toUtf8(progId), *exchange, workstation, findings);
 }
 
 }  // namespace
+
+std::string_view wordFor(Weight weight) {
+  switch (weight) {
+    case Weight::fatal:
+      return "stops the program";
+    case Weight::incomplete:
+      return "incomplete";
+    case Weight::unsafe:
+      break;
+  }
+  return "unsafe";
+}
 
 std::vector<Finding> examineFiles(const SuiteLayout& layout, database::Engine& engine) {
   Findings findings;
@@ -257,28 +320,29 @@ std::vector<Finding> examineFiles(const SuiteLayout& layout, database::Engine& e
       for (const auto& table : file.tables) examineTable(*database, table, file, findings);
     return database;
   };
-  const auto own = open({layout.ownDatabases() / "VORDANE.LNG", sqlite::schema::ownLanguage(), true, false,
-                         "the program ends at its start", ownNeeded});
-  const auto common = open({layout.sharedDatabases() / "Common.LNG", sqlite::schema::commonLanguage(), true,
-                            false, "the program ends at its start", commonNeeded});
-  open({layout.ownDatabases() / "FAULT.MDB",
-        sqlite::schema::faultDatabase(),
-        true,
-        true,
-        "no faults can be stored or shown",
-        {}});
+  const auto own = open({layout.ownDatabases() / "VORDANE.LNG", sqlite::schema::ownLanguage(), Weight::fatal,
+                         false, "the program ends at its start", ownNeeded});
+  const auto common = open({layout.sharedDatabases() / "Common.LNG", sqlite::schema::commonLanguage(),
+                            Weight::fatal, false, "the program ends at its start", commonNeeded});
+  const auto faults = open({layout.ownDatabases() / "FAULT.MDB",
+                            sqlite::schema::faultDatabase(),
+                            Weight::fatal,
+                            true,
+                            "no faults can be stored or shown",
+                            {}});
   const auto registry = open({layout.sharedDatabases() / "Register.mdb",
                               sqlite::schema::registration(),
-                              true,
+                              Weight::fatal,
                               true,
                               "the program ends when a host creates it",
                               {}});
   open({layout.sharedDatabases() / "Schedule.mdb",
         sqlite::schema::schedule(),
-        false,
+        Weight::incomplete,
         false,
         "scheduled jobs run with the default options and without a log",
         {}});
+  if (faults) examineOwners(*faults, nameOf(layout.ownDatabases() / "FAULT.MDB"), findings);
   if (own) examineTexts(*own, common.get(), findings);
   if (own) examinePictures(layout, *own, findings);
   if (registry) examineRegistration(*registry, findings);
@@ -290,18 +354,19 @@ std::vector<Finding> examineWorkstation(const SuiteLayout& layout, const Worksta
   const std::u16string version = layout.root.filename().u16string();
   if (version.size() != 5)
     findings.push_back(
-        {true, nameOf(layout.root) + ": the version directory must have a name of five characters"});
+        {Weight::fatal, nameOf(layout.root) + ": the version directory must have a name of five characters"});
   const auto path = workstation.setting(version, u"InstallPath");
   const bool elsewhere = path && *path != u"NONE" && !samePlace(fs::path(*path), layout.root);
   if (!path || *path == u"NONE")
-    findings.push_back({false, "the setting InstallPath of version " + text::toUtf8(version) +
-                                   " is missing: the program looks below its own directory"});
+    findings.push_back({Weight::incomplete, "the setting InstallPath of version " + text::toUtf8(version) +
+                                                " is missing: the program looks below its own directory"});
   else if (elsewhere)
     findings.push_back(
-        {true, "the setting InstallPath leads to " + text::toUtf8(*path) + ", not to this suite"});
+        {Weight::fatal, "the setting InstallPath leads to " + text::toUtf8(*path) + ", not to this suite"});
   if (!workstation.setting(version, u"QUILMAR32"))
     findings.push_back(
-        {false, "the setting QUILMAR32 is missing: options and logs of scheduled jobs are not found"});
+        {Weight::incomplete,
+         "the setting QUILMAR32 is missing: options and logs of scheduled jobs are not found"});
   if (!elsewhere) {
     fs::path directory = fs::absolute(layout.program()).parent_path();
     for (Finding& finding : examinePaths(layout, toText(directory.make_preferred()), workstation))
@@ -309,8 +374,8 @@ std::vector<Finding> examineWorkstation(const SuiteLayout& layout, const Worksta
   }
   const auto zul = workstation.setting(version, u"ZUL");
   if (!zul)
-    findings.push_back(
-        {false, "the setting ZUL is missing: started alone, the program finds no exchange server"});
+    findings.push_back({Weight::incomplete,
+                        "the setting ZUL is missing: started alone, the program finds no exchange server"});
   examineClasses(layout, workstation, zul, findings);
   return findings;
 }

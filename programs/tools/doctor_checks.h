@@ -1,22 +1,30 @@
 // Why a start-up would fail or be incomplete: the add-in itself must end without a word.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/database.h"
+#include "platform/program_guard.h"
 #include "suite_files.h"
 
 namespace vordane::tools {
 
-// `fatal`: the program would not start, or start without its faults; the others leave something out.
+enum class Weight : std::uint8_t {
+  fatal,       // the program would not start, or start without its faults
+  incomplete,  // it leaves something out
+  unsafe       // it starts, and somebody else's code might
+};
 struct Finding {
-  bool fatal;
+  Weight weight;
   std::string text;
 };
+std::string_view wordFor(Weight weight);  // "stops the program"
 
 // Opens the databases as the program does on this machine. Only on Windows can that be Access files too.
 std::unique_ptr<database::Engine> examiningEngine();
@@ -24,12 +32,18 @@ std::unique_ptr<database::Engine> examiningEngine();
 // Looks at every file below the version directory, reads each embedded one whole, and changes none.
 std::vector<Finding> examineFiles(const SuiteLayout& layout, database::Engine& engine);
 
-// What the workstation says of the suite: its stored settings and the classes that are registered. The
-// first of them reads a setting of application QUILMAR32, the second the command that starts a class's
-// program.
+// How a class is registered.
+struct RegisteredClass {
+  std::u16string command;  // starts its program
+  bool forEveryUser = false;
+};
+
+// What the workstation says of the suite: a setting of application QUILMAR32, a class, and who besides
+// administrators may replace a program.
 struct Workstation {
   std::function<std::optional<std::u16string>(std::u16string_view section, std::u16string_view key)> setting;
-  std::function<std::optional<std::u16string>(std::u16string_view progId)> server;
+  std::function<std::optional<RegisteredClass>(std::u16string_view progId)> registered;
+  std::function<std::vector<guard::Finding>(std::u16string_view program)> whoMayReplace;
   // Whether a file of that path is there, as the program itself asks; none where paths are of another shape.
   std::function<bool(std::u16string_view path)> exists = {};
 };

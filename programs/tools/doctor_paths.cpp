@@ -27,17 +27,16 @@ class SuiteSettings final : public platform::SettingsStore {
 struct Piece {
   std::u16string_view item, file;
   fs::path place;
-  bool fatal;
   const char* without;
 };
 
 std::vector<Piece> piecesOf(const SuiteLayout& layout) {
   constexpr const char* noStart = "the program ends at its start";
   return {
-      {u"REGDBOFQUIL32", u"Common.LNG", layout.sharedDatabases(), true, noStart},
-      {u"Database", u"VORDANE.LNG", layout.ownDatabases(), true, noStart},
-      {u"Database", u"FAULT.MDB", layout.ownDatabases(), true, "no faults can be stored or shown"},
-      {u"REGDBOFQUIL32", u"Register.mdb", layout.sharedDatabases(), true,
+      {u"REGDBOFQUIL32", u"Common.LNG", layout.sharedDatabases(), noStart},
+      {u"Database", u"VORDANE.LNG", layout.ownDatabases(), noStart},
+      {u"Database", u"FAULT.MDB", layout.ownDatabases(), "no faults can be stored or shown"},
+      {u"REGDBOFQUIL32", u"Register.mdb", layout.sharedDatabases(),
        "the program ends when a host creates it"},
   };
 }
@@ -55,8 +54,9 @@ std::vector<Finding> examinePaths(const SuiteLayout& layout, std::u16string_view
         comRegQuil32::GetInstallPath(installation, u"Addins", piece.item) + std::u16string(piece.file);
     std::error_code failure;
     if (!fs::is_regular_file(piece.place / piece.file, failure) || workstation.exists(path)) continue;
-    findings.push_back({piece.fatal, "the program looks for " + text::toUtf8(path) +
-                                         ", which is not there although the suite has it: " + piece.without});
+    findings.push_back(
+        {Weight::fatal, "the program looks for " + text::toUtf8(path) +
+                            ", which is not there although the suite has it: " + piece.without});
   }
   return findings;
 }

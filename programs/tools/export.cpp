@@ -2,6 +2,7 @@
 
 #include "access_reading.h"
 #include "commands.h"
+#include "database_files.h"
 #include "export_csv.h"
 #include "export_texts.h"
 #include "language_source.h"
@@ -22,12 +23,12 @@ void readAnyFile(const std::string& name, access::Visitor& visitor) {
       case database::FileKind::embedded:
         return sqlite::readTables(path.u16string(), visitor);
       case database::FileKind::missing:
-        throw ToolError(name + ": there is no such file");
+        throw database::DatabaseError(3024, path.u16string());
       case database::FileKind::unknown:
-        throw ToolError(name + ": is no database");
+        throw database::DatabaseError(3343, path.u16string());
     }
   } catch (const database::DatabaseError& failure) {
-    throw ToolError(name + ": " + text::toUtf8(failure.description()));
+    throw ToolError(failureText(name, failure));
   }
 }
 
@@ -35,8 +36,8 @@ void tell(const std::vector<std::filesystem::path>& files) {
   for (const auto& file : files) std::cout << text::toUtf8(file.u16string()) << '\n';
 }
 
-int exportCsv(const std::string& file, const std::string& folder) {
-  CsvExport out(toPath(folder));
+int exportCsv(const std::string& file, const std::string& folder, CsvUse use) {
+  CsvExport out(toPath(folder), use);
   readAnyFile(file, out);
   tell(out.files());
   return 0;
@@ -54,11 +55,12 @@ int exportTexts(const std::string& file, const std::string& folder) {
 }  // namespace
 
 int exportTables(const Arguments& arguments) {
-  if (arguments.size() == 3 && arguments[1] == "--csv") return exportCsv(arguments[0], arguments[2]);
+  if (arguments.size() == 3 && arguments[1] == "--csv")
+    return exportCsv(arguments[0], arguments[2], CsvUse::readBack);
+  if (arguments.size() == 4 && arguments[1] == "--csv" && arguments[3] == "--spreadsheet")
+    return exportCsv(arguments[0], arguments[2], CsvUse::spreadsheet);
   if (arguments.size() == 3 && arguments[1] == "--texts") return exportTexts(arguments[0], arguments[2]);
-  std::cerr << "usage: vordane-tools export FILE --csv DIR\n"
-               "       vordane-tools export FILE.LNG --texts DIR\n";
-  return 2;
+  throw Misuse("export needs a file, --csv or --texts, and a directory");
 }
 
 }  // namespace vordane::tools

@@ -1,6 +1,8 @@
 #include "export_csv.h"
 
+#include "csv.h"
 #include "lines.h"
+#include "platform/file_moves.h"
 #include "text/utf8.h"
 
 namespace vordane::tools {
@@ -9,12 +11,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t enough = std::size_t{1} << 18;
-
-std::string quoted(const std::string& text) {
-  std::string out = "\"";
-  for (const char c : text) out += c == '"' ? std::string("\"\"") : std::string(1, c);
-  return out + '"';
-}
 
 // A table's name as a file's: what no system takes in one stands as "_".
 std::u16string fileName(std::u16string name) {
@@ -25,17 +21,23 @@ std::u16string fileName(std::u16string name) {
 
 }  // namespace
 
-std::string csvField(const access::Value& value) {
+std::string csvField(const access::Value& value, CsvUse use) {
   if (automation::isNull(value) || automation::isEmpty(value)) return {};
-  const std::string text = text::toUtf8(automation::toText(value));
+  std::u16string words = automation::toText(value);
+  // Only a text can be a formula: a number may begin with a minus.
+  if (use == CsvUse::spreadsheet && std::holds_alternative<std::u16string>(value))
+    words = forSpreadsheet(std::move(words));
+  const std::string text = text::toUtf8(words);
   const bool plain = !text.empty() && text.find_first_of("\",\r\n") == std::string::npos;
-  return plain ? text : quoted(text);
+  return plain ? text : csvQuoted(text);
 }
 
-CsvExport::CsvExport(fs::path folder) : folder_(std::move(folder)) {
+CsvExport::CsvExport(fs::path folder, CsvUse use) : use_(use), folder_(std::move(folder)) {
   std::error_code failure;
   fs::create_directories(folder_, failure);
-  if (failure) throw ToolError(text::toUtf8(folder_.u16string()) + ": " + failure.message());
+  if (failure)
+    throw ToolError(text::toUtf8(folder_.u16string()) + ": the folder can't be made (" + failure.message() +
+                    "). Name a folder that you may write to");
 }
 
 CsvExport::~CsvExport() {
@@ -52,13 +54,13 @@ void CsvExport::beginTable(const access::Table& table) {
   pending_ += ".part";
   out_.open(pending_, std::ios::binary | std::ios::trunc);
   std::vector<std::string> names;
-  for (const access::Column& column : table.columns) names.push_back(csvField(column.name));
+  for (const access::Column& column : table.columns) names.push_back(csvField(column.name, use_));
   write(names);
 }
 
 void CsvExport::row(const std::vector<access::Value>& values) {
   std::vector<std::string> fields;
-  for (const access::Value& value : values) fields.push_back(csvField(value));
+  for (const access::Value& value : values) fields.push_back(csvField(value, use_));
   write(fields);
 }
 
@@ -80,8 +82,10 @@ void CsvExport::endTable() {
   flush();
   out_.close();
   std::error_code failure;
-  if (out_) fs::rename(pending_, target_, failure);
-  if (!out_ || failure) throw ToolError(text::toUtf8(target_.u16string()) + ": can't be written");
+  if (out_) failure = platform::moveFile(pending_, target_);
+  if (!out_ || failure)
+    throw ToolError(text::toUtf8(target_.u16string()) +
+                    ": can't be written. Check the room on its disk and that no program holds the file");
   pending_.clear();
   files_.push_back(target_);
 }

@@ -3,17 +3,14 @@
 #include "access_reading.h"
 #include "commands.h"
 #include "import_suite.h"
-#include "language_source.h"
+#include "suite_files.h"
 #include "text/utf8.h"
 
 namespace vordane::tools {
 
 int import(const Arguments& arguments) {
-  if (arguments.size() != 1) {
-    std::cerr << "usage: vordane-tools import SUITE_DIR\n";
-    return 2;
-  }
-  const auto files = importSuite(toPath(arguments.front()), accessReading());
+  if (arguments.size() != 1) throw Misuse("the version directory of a suite is needed, and nothing else");
+  const auto files = importSuite(suiteDirectory(arguments.front()), accessReading());
   for (const ImportedFile& file : files) {
     std::cout << text::toUtf8(file.path.u16string()) << ": brought over, the Access file is kept as "
               << text::toUtf8(file.kept.filename().u16string()) << '\n';

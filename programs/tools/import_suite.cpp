@@ -6,6 +6,8 @@
 #include <span>
 #include <utility>
 
+#include "database_files.h"
+#include "lines.h"
 #include "platform/engine_choice.h"
 #include "platform/sqlite/schema.h"
 #include "text/dates.h"
@@ -130,30 +132,33 @@ class Pending {
 };
 
 // At no moment is there no file under the name: the Access file gets a second name, then the new file takes
-// the first one over.
-void takePlace(const fs::path& written, ImportedFile& file) {
+// the first one over. A file that another program holds can't lose a second name either, so the name it has
+// is tried first.
+void takePlace(const fs::path& written, ImportedFile& file, const platform::Pause& pause) {
   const fs::path kept = keptName(file.path);
-  std::error_code noLinks;
-  fs::create_hard_link(file.path, kept, noLinks);
-  try {
-    if (noLinks) fs::copy_file(file.path, kept);
-    fs::rename(written, file.path);
-  } catch (...) {
-    std::error_code ignored;
-    fs::remove(kept, ignored);
-    throw;
+  std::error_code failure = platform::moveFile(file.path, file.path, pause);
+  if (!failure) {
+    fs::create_hard_link(file.path, kept, failure);
+    if (failure) fs::copy_file(file.path, kept, failure);
+    if (!failure) failure = platform::moveFile(written, file.path, pause);
+    if (!failure) {
+      file.kept = kept;
+      return;
+    }
+    platform::removeFile(kept, pause);
   }
-  file.kept = kept;
+  throw ToolError(
+      text::toUtf8(file.path.u16string()) + ": can't be replaced (" + failure.message() +
+      "). End the programs that use it and see that its folder may be written, then import again");
 }
 
-void takePlaces(std::vector<ImportedFile>& files) {
+void takePlaces(std::vector<ImportedFile>& files, const platform::Pause& pause) {
   try {
-    for (ImportedFile& file : files) takePlace(withEnding(file.path, importEnding), file);
+    for (ImportedFile& file : files) takePlace(withEnding(file.path, importEnding), file, pause);
   } catch (...) {
     // Those that had their turn go back: a suite is brought over whole or not at all.
-    std::error_code ignored;
     for (const ImportedFile& file : files)
-      if (!file.kept.empty()) fs::rename(file.kept, file.path, ignored);
+      if (!file.kept.empty()) platform::moveFile(file.kept, file.path, pause);
     throw;
   }
 }
@@ -163,19 +168,25 @@ void requireUnused(const fs::path& path) {
   for (const char* ending : {".ldb", ".LDB"}) {
     const fs::path lock = fs::path(path).replace_extension(ending);
     if (fs::exists(lock))
-      throw access::AccessError(text::toUtf8(path.u16string()) +
-                                " is in use: " + text::toUtf8(lock.filename().u16string()) +
-                                " stands beside it. End the programs that use it (or, if none does, delete "
-                                "that file), then import again");
+      throw ToolError(text::toUtf8(path.u16string()) +
+                      " is in use: " + text::toUtf8(lock.filename().u16string()) +
+                      " stands beside it. End the programs that use it (or, if none does, delete "
+                      "that file), then import again");
   }
 }
 
 std::vector<fs::path> accessFilesBelow(const fs::path& directory) {
   std::vector<fs::path> found;
-  for (const auto& entry : fs::recursive_directory_iterator(directory))
-    if (entry.is_regular_file() && suiteFile(entry.path()) != nullptr &&
-        database::fileKind(entry.path().u16string()) == database::FileKind::access)
-      found.push_back(entry.path());
+  std::error_code failure;
+  for (auto entry = fs::recursive_directory_iterator(directory, failure);
+       !failure && entry != fs::recursive_directory_iterator(); entry.increment(failure))
+    if (entry->is_regular_file(failure) && suiteFile(entry->path()) != nullptr &&
+        database::fileKind(entry->path().u16string()) == database::FileKind::access)
+      found.push_back(entry->path());
+  if (failure)
+    throw ToolError(text::toUtf8(directory.u16string()) + ": the folder can't be searched (" +
+                    failure.message() +
+                    "). Name the version directory of an installed suite that you may read");
   std::sort(found.begin(), found.end());
   return found;
 }
@@ -187,26 +198,43 @@ void requireTables(const fs::path& path, const std::vector<ImportedTable>& table
       return text::equalIgnoringCase(text::fromUtf8(table.name), needed.name);
     });
     if (!found)
-      throw access::AccessError(text::toUtf8(path.u16string()) + " is damaged: it has no table " +
+      throw access::AccessError(text::toUtf8(path.u16string()) + ": it is damaged, since it has no table " +
                                 text::toUtf8(needed.name));
+  }
+}
+
+// Reads an Access file and writes what it holds beside it.
+std::vector<ImportedTable> bringOver(const fs::path& path, const fs::path& written,
+                                     const AccessReading& read) {
+  const std::string name = text::toUtf8(path.u16string());
+  try {
+    Import import(written);
+    read(path, import);
+    std::vector<ImportedTable> tables = import.finish();
+    requireTables(path, tables);
+    return tables;
+  } catch (const access::AccessError& failure) {
+    const std::string reason = failure.what();
+    throw ToolError((reason.starts_with(name) ? "" : name + ": ") + reason +
+                    ". Nothing was changed. Let Access repair the file, then import again");
+  } catch (const database::DatabaseError& failure) {
+    throw ToolError(failureText(name, failure) + ". Nothing was changed");
   }
 }
 
 }  // namespace
 
-std::vector<ImportedFile> importSuite(const fs::path& directory, const AccessReading& read) {
+std::vector<ImportedFile> importSuite(const fs::path& directory, const AccessReading& read,
+                                      const platform::Pause& pause) {
   std::vector<ImportedFile> files;
   Pending pending;
   for (const fs::path& path : accessFilesBelow(directory)) {
     requireUnused(path);
     const fs::path written = withEnding(path, importEnding);
     pending.add(written);
-    Import import(written);
-    read(path, import);
-    files.push_back({path, {}, import.finish()});
-    requireTables(path, files.back().tables);
+    files.push_back({path, {}, bringOver(path, written, read)});
   }
-  takePlaces(files);
+  takePlaces(files, pause);
   return files;
 }
 

@@ -24,16 +24,10 @@ int check(const Arguments& folders) {
   return report(problems);
 }
 
-int usage() {
-  std::cerr << "usage: vordane-tools language check FOLDER ...\n"
-               "       vordane-tools language build [--common] FOLDER OUT.LNG\n";
-  return 2;
-}
-
 int build(Arguments arguments) {
   const bool common = arguments.front() == "--common";
   if (common) arguments.erase(arguments.begin());
-  if (arguments.size() != 2) return usage();
+  if (arguments.size() != 2) throw Misuse("language build needs a folder and the file to make");
   Problems problems;
   const LanguageSource source = readLanguage(toPath(arguments[0]), problems);
   checkLanguage(source, problems);
@@ -45,10 +39,10 @@ int build(Arguments arguments) {
 }  // namespace
 
 int language(const Arguments& arguments) {
-  if (arguments.size() < 2) return usage();
+  if (arguments.size() < 2) throw Misuse("language needs check or build and a folder");
   if (arguments[0] == "check") return check({arguments.begin() + 1, arguments.end()});
   if (arguments[0] == "build") return build({arguments.begin() + 1, arguments.end()});
-  return usage();
+  throw Misuse("language does not know " + arguments[0]);
 }
 
 }  // namespace vordane::tools

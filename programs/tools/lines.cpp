@@ -1,5 +1,8 @@
 #include "lines.h"
 
+#include "console.h"
+#include "terminal_text.h"
+
 namespace vordane::tools {
 namespace {
 
@@ -15,7 +18,7 @@ bool LineReader::fill() {
   buffer_.resize(kept + blockSize);
   const std::size_t count = std::fread(buffer_.data() + kept, 1, blockSize, file_);
   buffer_.resize(kept + count);
-  if (std::ferror(file_) != 0) throw ToolError("the input can't be read");
+  if (std::ferror(file_) != 0) throw ToolError("the input can't be read. Give it as a file that may be read");
   return count > 0;
 }
 
@@ -43,8 +46,16 @@ void BlockWriter::flushIfLarge() {
 }
 
 void BlockWriter::finish() {
-  const bool written = std::fwrite(buffer_.data(), 1, buffer_.size(), file_) == buffer_.size();
-  if (!written || std::fflush(file_) != 0) throw ToolError("the output can't be written");
+  if (terminal_) {
+    std::string shown;
+    TerminalText text;  // blocks end with lines, so nothing of a character is still to come
+    text.append(buffer_, shown);
+    text.finish(shown);
+    writeTerminal(file_, shown);
+  } else if (std::fwrite(buffer_.data(), 1, buffer_.size(), file_) != buffer_.size() ||
+             std::fflush(file_) != 0) {
+    throw ToolError("the output can't be written. Make room on its disk, or write it elsewhere");
+  }
   buffer_.clear();
 }
 

@@ -35,10 +35,11 @@ class LineReader {
   std::size_t number_ = 0;
 };
 
-// Collects output and writes it in large blocks. `finish` must be called at the end.
+// Collects output and writes it in large blocks, for a terminal as terminal_text.h says. `finish` must be
+// called at the end.
 class BlockWriter {
  public:
-  explicit BlockWriter(std::FILE* file) : file_(file) {}
+  BlockWriter(std::FILE* file, bool terminal) : file_(file), terminal_(terminal) {}
   std::string& buffer() { return buffer_; }
   // Called between lines; throws ToolError when the output can't be written.
   void flushIfLarge();
@@ -46,6 +47,7 @@ class BlockWriter {
 
  private:
   std::FILE* file_;
+  bool terminal_;
   std::string buffer_;
 };
 

@@ -12,31 +12,31 @@ struct SuiteOptions {
   std::string directory, language = "en", source = "data";
 };
 
-bool parse(const Arguments& arguments, SuiteOptions& options) {
+SuiteOptions parse(const Arguments& arguments) {
+  SuiteOptions options;
   for (std::size_t at = 0; at < arguments.size(); ++at) {
     const std::string& argument = arguments[at];
     const bool named = argument == "--language" || argument == "--source";
-    if (named && at + 1 == arguments.size()) return false;
+    if (named && at + 1 == arguments.size()) throw Misuse(argument + " needs a value behind it");
     if (argument == "--language")
       options.language = arguments[++at];
     else if (argument == "--source")
       options.source = arguments[++at];
-    else if (argument.starts_with("--") || !options.directory.empty())
-      return false;
+    else if (argument.starts_with("--"))
+      throw Misuse("unknown option " + argument);
+    else if (!options.directory.empty())
+      throw Misuse("one directory at a time: " + options.directory + " or " + argument);
     else
       options.directory = argument;
   }
-  return !options.directory.empty();
+  if (options.directory.empty()) throw Misuse("the directory of the suite is missing");
+  return options;
 }
 
 }  // namespace
 
 int suite(const Arguments& arguments) {
-  SuiteOptions options;
-  if (!parse(arguments, options)) {
-    std::cerr << "usage: vordane-tools suite DIR [--language en] [--source data]\n";
-    return 2;
-  }
+  const SuiteOptions options = parse(arguments);
   Problems problems;
   const LanguageSource source =
       readLanguage(toPath(options.source) / "language" / toPath(options.language), problems);

@@ -37,7 +37,9 @@ void writeFile(const fs::path& path, const std::string& bytes) {
   std::ofstream out(path, std::ios::binary | std::ios::trunc);
   out << bytes;
   out.close();
-  if (!out) throw ToolError(text::toUtf8(toText(path)) + ": can't be written");
+  if (!out)
+    throw ToolError(text::toUtf8(toText(path)) +
+                    ": can't be written. Check the rights of its folder and the room on its disk");
 }
 
 void makeRegistration(const fs::path& path) {
@@ -71,6 +73,16 @@ void makeOnce(const fs::path& path, void (*make)(const fs::path&)) {
 }
 
 }  // namespace
+
+fs::path suiteDirectory(const std::string& named) {
+  std::error_code failure;
+  const fs::path whole = fs::absolute(toPath(named), failure).lexically_normal();
+  if (failure || !fs::is_directory(whole, failure))
+    throw ToolError(named +
+                    ": there is no such directory. Name the version directory of a suite, such as "
+                    "C:\\QUILMAR32\\30000");
+  return whole.has_filename() ? whole : whole.parent_path();
+}
 
 void makeSuiteFiles(const SuiteLayout& layout, const LanguageSource& language) {
   for (const fs::path& folder :

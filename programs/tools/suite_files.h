@@ -18,6 +18,10 @@ struct SuiteLayout {
   std::filesystem::path pictures() const { return root / "BACKGRND"; }
 };
 
+// The directory that a person names, which may end in a separator, as "InstallPath" does, or be "." or "..":
+// absolute, without any of these. Throws ToolError when there is none.
+std::filesystem::path suiteDirectory(const std::string& named);
+
 // Makes every data file that is missing. What a user's work may have changed (stored faults, registration,
 // jobs) stays when it is there; texts, pictures and help are made anew. Throws ToolError or
 // database::DatabaseError.

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "console.h"
+#include "database_files.h"
 #include "language/comLanguage.h"
 #include "lines.h"
 #include "platform/automation.h"
@@ -33,7 +34,7 @@ int number(std::string_view field, const std::string& path, const LineReader& li
 template <class Take>
 void forEachLine(const std::string& path, Take take) {
   const File file = openForReading(path);
-  if (!file) throw ToolError(path + ": can't be opened");
+  if (!file) throw ToolError(path + ": can't be opened. Check the path and the rights of the file");
   LineReader lines(file.get());
   while (const auto line = lines.next()) {
     std::string_view text = *line;
@@ -96,7 +97,7 @@ void readWindowLists(database::Database& database, FaultTextTable& texts) {
 
 void readLanguage(database::Engine& engine, const std::string& path, FaultTextTable& texts) {
   if (database::fileKind(text::fromUtf8(path)) == database::FileKind::access)
-    throw ToolError(path + ": is an Access file and has to be imported first");
+    throw ToolError(path + ": is an Access file and has to be imported first (vordane-tools import)");
   try {
     const auto database = engine.open(text::fromUtf8(path), true);
     std::vector<std::u16string> messages;
@@ -105,7 +106,7 @@ void readLanguage(database::Engine& engine, const std::string& path, FaultTextTa
     texts.setMessages(messages);
     readWindowLists(*database, texts);
   } catch (const database::DatabaseError& error) {
-    throw ToolError(path + ": " + text::toUtf8(error.description()));
+    throw ToolError(failureText(path, error));
   }
 }
 

@@ -26,7 +26,8 @@ constexpr bool isUnused(std::size_t number) {
   return (number >= 10 && number <= 13) || number == 52 || (number >= 91 && number <= 100) ||
          (number >= 102 && number <= 105) || number == 116 || number == 117 ||
          (number >= 151 && number <= 159) || number == 169 || number == 170 || number == 181 ||
-         number == 182 || number == 187 || number == 213 || number == 222 || number == 223;
+         number == 182 || number == 187 || number == 213 || number == 222 || number == 223 ||
+         (number >= 237 && number <= 244);
 }
 
 // Lamps, in words.
@@ -117,7 +118,17 @@ inline constexpr std::size_t runAckFailed = 234;  // {1} reason
 inline constexpr std::size_t noticeReadingOf = 235;
 inline constexpr std::size_t noticeDeletingOf = 236;
 
-inline constexpr std::size_t count = 237;  // of all texts
+// Of the window.
+inline constexpr std::size_t clipboardHeld = 237;
+inline constexpr std::size_t lookUpWrappedBack = 238;  // backwards, went on from the bottom
+
+// Limits, and an answer to a question about something else.
+inline constexpr std::size_t reasonTooLarge = 239;
+inline constexpr std::size_t reasonTextCut = 240;  // longer than is kept
+inline constexpr std::size_t reasonNoMemory = 241;
+inline constexpr std::size_t statusNotDeleted = 242;  // {1} time; another exchange came to be shown
+
+inline constexpr std::size_t count = 243;  // of all texts
 
 // The texts with an access key. Within one window, captions of controls included, a key opens one thing.
 inline constexpr std::array windowKeys{lookUpLabel, lookUpNext};

@@ -25,12 +25,16 @@ std::size_t messageNumber(window::ViewText which) {
       return message::lookUpNotFound;
     case ViewText::lookUpWrapped:
       return message::lookUpWrapped;
+    case ViewText::lookUpWrappedBack:
+      return message::lookUpWrappedBack;
     case ViewText::copyFault:
       return message::menuCopy;
     case ViewText::selectedFault:
       return message::paneName;
     case ViewText::noSelection:
       return message::paneEmpty;
+    case ViewText::clipboardHeld:
+      return message::clipboardHeld;
   }
   return message::count;  // no text has this number
 }

@@ -30,10 +30,13 @@ class cListRequest : public automation::TableObject {
   static constexpr std::size_t columnCount = 8;
   static constexpr std::size_t maximumCount = 32767;  // what the 16-bit count holds
 
+  using Entry = std::array<std::u16string, columnCount>;
+  static constexpr std::size_t bytesOfEntry = sizeof(Entry);  // its texts not counted
+
   // Throws AutomationError (run-time error 6, overflow) at the 32,768th entry.
   void AddToList(std::u16string_view CMD, std::u16string_view FD = {}, std::u16string_view SD = {},
                  std::u16string_view ED = {}, std::u16string_view PDesc = {});
-  void Clear();
+  void Clear();  // frees the texts too
   std::int16_t Count() const { return static_cast<std::int16_t>(entries_.size()); }
 
   // An index out of range reads "" and drops a write.
@@ -52,7 +55,6 @@ class cListRequest : public automation::TableObject {
   automation::Value indexed(Column column, automation::CallKind kind,
                             std::span<automation::Argument> arguments);
 
-  using Entry = std::array<std::u16string, columnCount>;
   std::vector<Entry> entries_;
 };
 

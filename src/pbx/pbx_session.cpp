@@ -1,6 +1,8 @@
 #include "pbx/pbx_session.h"
 
 #include <algorithm>
+#include <array>
+#include <new>
 #include <utility>
 
 #include "pbx/answer_reading.h"
@@ -27,9 +29,7 @@ bool isRefusal(std::u16string_view answer) {
 std::int16_t actionOfTag(std::u16string_view tag) {
   try {
     const std::int16_t number = automation::toInteger(std::u16string(tag));
-    const bool known =
-        number == action::ingest || number == action::alarmsCleared || number == action::alarmState;
-    return known ? number : std::int16_t{0};
+    return action::isAnswer(number) ? number : std::int16_t{0};
   } catch (const AutomationError&) {
     return 0;
   }
@@ -42,6 +42,38 @@ std::u16string textOrEmpty(const Call& call) {
     return automation::toText(call());
   } catch (const AutomationError&) {
     return {};
+  }
+}
+
+// A step whose failure, a lack of memory included, must not stop what follows.
+template <class Step>
+void regardless(const Step& step) {
+  try {
+    step();
+  } catch (const std::exception&) {
+    // Whatever a host or a server lacks or does, every further step still runs.
+  }
+}
+
+// A lack of memory may be over in a moment: what an unreadable answer took has been freed.
+template <class Step>
+void twice(const Step& step) {
+  try {
+    step();
+  } catch (const std::bad_alloc&) {
+    step();
+  }
+}
+
+// Runs a step of taking an answer; what it raises is told as the reason why the answer could not be read.
+template <class Step>
+void reading(std::optional<Failure>& unreadable, const Step& step) {
+  try {
+    step();
+  } catch (const std::bad_alloc&) {
+    unreadable = Failure::noMemory;
+  } catch (const std::exception&) {
+    unreadable = Failure::unreadable;
   }
 }
 
@@ -76,15 +108,11 @@ ObjectRef PbxSession::server() {
 void PbxSession::hostCall(std::u16string_view member, std::initializer_list<automation::Argument> arguments) {
   const ObjectRef host = state_.StandAlone ? nullptr : form_.host();
   if (!host) return;
-  try {
-    automation::call(*host, member, arguments);
-  } catch (const AutomationError&) {
-    // A host that lacks a service or fails in it must not stop the conversation.
-  }
+  regardless([&] { automation::call(*host, member, arguments); });
 }
 
 void PbxSession::hostMessage(std::size_t number, const std::u16string& text) {
-  hostCall(u"ShowMessage", {byVal(messageText(state_, number) + u" " + text)});
+  regardless([&] { hostCall(u"ShowMessage", {byVal(messageText(state_, number) + u" " + text)}); });
 }
 
 // --- requests
@@ -114,7 +142,9 @@ bool PbxSession::AcknowledgeAndClear() {
   return send(step::alarmClearRequest, u"CCC", u"11", false);
 }
 
-bool PbxSession::send(std::int16_t kind, std::u16string_view secondData, std::u16string_view tag, bool list) {
+bool PbxSession::send(std::int16_t kind, std::u16string_view secondData, std::u16string_view tag,
+                      bool list) try {
+  const Step step(*this);
   state_.stepCode = kind;
   request_.kind = kind;
   auto record = std::make_shared<cListRequest>();
@@ -122,6 +152,19 @@ bool PbxSession::send(std::int16_t kind, std::u16string_view secondData, std::u1
   record->AddToList(list ? u"LEA0" : u"EA1", list ? u"" : u"00", secondData);
   record->Tag = tag;
   return LogInAndSend(*record, record);
+} catch (const std::bad_alloc&) {
+  return endWithoutMemory();
+}
+
+// No memory for a request is the end of that request alone. False.
+bool PbxSession::endWithoutMemory() {
+  const Step step(*this);
+  phase_ = Phase::idle;
+  LogOut();
+  if (!form_.alive()) return false;
+  form_.setHourglass(false);
+  regardless([&] { refuse(Failure::noMemory); });
+  return false;
 }
 
 bool PbxSession::refuse(Failure failure, std::int32_t errorCode) {
@@ -139,7 +182,7 @@ bool PbxSession::LogInAndSend(cListRequest& record, const ObjectRef& reference) 
   }
   phase_ = Phase::loggingIn;
   cancelAsked_ = false;
-  loginId_ = logIn();
+  logIn();
   if (!form_.alive()) return abandon();
   hostMessage(serverAnswer, loginId_);
   if (!form_.alive()) return abandon();
@@ -163,14 +206,14 @@ bool PbxSession::LogInAndSend(cListRequest& record, const ObjectRef& reference) 
   hostMessage(serverAnswer, result);
   if (!form_.alive()) return !answered && abandon();
   if (answered) return true;
-  LogOut(loginId_);
+  LogOut();
   return form_.alive() && refuse(Failure::sendFailed);
 }
 
 // The window has ended meanwhile and no answer will come: the exchange is let go all the same. False.
 bool PbxSession::abandon() {
   phase_ = Phase::idle;
-  if (!isRefusal(loginId_)) LogOut(loginId_);
+  LogOut();
   return false;
 }
 
@@ -184,22 +227,22 @@ void PbxSession::accepted(const std::u16string& result) {
     hostCall(u"TurnOnFlow");
   }
   announcing_ = false;
-  const auto answer = std::exchange(held_, std::nullopt);
-  if (!answer) return;
-  showAnswer(*answer);
-  conclude(*answer);
+  if (auto answer = std::exchange(held_, std::nullopt)) conclude(*answer);
 }
 
 // A raised error counts as an empty identifier; only what the user is told differs.
-std::u16string PbxSession::logIn() {
+void PbxSession::logIn() {
   loginError_ = 0;
+  std::u16string name = request_.pbxName, identifier;  // the last ones stand until there are new ones
   try {
-    return automation::toText(
+    identifier = automation::toText(
         automation::call(*server(), u"Login", {byRef(request_.pbxName), byVal(form_.caller())}));
   } catch (const AutomationError& failure) {
     loginError_ = failure.code();
-    return {};
   }
+  loggedIn_ = !isRefusal(identifier);
+  loginId_ = std::move(identifier);
+  loginName_ = std::move(name);
 }
 
 Failure PbxSession::loginFailure() const {
@@ -212,12 +255,19 @@ std::u16string PbxSession::sendRequest(const ObjectRef& record) {
   return textOrEmpty([&] { return automation::call(*server(), u"SendRequest", {byRef(record)}); });
 }
 
-void PbxSession::LogOut(const std::u16string& loginId) {
-  try {
-    automation::call(*server(), u"LogOut", {byRef(request_.pbxName), byRef(loginId)});
-  } catch (const AutomationError&) {
-    // The exchange server ends what was left open by itself.
-  }
+// Once for each log-in.
+void PbxSession::LogOut() {
+  if (!std::exchange(loggedIn_, false)) return;
+  regardless([&] {
+    // Only what the call needs is made again when memory ran out; the call itself is made once.
+    ObjectRef exchange;
+    std::array<automation::Argument, 2> arguments;
+    twice([&] {
+      exchange = server();
+      arguments = {byRef(loginName_), byRef(loginId_)};
+    });
+    automation::call(*exchange, u"LogOut", arguments);
+  });
   hostCall(u"TurnOffFlow");
   if (!form_.alive()) return;
   form_.setInputEnabled(true);
@@ -227,11 +277,8 @@ void PbxSession::LogOut(const std::u16string& loginId) {
 void PbxSession::CancelRequest() {
   if (isRefusal(loginId_)) return;
   cancelAsked_ = true;
-  try {
-    automation::call(*server(), u"CancelRequest", {byRef(request_.pbxName), byRef(loginId_)});
-  } catch (const AutomationError&) {
-    // The answer, or its absence, is dealt with as ever.
-  }
+  // The answer, or its absence, is dealt with as ever.
+  regardless([&] { automation::call(*server(), u"CancelRequest", {byRef(loginName_), byRef(loginId_)}); });
 }
 
 void PbxSession::interrupt() {
@@ -239,7 +286,23 @@ void PbxSession::interrupt() {
   phase_ = open ? Phase::interrupted : Phase::idle;
 }
 
+PbxSession::Step::~Step() {
+  --session_.steps_;
+  session_.letServerGo();
+}
+
 void PbxSession::release() {
+  released_ = true;
+  letServerGo();
+}
+
+// An answer of an own server that is let go could come nowhere, so the exchange is let go first.
+void PbxSession::letServerGo() {
+  if (!released_ || steps_ > 0) return;
+  if (state_.StandAlone) {
+    phase_ = Phase::idle;
+    LogOut();
+  }
   server_.reset();
 }
 
@@ -250,103 +313,122 @@ bool PbxSession::isAnswer(const std::u16string& loginId) const {
   return expected && (loginId.empty() || loginId == loginId_);
 }
 
+// Empty for one that can't be read, which stands for the own one.
+std::u16string PbxSession::identifierOf(automation::Object& response) {
+  std::u16string identifier;
+  regardless([&] {
+    try {
+      identifier = readText(response, u"LoginID").value_or(u"");
+    } catch (const ServerGone&) {
+    }
+  });
+  return identifier;
+}
+
 void PbxSession::CallBack(const ObjectRef& response) {
   if (!response || !isAnswer({})) return;
-  std::u16string loginId;
-  try {
-    loginId = readText(*response, u"LoginID").value_or(u"");
-  } catch (const ServerGone&) {
-  }
-  if (!isAnswer(loginId)) return;  // asked again: another call may have been served meanwhile
-  if (loginId.empty()) loginId = loginId_;
-  if (std::exchange(phase_, Phase::idle) == Phase::interrupted) return LogOut(loginId);
+  const Step step(*this);
+  // Asked again: another call may have been served meanwhile.
+  if (!isAnswer(identifierOf(*response))) return;
+  if (std::exchange(phase_, Phase::idle) == Phase::interrupted) return LogOut();
 
   Answer answer = take(*response);
-  answer.loginId = loginId;
-  if (!announcing_) showAnswer(answer);
-  stopByLog(*response, answer);
   if (announcing_)
     held_ = std::move(answer);
   else
     conclude(answer);
 }
 
-// All that is read of the record but the run log's lines.
+// All that is read of the record.
 PbxSession::Answer PbxSession::take(automation::Object& response) {
-  const bool copied = copy(response);
-  Answer answer = judge(response, copied);
-  if (!form_.alive()) return answer;
-  try {
-    answer.message = readText(response, u"Message");
-  } catch (const ServerGone&) {
-  }
+  Answer answer;
+  answer.unreadable = copy(response);
+  reading(answer.unreadable, [&] { judge(response, answer); });
+  if (form_.alive())
+    reading(answer.unreadable, [&] {
+      try {
+        answer.message = readText(response, u"Message");
+      } catch (const ServerGone&) {
+      }
+    });
   return answer;
 }
 
-void PbxSession::stopByLog(automation::Object& response, Answer& answer) {
-  if (!form_.alive() || state_.runMode != RunMode::scheduledRun || !form_.logResponse(response)) return;
-  answer.action = action::stopRun;
-  answer.success = true;
-}
-
-// False when the record could not be read as a whole.
-bool PbxSession::copy(automation::Object& response) {
+// Why the record could not be read as a whole.
+std::optional<Failure> PbxSession::copy(automation::Object& response) {
   copy_.Clear();
-  truncated_ = false;
-  try {
-    const auto count = readLong(response, u"Count");
-    if (!count) return false;
-    truncated_ = *count > maximumEntries;
-    copyEntries(response, std::min(*count, maximumEntries), copy_, [this] { return form_.alive(); });
-    return true;
-  } catch (const ServerGone&) {
-    return false;
-  }
+  truncated_ = cut_ = false;
+  std::optional<Failure> unreadable;
+  reading(unreadable, [&] {
+    try {
+      const auto count = readLong(response, u"Count");
+      if (!count) {
+        unreadable = Failure::unreadable;
+        return;
+      }
+      truncated_ = *count > maximumEntries;
+      const Copied copied =
+          copyEntries(response, std::min(*count, maximumEntries), copy_, [this] { return form_.alive(); });
+      cut_ = copied.cut;
+      if (copied.tooLarge) unreadable = Failure::tooLarge;
+    } catch (const ServerGone&) {
+      unreadable = Failure::unreadable;
+    }
+  });
+  if (unreadable == Failure::noMemory) copy_.Clear();
+  return unreadable;
 }
 
-PbxSession::Answer PbxSession::judge(automation::Object& response, bool copied) {
-  Answer answer;
-  answer.unreadable = true;
-  if (!form_.alive()) return answer;
+void PbxSession::judge(automation::Object& response, Answer& answer) {
+  if (!form_.alive()) return;
   try {
-    const auto code = readLong(response, u"ErrCode");
-    if (!code) return answer;
-    answer.coded = true;
-    answer.unreadable = !copied;
-    answer.errorCode = *code;
-    if (!copied || *code % 100 != 0) return answer;
+    answer.errorCode = readLong(response, u"ErrCode");
+    if (!answer.errorCode) answer.unreadable = answer.unreadable.value_or(Failure::unreadable);
+    if (answer.unreadable || *answer.errorCode % 100 != 0) return;
     answer.action = actionOfTag(readText(response, u"Tag").value_or(u""));
     answer.success = answer.action != 0;
-    if (!answer.success) return answer;
+    if (!answer.success) return;
     if (readText(response, u"Message") == u"")
       automation::put(response, u"Message", messageText(state_, requestDone));
   } catch (const ServerGone&) {
     answer = {};
-    answer.unreadable = true;
+    answer.unreadable = Failure::unreadable;
   } catch (const AutomationError&) {
     // A message that can't be written stays as it is.
   }
-  return answer;
 }
 
-void PbxSession::showAnswer(const Answer& answer) {
-  if (form_.alive() && answer.message) hostCall(u"ShowMessage", {byVal(*answer.message)});
-  if (form_.alive() && answer.coded) hostCall(u"ShowCode", {byVal(answer.errorCode)});
+void PbxSession::showAnswer(Answer& answer) {
+  if (form_.alive() && answer.message)
+    reading(answer.unreadable, [&] { hostCall(u"ShowMessage", {byVal(std::move(*answer.message))}); });
+  if (form_.alive() && answer.errorCode)
+    reading(answer.unreadable, [&] { hostCall(u"ShowCode", {byVal(*answer.errorCode)}); });
 }
 
-void PbxSession::conclude(const Answer& answer) {
-  LogOut(answer.loginId);
+void PbxSession::stopByLog(Answer& answer) {
+  if (!form_.alive() || state_.runMode != RunMode::scheduledRun) return;
+  if (!form_.logResponse(answer.errorCode)) return;
+  answer.action = action::stopRun;
+}
+
+// All that follows an answer, whatever became of it.
+void PbxSession::conclude(Answer& answer) {
+  showAnswer(answer);
+  stopByLog(answer);
+  LogOut();
   if (!form_.alive()) return;
-  if (!answer.success || answer.action == action::stopRun)
-    form_.requestFailed(failureOf(answer), answer.errorCode);
-  if (answer.success)
+  const bool stops = answer.action == action::stopRun;
+  const bool taken = answer.success && !answer.unreadable;
+  if (!taken || stops)
+    regardless([&] { twice([&] { form_.requestFailed(failureOf(answer), answer.errorCode.value_or(0)); }); });
+  if (taken || stops)
     form_.actionFollows(answer.action);
   else
     form_.answerFailed();
 }
 
 Failure PbxSession::failureOf(const Answer& answer) const {
-  if (answer.unreadable) return Failure::unreadable;
+  if (answer.unreadable) return *answer.unreadable;
   return cancelAsked_ ? Failure::cancelled : Failure::errorCode;
 }
 

@@ -26,6 +26,8 @@ enum class Failure {
   sendFailed,
   errorCode,   // the answer's code, or a tag that stands for no action
   unreadable,  // the answer could not be read, or its server went away meanwhile
+  tooLarge,    // the answer needs more memory than is allowed for one
+  noMemory,    // there was none left for the answer or the request
   cancelled,   // the answer failed after the server was asked to give the request up
 };
 
@@ -39,9 +41,10 @@ class SessionForm {
   virtual std::u16string jobKey() = 0;
   virtual void setHourglass(bool on) = 0;
   virtual void setInputEnabled(bool on) = 0;
-  virtual int askBeforeRequest() = 0;                          // box 109; 7 is No
-  virtual bool alive() = 0;                                    // false once an ending has begun
-  virtual bool logResponse(automation::Object& response) = 0;  // true: the run must stop
+  virtual int askBeforeRequest() = 0;  // box 109; 7 is No
+  virtual bool alive() = 0;            // false once an ending has begun
+  // Writes the copied answer into the run log; without a code, it could not be read. True: the run must stop.
+  virtual bool logResponse(std::optional<std::int32_t> errorCode) = 0;
   // The conversation of an answered request is over: the action that its answer calls for ...
   virtual void actionFollows(std::int16_t action) = 0;
   // ... or none.
@@ -56,6 +59,11 @@ inline constexpr std::int16_t ingest = 10;
 inline constexpr std::int16_t alarmsCleared = 11;
 inline constexpr std::int16_t alarmState = 12;
 inline constexpr std::int16_t stopRun = 100;
+
+// One that the exchange's answer calls for.
+constexpr bool isAnswer(std::int16_t code) {
+  return code == ingest || code == alarmsCleared || code == alarmState;
+}
 }  // namespace action
 
 class PbxSession {
@@ -78,19 +86,24 @@ class PbxSession {
   bool AcknowledgeFaultList();
   bool AcknowledgeAndClear();
 
-  // An answer from the server. Calls that no request waits for are ignored. Never throws. One that comes
-  // while the host still hears of the acceptance is read at once, since the server may let go of its record;
-  // what follows it waits until the host has taken `TurnOnFlow`, so that the flow is never left turned on.
+  // An answer from the server. Calls that no request waits for are ignored. Never throws: whatever is raised
+  // while an answer is taken, a lack of memory included, makes it an unreadable one, and the log-out and the
+  // end of the action follow as ever. One that comes while the host still hears of the acceptance is read at
+  // once, since the server may let go of its record; what follows it waits until the host has taken
+  // `TurnOnFlow`, so that the flow is never left turned on.
   void CallBack(const automation::ObjectRef& response);
 
   // Asks the server to give the request up, when a log-in identifier is held.
   void CancelRequest();
   // The window ends: an answer that still comes only logs out, while the host is held.
   void interrupt();
-  void release();  // lets go of the exchange server
+  // Lets go of the exchange server, behind the log-out that an open conversation with an own server still
+  // needs: at once, or when the call that is under way has returned.
+  void release();
 
   const cListRequest& response() const { return copy_; }
   bool responseTruncated() const { return truncated_; }
+  bool responseCut() const { return cut_; }  // a text was longer than is kept
   const std::u16string& requestName() const { return request_.pbxName; }
   bool requestWide() const { return request_.wide; }
 
@@ -103,32 +116,44 @@ class PbxSession {
   };
   struct Answer {
     bool success = false;
-    bool unreadable = false;
-    bool coded = false;  // its code could be read
-    std::int32_t errorCode = 0;
+    std::optional<Failure> unreadable;  // why it could not be read
+    std::optional<std::int32_t> errorCode;
     std::int16_t action = 0;
-    std::u16string loginId;
     std::optional<std::u16string> message;
+  };
+  // While one exists, a step of the conversation is under way; the last one lets the released server go.
+  class Step {
+   public:
+    explicit Step(PbxSession& session) : session_(session) { ++session_.steps_; }
+    ~Step();
+    Step(const Step&) = delete;
+    Step& operator=(const Step&) = delete;
+
+   private:
+    PbxSession& session_;
   };
 
   void takeRegistered();
   bool send(std::int16_t kind, std::u16string_view secondData, std::u16string_view tag, bool list);
   bool LogInAndSend(cListRequest& record, const automation::ObjectRef& reference);
+  bool endWithoutMemory();
   void accepted(const std::u16string& result);
   bool refuse(Failure failure, std::int32_t errorCode = 0);
   bool abandon();
-  std::u16string logIn();
+  void logIn();
   Failure loginFailure() const;
   std::u16string sendRequest(const automation::ObjectRef& record);
-  void LogOut(const std::u16string& loginId);
+  void LogOut();
+  void letServerGo();
 
   bool isAnswer(const std::u16string& loginId) const;
-  bool copy(automation::Object& response);
-  Answer judge(automation::Object& response, bool copied);
+  static std::u16string identifierOf(automation::Object& response);
   Answer take(automation::Object& response);
-  void stopByLog(automation::Object& response, Answer& answer);
-  void showAnswer(const Answer& answer);
-  void conclude(const Answer& answer);
+  std::optional<Failure> copy(automation::Object& response);
+  void judge(automation::Object& response, Answer& answer);
+  void showAnswer(Answer& answer);
+  void stopByLog(Answer& answer);
+  void conclude(Answer& answer);
   Failure failureOf(const Answer& answer) const;
 
   automation::ObjectRef server();  // Parent.oPBX, read afresh, or the own one; throws AutomationError
@@ -138,15 +163,18 @@ class PbxSession {
   SessionForm& form_;
   SharedState& state_;
   automation::ObjectRef server_;
-  std::u16string loginId_;
-  std::int32_t loginError_ = 0;  // raised by the last log-in
+  std::u16string loginName_, loginId_;  // of the last log-in
+  std::int32_t loginError_ = 0;         // raised by it
+  bool loggedIn_ = false;               // and not out again
   Request request_;
   Phase phase_ = Phase::idle;
+  int steps_ = 0;
+  bool released_ = false;
   bool announcing_ = false;  // the host is being told that the request was accepted
   bool cancelAsked_ = false;
   std::optional<Answer> held_;  // came meanwhile
   cListRequest copy_;
-  bool truncated_ = false;
+  bool truncated_ = false, cut_ = false;
 };
 
 }  // namespace vordane::pbx

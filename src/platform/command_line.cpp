@@ -1,5 +1,6 @@
 #include "platform/command_line.h"
 
+#include <algorithm>
 #include <array>
 
 #include "text/text.h"
@@ -10,10 +11,11 @@ namespace {
 struct Switch {
   std::u16string_view name;
   Start start;
+  bool takesMore;
 };
-constexpr std::array switches{Switch{u"Embedding", Start::byAutomation},
-                              Switch{u"RegServer", Start::registerServer},
-                              Switch{u"UnregServer", Start::unregisterServer}};
+constexpr std::array switches{Switch{u"Embedding", Start::byAutomation, false},
+                              Switch{u"RegServer", Start::registerServer, true},
+                              Switch{u"UnregServer", Start::unregisterServer, true}};
 
 std::u16string_view withoutQuotes(std::u16string_view text) {
   const bool enclosed = text.size() >= 2 && text.front() == u'"' && text.back() == u'"';
@@ -25,8 +27,13 @@ std::u16string_view withoutQuotes(std::u16string_view text) {
 CommandLine parseCommandLine(std::u16string_view text) {
   const std::u16string_view trimmed = text::trim(text);
   if (!trimmed.empty() && (trimmed.front() == u'-' || trimmed.front() == u'/'))
-    for (const Switch& known : switches)
-      if (text::equalIgnoringCase(trimmed.substr(1), known.name)) return {known.start, {}};
+    for (const Switch& known : switches) {
+      const std::size_t length = 1 + known.name.size();
+      const std::u16string_view rest = trimmed.substr(std::min(length, trimmed.size()));
+      const bool fits = rest.empty() || (known.takesMore && rest.front() == u' ');
+      if (fits && text::equalIgnoringCase(trimmed.substr(1, known.name.size()), known.name))
+        return {known.start, std::u16string(text::trim(rest))};
+    }
   return {Start::byHand, std::u16string(withoutQuotes(trimmed))};
 }
 

@@ -10,11 +10,14 @@ enum class Start { byHand, byAutomation, registerServer, unregisterServer };
 
 struct CommandLine {
   Start start = Start::byHand;
-  std::u16string text;  // of a start by hand: without surrounding blanks and one pair of enclosing quotes
+  // Of a start by hand: without surrounding blanks and one pair of enclosing quotes. Of a registration: what
+  // stands behind the switch.
+  std::u16string text;
 };
 
 // `text` is everything behind the program's own name. The switches -Embedding, /Embedding, /RegServer,
-// -RegServer, /UnregServer and -UnregServer stand alone, in any case.
+// -RegServer, /UnregServer and -UnregServer are known in any case; the first two stand alone, behind the
+// others a blank and more may follow.
 CommandLine parseCommandLine(std::u16string_view text);
 
 // Everything behind the program's own name (quoted or not) in a whole command line.

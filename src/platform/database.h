@@ -57,6 +57,8 @@ class Recordset {
 };
 
 // The rows of a statement in its order, for a grid that shows any part of them: only keys are held.
+enum class Walk { forwards, backwards };
+
 class RowList {
  public:
   virtual ~RowList() = default;
@@ -65,15 +67,20 @@ class RowList {
   // when the row has gone since.
   virtual bool fetch(std::size_t position, std::vector<Value>& out) = 0;
 
-  // The first row from `first` on, round the end once, that has `needle` in the text of any column, case not
-  // regarded; numbers count as their decimal text. `needle` is in lower case and not empty; `progress` may be
-  // empty and is called now and then with the number of rows looked at.
+  // The first row from `first` on (backwards: from `first` towards the first row), round the end once, that
+  // has `needle` in the text of any column, case not regarded; numbers count as their decimal text. `needle`
+  // is in lower case and not empty; `progress` may be empty and is called now and then with the number of
+  // rows looked at.
   using Progress = std::function<void(std::size_t done)>;
   virtual std::optional<std::size_t> find(std::u16string_view needle, std::size_t first,
-                                          const Progress& progress);
+                                          const Progress& progress, Walk walk = Walk::forwards);
 
  protected:
   static constexpr std::size_t rowsBetweenProgress = 1024;
+  // The row that is looked at as number `done` of a search.
+  std::size_t walked(std::size_t first, std::size_t done, Walk walk) const {
+    return (walk == Walk::forwards ? first + done : first + size() - done) % size();
+  }
 };
 
 class Database {

@@ -39,7 +39,7 @@ class Process {
   // outgoing call may be waiting below us). No member of a public class is served any more.
   virtual void end() = 0;
 
-  // Ends at once and cleans nothing up: a start that failed.
+  // Ends at once: a start or a registration that failed. Withdraws the classes and cleans up nothing else.
   [[noreturn]] virtual void endAtOnce() = 0;
 
   // `layer` (a public object that another process created) lives for the sake of `host`. When the host's

@@ -17,9 +17,28 @@ std::u16string join(std::initializer_list<std::u16string_view> parts) {
   return key;
 }
 
+std::u16string_view withoutQuotes(std::u16string_view value) {
+  const bool inQuotes = value.size() >= 2 && value.front() == u'"' && value.back() == u'"';
+  return inQuotes ? value.substr(1, value.size() - 2) : value;
+}
+
 std::u16string_view directoryOf(std::u16string_view path) {
   const std::size_t end = path.rfind(u'\\');
   return end == std::u16string_view::npos ? std::u16string_view{} : path.substr(0, end);
+}
+
+std::u16string_view nameOf(std::u16string_view path) {
+  return path.substr(path.rfind(u'\\') + 1);  // no separator: from the beginning
+}
+
+// By its file's name the system finds the rights of a program that was started by hand.
+std::u16string fileKey(const Server& server) {
+  return join({u"AppID", nameOf(server.path)});
+}
+
+void addApplication(std::vector<Entry>& out, const Server& server) {
+  out.push_back({applicationKey(server), {}, server.classes.front().description});
+  out.push_back({fileKey(server), u"AppID", server.classes.front().clsid});
 }
 
 void addClass(std::vector<Entry>& out, const Server& server, const Class& entry) {
@@ -27,6 +46,7 @@ void addClass(std::vector<Entry>& out, const Server& server, const Class& entry)
   out.push_back({entry.progId, {}, entry.description});
   out.push_back({join({entry.progId, u"CLSID"}), {}, entry.clsid});
   out.push_back({key, {}, entry.description});
+  out.push_back({key, u"AppID", server.classes.front().clsid});
   out.push_back({join({key, u"LocalServer32"}), {}, quoted(server.path)});
   out.push_back({join({key, u"ProgID"}), {}, entry.progId});
   out.push_back({join({key, u"Programmable"}), {}, {}});
@@ -66,9 +86,7 @@ std::u16string quoted(std::u16string_view path) {
 }
 
 bool samePath(std::u16string_view registered, std::u16string_view path) {
-  const std::u16string_view value = text::trim(registered);
-  const bool inQuotes = value.size() >= 2 && value.front() == u'"' && value.back() == u'"';
-  return text::equalIgnoringCase(inQuotes ? value.substr(1, value.size() - 2) : value, path);
+  return text::equalIgnoringCase(withoutQuotes(text::trim(registered)), path);
 }
 
 Server serverOf(std::u16string path, const automation::LibraryTable& library) {
@@ -86,6 +104,7 @@ Server serverOf(std::u16string path, const automation::LibraryTable& library) {
 
 std::vector<Entry> entries(const Server& server) {
   std::vector<Entry> out;
+  addApplication(out, server);
   for (const Class& entry : server.classes) addClass(out, server, entry);
   if (!server.library) return out;
   for (const Class& entry : server.classes)
@@ -99,7 +118,10 @@ std::vector<Removal> removals(const Server& server) {
   const auto whenOurs = [&](std::u16string tree, std::u16string evidence) {
     out.push_back({std::move(tree), {std::move(evidence), {}, server.path}});
   };
-  // Interfaces and program names carry no path: their class speaks for them and goes last.
+  // Interfaces, program names and rights carry no path: their class speaks for them and goes last.
+  const std::u16string first = join({u"CLSID", server.classes.front().clsid, u"LocalServer32"});
+  whenOurs(applicationKey(server), first);
+  whenOurs(fileKey(server), first);
   for (const Class& entry : server.classes) {
     const std::u16string evidence = join({u"CLSID", entry.clsid, u"LocalServer32"});
     whenOurs(entry.progId, evidence);
@@ -111,6 +133,21 @@ std::vector<Removal> removals(const Server& server) {
   for (const Class& entry : server.classes)
     whenOurs(join({u"CLSID", entry.clsid}), join({u"CLSID", entry.clsid, u"LocalServer32"}));
   return out;
+}
+
+std::u16string applicationKey(const Server& server) {
+  return join({u"AppID", server.classes.front().clsid});
+}
+
+std::optional<Request> parseRequest(std::u16string_view arguments) {
+  constexpr std::u16string_view option = u"JobAccount:";
+  const std::u16string_view whole = withoutQuotes(text::trim(arguments));
+  if (whole.empty()) return Request{};
+  if (whole.front() != u'/' && whole.front() != u'-') return std::nullopt;
+  if (!text::equalIgnoringCase(whole.substr(1, option.size()), option)) return std::nullopt;
+  const std::u16string_view name = text::trim(withoutQuotes(whole.substr(1 + option.size())));
+  if (name.empty() || name.find(u'"') != std::u16string_view::npos) return std::nullopt;
+  return Request{std::u16string(name)};
 }
 
 }  // namespace vordane::registration

@@ -26,8 +26,8 @@ struct Library {
 };
 
 struct Server {
-  std::u16string path;  // the executable, full, not quoted
-  std::vector<Class> classes;
+  std::u16string path;         // the executable, full, not quoted
+  std::vector<Class> classes;  // at least one
   std::optional<Library> library;
 };
 
@@ -43,6 +43,10 @@ Server serverOf(std::u16string path, const automation::LibraryTable& library);
 
 std::vector<Entry> entries(const Server& server);
 
+// The key that holds who may start the program and call it, for all of its classes: its identifier is that of
+// the first class. What an administrator sets there stays when the program is registered again.
+std::u16string applicationKey(const Server& server);
+
 // The text of a LocalServer32 value: the path in quotes, since it may hold blanks.
 std::u16string quoted(std::u16string_view path);
 
@@ -56,5 +60,13 @@ std::vector<Removal> removals(const Server& server);
 
 // Whether a registered value names the same program: quotes and case do not count.
 bool samePath(std::u16string_view registered, std::u16string_view path);
+
+// What may stand behind /RegServer: nothing, or /JobAccount:NAME, the account or group whose jobs may start
+// the program without anybody being logged on. Quotes around the whole or around the name do not count.
+struct Request {
+  std::u16string jobAccount;  // empty: none named
+};
+// Nothing for anything else.
+std::optional<Request> parseRequest(std::u16string_view arguments);
 
 }  // namespace vordane::registration

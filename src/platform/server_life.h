@@ -5,13 +5,16 @@ namespace vordane::platform {
 
 class ServerLife {
  public:
-  // `endsItself`: an object whose class deals with its last release itself; from then on nothing here
-  // ends the process.
-  void created(bool endsItself) {
+  // Making an object may take long and serve other calls meanwhile: whoever waits for one uses the process
+  // already. Each `creating` is followed by one `created` or one `failed`.
+  void creating() {
     ++objects_;
     everUsed_ = true;
-    selfEnding_ = selfEnding_ || endsItself;
   }
+  // `endsItself`: an object whose class deals with its last release itself; from then on nothing here
+  // ends the process.
+  void created(bool endsItself) { selfEnding_ = selfEnding_ || endsItself; }
+  void failed() { --objects_; }
   void released() { --objects_; }
   void locked(bool on) {
     locks_ += on ? 1 : -1;

@@ -42,14 +42,16 @@ enum class ViewText {
   majorClear,
   minorLit,
   minorClear,
-  lookUpLabel,     // before the box for the text to look up; with its access key
-  lookUpNext,      // the button that goes to the next fault holding the text; with its access key
-  lookUpClose,     // tool tip of the button that closes the look-up bar
-  lookUpNotFound,  // no shown fault holds the text
-  lookUpWrapped,   // the search went on from the first row
-  copyFault,       // context menu of the grid; with its access key
-  selectedFault,   // the name of the pane below the grid, for screen readers
-  noSelection,     // what the pane below says while no fault is selected
+  lookUpLabel,        // before the box for the text to look up; with its access key
+  lookUpNext,         // the button that goes to the next fault holding the text; with its access key
+  lookUpClose,        // tool tip of the button that closes the look-up bar
+  lookUpNotFound,     // no shown fault holds the text
+  lookUpWrapped,      // the search went on from the first row
+  lookUpWrappedBack,  // backwards: from the last row
+  copyFault,          // context menu of the grid; with its access key
+  selectedFault,      // the name of the pane below the grid, for screen readers
+  noSelection,        // what the pane below says while no fault is selected
+  clipboardHeld,      // nothing was copied, since another program holds the clipboard
 };
 
 class ViewTexts {
@@ -60,6 +62,8 @@ class ViewTexts {
 
 // What a notice is about, and so how it looks.
 enum class NoticeKind { hint, waiting, failure };
+
+enum class LookUpWay { forwards, backwards };
 
 // What a person does.
 class ViewEvents {
@@ -74,9 +78,9 @@ class ViewEvents {
   virtual void keyPressed(int keyCode) = 0;                     // F1 is 112
   virtual void mousePressed(Control& control, int button) = 0;  // 2 is the right one
   virtual void whatsThisChosen() = 0;                           // itmWhatThis of the pop-up menu
-  // The row that holds `text` next after `after` (exclusive, from -1) without regard to case, wrapping
-  // round once; nothing when none does.
-  virtual std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t after) = 0;
+  // The row that holds `text` next after `from` (exclusive; -1: none is selected) or, backwards, before it,
+  // without regard to case, wrapping round once; nothing when none does.
+  virtual std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from, LookUpWay way) = 0;
   virtual void tick() = 0;  // tmrEvent
 };
 
@@ -89,6 +93,7 @@ class View {
   virtual void attach(Form& form, ViewEvents& events) = 0;  // creates the window, hidden
   virtual void detach() = 0;                                // destroys it; no event comes afterwards
 
+  // Shown means on top of all other windows and in the foreground, as far as the system lets it.
   virtual void setVisible(bool visible) = 0;
   virtual bool visible() = 0;
   virtual void refresh() = 0;
@@ -100,6 +105,7 @@ class View {
   virtual void setRows(GridSource* rows) = 0;                 // nullptr: empty grid
   virtual void setSortMark(int column, bool descending) = 0;  // -1: none
   virtual void setLamp(bool major, bool lit) = 0;             // drawn in words besides the label's colour
+  // The account may be of any length and hold line ends; the other parts are short.
   virtual void setStatus(int part, std::u16string_view text) = 0;
   // What stands in the empty grid's place: what is being waited for, what failed, what to press.
   virtual void setNotice(std::u16string_view text) = 0;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
-#include <optional>
+#include <new>
 
 #include "text/numbers.h"
 #include "text/text.h"
@@ -63,6 +63,30 @@ std::int16_t jobKind(database::Recordset& row, std::int16_t otherwise) try {
   return noKind;
 }
 
+// Names that mean a device, whatever ending they have.
+constexpr std::u16string_view devices[] = {u"CON", u"PRN", u"AUX", u"NUL", u"CONIN$", u"CONOUT$"};
+constexpr std::u16string_view numberedDevices[] = {u"COM", u"LPT"};  // and one digit, as 1 or superscript
+
+bool namesDevice(std::u16string_view name) {
+  const std::u16string stem = text::toUpper(text::trim(name.substr(0, name.find(u'.'))));
+  if (std::find(std::begin(devices), std::end(devices), stem) != std::end(devices)) return true;
+  constexpr std::u16string_view digits = u"0123456789\u00B9\u00B2\u00B3";
+  return stem.size() == 4 && digits.find(stem[3]) != digits.npos &&
+         std::find(std::begin(numberedDevices), std::end(numberedDevices), text::left(stem, 3)) !=
+             std::end(numberedDevices);
+}
+
+// A base name that leads out of the log's folder, to a device or to a stream beside a file counts as none.
+std::u16string logName(const std::u16string& file, std::u16string_view key) {
+  constexpr std::u16string_view forbidden = u"\\/:*?\"<>|";
+  const bool plain = std::none_of(file.begin(), file.end(), [&](char16_t character) {
+    return character < 0x20 || forbidden.find(character) != forbidden.npos;
+  });
+  std::u16string name = file;
+  name += key;
+  return plain && !namesDevice(name) ? name : std::u16string(key);
+}
+
 void readOptions(database::Recordset& row, std::u16string_view key, ScheduleState& state) {
   state.ScheduleWait = automation::toInteger(row.get(u"Wait"));
   state.ScheduleErrorStop = automation::toBoolean(row.get(u"ErrorStop")) ? u"True" : u"False";
@@ -71,8 +95,7 @@ void readOptions(database::Recordset& row, std::u16string_view key, ScheduleStat
   state.LogLimited = automation::toBoolean(row.get(u"Log2"));
   state.LogLimitKB = automation::toLong(row.get(u"FileByte"));
   const Value file = row.get(u"File");
-  state.LogName = automation::isNull(file) ? std::u16string{} : automation::toText(file);
-  state.LogName += key;
+  state.LogName = logName(automation::isNull(file) ? std::u16string{} : automation::toText(file), key);
   state.JobKind = jobKind(row, state.JobKind);
 }
 
@@ -82,15 +105,24 @@ std::u16string timeStamp(const platform::LocalTime& now) {
          two(now.hour) + u":" + two(now.minute) + u":" + two(now.second);
 }
 
-// A line stays one line, whatever a host or an exchange put into its text.
-std::u16string withoutBreaks(std::u16string_view text) {
-  std::u16string line;
-  for (std::size_t at = 0; at < text.size(); ++at) {
+// Control characters, among them next line, and the two separators that some readers take for line ends.
+bool breaksLine(char16_t character) {
+  return character < 0x20 || (character >= 0x7F && character <= 0x9F) || character == 0x2028 ||
+         character == 0x2029;
+}
+
+// A line stays one line of plain text, whatever a host or an exchange put into it, and none of them can fill
+// the disk with a single one.
+void appendLine(std::u16string& line, std::u16string_view text) {
+  for (std::size_t at = 0; at < text.size() && line.size() < longestLine; ++at) {
     const bool pair = text[at] == u'\r' && at + 1 < text.size() && text[at + 1] == u'\n';
     if (pair) continue;  // its second half becomes the blank
-    line += text[at] == u'\r' || text[at] == u'\n' ? u' ' : text[at];
+    line += breaksLine(text[at]) ? u' ' : text[at];
   }
-  return line;
+}
+
+bool keepsNothing(const ScheduleState& state) {
+  return state.LogName.empty() || !state.LogEnabled;
 }
 
 bool overLimit(Environment& environment, const std::u16string& path) {
@@ -99,32 +131,45 @@ bool overLimit(Environment& environment, const std::u16string& path) {
   return environment.files.length(path).value_or(0) > limit;
 }
 
-// Nothing when the record or its process does not give it.
-std::optional<Value> tryRead(automation::Object& record, std::u16string_view member,
-                             std::initializer_list<automation::Argument> index = {}) try {
-  return automation::get(record, member, index);
-} catch (const automation::AutomationError&) {
-  return std::nullopt;
+// A part longer than a line can be is not wanted whole.
+std::u16string responseLine(std::int32_t index, const LoggedEntry& entry) {
+  const auto part = [](std::u16string_view text) { return text.substr(0, longestLine); };
+  std::u16string line = u"Response(" + text::decimal(index) + u") = ";
+  line.append(part(entry.CMD)).append(u" > ").append(part(entry.FirstData)).append(u" : ");
+  return line.append(part(entry.SecondData)).append(u" - ").append(part(entry.ExtraData));
 }
 
-std::optional<std::int32_t> tryNumber(automation::Object& record, std::u16string_view member) try {
-  const auto value = tryRead(record, member);
-  return value ? std::optional(automation::toLong(*value)) : std::nullopt;
-} catch (const automation::AutomationError&) {
-  return std::nullopt;
+void writeLine(Environment& environment, const std::u16string& path, std::u16string_view text,
+               bool ignoreLimit) {
+  if (overLimit(environment, path)) {
+    environment.state.LogFull = true;
+    if (!ignoreLimit) return;
+  }
+  std::u16string line;
+  if (!text.empty()) appendLine(line = timeStamp(environment.clock.now()) + u" ", text);
+  // A log that can't be written never stops a run.
+  static_cast<void>(environment.files.append(path, text::toUtf8(line) + "\r\n"));
 }
 
-std::u16string entryText(automation::Object& record, std::u16string_view member, std::int32_t index) try {
-  const auto value = tryRead(record, member, {automation::byVal(index)});
-  return value ? automation::toText(*value) : std::u16string{};
-} catch (const automation::AutomationError&) {
-  return {};
+// A run goes on without a line for which there is no memory.
+template <class Step>
+void skipWithoutMemory(const Step& step) {
+  try {
+    step();
+  } catch (const std::bad_alloc&) {
+  }
 }
 
-std::u16string responseLine(automation::Object& record, std::int32_t index) {
-  return u"Response(" + text::decimal(index) + u") = " + entryText(record, u"CMD", index) + u" > " +
-         entryText(record, u"FirstData", index) + u" : " + entryText(record, u"SecondData", index) + u" - " +
-         entryText(record, u"ExtraData", index);
+void writeResponse(Environment& environment, const LoggedAnswer& answer) {
+  if (keepsNothing(environment.state)) return;
+  std::u16string path;
+  skipWithoutMemory([&] {
+    path = LogPath(environment);
+    const auto code = answer.errorCode ? text::decimal(*answer.errorCode) : std::u16string{};
+    writeLine(environment, path, u"ErrCode = " + code, false);
+  });
+  for (std::int32_t index = 0; index < answer.count && !path.empty(); ++index)
+    skipWithoutMemory([&] { writeLine(environment, path, responseLine(index, answer.entry(index)), false); });
 }
 
 std::int16_t within16Bits(std::int32_t code) {
@@ -152,26 +197,18 @@ std::u16string LogPath(const Environment& environment) {
 }
 
 void WriteRunLog(Environment& environment, std::u16string_view text, bool forced, bool ignoreLimit) {
-  ScheduleState& state = environment.state;
-  if (!forced && state.LogAlways != 1) return;
-  if (state.LogName.empty() || !state.LogEnabled) return;
-  const std::u16string path = LogPath(environment);
-  if (overLimit(environment, path)) {
-    state.LogFull = true;
-    if (!ignoreLimit) return;
-  }
-  const std::u16string line =
-      text.empty() ? std::u16string{} : timeStamp(environment.clock.now()) + u" " + withoutBreaks(text);
-  // A log that can't be written never stops a run.
-  static_cast<void>(environment.files.append(path, text::toUtf8(line) + "\r\n"));
+  if (!forced && environment.state.LogAlways != 1) return;
+  if (keepsNothing(environment.state)) return;
+  skipWithoutMemory([&] { writeLine(environment, LogPath(environment), text, ignoreLimit); });
 }
 
-bool LogResponse(Environment& environment, automation::Object& response) {
-  const auto code = tryNumber(response, u"ErrCode");
-  WriteRunLog(environment, u"ErrCode = " + (code ? text::decimal(*code) : std::u16string{}), true, false);
-  const std::int32_t count = tryNumber(response, u"Count").value_or(0);
-  for (std::int32_t index = 0; index < count; ++index)
-    WriteRunLog(environment, responseLine(response, index), true, false);
+void CloseRunLog(ScheduleState& state) {
+  state.LogName.clear();
+}
+
+bool LogResponse(Environment& environment, const LoggedAnswer& answer) {
+  writeResponse(environment, answer);
+  const auto& code = answer.errorCode;
   environment.state.LastErrCode = within16Bits(code.value_or(-1));
   if (code == 0) return false;
   if (code == fatalError) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -23,17 +24,32 @@ struct Environment {
   std::function<void(bool on)> busyPointer = {};  // the hourglass while options are read; may be empty
 };
 
-// Loads the options of job `key`; a missing database, table or row leaves the defaults.
+// Loads the options of job `key`; a missing database, table or row leaves the defaults. A `File` that is more
+// than the name of a file counts as empty: the log stays in its folder.
 void LoadScheduleOptions(Environment& environment, std::u16string_view key);
 
+inline constexpr std::size_t longestLine = 4096;  // characters, its time included; the rest is cut
+
 // Appends a line (date and time, a blank, the text; an empty text gives an empty line) unless the job's
-// options forbid it. Line breaks in the text become blanks. Never fails: what can't be written is skipped.
+// options forbid it. Control characters and line breaks of every kind in the text become blanks. Never
+// throws: what can't be written is skipped.
 void WriteRunLog(Environment& environment, std::u16string_view text, bool forced, bool ignoreLimit);
 
-// Writes the answer's response lines; true when the run must stop. `response` is read late-bound, since it
-// may live in the exchange server's process. Never throws: a value that can't be read is empty, and an
-// unreadable code counts as an error.
-bool LogResponse(Environment& environment, automation::Object& response);
+// Behind the last line of a run: nothing more is written until the next job is loaded.
+void CloseRunLog(ScheduleState& state);
+
+// An answer as it was copied: the exchange server's own record is not read for the log.
+struct LoggedEntry {
+  std::u16string_view CMD, FirstData, SecondData, ExtraData;
+};
+struct LoggedAnswer {
+  std::optional<std::int32_t> errorCode;  // nothing when it could not be read, which counts as an error
+  std::int32_t count = 0;
+  std::function<LoggedEntry(std::int32_t index)> entry;  // asked only for a log that keeps something
+};
+
+// Writes the answer's response lines; true when the run must stop. Never throws.
+bool LogResponse(Environment& environment, const LoggedAnswer& answer);
 
 // Returns after that many seconds of wall-clock time, across midnight too; serves no messages.
 void WaitSeconds(platform::Clock& clock, std::int16_t seconds);

@@ -33,6 +33,15 @@ constexpr Loader loaders[] = {{u"tForms", comLanguage::LocaliseForm},
                               {u"tComboBoxDT", comLanguage::LoadComboLists},
                               {u"tSSGridsHD", comLanguage::LocaliseGridHeadings}};
 
+// A step of an ending: whatever fails in it, the next one runs.
+template <class Step>
+void attempt(Step step) noexcept {
+  try {
+    step();
+  } catch (const std::exception&) {
+  }
+}
+
 // A stored coordinate, "." as decimal mark; nothing for what is no number or lies nowhere near a screen.
 std::optional<std::int32_t> coordinate(std::u16string_view text) {
   try {
@@ -48,7 +57,9 @@ std::optional<std::int32_t> coordinate(std::u16string_view text) {
 }  // namespace
 
 dlgFaultDisplay::Entry::~Entry() {
-  if (--form_.depth_ == 0) form_.retired_.clear();
+  if (--form_.depth_ > 0) return;
+  form_.retired_.clear();
+  form_.retiredDecoder_.reset();
 }
 
 dlgFaultDisplay::dlgFaultDisplay(startup::Application& application)
@@ -88,17 +99,30 @@ void dlgFaultDisplay::loadSteps() {
     return;
   }
   store_.SetSortFlags();
-  store_.FillExchangeList();
-  if (state().StandAlone) {
-    const auto& station = application_.station();
-    session_.CreateServer(station.files, station.settings, station.creator);
-    setPBXName(station.program.commandLine);
-  }
-  if (!alive()) return;
+  if (!showExchanges() || !alive()) return;
   localise();
   loading_ = false;
   state().runMode = RunMode::interactive;
   state().stepCode = step::loaded;
+}
+
+// False when the load goes no further. A host's creation waits for the load, perhaps with nobody there: it
+// shows no box, and a database that can't be read is from then on as good as missing. A person sees one box.
+bool dlgFaultDisplay::showExchanges() {
+  using Report = store::FaultStore::Report;
+  const bool shown = store_.FillExchangeList(hostMode() ? Report::quiet : Report::box);
+  if (hostMode()) {
+    if (!shown) {
+      store_.close();
+      close(faultDatabase_);
+    }
+    return shown;
+  }
+  if (!alive()) return false;
+  const auto& station = application_.station();
+  session_.CreateServer(station.files, station.settings, station.creator);
+  usePBXName(station.program.commandLine, shown ? Report::box : Report::quiet);
+  return true;
 }
 
 void dlgFaultDisplay::openFaultDatabase() {
@@ -134,29 +158,33 @@ void dlgFaultDisplay::beginEnding() {
 void dlgFaultDisplay::Unload() {
   const Entry entry(*this);
   if (!loaded_ || std::exchange(unloaded_, true)) return;
-  beginEnding();
-  lastPlace_ = view().position();
-  view().stopTimer();
+  attempt([&] { beginEnding(); });
+  attempt([&] { lastPlace_ = view().position(); });
+  attempt([&] { view().stopTimer(); });
   store_.close();
-  view().detach();
+  attempt([&] { view().detach(); });
   closeDatabases();
-  notifyUnload();
-  session_.release();
+  retiredDecoder_ = std::move(decoder_);
+  attempt([&] { notifyUnload(); });
+  attempt([&] { session_.release(); });
   state().busy = false;
   if (state().StandAlone || userCount_ < 1) endProcess();
 }
 
-// A step that waits further down the stack may still name a database: what is closed lives until it returns.
 void dlgFaultDisplay::closeDatabases() {
-  for (auto* database : {&application_.LangDB, &faultDatabase_}) {
-    if (!*database) continue;
-    (*database)->close();
-    retired_.push_back(std::move(*database));
-  }
+  attempt([&] { close(application_.LangDB); });
+  attempt([&] { close(faultDatabase_); });
+}
+
+// A step that waits further down the stack may still name a database: what is closed lives until it returns.
+void dlgFaultDisplay::close(std::unique_ptr<database::Database>& database) {
+  if (!database) return;
+  database->close();
+  retired_.push_back(std::move(database));
 }
 
 void dlgFaultDisplay::endProcess() {
-  application_.station().process.end();
+  if (!std::exchange(processEnded_, true)) application_.station().process.end();
 }
 
 void dlgFaultDisplay::notifyUnload() {
@@ -168,20 +196,20 @@ void dlgFaultDisplay::notifyUnload() {
     return;
   }
   if (mode == RunMode::scheduledRun) {
-    if (state().schedule.LogEnabled) runLogLine(u"...");
+    attempt([&] { closeRunLog(); });
     state().schedule.RunState = 0;
     callHost(u"EndProcess", {byRef(key_), byRef(state().stepCode)});
   }
   callHost(u"UnloadChild", {byRef(id_)});
 }
 
-void dlgFaultDisplay::userReleased() {
+void dlgFaultDisplay::userReleased() noexcept {
   const Entry entry(*this);
   if (DecrementCount() >= 1) return;
   if (alive() && state().runMode == RunMode::scheduledRun)
-    runLogLine(messageText(state(), message::runLetGo));
-  beginEnding();
-  FrmPositionSave();
+    attempt([&] { runLogLine(messageText(state(), message::runLetGo)); });
+  attempt([&] { beginEnding(); });
+  attempt([&] { FrmPositionSave(); });
   parent_.reset();
   Unload();
   endProcess();
@@ -195,7 +223,7 @@ void dlgFaultDisplay::callHost(std::u16string_view member,
   if (!host || !hostMode()) return;
   try {
     automation::call(*host, member, arguments);
-  } catch (const automation::AutomationError&) {
+  } catch (const std::exception&) {
     // Whatever a host lacks or does, every further step still runs.
   }
 }
@@ -213,11 +241,15 @@ void dlgFaultDisplay::setParent(const automation::ObjectRef& host) {
 }
 
 void dlgFaultDisplay::setPBXName(const std::u16string& name) {
+  usePBXName(name, store::FaultStore::Report::box);
+}
+
+void dlgFaultDisplay::usePBXName(const std::u16string& name, store::FaultStore::Report report) {
   const Entry entry(*this);
   if (!alive()) return;
   pbxName_ = name;
   failure_.clear();  // it was about what was shown before
-  store_.setExchangeName(name);
+  store_.setExchangeName(name, report);
   if (!alive()) return;
   showNotice();
   model_.self().set(u"Caption", messageText(state(), message::windowTitle) + u" (" + name + u")");
@@ -325,8 +357,13 @@ int dlgFaultDisplay::askBeforeRequest() {
   return showBox(box::confirmRequest);
 }
 
-bool dlgFaultDisplay::logResponse(automation::Object& response) {
-  return comSchedule::LogResponse(application_.runLog(), response);
+bool dlgFaultDisplay::logResponse(std::optional<std::int32_t> errorCode) {
+  const cListRequest& copy = session_.response();
+  return comSchedule::LogResponse(application_.runLog(), {errorCode, copy.Count(), [&](std::int32_t i) {
+                                                            return comSchedule::LoggedEntry{
+                                                                copy.CMD(i), copy.FirstData(i),
+                                                                copy.SecondData(i), copy.ExtraData(i)};
+                                                          }});
 }
 
 }  // namespace vordane

@@ -33,7 +33,7 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   dlgFaultDisplay(const dlgFaultDisplay&) = delete;
   dlgFaultDisplay& operator=(const dlgFaultDisplay&) = delete;
 
-  // While one of these exists a call is under way: timer actions wait, and databases closed meanwhile are
+  // While one of these exists a call is under way: timer actions wait, and what an unload closes meanwhile is
   // let go of behind the last one. Every public procedure below makes its own.
   class Entry {
    public:
@@ -48,13 +48,15 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   Entry enter() { return Entry(*this); }
 
   // --- life
-  void Load();    // once; a failure leaves the load-in-progress flag set
-  void Unload();  // once: closes the databases, tells the host by the run mode
+  void Load();  // once; a failure leaves the load-in-progress flag set
+  void
+  Unload();  // once: closes the databases, tells the host by the run mode; every step runs, nothing is thrown
   bool alive() override { return !ending_; }
   std::int16_t IncrementCount() { return ++userCount_; }
   std::int16_t DecrementCount() { return --userCount_; }
-  // One user less; the last one saves the place, lets the host go, unloads and ends the process.
-  void userReleased();
+  // One user less; the last one saves the place, lets the host go, unloads and ends the process. A step that
+  // fails hinders none of the others.
+  void userReleased() noexcept;
   bool CheckLoadError() const { return loading_; }
   bool loaded() const { return loaded_; }
 
@@ -103,9 +105,13 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   bool requestWideFaultFields() override { return session_.requestWide(); }
   const cListRequest& response() override { return session_.response(); }
   bool responseTruncated() override { return session_.responseTruncated(); }
+  bool responseCut() override { return session_.responseCut(); }
   void listTaken(const store::ListAccount& account) override;
   void exchangeShown(std::u16string_view name, std::u16string_view received) override;
+  void deletionGivenUp() override;
   bool showOwnNotice() override;
+  // The next action, taken by one tick of the timer; a code that stands for none does nothing.
+  void actionFollows(std::int16_t action) override;
   bool AcknowledgeFaultList() override { return session_.AcknowledgeFaultList(); }
   void endAction() override;
 
@@ -117,8 +123,11 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   void keyPressed(int keyCode) override;
   void mousePressed(window::Control& control, int button) override;
   void whatsThisChosen() override;
-  std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t after) override;
+  std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from,
+                                    window::LookUpWay way) override;
   void tick() override;
+  // What a tick does for an action's code; any code that is none does nothing.
+  void dispatch(std::int16_t action);
 
   static constexpr int timerInterval = 100;  // milliseconds
 
@@ -133,18 +142,20 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   void setHourglass(bool on) override { view().setHourglass(on); }
   void setInputEnabled(bool on) override { view().setInputEnabled(on); }
   int askBeforeRequest() override;
-  bool logResponse(automation::Object& response) override;
-  void actionFollows(std::int16_t action) override;
+  bool logResponse(std::optional<std::int32_t> errorCode) override;
   void answerFailed() override;
   void waitingFor(std::int16_t kind) override;
   void requestFailed(pbx::Failure failure, std::int32_t errorCode) override;
 
   // load and unload
   void loadSteps();
+  bool showExchanges();
+  void usePBXName(const std::u16string& name, store::FaultStore::Report report);
   void openFaultDatabase();
   void localise();
   void beginEnding();  // from here on nothing reaches window or database; the classes are withdrawn
   void closeDatabases();
+  void close(std::unique_ptr<database::Database>& database);
   void notifyUnload();
   void endProcess();
   bool hostMode() { return !state().StandAlone; }
@@ -155,7 +166,9 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
 
   // the timer and its actions
   void enableTimer(std::int16_t nextAction);
-  void dispatch(std::int16_t action);
+  void endBrokenAction(std::int16_t action);
+  bool answerWaits() const;
+  void dropPress();
   bool pressCounts(int action);
   void requestAction();
   void clearAlarmAction();
@@ -182,12 +195,15 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   void Ending();
   void notifyEnding();
   void runLogLine(const std::u16string& text);
+  void closeRunLog();
   std::vector<std::u16string> filePathPieces(const std::u16string& value);
 
   startup::Application& application_;
   window::Form model_;
   std::unique_ptr<database::Database> faultDatabase_;
-  std::vector<std::unique_ptr<database::Database>> retired_;  // closed while a call was under way
+  // What an unload has let go of while a call was under way, which may still name it.
+  std::vector<std::unique_ptr<database::Database>> retired_;
+  std::unique_ptr<cFaultDisplay> retiredDecoder_;
   FaultTextTable faultTexts_;
   bool decoderWide_ = true;
   std::unique_ptr<cFaultDisplay> decoder_;
@@ -205,7 +221,7 @@ class dlgFaultDisplay final : public store::StoreForm, public window::ViewEvents
   std::int16_t resultCode_ = 0;  // told at its end
   bool cancelled_ = false;       // the creation of a job was given up
   bool loaded_ = false, loading_ = false;
-  bool ending_ = false, unloaded_ = false, endingTold_ = false;
+  bool ending_ = false, unloaded_ = false, endingTold_ = false, processEnded_ = false;
   bool timerEnabled_ = false;
   // What the window says of the conversation; empty where there is nothing to say.
   std::u16string waiting_, failure_;                    // in or above the grid: the wait goes first

@@ -26,6 +26,7 @@ constexpr std::u16string_view logEndMark = u"...";
 void dlgFaultDisplay::CreateSchedule() {
   const Entry entry(*this);
   if (!alive() || state().runMode == RunMode::scheduledRun) return;
+  dropPress();
   cancelled_ = false;
   state().runMode = RunMode::creatingSchedule;
   store_.showButtonStates();
@@ -50,7 +51,8 @@ std::int16_t dlgFaultDisplay::RunSchedule() {
   state().runMode = RunMode::scheduledRun;
   state().busy = true;
   showButtonsDead();
-  enableTimer(99);
+  // An answer that has come is worked off first; its end takes the run's first step.
+  if (!answerWaits()) enableTimer(99);
   return 0;
 }
 
@@ -73,6 +75,13 @@ bool dlgFaultDisplay::QueryCancelRun() {
 
 void dlgFaultDisplay::runLogLine(const std::u16string& text) {
   comSchedule::WriteRunLog(application_.runLog(), text, true, false);
+}
+
+// The run is over: behind its end mark stands no line of it, whoever calls or waits from here on.
+void dlgFaultDisplay::closeRunLog() {
+  if (state().schedule.LogEnabled) runLogLine(std::u16string(logEndMark));
+  comSchedule::CloseRunLog(state().schedule);
+  state().schedule.RunState = 0;
 }
 
 void dlgFaultDisplay::ScheduledRunStep() {
@@ -127,8 +136,7 @@ void dlgFaultDisplay::notifyEnding() {
     callHost(u"UnloadChild2", {byRef(id_)});
     endingTold_ = true;
   } else if (state().runMode == RunMode::scheduledRun) {
-    if (state().schedule.LogEnabled) runLogLine(std::u16string(logEndMark));
-    state().schedule.RunState = 0;
+    closeRunLog();
     state().runMode = RunMode::interactive;
     callHost(u"EndProcess", {byRef(key_), byRef(resultCode_)});
   }

@@ -46,7 +46,38 @@ void dlgFaultDisplay::tick() {
   const Entry entry(*this);
   timerEnabled_ = false;
   view().stopTimer();
-  dispatch(nextAction_);
+  const std::int16_t action = nextAction_;
+  try {
+    dispatch(action);
+  } catch (...) {
+    endBrokenAction(action);
+    throw;
+  }
+}
+
+// An action that ran out of memory is over all the same: a busy flag that stayed would keep everybody out.
+void dlgFaultDisplay::endBrokenAction(std::int16_t action) {
+  if (!alive()) return;
+  waiting_.clear();
+  const bool converses =
+      action == startup::actionRequest || action == startup::actionReset || pbx::action::isAnswer(action);
+  try {
+    if (converses) showAttemptFailed(messageText(state(), message::reasonNoMemory));
+  } catch (const std::exception&) {
+    // It ends without a word then.
+  }
+  answerFailed();
+}
+
+// The timer stands for an answer that has come, not for a press.
+bool dlgFaultDisplay::answerWaits() const {
+  return timerEnabled_ && pbx::action::isAnswer(nextAction_);
+}
+
+void dlgFaultDisplay::dropPress() {
+  if (!timerEnabled_ || answerWaits()) return;
+  timerEnabled_ = false;
+  view().stopTimer();
 }
 
 void dlgFaultDisplay::dispatch(std::int16_t action) {
@@ -180,11 +211,11 @@ void dlgFaultDisplay::showNotice() {
   view().setNotice({});
 }
 
-// A failed attempt, and behind it what came last: in this session, else before it.
+// A failed attempt, and in a line below it what came last: in this session, else before it.
 void dlgFaultDisplay::showStatus() {
   const bool quiet = attemptLine_.empty() && listLine_.empty();
   std::u16string line = listLine_.empty() ? storedLine_ : listLine_;
-  if (!attemptLine_.empty()) line = attemptLine_ + u" " + line;
+  if (!attemptLine_.empty()) line = attemptLine_ + u"\n" + line;
   if (quiet && !textsIncomplete_.empty())
     line = fillText(messageText(state(), message::statusTextsIncomplete), {textsIncomplete_});
   if (quiet && faultDatabase_ && faultDatabase_->isOnNetwork())
@@ -219,6 +250,10 @@ std::u16string dlgFaultDisplay::reasonText(pbx::Failure failure, std::int32_t er
       return fillText(text(message::reasonErrorCode), {text::decimal(errorCode)});
     case Failure::unreadable:
       return text(message::reasonServerGone);
+    case Failure::tooLarge:
+      return text(message::reasonTooLarge);
+    case Failure::noMemory:
+      return text(message::reasonNoMemory);
     case Failure::cancelled:
     case Failure::declined:
       return text(message::reasonCancelled);
@@ -232,6 +267,7 @@ void dlgFaultDisplay::requestFailed(pbx::Failure failure, std::int32_t errorCode
 }
 
 void dlgFaultDisplay::showAttemptFailed(const std::u16string& reason) {
+  waiting_.clear();
   const auto now = clock().regional(clock().now());
   const auto& exchange = session_.requestName();
   const bool acknowledging = state().stepCode == step::alarmStateRequest;
@@ -240,12 +276,16 @@ void dlgFaultDisplay::showAttemptFailed(const std::u16string& reason) {
                                                                          : message::statusAttemptFailed;
   attemptLine_ = fillText(messageText(state(), line), {now, reason, exchange});
   showStatus();
-  waiting_.clear();
   failure_ = fillText(messageText(state(), message::noticeRequestFailed), {exchange, reason});
   showOwnNotice();
   if (state().runMode == RunMode::scheduledRun)
     runLogLine(fillText(messageText(state(), acknowledging ? message::runAckFailed : message::runListFailed),
                         {reason}));
+}
+
+void dlgFaultDisplay::deletionGivenUp() {
+  attemptLine_ = fillText(messageText(state(), message::statusNotDeleted), {clock().regional(clock().now())});
+  showStatus();
 }
 
 // What an answer that came was worth; a good one makes an earlier failure old.
@@ -314,10 +354,11 @@ void dlgFaultDisplay::exchangeChosen(int listIndex) {
   if (alive()) showIdle();
 }
 
-std::optional<std::size_t> dlgFaultDisplay::lookUp(std::u16string_view text, std::ptrdiff_t after) {
+std::optional<std::size_t> dlgFaultDisplay::lookUp(std::u16string_view text, std::ptrdiff_t from,
+                                                   window::LookUpWay way) {
   if (!alive() || depth_ > 0) return std::nullopt;
   const Entry entry(*this);
-  return store_.lookUp(text, after);
+  return store_.lookUp(text, from, way);
 }
 
 // --- help

@@ -100,12 +100,18 @@ const cFaultDisplay::Pieces& FaultRows::explanation(const window::GridRow& row) 
   return explained_;
 }
 
-std::optional<std::size_t> FaultRows::lookUp(std::u16string_view text, std::ptrdiff_t after,
+std::optional<std::size_t> FaultRows::lookUp(std::u16string_view text, std::ptrdiff_t from,
+                                             window::LookUpWay way,
                                              const std::function<void(std::size_t)>& progress) {
   const std::u16string needle = text::toLower(text);
   const std::size_t rows = size();
   if (needle.empty() || rows == 0) return {};
-  const std::size_t first = static_cast<std::size_t>(std::max<std::ptrdiff_t>(after, -1) + 1) % rows;
+  if (way == window::LookUpWay::backwards) {
+    const bool inside = from > 0 && from <= static_cast<std::ptrdiff_t>(rows);
+    return rows_->find(needle, inside ? static_cast<std::size_t>(from) - 1 : rows - 1, progress,
+                       database::Walk::backwards);
+  }
+  const std::size_t first = static_cast<std::size_t>(std::max<std::ptrdiff_t>(from, -1) + 1) % rows;
   return rows_->find(needle, first, progress);
 }
 

@@ -38,10 +38,10 @@ class FaultRows : public window::GridSource {
   std::vector<Range> provenance(std::size_t row, std::size_t position) override;
   std::optional<Range> dataPart(std::size_t row) override;
 
-  // The next row after `after` (-1: from the first) with `text` in any of its columns, without regard to
-  // case, going round the end once, the row `after` last; nothing for an empty text. `progress` is called now
-  // and then. Throws DatabaseError.
-  std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t after,
+  // The next row after `from` (-1: from the first) or before it (-1: from the last) with `text` in any of its
+  // columns, without regard to case, going round the end once, the row `from` last; nothing for an empty
+  // text. `progress` is called now and then. Throws DatabaseError.
+  std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from, window::LookUpWay way,
                                     const std::function<void(std::size_t done)>& progress);
 
  private:

@@ -87,18 +87,23 @@ void FaultStore::emptyDisplay() {
   showButtonStates();
 }
 
-void FaultStore::FillExchangeList() {
+bool FaultStore::FillExchangeList(Report report) {
   database::Database* database = openDatabase();
-  if (database == nullptr) return;
-  trapDisplay(Report::box, [&] { fillList(*database); });
+  if (database == nullptr) return false;
+  bool filled = false;
+  trapDisplay(report, [&] {
+    fillList(*database);
+    filled = true;
+  });
+  return filled;
 }
 
-void FaultStore::setExchangeName(std::u16string_view name) {
+void FaultStore::setExchangeName(std::u16string_view name, Report report) {
   registeredName_ = name;
   exchangeId_ = 0;
   database::Database* database = openDatabase();
   if (database == nullptr) return showNoDatabase();
-  const bool here = trapDisplay(Report::box, [&] {
+  const bool here = trapDisplay(report, [&] {
     exchangeId_ = idOfName(*database, name);
     fillList(*database);
     SelectExchange(*database);
@@ -129,9 +134,11 @@ void FaultStore::exchangeListClicked() {
 
 void FaultStore::headingClicked(int column) {
   if (column < 0 || column >= headingColumns) throw std::out_of_range("no such column of the fault grid");
-  database::Database* database = openDatabase();
-  if (database == nullptr) return showNoDatabase();
-  if (!trapDisplay(Report::box, [&] { SortFaultGrid(*database, column); })) return;
+  if (database::Database* database = openDatabase())
+    trapDisplay(Report::box, [&] { SortFaultGrid(*database, column); });
+  else
+    showNoDatabase();
+  // Whatever came of the sorting, the next click asks for the other direction.
   bool& ascending = ascending_[static_cast<std::size_t>(column)];
   ascending = !ascending;
 }
@@ -147,13 +154,14 @@ void FaultStore::showButtonStates() {
   for (const auto name : faultButtons) form_.form().control(name).set(u"Enabled", usable);
 }
 
-std::optional<std::size_t> FaultStore::lookUp(std::u16string_view text, std::ptrdiff_t after) {
+std::optional<std::size_t> FaultStore::lookUp(std::u16string_view text, std::ptrdiff_t from,
+                                              window::LookUpWay way) {
   database::Database* database = openDatabase();
   if (database == nullptr) return {};
   std::optional<std::size_t> found;
   trapDisplay(Report::box, [&] {
     LongStep step(form_, grid_, *database, LongStep::reading);
-    found = grid_.lookUp(text, after, [&](std::size_t done) { step.at(done, grid_.size()); });
+    found = grid_.lookUp(text, from, way, [&](std::size_t done) { step.at(done, grid_.size()); });
   });
   if (form_.alive()) showCount();
   return found;

@@ -25,19 +25,22 @@ namespace vordane::store {
 
 class FaultStore {
  public:
+  enum class Report { box, quiet };  // whether a failing display is told in a box too
+
   explicit FaultStore(StoreForm& form);
   FaultStore(const FaultStore&) = delete;
   FaultStore& operator=(const FaultStore&) = delete;
 
   // --- the form's load and unload
   void SetSortFlags();  // 0, 1, 3 and 4 ascending first, 2 descending; 5 is not touched
-  // Refills drpPBXList, newest list first, and selects the form's exchange or the first.
-  void FillExchangeList();
+  // Refills drpPBXList, newest list first, and selects the form's exchange or the first. False when that
+  // failed, which the display shows, and box 102 unless `report` is quiet.
+  bool FillExchangeList(Report report = Report::box);
   void close();  // before the database is closed: lets go of the rows; the view is not told; never throws
 
   // --- the display
   // `PBXName` was set: the form's exchange becomes the one of that name, or none; then RefreshDisplay.
-  void setExchangeName(std::u16string_view name);
+  void setExchangeName(std::u16string_view name, Report report = Report::box);
   void RefreshDisplay();
   void exchangeListClicked();       // a choice in drpPBXList; nothing while the list is being filled
   void headingClicked(int column);  // throws std::out_of_range outside 0-5
@@ -46,7 +49,8 @@ class FaultStore {
   void showButtonStates();
   void showNotice();  // what stands in the place of an empty grid: a failure before a hint
   // The next row holding `text` after `after` (-1: from the first), round the end once.
-  std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t after);
+  std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from,
+                                    window::LookUpWay way = window::LookUpWay::forwards);
 
   // --- actions
   void IngestFaultList();  // action 10, ends with the acknowledgement or with StoreForm::endAction
@@ -69,8 +73,6 @@ class FaultStore {
     std::u16string name;
     std::int16_t id;
   };
-  enum class Report { box, quiet };
-
   // Null after telling the host that FAULT.MDB is not open.
   database::Database* openDatabase();
   // Runs steps of the display; an error empties it and, unless quiet, shows box 102. False when the form has

@@ -183,6 +183,7 @@ ListEnd Ingestion::end() const {
   if (error_) return ListEnd::databaseError;
   if (accessError_) return ListEnd::accessError;
   if (form_.responseTruncated()) return ListEnd::tooLong;
+  if (form_.responseCut()) return ListEnd::textCut;
   const bool endMark = static_cast<std::int32_t>(outcomes_.size()) * groupSize < list_.Count();
   return endMark || list_.Count() % groupSize == 0 ? ListEnd::complete : ListEnd::cutShort;
 }

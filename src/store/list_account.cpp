@@ -11,6 +11,8 @@ std::u16string reason(const SharedState& state, const ListAccount& account) {
   switch (account.end) {
     case ListEnd::tooLong:
       return messageText(state, message::reasonTooLong);
+    case ListEnd::textCut:
+      return messageText(state, message::reasonTextCut);
     case ListEnd::accessError:
       return fillText(messageText(state, message::reasonAccess), {account.cause});
     case ListEnd::databaseError:

@@ -12,6 +12,7 @@ enum class ListEnd {
   complete,       // the end mark, or the end of a whole last group
   cutShort,       // the answer ends inside a group
   tooLong,        // the answer held more entries than can be taken over
+  textCut,        // a text of the answer was longer than is kept
   accessError,    // an entry of the exchange-access component stood in place of data
   databaseError,  // the store refused a step
   noDatabase,     // FAULT.MDB is not open

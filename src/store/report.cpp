@@ -54,9 +54,12 @@ void FaultStore::PrintFaultReport() {
 
 void FaultStore::DeleteExchange() {
   if (openDatabase() == nullptr) return;
+  const auto asked = datPBXList_.hasRow() ? datPBXList_.row().id : database::Value{};
   if (form_.showBox(box::confirmDelete) != answerYes || !form_.alive()) return;
   database::Database* database = form_.faultDatabase();
   if (database == nullptr) return;
+  // A host may have registered another exchange while the box stood: the answer was not about that one.
+  if (datPBXList_.hasRow() && datPBXList_.row().id != asked) return form_.deletionGivenUp();
   const auto failure = trap([&] {
     const std::int16_t id = exchangeIdOf(datPBXList_.row().id);
     LongStep step(form_, grid_, *database, LongStep::deleting);

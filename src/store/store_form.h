@@ -47,12 +47,15 @@ class StoreForm {
   virtual bool requestWideFaultFields() = 0;
   virtual const cListRequest& response() = 0;  // the copied answer
   virtual bool responseTruncated() = 0;        // the answer had more entries than the copy can hold
+  virtual bool responseCut() = 0;              // one of its texts was longer than the copy keeps
 
   // A list was taken in or not; comes once for each ingestion, before the acknowledgement. The form tells
   // the status line and, in a scheduled run, the run log.
   virtual void listTaken(const ListAccount& account) = 0;
   // The exchange now shown, empty without one, and when its stored list came, empty when that is not known.
   virtual void exchangeShown(std::u16string_view name, std::u16string_view received) = 0;
+  // Nothing was deleted, since another exchange is shown than the one that the person was asked about.
+  virtual void deletionGivenUp() = 0;
   // Shows what is waited for or what failed last in the place of an empty grid; false when there is neither
   // and the store's own hint has that place.
   virtual bool showOwnNotice() = 0;

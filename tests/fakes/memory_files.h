@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <new>
 #include <optional>
 #include <set>
 #include <string>
@@ -17,6 +18,7 @@ class MemoryFiles : public platform::Files {
     return directories.count(std::u16string(path)) != 0;
   }
   bool append(std::u16string_view path, std::string_view bytes) override {
+    if (outOfMemory) throw std::bad_alloc();
     if (locked || used() + bytes.size() > capacity) return false;
     content[std::u16string(path)] += bytes;
     return true;
@@ -30,7 +32,7 @@ class MemoryFiles : public platform::Files {
   std::map<std::u16string, std::string> content;
   std::set<std::u16string> directories;
   std::size_t capacity = 1'000'000'000;
-  bool locked = false;
+  bool locked = false, outOfMemory = false;
 
  private:
   std::size_t used() const {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <tuple>
+#include <vector>
 
 #include "platform/services.h"
 
@@ -14,6 +15,7 @@ class MemorySettings : public platform::SettingsStore {
  public:
   std::optional<std::u16string> read(std::u16string_view application, std::u16string_view section,
                                      std::u16string_view key) override {
+    asked.emplace_back(key);
     const auto found = values_.find(keyOf(application, section, key));
     return found == values_.end() ? std::nullopt : std::optional(found->second);
   }
@@ -21,6 +23,8 @@ class MemorySettings : public platform::SettingsStore {
              std::u16string_view value) override {
     values_[keyOf(application, section, key)] = value;
   }
+
+  std::vector<std::u16string> asked;  // the keys that were read
 
  private:
   using Key = std::tuple<std::u16string, std::u16string, std::u16string>;

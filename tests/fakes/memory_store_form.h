@@ -64,6 +64,7 @@ class MemoryStoreForm : public store::StoreForm {
   bool requestWideFaultFields() override { return requestWide; }
   const cListRequest& response() override { return answer; }
   bool responseTruncated() override { return truncated; }
+  bool responseCut() override { return cut; }
   void listTaken(const store::ListAccount& account) override {
     memoryView.setStatus(window::accountPart, store::statusText(shared, account));
     note(joined({u"Account ", text::decimal(account.received), u"=", text::decimal(account.added), u"+",
@@ -73,6 +74,7 @@ class MemoryStoreForm : public store::StoreForm {
   void exchangeShown(std::u16string_view name, std::u16string_view received) override {
     shown = joined({name, u" ", received});
   }
+  void deletionGivenUp() override { note(u"DeletionGivenUp"); }
   bool showOwnNotice() override {
     if (ownNotice.empty()) return false;
     memoryView.setNotice(ownNotice);
@@ -102,7 +104,7 @@ class MemoryStoreForm : public store::StoreForm {
   std::unique_ptr<cFaultDisplay> decoder;
   automation::ObjectRef host;
   std::u16string exchange = u"PBX-1";
-  bool requestWide = true, truncated = false, acknowledged = true, living = true;
+  bool requestWide = true, truncated = false, cut = false, acknowledged = true, living = true;
   cListRequest answer;
   std::u16string shown, ownNotice;
   int boxAnswer = 1;
@@ -148,6 +150,7 @@ class MemoryStoreForm : public store::StoreForm {
         {message::reasonAccess, u"access: {1}"},
         {message::reasonDatabase, u"database: {1}"},
         {message::reasonTooLong, u"too long"},
+        {message::reasonTextCut, u"text cut"},
     };
     for (const auto& [number, words] : own) shared.Messages[number] = words;
     texts.setMessages(shared.Messages);

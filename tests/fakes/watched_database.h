@@ -18,6 +18,7 @@ class WatchedDatabase : public database::Database {
 
   // Called with every statement, and with "update" and "endBatch"; what it throws reaches the caller.
   std::function<void(std::u16string_view step)> before = [](std::u16string_view) {};
+  std::function<void()> closed;  // called at the closing
   std::vector<std::u16string> statements;
   int batchDepth = 0, batches = 0, recordsetsOpen = 0;
   Progress progress;
@@ -51,7 +52,10 @@ class WatchedDatabase : public database::Database {
     inner_->setProgress(std::move(callback));
   }
   bool isOnNetwork() const override { return inner_->isOnNetwork(); }
-  void close() noexcept override { inner_->close(); }
+  void close() noexcept override {
+    if (closed) closed();
+    inner_->close();
+  }
   database::Database& inner() { return *inner_; }
 
  private:

@@ -30,6 +30,19 @@ TEST(CommandLine, KnowsItsSwitchesInAnyCase) {
     EXPECT_EQ(parseCommandLine(text).start, Start::unregisterServer);
 }
 
+TEST(CommandLine, MoreMayStandBehindARegistration) {
+  const CommandLine named = parseCommandLine(u" /regserver  /JobAccount:OFFICE\\jobs ");
+  EXPECT_EQ(named.start, Start::registerServer);
+  EXPECT_EQ(named.text, u"/JobAccount:OFFICE\\jobs");
+  EXPECT_EQ(parseCommandLine(u"/RegServer").text, u"");
+  EXPECT_EQ(parseCommandLine(u"-UnregServer x").start, Start::unregisterServer);
+  EXPECT_EQ(parseCommandLine(u"-UnregServer x").text, u"x");
+  EXPECT_EQ(parseCommandLine(u"/RegServers").text, u"/RegServers");
+  EXPECT_EQ(parseCommandLine(u"/RegServe").text, u"/RegServe");
+  EXPECT_EQ(parseCommandLine(u"/").text, u"/");
+  EXPECT_EQ(parseCommandLine(u"-Embedding x").text, u"-Embedding x");
+}
+
 TEST(CommandLine, EverythingElseIsAnExchangesName) {
   EXPECT_EQ(parseCommandLine(u"Embedding").start, Start::byHand);
   EXPECT_EQ(parseCommandLine(u"-Embedded").text, u"-Embedded");

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "text/utf8.h"
+
 namespace vordane::registration {
 namespace {
 
@@ -20,9 +22,12 @@ Server addIn() {
 
 TEST(Registration, AClassAloneNeedsFewKeys) {
   const std::vector<Entry> expected{
+      {u"AppID\\{A}", u"", u"An exchange."},
+      {u"AppID\\Zulsim.exe", u"AppID", u"{A}"},
       {u"CalderinProj30001.cPBXOLE", u"", u"An exchange."},
       {u"CalderinProj30001.cPBXOLE\\CLSID", u"", u"{A}"},
       {u"CLSID\\{A}", u"", u"An exchange."},
+      {u"CLSID\\{A}", u"AppID", u"{A}"},
       {u"CLSID\\{A}\\LocalServer32", u"", u"\"C:\\SIM dir\\Zulsim.exe\""},
       {u"CLSID\\{A}\\ProgID", u"", u"CalderinProj30001.cPBXOLE"},
       {u"CLSID\\{A}\\Programmable", u"", u""},
@@ -44,6 +49,27 @@ TEST(Registration, ALibraryBringsInterfacesAndBothWordSizes) {
   EXPECT_TRUE(holds({u"TypeLib\\{L}\\1.0\\0\\win64", u"", u"C:\\Q\\VORDANE.EXE"}));
   EXPECT_TRUE(holds({u"TypeLib\\{L}\\1.0\\FLAGS", u"", u"0"}));
   EXPECT_TRUE(holds({u"TypeLib\\{L}\\1.0\\HELPDIR", u"", u"C:\\Q"}));
+}
+
+TEST(Registration, AllClassesShareTheFirstOnesRights) {
+  Server server = addIn();
+  server.classes.push_back({u"Vordane10013.cSLVRequest", u"{S}", u"Another.", u"_cSLVRequest", u"{J}"});
+  EXPECT_EQ(applicationKey(server), u"AppID\\{C}");
+  const std::vector<Entry> all = entries(server);
+  for (const char16_t* key : {u"CLSID\\{C}", u"CLSID\\{S}", u"AppID\\VORDANE.EXE"})
+    EXPECT_EQ(std::count(all.begin(), all.end(), Entry{key, u"AppID", u"{C}"}), 1);
+}
+
+TEST(Registration, OnlyAnAccountMayBeNamedBehindTheSwitch) {
+  EXPECT_EQ(parseRequest(u"")->jobAccount, u"");
+  EXPECT_EQ(parseRequest(u"  ")->jobAccount, u"");
+  for (const char16_t* text :
+       {u"/JobAccount:NT AUTHORITY\\jobs", u"-jobaccount:NT AUTHORITY\\jobs",
+        u"\"/JobAccount:NT AUTHORITY\\jobs\"", u" /JobAccount:\"NT AUTHORITY\\jobs\" "})
+    EXPECT_EQ(parseRequest(text).value_or(Request{}).jobAccount, u"NT AUTHORITY\\jobs");
+  for (const char16_t* text : {u"/JobAccount:", u"/JobAccount", u"/JobAccount: ", u"jobs", u"/Account:jobs",
+                               u"/", u"/JobAccount:\"\"", u"/JobAccount:\"a\" \"b\""})
+    EXPECT_FALSE(parseRequest(text)) << text::toUtf8(text);
 }
 
 TEST(Registration, EveryWrittenKeyIsRemovedAndEvidenceGoesLast) {

@@ -7,9 +7,7 @@
 #include "fakes/folder_engine.h"
 #include "fakes/memory_files.h"
 #include "fakes/memory_settings.h"
-#include "fakes/scripted_object.h"
 #include "fakes/set_clock.h"
-#include "pbx/cListRequest.h"
 #include "settings/comSchedule.h"
 
 namespace vordane {
@@ -111,16 +109,16 @@ TEST_F(RunLog, ALogThatCantBeWrittenStopsNothing) {
   EXPECT_EQ(log(), "2026-11-20 21:14:05 room again\r\n");
 }
 
-void fill(cListRequest& record, std::int32_t code) {
-  record.AddToList(u"LEA0", u"first", u"second", u"extra");
-  record.AddToList(u"LEA0");
-  record.ErrCode = code;
+// An answer of two entries; a code that could not be read is nothing.
+comSchedule::LoggedAnswer answer(std::optional<std::int32_t> code) {
+  return {code, 2, [](std::int32_t index) {
+            return index == 0 ? comSchedule::LoggedEntry{u"LEA0", u"first", u"second", u"extra"}
+                              : comSchedule::LoggedEntry{u"LEA0", {}, {}, {}};
+          }};
 }
 
 TEST_F(RunLog, AResponseIsLoggedWithItsEntries) {
-  cListRequest record;
-  fill(record, 0);
-  EXPECT_FALSE(comSchedule::LogResponse(environment, record));
+  EXPECT_FALSE(comSchedule::LogResponse(environment, answer(0)));
   EXPECT_EQ(log(),
             "2026-11-20 21:14:05 ErrCode = 0\r\n"
             "2026-11-20 21:14:05 Response(0) = LEA0 > first : second - extra\r\n"
@@ -128,28 +126,39 @@ TEST_F(RunLog, AResponseIsLoggedWithItsEntries) {
   EXPECT_EQ(state.LastErrCode, 0);
 }
 
+TEST_F(RunLog, ALogThatKeepsNothingAsksForNoEntry) {
+  auto silent = answer(61);
+  silent.entry = [](std::int32_t) -> comSchedule::LoggedEntry {
+    ADD_FAILURE() << "nobody reads it";
+    return {};
+  };
+  state.RunState = 11;
+  state.LogEnabled = false;
+  EXPECT_TRUE(comSchedule::LogResponse(environment, silent));
+  state.LogEnabled = true;
+  state.LogName.clear();
+  EXPECT_TRUE(comSchedule::LogResponse(environment, silent));
+  EXPECT_TRUE(files.content.empty());
+  EXPECT_EQ(state.LastErrCode, 61) << "the run is judged all the same";
+  EXPECT_EQ(state.RunState, 12);
+}
+
 TEST_F(RunLog, ASuccessIsTheLastCodeToo) {
   state.LastErrCode = 61;
-  cListRequest record;
-  fill(record, 0);
-  EXPECT_FALSE(comSchedule::LogResponse(environment, record));
+  EXPECT_FALSE(comSchedule::LogResponse(environment, answer(0)));
   EXPECT_EQ(state.LastErrCode, 0);
 }
 
 TEST_F(RunLog, AnErrorStopsTheRunWhenTheOptionsSaySo) {
-  cListRequest record;
-  fill(record, 200);
-  EXPECT_TRUE(comSchedule::LogResponse(environment, record));
+  EXPECT_TRUE(comSchedule::LogResponse(environment, answer(200)));
   EXPECT_EQ(state.LastErrCode, 200);
   state.ScheduleErrorStop = u"False";
-  EXPECT_FALSE(comSchedule::LogResponse(environment, record));
+  EXPECT_FALSE(comSchedule::LogResponse(environment, answer(200)));
   EXPECT_EQ(state.RunState, 0);
 }
 
 TEST_F(RunLog, ACodeBeyond16BitsIsKeptAsItsLimit) {
-  cListRequest record;
-  fill(record, 70000);
-  EXPECT_TRUE(comSchedule::LogResponse(environment, record));
+  EXPECT_TRUE(comSchedule::LogResponse(environment, answer(70000)));
   EXPECT_THAT(log(), testing::StartsWith("2026-11-20 21:14:05 ErrCode = 70000\r\n"));
   EXPECT_EQ(state.LastErrCode, 32767);
 }
@@ -157,23 +166,60 @@ TEST_F(RunLog, ACodeBeyond16BitsIsKeptAsItsLimit) {
 TEST_F(RunLog, Code61AlwaysStopsTheRun) {
   state.ScheduleErrorStop = u"False";
   state.RunState = 11;
-  cListRequest record;
-  fill(record, 61);
-  EXPECT_TRUE(comSchedule::LogResponse(environment, record));
+  EXPECT_TRUE(comSchedule::LogResponse(environment, answer(61)));
   EXPECT_EQ(state.RunState, 12);
   EXPECT_EQ(state.LastErrCode, 61);
 }
 
-TEST_F(RunLog, ARecordThatCantBeReadCountsAsAnError) {
-  fakes::ScriptedObject gone;
-  EXPECT_TRUE(comSchedule::LogResponse(environment, gone));
+TEST_F(RunLog, ACodeThatCantBeReadCountsAsAnError) {
+  EXPECT_TRUE(comSchedule::LogResponse(environment, {{}, 0, {}}));
   EXPECT_EQ(log(), "2026-11-20 21:14:05 ErrCode = \r\n");
-  gone.on(u"ErrCode", [](auto) { return automation::Value{std::int32_t{0}}; });
-  gone.on(u"Count", [](auto) { return automation::Value{std::int16_t{1}}; });
-  gone.on(u"FirstData", [](auto) { return automation::Value{std::u16string(u"read")}; });
+  EXPECT_EQ(state.LastErrCode, -1);
+  EXPECT_EQ(state.RunState, 0);
+  state.ScheduleErrorStop = u"False";
+  EXPECT_FALSE(comSchedule::LogResponse(environment, {{}, 0, {}}));
+}
+
+TEST_F(RunLog, ControlCharactersAndEveryLineEndBecomeBlanks) {
+  write(
+      std::u16string(u"a\0b\tc\x1B"
+                     u"d\x1F"
+                     u"e\x7F"
+                     u"f\x80g\x85h\x9Fi\u2028j\u2029k",
+                     21));
+  EXPECT_EQ(log(), "2026-11-20 21:14:05 a b c d e f g h i j k\r\n");
   log().clear();
-  EXPECT_FALSE(comSchedule::LogResponse(environment, gone));
-  EXPECT_EQ(log(), "2026-11-20 21:14:05 ErrCode = 0\r\n2026-11-20 21:14:05 Response(0) =  > read :  - \r\n");
+  write(u"~ \u00A0 \u2027 \u202A !");
+  EXPECT_EQ(log(), "2026-11-20 21:14:05 ~ \u00A0 \u2027 \u202A !\r\n") << "their neighbours stay";
+}
+
+TEST_F(RunLog, ALineIsCutAt4096Characters) {
+  write(std::u16string(4076, u'x'));
+  EXPECT_EQ(log(), "2026-11-20 21:14:05 " + std::string(4076, 'x') + "\r\n");
+  log().clear();
+  write(std::u16string(4075, u'x') + u"yz");
+  EXPECT_EQ(log(), "2026-11-20 21:14:05 " + std::string(4075, 'x') + "y\r\n");
+  log().clear();
+  write(std::u16string(4075, u'x') + u"\r\ny");
+  EXPECT_EQ(log(), "2026-11-20 21:14:05 " + std::string(4075, 'x') + " \r\n") << "as it is written";
+}
+
+TEST_F(RunLog, AnEntryOfAnyLengthIsOneLine) {
+  const std::u16string longText(65'536, u'f');
+  const auto entry = [&](std::int32_t) { return comSchedule::LoggedEntry{u"LEA0", longText, u"s", u"e"}; };
+  EXPECT_FALSE(comSchedule::LogResponse(environment, {0, 1, entry}));
+  EXPECT_EQ(log(),
+            "2026-11-20 21:14:05 ErrCode = 0\r\n"
+            "2026-11-20 21:14:05 Response(0) = LEA0 > " +
+                std::string(4096 - 41, 'f') + "\r\n");
+}
+
+TEST_F(RunLog, AClosedLogTakesNoMoreLines) {
+  write(u"...");
+  comSchedule::CloseRunLog(state);
+  write(u"late", true, true);
+  EXPECT_EQ(files.content.size(), 1U);
+  EXPECT_EQ(files.content.begin()->second, "2026-11-20 21:14:05 ...\r\n");
 }
 
 // A day's clock that begins again at midnight and moves only while somebody sleeps.

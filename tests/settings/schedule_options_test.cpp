@@ -5,6 +5,7 @@
 #include "fakes/memory_settings.h"
 #include "fakes/set_clock.h"
 #include "settings/comSchedule.h"
+#include "text/utf8.h"
 
 namespace vordane {
 namespace {
@@ -135,6 +136,41 @@ TEST_F(ScheduleOptions, AnEmptyFileLeavesTheKeyAsTheLogsName) {
     comSchedule::LoadScheduleOptions(environment, u"7");
     EXPECT_EQ(state.LogName, u"7");
   }
+}
+
+TEST_F(ScheduleOptions, ALogNameThatIsMoreThanAFilesNameCountsAsEmpty) {
+  const auto nameOf = [&](const text16& file) {
+    fakes::Row row = fullRow();
+    row[7] = file;
+    makeSchedule(row);
+    comSchedule::LoadScheduleOptions(environment, u"7");
+    EXPECT_EQ(state.JobKind, 5) << "what stands behind it is read all the same";
+    return state.LogName;
+  };
+  for (const char16_t* file : {u"..\\..\\autorun",
+                               u"../up",
+                               u"C:night",
+                               u"C:\\night",
+                               u"\\\\server\\share\\night",
+                               u"night:stream",
+                               u"a*",
+                               u"a?",
+                               u"a\"b",
+                               u"<a",
+                               u"a>",
+                               u"a|b",
+                               u"a\nb",
+                               u"a\x1F",
+                               u"COM",
+                               u"lpt",
+                               u"CON.log",
+                               u"nul .x",
+                               u"Aux.",
+                               u"conin$."})
+    EXPECT_EQ(nameOf(file), u"7") << text::toUtf8(file);
+  for (const char16_t* file :
+       {u"NIGHT", u"night run", u"ночь", u"夜間", u"a.b", u"..", u"CON", u"COM1", u"(1) [2] {3}", u"x$"})
+    EXPECT_EQ(nameOf(file), file + text16(u"7")) << text::toUtf8(file);
 }
 
 TEST_F(ScheduleOptions, AValueThatDoesNotFitEndsTheReading) {

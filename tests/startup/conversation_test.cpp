@@ -4,8 +4,19 @@
 namespace vordane::startup {
 namespace {
 
-using Conversation = Story;
 using namespace std::string_literals;
+
+class Conversation : public Story {
+ protected:
+  // A whole list, taken in and acknowledged.
+  void fetch() {
+    pressAndTick(0);
+    exchange().answer(0, oneFault());
+    tick();
+    exchange().answerLamps(u"00");
+    tick();
+  }
+};
 
 const std::string listRequest = "SendRequest LEA0// tag 10 for PBX-1 as L1 busy True mode 0 key ";
 const std::string acknowledgement = "SendRequest EA1/00/ tag 12 for PBX-1 as L1 busy False mode 0 key ";
@@ -134,7 +145,7 @@ TEST_F(Conversation, AnErrorCodeEndsTheActionAfterTheSameSteps) {
   EXPECT_EQ(view.timer, 0);
   EXPECT_FALSE(state.busy);
   EXPECT_EQ(form().response().Count(), 4) << "the entries are copied all the same";
-  EXPECT_EQ(view.status[0], u"PBX-1 failed: code 61. no list yet");
+  EXPECT_EQ(view.status[0], u"PBX-1 failed: code 61.\nno list yet");
 }
 
 TEST_F(Conversation, AnAnswerWithoutEntriesStillRunsItsAction) {
@@ -442,6 +453,209 @@ TEST_F(Conversation, TheResetIsConfirmedAndTurnsTheLampsOff) {
   EXPECT_THAT(taken(), ElementsAre("Box 108  "));
   EXPECT_FALSE(view.majorLit);
   EXPECT_FALSE(state.busy);
+}
+
+TEST_F(Conversation, ARefusedResetEndsAndTheNextIsSent) {
+  startWithHost();
+  fetch();
+  exchange().loginAnswer = u"BUSY"s;
+  pressAndTick(1);
+  EXPECT_FALSE(state.busy);
+  EXPECT_EQ(view.timer, 0);
+  exchange().loginAnswer = u"L1"s;
+  exchange().sendAnswer = u"ERROR"s;
+  pressAndTick(1);
+  EXPECT_FALSE(state.busy);
+  exchange().sendAnswer = u"ACCEPTED"s;
+  taken();
+  pressAndTick(1);
+  EXPECT_THAT(taken(), testing::Contains(resetRequest));
+}
+
+TEST_F(Conversation, TheAddInIsBusyWhileItResetsPrintsAndDeletes) {
+  startWithHost();
+  fetch();
+  pressAndTick(1);
+  EXPECT_TRUE(state.busy);
+  EXPECT_EQ(runSchedule(u"1"), 10001);
+  exchange().answer(0);
+  EXPECT_TRUE(state.busy);
+  tick();
+  EXPECT_FALSE(state.busy);
+
+  std::int16_t answered = 0;
+  host->meanwhile[u"PrintReport"] = [&] { answered = runSchedule(u"1"); };
+  pressAndTick(2);
+  EXPECT_EQ(answered, 10001);
+  EXPECT_FALSE(state.busy);
+
+  answered = 0;
+  boxes.meanwhile = [&] { answered = runSchedule(u"1"); };
+  pressAndTick(3);
+  EXPECT_EQ(answered, 10001);
+  EXPECT_FALSE(state.busy);
+  EXPECT_EQ(state.runMode, RunMode::interactive);
+}
+
+TEST_F(Conversation, TheResetGoesToTheExchangeThatIsRegisteredWhenItIsPressed) {
+  startWithHost();
+  fetch();
+  registerPbx(u"PBX-2");
+  taken();
+  pressAndTick(1);
+  Lines lines = taken();
+  EXPECT_THAT(lines, testing::Contains("Login PBX-2&"));
+  EXPECT_THAT(lines,
+              testing::Contains("SendRequest EA1/00/CCC tag 11 for PBX-2 as L1 busy True mode 0 key "));
+  registerPbx(u"PBX-1");
+  taken();
+  exchange().answer(0);
+  EXPECT_THAT(taken(), testing::Contains("LogOut PBX-2& L1&"));
+}
+
+TEST_F(Conversation, ModeAndKeyBelongToRunsAlone) {
+  startWithHost();
+  form().setKey(u"9");
+  fetch();
+  pressAndTick(1);
+  const Lines lines = taken();
+  for (const auto& request : {listRequest, acknowledgement, resetRequest})
+    EXPECT_THAT(lines, testing::Contains(request));
+}
+
+TEST_F(Conversation, AnAnswerWhileARefusalIsShownIsIgnored) {
+  startWithHost();
+  exchange().sendAnswer = u"ERROR"s;
+  host->meanwhile[u"ShowMessage"] = [&] {
+    if (trace.back() == "ShowMessage PBX ERROR") exchange().answer(0, oneFault());
+  };
+  pressAndTick(0);
+  EXPECT_THAT(taken(), ElementsAre("(hourglass)", "Login PBX-1&", "ShowMessage PBX L1", listRequest,
+                                   "ShowMessage PBX ERROR", "LogOut PBX-1& L1&", "TurnOffFlow", "(pointer)"));
+  EXPECT_EQ(form().response().Count(), 0);
+  EXPECT_FALSE(state.busy);
+  EXPECT_EQ(view.timer, 0);
+}
+
+TEST_F(Conversation, ATextIsCutAt65536CharactersAndTheAccountSaysSo) {
+  startWithHost();
+  for (const char16_t* column : {u"CMD", u"FirstData", u"SecondData", u"ExtraData"}) {
+    SCOPED_TRACE(text::toUtf8(column));
+    for (const std::size_t length : {65'536U, 65'537U}) {
+      pressAndTick(0);
+      const auto answer = exchange().record(0, oneFault());
+      automation::Argument put[] = {automation::byVal(std::int16_t{3}),
+                                    automation::byVal(std::u16string(length, u'x'))};
+      exchange().request->invoke(column, automation::CallKind::put, put);
+      exchange().callBack(answer);
+      const auto& copy = form().response();
+      EXPECT_EQ(copy.CMD(3).size() + copy.FirstData(3).size() + copy.SecondData(3).size() +
+                    copy.ExtraData(3).size(),
+                65'536U + (column == std::u16string_view(u"CMD") ? 0 : 4));
+      tick();
+      const std::string status = text::toUtf8(view.status[0]);
+      if (length > 65'536)
+        EXPECT_THAT(status, testing::EndsWith("refused: text cut"));
+      else
+        EXPECT_THAT(status, testing::EndsWith("refused"));
+      exchange().answerLamps(u"00");
+      tick();
+      EXPECT_FALSE(state.busy);
+    }
+  }
+}
+
+TEST_F(Conversation, AMessageOfAnyLengthIsCutToo) {
+  startWithHost();
+  pressAndTick(0);
+  const auto answer = exchange().record();
+  answer->message = std::u16string(70'000, u'm');
+  taken();
+  exchange().callBack(answer);
+  EXPECT_EQ(taken().front(), "ShowMessage " + std::string(65'536, 'm'));
+}
+
+// Of `count` entries whose four texts are as long as one may be.
+std::shared_ptr<fakes::ScriptedObject> largeAnswer(std::int32_t count) {
+  auto answer = std::make_shared<fakes::ScriptedObject>();
+  const auto fixed = [&](const char16_t* member, const automation::Value& value) {
+    answer->on(member, [value](auto) { return value; });
+  };
+  fixed(u"Count", count);
+  fixed(u"ErrCode", std::int32_t{0});
+  fixed(u"Tag", u"10"s);
+  fixed(u"LoginID", u"L1"s);
+  fixed(u"Message", u"large"s);
+  for (const char16_t* column : {u"CMD", u"FirstData", u"SecondData", u"ExtraData"})
+    fixed(column, std::u16string(65'536, u'x'));
+  return answer;
+}
+
+TEST_F(Conversation, AnAnswerOfMoreThan256MegabytesHasFailed) {
+  startWithHost();
+  pressAndTick(0);
+  exchange().callBack(largeAnswer(512));
+  const Lines lines = taken();
+  EXPECT_EQ(Lines(lines.end() - 6, lines.end()),
+            (Lines{"ShowMessage large", "ShowCode 0", "LogOut PBX-1& L1&", "TurnOffFlow", "(enabled)",
+                   "(pointer)"}));
+  EXPECT_EQ(view.status[0], u"PBX-1 failed: too large. no list yet");
+  EXPECT_EQ(form().response().Count(), 0) << "its memory is free again";
+  EXPECT_EQ(view.timer, 0);
+  EXPECT_FALSE(state.busy);
+
+  pressAndTick(0);
+  exchange().callBack(largeAnswer(511));
+  EXPECT_EQ(form().response().Count(), 511);
+  EXPECT_EQ(view.timer, 100) << "one entry less is taken in";
+}
+
+// An empty text in place of one that was there would be stored and acknowledged.
+TEST_F(Conversation, AnEntryThatFoundNoRoomOnItsWayFailsTheAnswer) {
+  startWithHost();
+  pressAndTick(0);
+  const auto answer = exchange().record(0, oneFault());
+  answer->broken = [](std::u16string_view member) { return member == u"FirstData"; };
+  answer->brokenWith = static_cast<std::int32_t>(0x8007000E);
+  exchange().callBack(answer);
+  EXPECT_EQ(view.notice, u"PBX-1: no memory");
+  EXPECT_EQ(form().response().Count(), 0);
+  EXPECT_EQ(view.timer, 0);
+  EXPECT_FALSE(state.busy);
+  fetch();
+  EXPECT_EQ(view.rows->size(), 1U);
+}
+
+// Memory that runs out behind the conversation must not leave the add-in busy for good.
+TEST_F(Conversation, AnActionThatBreaksOffIsOver) {
+  startWithHost();
+  pressAndTick(0);
+  exchange().answer(0);
+  boxes.meanwhile = [] { throw std::bad_alloc(); };
+  EXPECT_THROW(tick(), std::bad_alloc);
+  EXPECT_FALSE(state.busy);
+  EXPECT_EQ(view.timer, 0);
+  EXPECT_EQ(view.noticeKind, window::NoticeKind::failure);
+  EXPECT_EQ(view.notice, u"PBX-1: no memory");
+  boxes.meanwhile = nullptr;
+  fetch();
+  EXPECT_EQ(view.rows->size(), 1U);
+  boxes.meanwhile = [] { throw std::bad_alloc(); };
+  EXPECT_THROW(pressAndTick(3), std::bad_alloc);
+  EXPECT_FALSE(state.busy);
+  EXPECT_EQ(view.notice, u"") << "nothing was asked of the exchange";
+}
+
+TEST_F(Conversation, OnlyNoKeepsTheRequestBack) {
+  host->sysInfo = std::int16_t{12};
+  startWithHost();
+  for (const int answer : {0, 1, 2, 6}) {
+    boxes.answer = answer;
+    pressAndTick(0);
+    ASSERT_THAT(taken(), testing::Contains(listRequest)) << answer;
+    exchange().answer(61);
+    taken();
+  }
 }
 
 TEST_F(Conversation, ACarefulExchangeIsAskedForOnlyWhenTheUserAgrees) {

@@ -3,6 +3,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "fakes/watched_database.h"
 #include "startup/story.h"
 
 namespace vordane::startup {
@@ -39,24 +40,60 @@ TEST_F(Damaged, FaultsThatAreNoDatabaseCountAsMissing) {
   EXPECT_TRUE(bytesOf(u"FAULT.MDB") == before);
 }
 
-TEST_F(Damaged, FaultsThatOpenAndCantBeReadAreToldAtEveryStepAndLeftAlone) {
+TEST_F(Damaged, FaultsThatOpenAndCantBeReadCountAsMissingForAHost) {
   engine.open(u"FAULT.MDB", false);  // its first use has been
   spoil(u"FAULT.MDB", 2);
   const std::string before = bytesOf(u"FAULT.MDB");
   start();
   layer = createLayer();
-  EXPECT_THAT(taken(), ElementsAre(damageBox)) << "the load goes on all the same";
-  EXPECT_FALSE(registerPbx(u"PBX-1"));
-  EXPECT_THAT(taken(), ElementsAre("GetComData VORDANE MOVE& &", damageBox, "GetMPVersion PBX-1&",
-                                   "getsysinfo PBX-1&"));
+  EXPECT_THAT(taken(), IsEmpty()) << "the creation may wait where nobody is to answer a box";
+  EXPECT_EQ(state.stepCode, 10002);
+  const auto notOpen = ElementsAre("GetComData VORDANE MOVE& &", "ShowMessage not open", "ShowCode 3024",
+                                   "GetMPVersion PBX-1&", "getsysinfo PBX-1&");
+  EXPECT_TRUE(registerPbx(u"PBX-1"));
+  EXPECT_THAT(taken(), notOpen);
+  EXPECT_TRUE(view.attached);
   pressAndTick(0);
   exchange().answer(0, oneFault());
   taken();
   tick();
-  EXPECT_THAT(taken(), ElementsAre(damageBox)) << "no acknowledgement of what was not stored";
+  EXPECT_THAT(taken(), testing::Contains("ShowCode 3024"));
+  exchange().answerLamps(u"00");
+  tick();
   EXPECT_FALSE(state.busy);
+  auto second = createLayer();
+  EXPECT_TRUE(registerPbx(u"PBX-1")) << "the load is not made again";
+  EXPECT_THAT(taken(), testing::Not(testing::Contains(testing::StartsWith("Box"))));
+  second.reset();
   layer.reset();
   EXPECT_TRUE(bytesOf(u"FAULT.MDB") == before);
+}
+
+TEST_F(Damaged, FaultsThatOpenAndCantBeReadAreToldOnceToWhoStartsByHand) {
+  engine.open(u"FAULT.MDB", false);  // its first use has been
+  spoil(u"FAULT.MDB", 2);
+  startStandAlone(u"P");
+  EXPECT_THAT(taken(), ElementsAre(damageBox));
+  EXPECT_TRUE(view.shown);
+  EXPECT_FALSE(form().CheckLoadError()) << "the load goes on";
+  EXPECT_EQ(view.notice, u"database: The database file is damaged.");
+}
+
+// Only the exchanges are read by the load itself: what fails behind it is told as at any other time.
+TEST_F(Damaged, FaultsOfOneExchangeThatCantBeReadAreToldWhenItIsRegistered) {
+  engine.between = [](std::u16string_view path, auto file) -> std::unique_ptr<database::Database> {
+    if (!path.ends_with(u"FAULT.MDB")) return file;
+    auto watched = std::make_unique<fakes::WatchedDatabase>(std::move(file));
+    watched->before = [](std::u16string_view step) {
+      if (step.find(u"FaultDisplay") != step.npos) throw database::DatabaseError(3343, u"damaged");
+    };
+    return watched;
+  };
+  start();
+  layer = createLayer();
+  EXPECT_THAT(taken(), IsEmpty());
+  EXPECT_FALSE(registerPbx(u"PBX-1")) << "the load went well";
+  EXPECT_THAT(taken(), testing::Contains("Box 102 damaged"));
 }
 
 TEST_F(Damaged, ARunOverFaultsThatCantBeReadIsNoSuccessInItsLog) {
@@ -67,10 +104,37 @@ TEST_F(Damaged, ARunOverFaultsThatCantBeReadIsNoSuccessInItsLog) {
   tick();
   exchange().answer(0, oneFault());
   taken();
+  tick();
+  exchange().answerLamps(u"00");
   while (tick()) {
   }
   EXPECT_THAT(taken(), testing::Not(testing::Contains(testing::StartsWith("Box"))));
-  EXPECT_THAT(log(), testing::Contains("102 The database file is damaged."));
+  EXPECT_THAT(log(), testing::Contains("M211: not open"));
+  EXPECT_THAT(log(), testing::Not(testing::Contains(testing::StartsWith("1 received, 1 new"))));
+  EXPECT_EQ(log().back(), "...");
+}
+
+TEST_F(Damaged, ARunThatMeetsTheDamageIsNoSuccessInItsLog) {
+  bool damaged = false;
+  engine.between = [&damaged](std::u16string_view path, auto file) -> std::unique_ptr<database::Database> {
+    if (!path.ends_with(u"FAULT.MDB")) return file;
+    auto watched = std::make_unique<fakes::WatchedDatabase>(std::move(file));
+    watched->before = [&damaged](std::u16string_view) {
+      if (damaged) throw database::DatabaseError(3343, u"damaged");
+    };
+    return watched;
+  };
+  startWithHost();
+  runSchedule(u"1");
+  tick();
+  tick();
+  damaged = true;
+  exchange().answer(0, oneFault());
+  taken();
+  while (tick()) {
+  }
+  EXPECT_THAT(taken(), testing::Not(testing::Contains(testing::StartsWith("Box"))));
+  EXPECT_THAT(log(), testing::Contains("102 damaged"));
   EXPECT_THAT(log(), testing::Not(testing::Contains(testing::StartsWith("1 received, 1 new"))));
   EXPECT_EQ(log().back(), "...");
 }

@@ -1,4 +1,7 @@
 // How it ends: the last release, the unload in each run mode, and what comes too late.
+#include <stdexcept>
+
+#include "fakes/watched_database.h"
 #include "startup/story.h"
 
 namespace vordane::startup {
@@ -41,6 +44,66 @@ TEST_F(Endings, TheDatabasesAreClosedBeforeTheHostIsTold) {
   EXPECT_FALSE(open) << "the host may copy or move the file at once";
 }
 
+TEST_F(Endings, TextsAndFaultsAreClosedBeforeTheHostIsTold) {
+  engine.between = [this](std::u16string_view path, auto file) -> std::unique_ptr<database::Database> {
+    auto watched = std::make_unique<fakes::WatchedDatabase>(std::move(file));
+    if (path.ends_with(u"VORDANE.LNG")) watched->closed = [this] { trace.push_back("(texts closed)"); };
+    if (path.ends_with(u"FAULT.MDB")) watched->closed = [this] { trace.push_back("(faults closed)"); };
+    return watched;
+  };
+  startWithHost();
+  callInteger(u"CancelSchedule");
+  EXPECT_THAT(taken(), ElementsAre("(stops serving)", "(window gone)", "(texts closed)", "(faults closed)",
+                                   "UnloadChild 7&"));
+  EXPECT_EQ(application->LangDB, nullptr);
+  EXPECT_EQ(form().faultDatabase(), nullptr);
+  EXPECT_NE(application->CommonLangDB, nullptr) << "the common texts live as long as the process";
+}
+
+TEST_F(Endings, TheDecoderGoesWithTheUnload) {
+  startWithHost();
+  const auto line = [&] { return form().faultDecoder(true).GetFaultMessage(u"15 MJ MP000", u"00", u""); };
+  const std::u16string before = line();
+  for (auto& text : state.Messages) text += u"!";
+  EXPECT_EQ(line(), before) << "its texts are read once";
+  callInteger(u"CancelSchedule");
+  EXPECT_NE(line(), before);
+}
+
+TEST_F(Endings, AStepThatFailsHindersNoOther) {
+  startWithHost();
+  runSchedule(u"1");
+  tick();
+  tick();
+  taken();
+  view.duringDetach = [&] {
+    files.outOfMemory = true;
+    throw std::runtime_error("the window can't go");
+  };
+  for (const char16_t* member : {u"REGComData", u"EndProcess", u"UnloadChild"})
+    host->meanwhile[member] = [] { throw std::runtime_error("the host fails"); };
+  callInteger(u"CancelSchedule");
+  EXPECT_THAT(taken(), ElementsAre("CancelRequest PBX-1& L1&", "(stops serving)", "(window gone)",
+                                   "EndProcess 1& 20000&", "UnloadChild 7&"));
+  EXPECT_EQ(application->LangDB, nullptr);
+  layer.reset();
+  EXPECT_THAT(taken(), ElementsAre("REGComData VORDANE MOVE& 5100,2400&", "(process ends)"));
+}
+
+TEST_F(Endings, TheLastReleaseInARunGoesOnWhateverFails) {
+  startWithHost();
+  runSchedule(u"1");
+  tick();
+  tick();
+  taken();
+  files.outOfMemory = true;
+  view.duringDetach = [] { throw std::runtime_error("the window can't go"); };
+  host->meanwhile[u"REGComData"] = [] { throw std::runtime_error("the host fails"); };
+  layer.reset();
+  EXPECT_THAT(taken(), ElementsAre("(stops serving)", "REGComData VORDANE MOVE& 5100,2400&", "(window gone)",
+                                   "(process ends)"));
+}
+
 TEST_F(Endings, AfterTheUnloadTheLayerAnswersAndDoesNothing) {
   startWithHost();
   view.place = {30, 40};
@@ -77,6 +140,7 @@ TEST_F(Endings, AnUnloadDuringARunReportsItsStepBeforeTheUnload) {
   EXPECT_THAT(taken(), ElementsAre("CancelRequest PBX-1& L1&", "(stops serving)", "(window gone)",
                                    "EndProcess 1& 20000&", "UnloadChild 7&"));
   EXPECT_EQ(log().back(), "...");
+  EXPECT_EQ(state.schedule.RunState, 0);
 }
 
 TEST_F(Endings, TheLateAnswerOfACancelledRequestOnlyLogsOut) {
@@ -91,6 +155,104 @@ TEST_F(Endings, TheLateAnswerOfACancelledRequestOnlyLogsOut) {
   EXPECT_THAT(taken(), ElementsAre("LogOut PBX-1& L1&", "TurnOffFlow"));
   exchange().callBack(answer);
   EXPECT_THAT(taken(), IsEmpty());
+}
+
+TEST_F(Endings, ALateAnswerOfSomebodyElsesLogInIsIgnored) {
+  startWithHost();
+  pressAndTick(0);
+  const auto answer = exchange().record(0, oneFault());
+  callInteger(u"CancelSchedule");
+  taken();
+  answer->loginId = u"L2"s;
+  exchange().callBack(answer);
+  EXPECT_THAT(taken(), IsEmpty());
+  answer->loginId = u"L1"s;
+  exchange().callBack(answer);
+  EXPECT_THAT(taken(), ElementsAre("LogOut PBX-1& L1&", "TurnOffFlow"));
+}
+
+TEST_F(Endings, ARunIsOverBeforeTheHostHearsOfItsUnload) {
+  startWithHost();
+  runSchedule(u"1");
+  bool told = false;
+  host->meanwhile[u"EndProcess"] = [&] {
+    told = true;
+    EXPECT_EQ(state.runMode, RunMode::interactive);
+    EXPECT_EQ(state.schedule.RunState, 0);
+    EXPECT_THAT(log(), ElementsAre("cancelled", "..."));
+  };
+  callInteger(u"CancelSchedule");
+  EXPECT_TRUE(told);
+}
+
+// On a station without a person a call that lasts is noted in the log of the run that waits for it.
+TEST_F(Endings, NothingStandsBehindTheEndMark) {
+  program.interactive = false;
+  for (const bool cancelled : {false, true}) {
+    SCOPED_TRACE(cancelled);
+    startWithHost(cancelled ? u"PBX-1" : u"");
+    runSchedule(u"1");
+    host->meanwhile[u"EndProcess"] = [&] { application->tellPending(); };
+    host->meanwhile[u"UnloadChild"] = [&] { application->askWhileBusy(); };
+    if (cancelled)
+      callInteger(u"CancelSchedule");
+    else
+      tick();
+    EXPECT_EQ(log().back(), "...");
+    layer.reset();
+    files.content.clear();
+  }
+}
+
+TEST_F(Endings, AHostThatCancelsWhileItHearsOfAnEndIsToldOnce) {
+  startWithHost(u"");
+  runSchedule(u"1");
+  taken();
+  host->meanwhile[u"EndProcess"] = [&] { callInteger(u"CancelSchedule"); };
+  tick();
+  EXPECT_THAT(taken(),
+              ElementsAre("(stops serving)", "EndProcess 1& 10021&", "(window gone)", "UnloadChild 7&"));
+  layer.reset();
+
+  process.serving = true;
+  startWithHost();
+  createSchedule();
+  host->meanwhile[u"EndCreateSchedule"] = [&] { callInteger(u"CancelSchedule"); };
+  pressAndTick(0);
+  EXPECT_THAT(taken(),
+              ElementsAre("(stops serving)", "EndCreateSchedule False&", "UnloadChild2 7&", "(window gone)"));
+}
+
+TEST_F(Endings, AHostThatLetsGoWhileItHearsOfAnEndIsToldNoMore) {
+  startWithHost(u"");
+  runSchedule(u"1");
+  taken();
+  host->meanwhile[u"EndProcess"] = [&] { layer.reset(); };
+  tick();
+  EXPECT_THAT(taken(), ElementsAre("(stops serving)", "EndProcess 1& 10021&",
+                                   "REGComData VORDANE MOVE& 5100,2400&", "(window gone)", "(process ends)"));
+}
+
+TEST_F(Endings, ACancelNamesTheRequestThatWaits) {
+  startWithHost();
+  runSchedule(u"4");
+  tick();
+  tick();
+  registerPbx(u"PBX-2");
+  taken();
+  form().closeAsked();
+  EXPECT_THAT(taken(), ElementsAre("CancelRequest PBX-1& L1&"));
+  exchange().answer(5);
+  taken();
+  form().closeAsked();
+  EXPECT_THAT(taken(), ElementsAre("CancelRequest PBX-1& L1&")) << "none waits: the last one";
+  tick();
+  exchange().loginAnswer = u"L2"s;
+  exchange().duringLogin = [&] { form().closeAsked(); };
+  tick();
+  EXPECT_THAT(taken(), testing::Contains("CancelRequest PBX-1& L1&")) << "the new one has no identifier yet";
+  form().closeAsked();
+  EXPECT_THAT(taken(), ElementsAre("CancelRequest PBX-2& L2&"));
 }
 
 TEST_F(Endings, ARequestWhoseHostLetsGoTouchesNothingMore) {

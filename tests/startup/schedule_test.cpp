@@ -70,6 +70,26 @@ TEST_F(Schedule, AWaitComesBeforeTheRequest) {
   EXPECT_EQ(view.timer, 100);
 }
 
+TEST_F(Schedule, ARunIsNumberedBeforeItsWait) {
+  startWithHost();
+  runSchedule(u"10");
+  std::optional<Lines> atFirst;
+  clock.duringSleep = [&] {
+    if (!atFirst) atFirst = log();
+  };
+  tick();
+  ASSERT_TRUE(atFirst);
+  EXPECT_THAT(*atFirst, ElementsAre("Run 1"));
+}
+
+TEST_F(Schedule, AnotherKindIsToldBeforeAMissingExchange) {
+  startWithHost(u"");
+  runSchedule(u"6");
+  for (int i = 0; i < 3; ++i) tick();
+  EXPECT_THAT(trace, testing::Contains("EndProcess 6& 10020&"));
+  EXPECT_THAT(log(), ElementsAre("Run 1", "another kind", "Run 2", "another kind", "..."));
+}
+
 TEST_F(Schedule, WithoutAnExchangeTheRunEndsAtOnce) {
   startWithHost(u"");
   runSchedule(u"1");
@@ -119,6 +139,181 @@ TEST_F(Schedule, TheEndMarkIsWrittenAndTheRunOverBeforeTheHostHearsOfIt) {
   };
   tick();
   EXPECT_TRUE(told);
+}
+
+TEST_F(Schedule, AnAnswerIsLoggedBetweenItsTextsAndTheLogOut) {
+  for (const bool early : {false, true}) {
+    SCOPED_TRACE(early);
+    startWithHost();
+    runSchedule(u"1");
+    tick();
+    std::map<std::string, Lines> logged;
+    for (const char16_t* name : {u"ShowMessage", u"ShowCode", u"TurnOffFlow"})
+      host->meanwhile[name] = [&] { logged[trace.back()] = log(); };
+    if (early) host->meanwhile[u"TurnOnFlow"] = [&] { exchange().answer(0); };
+    tick();
+    if (!early) exchange().answer(0);
+    EXPECT_THAT(logged["ShowMessage Done"], IsEmpty());
+    EXPECT_THAT(logged["ShowCode 0"], IsEmpty());
+    EXPECT_THAT(logged["TurnOffFlow"], ElementsAre("ErrCode = 0"));
+    host->meanwhile.clear();
+    layer.reset();
+    files.content.clear();
+    view.timer = 0;
+  }
+}
+
+TEST_F(Schedule, TheLogReadsNothingOfTheServersRecord) {
+  startWithHost();
+  runSchedule(u"1");
+  tick();
+  tick();
+  const auto answer = exchange().record(0, oneFault());
+  std::map<std::u16string, int> reads;
+  answer->broken = [&](std::u16string_view member) {
+    ++reads[std::u16string(member)];
+    return false;
+  };
+  exchange().callBack(answer);
+  for (const char16_t* member : {u"CMD", u"FirstData", u"SecondData", u"ExtraData"})
+    EXPECT_EQ(reads[member], 4);
+  EXPECT_EQ(reads[u"Count"], 1);
+  EXPECT_EQ(reads[u"ErrCode"], 1);
+  EXPECT_EQ(log().size(), 5U);
+}
+
+TEST_F(Schedule, EntriesThatAreNotTakenOverAreNotLogged) {
+  startWithHost();
+  runSchedule(u"1");
+  tick();
+  tick();
+  state.schedule.LogLimited = false;
+  const auto answer = exchange().record(0, oneFault());
+  answer->count = std::int32_t{32766};
+  exchange().callBack(answer);
+  EXPECT_EQ(log().back(), "Response(32763) =  >  :  - ");
+}
+
+TEST_F(Schedule, AServerThatVanishesIsLoggedAsFarAsItWasRead) {
+  startWithHost();
+  runSchedule(u"2");
+  tick();
+  tick();
+  const auto answer = exchange().record(0, oneFault());
+  int firsts = 0;
+  answer->broken = [&](std::u16string_view member) {
+    return firsts > 2 || (member == u"FirstData" && ++firsts > 2);
+  };
+  answer->brokenWith = static_cast<std::int32_t>(0x800706BA);
+  exchange().callBack(answer);
+  EXPECT_THAT(log(), ElementsAre("ErrCode = ", "Response(0) = LEA0 > 15 MJ MP000 :  - ",
+                                 "Response(1) = LEA0 > 26/11/20 10:15 :  - ", "failed: gone"));
+}
+
+// The host cancels while one value after the other is read.
+TEST_F(Schedule, NoLineOfARunFollowsItsEndMark) {
+  constexpr int readings = 1 + 1 + 16 + 1 + 1 + 2;  // of an answer with one fault
+  for (int n = 1; n <= readings; n += 3) {
+    SCOPED_TRACE(n);
+    startWithHost();
+    runSchedule(u"1");
+    tick();
+    tick();
+    const auto answer = exchange().record(0, oneFault());
+    int reads = 0;
+    answer->broken = [&](std::u16string_view) {
+      if (++reads == n) callInteger(u"CancelSchedule");
+      return false;
+    };
+    exchange().callBack(answer);
+    EXPECT_GE(reads, n);
+    EXPECT_THAT(log(), ElementsAre("cancelled", "..."));
+    layer.reset();
+    files.content.clear();
+  }
+}
+
+TEST_F(Schedule, ARunsStepFollowsItsJobsChoiceToo) {
+  startWithHost();
+  form().dispatch(5);
+  EXPECT_THAT(taken(), IsEmpty()) << "nothing to end";
+  runSchedule(u"3");
+  taken();
+  form().dispatch(5);
+  EXPECT_THAT(log(), ElementsAre("Run 1"));
+  EXPECT_EQ(state.runMode, RunMode::scheduledRun);
+  tick();
+  EXPECT_THAT(taken(), testing::Contains("Login PBX-1&"));
+}
+
+TEST_F(Schedule, CodesThatAreNoActionDoNothing) {
+  startWithHost();
+  automation::put(*layer, u"Visible", true);
+  for (const std::int16_t code : {6, 7, 8, 9, 13, 98, 101, -1}) form().dispatch(code);
+  EXPECT_THAT(taken(), IsEmpty());
+  EXPECT_TRUE(view.shown);
+  EXPECT_EQ(view.timer, 0);
+  EXPECT_FALSE(state.busy);
+}
+
+// --- what waits when a job begins
+
+TEST_F(ScheduledRuns, APressThatWaitsIsDroppedByACreation) {
+  startWithHost();
+  press(0);
+  fetchOnce();
+  boxes.answer = 6;
+  taken();
+  press(3);
+  createSchedule();
+  EXPECT_FALSE(tick());
+  EXPECT_THAT(taken(), IsEmpty());
+  EXPECT_EQ(view.rows->size(), 1U) << "and nothing is deleted";
+  pressAndTick(0);
+  EXPECT_THAT(taken(), testing::Contains("EndCreateSchedule False&")) << "a new one counts";
+}
+
+TEST_F(ScheduledRuns, APressThatWaitsIsDroppedByARun) {
+  startWithHost();
+  press(0);
+  fetchOnce();
+  taken();
+  press(3);
+  EXPECT_EQ(runSchedule(u"1"), 0);
+  tick();
+  tick();
+  EXPECT_EQ(view.rows->size(), 1U) << "no question, no Yes, nothing deleted";
+  EXPECT_THAT(taken(), testing::Contains("Login PBX-1&"));
+}
+
+TEST_F(ScheduledRuns, AnAnswerThatHasComeIsWorkedOffWhateverBegins) {
+  startWithHost();
+  pressAndTick(0);
+  exchange().answer(0, oneFault());
+  createSchedule();
+  EXPECT_EQ(runSchedule(u"1"), 10001);
+  tick();
+  EXPECT_EQ(view.rows->size(), 1U);
+  exchange().answerLamps(u"10");
+  createSchedule();
+  tick();
+  EXPECT_TRUE(view.majorLit);
+  EXPECT_FALSE(state.busy);
+
+  layer.reset();
+  startWithHost();
+  pressAndTick(0);
+  exchange().answer(0, oneFault());
+  form().setKey(u"1");
+  form().RunSchedule();
+  taken();
+  tick();
+  EXPECT_THAT(taken(), testing::Contains(testing::StartsWith("SendRequest EA1/00/ tag 12")));
+  exchange().answerLamps(u"00");
+  tick();
+  tick();
+  EXPECT_THAT(taken(), testing::Contains(testing::StartsWith("SendRequest LEA0// tag 10")))
+      << "the run's own";
 }
 
 TEST_F(Schedule, AnErrorStopsAllRepetitions) {
@@ -289,15 +484,22 @@ TEST_F(Schedule, RunScheduleTellsBusyAndErrors) {
   EXPECT_EQ(form().Key(), u"1") << "the decimal text of the converted number";
 }
 
-TEST_F(Schedule, CreationKeepsTheKeyAndTheButtons) {
+TEST_F(ScheduledRuns, CreationKeepsTheKeyAndTheButtons) {
   startWithHost();
+  press(0);
+  fetchOnce();
+  for (const char16_t* name : {u"cmdReset", u"cmdPrint", u"cmdClear", u"cmdLookUp"})
+    ASSERT_TRUE(form().form().control(name).flag(u"Enabled"));
+  for (const char16_t* name : {u"cmdRequest", u"cmdClose"})
+    form().form().control(name).set(u"Enabled", false);
   createSchedule();
   EXPECT_EQ(form().Key(), u"5");
   EXPECT_EQ(state.RAction, 3);
   EXPECT_EQ(state.runMode, RunMode::creatingSchedule);
   for (const char16_t* name : {u"cmdReset", u"cmdPrint", u"cmdClear", u"cmdLookUp"})
     EXPECT_FALSE(form().form().control(name).flag(u"Enabled"));
-  EXPECT_TRUE(form().form().control(u"cmdRequest").flag(u"Enabled"));
+  for (const char16_t* name : {u"cmdRequest", u"cmdClose"})
+    EXPECT_TRUE(form().form().control(name).flag(u"Enabled"));
 }
 
 TEST_F(Schedule, ChoosingTheJobEndsTheCreation) {
@@ -341,7 +543,10 @@ TEST_F(Schedule, JobParametersComeFromTheHost) {
   EXPECT_THAT(form().GetJobParameter(host, u"MOVE"), ElementsAre(u"a", u"b", u"c"));
   host->data[u"MOVE"] = u"";
   EXPECT_THAT(form().GetJobParameter(host, u"MOVE"), IsEmpty());
-  EXPECT_THAT(form().GetJobParameter(host, u"Other"), IsEmpty());
+  host->data[u"Other"] = u"a,b";
+  host->data[u"move"] = u"a,b";
+  for (const char16_t* other : {u"Other", u"move", u""})
+    EXPECT_THAT(form().GetJobParameter(host, other), IsEmpty());
   EXPECT_THAT(form().GetJobParameter(host, u"FilePath"), ElementsAre(u"C:\\QUILMAR32\\30000\\ADDINS"));
   files.directories.insert(u"C:\\Jobs\\");
   host->data[u"FilePath"] = u"C:\\Jobs\\Night.csv,night.CSV";

@@ -27,12 +27,14 @@ TEST_F(StandAlone, TheSimulatorBesideUsIsTakenWithoutAskingTheSettings) {
   settings.write(u"Quilmar32", u"30000", u"ZUL", u"30001");
   startStandAlone(u"P");
   EXPECT_THAT(creator.asked, ElementsAre("CalderinProj30001.cPBXOLE"));
+  EXPECT_THAT(settings.asked, testing::Not(testing::Contains(u"ZUL")));
 }
 
 TEST_F(StandAlone, TheSettingNamesTheServer) {
   settings.write(u"Quilmar32", u"30000", u"ZUL", u"40002");
   startStandAlone(u"P");
   EXPECT_THAT(creator.asked, ElementsAre("CalderinProj40002.cPBXOle"));
+  EXPECT_THAT(settings.asked, testing::Contains(u"ZUL"));
   EXPECT_FALSE(form().CheckLoadError()) << "a server that can't be created doesn't stop the load";
 }
 
@@ -73,6 +75,96 @@ TEST_F(StandAlone, TheTitleBarClosesAtOnce) {
   startStandAlone(u"P");
   form().closeAsked();
   EXPECT_TRUE(process.ended);
+}
+
+// Closed in the middle of a conversation: the exchange is let go before its server is, and once.
+class StandAloneClosed : public Story {
+ protected:
+  StandAloneClosed() { creator.server = server; }
+  ~StandAloneClosed() override { EXPECT_EQ(server.use_count(), 1) << "the server is let go"; }
+  // What follows the request, whose caller lets go of the server object too.
+  Lines ended() {
+    creator.server.reset();
+    Lines lines = taken();
+    return {std::find(lines.begin(), lines.end(), "(stops serving)"), lines.end()};
+  }
+  std::shared_ptr<fakes::MemoryExchange> server = std::make_shared<fakes::MemoryExchange>(trace);
+};
+
+TEST_F(StandAloneClosed, WhileAnAnswerIsWaitedFor) {
+  startStandAlone(u"P");
+  pressAndTick(0);
+  const auto late = server->record(0, oneFault());
+  bool held = false;
+  server->on(u"LogOut", [&](auto) {
+    held = server.use_count() > 2;
+    trace.push_back("LogOut");
+    return automation::Value{};
+  });
+  form().closeAsked();
+  EXPECT_TRUE(held) << "the server is still there";
+  EXPECT_THAT(ended(), ElementsAre("(stops serving)", "(window gone)", "LogOut", "(process ends)"));
+  server->callBack(late);
+  EXPECT_THAT(taken(), IsEmpty()) << "logged out once";
+}
+
+TEST_F(StandAloneClosed, WhileTheLogInIsUnderWay) {
+  startStandAlone(u"P");
+  server->duringLogin = [&] { form().closeAsked(); };
+  pressAndTick(0);
+  EXPECT_THAT(ended(), ElementsAre("(stops serving)", "(window gone)", "(process ends)", "LogOut P& L1&"));
+}
+
+TEST_F(StandAloneClosed, WhileARefusedLogInIsUnderWay) {
+  startStandAlone(u"P");
+  server->loginAnswer = std::u16string(u"BUSY");
+  server->duringLogin = [&] { form().closeAsked(); };
+  pressAndTick(0);
+  EXPECT_THAT(ended(), ElementsAre("(stops serving)", "(window gone)", "(process ends)"));
+}
+
+TEST_F(StandAloneClosed, WhileTheRequestIsSent) {
+  for (const char16_t* answer : {u"ACCEPTED", u"ERROR"}) {
+    creator.server = server;
+    startStandAlone(u"P");
+    server->sendAnswer = std::u16string(answer);
+    server->duringSend = [&] { form().closeAsked(); };
+    pressAndTick(0);
+    EXPECT_THAT(ended(), ElementsAre("(stops serving)", "(window gone)", "(process ends)", "LogOut P& L1&"));
+    server->answer(0, oneFault());
+    EXPECT_THAT(taken(), IsEmpty());
+    view.timer = 0;
+    process.ended = false;
+    process.serving = true;
+  }
+}
+
+TEST_F(StandAloneClosed, WhileTheAnswerIsRead) {
+  for (const char16_t* member : {u"LoginID", u"FirstData", u"Message"}) {
+    SCOPED_TRACE(text::toUtf8(member));
+    creator.server = server;
+    startStandAlone(u"P");
+    pressAndTick(0);
+    const auto answer = server->record(0, oneFault());
+    answer->broken = [&](std::u16string_view asked) {
+      if (asked == member) form().closeAsked();
+      return false;
+    };
+    server->callBack(answer);
+    EXPECT_THAT(ended(), ElementsAre("(stops serving)", "(window gone)", "(process ends)", "LogOut P& L1&"));
+    EXPECT_FALSE(tick());
+    process.ended = false;
+    process.serving = true;
+  }
+}
+
+TEST_F(StandAloneClosed, BetweenRequestsLogsNothingOut) {
+  startStandAlone(u"P");
+  pressAndTick(0);
+  server->answer(61);
+  taken();
+  form().closeAsked();
+  EXPECT_THAT(ended(), ElementsAre("(stops serving)", "(window gone)", "(process ends)"));
 }
 
 TEST_F(StandAlone, WithoutTheFaultDatabaseTheProcessEnds) {

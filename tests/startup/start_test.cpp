@@ -56,6 +56,21 @@ TEST_F(Start, MissingProjectTextsEndTheProcess) {
   EXPECT_THROW(start(), ProcessEnded);
 }
 
+TEST_F(Start, ByHandTheTimesOfOutgoingCallsHoldWithoutALayer) {
+  process.times = {1, 2};
+  startStandAlone(u"P");
+  EXPECT_EQ(process.times.pendingMilliseconds, 10000);
+  EXPECT_EQ(process.times.busyMilliseconds, 20000);
+}
+
+TEST_F(Start, EachCreationSetsTheTimesOfOutgoingCalls) {
+  start();
+  process.times = {1, 2};
+  layer = createLayer();
+  EXPECT_EQ(process.times.pendingMilliseconds, 10000);
+  EXPECT_EQ(process.times.busyMilliseconds, 20000);
+}
+
 TEST_F(Start, TheDrawingsWordsAreMessages) {
   start();
   MessageTexts words(state);

@@ -91,7 +91,7 @@ TEST_F(Status, AFailedAttemptStandsBeforeWhatCameLast) {
   startWithHost();
   pressAndTick(0);
   exchange().answer(61);
-  EXPECT_EQ(status(), "PBX-1 failed: code 61. PBX-1: stored 20.11.2026 21:14:05");
+  EXPECT_EQ(status(), "PBX-1 failed: code 61.\nPBX-1: stored 20.11.2026 21:14:05");
   fetch(oneFault());
   EXPECT_THAT(status(), testing::Not(HasSubstr("failed")));
   exchange().answerLamps(u"00");
@@ -190,6 +190,24 @@ TEST_F(Status, ADisplayThatFailedIsNotCalledEmpty) {
   EXPECT_EQ(view.notice, u"") << "the rows are back";
 }
 
+TEST_F(Status, AStartByHandThatCouldNotReadGoesOnWhenItCan) {
+  auto server = std::make_shared<fakes::MemoryExchange>(trace);
+  creator.server = server;
+  failing = store::exchangesNewestFirst;
+  startStandAlone(u"PBX-1");
+  EXPECT_THAT(taken(), ElementsAre("Box 102 disk full"));
+  EXPECT_EQ(view.notice, u"database: disk full");
+  failing = {};
+  pressAndTick(0);
+  server->answer(0, oneFault());
+  tick();
+  server->answerLamps(u"00");
+  tick();
+  ASSERT_NE(view.rows, nullptr);
+  EXPECT_EQ(view.rows->size(), 1U);
+  EXPECT_EQ(view.notice, u"");
+}
+
 TEST_F(Status, ARegistrationMeanwhileLeavesTheWaitAsItIs) {
   startWithHost();
   pressAndTick(0);
@@ -206,6 +224,22 @@ TEST_F(Status, AnotherExchangeIsNotBlamedForTheFailure) {
   registerPbx(u"PBX-2");
   EXPECT_EQ(view.notice, u"press to ask PBX-2");
   EXPECT_EQ(view.noticeKind, NoticeKind::hint);
+}
+
+TEST_F(Status, ADeletionThatWasAskedAboutAnotherExchangeIsToldAsNotDone) {
+  startWithHost();
+  fetch(oneFault());
+  exchange().answerLamps(u"00");
+  tick();
+  storeEarlier(u"PBX-2", u"2026-11-19 08:00:00"_v);
+  boxes.answer = 6;
+  boxes.meanwhile = [&] { registerPbx(u"PBX-2"); };
+  pressAndTick(3);
+  EXPECT_THAT(status(), testing::StartsWith("not deleted 20.11.2026 21:14:05. "));
+  EXPECT_FALSE(state.busy);
+  EXPECT_EQ(form().form().control(u"drpPBXList").items().size(), 2U);
+  EXPECT_EQ(engine.open(u"C:\\FAULT.MDB", true)->openRecordset(u"Select * from FaultDisplay")->recordCount(),
+            1);
 }
 
 TEST_F(Status, JobSelectionIsToldUntilItEnds) {

@@ -41,7 +41,7 @@ class StoryProcess : public platform::Process {
     serving = false;
   }
   void end() override {
-    if (!ended) trace_.push_back("(process ends)");
+    trace_.push_back("(process ends)");
     ended = true;
   }
   [[noreturn]] void endAtOnce() override { throw ProcessEnded{}; }
@@ -77,8 +77,9 @@ class StoryView : public fakes::MemoryView {
     trace_.push_back("(window gone)");
     MemoryView::detach();
     shown = false;
+    if (duringDetach) duringDetach();
   }
-  std::function<void()> duringMenu;
+  std::function<void()> duringMenu, duringDetach;
   bool tracePointer = true;
 
  private:
@@ -115,6 +116,15 @@ class StoryPictures : public comPicture::PictureLoader {
  public:
   bool readable(std::u16string_view) override { return areReadable; }
   bool areReadable = false;
+};
+
+class StoryClock : public fakes::SetClock {
+ public:
+  void sleep(int milliseconds) override {
+    if (duringSleep) duringSleep();
+    SetClock::sleep(milliseconds);
+  }
+  std::function<void()> duringSleep;
 };
 
 class Story : public testing::Test {
@@ -224,7 +234,7 @@ class Story : public testing::Test {
   fakes::FolderEngine engine;
   fakes::MemorySettings settings;
   fakes::MemoryFiles files;
-  fakes::SetClock clock;
+  StoryClock clock;
   StoryView view{trace};
   StoryBoxes boxes{trace};
   StoryCreator creator;
@@ -256,6 +266,11 @@ class Story : public testing::Test {
         {message::noticeChooseJob, u"choose"},
         {message::noticeScheduledRun, u"run {1} of {2}"},
         {message::reasonAccess, u"access: {1}"},
+        {message::reasonTooLarge, u"too large"},
+        {message::reasonTextCut, u"text cut"},
+        {message::reasonNoMemory, u"no memory"},
+        {message::statusNotDeleted, u"not deleted {1}."},
+        {message::reasonServerGone, u"gone"},
         {message::reasonDatabase, u"database: {1}"},
         {message::reasonCutShort, u"cut short"},
         {message::reasonRefused, u"refused"},
@@ -317,7 +332,9 @@ class Story : public testing::Test {
             job(6, true, 2, true, 9),
             job(7, true, 1, true, 2, 30),
             job(8, true, 0),
-            job(9, true, -3)};
+            job(9, true, -3),
+            job(10, true, 2, true, 2, 30),
+            job(11, false, 30000)};
   }
 };
 

@@ -98,6 +98,37 @@ TEST_F(Window, AnUnknownActionDoesNothingAndLeavesTheTimerOff) {
   EXPECT_THAT(taken(), IsEmpty());
 }
 
+TEST_F(Window, ACodeWithoutAnActionDoesNothingAndLeavesTheTimerOff) {
+  startWithHost();
+  for (const std::int16_t code : {6, 7, 9, 13, -1, 98, 101}) {
+    form().actionFollows(code);
+    EXPECT_EQ(view.timer, 100) << code;
+    EXPECT_TRUE(tick());
+    EXPECT_THAT(taken(), IsEmpty()) << code;
+    EXPECT_FALSE(state.busy) << code;
+    EXPECT_FALSE(tick()) << code;
+    form().tick();
+    EXPECT_TRUE(view.attached) << code;
+  }
+}
+
+TEST_F(Window, TheFirstClickOnAHeadingOrdersAsTheLoadSaid) {
+  startWithHost();
+  pressAndTick(0);
+  exchange().answer(0, oneFault());
+  tick();
+  exchange().answerLamps(u"00");
+  tick();
+  const std::pair<int, bool> first[] = {{0, false}, {1, false}, {2, true}, {3, false}, {4, false}};
+  for (const auto& [column, descending] : first) {
+    form().headingClicked(column);
+    EXPECT_EQ(view.sortColumn, column);
+    EXPECT_EQ(view.sortDescending, descending) << column;
+    form().headingClicked(column);
+    EXPECT_EQ(view.sortDescending, !descending) << column;
+  }
+}
+
 TEST_F(Window, ATickInsideACallWaitsUntilItHasReturned) {
   startWithHost();
   host->meanwhile[u"TurnOffFlow"] = [&] {

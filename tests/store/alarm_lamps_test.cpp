@@ -105,6 +105,17 @@ TEST_F(LampsTest, StayAfterARefusedClear) {
   EXPECT_EQ(lamps(), "MJMN");
 }
 
+TEST_F(LampsTest, AConfirmationIsComparedAsItCame) {
+  addExchange(u"PBX-1", u"2020-01-01 00:00:00", true, true);
+  answerClear({u" OK"});
+  EXPECT_FALSE(store.ClearAlarm());
+  EXPECT_EQ(form.takeTrace(), Lines{"Box 102"});
+  EXPECT_EQ(lamps(), "MJMN");
+  answerClear({u"OK "});
+  EXPECT_TRUE(store.ClearAlarm());
+  EXPECT_EQ(form.takeTrace(), Lines{"Box 108"});
+}
+
 TEST_F(LampsTest, TheNewsOfAClearComesBeforeTheStoredStateChanges) {
   addExchange(u"PBX-1", u"2020-01-01 00:00:00", true, true);
   std::string during;
@@ -158,6 +169,16 @@ TEST_F(LampsTest, ArePaintedRedOrWhiteWithBlackText) {
   EXPECT_EQ(database->statements.back(), u"Select * FROM PBXList WHERE PBXName = \"PBX-1\"");
 }
 
+TEST_F(LampsTest, TheirTextIsBlackWhateverColourItHad) {
+  addExchange(u"PBX-1", u"2020-01-01 00:00:00", true, false);
+  store.FillExchangeList();
+  for (const char16_t* lamp : {u"lblMJ", u"lblMN"})
+    form.window.control(lamp).set(u"ForeColor", std::int32_t{255});
+  store.DisplayAlarm();
+  EXPECT_EQ(colour(u"lblMJ", u"ForeColor"), 0) << "lit";
+  EXPECT_EQ(colour(u"lblMN", u"ForeColor"), 0) << "not lit";
+}
+
 TEST_F(LampsTest, FollowTheExchangeThatIsChosen) {
   addExchange(u"PBX-1", u"2021-01-01 00:00:00", true, false);
   addExchange(u"PBX-2", u"2020-01-01 00:00:00", false, true);
@@ -191,9 +212,28 @@ TEST_F(LampsTest, AreWhiteWithoutADatabase) {
 }
 
 TEST_F(LampsTest, AreWhiteWithoutAChosenExchange) {
+  for (const char16_t* lamp : {u"lblMJ", u"lblMN"})
+    form.window.control(lamp).set(u"BackColor", std::int32_t{255});
+  form.memoryView.majorLit = form.memoryView.minorLit = true;
   store.DisplayAlarm();
   EXPECT_EQ(colour(u"lblMJ", u"BackColor"), 16777215);
+  EXPECT_EQ(colour(u"lblMN", u"BackColor"), 16777215);
+  EXPECT_FALSE(form.memoryView.majorLit);
+  EXPECT_FALSE(form.memoryView.minorLit);
   EXPECT_TRUE(database->statements.empty());
+}
+
+TEST_F(LampsTest, GoOutWithTheLastExchange) {
+  addExchange(u"PBX-1", u"2021-01-01 00:00:00", true, true);
+  store.RefreshDisplay();
+  ASSERT_EQ(colour(u"lblMJ", u"BackColor"), 255);
+  ASSERT_EQ(colour(u"lblMN", u"BackColor"), 255);
+  form.boxAnswer = 6;
+  store.DeleteExchange();
+  EXPECT_EQ(colour(u"lblMJ", u"BackColor"), 16777215);
+  EXPECT_EQ(colour(u"lblMN", u"BackColor"), 16777215);
+  EXPECT_FALSE(form.memoryView.majorLit);
+  EXPECT_FALSE(form.memoryView.minorLit);
 }
 
 TEST_F(LampsTest, OfANewExchangeAreOff) {

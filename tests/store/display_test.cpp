@@ -232,6 +232,25 @@ TEST_F(DisplayTest, TheLastColumnHasNoOrder) {
   EXPECT_EQ(form.memoryView.rowsSet, set + 1);
 }
 
+TEST_F(DisplayTest, AClickThatCouldNotSortTurnsTheDirectionAllTheSame) {
+  addExchange(u"mine", u"2020-01-01 00:00:00");
+  addFault(1, {});
+  store.RefreshDisplay();
+  auto kept = std::move(form.database);
+  store.headingClicked(0);
+  EXPECT_EQ(form.takeTrace(), (Lines{"ShowMessage not open", "ShowCode 3024"}));
+  form.database = std::move(kept);
+  store.headingClicked(0);
+  EXPECT_EQ(store.sortKey(), 5) << "the ascending click was lost";
+  store.headingClicked(0);
+  EXPECT_EQ(store.sortKey(), 0);
+  database->before = [](std::u16string_view) { throw database::DatabaseError(3049, u"broken"); };
+  store.headingClicked(0);
+  database->before = [](std::u16string_view) {};
+  store.headingClicked(0);
+  EXPECT_EQ(store.sortKey(), 0) << "the descending click failed";
+}
+
 TEST_F(DisplayTest, NoOtherColumnExists) {
   EXPECT_THROW(store.headingClicked(-1), std::out_of_range);
   EXPECT_THROW(store.headingClicked(6), std::out_of_range);

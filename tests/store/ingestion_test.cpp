@@ -182,6 +182,18 @@ TEST_F(IngestionTest, IsIncompleteWhenTheAnswerWasTooLong) {
             u"20.11.2026 21:14:05, incomplete: 1 received, 1 new, 0 stored, 0 refused: too long");
 }
 
+TEST_F(IngestionTest, IsIncompleteWhenATextWasCutAndTakesTheRestAllTheSame) {
+  form.receive(u"01 MJ MP", u"2026/11/20 20:58", u"01");
+  form.cut = true;
+  ingest();
+  EXPECT_EQ(form.trace, (Lines{"Account 1=1+0+0 incomplete", "Acknowledge"}));
+  EXPECT_EQ(form.memoryView.status[0],
+            u"20.11.2026 21:14:05, incomplete: 1 received, 1 new, 0 stored, 0 refused: text cut");
+  form.truncated = true;
+  ingest();
+  EXPECT_THAT(text::toUtf8(form.memoryView.status[0]), testing::EndsWith(": too long")) << "which lost more";
+}
+
 TEST_F(IngestionTest, EndsTheActionWhenTheAcknowledgementWasNotSent) {
   form.acknowledged = false;
   form.receive(u"01 MJ MP", u"2026/11/20 20:58");

@@ -48,6 +48,7 @@ TEST_F(AccountTest, SaysWhyItIsIncomplete) {
   const std::u16string counts = u"12 received, 9 new, 3 stored, 0 refused";
   EXPECT_EQ(line(ListEnd::cutShort, u""), counts);
   EXPECT_EQ(line(ListEnd::tooLong, u""), counts + u": too long");
+  EXPECT_EQ(line(ListEnd::textCut, u""), counts + u": text cut");
   EXPECT_EQ(line(ListEnd::accessError, u"ZUL_TIMEOUT"), counts + u": access: ZUL_TIMEOUT");
   EXPECT_EQ(line(ListEnd::databaseError, u"disk full"), counts + u": database: disk full");
   EXPECT_EQ(line(ListEnd::noDatabase, u""), counts + u": not open");

@@ -201,6 +201,47 @@ TEST_F(DeletionTest, DoesNothingWhenTheFormWentAwayBehindTheQuestion) {
   EXPECT_TRUE(database->statements.empty());
 }
 
+// A host registers another exchange while the question stands.
+TEST_F(DeletionTest, OfAnotherExchangeThanTheOneAskedAboutIsGivenUp) {
+  form.meanwhile = [&](const std::string& line) {
+    if (line == "Box 105") store.setExchangeName(u"PBX-2");
+  };
+  store.DeleteExchange();
+  EXPECT_EQ(form.takeTrace(), (Lines{"Box 105", "DeletionGivenUp"}));
+  EXPECT_EQ(exchanges().size(), 2U);
+  EXPECT_EQ(stored(u"Fault").size(), 2U);
+  EXPECT_EQ(shown(&window::GridRow::fault), Texts{u"02"});
+  form.meanwhile = [](const std::string&) {};
+  store.DeleteExchange();
+  EXPECT_EQ(form.takeTrace(), Lines{"Box 105"}) << "asked again, about the one that is shown now";
+  EXPECT_EQ(exchanges(), Texts{u"PBX-1"});
+}
+
+TEST_F(DeletionTest, OfTheSameExchangeShownAnewGoesOn) {
+  form.meanwhile = [&](const std::string& line) {
+    if (line == "Box 105") store.setExchangeName(u"PBX-1");
+  };
+  store.DeleteExchange();
+  EXPECT_EQ(form.takeTrace(), Lines{"Box 105"});
+  EXPECT_EQ(exchanges(), Texts{u"PBX-2"});
+}
+
+TEST_F(DeletionTest, OfAnExchangeThatWasNotThereWhenAskedIsGivenUp) {
+  store.setExchangeName(u"PBX-1");
+  database->inner().execute(deleteExchange(1));
+  database->inner().execute(deleteExchange(2));
+  store.RefreshDisplay();
+  ASSERT_FALSE(store.datPBXList().hasRow());
+  form.meanwhile = [&](const std::string& line) {
+    if (line != "Box 105") return;
+    addExchange(u"PBX-9", u"2023-01-01 00:00:00");
+    store.setExchangeName(u"PBX-9");
+  };
+  store.DeleteExchange();
+  EXPECT_EQ(form.takeTrace(), (Lines{"Box 105", "DeletionGivenUp"}));
+  EXPECT_EQ(exchanges(), Texts{u"PBX-9"});
+}
+
 TEST_F(DeletionTest, NeverUsesANumberAgain) {
   store.DeleteExchange();
   form.exchange = u"PBX-3";

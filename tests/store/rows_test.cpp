@@ -111,6 +111,18 @@ TEST_F(LookUpTest, GoesOnBehindTheLastFindAndRoundTheEndOnce) {
   EXPECT_EQ(store.lookUp(u"main", 1), 0U);
 }
 
+TEST_F(LookUpTest, GoesBackwardsRoundTheBeginningOnce) {
+  constexpr auto back = window::LookUpWay::backwards;
+  EXPECT_EQ(store.lookUp(u"processor", 2, back), 0U);
+  EXPECT_EQ(store.lookUp(u"processor", 0, back), 2U);
+  EXPECT_EQ(store.lookUp(u"main", 0, back), 0U);
+  EXPECT_EQ(store.lookUp(u"m", 2, back), 1U);
+  EXPECT_EQ(store.lookUp(u"processor", -1, back), 2U);
+  EXPECT_EQ(store.lookUp(u"processor", 99, back), 2U);
+  EXPECT_EQ(store.lookUp(u"main", 3, back), 0U);
+  EXPECT_FALSE(store.lookUp(u"nowhere", 1, back).has_value());
+}
+
 TEST_F(LookUpTest, LooksIntoEveryColumn) {
   EXPECT_EQ(store.lookUp(u"0c", -1), 2U);
   EXPECT_EQ(store.lookUp(u"mn", -1), 1U);

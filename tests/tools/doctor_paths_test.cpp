@@ -28,7 +28,7 @@ class DoctorPaths : public testing::Test {
   std::vector<std::string> look(std::u16string_view programDirectory) {
     std::vector<std::string> texts;
     for (const Finding& finding : examinePaths(layout, programDirectory, workstation))
-      texts.push_back((finding.fatal ? "! " : "") + finding.text);
+      texts.push_back((finding.weight == Weight::fatal ? "! " : "") + finding.text);
     return texts;
   }
 
@@ -39,7 +39,8 @@ class DoctorPaths : public testing::Test {
   Workstation workstation{[this](auto section, auto key) {
                             return section == u"30000" && key == u"InstallPath" ? installPath : std::nullopt;
                           },
-                          {},
+                          [](auto) { return std::nullopt; },
+                          [](auto) { return std::vector<guard::Finding>(); },
                           [this](auto path) { return there.count(std::u16string(path)) != 0; }};
 };
 
@@ -80,7 +81,6 @@ TEST_F(DoctorPaths, AreLookedAtOnlyWhereThereAreSuchPaths) {
 
 // The whole look at a workstation takes them in, unless the settings lead to another suite anyway.
 TEST_F(DoctorPaths, BelongToTheLookAtTheWorkstation) {
-  workstation.server = [](auto) { return std::nullopt; };
   const auto inVain = [&] {
     const auto findings = examineWorkstation(layout, workstation);
     return std::count_if(findings.begin(), findings.end(), [](const Finding& finding) {

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <fstream>
 
 #include "doctor_checks.h"
@@ -17,8 +18,11 @@ using testing::Field;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
+auto finding(Weight weight, const char* text) {
+  return AllOf(Field(&Finding::weight, weight), Field(&Finding::text, HasSubstr(text)));
+}
 auto finding(bool fatal, const char* text) {
-  return AllOf(Field(&Finding::fatal, fatal), Field(&Finding::text, HasSubstr(text)));
+  return finding(fatal ? Weight::fatal : Weight::incomplete, text);
 }
 
 class Doctor : public testing::Test {
@@ -77,6 +81,33 @@ TEST_F(Doctor, SaysThatAnAccessFileNeedsItsEngine) {
   std::ofstream(layout.ownDatabases() / "FAULT.MDB", std::ios::binary)
       << std::string("\0\1\0\0Standard Jet DB\0", 20) << std::string(4096, '\0');
   EXPECT_THAT(look(), ElementsAre(finding(true, "FAULT.MDB can't be opened: no faults can be stored")));
+}
+
+// As the sample import has them: faults whose exchange is gone.
+TEST_F(Doctor, NamesFaultsOfNoExchange) {
+  const auto file = layout.ownDatabases() / "FAULT.MDB";
+  const auto fill = [&](std::span<const std::int32_t> owners) {
+    sqlite::DatabaseWriter writer(toText(file), true);
+    writer.createTables(sqlite::schema::faultDatabase());
+    const database::Value exchange[] = {std::int32_t{3}, std::u16string(u"PBX-1"),
+                                        std::u16string(u"2006-11-27 09:00:00"), false, false};
+    writer.insert(u"PBXList", exchange);
+    for (const std::int32_t owner : owners) {
+      const std::u16string text = u"x";
+      const database::Value fault[] = {owner, text, text, text, text, automation::Null{}, text};
+      writer.insert(u"FaultDisplay", fault);
+    }
+    writer.finish();
+  };
+  fill(std::array{3, 3});
+  EXPECT_THAT(look(), IsEmpty());
+  fill(std::array{3, 7, 9, 7, 7});
+  EXPECT_THAT(look(), ElementsAre(finding(
+                          false, "FAULT.MDB: 4 fault(s) of no exchange (ID 7: 3, ID 9: 1): nothing")));
+  fill(std::array{1, 2, 4, 5, 6, 7});
+  EXPECT_THAT(look(),
+              ElementsAre(finding(
+                  false, "6 fault(s) of no exchange (ID 1: 1, ID 2: 1, ID 4: 1, ID 5: 1, ID 6: 1, ...)")));
 }
 
 TEST_F(Doctor, NamesAMissingTable) {
@@ -138,12 +169,23 @@ class WorkstationDoctor : public Doctor {
       const auto found = values.find(std::u16string(name));
       return found == values.end() ? std::nullopt : std::optional(found->second);
     };
-    return examineWorkstation(layout, {[&](auto section, auto key) {
-                                         EXPECT_EQ(section, u"30000");
-                                         return look(settings, key);
-                                       },
-                                       [&](auto progId) { return look(servers, progId); }});
+    const auto setting = [&](auto section, auto key) {
+      EXPECT_EQ(section, u"30000");
+      return look(settings, key);
+    };
+    const auto registered = [&](auto progId) -> std::optional<RegisteredClass> {
+      const auto command = look(servers, progId);
+      if (!command) return std::nullopt;
+      return RegisteredClass{*command, everyUser};
+    };
+    const auto whoMayReplace = [&](std::u16string_view program) {
+      const auto found = holes.find(std::filesystem::path(program).filename().string());
+      return found == holes.end() ? std::vector<guard::Finding>{} : found->second;
+    };
+    return examineWorkstation(layout, {setting, registered, whoMayReplace});
   }
+  bool everyUser = true;
+  std::map<std::string, std::vector<guard::Finding>> holes;  // by the program's file name
   std::map<std::u16string, std::u16string> settings, servers;
 };
 
@@ -171,6 +213,22 @@ TEST_F(WorkstationDoctor, NamesServersThatAreGone) {
   std::filesystem::remove(layout.root / "Zulsim.exe");
   EXPECT_THAT(examine(), ElementsAre(finding(true, "VORDANE.EXE, which is not there: no host can start"),
                                      finding(false, "Zulsim.exe, which is not there: no exchange")));
+}
+
+TEST_F(WorkstationDoctor, WarnsOfAProgramForEveryUserThatOthersMayReplace) {
+  holes["VORDANE.EXE"] = {{u"C:\\Q\\ADDINS", u"BUILTIN\\Users"}, {u"C:\\Q", u"Everyone"}};
+  holes["Zulsim.exe"] = {{u"C:\\SIM", u"Everyone"}};
+  EXPECT_THAT(
+      examine(),
+      ElementsAre(finding(Weight::unsafe,
+                          "Vordane10013.cOLELayer is registered for every user, but BUILTIN\\Users may write "
+                          "to C:\\Q\\ADDINS, Everyone may write to C:\\Q: let administrators alone write "
+                          "there"),
+                  finding(Weight::unsafe,
+                          "CalderinProj30001.cPBXOle is registered for every user, but "
+                          "Everyone may write to C:\\SIM: let administrators")));
+  everyUser = false;  // what a user registers for himself he may replace as he likes
+  EXPECT_THAT(examine(), IsEmpty());
 }
 
 TEST_F(WorkstationDoctor, NamesAnotherSuitesProgram) {

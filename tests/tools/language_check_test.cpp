@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "language/message_numbers.h"
 #include "language_folder.h"
 
 namespace vordane::tools {
@@ -34,9 +35,10 @@ TEST_F(LanguageCheck, AMissingNumberIsFound) {
 }
 
 TEST_F(LanguageCheck, ANumberBeyondTheLastAndADoubleAreFound) {
-  texts.append("messages.tsv", "237\tone too many");
-  expectOnly("there is no message 237");
-  texts.replace("messages.tsv", "237\tone too many", "9\tagain");
+  const std::string beyond = std::to_string(message::count);
+  texts.append("messages.tsv", beyond + "\tone too many");
+  expectOnly("there is no message " + beyond);
+  texts.replace("messages.tsv", beyond + "\tone too many", "9\tagain");
   expectOnly("message 9 stands twice");
 }
 

@@ -64,6 +64,24 @@ TEST_P(Suite, ItsLanguageLoadsWhole) {
 
 INSTANTIATE_TEST_SUITE_P(Languages, Suite, testing::Values("en", "ru", "ja"));
 
+// "InstallPath" itself ends in a separator; and the directory's name is the version.
+TEST(SuiteFiles, TheDirectoryIsTheSameHoweverItIsNamed) {
+  fakes::LanguageFolder texts;
+  const std::filesystem::path root = texts.files.folder() / "30000";
+  std::filesystem::create_directories(root / "ADDINS");
+  for (const char* behind : {"", "/", "//", "/.", "/ADDINS/..", "/ADDINS/../"})
+    EXPECT_EQ(suiteDirectory(root.string() + behind), root) << behind;
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(root);
+  EXPECT_EQ(suiteDirectory("."), root);
+  EXPECT_EQ(suiteDirectory("./"), root);
+  EXPECT_EQ(suiteDirectory("../30000/"), root);
+  std::filesystem::current_path(before);
+  EXPECT_THROW(suiteDirectory((root / "none").string()), ToolError);
+  std::ofstream(root / "file") << "x";
+  EXPECT_THROW(suiteDirectory((root / "file").string()), ToolError);
+}
+
 TEST(SuiteFiles, StandInTheInstalledLayout) {
   fakes::LanguageFolder texts;
   Problems problems;
@@ -86,8 +104,7 @@ TEST(SuiteFiles, StandInTheInstalledLayout) {
 TEST(SuiteFiles, TheReportsLayoutIsTheShippedOne) {
   fakes::LanguageFolder texts;
   const SuiteLayout layout{texts.files.folder() / "30000"};
-  const std::filesystem::path shipped =
-      test::sourceFolder() / "data" / "report" / "FAULT.RPT";
+  const std::filesystem::path shipped = test::sourceFolder() / "data" / "report" / "FAULT.RPT";
   for (int time = 0; time < 2; ++time) installReportLayout(layout, shipped);
   EXPECT_EQ(std::filesystem::file_size(layout.root / "ADDINS/REPORT/FAULT.RPT"),
             std::filesystem::file_size(shipped));

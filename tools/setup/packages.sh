@@ -10,7 +10,7 @@ packages=(
   # SQLite from Debian's sources
   dpkg-dev tcl ca-certificates
   # importing Access files
-  mdbtools mdbtools-dev libglib2.0-dev pkg-config
+  mdbtools mdbtools-dev libglib2.0-dev libseccomp-dev pkg-config
   # testing; clang builds what is sanitized
   googletest libgtest-dev libgmock-dev clang libclang-rt-14-dev
   # running Windows programs without a screen, and looking at them

@@ -21,6 +21,7 @@
 #include "platform/sqlite/engine.h"
 #include "platform/windows/com/apartment.h"
 #include "platform/windows/com/objects.h"
+#include "platform/windows/services/console_output.h"
 #include "platform/windows/services/services.h"
 #include "text/numbers.h"
 #include "text/utf8.h"
@@ -31,8 +32,9 @@ namespace vordane::devhost {
 namespace {
 
 void printLine(std::string_view line) {
-  std::fwrite(line.data(), 1, line.size(), stdout);
-  std::fputc('\n', stdout);
+  const std::string whole = std::string(line) + '\n';
+  if (windows::isConsole(stdout)) return windows::writeConsole(stdout, whole);
+  std::fwrite(whole.data(), 1, whole.size(), stdout);
   std::fflush(stdout);  // whoever follows sees each line as it comes
 }
 
@@ -140,6 +142,7 @@ int runScript(const Options& options) {
 
 int main() {
   using namespace vordane::devhost;
+  vordane::windows::loadFromSystemOnly();
   _setmode(_fileno(stdout), _O_BINARY);
   try {
     const Options options = optionsOf(programArguments());

@@ -1,5 +1,7 @@
 #include "console.h"
 
+#include <unistd.h>
+
 namespace vordane::tools {
 
 Arguments programArguments(int count, char** values) {
@@ -9,6 +11,15 @@ Arguments programArguments(int count, char** values) {
 
 // Streams are binary here already.
 void useBinaryStandardStreams() {}
+
+bool isTerminal(std::FILE* file) {
+  return isatty(fileno(file)) != 0;
+}
+
+void writeTerminal(std::FILE* file, std::string_view utf8) {
+  std::fwrite(utf8.data(), 1, utf8.size(), file);
+  std::fflush(file);
+}
 
 File openForReading(const std::string& path) {
   return File(std::fopen(path.c_str(), "rb"));

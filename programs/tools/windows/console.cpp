@@ -6,6 +6,8 @@
 // shellapi.h needs windows.h before it.
 #include <shellapi.h>
 
+#include "platform/windows/services/console_output.h"
+#include "platform/windows/services/services.h"
 #include "text/utf8.h"
 
 namespace vordane::tools {
@@ -20,7 +22,9 @@ std::string utf8(const wchar_t* text) {
 }  // namespace
 
 // The arguments that main receives have been forced into the system's code page; the command line has not.
+// The first that the program does on this system.
 Arguments programArguments(int, char**) {
+  windows::loadFromSystemOnly();
   int count = 0;
   LPWSTR* const values = CommandLineToArgvW(GetCommandLineW(), &count);
   Arguments arguments;
@@ -32,6 +36,14 @@ Arguments programArguments(int, char**) {
 void useBinaryStandardStreams() {
   _setmode(_fileno(stdin), _O_BINARY);
   _setmode(_fileno(stdout), _O_BINARY);
+}
+
+bool isTerminal(std::FILE* file) {
+  return windows::isConsole(file);
+}
+
+void writeTerminal(std::FILE* file, std::string_view utf8) {
+  windows::writeConsole(file, utf8);
 }
 
 File openForReading(const std::string& path) {

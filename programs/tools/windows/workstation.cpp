@@ -20,15 +20,16 @@ std::optional<std::u16string> defaultValue(HKEY root, const std::u16string& key)
 }
 
 // Per user first, as Windows looks.
-std::optional<std::u16string> classValue(const std::u16string& key) {
+std::optional<RegisteredClass> classValue(const std::u16string& key) {
   const std::u16string path = u"Software\\Classes\\" + key;
-  auto value = defaultValue(HKEY_CURRENT_USER, path);
-  return value ? value : defaultValue(HKEY_LOCAL_MACHINE, path);
+  if (const auto own = defaultValue(HKEY_CURRENT_USER, path)) return RegisteredClass{*own, false};
+  if (const auto all = defaultValue(HKEY_LOCAL_MACHINE, path)) return RegisteredClass{*all, true};
+  return std::nullopt;
 }
 
-std::optional<std::u16string> serverOf(std::u16string_view progId) {
+std::optional<RegisteredClass> registeredClass(std::u16string_view progId) {
   const auto clsid = classValue(std::u16string(progId) + u"\\CLSID");
-  return clsid ? classValue(u"CLSID\\" + *clsid + u"\\LocalServer32") : std::nullopt;
+  return clsid ? classValue(u"CLSID\\" + clsid->command + u"\\LocalServer32") : std::nullopt;
 }
 
 // The Access engine is an automation server, so it needs what automation needs.
@@ -52,7 +53,8 @@ std::optional<Workstation> thisWorkstation() {
   return Workstation{[](std::u16string_view section, std::u16string_view key) {
                        return windows::RegistrySettings().read(u"QUILMAR32", section, key);
                      },
-                     serverOf, [](std::u16string_view path) { return windows::SystemFiles().exists(path); }};
+                     registeredClass, windows::whoMayReplace,
+                     [](std::u16string_view path) { return windows::SystemFiles().exists(path); }};
 }
 
 }  // namespace vordane::tools

@@ -8,7 +8,6 @@
 #include "pbx/cSLVRequest.h"
 #include "platform/command_line.h"
 #include "platform/registration.h"
-#include "platform/windows/com/registrar.h"
 #include "startup/basMain.h"
 #include "startup/cOLELayer.h"
 #include "startup/library.h"
@@ -39,18 +38,16 @@ int serve() {
 int run() {
   const platform::CommandLine line =
       platform::parseCommandLine(platform::withoutProgramName(com::fromWide(GetCommandLineW())));
-  const auto server = [] {
-    return registration::serverOf(windows::executablePath(), startup::libraryTable());
-  };
-  if (line.start == platform::Start::registerServer) return com::registerServer(server());
-  if (line.start == platform::Start::unregisterServer) return com::unregisterServer(server());
-  return serve();
+  const auto asked = windows::registerAsAsked(
+      line, registration::serverOf(windows::executablePath(), startup::libraryTable()));
+  return asked ? *asked : serve();
 }
 
 }  // namespace
 }  // namespace vordane
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
+  vordane::windows::loadFromSystemOnly();
   // The last of the three places where a failure stops: without the parts there is nothing to say it with.
   try {
     return vordane::run();

@@ -16,7 +16,6 @@
 #include "platform/windows/com/apartment.h"
 #include "platform/windows/com/class_server.h"
 #include "platform/windows/com/objects.h"
-#include "platform/windows/com/registrar.h"
 #include "platform/windows/services/services.h"
 #include "text/numbers.h"
 #include "text/utf8.h"
@@ -126,9 +125,7 @@ int run() {
   const std::u16string path = windows::executablePath();
   const std::u16string_view whole = com::fromWide(GetCommandLineW());
   const platform::CommandLine commandLine = platform::parseCommandLine(platform::withoutProgramName(whole));
-  if (commandLine.start == platform::Start::registerServer) return com::registerServer(registrationOf(path));
-  if (commandLine.start == platform::Start::unregisterServer)
-    return com::unregisterServer(registrationOf(path));
+  if (const auto asked = windows::registerAsAsked(commandLine, registrationOf(path))) return *asked;
   return serve(directoryOf(path), commandLine);
 }
 
@@ -136,6 +133,7 @@ int run() {
 }  // namespace vordane::zulsim
 
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
+  vordane::windows::loadFromSystemOnly();
   try {
     return vordane::zulsim::run();
   } catch (const std::exception&) {

@@ -201,18 +201,33 @@ bool isAccessFile(const std::string& path) {
   return file.read(head, sizeof head) && std::memcmp(head, mark, sizeof head) == 0;
 }
 
-void readAccessFile(const std::string& path, Visitor& visitor) {
+struct AccessFile::Open {
+  std::string path;
+  FileHandle file;
+};
+
+AccessFile::AccessFile(const std::string& path) {
   if (!isAccessFile(path)) throw AccessError(path + " is no Access file");
-  const FileHandle file(mdb_open(path.c_str(), MDB_NOFLAGS));
+  FileHandle file(mdb_open(path.c_str(), MDB_NOFLAGS));
   if (!file) throw AccessError(path + " can't be opened");
   if (file->f->jet_version != MDB_VER_JET4)
     throw AccessError(path + " is not of the Access 2000 to 2003 format");
-  const GPtrArray* catalog = mdb_read_catalog(file.get(), MDB_TABLE);
-  if (catalog == nullptr) throw AccessError(path + ": the list of tables is damaged");
+  open_ = std::make_unique<Open>(Open{path, std::move(file)});
+}
+
+AccessFile::~AccessFile() = default;
+
+void AccessFile::read(Visitor& visitor) {
+  const GPtrArray* catalog = mdb_read_catalog(open_->file.get(), MDB_TABLE);
+  if (catalog == nullptr) throw AccessError(open_->path + ": the list of tables is damaged");
   for (unsigned i = 0; i < catalog->len; ++i) {
     auto* entry = static_cast<MdbCatalogEntry*>(g_ptr_array_index(catalog, i));
-    if (entry != nullptr && mdb_is_user_table(entry) != 0) readTable(*file, *entry, visitor);
+    if (entry != nullptr && mdb_is_user_table(entry) != 0) readTable(*open_->file, *entry, visitor);
   }
+}
+
+void readAccessFile(const std::string& path, Visitor& visitor) {
+  AccessFile(path).read(visitor);
 }
 
 }  // namespace vordane::access

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -60,8 +61,24 @@ class Visitor {
 // True when the file's first bytes are those of an Access file.
 bool isAccessFile(const std::string& path);
 
-// Reads every user table. Throws AccessError when the file can't be read, a column's type is unknown or the
-// rows read are not as many as the table says.
+// An open file. Nothing but its own reads and memory is asked of the system once it is open.
+class AccessFile {
+ public:
+  explicit AccessFile(const std::string& path);  // throws AccessError
+  ~AccessFile();
+  AccessFile(const AccessFile&) = delete;
+  AccessFile& operator=(const AccessFile&) = delete;
+
+  // Reads every user table. Throws AccessError when the file can't be read, a column's type is unknown or the
+  // rows read are not as many as the table says.
+  void read(Visitor& visitor);
+
+ private:
+  struct Open;
+  std::unique_ptr<Open> open_;
+};
+
+// Both at once.
 void readAccessFile(const std::string& path, Visitor& visitor);
 
 }  // namespace vordane::access

@@ -1,5 +1,6 @@
 #include "platform/access/value_stream.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <type_traits>
 
@@ -8,8 +9,10 @@ namespace {
 
 enum class Tag : std::uint8_t { table = 1, row, endTable, error, endOfFile };
 
-constexpr std::uint32_t longestText = 512U * 1024 * 1024;
-constexpr std::uint32_t mostColumns = 1024;
+constexpr std::uint32_t longestText = 256U * 1024 * 1024;  // in characters; a memo of one byte for each
+constexpr std::uint32_t longestName = 256, longestError = 4096;
+constexpr std::uint32_t mostColumns = 256;
+constexpr std::int32_t widestText = 255;
 
 template <class T>
 void add(std::string& out, const T& value) {
@@ -38,22 +41,66 @@ void addValue(std::string& out, const Value& value) {
       value);
 }
 
+// The least and the greatest moment an Access file knows: the years 100 to 9999.
+constexpr double firstDay = -657434, dayBehindTheLast = 2958466;
+
+// The kinds of value that a column's rows hold, as they stand in the variant.
+bool fits(ColumnType type, const Value& value) {
+  if (automation::isNull(value)) return type != ColumnType::boolean;
+  switch (type) {
+    case ColumnType::boolean:
+      return std::holds_alternative<bool>(value);
+    case ColumnType::byte:
+      return std::holds_alternative<std::uint8_t>(value);
+    case ColumnType::integer:
+      return std::holds_alternative<std::int16_t>(value);
+    case ColumnType::longInteger:
+      return std::holds_alternative<std::int32_t>(value);
+    case ColumnType::single:
+      return std::holds_alternative<float>(value);
+    case ColumnType::doubleFloat:
+      return std::holds_alternative<double>(value);
+    case ColumnType::dateTime:
+      return std::holds_alternative<automation::Date>(value);
+    case ColumnType::text:
+    case ColumnType::memo:
+      return std::holds_alternative<std::u16string>(value);
+  }
+  return false;
+}
+
+// The child may have been taken over by the file it reads: nothing that it says is taken for more than bytes.
 class Reader {
  public:
   explicit Reader(const std::function<void(void*, std::size_t)>& receive) : receive_(receive) {}
 
+  // Only types of which every pattern of bits is a value.
   template <class T>
   T read() {
+    static_assert(std::is_arithmetic_v<T> && !std::is_same_v<T, bool>);
     T value;
     receive_(&value, sizeof value);
     return value;
   }
 
-  std::u16string readText() {
-    const auto size = read<std::uint32_t>();
-    if (size > longestText) throw AccessError("the reader sent a text of impossible length");
-    std::u16string text(size, u'\0');
-    if (size > 0) receive_(text.data(), size * sizeof(char16_t));
+  bool readBool() {
+    const auto byte = read<std::uint8_t>();
+    if (byte > 1) throw AccessError("the reader sent a Yes/No that is neither");
+    return byte == 1;
+  }
+
+  // Memory grows with what comes, not with the length that is announced.
+  std::u16string readText(std::uint32_t longest = longestText) {
+    constexpr std::uint32_t piece = 32768;
+    auto left = read<std::uint32_t>();
+    if (left > longest) throw AccessError("the reader sent a text of impossible length");
+    std::u16string text;
+    while (left > 0) {
+      const std::uint32_t count = std::min(left, piece);
+      text.resize(text.size() + count);
+      receive_(text.data() + text.size() - count, count * sizeof(char16_t));
+      left -= count;
+    }
     return text;
   }
 
@@ -63,7 +110,7 @@ class Reader {
       case 1:
         return automation::Null{};
       case 3:
-        return read<bool>();
+        return readBool();
       case 4:
         return read<std::uint8_t>();
       case 5:
@@ -77,7 +124,7 @@ class Reader {
       case 9:
         return readText();
       case 11:
-        return automation::Date{read<double>()};
+        return readDate();
       default:
         throw AccessError("the reader sent a value of unknown type");
     }
@@ -85,24 +132,89 @@ class Reader {
 
   Table readTable() {
     Table table;
-    table.name = readText();
+    table.name = readText(longestName);
     table.rowCount = read<std::uint32_t>();
     table.lastAutoNumber = read<std::int32_t>();
     const auto columns = read<std::uint32_t>();
     if (columns > mostColumns) throw AccessError("the reader sent too many columns");
-    for (std::uint32_t i = 0; i < columns; ++i) {
-      Column column;
-      column.name = readText();
-      column.type = read<ColumnType>();
-      column.size = read<std::int32_t>();
-      column.autoNumber = read<bool>();
-      table.columns.push_back(std::move(column));
-    }
+    for (std::uint32_t i = 0; i < columns; ++i) table.columns.push_back(readColumn());
     return table;
   }
 
+  std::string readError() {
+    std::string what;
+    for (const char16_t byte : readText(longestError)) what += static_cast<char>(byte);
+    return what;
+  }
+
  private:
+  automation::Date readDate() {
+    const auto days = read<double>();
+    if (!(days >= firstDay && days < dayBehindTheLast)) throw AccessError("a date is beyond the calendar");
+    return automation::Date{days};
+  }
+
+  Column readColumn() {
+    Column column;
+    column.name = readText(longestName);
+    const auto type = read<std::uint8_t>();
+    if (type > static_cast<std::uint8_t>(ColumnType::dateTime))
+      throw AccessError("the reader sent a column of unknown type");
+    column.type = static_cast<ColumnType>(type);
+    column.size = read<std::int32_t>();
+    if (column.size < 0 || column.size > widestText)
+      throw AccessError("the reader sent a column of impossible size");
+    column.autoNumber = readBool();
+    return column;
+  }
+
   const std::function<void(void*, std::size_t)>& receive_;
+};
+
+// Tables one behind the other, each with as many rows as it says, each row with a value for each column.
+class Tables {
+ public:
+  Tables(Reader& reader, Visitor& visitor) : reader_(reader), visitor_(visitor) {}
+
+  void begin() {
+    if (open_) throw AccessError("the reader sent a table inside another");
+    table_ = reader_.readTable();
+    rows_ = 0;
+    open_ = true;
+    visitor_.beginTable(table_);
+  }
+
+  void row() {
+    if (!open_) throw AccessError("the reader sent a row outside a table");
+    if (rows_ == table_.rowCount) throw AccessError("the reader sent more rows than the table has");
+    ++rows_;
+    values_.clear();
+    for (const Column& column : table_.columns) {
+      values_.push_back(reader_.readValue());
+      if (!fits(column.type, values_.back()))
+        throw AccessError("the reader sent a value that does not fit its column");
+    }
+    visitor_.row(values_);
+  }
+
+  void end() {
+    if (!open_) throw AccessError("the reader ended a table outside one");
+    if (rows_ != table_.rowCount) throw AccessError("the reader sent fewer rows than the table has");
+    open_ = false;
+    visitor_.endTable();
+  }
+
+  void endOfFile() const {
+    if (open_) throw AccessError("the reader ended inside a table");
+  }
+
+ private:
+  Reader& reader_;
+  Visitor& visitor_;
+  Table table_;
+  std::vector<Value> values_;
+  std::uint32_t rows_ = 0;
+  bool open_ = false;
 };
 
 }  // namespace
@@ -139,7 +251,9 @@ void StreamWriter::endTable() {
 void StreamWriter::error(std::string_view what) {
   std::string out;
   add(out, Tag::error);
-  addText(out, std::u16string(what.begin(), what.end()));
+  std::u16string bytes;  // one byte in each
+  for (const char byte : what.substr(0, longestError)) bytes += static_cast<unsigned char>(byte);
+  addText(out, bytes);
   send_(out);
 }
 
@@ -151,30 +265,22 @@ void StreamWriter::endOfFile() {
 
 void readStream(const std::function<void(void* buffer, std::size_t size)>& receive, Visitor& visitor) {
   Reader reader(receive);
-  std::size_t columns = 0;
-  std::vector<Value> values;
+  Tables tables(reader, visitor);
   for (;;) {
-    switch (reader.read<Tag>()) {
-      case Tag::table: {
-        const Table table = reader.readTable();
-        columns = table.columns.size();
-        visitor.beginTable(table);
+    switch (static_cast<Tag>(reader.read<std::uint8_t>())) {
+      case Tag::table:
+        tables.begin();
         break;
-      }
       case Tag::row:
-        values.clear();
-        for (std::size_t i = 0; i < columns; ++i) values.push_back(reader.readValue());
-        visitor.row(values);
+        tables.row();
         break;
       case Tag::endTable:
-        visitor.endTable();
+        tables.end();
         break;
-      case Tag::error: {
-        const std::u16string what = reader.readText();
-        throw AccessError(std::string(what.begin(), what.end()));
-      }
+      case Tag::error:
+        throw AccessError(reader.readError());
       case Tag::endOfFile:
-        return;
+        return tables.endOfFile();
       default:
         throw AccessError("the reader sent something unknown");
     }

@@ -26,7 +26,8 @@ class StreamWriter : public Visitor {
   std::function<void(std::string_view)> send_;
 };
 
-// Reads such a stream; `receive` fills a buffer whole or throws AccessError. Returns after endOfFile; throws
+// Reads such a stream, whoever wrote it: what is not exactly as above is an error, never a value that the
+// type does not have; `receive` fills a buffer whole or throws AccessError. Returns after endOfFile; throws
 // AccessError for an error that was sent and for bytes that make no sense.
 void readStream(const std::function<void(void* buffer, std::size_t size)>& receive, Visitor& visitor);
 

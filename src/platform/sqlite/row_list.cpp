@@ -48,14 +48,14 @@ class EmbeddedRowList final : public database::RowList {
     return found;
   }
 
-  std::optional<std::size_t> find(std::u16string_view needle, std::size_t first,
-                                  const Progress& progress) override {
+  std::optional<std::size_t> find(std::u16string_view needle, std::size_t first, const Progress& progress,
+                                  database::Walk walk) override {
     if (tablesChanged()) return {};
     const ReadScope reading(connection_);
     FoldedNeedle folded(needle);
     for (std::size_t i = 0; i < size(); ++i) {
       if (progress && i % rowsBetweenProgress == rowsBetweenProgress - 1) progress(i);
-      const std::size_t position = (first + i) % size();
+      const std::size_t position = walked(first, i, walk);
       if (holds(position, folded)) return position;
     }
     return {};

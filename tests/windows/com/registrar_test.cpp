@@ -13,6 +13,7 @@
 #include "platform/windows/services/services.h"
 #include "probe_library.h"
 #include "server_process.h"
+#include "text/utf8.h"
 
 namespace vordane::test {
 namespace {
@@ -25,6 +26,10 @@ std::wstring clsidKey() {
   return L"CLSID\\" + wide(probeTable().clsid);
 }
 
+std::wstring applicationKey() {
+  return L"AppID\\" + wide(probeTable().clsid);
+}
+
 TEST(Registrar, WritesBothViewsWithTheQuotedPath) {
   ASSERT_EQ(runServer(L"/RegServer"), 0);
   for (const REGSAM view : views) {
@@ -32,6 +37,9 @@ TEST(Registrar, WritesBothViewsWithTheQuotedPath) {
     EXPECT_EQ(machineValue(clsidKey() + L"\\ProgID", view), L"VordaneProbe.cProbe");
     EXPECT_EQ(machineValue(L"VordaneProbe.cBag\\CLSID", view), wide(bagTable().clsid));
     EXPECT_EQ(machineValue(L"Interface\\" + wide(probeTable().iid) + L"\\TypeLib", view, L"Version"), L"1.0");
+    EXPECT_EQ(machineValue(L"CLSID\\" + wide(bagTable().clsid), view, L"AppID"), wide(probeTable().clsid));
+    EXPECT_EQ(machineValue(applicationKey(), view), L"Does what a test asks.");
+    EXPECT_EQ(machineValue(L"AppID\\probeserver.exe", view, L"AppID"), wide(probeTable().clsid));
     const std::wstring library = L"TypeLib\\" + wide(probeLibrary().libid) + L"\\1.0";
     EXPECT_EQ(machineValue(library, view), L"What the tests call.");
     EXPECT_EQ(machineValue(library + L"\\0\\win32", view), serverPath());
@@ -48,7 +56,9 @@ std::vector<std::wstring> registeredKeys() {
           L"VordaneProbe.cBag",
           L"Interface\\" + wide(probeTable().iid),
           L"Interface\\" + wide(bagTable().iid),
-          L"TypeLib\\" + wide(probeLibrary().libid)};
+          L"TypeLib\\" + wide(probeLibrary().libid),
+          applicationKey(),
+          L"AppID\\probeserver.exe"};
 }
 
 TEST(Registrar, LeavesNothingBehind) {
@@ -73,12 +83,12 @@ TEST(Registrar, LeavesWhatAnotherPathOwns) {
     other.classes.push_back(
         {std::u16string(table->progId), narrow(table->clsid), u"other", u"_x", narrow(table->iid)});
   other.library = {narrow(probeLibrary().libid), u"1.0", u"other"};
-  ASSERT_EQ(com::registerServer(other), 0);
+  ASSERT_EQ(com::registerServer(other).exitCode, 0);
   ASSERT_EQ(runServer(L"/UnregServer"), 0);
   EXPECT_EQ(machineValue(clsidKey() + L"\\LocalServer32", views[0]), L"\"C:\\Elsewhere\\probeserver.exe\"");
   EXPECT_TRUE(machineKeyExists(L"TypeLib\\" + wide(probeLibrary().libid), views[0]));
   EXPECT_TRUE(machineKeyExists(L"VordaneProbe.cProbe", views[0]));
-  EXPECT_EQ(com::unregisterServer(other), 0);
+  EXPECT_EQ(com::unregisterServer(other).exitCode, 0);
   EXPECT_FALSE(machineKeyExists(clsidKey(), views[0]));
 }
 
@@ -154,6 +164,16 @@ class MergedClass {
   std::wstring key_;
 };
 
+registration::Server thisServer() {
+  return registration::serverOf(std::u16string(com::fromWide(serverPath())), probeLibrary());
+}
+
+bool says(const com::RegistrarAnswer& answer, std::u16string_view words) {
+  for (const std::u16string& line : answer.lines)
+    if (line.find(words) != line.npos) return true;
+  return false;
+}
+
 TEST(Registrar, ServesOneUserWhereTheMachineCantBeWritten) {
   std::string printed;
   {
@@ -180,6 +200,153 @@ TEST(Registrar, ServesOneUserWhereTheMachineCantBeWritten) {
   for (const REGSAM view : views)
     for (const std::wstring& key : registeredKeys())
       EXPECT_FALSE(userKeyExists(key, view)) << std::string(key.begin(), key.end());
+}
+
+// A user's registration goes before the machine's: an older one of the same classes would win.
+TEST(Registrar, ARegistrationForEverybodyTakesThisUsersOwnAway) {
+  registration::Server older = thisServer();
+  older.path = u"C:\\Older\\probeserver.exe";
+  {
+    const MachineClosed closed;
+    const com::RegistrarAnswer answer = com::registerServer(older);
+    ASSERT_EQ(answer.exitCode, 0);
+    EXPECT_FALSE(answer.forEverybody);
+  }
+  for (const REGSAM view : views)
+    ASSERT_EQ(userValue(clsidKey() + L"\\LocalServer32", view), L"\"C:\\Older\\probeserver.exe\"");
+  const com::RegistrarAnswer answer = com::registerServer(thisServer());
+  EXPECT_EQ(answer.exitCode, 0);
+  EXPECT_TRUE(answer.forEverybody);
+  EXPECT_TRUE(
+      says(answer, u"of this user alone, which would go first, was removed: \"C:\\Older\\probeserver.exe\""));
+  for (const REGSAM view : views) {
+    for (const std::wstring& key : registeredKeys())
+      EXPECT_FALSE(userKeyExists(key, view)) << std::string(key.begin(), key.end());
+    EXPECT_EQ(machineValue(clsidKey() + L"\\LocalServer32", view), L"\"" + serverPath() + L"\"");
+  }
+  EXPECT_FALSE(says(com::registerServer(thisServer()), u"was removed")) << "nothing was left to remove";
+  com::unregisterServer(thisServer());
+}
+
+// A part of the registry as that of another user who is logged on.
+class OtherUser {
+ public:
+  OtherUser() {
+    com::RegistryKey key;
+    RegCreateKeyExW(HKEY_USERS, (name + L"\\Software\\Classes\\" + clsidKey() + L"\\LocalServer32").c_str(),
+                    0, nullptr, 0, KEY_WRITE | KEY_WOW64_64KEY, nullptr, key.put(), nullptr);
+    const std::wstring command = L"\"C:\\Hers\\probeserver.exe\"";
+    RegSetValueExW(key.get(), nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(command.c_str()),
+                   static_cast<DWORD>(2 * command.size() + 2));
+  }
+  ~OtherUser() { RegDeleteTreeW(HKEY_USERS, name.c_str()); }
+  OtherUser(const OtherUser&) = delete;
+  OtherUser& operator=(const OtherUser&) = delete;
+  bool kept() const {
+    com::RegistryKey key;
+    return RegOpenKeyExW(HKEY_USERS, (name + L"\\Software\\Classes\\" + clsidKey()).c_str(), 0,
+                         KEY_READ | KEY_WOW64_64KEY, key.put()) == ERROR_SUCCESS;
+  }
+
+  const std::wstring name = L"S-1-5-21-11-22-33-1044";
+};
+
+TEST(Registrar, WarnsOfOtherUsersRegistrationsAndLeavesThem) {
+  const OtherUser ann;
+  const com::RegistrarAnswer answer = com::registerServer(thisServer());
+  EXPECT_EQ(answer.exitCode, 0);
+  EXPECT_TRUE(
+      says(answer,
+           u"Warning: the account S-1-5-21-11-22-33-1044 has a registration of its own, which goes first "
+           u"for it: \"C:\\Hers\\probeserver.exe\""));
+  EXPECT_TRUE(ann.kept());
+  com::unregisterServer(thisServer());
+}
+
+// --- the account of unattended jobs
+
+// The launch permission as text, in one view; empty: none.
+std::wstring launchRights(REGSAM view) {
+  const com::RegistryKey classes = classesOf(HKEY_LOCAL_MACHINE, KEY_READ | view);
+  com::RegistryKey key;
+  std::array<BYTE, 4096> bytes{};
+  DWORD size = bytes.size();
+  if (RegOpenKeyExW(classes.get(), applicationKey().c_str(), 0, KEY_READ | view, key.put()) !=
+          ERROR_SUCCESS ||
+      RegQueryValueExW(key.get(), L"LaunchPermission", nullptr, nullptr, bytes.data(), &size) !=
+          ERROR_SUCCESS)
+    return {};
+  LPWSTR text = nullptr;
+  if (!ConvertSecurityDescriptorToStringSecurityDescriptorW(
+          bytes.data(), SDDL_REVISION_1,
+          OWNER_SECURITY_INFORMATION | GROUP_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION, &text,
+          nullptr))
+    return L"?";
+  const com::LocalMemory owned(text);
+  return text;
+}
+
+const std::wstring usualRights = L"O:BAG:BAD:(A;;CCDCLCSWRP;;;BA)(A;;CCDCLCSWRP;;;SY)(A;;CCDCLCSWRP;;;IU)";
+
+TEST(Registrar, AJobAccountMayStartItLocally) {
+  ASSERT_EQ(runServer(L"/RegServer"), 0);
+  EXPECT_EQ(launchRights(views[0]), L"") << "without an account the workstation's own rule holds";
+  std::string printed;
+  ASSERT_EQ(runServer(L"/RegServer /JobAccount:\"NT AUTHORITY\\NETWORK SERVICE\"", &printed), 0);
+  EXPECT_NE(printed.find("Jobs of NT AUTHORITY\\NETWORK SERVICE may start it"), std::string::npos) << printed;
+  for (const REGSAM view : views) EXPECT_EQ(launchRights(view), usualRights + L"(A;;CCDCSW;;;NS)");
+  ASSERT_EQ(runServer(L"/RegServer"), 0);
+  EXPECT_EQ(launchRights(views[0]), usualRights + L"(A;;CCDCSW;;;NS)") << "what was set is lost by an update";
+  ASSERT_EQ(runServer(L"/UnregServer"), 0);
+  for (const REGSAM view : views) EXPECT_FALSE(machineKeyExists(applicationKey(), view));
+}
+
+TEST(Registrar, RefusesAnAccountThatIsNobodyOrAnybody) {
+  for (const wchar_t* account :
+       {L"/RegServer /JobAccount:nobody-of-this-name", L"/RegServer /JobAccount:Everyone",
+        L"/RegServer /JobAccount:\"NT AUTHORITY\\ANONYMOUS LOGON\""}) {
+    std::string printed;
+    EXPECT_EQ(runServer(account, &printed), 1);
+    EXPECT_EQ(printed.substr(0, 14), "Not registered") << printed;
+    EXPECT_FALSE(machineKeyExists(clsidKey(), views[0]));
+  }
+}
+
+TEST(Registrar, AJobAccountNeedsTheMachinesPart) {
+  const MachineClosed closed;
+  std::string printed;
+  EXPECT_EQ(runServer(L"/RegServer /JobAccount:\"NT AUTHORITY\\NETWORK SERVICE\"", &printed), 1);
+  EXPECT_NE(printed.find("takes an administrator's rights"), std::string::npos) << printed;
+  EXPECT_FALSE(userKeyExists(clsidKey(), views[0])) << "registered for the user all the same";
+}
+
+TEST(Registrar, WrongUsageRegistersNothing) {
+  for (const wchar_t* arguments :
+       {L"/RegServer jobs", L"/RegServer /JobAccount:", L"/UnregServer everything"}) {
+    std::string printed;
+    EXPECT_EQ(runServer(arguments, &printed), 2);
+    EXPECT_EQ(printed.substr(0, 6), "usage:") << printed;
+    EXPECT_FALSE(machineKeyExists(clsidKey(), views[0]));
+  }
+}
+
+// --- what is told
+
+// Under Wine the program's folder belongs to the user, who is no administrator there.
+TEST(Registrar, NamesWhoMayReplaceAProgramForEverybody) {
+  std::string printed;
+  ASSERT_EQ(runServer(L"/RegServer", &printed), 0);
+  EXPECT_FALSE(windows::whoMayReplace(windows::executablePath()).empty());
+  EXPECT_NE(printed.find("Warning: others than administrators may replace this program"), std::string::npos);
+  EXPECT_NE(printed.find("may write to " + text::toUtf8(com::fromWide(serverPath()))), std::string::npos)
+      << printed;
+  ASSERT_EQ(runServer(L"/UnregServer"), 0);
+  {
+    const MachineClosed closed;
+    ASSERT_EQ(runServer(L"/RegServer", &printed), 0);
+  }
+  EXPECT_EQ(printed.find("Warning"), std::string::npos) << "a user's own program is his own";
+  ASSERT_EQ(runServer(L"/UnregServer"), 0);
 }
 
 }  // namespace

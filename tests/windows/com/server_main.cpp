@@ -6,7 +6,6 @@
 
 #include "platform/command_line.h"
 #include "platform/windows/com/class_server.h"
-#include "platform/windows/com/registrar.h"
 #include "platform/windows/services/services.h"
 #include "probe.h"
 
@@ -23,6 +22,7 @@ class Layers {
   explicit Layers(com::ClassServer& server) : server_(server) {}
 
   automation::ObjectRef create() {
+    makeAsTold();
     ++count_;
     auto probe = std::make_shared<Probe>(&server_, nullptr);
     return automation::ObjectRef(new Holder(probe, *this), [](automation::Object* object) { delete object; });
@@ -54,7 +54,21 @@ class Layers {
     Layers& layers_;
   };
 
+  // A test that holds these events decides how long a creation takes and how it ends.
+  static void makeAsTold() {
+    const com::Handle making(OpenEventW(EVENT_MODIFY_STATE, FALSE, L"VordaneProbeMaking"));
+    const com::Handle goOn(OpenEventW(SYNCHRONIZE, FALSE, L"VordaneProbeGoOn"));
+    if (making && goOn) {
+      SetEvent(making.get());
+      com::serveMessagesUntil([&] { return WaitForSingleObject(goOn.get(), 0) == WAIT_OBJECT_0; }, 30000);
+    }
+    const com::Handle refused(OpenEventW(SYNCHRONIZE, FALSE, L"VordaneProbeRefused"));
+    if (refused) throw automation::AutomationError(automation::error::runTime(7), u"refused");
+  }
+
   void released(Probe& probe) {
+    const com::Handle heard(OpenEventW(EVENT_MODIFY_STATE, FALSE, L"VordaneProbeReleased"));
+    if (heard) SetEvent(heard.get());
     if (--count_ > 0) return;
     server_.stopServing();
     if (probe.host) {
@@ -74,8 +88,7 @@ class Layers {
 int run() {
   const platform::CommandLine line =
       platform::parseCommandLine(platform::withoutProgramName(com::fromWide(GetCommandLineW())));
-  if (line.start == platform::Start::registerServer) return com::registerServer(description());
-  if (line.start == platform::Start::unregisterServer) return com::unregisterServer(description());
+  if (const auto asked = windows::registerAsAsked(line, description())) return *asked;
   com::Apartment apartment;
   com::ClassServer server(apartment);
   Layers layers(server);

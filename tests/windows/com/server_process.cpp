@@ -1,6 +1,7 @@
 #include "server_process.h"
 
 #include <array>
+#include <utility>
 
 namespace vordane::test {
 namespace {
@@ -61,6 +62,20 @@ com::Handle openProcess(DWORD processId) {
 bool endsWithin(DWORD processId, DWORD milliseconds) {
   const com::Handle process = openProcess(processId);
   return !process || WaitForSingleObject(process.get(), milliseconds) == WAIT_OBJECT_0;
+}
+
+com::Handle startDyingHost() {
+  const com::Handle ready(CreateEventW(nullptr, TRUE, FALSE, L"VordaneProbeHostReady"));
+  ResetEvent(ready.get());
+  std::wstring line = L"\"" + serverPath().substr(0, serverPath().rfind(L'\\') + 1) + L"dyinghost.exe\"";
+  STARTUPINFOW start{};
+  start.cb = sizeof start;
+  PROCESS_INFORMATION host{};
+  if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &host))
+    return {};
+  com::Handle process(host.hProcess);
+  const com::Handle thread(host.hThread);
+  return WaitForSingleObject(ready.get(), 30000) == WAIT_OBJECT_0 ? std::move(process) : com::Handle{};
 }
 
 std::wstring machineValue(const std::wstring& key, REGSAM view, const wchar_t* name) {

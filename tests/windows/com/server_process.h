@@ -18,6 +18,10 @@ int runServer(const std::wstring& arguments, std::string* printed = nullptr);
 bool endsWithin(DWORD processId, DWORD milliseconds);
 com::Handle openProcess(DWORD processId);
 
+// A host in a process of its own that holds a probe and has it watch for its death; null when it did not
+// start.
+com::Handle startDyingHost();
+
 // A value of HKEY_CLASSES_ROOT's machine half, in one view; empty when there is none.
 std::wstring machineValue(const std::wstring& key, REGSAM view, const wchar_t* name = nullptr);
 bool machineKeyExists(const std::wstring& key, REGSAM view);

@@ -5,7 +5,6 @@
 #include <thread>
 
 #include "platform/engine_choice.h"
-#include "platform/moving.h"
 #include "platform/windows/com/owned.h"
 #include "platform/windows/services/services.h"
 #include "text/text.h"
@@ -127,23 +126,6 @@ TEST(SystemFiles, AHeldFileIsWaitedForAndThenTold) {
   EXPECT_EQ(open(std::chrono::minutes(5)), 0);
   lettingGo.join();
   DeleteFileW(L"vordane-held-test.mdb");
-}
-
-TEST(SystemFiles, ANewFileThatAScannerHoldsIsRenamedInTheEnd) {
-  SystemFiles().append(u"vordane-new-test.tmp", "new");
-  com::File scanner(CreateFileW(L"vordane-new-test.tmp", GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-  ASSERT_TRUE(static_cast<bool>(scanner));
-  EXPECT_TRUE(platform::renamePatiently("vordane-new-test.tmp", "vordane-old-test.tmp",
-                                        std::chrono::milliseconds(50)));
-  std::thread lettingGo([&] {
-    Sleep(200);
-    scanner = com::File();
-  });
-  EXPECT_FALSE(
-      platform::renamePatiently("vordane-new-test.tmp", "vordane-old-test.tmp", std::chrono::minutes(5)));
-  lettingGo.join();
-  EXPECT_TRUE(DeleteFileW(L"vordane-old-test.tmp"));
 }
 
 // What Windows says of a letter that stands for a share is tried with the whole suite (network-drive.sh).

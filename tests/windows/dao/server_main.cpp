@@ -7,7 +7,6 @@
 #include "dao/dao_fake.h"
 #include "platform/command_line.h"
 #include "platform/windows/com/class_server.h"
-#include "platform/windows/com/registrar.h"
 #include "platform/windows/services/services.h"
 
 namespace vordane::fakes {
@@ -31,8 +30,7 @@ void tellMisuse(const std::string& line) {
 int run() {
   const platform::CommandLine line =
       platform::parseCommandLine(platform::withoutProgramName(com::fromWide(GetCommandLineW())));
-  if (line.start == platform::Start::registerServer) return com::registerServer(description());
-  if (line.start == platform::Start::unregisterServer) return com::unregisterServer(description());
+  if (const auto asked = windows::registerAsAsked(line, description())) return *asked;
   com::Apartment apartment;
   com::ClassServer server(apartment);
   const auto world = std::make_shared<DaoWorld>();

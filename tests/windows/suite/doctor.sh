@@ -8,11 +8,13 @@ own='C:\QUILMAR32\30000\ADDINS\DATABASE\VORDANE.LNG'
 schedule='C:\QUILMAR32\30000\QUIL32\DATABASE\Schedule.mdb'
 settings='HKCU\Software\VB and VBA Program Settings\QUILMAR32\30000'
 
-# What the doctor says, and that its exit code is $1: 0 nothing to say, 1 something.
+# What the doctor says, and that its exit code is $1. In a prefix the account that runs the tests owns every file, so
+# it may replace the registered programs, and the doctor warns of that each time: that stands in `warnings` alone.
 diagnosis() {
   local code=0
   quick wine "$programs/tools/vordane-tools.exe" doctor "$suite" > "$WINEPREFIX/diagnosis" 2>/dev/null || code=$?
-  tr -d '\r' < "$WINEPREFIX/diagnosis"
+  tr -d '\r' < "$WINEPREFIX/diagnosis" | grep '^unsafe: ' > "$WINEPREFIX/warnings" || true
+  tr -d '\r' < "$WINEPREFIX/diagnosis" | grep -v '^unsafe: '
   [ "$code" = "$1" ] || { echo "(exit code $code)"; return 1; }
 }
 # $1 damage, $2 all that the doctor must say of it.
@@ -27,7 +29,11 @@ keep() { cp "$1" "$WINEPREFIX/kept"; }
 bring_back() { cp "$WINEPREFIX/kept" "$1"; rm -f "$1-wal" "$1-shm"; }
 
 install_suite
-expect 'what the doctor says of a whole suite' 'nothing is missing' "$(diagnosis 0)"
+expect 'what the doctor says of a whole suite' 'nothing is missing' "$(diagnosis 1)"
+
+expect 'the warnings of registrations for every user' 'Vordane10013.cOLELayer CalderinProj30001.cPBXOle' \
+  "$(sed -nE 's/^unsafe: ([^ ]+) is registered for every user, but .* may write to C:.*: let administrators alone write there$/\1/p' "$WINEPREFIX/warnings" | xargs)"
+expect 'what it says of the directory as InstallPath has it' 'nothing is missing' "$(suite='C:\QUILMAR32\30000\' diagnosis 1)"
 
 # Settings.
 reg delete "$settings" /v InstallPath /f
@@ -61,7 +67,7 @@ expect_words 'no column CPU' 'stops the program: C:\QUILMAR32\30000\ADDINS\DATAB
 bring_back "$fault"
 keep "$drive/QUILMAR32/30000/QUIL32/DATABASE/Schedule.mdb"
 sql "$schedule" 'ALTER TABLE Options DROP COLUMN Kind'
-expect 'what the doctor says of jobs without kinds' 'nothing is missing' "$(diagnosis 0)"
+expect 'what the doctor says of jobs without kinds' 'nothing is missing' "$(diagnosis 1)"
 sql "$schedule" 'ALTER TABLE Options DROP COLUMN File'
 expect_words 'no column File' 'incomplete: C:\QUILMAR32\30000\QUIL32\DATABASE\Schedule.mdb: table Options lacks the column File'
 bring_back "$drive/QUILMAR32/30000/QUIL32/DATABASE/Schedule.mdb"
@@ -91,4 +97,4 @@ quick wine 'C:\QUILMAR32\30000\ADDINS\VORDANE.EXE' /RegServer >/dev/null
 quick wine 'C:\SIM\Zulsim.exe' /UnregServer >/dev/null
 expect_words 'no exchange server' 'incomplete: CalderinProj30001.cPBXOle is not registered: no exchange can be reached'
 quick wine 'C:\SIM\Zulsim.exe' /RegServer >/dev/null
-expect 'what the doctor says in the end' 'nothing is missing' "$(diagnosis 0)"
+expect 'what the doctor says in the end' 'nothing is missing' "$(diagnosis 1)"

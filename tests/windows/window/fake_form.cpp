@@ -182,6 +182,11 @@ std::u16string FakeTexts::text(ViewText which) {
                   language_);
     case ViewText::lookUpWrapped:
       return pick({u"Went on from the top.", u"Продолжено с начала.", u"先頭に戻りました。"}, language_);
+    case ViewText::lookUpWrappedBack:
+      return pick({u"Went on from the bottom.", u"Продолжено с конца.", u"末尾に戻りました。"}, language_);
+    case ViewText::clipboardHeld:
+      return pick({u"Another program holds the clipboard.", u"Буфер обмена занят.", u"コピーできません。"},
+                  language_);
     case ViewText::copyFault:
       return pick({u"&Copy\tCtrl+C", u"&Копировать\tCtrl+C", u"コピー(&C)\tCtrl+C"}, language_);
     case ViewText::selectedFault:
@@ -229,9 +234,23 @@ std::vector<GridSource::Range> FakeRows::provenance(std::size_t position, std::s
 }
 
 std::u16string accountOfList(Language language) {
-  return pick({u"Last list 21:14:05, complete: 12 received, 9 new, 3 already stored",
-               u"Последний список 21:14:05, полный: получено 12, новых 9, уже было 3",
-               u"最終一覧 21:14:05 完了: 受信 12、新規 9、登録済み 3"},
+  return pick(
+      {u"PBX-1: last list 2026/11/20 21:14:05, complete: 8191 received, 12 new, 8179 already stored, 0 "
+       u"refused",
+       u"PBX-1: последний список 20.11.2026 21:14:05, полный: получено 8191, новых 12, уже было 8179, "
+       u"отклонено 0",
+       u"PBX-1: 最終受信 2026/11/20 21:14:05、完全: 受信 8191 件、新規 12 件、保存済み 8179 件、拒否 0 件"},
+      language);
+}
+
+std::u16string failureAccount(Language language) {
+  return pick({u"PBX-1: last attempt 2026/11/22 08:15:41 failed: the exchange server ended before the answer "
+               u"was read.",
+               u"PBX-1: последняя попытка 22.11.2026 08:15:41 не удалась: сервер станций завершился раньше, "
+               u"чем ответ "
+               u"был прочитан.",
+               u"PBX-1: 2026/11/22 08:15:41 の要求は失敗しました: "
+               u"応答を読み終える前に交換機サーバーが終了しました。"},
               language);
 }
 

@@ -52,6 +52,7 @@ class FakeRows : public GridSource {
 
 std::u16string caption(Language language);
 std::u16string accountOfList(Language language);
+std::u16string failureAccount(Language language);
 std::u16string hintNotice(Language language);
 std::u16string waitingNotice(Language language);
 std::u16string failureNotice(Language language);

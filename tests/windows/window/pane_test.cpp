@@ -2,25 +2,11 @@
 #include <richedit.h>
 
 #include "platform/windows/window/detail_pane.h"
+#include "windows/window/pictures.h"
 #include "windows/window/view_fixture.h"
 
 namespace vordane::window::win32 {
 namespace {
-
-// A picture of one blue point.
-std::u16string bluePicture() {
-  wchar_t folder[MAX_PATH], file[MAX_PATH];
-  GetTempPathW(MAX_PATH, folder);
-  GetTempFileNameW(folder, L"pic", 0, file);
-  constexpr unsigned char bytes[] = {'B', 'M', 58, 0, 0, 0, 0, 0, 0,  0, 54, 0, 0, 0, 40,  0, 0, 0, 1, 0,
-                                     0,   0,   1,  0, 0, 0, 1, 0, 24, 0, 0,  0, 0, 0, 4,   0, 0, 0, 0, 0,
-                                     0,   0,   0,  0, 0, 0, 0, 0, 0,  0, 0,  0, 0, 0, 255, 0, 0, 0};
-  DWORD written = 0;
-  const HANDLE handle = CreateFileW(file, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-  WriteFile(handle, bytes, sizeof bytes, &written, nullptr);
-  CloseHandle(handle);
-  return std::u16string(reinterpret_cast<const char16_t*>(file));
-}
 
 TEST_F(ViewTest, thePaneShowsItsPictureAroundATextThatStaysReadable) {
   const auto paneGround = [&] {
@@ -31,7 +17,7 @@ TEST_F(ViewTest, thePaneShowsItsPictureAroundATextThatStaysReadable) {
   };
   const COLORREF plain = paneGround();
   Control& picture = form.control(u"imgDetail");
-  picture.set(u"Picture", bluePicture());
+  picture.set(u"Picture", pictureOfPoints({RGB(0, 0, 255)}));
   pump();
   const COLORREF blue = paneGround();
   EXPECT_GT(GetBValue(blue), GetRValue(blue) + 50);
@@ -95,6 +81,45 @@ TEST_F(PaneTest, pointingElsewhereTakesTheMarksAway) {
 TEST_F(PaneTest, pastTheEndNothingIsMarked) {
   pane.point(100'000);
   EXPECT_TRUE(marked().empty());
+}
+
+TEST_F(PaneTest, isAsLargeAsTheRestAtEveryDensity) {
+  const std::u16string title = pane.text().text.substr(0, pane.text().titleEnd - 1);
+  const auto place = [&](std::size_t position) {
+    POINTL at{};
+    SendMessageW(pane.window(), EM_POSFROMCHAR, reinterpret_cast<WPARAM>(&at), static_cast<LPARAM>(position));
+    return at;
+  };
+  for (const int dpi : {96, 192, 144, 120, 96}) {
+    pane.setLook(nullptr, dpi, currentPalette());
+    const Font bold = makeFont({}, dpi, FontStyle::bold);
+    const auto wanted = static_cast<double>(textWidth(bold.get(), title));
+    EXPECT_NEAR(static_cast<double>(place(title.size()).x - place(0).x), wanted, wanted / 20) << dpi;
+    const CHARRANGE first{0, 1};
+    SendMessageW(pane.window(), EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&first));
+    CHARFORMAT2W look{};
+    look.cbSize = sizeof look;
+    SendMessageW(pane.window(), EM_GETCHARFORMAT, SCF_SELECTION, reinterpret_cast<LPARAM>(&look));
+    LOGFONTW face{};
+    GetObjectW(bold.get(), sizeof face, &face);
+    EXPECT_EQ(look.yHeight, MulDiv(-static_cast<int>(face.lfHeight), 1440, dpi))
+        << "points, whatever the density";
+  }
+}
+
+TEST_F(PaneTest, theFaultThatIsShownAlreadyKeepsItsSelection) {
+  const CHARRANGE chosen{3, 9};
+  SendMessageW(pane.window(), EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&chosen));
+  const auto selection = [&] {
+    CHARRANGE now{};
+    SendMessageW(pane.window(), EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&now));
+    return std::pair(now.cpMin, now.cpMax);
+  };
+  pane.showFault(rows, 1, rows.row(1)->description);
+  EXPECT_EQ(selection(), std::pair(3L, 9L));
+  pane.showFault(rows, 2, rows.row(2)->description);
+  EXPECT_EQ(windowText(pane.window()).substr(0, 7), u"Station");
+  EXPECT_EQ(selection(), std::pair(0L, 0L));
 }
 
 }  // namespace

@@ -103,6 +103,19 @@ TEST(PullingBack, aWindowLargerThanTheScreenShowsItsUpperLeftCorner) {
   EXPECT_TRUE(same(pulledBack({5000, 100, 8000, 2000}, oneScreen, 30, 80), {0, 0, 3000, 1900}));
 }
 
+TEST(Fitting, aWindowThatHasRoomStays) {
+  EXPECT_TRUE(same(fitted({-900, 100, 100, 700}, oneScreen), {-900, 100, 100, 700}));
+  EXPECT_TRUE(same(fitted({0, 0, 1920, 1040}, oneScreen), {0, 0, 1920, 1040}));
+}
+
+TEST(Fitting, aWindowLargerThanTheScreenTakesItsSizeAndStandsInside) {
+  EXPECT_TRUE(same(fitted({300, 200, 3300, 1100}, oneScreen), {0, 140, 1920, 1040}));
+  EXPECT_TRUE(same(fitted({300, 200, 1300, 2200}, oneScreen), {300, 0, 1300, 1040}));
+  const std::vector<RECT> two{{0, 0, 1920, 1040}, {1920, 0, 2944, 728}};
+  EXPECT_TRUE(same(fitted({2000, 10, 3500, 900}, two), {1920, 0, 2944, 728}));
+  EXPECT_TRUE(same(fitted({5, 5, 5000, 5000}, {}), {5, 5, 5000, 5000}));
+}
+
 TEST(Geometry, twipsAreOneInchIn1440) {
   EXPECT_EQ(toTwips(96, 96), 1440);
   EXPECT_EQ(toTwips(144, 144), 1440);

@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -26,33 +27,53 @@ struct RecordedEvents : ViewEvents {
   std::vector<int> buttons, headings, exchanges, keys;
   std::vector<std::u16string> pressed;  // control and button
   std::vector<std::pair<std::u16string, std::ptrdiff_t>> lookUps;
+  std::vector<LookUpWay> lookUpWays;
   std::optional<std::size_t> hit;
   int closes = 0, ticks = 0, whatsThis = 0;
   std::function<void()> onButton;
   Control* exchangeList = nullptr;
   bool takesExchanges = true;
+  bool fails = false;  // each event
+
+  void happened() const {
+    if (fails) throw std::runtime_error("failed");
+  }
 
   void buttonPressed(int action) override {
     buttons.push_back(action);
     if (onButton) onButton();
   }
-  void headingClicked(int column) override { headings.push_back(column); }
+  void headingClicked(int column) override {
+    headings.push_back(column);
+    happened();
+  }
   void exchangeChosen(int listIndex) override {
     exchanges.push_back(listIndex);
     if (exchangeList != nullptr)
       exchangeList->setListIndex(takesExchanges ? listIndex : exchangeList->listIndex());
   }
-  void closeAsked() override { ++closes; }
-  void keyPressed(int keyCode) override { keys.push_back(keyCode); }
+  void closeAsked() override {
+    ++closes;
+    happened();
+  }
+  void keyPressed(int keyCode) override {
+    keys.push_back(keyCode);
+    happened();
+  }
   void mousePressed(Control& control, int button) override {
     pressed.push_back(control.name() + u" " + static_cast<char16_t>(u'0' + button));
+    happened();
   }
   void whatsThisChosen() override { ++whatsThis; }
-  std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t after) override {
-    lookUps.emplace_back(text, after);
+  std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from, LookUpWay way) override {
+    lookUps.emplace_back(text, from);
+    lookUpWays.push_back(way);
     return hit;
   }
-  void tick() override { ++ticks; }
+  void tick() override {
+    ++ticks;
+    happened();
+  }
 };
 
 class ViewTest : public ::testing::Test {
@@ -88,6 +109,25 @@ class ViewTest : public ::testing::Test {
   }
   void key(HWND window, WPARAM code) {
     PostMessageW(window, WM_KEYDOWN, code, 1);
+    pump();
+  }
+  // As if `modifier` were held down.
+  void keyWith(int modifier, HWND window, WPARAM code) {
+    BYTE keys[256] = {};
+    PostMessageW(window, WM_KEYDOWN, code, 1);
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+      keys[modifier] = message.message == WM_KEYDOWN && message.wParam == code ? 0x80 : 0;
+      SetKeyboardState(keys);
+      if (view->translate(message)) continue;
+      TranslateMessage(&message);
+      DispatchMessageW(&message);
+    }
+    keys[modifier] = 0;
+    SetKeyboardState(keys);
+  }
+  void select(int row) {
+    ListView_SetItemState(item(idGrid), row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
     pump();
   }
   void clickHeading(int column) {

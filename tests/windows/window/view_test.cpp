@@ -1,4 +1,5 @@
 // The real window over fakes: what the form says is shown, what a person does reaches the form.
+#include "windows/window/second_process.h"
 #include "windows/window/view_fixture.h"
 
 #include <objbase.h>
@@ -39,7 +40,6 @@ TEST_F(ViewTest, whileInputIsDisabledOnlyTheFrameWorks) {
   clickHeading(2);
   key(item(idGrid), VK_F1);
   key(view->window(), VK_F3);
-  EXPECT_FALSE(IsWindowEnabled(item(idGrid)));
   EXPECT_TRUE(events.buttons.empty());
   EXPECT_TRUE(events.exchanges.empty());
   EXPECT_TRUE(events.headings.empty());
@@ -169,8 +169,7 @@ TEST_F(ViewTest, statusPartsHoldTheirTexts) {
   view->setStatus(0, u"account");
   view->setStatus(2, u"wide");
   wchar_t text[32] = L"";
-  SendMessageW(item(idStatus), SB_GETTEXTW, 0, reinterpret_cast<LPARAM>(text));
-  EXPECT_STREQ(text, L"account");
+  EXPECT_EQ(windowText(item(idAccount)), u"account");
   SendMessageW(item(idStatus), SB_GETTEXTW, 2, reinterpret_cast<LPARAM>(text));
   EXPECT_STREQ(text, L"wide");
 }
@@ -283,7 +282,8 @@ TEST_F(ViewTest, statusTextsGivenBeforeTheWindowIsLaidOutAreShown) {
   view->setVisible(true);
   pump();
   const HWND status = item(idStatus);
-  for (WPARAM part = 0; part < 3; ++part) {
+  EXPECT_EQ(windowText(item(idAccount)), given[0]);
+  for (WPARAM part = 1; part < 3; ++part) {
     wchar_t text[80] = L"";
     SendMessageW(status, SB_GETTEXTW, part, reinterpret_cast<LPARAM>(text));
     EXPECT_EQ(fromWide(text, wcslen(text)), given[part]);
@@ -340,10 +340,30 @@ TEST_F(ViewTest, lookingUpGoesOnFromTheSelectedRow) {
   events.hit = 3;
   key(item(idGrid), VK_F3);
   EXPECT_EQ(windowText(item(idLookUpMessage)), u"Went on from the top.");
+  EXPECT_EQ(events.lookUpWays, std::vector<LookUpWay>(3, LookUpWay::forwards));
   events.hit.reset();
   press(idLookUpNext);
   EXPECT_EQ(windowText(item(idLookUpMessage)), u"No fault shown here holds this text.");
   EXPECT_EQ(ListView_GetNextItem(item(idGrid), -1, LVNI_SELECTED), 3);
+}
+
+TEST_F(ViewTest, shiftF3AndShiftEnterLookBackwards) {
+  press(idLookUp);
+  SetWindowTextW(item(idLookUpText), L"reset");
+  select(10);
+  events.hit = 4;
+  keyWith(VK_SHIFT, item(idGrid), VK_F3);
+  EXPECT_EQ(events.lookUpWays.back(), LookUpWay::backwards);
+  EXPECT_EQ(events.lookUps.back(), (std::pair<std::u16string, std::ptrdiff_t>{u"reset", 10}));
+  EXPECT_EQ(windowText(item(idLookUpMessage)), u"");
+  events.hit = 60;
+  SetFocus(item(idLookUpText));
+  keyWith(VK_SHIFT, item(idLookUpText), VK_RETURN);
+  EXPECT_EQ(events.lookUpWays.back(), LookUpWay::backwards);
+  EXPECT_EQ(events.lookUps.back().second, 4);
+  EXPECT_EQ(windowText(item(idLookUpMessage)), u"Went on from the bottom.");
+  key(item(idGrid), VK_F3);
+  EXPECT_EQ(events.lookUpWays.back(), LookUpWay::forwards);
 }
 
 TEST_F(ViewTest, escClosesTheLookUpBarAndNothingElse) {
@@ -442,6 +462,7 @@ TEST_F(ViewTest, theFormKnowsItsSizeForThePictures) {
 }  // namespace vordane::window::win32
 
 int main(int count, char** words) {
+  if (vordane::window::testing::SecondProcess::served(count, words)) return 0;
   CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
   ::testing::InitGoogleTest(&count, words);
   return RUN_ALL_TESTS();

@@ -3,10 +3,14 @@
 #include <objidl.h>
 
 #include <array>
+#include <exception>
+#include <string>
+#include <vector>
 
 #include "platform/automation.h"
 #include "platform/call_filter.h"
 #include "platform/windows/com/counted.h"
+#include "platform/windows/com/permissions.h"
 
 namespace vordane::com {
 namespace {
@@ -22,6 +26,27 @@ void setProcessOptions() {
   options->Set(COMGLB_RO_SETTINGS, COMGLB_FAST_RUNDOWN);
 }
 
+// The name of this program's file, by which its rights are found.
+std::u16string fileName() {
+  std::vector<wchar_t> buffer(32768);
+  const DWORD length = GetModuleFileNameW(nullptr, buffer.data(), static_cast<DWORD>(buffer.size()));
+  const std::u16string_view path = fromWide({buffer.data(), length});
+  return std::u16string(path.substr(path.rfind(u'\\') + 1));
+}
+
+// Calls come in under the workstation's own rules, nothing for everyone: what an unnamed application gets,
+// and besides no other program's library is loaded to take an argument apart. Processes may be started on the
+// way: by hand the exchange server is.
+void secureCalls() {
+  const CallSecurity security = callSecurity(fileName());
+  AbsoluteRights access(security.access);
+  if (access.get() != nullptr &&
+      SUCCEEDED(CoInitializeSecurity(access.get(), -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_DEFAULT,
+                                     RPC_C_IMP_LEVEL_IDENTIFY, nullptr, security.capabilities, nullptr)))
+    return;
+  CoInitializeSecurity(nullptr, -1, nullptr, nullptr, 0, 0, nullptr, EOAC_APPID, nullptr);
+}
+
 }  // namespace
 
 // The object that COM asks while an outgoing call waits. Accepts everything that comes in.
@@ -35,12 +60,22 @@ class Apartment::Filter final : public Counted<IMessageFilter> {
     return SERVERCALL_ISHANDLED;
   }
 
+  // A question that can't be put is answered with giving up.
   DWORD STDMETHODCALLTYPE RetryRejectedCall(HTASK, DWORD elapsed, DWORD) override {
-    return static_cast<DWORD>(rules.rejected(elapsed));
+    constexpr auto giveUp = static_cast<DWORD>(-1);
+    try {
+      return static_cast<DWORD>(rules.rejected(elapsed));
+    } catch (const std::exception&) {
+      return giveUp;
+    }
   }
 
   DWORD STDMETHODCALLTYPE MessagePending(HTASK, DWORD elapsed, DWORD) override {
-    rules.waiting(GetTickCount(), elapsed, inputWaits());
+    try {
+      rules.waiting(GetTickCount(), elapsed, inputWaits());
+    } catch (const std::exception&) {
+      // The call goes on whatever is told.
+    }
     return PENDINGMSG_WAITDEFPROCESS;
   }
 
@@ -59,8 +94,7 @@ Apartment::Apartment() {
   const HRESULT result = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
   if (FAILED(result)) throw automation::AutomationError(result);
   setProcessOptions();
-  // The workstation's own access rules, nothing for everyone: what an unnamed application gets.
-  CoInitializeSecurity(nullptr, -1, nullptr, nullptr, 0, 0, nullptr, EOAC_APPID, nullptr);
+  secureCalls();
   kept_ = std::make_unique<KeptInterfaces>();
 }
 
@@ -81,10 +115,23 @@ void Apartment::setCallTimes(const platform::CallTimes& times) {
   if (rules_ != nullptr) rules_->rules.setTimes(times);
 }
 
+namespace {
+
+// A message whose translation fails is served as it is.
+bool translated(const std::function<bool(MSG&)>& translate, MSG& message) {
+  try {
+    return translate && translate(message);
+  } catch (const std::exception&) {
+    return false;
+  }
+}
+
+}  // namespace
+
 int runMessageLoop(const std::function<bool(MSG&)>& translate) {
   MSG message{};
   while (GetMessageW(&message, nullptr, 0, 0) > 0) {
-    if (translate && translate(message)) continue;
+    if (translated(translate, message)) continue;
     TranslateMessage(&message);
     DispatchMessageW(&message);
   }

@@ -31,7 +31,8 @@ class Apartment {
 };
 
 // Serves messages until WM_QUIT and returns its exit code. `translate` (may be empty) sees each message
-// first and returns true for one it has dealt with (accelerators, dialog keys).
+// first and returns true for one it has dealt with (accelerators, dialog keys); what it throws goes no
+// further.
 int runMessageLoop(const std::function<bool(MSG&)>& translate = {});
 
 // Serves the messages that are there now; false when WM_QUIT came (it is posted again).

@@ -1,6 +1,7 @@
 #include "platform/windows/com/class_server.h"
 
 #include <cstdlib>
+#include <exception>
 #include <thread>
 #include <utility>
 
@@ -43,7 +44,7 @@ class ClassServer::Impl {
   Impl(const Impl&) = delete;
   Impl& operator=(const Impl&) = delete;
 
-  void serve(std::vector<ServedClass> classes);
+  void serve(const std::vector<ServedClass>& classes);
   void stopServing();
   void end();
   ComPtr<IDispatch> create(const ServedClass& entry);
@@ -56,7 +57,9 @@ class ClassServer::Impl {
   class Factory;
 
   static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+  bool handle(UINT message, WPARAM wParam);
   HWND makeWindow();
+  automation::ObjectRef make(const ServedClass& entry);
   void released(const automation::Object* object);
   void endWhenOver();
   void hostDied(WPARAM number);
@@ -67,7 +70,6 @@ class ClassServer::Impl {
   HostWatch watch;
 
  private:
-  std::vector<ServedClass> classes_;
   std::vector<DWORD> registrations_;
   platform::ServerLife life_;
   bool serving_ = false;
@@ -75,26 +77,31 @@ class ClassServer::Impl {
   std::shared_ptr<Impl*> self_ = std::make_shared<Impl*>(this);
 };
 
-// One class's factory. COM keeps it as long as it is registered; a client may keep it longer.
+// One class's factory. COM keeps it as long as it is registered; a client may keep it longer, past the end of
+// the server too.
 class ClassServer::Impl::Factory final : public Counted<IClassFactory> {
  public:
-  Factory(Impl& server, const ServedClass& served)
-      : server_(server), served_(served), clsid_(toGuid(served.clsid)) {}
+  Factory(std::weak_ptr<Impl*> server, ServedClass served)
+      : server_(std::move(server)), served_(std::move(served)), clsid_(toGuid(served_.clsid)) {}
 
   HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** out) override {
     if (out == nullptr) return E_POINTER;
     *out = nullptr;
     if (outer != nullptr) return CLASS_E_NOAGGREGATION;
-    if (!server_.serving()) return createElsewhere(iid, out);
+    const auto server = server_.lock();
+    if (!server) return CO_E_SERVER_STOPPING;
+    if (!(*server)->serving()) return createElsewhere(iid, out);
     return answerPlain([&] {
-      const ComPtr<IDispatch> object = server_.create(served_);
+      const ComPtr<IDispatch> object = (*server)->create(served_);
       const HRESULT result = object->QueryInterface(iid, out);
       if (FAILED(result)) throw Refusal{result};
     });
   }
 
   HRESULT STDMETHODCALLTYPE LockServer(BOOL on) override {
-    return answerPlain([&] { server_.lock(on != FALSE); });
+    const auto server = server_.lock();
+    if (!server) return CO_E_SERVER_STOPPING;
+    return answerPlain([&] { (*server)->lock(on != FALSE); });
   }
 
  private:
@@ -104,25 +111,35 @@ class ClassServer::Impl::Factory final : public Counted<IClassFactory> {
     return SUCCEEDED(result) ? result : CO_E_SERVER_STOPPING;
   }
 
-  Impl& server_;
-  const ServedClass& served_;
+  std::weak_ptr<Impl*> server_;
+  ServedClass served_;
   GUID clsid_;
 };
 
 LRESULT CALLBACK ClassServer::Impl::procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   auto* self = reinterpret_cast<Impl*>(GetWindowLongPtrW(window, GWLP_USERDATA));
   if (self == nullptr) return DefWindowProcW(window, message, wParam, lParam);
+  try {
+    if (self->handle(message, wParam)) return 0;
+  } catch (const std::exception&) {
+    return 0;  // nothing may leave a window procedure but its answer
+  }
+  return DefWindowProcW(window, message, wParam, lParam);
+}
+
+// False for a message that is none of ours.
+bool ClassServer::Impl::handle(UINT message, WPARAM wParam) {
   if (message == messageEnd) {
     PostQuitMessage(0);
   } else if (message == messageHostDied) {
-    self->hostDied(wParam);
+    hostDied(wParam);
   } else if (message == WM_TIMER && wParam == timerUnused) {
-    KillTimer(window, timerUnused);
-    if (self->life_.neverUsed()) self->end();
+    KillTimer(window_, timerUnused);
+    if (life_.neverUsed()) end();
   } else {
-    return DefWindowProcW(window, message, wParam, lParam);
+    return false;
   }
-  return 0;
+  return true;
 }
 
 HWND ClassServer::Impl::makeWindow() {
@@ -137,11 +154,10 @@ HWND ClassServer::Impl::makeWindow() {
   return window;
 }
 
-void ClassServer::Impl::serve(std::vector<ServedClass> classes) {
-  classes_ = std::move(classes);
+void ClassServer::Impl::serve(const std::vector<ServedClass>& classes) {
   serving_ = true;
-  for (const ServedClass& served : classes_) {
-    const ComPtr<IClassFactory> factory(new Factory(*this, served));
+  for (const ServedClass& served : classes) {
+    const ComPtr<IClassFactory> factory(new Factory(self_, served));
     DWORD registration = 0;
     const HRESULT result = CoRegisterClassObject(toGuid(served.clsid), factory.get(), CLSCTX_LOCAL_SERVER,
                                                  REGCLS_MULTIPLEUSE | REGCLS_SUSPENDED, &registration);
@@ -166,9 +182,21 @@ void ClassServer::Impl::end() {
   PostMessageW(window_, messageEnd, 0, 0);
 }
 
+// The object is counted before it is there: while it is made, another one's release must not end the process.
+automation::ObjectRef ClassServer::Impl::make(const ServedClass& entry) {
+  life_.creating();
+  try {
+    return entry.create();
+  } catch (...) {
+    life_.failed();
+    endWhenOver();
+    throw;
+  }
+}
+
 ComPtr<IDispatch> ClassServer::Impl::create(const ServedClass& entry) {
   const bool endsItself = entry.endsItself;
-  automation::ObjectRef object = entry.create();
+  automation::ObjectRef object = make(entry);
   const automation::Object* name = object.get();
   life_.created(endsItself);
   // A client may keep an object longer than this server lives: COM lets go of it when the apartment ends.
@@ -201,8 +229,8 @@ void ClassServer::Impl::hostDied(WPARAM number) {
 ClassServer::ClassServer(Apartment& apartment) : impl_(std::make_unique<Impl>(apartment)) {}
 ClassServer::~ClassServer() = default;
 
-void ClassServer::serve(std::vector<ServedClass> classes) {
-  impl_->serve(std::move(classes));
+void ClassServer::serve(const std::vector<ServedClass>& classes) {
+  impl_->serve(classes);
 }
 void ClassServer::stay() {
   impl_->lock(true);
@@ -217,6 +245,8 @@ void ClassServer::end() {
   impl_->end();
 }
 void ClassServer::endAtOnce() {
+  // A class that a dead process still offers would be everybody's until the workstation notices.
+  impl_->stopServing();
   TerminateProcess(GetCurrentProcess(), 1);
   std::abort();  // not reached
 }

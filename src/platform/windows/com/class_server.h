@@ -14,7 +14,8 @@ namespace vordane::com {
 
 struct ServedClass {
   std::string clsid;  // "{...}"
-  // Called for each creation. An AutomationError it throws is the creation's answer.
+  // Called for each creation. An AutomationError it throws is the creation's answer; when nobody uses the
+  // process otherwise, the process then ends.
   std::function<automation::ObjectRef()> create;
   // True for a class whose last release is dealt with by its own objects (they call Process::end); once
   // one has existed, the others no longer keep or end the process.
@@ -30,7 +31,7 @@ class ClassServer : public platform::Process {
 
   // Offers the classes, all from one moment on. Throws AutomationError when that fails. The process ends
   // with its last served object or lock, and when nobody has created anything within a minute.
-  void serve(std::vector<ServedClass> classes);
+  void serve(const std::vector<ServedClass>& classes);
 
   // The process does not end with its last object, nor for want of one: somebody started it by hand.
   void stay();

@@ -4,9 +4,9 @@
 #include <array>
 #include <condition_variable>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <utility>
-#include <vector>
 
 #include "platform/windows/com/imported_object.h"
 #include "platform/windows/com/owned.h"
@@ -15,7 +15,7 @@ namespace vordane::com {
 namespace {
 
 constexpr std::chrono::seconds pause{3};
-// How long an ending waits for the thread to let go of the hosts: one slow call must not hold it up.
+// How long an ending waits for the threads to let go of the hosts: one slow call must not hold it up.
 constexpr std::chrono::seconds lettingGo{2};
 constexpr int failuresOfTheDead = 2;  // one alone may be a call that the death cut off
 
@@ -28,117 +28,120 @@ bool isDeathSign(HRESULT result) {
 
 }  // namespace
 
-struct HostWatch::State {
-  struct Entry {
-    WPARAM number;
-    const automation::Object* layer;  // read on the user-interface thread only
-    ComPtr<IStream> passage;          // carries the reference to the thread once
-  };
+// How many threads hold, or may hold, a reference.
+struct HostWatch::Threads {
+  std::mutex mutex;
+  std::condition_variable changed;
+  int running = 0;
+
+  void count(int change) {
+    const std::lock_guard lock(mutex);
+    running += change;
+    changed.notify_all();
+  }
+};
+
+// What a thread and the watch share; the thread may outlive the watch by one slow call. No call to a host is
+// made under the mutex.
+struct HostWatch::Probe {
+  HWND window;
+  UINT message;
+  WPARAM number;
+  std::shared_ptr<Threads> threads;
+  ComPtr<IStream> passage;  // carries the reference to the thread, once
 
   std::mutex mutex;
   std::condition_variable changed;
-  std::vector<Entry> entries;
   bool over = false;
-  bool running = false;  // the thread holds, or may hold, references
-  WPARAM lastNumber = 0;
-  HWND window = nullptr;
-  UINT message = 0;
-};
 
-namespace {
-
-// The thread's own references: they belong to its apartment and are made and released here.
-struct Probed {
-  WPARAM number;
-  ComPtr<IDispatch> host;
-  int failures = 0;
-};
-
-template <class State>
-void takeOver(State& state, std::vector<Probed>& hosts) {
-  std::erase_if(hosts, [&](const Probed& host) {
-    return std::none_of(state.entries.begin(), state.entries.end(),
-                        [&](const auto& entry) { return entry.number == host.number; });
-  });
-  for (auto& entry : state.entries) {
-    if (!entry.passage) continue;
-    Probed host{entry.number, {}, 0};
-    if (SUCCEEDED(
-            CoGetInterfaceAndReleaseStream(entry.passage.release(), IID_IDispatch, host.host.putVoid())))
-      hosts.push_back(std::move(host));
+  void end() {
+    const std::lock_guard lock(mutex);
+    over = true;
+    changed.notify_all();
   }
-}
-
-// A slow or rejecting host lives; only a broken connection, twice running, is a death.
-bool isDead(Probed& host) {
-  UINT count = 0;
-  host.failures = isDeathSign(host.host->GetTypeInfoCount(&count)) ? host.failures + 1 : 0;
-  return host.failures == failuresOfTheDead;
-}
-
-template <class State>
-void run(const std::shared_ptr<State>& state) {
-  CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-  {
-    std::vector<Probed> hosts;
-    std::unique_lock lock(state->mutex);
-    while (!state->over) {
-      takeOver(*state, hosts);
-      lock.unlock();
-      for (Probed& host : hosts)
-        if (isDead(host)) PostMessageW(state->window, state->message, host.number, 0);
-      lock.lock();
-      if (!state->over) state->changed.wait_for(lock, pause);
+  bool endsWithin(std::chrono::seconds time) {
+    std::unique_lock lock(mutex);
+    return changed.wait_for(lock, time, [&] { return over; });
+  }
+  // The thread's own reference. A passage holds the host's object until it is received, so each one is.
+  HRESULT receive(ComPtr<IDispatch>& host) {
+    return CoGetInterfaceAndReleaseStream(passage.release(), IID_IDispatch, host.putVoid());
+  }
+  // True when the host has died, false when the watch has ended. A slow or rejecting host lives; only a
+  // broken connection, twice running, is a death.
+  bool seesDeath() {
+    ComPtr<IDispatch> host;
+    if (const HRESULT result = receive(host); FAILED(result)) return isDeathSign(result);
+    for (int failures = 0; failures < failuresOfTheDead;) {
+      if (endsWithin(pause)) return false;
+      UINT count = 0;
+      failures = isDeathSign(host->GetTypeInfoCount(&count)) ? failures + 1 : 0;
     }
-    lock.unlock();
+    return true;
   }
+};
+
+void HostWatch::run(const std::shared_ptr<Probe>& probe) {
+  CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+  if (probe->seesDeath()) PostMessageW(probe->window, probe->message, probe->number, 0);
   CoUninitialize();
-  const std::lock_guard lock(state->mutex);
-  state->running = false;
-  state->changed.notify_all();
+  probe->threads->count(-1);
 }
 
-}  // namespace
-
-HostWatch::HostWatch(HWND window, UINT message) : state_(std::make_shared<State>()) {
-  state_->window = window;
-  state_->message = message;
-}
+HostWatch::HostWatch(HWND window, UINT message)
+    : window_(window), message_(message), threads_(std::make_shared<Threads>()) {}
 
 // A reference that goes down with this process stays in the host's.
 HostWatch::~HostWatch() {
-  std::unique_lock lock(state_->mutex);
-  state_->over = true;
-  state_->changed.notify_all();
-  state_->changed.wait_for(lock, lettingGo, [&] { return !state_->running; });
+  for (const Entry& entry : entries_) entry.probe->end();
+  {
+    std::unique_lock lock(threads_->mutex);
+    threads_->changed.wait_for(lock, lettingGo, [&] { return threads_->running == 0; });
+  }
+  if (apartment_ != nullptr) CoDecrementMTAUsage(apartment_);
 }
 
 void HostWatch::watch(const automation::Object* layer, const automation::ObjectRef& host) {
   forget(layer);
   const auto* imported = dynamic_cast<const ImportedObject*>(host.get());
   if (imported == nullptr) return;
-  ComPtr<IStream> passage;
-  if (FAILED(CoMarshalInterThreadInterfaceInStream(IID_IDispatch, imported->dispatch(), passage.put())))
+  if (apartment_ == nullptr) CoIncrementMTAUsage(&apartment_);
+  auto probe = std::make_shared<Probe>();
+  probe->window = window_;
+  probe->message = message_;
+  probe->number = ++lastNumber_;
+  probe->threads = threads_;
+  entries_.push_back({probe->number, layer, probe});
+  if (FAILED(
+          CoMarshalInterThreadInterfaceInStream(IID_IDispatch, imported->dispatch(), probe->passage.put())))
     return;
-  const std::lock_guard lock(state_->mutex);
-  state_->entries.push_back({++state_->lastNumber, layer, std::move(passage)});
-  if (!std::exchange(state_->running, true)) std::thread(run<State>, state_).detach();
-  state_->changed.notify_all();
+  threads_->count(1);
+  try {
+    std::thread(run, probe).detach();
+  } catch (const std::system_error&) {
+    ComPtr<IDispatch> unwatched;
+    probe->receive(unwatched);
+    threads_->count(-1);
+  }
+}
+
+void HostWatch::remove(std::vector<Entry>::iterator entry) {
+  entry->probe->end();
+  entries_.erase(entry);
 }
 
 void HostWatch::forget(const automation::Object* layer) {
-  const std::lock_guard lock(state_->mutex);
-  std::erase_if(state_->entries, [&](const State::Entry& entry) { return entry.layer == layer; });
-  state_->changed.notify_all();
+  const auto found = std::find_if(entries_.begin(), entries_.end(),
+                                  [&](const Entry& entry) { return entry.layer == layer; });
+  if (found != entries_.end()) remove(found);
 }
 
 const automation::Object* HostWatch::takeDead(WPARAM number) {
-  const std::lock_guard lock(state_->mutex);
-  const auto found = std::find_if(state_->entries.begin(), state_->entries.end(),
-                                  [&](const State::Entry& entry) { return entry.number == number; });
-  if (found == state_->entries.end()) return nullptr;
+  const auto found = std::find_if(entries_.begin(), entries_.end(),
+                                  [&](const Entry& entry) { return entry.number == number; });
+  if (found == entries_.end()) return nullptr;
   const automation::Object* layer = found->layer;
-  state_->entries.erase(found);
+  remove(found);
   return layer;
 }
 

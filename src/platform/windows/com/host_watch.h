@@ -1,10 +1,14 @@
-// Notices that a host's process has died. A helper thread makes a small call to each watched host every few
-// seconds; everything else happens on the user-interface thread.
+// Notices that a host's process has died. Each watched host has a helper thread that makes a small call to it
+// every few seconds: a host that hangs holds up neither the watch of another one nor the user-interface
+// thread, which everything else here belongs to.
 #pragma once
 
 #include <windows.h>
 
+#include <combaseapi.h>
+
 #include <memory>
+#include <vector>
 
 #include "platform/automation.h"
 
@@ -14,11 +18,13 @@ class HostWatch {
  public:
   // A dead host is posted to `window` as `message` with the watch's number as wParam.
   HostWatch(HWND window, UINT message);
+  // Waits until the threads have let go of the hosts, but for one slow call no longer than a moment.
   ~HostWatch();
   HostWatch(const HostWatch&) = delete;
   HostWatch& operator=(const HostWatch&) = delete;
 
-  // `layer` is only a name here; the host must be another program's object, else nothing is watched.
+  // Ends the layer's former watch. `layer` is only a name here; the host must be another program's object,
+  // else nothing is watched. A host that can't be watched is put up with.
   void watch(const automation::Object* layer, const automation::ObjectRef& host);
   void forget(const automation::Object* layer);
 
@@ -26,8 +32,23 @@ class HostWatch {
   const automation::Object* takeDead(WPARAM number);
 
  private:
-  struct State;
-  std::shared_ptr<State> state_;  // shared with the thread, which may outlive this by one slow call
+  struct Threads;
+  struct Probe;
+  struct Entry {
+    WPARAM number;
+    const automation::Object* layer;
+    std::shared_ptr<Probe> probe;
+  };
+
+  static void run(const std::shared_ptr<Probe>& probe);
+  void remove(std::vector<Entry>::iterator entry);
+
+  HWND window_;
+  UINT message_;
+  WPARAM lastNumber_ = 0;
+  std::vector<Entry> entries_;
+  std::shared_ptr<Threads> threads_;
+  CO_MTA_USAGE_COOKIE apartment_ = nullptr;  // the threads' own, kept between them
 };
 
 }  // namespace vordane::com

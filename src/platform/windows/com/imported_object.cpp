@@ -1,5 +1,6 @@
 #include "platform/windows/com/imported_object.h"
 
+#include <new>
 #include <vector>
 
 #include "platform/windows/com/errors.h"
@@ -145,6 +146,9 @@ automation::Value ImportedObject::invoke(std::u16string_view member, CallKind ki
   const DISPID id = numberOf(member);
   try {
     return invokeEitherWay(id, static_cast<WORD>(kind), arguments);
+  } catch (const std::bad_alloc&) {
+    // What another program sends may be too large to take over: its failure, like any other of its calls.
+    throw AutomationError(E_OUTOFMEMORY);
   } catch (const AutomationError& failure) {
     if (kind != CallKind::methodOrGet || !isPlainValue(failure, !arguments.empty())) throw;
     return invokeEitherWay(id, DISPATCH_PROPERTYGET, arguments);

@@ -56,6 +56,11 @@ struct KeyTraits {
   static Type invalid() { return nullptr; }
   static void close(Type key) { RegCloseKey(key); }
 };
+struct LocalTraits {
+  using Type = void*;
+  static Type invalid() { return nullptr; }
+  static void close(Type memory) { LocalFree(memory); }
+};
 struct BstrTraits {
   using Type = BSTR;
   static Type invalid() { return nullptr; }
@@ -65,6 +70,7 @@ struct BstrTraits {
 using Handle = Owned<HandleTraits>;
 using File = Owned<FileTraits>;
 using RegistryKey = Owned<KeyTraits>;
+using LocalMemory = Owned<LocalTraits>;
 using Bstr = Owned<BstrTraits>;
 
 // A VARIANT that frees what it holds.

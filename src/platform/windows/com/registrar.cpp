@@ -1,10 +1,11 @@
 #include "platform/windows/com/registrar.h"
 
 #include <array>
-#include <cstdio>
+#include <set>
 
+#include "platform/windows/com/accounts.h"
 #include "platform/windows/com/owned.h"
-#include "text/utf8.h"
+#include "platform/windows/com/permissions.h"
 
 namespace vordane::com {
 namespace {
@@ -20,18 +21,6 @@ const std::array<HKEY, 2> roots{HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER};
 
 std::wstring toWide(std::u16string_view text) {
   return {text.begin(), text.end()};
-}
-
-// To wherever whoever started us reads: a file or pipe, or the console of a command prompt.
-void print(std::string_view line) {
-  HANDLE out = GetStdHandle(STD_OUTPUT_HANDLE);
-  if (out == nullptr || out == INVALID_HANDLE_VALUE) {
-    AttachConsole(ATTACH_PARENT_PROCESS);
-    out = GetStdHandle(STD_OUTPUT_HANDLE);
-  }
-  const std::string text = std::string(line) + "\r\n";
-  DWORD written = 0;
-  WriteFile(out, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
 }
 
 // Only a user's own key may have to be made; nothing is made by looking.
@@ -80,6 +69,11 @@ bool isOurs(HKEY classes, const Removal& removal, REGSAM view) {
   return registration::samePath(readValue(classes, removal.evidence, view), removal.evidence.value);
 }
 
+// Of any program that has ever served these classes.
+bool isAnyones(HKEY classes, const Removal& removal, REGSAM view) {
+  return !readValue(classes, removal.evidence, view).empty();
+}
+
 // Deletes the tree; RegDeleteTree takes no view, so the key is opened in its view first.
 void deleteTree(HKEY classes, const std::u16string& tree, REGSAM view) {
   RegistryKey key;
@@ -90,13 +84,15 @@ void deleteTree(HKEY classes, const std::u16string& tree, REGSAM view) {
   RegDeleteKeyExW(classes, toWide(tree).c_str(), view, 0);
 }
 
-int removeAll(HKEY root, const Server& server) {
+using Condition = bool (*)(HKEY classes, const Removal& removal, REGSAM view);
+
+int removeAll(HKEY root, const Server& server, Condition condition = isOurs) {
   int removed = 0;
   for (const REGSAM view : views) {
     const RegistryKey classes = openClasses(root, KEY_ALL_ACCESS | view, false);
     if (!classes) continue;
     for (const Removal& removal : registration::removals(server)) {
-      if (!isOurs(classes.get(), removal, view)) continue;
+      if (!condition(classes.get(), removal, view)) continue;
       deleteTree(classes.get(), removal.tree, view);
       ++removed;
     }
@@ -113,34 +109,130 @@ void enablePerUserLibraries() {
   if (found != nullptr) reinterpret_cast<Enable>(reinterpret_cast<void*>(found))();
 }
 
-}  // namespace
+// --- registrations of users, which go before the machine's
 
-int registerServer(const Server& server) {
-  const std::string path = text::toUtf8(server.path);
-  if (writeAll(HKEY_LOCAL_MACHINE, server)) {
-    print("Registered for every user: " + path);
-    return 0;
-  }
-  removeAll(HKEY_LOCAL_MACHINE, server);  // what was written before it failed
-  enablePerUserLibraries();
-  if (writeAll(HKEY_CURRENT_USER, server)) {
-    print("Registered for this user only: " + path);
-    print(
-        "Programs that run with raised rights do not see this; register once as an administrator for them.");
-    return 0;
-  }
-  removeAll(HKEY_CURRENT_USER, server);
-  print("Could not be registered: the registry can't be written.");
-  return 1;
+// The program that one user's part names for these classes; empty: none.
+std::u16string programIn(HKEY classes, const Server& server, REGSAM view) {
+  const Entry command{u"CLSID\\" + server.classes.front().clsid + u"\\LocalServer32", {}, {}};
+  return readValue(classes, command, view);
 }
 
-int unregisterServer(const Server& server) {
+void removeOwnUsers(const Server& server, RegistrarAnswer& answer) {
+  std::set<std::u16string> programs;
+  for (const REGSAM view : views) {
+    const RegistryKey classes = openClasses(HKEY_CURRENT_USER, KEY_READ | view, false);
+    const std::u16string program = classes ? programIn(classes.get(), server, view) : std::u16string{};
+    if (!program.empty()) programs.insert(program);
+  }
+  enablePerUserLibraries();
+  if (removeAll(HKEY_CURRENT_USER, server, isAnyones) == 0) return;
+  for (const std::u16string& program : programs)
+    answer.lines.push_back(u"The registration of this user alone, which would go first, was removed: " +
+                           program);
+}
+
+// The identifiers of the users whose part of the registry is there: those that are logged on, and services.
+std::vector<std::wstring> loadedUsers() {
+  std::vector<std::wstring> users;
+  std::array<wchar_t, 256> name{};
+  for (DWORD i = 0;; ++i) {
+    DWORD length = name.size();
+    if (RegEnumKeyExW(HKEY_USERS, i, name.data(), &length, nullptr, nullptr, nullptr, nullptr) !=
+        ERROR_SUCCESS)
+      return users;
+    users.emplace_back(name.data(), length);
+  }
+}
+
+void warnOfOthers(const Server& server, RegistrarAnswer& answer) {
+  const Sid own = ownAccount();
+  for (const std::wstring& user : loadedUsers()) {
+    Sid account =
+        accountOf(user);  // empty for a user's classes, which stand beside him too, and for .DEFAULT
+    if (account.empty() || account == own) continue;
+    std::u16string program;
+    for (const REGSAM view : views) {
+      RegistryKey classes;
+      RegOpenKeyExW(HKEY_USERS, (user + L"\\" + classesKey).c_str(), 0, KEY_READ | view, classes.put());
+      if (classes && program.empty()) program = programIn(classes.get(), server, view);
+    }
+    if (program.empty()) continue;
+    const std::u16string name = nameOf(account.data());
+    answer.lines.push_back(u"Warning: the account " + (name.empty() ? std::u16string(fromWide(user)) : name) +
+                           u" has a registration of its own, which goes first for it: " + program);
+  }
+}
+
+// --- the account of unattended jobs
+
+bool writeLaunchPermission(const Server& server, const Rights& rights) {
+  for (const REGSAM view : views) {
+    const RegistryKey classes = openClasses(HKEY_LOCAL_MACHINE, KEY_WRITE | view, false);
+    RegistryKey key;
+    if (RegOpenKeyExW(classes.get(), toWide(registration::applicationKey(server)).c_str(), 0,
+                      KEY_WRITE | view, key.put()) != ERROR_SUCCESS ||
+        RegSetValueExW(key.get(), L"LaunchPermission", 0, REG_BINARY, rights.data(),
+                       static_cast<DWORD>(rights.size())) != ERROR_SUCCESS)
+      return false;
+  }
+  return true;
+}
+
+RegistrarAnswer refusal(std::u16string line) {
+  return {1, {std::move(line)}, false};
+}
+
+RegistrarAnswer registerForEverybody(const Server& server, const registration::Request& request,
+                                     const Rights& launch) {
+  RegistrarAnswer answer{0, {u"Registered for every user: " + server.path}, true};
+  if (!launch.empty() && !writeLaunchPermission(server, launch))
+    return refusal(u"Registered for every user, but the launch permission can't be written: " + server.path);
+  if (!launch.empty())
+    answer.lines.push_back(u"Jobs of " + request.jobAccount + u" may start it while nobody is logged on.");
+  removeOwnUsers(server, answer);
+  warnOfOthers(server, answer);
+  return answer;
+}
+
+RegistrarAnswer registerForUser(const Server& server) {
+  enablePerUserLibraries();
+  if (writeAll(HKEY_CURRENT_USER, server))
+    return {0,
+            {u"Registered for this user only: " + server.path,
+             u"Programs that run with raised rights do not see this; register once as an administrator for "
+             u"them."},
+            false};
+  removeAll(HKEY_CURRENT_USER, server);
+  return refusal(u"Could not be registered: the registry can't be written.");
+}
+
+}  // namespace
+
+RegistrarAnswer registerServer(const Server& server, const registration::Request& request) {
+  Rights launch;
+  if (!request.jobAccount.empty()) {
+    const Sid account = accountNamed(request.jobAccount);
+    if (account.empty()) return refusal(u"Not registered: there is no account " + request.jobAccount);
+    if (isAnybody(account))
+      return refusal(u"Not registered: " + request.jobAccount +
+                     u" stands for anybody; name the jobs' own account.");
+    launch = launchPermission(account);
+  }
+  if (writeAll(HKEY_LOCAL_MACHINE, server)) return registerForEverybody(server, request, launch);
+  removeAll(HKEY_LOCAL_MACHINE, server);  // what was written before it failed
+  if (!launch.empty())
+    return refusal(u"Not registered: to name a job account takes an administrator's rights.");
+  return registerForUser(server);
+}
+
+RegistrarAnswer unregisterServer(const Server& server) {
   enablePerUserLibraries();
   int removed = 0;
   for (const HKEY root : roots) removed += removeAll(root, server);
-  const std::string path = text::toUtf8(server.path);
-  print(removed > 0 ? "Registration removed: " + path : "Nothing is registered for " + path);
-  return 0;
+  return {
+      0,
+      {removed > 0 ? u"Registration removed: " + server.path : u"Nothing is registered for " + server.path},
+      false};
 }
 
 }  // namespace vordane::com

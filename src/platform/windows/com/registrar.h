@@ -1,20 +1,29 @@
-// /RegServer and /UnregServer of a program: its classes (and its type library) in both registry views.
+// What /RegServer and /UnregServer of a program do: its classes (and its type library) in both registry
+// views.
 #pragma once
 
-#include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/registration.h"
 
 namespace vordane::com {
 
-// Writes per machine when it may, per user otherwise; the last one to register a class owns it in both
-// views. `server.path` is this program's own (see services/program.h). Prints what it did, or why it could
-// not, in English to the standard output (or the console it was started from). The process's exit code: 0
-// done.
-int registerServer(const registration::Server& server);
+// What became of it: the process's exit code (0 done, 1 not) and what to tell whoever asked, in English.
+struct RegistrarAnswer {
+  int exitCode = 0;
+  std::vector<std::u16string> lines;
+  bool forEverybody = false;  // the classes stand in the machine's part
+};
+
+// Writes per machine when it may, per user otherwise; the last one to register a class owns it in both views.
+// A registration for everybody takes away this user's own one of the same classes, whatever program it names,
+// since it would go first; those of other users that are logged on are told of. `server.path` is this
+// program's own (see services/program.h). A job account needs the machine's part: without it nothing is
+// registered.
+RegistrarAnswer registerServer(const registration::Server& server, const registration::Request& request = {});
 
 // Removes what carries this program's path, per machine and per user, and nothing else.
-int unregisterServer(const registration::Server& server);
+RegistrarAnswer unregisterServer(const registration::Server& server);
 
 }  // namespace vordane::com

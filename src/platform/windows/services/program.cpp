@@ -2,7 +2,7 @@
 
 #include <shellapi.h>
 
-#include <array>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -28,23 +28,31 @@ std::wstring longName(const std::wstring& path) {
   return length == 0 || length >= buffer.size() ? path : std::wstring(buffer.data(), length);
 }
 
-// The numbers of the version resource; zeros without one.
-void readVersion(const std::wstring& path, platform::Program& program) {
-  DWORD ignored = 0;
-  const DWORD size = GetFileVersionInfoSizeW(path.c_str(), &ignored);
-  std::vector<BYTE> data(size);
-  VS_FIXEDFILEINFO* fixed = nullptr;
-  UINT length = 0;
-  if (size == 0 || !GetFileVersionInfoW(path.c_str(), 0, size, data.data()) ||
-      !VerQueryValueW(data.data(), L"\\", reinterpret_cast<void**>(&fixed), &length) ||
-      length < sizeof *fixed)
-    return;
-  program.major = HIWORD(fixed->dwFileVersionMS);
-  program.minor = LOWORD(fixed->dwFileVersionMS);
-  program.revision = HIWORD(fixed->dwFileVersionLS);
+// The numbers of the program's own version resource; zeros without one. The system's reader of other files'
+// versions stands in a library that a program's folder could hold too, so the resource is read as it lies:
+// its length, two more numbers, its name, and at the next multiple of four the numbers.
+void readVersion(platform::Program& program) {
+  constexpr std::size_t fixedAt = 40;
+  const HRSRC found = FindResourceW(nullptr, MAKEINTRESOURCEW(1), RT_VERSION);
+  if (found == nullptr || SizeofResource(nullptr, found) < fixedAt + sizeof(VS_FIXEDFILEINFO)) return;
+  const auto* bytes = static_cast<const BYTE*>(LockResource(LoadResource(nullptr, found)));
+  if (bytes == nullptr) return;
+  VS_FIXEDFILEINFO fixed{};
+  std::memcpy(&fixed, bytes + fixedAt, sizeof fixed);
+  if (fixed.dwSignature != VS_FFI_SIGNATURE) return;
+  program.major = HIWORD(fixed.dwFileVersionMS);
+  program.minor = LOWORD(fixed.dwFileVersionMS);
+  program.revision = HIWORD(fixed.dwFileVersionLS);
 }
 
 }  // namespace
+
+void loadFromSystemOnly() {
+  using Set = BOOL(WINAPI*)(DWORD);
+  const HMODULE kernel = GetModuleHandleW(L"kernel32.dll");
+  const FARPROC found = GetProcAddress(kernel, "SetDefaultDllDirectories");
+  if (found != nullptr) reinterpret_cast<Set>(reinterpret_cast<void*>(found))(LOAD_LIBRARY_SEARCH_SYSTEM32);
+}
 
 std::u16string executablePath() {
   const std::wstring path = longName(modulePath());
@@ -59,7 +67,7 @@ platform::Program thisProgram() {
       platform::parseCommandLine(platform::withoutProgramName(com::fromWide(GetCommandLineW())));
   program.commandLine = line.text;
   program.startedByAutomation = line.start == platform::Start::byAutomation;
-  readVersion({path.begin(), path.end()}, program);
+  readVersion(program);
   program.interactive = stationIsVisible();
   return program;
 }

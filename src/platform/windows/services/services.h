@@ -5,7 +5,12 @@
 #include <windows.h>
 
 #include <functional>
+#include <optional>
+#include <vector>
 
+#include "platform/command_line.h"
+#include "platform/program_guard.h"
+#include "platform/registration.h"
 #include "platform/services.h"
 
 namespace vordane::windows {
@@ -41,7 +46,8 @@ class ComObjectCreator : public platform::ObjectCreator {
   automation::ObjectRef create(std::u16string_view progId) override;
 };
 
-// MessageBoxIndirect above the window that `owner` names at that moment. Where nobody could see a box (a
+// MessageBoxIndirect above the window that `owner` names at that moment; while that one is hidden a window of
+// its own that asks for the foreground. Where nobody could see a box (a
 // service's window station) none is shown and the answer is 6.
 class SystemMessageBoxes : public platform::MessageBoxes {
  public:
@@ -50,15 +56,39 @@ class SystemMessageBoxes : public platform::MessageBoxes {
   using HelpWanted = std::function<void(std::u16string_view file)>;
   SystemMessageBoxes(Owner owner, HelpWanted helpWanted);
   int show(const platform::MessageBoxRequest& request) override;
+  // A box without an owner asks for the foreground.
+  static int styleFor(int asked, HWND owner);
 
  private:
+  HWND shownOwner() const;
+
   Owner owner_;
   HelpWanted helpWanted_;
 };
 
+// To be called first of all: a library that is loaded from now on by its bare name comes from the system's
+// folder and never from the program's or the current one, where others may have put one of that name. (What
+// the program is linked with is there already; tests/windows/shipped holds that the system keeps all of that
+// in one place.)
+void loadFromSystemOnly();
+
 // The running program: long path name, version resource, command line. `start` says what was asked for.
 platform::Program thisProgram();
 std::u16string executablePath();
+
+// Writes a line to wherever whoever started this program reads: as UTF-8 to a file or pipe, as text of any
+// script to a console, also that of the command prompt that a program with windows was started from.
+void printLine(std::u16string_view line);
+
+// Registers a program, or takes it away, as its command line asks, and prints what became of it. A program
+// for everybody that others than administrators may replace is named with them. The exit code (0 done, 1 not
+// done, 2 wrong usage), or nothing where the command line asks for something else.
+std::optional<int> registerAsAsked(const platform::CommandLine& line, const registration::Server& server);
+
+// Who besides administrators may put another program in the place of the one at `path`, or a library beside
+// it: by the rights of the file, of its folder and of the folders above. A place whose rights can't be read,
+// one that does not exist among them, is left out.
+std::vector<guard::Finding> whoMayReplace(std::u16string_view path);
 
 // False in a service's session, where a window or box would never be seen.
 bool stationIsVisible();

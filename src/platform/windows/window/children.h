@@ -35,6 +35,7 @@ enum Id : int {
   idGrid,
   idPane,
   idStatus,
+  idAccount,  // in the status bar
   idCopy,
 };
 

@@ -8,8 +8,10 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cwchar>
+#include <utility>
 
 #include "platform/windows/window/geometry.h"
+#include "platform/windows/window/input_messages.h"
 
 namespace vordane::window::win32 {
 namespace {
@@ -53,10 +55,15 @@ CHARRANGE selectionOf(HWND pane) {
   return selection;
 }
 
-// The control wants its heights in 1/1440 inch of the whole desktop's density.
-LONG heightInTwips(const LOGFONTW& font) {
+int desktopDpi() {
   const WindowDc dc(nullptr);
-  return MulDiv(-static_cast<int>(font.lfHeight), twipsPerInch, GetDeviceCaps(dc.get(), LOGPIXELSY));
+  return GetDeviceCaps(dc.get(), LOGPIXELSY);
+}
+
+LONG placeOf(HWND pane, std::size_t position) {
+  POINTL place{};
+  SendMessageW(pane, EM_POSFROMCHAR, reinterpret_cast<WPARAM>(&place), static_cast<LPARAM>(position));
+  return place.x;
 }
 
 bool sameRanges(const std::vector<Range>& a, const std::vector<Range>& b) {
@@ -67,6 +74,9 @@ bool sameRanges(const std::vector<Range>& a, const std::vector<Range>& b) {
 }  // namespace
 
 void DetailPane::create(HWND parent, int id) {
+  source_ = nullptr;
+  dpi_ = zoomed_ = 0;
+  takesInput_ = true;
   richText_ = Library(LoadLibraryExW(richTextLibrary, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
   window_ = CreateWindowExW(
       0, richTextClass, L"",
@@ -78,6 +88,7 @@ void DetailPane::create(HWND parent, int id) {
 
 void DetailPane::setLook(const Control* control, int dpi, const Palette& palette) {
   palette_ = palette;
+  if (std::exchange(dpi_, dpi) != dpi) scaleKnown_ = false;
   const FontChoice choice = fontOf(control);
   plain_ = makeFont(choice, dpi);
   bold_ = makeFont(choice, dpi, FontStyle::bold);
@@ -87,8 +98,10 @@ void DetailPane::setLook(const Control* control, int dpi, const Palette& palette
 }
 
 void DetailPane::showFault(GridSource& source, std::size_t row, const std::u16string& description) {
+  if (source_ == &source && row_ == row && description_ == description) return;  // keeps what is selected
   source_ = &source;
   row_ = row;
+  description_ = description;
   text_ = paneText(description);
   known_.clear();
   marks_.clear();
@@ -115,6 +128,11 @@ void DetailPane::showHint(const std::u16string& text) {
 
 void DetailPane::render() {
   if (window_ == nullptr) return;
+  formatText();
+  if (!scaleKnown_) fitScale();
+}
+
+void DetailPane::formatText() {
   const QuietChange quiet(window_);
   const Range all{0, static_cast<std::size_t>(GetWindowTextLengthW(window_))};
   format(all, source_ != nullptr ? palette_.text : palette_.quiet, plain_.get(), palette_.surface);
@@ -133,12 +151,38 @@ void DetailPane::format(Range range, COLORREF ink, HFONT face, COLORREF ground) 
   look.cbSize = sizeof look;
   look.dwMask = CFM_FACE | CFM_SIZE | CFM_COLOR | CFM_BACKCOLOR | CFM_BOLD | CFM_CHARSET;
   look.dwEffects = font.lfWeight >= FW_SEMIBOLD ? CFE_BOLD : 0;
-  look.yHeight = heightInTwips(font);
+  look.yHeight = toTwips(-static_cast<int>(font.lfHeight), dpi_);  // the face was made at this density
   look.crTextColor = ink;
   look.crBackColor = ground;
   look.bCharSet = DEFAULT_CHARSET;
   std::wcsncpy(look.szFaceName, font.lfFaceName, LF_FACESIZE - 1);
   SendMessageW(window_, EM_SETCHARFORMAT, SCF_SELECTION, reinterpret_cast<LPARAM>(&look));
+}
+
+// The lines are broken anew with the next format only.
+void DetailPane::zoom(int numerator, int denominator) {
+  if (numerator == zoomed_) return;
+  zoomed_ = numerator;
+  SendMessageW(window_, EM_SETZOOM, static_cast<WPARAM>(numerator), denominator);
+  formatText();
+}
+
+// Sizes are given in points. Whether the control draws them for the density of its own screen or for that of
+// the whole desktop differs between its versions: where the two densities differ, the first line is measured.
+void DetailPane::fitScale() {
+  const int desktop = desktopDpi();
+  zoom(0, 0);
+  scaleKnown_ = dpi_ == desktop;
+  if (scaleKnown_) return;
+  const std::u16string shown = windowText(window_);
+  const auto length = static_cast<std::size_t>(SendMessageW(window_, EM_LINELENGTH, 0, 0));
+  if (length < 2 || length > shown.size()) return;  // measured when there is something to measure
+  const int drawn = static_cast<int>(placeOf(window_, length - 1) - placeOf(window_, 0));
+  const int wanted = textWidth(source_ != nullptr ? bold_.get() : plain_.get(),
+                               std::u16string_view(shown).substr(0, length - 1));
+  const int unscaled = MulDiv(wanted, desktop, dpi_);
+  if (std::abs(drawn - unscaled) < std::abs(drawn - wanted)) zoom(dpi_, desktop);
+  scaleKnown_ = true;
 }
 
 void DetailPane::paintMarks(const std::vector<Range>& ranges, bool on) {
@@ -209,6 +253,13 @@ bool DetailPane::notified(const NMHDR& header) {
 }
 
 LRESULT DetailPane::heard(UINT message, WPARAM wide, LPARAM low) {
+  if (!takesInput_ && message == WM_NCHITTEST) return HTTRANSPARENT;
+  if (!takesInput_ && isInput(message)) return 0;
+  if (message == WM_DPICHANGED_AFTERPARENT) {
+    const LRESULT answer = watch_.pass(message, wide, low);
+    fitScale();  // the control has adapted by now, if it does
+    return answer;
+  }
   if (message == WM_MOUSEMOVE && (wide & MK_LBUTTON) == 0)
     mouseAt({static_cast<short>(LOWORD(low)), static_cast<short>(HIWORD(low))});
   // Tab, Enter and Esc belong to the window, everything else to the text.

@@ -18,8 +18,10 @@ class DetailPane {
   HWND window() const { return window_; }
 
   void setLook(const Control* control, int dpi, const Palette& palette);
+  // The fault that is shown already stays, with what is selected in it.
   void showFault(GridSource& source, std::size_t row, const std::u16string& description);
-  void showHint(const std::u16string& text);  // while no fault is selected
+  void showHint(const std::u16string& text);           // while no fault is selected
+  void takeInput(bool takes) { takesInput_ = takes; }  // when not, it looks as ever and stays as it is
 
   bool notified(const NMHDR& header);
 
@@ -34,6 +36,9 @@ class DetailPane {
   LRESULT heard(UINT message, WPARAM wide, LPARAM low);
   void mouseAt(POINT place);
   void render();
+  void formatText();
+  void fitScale();
+  void zoom(int numerator, int denominator);
   void format(Range range, COLORREF ink, HFONT face, COLORREF ground);
   void paintMarks(const std::vector<Range>& ranges, bool on);
   std::vector<Range> marksFor(std::size_t position);
@@ -44,7 +49,10 @@ class DetailPane {
   Library richText_;
   GridSource* source_ = nullptr;
   std::size_t row_ = 0;
+  std::u16string description_;
   PaneText text_;
+  int dpi_ = 0, zoomed_ = 0;
+  bool takesInput_ = true, scaleKnown_ = false;
   std::optional<Range> data_;
   std::size_t dataInDescription_ = 0;
   std::map<std::size_t, std::vector<Range>> known_;  // provenance by place in the description

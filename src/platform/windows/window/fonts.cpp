@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <cstring>
 #include <cwchar>
 #include <optional>
 
@@ -19,6 +21,17 @@ std::optional<FontChoice> read(const Control& control, std::u16string_view face,
   }
 }
 
+int extent(HFONT font, std::u16string_view text, UINT format) {
+  const WindowDc dc(nullptr);
+  const Selected selected(dc.get(), font);
+  RECT box{};
+  DrawTextW(dc.get(), wideBegin(text), static_cast<int>(text.size()), &box,
+            DT_CALCRECT | DT_SINGLELINE | format);
+  return width(box);
+}
+
+}  // namespace
+
 LOGFONTW workstationFont(int dpi) {
   NONCLIENTMETRICSW metrics{};
   metrics.cbSize = sizeof metrics;
@@ -30,16 +43,10 @@ LOGFONTW workstationFont(int dpi) {
   return plain;
 }
 
-int extent(HFONT font, std::u16string_view text, UINT format) {
-  const WindowDc dc(nullptr);
-  const Selected selected(dc.get(), font);
-  RECT box{};
-  DrawTextW(dc.get(), wideBegin(text), static_cast<int>(text.size()), &box,
-            DT_CALCRECT | DT_SINGLELINE | format);
-  return width(box);
+bool sameFont(const LOGFONTW& a, const LOGFONTW& b) {
+  return std::memcmp(&a, &b, offsetof(LOGFONTW, lfFaceName)) == 0 &&
+         std::wcsncmp(a.lfFaceName, b.lfFaceName, LF_FACESIZE) == 0;
 }
-
-}  // namespace
 
 FontChoice fontOf(const Control* control) {
   if (control == nullptr) return {};
@@ -58,7 +65,6 @@ Font makeFont(const FontChoice& choice, int dpi, FontStyle style) {
   if (choice.points > 0) font.lfHeight = -static_cast<LONG>(std::lround(choice.points * dpi / 72.0));
   if (!choice.face.empty()) std::wcsncpy(font.lfFaceName, wide(choice.face), LF_FACESIZE - 1);
   font.lfCharSet = DEFAULT_CHARSET;
-  font.lfQuality = CLEARTYPE_QUALITY;
   if (style == FontStyle::bold) font.lfWeight = FW_BOLD;
   if (style == FontStyle::fixedWidth) {
     font.lfPitchAndFamily = FIXED_PITCH | FF_MODERN;

@@ -13,6 +13,10 @@ struct FontChoice {
   bool operator==(const FontChoice&) const = default;
 };
 
+// The face that the workstation writes its messages in, smoothing included.
+LOGFONTW workstationFont(int dpi);
+bool sameFont(const LOGFONTW& a, const LOGFONTW& b);
+
 // What a control asks for: FontName and FontSize, else Font.Name and Font.Size.
 FontChoice fontOf(const Control* control);
 // The heading's, of a grid: HeadFont.Name and HeadFont.Size, else the control's.

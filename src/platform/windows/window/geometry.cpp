@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <exception>
 
 namespace vordane::window::win32 {
 namespace {
@@ -18,6 +19,12 @@ long long distance(const RECT& a, const RECT& b) {
          std::llabs(static_cast<long long>(a.top) + a.bottom - b.top - b.bottom);
 }
 
+std::vector<RECT>::const_iterator nearestOf(const RECT& window, const std::vector<RECT>& areas) {
+  return std::min_element(areas.begin(), areas.end(), [&](const RECT& a, const RECT& b) {
+    return distance(window, a) < distance(window, b);
+  });
+}
+
 long into(long start, long length, long areaStart, long areaEnd) {
   return std::max(areaStart, std::min(start, areaEnd - length));
 }
@@ -25,19 +32,31 @@ long into(long start, long length, long areaStart, long areaEnd) {
 BOOL CALLBACK addWorkArea(HMONITOR monitor, HDC, LPRECT, LPARAM list) {
   MONITORINFO info{};
   info.cbSize = sizeof info;
-  if (GetMonitorInfoW(monitor, &info)) reinterpret_cast<std::vector<RECT>*>(list)->push_back(info.rcWork);
-  return TRUE;
+  try {
+    if (GetMonitorInfoW(monitor, &info)) reinterpret_cast<std::vector<RECT>*>(list)->push_back(info.rcWork);
+    return TRUE;
+  } catch (const std::exception&) {
+    return FALSE;  // the screens found so far have to do
+  }
 }
 
 }  // namespace
+
+RECT fitted(const RECT& window, const std::vector<RECT>& areas) {
+  const auto area = nearestOf(window, areas);
+  if (area == areas.end() || (width(window) <= width(*area) && height(window) <= height(*area)))
+    return window;
+  const long wide = std::min(width(window), width(*area)), high = std::min(height(window), height(*area));
+  const long left = into(window.left, wide, area->left, area->right);
+  const long top = into(window.top, high, area->top, area->bottom);
+  return {left, top, left + wide, top + high};
+}
 
 RECT pulledBack(const RECT& window, const std::vector<RECT>& areas, int titleHeight, int grip) {
   const RECT title{window.left, window.top, window.right, window.top + titleHeight};
   for (const RECT& area : areas)
     if (reachable(title, area, grip)) return window;
-  const auto nearest = std::min_element(areas.begin(), areas.end(), [&](const RECT& a, const RECT& b) {
-    return distance(window, a) < distance(window, b);
-  });
+  const auto nearest = nearestOf(window, areas);
   if (nearest == areas.end()) return window;
   const long left = into(window.left, width(window), nearest->left, nearest->right);
   const long top = into(window.top, height(window), nearest->top, nearest->bottom);

@@ -1,5 +1,5 @@
-// Lengths and places: pixels at a screen's density, 1/1440 inch, and the pulling back of a window whose
-// title bar nobody could reach. Pure but for the density of the system.
+// Lengths and places: pixels at a screen's density, 1/1440 inch, the fitting of a window to its screen and
+// the pulling back of one whose title bar nobody could reach. Pure but for the density of the system.
 #pragma once
 
 #include <windows.h>
@@ -35,6 +35,10 @@ inline int height(const RECT& rect) {
 // work areas: where at least `grip` pixels of it are on one already it stays; otherwise it is moved, never
 // resized, into the nearest one, and its upper left corner is inside.
 RECT pulledBack(const RECT& window, const std::vector<RECT>& workAreas, int titleHeight, int grip);
+
+// A window larger than the nearest work area takes that area's width or height, and stands inside it; any
+// other place stays.
+RECT fitted(const RECT& window, const std::vector<RECT>& workAreas);
 
 std::vector<RECT> workAreas();  // of all screens
 

@@ -2,12 +2,12 @@
 
 #include <windows.h>
 
-#include <uxtheme.h>
-
 #include <algorithm>
 #include <cwchar>
 
 #include "platform/windows/window/geometry.h"
+#include "platform/windows/window/input_messages.h"
+#include "platform/windows/window/theme.h"
 
 namespace vordane::window::win32 {
 namespace {
@@ -22,6 +22,7 @@ int formatOf(int column) {
 
 void Grid::create(HWND parent, int id, Events events) {
   events_ = std::move(events);
+  takesInput_ = true;
   window_ = CreateWindowExW(0, WC_LISTVIEWW, L"",
                             WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA |
                                 LVS_OWNERDRAWFIXED | LVS_SINGLESEL | LVS_SHOWSELALWAYS,
@@ -29,7 +30,7 @@ void Grid::create(HWND parent, int id, Events events) {
                             GetModuleHandleW(nullptr), nullptr);
   ListView_SetExtendedListViewStyle(window_,
                                     LVS_EX_FULLROWSELECT | LVS_EX_HEADERDRAGDROP | LVS_EX_DOUBLEBUFFER);
-  SetWindowTheme(window_, L"Explorer", nullptr);
+  drawAsExplorer(window_);
   watch_.start(window_,
                [this](UINT message, WPARAM wide, LPARAM low) { return rowsHeard(message, wide, low); });
   headingWatch_.start(
@@ -56,10 +57,16 @@ void Grid::setLook(const Control* control, int dpi, const Palette& palette) {
   SendMessageW(window_, WM_SETFONT, reinterpret_cast<WPARAM>(look_.plain.get()), FALSE);
   headFont_ = makeFont(headFontOf(control), dpi);
   SendMessageW(heading(), WM_SETFONT, reinterpret_cast<WPARAM>(headFont_.get()), TRUE);
-  ListView_SetBkColor(window_, palette.surface);
-  ListView_SetTextBkColor(window_, palette.surface);
+  setColours(palette);
   setLayout(kept);
   askRowHeightAgain();
+}
+
+void Grid::setColours(const Palette& palette) {
+  look_.palette = palette;
+  ListView_SetBkColor(window_, palette.surface);
+  ListView_SetTextBkColor(window_, palette.surface);
+  InvalidateRect(window_, nullptr, FALSE);
 }
 
 // A list view measures its rows once; a change of its place makes it ask again.
@@ -176,18 +183,25 @@ void Grid::unselect() {
 
 // A key or click that may select another row; one row always stays selected.
 LRESULT Grid::moveSelection(UINT message, WPARAM wide, LPARAM low) {
-  const auto before = selected_;
+  before_ = selected_;
   unselect();
   filling_ = true;
   const LRESULT answer = watch_.pass(message, wide, low);
-  if (!selected_ && before && *before < size())
-    ListView_SetItemState(window_, static_cast<int>(*before), LVIS_SELECTED, LVIS_SELECTED);
+  settleSelection();
   filling_ = false;
-  if (selected_ != before) events_.selectionChanged();
   return answer;
 }
 
+void Grid::settleSelection() {
+  if (!filling_) return;
+  if (!selected_ && before_ && *before_ < size())
+    ListView_SetItemState(window_, static_cast<int>(*before_), LVIS_SELECTED, LVIS_SELECTED);
+  if (std::exchange(before_, selected_) != selected_) events_.selectionChanged();
+}
+
 LRESULT Grid::rowsHeard(UINT message, WPARAM wide, LPARAM low) {
+  if (!takesInput_ && message == WM_NCHITTEST) return HTTRANSPARENT;
+  if (!takesInput_ && isInput(message)) return 0;
   const bool moves = message == WM_KEYDOWN && wide >= VK_PRIOR && wide <= VK_DOWN;
   if (moves || message == WM_LBUTTONDOWN || message == WM_RBUTTONDOWN)
     return moveSelection(message, wide, low);
@@ -232,6 +246,11 @@ POINT Grid::menuPlace() const {
   POINT place{row.left + scaled(24, look_.dpi), std::max<LONG>(row.top, 0) + look_.rowHeight() / 2};
   ClientToScreen(window_, &place);
   return place;
+}
+
+bool Grid::isOnHeading(POINT place) const {
+  RECT heading;
+  return GetWindowRect(this->heading(), &heading) && PtInRect(&heading, place);
 }
 
 bool Grid::notified(const NMHDR& header, LPARAM message, LRESULT& answer) {
@@ -280,6 +299,8 @@ void Grid::giveText(NMLVDISPINFOW& asked) {
 
 // The heading gets a little more room than its letters need.
 LRESULT Grid::headingHeard(UINT message, WPARAM wide, LPARAM low) {
+  if (!takesInput_ && message == WM_NCHITTEST) return HTTRANSPARENT;
+  if (!takesInput_ && isInput(message)) return 0;
   const LRESULT answer = headingWatch_.pass(message, wide, low);
   if (message == HDM_LAYOUT && answer != FALSE) {
     const HDLAYOUT& asked = *reinterpret_cast<HDLAYOUT*>(low);

@@ -14,7 +14,6 @@ class Grid {
   struct Events {
     std::function<void(int column)> headingClicked;  // the column's own index
     std::function<void()> selectionChanged;
-    std::function<void(POINT)> contextMenu;  // in screen coordinates
     std::function<void()> copy;
   };
 
@@ -22,6 +21,8 @@ class Grid {
   HWND window() const { return window_; }
 
   void setLook(const Control* control, int dpi, const Palette& palette);
+  void setColours(const Palette& palette);
+  void takeInput(bool takes) { takesInput_ = takes; }  // when not, it looks as ever and stays as it is
   void setHeading(int column, const std::u16string& caption);
   void setRows(GridSource* source);  // instant, however many there are; the first row becomes selected
   void forgetRows() { rows_.setSource(nullptr); }  // the window goes; the source may go first
@@ -37,6 +38,10 @@ class Grid {
   GridSource* source() const { return rows_.source(); }
   void select(std::size_t row);  // and brings it into sight
   POINT menuPlace() const;       // of the selected row, in screen coordinates
+  // For a menu that opens while the press that selects is still under way: whoever shows the selected row is
+  // told now.
+  void settleSelection();
+  bool isOnHeading(POINT place) const;  // in screen coordinates
 
   // What the parent hands on; true when it was the grid's.
   bool notified(const NMHDR& header, LPARAM message, LRESULT& answer);
@@ -73,7 +78,8 @@ class Grid {
   Font headFont_;
   int sortColumn_ = -1;
   bool sortDescending_ = false;
-  bool filling_ = false;
+  bool filling_ = false, takesInput_ = true;
+  std::optional<std::size_t> before_;    // selected when the press or key under way began
   std::optional<std::size_t> selected_;  // asking the list view would walk through all its rows
   bool fits_ = true, ownWidths_ = false;
 };

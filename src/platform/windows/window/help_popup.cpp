@@ -2,6 +2,7 @@
 
 #include "platform/windows/window/children.h"
 #include "platform/windows/window/geometry.h"
+#include "platform/windows/window/guard.h"
 #include "platform/windows/window/parts_paint.h"
 
 namespace vordane::window::win32 {
@@ -79,7 +80,7 @@ LRESULT CALLBACK HelpPopup::procedure(HWND window, UINT message, WPARAM wide, LP
   if (self == nullptr || self->window_ != window) return DefWindowProcW(window, message, wide, low);
   switch (message) {
     case WM_PAINT:
-      self->paint();
+      if (!guarded([&] { self->paint(); })) ValidateRect(window, nullptr);
       return 0;
     case WM_LBUTTONDOWN:
     case WM_RBUTTONDOWN:

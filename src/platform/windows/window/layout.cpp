@@ -97,6 +97,7 @@ class Stacker {
     const int most = std::max(px(smallestPane), room - px(smallestGrid));
     const int paneHeight = std::clamp(in_.paneHeight, px(smallestPane), most);
     const int paneY = std::max(y_, bottom - paneHeight);
+    out_.status = box(0, bottom, in_.width, in_.statusHeight);
     out_.pane = box(0, paneY, in_.width, std::max(0, bottom - paneY));
     out_.splitter = box(0, paneY - px(splitterHeight), in_.width, px(splitterHeight));
     out_.grid = box(0, y_, in_.width, std::max(0, static_cast<int>(out_.splitter.top) - y_));

@@ -27,7 +27,7 @@ struct Layout {
   RECT frame{};
   std::array<RECT, 2> lamps{};
   std::vector<RECT> buttons;
-  RECT panel{}, lookUp{}, notice{}, grid{}, splitter{}, pane{};
+  RECT panel{}, lookUp{}, notice{}, grid{}, splitter{}, pane{}, status{};
 };
 
 Layout arrange(const LayoutInput& input);

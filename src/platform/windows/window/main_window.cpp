@@ -12,7 +12,7 @@ namespace {
 constexpr const wchar_t* className = windowClassName;
 constexpr std::u16string_view application = u"VORDANE", section = u"Window";
 constexpr std::u16string_view widthsKey = u"ColumnWidths", orderKey = u"ColumnOrder", paneKey = u"Pane",
-                              placeKey = u"Place";
+                              placeKey = u"Place", maximisedKey = u"Maximised";
 constexpr int designedWidth = 1080, designedHeight = 640, designedPane = 96;
 constexpr int tipWidth = 320;
 constexpr int gripWidth = 80;  // so much of a title bar can be taken hold of
@@ -47,6 +47,22 @@ std::u16string joined(std::initializer_list<std::int32_t> numbers) {
   return {text.begin(), text.end()};
 }
 
+// Whether it fills its screen, or will when it is no longer minimised.
+bool isMaximised(HWND window) {
+  if (!IsIconic(window)) return IsZoomed(window) != FALSE;
+  WINDOWPLACEMENT placement{};
+  placement.length = sizeof placement;
+  return GetWindowPlacement(window, &placement) && (placement.flags & WPF_RESTORETOMAXIMIZED) != 0;
+}
+
+// How far the corner that window placements are counted from is from the screen's.
+POINT workAreaOffset(HWND window) {
+  MONITORINFO info{};
+  info.cbSize = sizeof info;
+  if (!GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTOPRIMARY), &info)) return {};
+  return {info.rcWork.left - info.rcMonitor.left, info.rcWork.top - info.rcMonitor.top};
+}
+
 // Where the window stands when it is neither minimised nor maximised, on the screen.
 RECT normalPlace(HWND window) {
   WINDOWPLACEMENT placement{};
@@ -56,11 +72,26 @@ RECT normalPlace(HWND window) {
   if (!IsIconic(window) && !IsZoomed(window)) return place;
   if (!GetWindowPlacement(window, &placement)) return place;
   place = placement.rcNormalPosition;  // counted from the work area
-  MONITORINFO info{};
-  info.cbSize = sizeof info;
-  if (GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTOPRIMARY), &info))
-    OffsetRect(&place, info.rcWork.left - info.rcMonitor.left, info.rcWork.top - info.rcMonitor.top);
+  const POINT offset = workAreaOffset(window);
+  OffsetRect(&place, offset.x, offset.y);
   return place;
+}
+
+// Moves the window there; one that is minimised or maximised when it is so no longer.
+void setNormalPlace(HWND window, const RECT& place) {
+  if (!IsIconic(window) && !IsZoomed(window)) {
+    SetWindowPos(window, nullptr, place.left, place.top, width(place), height(place),
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+    return;
+  }
+  WINDOWPLACEMENT placement{};
+  placement.length = sizeof placement;
+  if (!GetWindowPlacement(window, &placement)) return;
+  const POINT offset = workAreaOffset(window);
+  placement.rcNormalPosition = place;
+  OffsetRect(&placement.rcNormalPosition, -offset.x, -offset.y);
+  if (!IsWindowVisible(window)) placement.showCmd = SW_HIDE;
+  SetWindowPlacement(window, &placement);
 }
 
 }  // namespace
@@ -90,8 +121,8 @@ void MainWindow::attach(Form& form, ViewEvents& events) {
   const RECT at = placeFromSettings();
   CreateWindowExW(WS_EX_CONTROLPARENT, className,
                   wide(form.self().has(u"Caption") ? form.self().text(u"Caption") : std::u16string{}),
-                  WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, at.left, at.top, width(at), height(at), nullptr,
-                  nullptr, GetModuleHandleW(nullptr), this);
+                  WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN | (comesBackMaximised() ? WS_MAXIMIZE : 0U), at.left,
+                  at.top, width(at), height(at), nullptr, nullptr, GetModuleHandleW(nullptr), this);
   form.listen([this](Control& changed, std::u16string_view property) { controlChanged(changed, property); });
   dpi_ = static_cast<int>(GetDpiForWindow(window_));
   paneHeight_ = scaled(designedPane, dpi_);
@@ -117,6 +148,7 @@ void MainWindow::detach() {
   grid_.forgetRows();
   exchangeBox_ = nullptr;
   shownExchanges_ = 0;
+  status_ = {};
   restyleWanted_ = false;
   DestroyWindow(std::exchange(window_, nullptr));
 }
@@ -141,7 +173,7 @@ void MainWindow::createChildren() {
   lookUp_.create(window_, {idLookUpLabel, idLookUpText, idLookUpNext, idLookUpClose, idLookUpMessage},
                  texts_);
   SendMessageW(tips_, TTM_SETMAXTIPWIDTH, 0, scaled(tipWidth, dpi_));
-  setTip(idLookUpClose, texts_.text(ViewText::lookUpClose));
+  setTip(item(idLookUpClose), texts_.text(ViewText::lookUpClose));
 }
 
 void MainWindow::createGridAndPane() {
@@ -153,17 +185,15 @@ void MainWindow::createGridAndPane() {
   events.headingClicked = [this](int column) {
     if (inputAllowed() && events_ != nullptr) events_->headingClicked(column);
   };
-  events.selectionChanged = [this] { showSelected(); };
+  events.selectionChanged = [this] {
+    if (status_.takeRemarkAway()) placeStatus();
+    showSelected();
+  };
   events.copy = [this] { copySelected(); };
   grid_.create(window_, idGrid, std::move(events));
   if (Control* grid = control(gridName)) ids_[grid] = idGrid;
   pane_.create(window_, idPane);
-  status_ =
-      CreateWindowExW(0, STATUSCLASSNAMEW, L"", WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0, 0, 0, 0, window_,
-                      reinterpret_cast<HMENU>(static_cast<INT_PTR>(idStatus)), instance, nullptr);
-  // It takes no text for a part that it has not got; where the parts end is seen when all is placed.
-  const std::array<int, statusParts> ends{1, 2, -1};
-  SendMessageW(status_, SB_SETPARTS, statusParts, reinterpret_cast<LPARAM>(ends.data()));
+  status_.create(window_, idStatus, idAccount);
 }
 
 RECT MainWindow::placeFromSettings() const {
@@ -180,7 +210,11 @@ RECT MainWindow::placeFromSettings() const {
   if (n[2] > 0 && n[3] > 0)
     place = {toPixels(n[0], dpi), toPixels(n[1], dpi), toPixels(n[0], dpi) + toPixels(n[2], dpi),
              toPixels(n[1], dpi) + toPixels(n[3], dpi)};
-  return pulledBack(place, workAreas(), titleHeight(dpi), scaled(gripWidth, dpi));
+  return pulledBack(fitted(place, workAreas()), workAreas(), titleHeight(dpi), scaled(gripWidth, dpi));
+}
+
+bool MainWindow::comesBackMaximised() const {
+  return settings_.read(application, section, maximisedKey) == u"1";
 }
 
 void MainWindow::readSettings() {
@@ -207,15 +241,19 @@ void MainWindow::writeSettings() {
   write(paneKey, joined({MulDiv(paneHeight_, designDpi, dpi_)}));
   write(placeKey, joined({toTwips(at.left, dpi), toTwips(at.top, dpi), toTwips(width(at), dpi),
                           toTwips(height(at), dpi)}));
+  write(maximisedKey, isMaximised(window_) ? u"1" : u"0");
 }
 
 // The starter's wish (a hidden or minimised first window) goes for programs that it starts for a person to
-// use; this window shows when its host says so, hence no ShowWindow for the first time.
+// use; this window shows when its host says so, hence no ShowWindow for the first time. The host's window is
+// in the foreground then: the system lets this one take its place when the host has handed over its right.
 void MainWindow::setVisible(bool visible) {
   if (restyleWanted_) restyle();
-  const UINT how = visible ? SWP_SHOWWINDOW : SWP_HIDEWINDOW | SWP_NOACTIVATE;
-  SetWindowPos(window_, nullptr, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | how);
-  if (visible && IsIconic(window_)) ShowWindow(window_, SW_RESTORE);
+  const UINT how = visible ? SWP_SHOWWINDOW : SWP_HIDEWINDOW | SWP_NOACTIVATE | SWP_NOZORDER;
+  SetWindowPos(window_, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | how);
+  if (!visible) return;
+  if (IsIconic(window_)) ShowWindow(window_, SW_RESTORE);
+  SetForegroundWindow(window_);
 }
 
 void MainWindow::refresh() {
@@ -247,9 +285,8 @@ void MainWindow::setLamp(bool major, bool lit) {
 }
 
 void MainWindow::setStatus(int part, std::u16string_view text) {
-  if (part < 0 || part >= statusParts) return;
-  const std::u16string words(text);
-  SendMessageW(status_, SB_SETTEXTW, static_cast<WPARAM>(part), reinterpret_cast<LPARAM>(wide(words)));
+  if (part < 0 || part >= StatusLine::parts || window_ == nullptr) return;
+  status_.setText(part, std::u16string(text));
   placeStatus();
 }
 
@@ -305,8 +342,10 @@ void MainWindow::moveTo(std::int32_t left, std::int32_t top) {
   RECT at = normalPlace(window_);
   OffsetRect(&at, toPixels(left, dpi) - static_cast<int>(at.left),
              toPixels(top, dpi) - static_cast<int>(at.top));
-  at = pulledBack(at, workAreas(), titleHeight(dpi), scaled(gripWidth, dpi));
-  SetWindowPos(window_, nullptr, at.left, at.top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+  const RECT inside = fitted(at, workAreas());  // the place stays as stated
+  at.right = at.left + width(inside);
+  at.bottom = at.top + height(inside);
+  setNormalPlace(window_, pulledBack(at, workAreas(), titleHeight(dpi), scaled(gripWidth, dpi)));
 }
 
 std::pair<std::int32_t, std::int32_t> MainWindow::position() {

@@ -14,6 +14,7 @@
 #include "platform/windows/window/help_popup.h"
 #include "platform/windows/window/layout.h"
 #include "platform/windows/window/look_up_bar.h"
+#include "platform/windows/window/status_line.h"
 #include "platform/windows/window/tick_timer.h"
 #include "platform/windows/window/win32_view.h"
 
@@ -26,7 +27,7 @@ class MainWindow final : public Win32View {
 
   HWND window() const override { return window_; }
   bool translate(MSG& message) override;
-  void serveDueTick() override { timer_.serveIfDue(window_); }
+  void serveDueTick() override;
 
   void attach(Form& form, ViewEvents& events) override;
   void detach() override;
@@ -52,7 +53,6 @@ class MainWindow final : public Win32View {
   std::pair<std::int32_t, std::int32_t> position() override;
 
  private:
-  static constexpr int statusParts = 3;
   static constexpr UINT restyleMessage = WM_APP + 1, nameMessage = WM_APP + 2;
 
   // Creation.
@@ -61,6 +61,7 @@ class MainWindow final : public Win32View {
   void readSettings();
   void writeSettings();
   RECT placeFromSettings() const;
+  bool comesBackMaximised() const;
 
   // What the form says.
   Control* control(std::u16string_view name) { return form_ != nullptr ? form_->find(name) : nullptr; }
@@ -73,9 +74,11 @@ class MainWindow final : public Win32View {
   void applyItems(const Control& control);
   void applyHeading(const Control& grid, std::u16string_view property);
   void applyTip(const Control& control, int id);
-  void setTip(int id, const std::u16string& tip);
+  void setTip(HWND window, const std::u16string& tip);
   void wantRestyle();
   void restyle();
+  void recolour();
+  void lookChanged(UINT message, WPARAM wide, LPARAM low);
   void dressPane();
   bool inputAllowed() const;
   void updateInput();
@@ -94,6 +97,7 @@ class MainWindow final : public Win32View {
   HBRUSH ground();
   void paintGround(HDC dc);
   bool onSplitter(POINT point) const;
+  void moveSplitter(int top);
 
   // Messages.
   static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wide, LPARAM low);
@@ -106,12 +110,13 @@ class MainWindow final : public Win32View {
   void buttonClicked(int id);
   void exchangeNotified(int code);
   void exchangePicked();
+  bool served(MSG& message);
   bool keyDown(WPARAM key);
+  bool systemKeyDown(WPARAM key);
   void contextMenu(HWND source, POINT place);
   void gridMenu(POINT place);
   void copySelected();
   void drawItem(const DRAWITEMSTRUCT& item);
-  void dragSplitter(int y);
   void densityChanged(int dpi, const RECT& place);
   void keepFocus();
   void giveFocusBack();
@@ -119,14 +124,14 @@ class MainWindow final : public Win32View {
   // Looking up.
   void openLookUp();
   void closeLookUp();
-  void lookUpNext();
+  void lookUpNext(LookUpWay way = LookUpWay::forwards);
 
   ViewTexts& texts_;
   platform::SettingsStore& settings_;
   Form* form_ = nullptr;
   ViewEvents* events_ = nullptr;
   HWND window_ = nullptr;
-  HWND tips_ = nullptr, status_ = nullptr, notice_ = nullptr;
+  HWND tips_ = nullptr, notice_ = nullptr;
   HWND exchangeBox_ = nullptr;
   std::size_t shownExchanges_ = 0;  // entries of the box
   std::map<const Control*, int> ids_;
@@ -134,6 +139,7 @@ class MainWindow final : public Win32View {
   Grid grid_;
   DetailPane pane_;
   LookUpBar lookUp_;
+  StatusLine status_;
   HelpPopup help_;
   Background background_;
   TickTimer timer_;
@@ -141,6 +147,7 @@ class MainWindow final : public Win32View {
   int dpi_ = 96;
   std::map<int, Font> fonts_;  // by the child's identifier
   Font font_, bold_;
+  LOGFONTW workstation_{};  // what the faces were made from
   std::array<bool, 2> lit_{};
   std::u16string noticeText_;
   NoticeKind noticeKind_ = NoticeKind::hint;

@@ -8,7 +8,8 @@
 namespace vordane::window::win32 {
 namespace {
 
-constexpr int statusPadding = 22, lookUpBarHeight = 38, paneLeft = 12, paneTop = 8;
+constexpr int lookUpBarHeight = 38, paneLeft = 12, paneTop = 8;
+constexpr int mostOfTheWindow = 3;  // a part of its height that the status line may take
 
 void put(HWND window, const RECT& place) {
   if (window == nullptr) return;
@@ -60,17 +61,14 @@ LayoutInput MainWindow::layoutInput() const {
       lookUp_.open() ? std::max(scaled(lookUpBarHeight, dpi_), in.textHeight + scaled(18, dpi_)) : 0;
   if (!noticeText_.empty() && grid_.size() > 0)
     in.noticeHeight = noticeBarHeight(noticeText_, in.width, font_.get(), dpi_);
-  RECT status{};
-  GetWindowRect(status_, &status);
-  in.statusHeight = height(status);
+  in.statusHeight = status_.heightFor(in.width, in.height / mostOfTheWindow);
   in.paneHeight = paneHeight_;
   return in;
 }
 
 // A restyling that is still to come places everything.
 void MainWindow::place() {
-  if (window_ == nullptr || status_ == nullptr || restyleWanted_ || IsIconic(window_)) return;
-  SendMessageW(status_, WM_SIZE, 0, 0);
+  if (window_ == nullptr || status_.window() == nullptr || restyleWanted_ || IsIconic(window_)) return;
   layout_ = arrange(layoutInput());
   const SIZE client = clientSize(window_);
   put(item(idExchangeLabel), layout_.exchangeLabel);
@@ -98,7 +96,8 @@ void MainWindow::place() {
   text.top = std::min(text.bottom, text.top + scaled(paneTop, dpi_));
   put(pane_.window(), text);
   placeNotice(layout_);
-  placeStatus();
+  status_.place(layout_.status);
+  setTip(status_.account(), status_.hiddenText());
   background_.changed();
   const RECT panel{0, 0, client.cx, layout_.grid.top};
   InvalidateRect(window_, &panel, TRUE);
@@ -131,21 +130,15 @@ void MainWindow::placeNotice(const Layout& layout) {
   ShowWindow(notice_, SW_SHOWNA);
 }
 
+// Its texts may want another number of lines now.
 void MainWindow::placeStatus() {
-  if (status_ == nullptr || restyleWanted_) return;
-  const int total = static_cast<int>(clientSize(window_).cx);
-  std::array<int, statusParts> ends{};
-  int right = total - scaled(16, dpi_);
-  ends[statusParts - 1] = -1;
-  for (int part = statusParts - 1; part > 0; --part) {
-    std::wstring words(LOWORD(SendMessageW(status_, SB_GETTEXTLENGTHW, static_cast<WPARAM>(part), 0)) + 1U,
-                       L'\0');
-    SendMessageW(status_, SB_GETTEXTW, static_cast<WPARAM>(part), reinterpret_cast<LPARAM>(words.data()));
-    const std::u16string text = fromWide(words.data(), words.size() - 1);
-    right -= textWidth(font_.get(), text) + scaled(statusPadding, dpi_);
-    ends[static_cast<std::size_t>(part) - 1] = std::max(right, scaled(40 * part, dpi_));
-  }
-  SendMessageW(status_, SB_SETPARTS, statusParts, reinterpret_cast<LPARAM>(ends.data()));
+  if (window_ == nullptr || restyleWanted_ || IsIconic(window_)) return;
+  const SIZE client = clientSize(window_);
+  const int wanted =
+      status_.heightFor(static_cast<int>(client.cx), static_cast<int>(client.cy) / mostOfTheWindow);
+  if (wanted != height(layout_.status)) return place();
+  status_.place(layout_.status);
+  setTip(status_.account(), status_.hiddenText());
 }
 
 // A picture takes the size of the panel it stands behind, so the form knows its own size and its panels'.
@@ -177,8 +170,12 @@ HBRUSH MainWindow::ground() {
 void MainWindow::paintGround(HDC dc) {
   RECT client;
   GetClientRect(window_, &client);
-  SetBrushOrgEx(dc, 0, 0, nullptr);
+  POINT corner{};  // a button that shows the ground in its corners lends its own surface, which begins
+                   // elsewhere
+  LPtoDP(dc, &corner, 1);
+  SetBrushOrgEx(dc, corner.x, corner.y, nullptr);
   FillRect(dc, &client, ground());
+  FillRect(dc, &layout_.status, GetSysColorBrush(COLOR_3DFACE));
   background_.drawPane(dc, layout_.pane, palette_);
   fillRect(dc, layout_.splitter, palette_.systemOnly ? palette_.text : RGB(214, 214, 214));
   const RECT edge{0, layout_.panel.bottom - 1, client.right, layout_.panel.bottom};
@@ -190,6 +187,12 @@ void MainWindow::paintGround(HDC dc) {
 
 bool MainWindow::onSplitter(POINT point) const {
   return PtInRect(&layout_.splitter, point) != FALSE;
+}
+
+void MainWindow::moveSplitter(int top) {
+  paneHeight_ = paneHeightFor(layoutInput(), top);
+  place();
+  UpdateWindow(window_);
 }
 
 }  // namespace vordane::window::win32

@@ -3,11 +3,10 @@
 
 #include <windowsx.h>
 
-#include <algorithm>
-#include <cstring>
-
 #include "platform/windows/window/accessible_name.h"
+#include "platform/windows/window/clipboard.h"
 #include "platform/windows/window/geometry.h"
+#include "platform/windows/window/guard.h"
 #include "platform/windows/window/main_window.h"
 #include "platform/windows/window/parts_paint.h"
 
@@ -21,21 +20,12 @@ bool controlHeld() {
   return GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0;
 }
 
-void toClipboard(HWND owner, const std::u16string& text) {
-  if (!OpenClipboard(owner)) return;
-  EmptyClipboard();
-  const std::size_t bytes = (text.size() + 1) * sizeof(char16_t);
-  if (HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, bytes)) {
-    std::memcpy(GlobalLock(memory), text.c_str(), bytes);
-    GlobalUnlock(memory);
-    if (SetClipboardData(CF_UNICODETEXT, memory) == nullptr) GlobalFree(memory);
-  }
-  CloseClipboard();
+LookUpWay wayOfShift() {
+  return GetKeyState(VK_SHIFT) < 0 ? LookUpWay::backwards : LookUpWay::forwards;
 }
 
 }  // namespace
 
-// Nothing may leave a window procedure but its answer: what fails in here leaves the window as it is.
 LRESULT CALLBACK MainWindow::procedure(HWND window, UINT message, WPARAM wide, LPARAM low) {
   if (message == WM_NCCREATE) {
     auto* made = static_cast<MainWindow*>(reinterpret_cast<CREATESTRUCTW*>(low)->lpCreateParams);
@@ -44,11 +34,9 @@ LRESULT CALLBACK MainWindow::procedure(HWND window, UINT message, WPARAM wide, L
   }
   auto* self = reinterpret_cast<MainWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
   if (self == nullptr || self->window_ != window) return DefWindowProcW(window, message, wide, low);
-  try {
-    return self->handle(message, wide, low);
-  } catch (const std::exception&) {
-    return 0;
-  }
+  LRESULT answer = 0;
+  guarded([&] { answer = self->handle(message, wide, low); });
+  return answer;
 }
 
 LRESULT MainWindow::handle(UINT message, WPARAM wide, LPARAM low) {
@@ -57,7 +45,7 @@ LRESULT MainWindow::handle(UINT message, WPARAM wide, LPARAM low) {
       place();
       return 0;
     case WM_GETMINMAXINFO:
-      if (status_ != nullptr && !restyleWanted_) {
+      if (status_.window() != nullptr && !restyleWanted_) {
         const SIZE least = smallestClient(layoutInput());
         RECT outer{0, 0, least.cx, least.cy};
         AdjustWindowRectExForDpi(&outer, WS_OVERLAPPEDWINDOW, FALSE, WS_EX_CONTROLPARENT,
@@ -76,8 +64,7 @@ LRESULT MainWindow::handle(UINT message, WPARAM wide, LPARAM low) {
     case WM_SETTINGCHANGE:
     case WM_SYSCOLORCHANGE:
     case WM_THEMECHANGED:
-      palette_ = currentPalette();
-      wantRestyle();
+      lookChanged(message, wide, low);
       return DefWindowProcW(window_, message, wide, low);
     case WM_ENDSESSION:
       if (wide != FALSE) writeSettings();
@@ -120,7 +107,7 @@ LRESULT MainWindow::handleInput(UINT message, WPARAM wide, LPARAM low) {
       if (draggingSplitter_) SetCapture(window_);
       return 0;
     case WM_MOUSEMOVE:
-      if (draggingSplitter_) dragSplitter(point.y);
+      if (draggingSplitter_) moveSplitter(point.y - scaled(2, dpi_));
       return 0;
     case WM_LBUTTONUP:
     case WM_CAPTURECHANGED:
@@ -139,6 +126,8 @@ LRESULT MainWindow::handleDrawing(UINT message, WPARAM wide, LPARAM low) {
       return 1;
     case WM_CTLCOLORSTATIC:
     case WM_CTLCOLORBTN: {
+      if (reinterpret_cast<HWND>(low) == status_.account())  // as the status bar that it stands on
+        return DefWindowProcW(window_, message, wide, low);
       const HDC dc = reinterpret_cast<HDC>(wide);
       RECT place;
       GetWindowRect(reinterpret_cast<HWND>(low), &place);
@@ -173,7 +162,7 @@ LRESULT MainWindow::handleDrawing(UINT message, WPARAM wide, LPARAM low) {
 
 LRESULT MainWindow::command(int id, int code) {
   if (!inputAllowed() || events_ == nullptr) return 0;
-  if (id == IDOK && GetFocus() == lookUp_.box()) lookUpNext();
+  if (id == IDOK && GetFocus() == lookUp_.box()) lookUpNext(wayOfShift());
   if (id == IDCANCEL && lookUp_.open()) closeLookUp();
   if (id == idExchange) exchangeNotified(code);
   const bool button = id >= idRequest && id <= idClose;
@@ -217,7 +206,8 @@ LRESULT MainWindow::notify(LPARAM low) {
 }
 
 void MainWindow::contextMenu(HWND source, POINT place) {
-  if (!inputAllowed() || source != grid_.window()) return;
+  if (!inputAllowed() || source != grid_.window() || grid_.isOnHeading(place)) return;
+  grid_.settleSelection();
   gridMenu(place.x == -1 && place.y == -1 ? grid_.menuPlace() : place);
 }
 
@@ -234,7 +224,12 @@ void MainWindow::gridMenu(POINT place) {
 }
 
 void MainWindow::copySelected() {
-  if (const ShownRow* row = grid_.selectedRow()) toClipboard(window_, copyText(row->fault));
+  const ShownRow* row = grid_.selectedRow();
+  if (row == nullptr) return;
+  const bool copied = putOnClipboard(window_, copyText(row->fault));
+  status_.remark(copied ? std::u16string{} : texts_.text(ViewText::clipboardHeld));
+  placeStatus();
+  if (!copied) MessageBeep(MB_ICONWARNING);
 }
 
 void MainWindow::drawItem(const DRAWITEMSTRUCT& item) {
@@ -248,12 +243,6 @@ void MainWindow::drawItem(const DRAWITEMSTRUCT& item) {
   const auto font = fonts_.find(id);
   const HFONT plain = font != fonts_.end() ? font->second.get() : font_.get();
   drawLamp({item.hDC, item.rcItem, lampWords(id == idMajor, lit), lit, plain, bold_.get(), dpi_}, palette_);
-}
-
-void MainWindow::dragSplitter(int y) {
-  paneHeight_ = paneHeightFor(layoutInput(), y - scaled(2, dpi_));
-  place();
-  UpdateWindow(window_);
 }
 
 void MainWindow::densityChanged(int dpi, const RECT& where) {
@@ -288,20 +277,30 @@ void MainWindow::closeLookUp() {
   SetFocus(grid_.window());
 }
 
-void MainWindow::lookUpNext() {
+void MainWindow::lookUpNext(LookUpWay way) {
   const std::u16string wanted = lookUp_.wanted();
   if (wanted.empty() || grid_.size() == 0) return openLookUp();
+  const bool back = way == LookUpWay::backwards;
   const auto from = grid_.selected();
-  const auto hit = events_->lookUp(wanted, from ? static_cast<std::ptrdiff_t>(*from) : -1);
+  const auto hit = events_->lookUp(wanted, from ? static_cast<std::ptrdiff_t>(*from) : -1, way);
   if (events_ == nullptr) return;  // the window went away meanwhile
-  const bool wrapped = hit && from && *hit <= *from;
+  const bool wrapped = hit && from && (back ? *hit >= *from : *hit <= *from);
   lookUp_.tell(!hit      ? texts_.text(ViewText::lookUpNotFound)
-               : wrapped ? texts_.text(ViewText::lookUpWrapped)
+               : wrapped ? texts_.text(back ? ViewText::lookUpWrappedBack : ViewText::lookUpWrapped)
                          : std::u16string{});
   if (hit) grid_.select(*hit);
 }
 
 bool MainWindow::translate(MSG& message) {
+  bool own = false;
+  return guarded([&] { own = served(message); }) ? own : true;
+}
+
+void MainWindow::serveDueTick() {
+  guarded([&] { timer_.serveIfDue(window_); });
+}
+
+bool MainWindow::served(MSG& message) {
   if (window_ == nullptr || (message.hwnd != window_ && !IsChild(window_, message.hwnd))) return false;
   if (message.message >= WM_MOUSEFIRST && message.message <= WM_MOUSELAST)
     SendMessageW(tips_, TTM_RELAYEVENT, 0, reinterpret_cast<LPARAM>(&message));
@@ -312,6 +311,7 @@ bool MainWindow::translate(MSG& message) {
   }
   if (!inputAllowed()) return false;  // the frame's own keys still work
   if (message.message == WM_KEYDOWN && keyDown(message.wParam)) return true;
+  if (message.message == WM_SYSKEYDOWN && systemKeyDown(message.wParam)) return true;
   return window_ != nullptr && IsDialogMessageW(window_, &message) != FALSE;
 }
 
@@ -327,11 +327,19 @@ bool MainWindow::keyDown(WPARAM key) {
     return true;
   }
   if (key == VK_F3) {
-    if (IsWindowEnabled(item(idLookUp))) lookUpNext();
+    if (IsWindowEnabled(item(idLookUp))) lookUpNext(wayOfShift());
     return true;
   }
   events_->keyPressed(static_cast<int>(key));
   return key == VK_F1;
+}
+
+// Alt with an arrow moves the splitter by a line, but for the drop-down, which opens with it.
+bool MainWindow::systemKeyDown(WPARAM key) {
+  if ((key != VK_UP && key != VK_DOWN) || GetFocus() == exchangeBox_) return false;
+  const int line = lineHeight(font_.get());
+  moveSplitter(static_cast<int>(layout_.splitter.top) + (key == VK_UP ? -line : line));
+  return true;
 }
 
 LRESULT MainWindow::childHeard(int id, UINT message, WPARAM wide, LPARAM low) {
@@ -339,12 +347,8 @@ LRESULT MainWindow::childHeard(int id, UINT message, WPARAM wide, LPARAM low) {
   if (pressed && inputAllowed() && events_ != nullptr) {
     for (const auto& [shown, childId] : ids_) {
       if (childId != id) continue;
-      try {
-        events_->mousePressed(const_cast<Control&>(*shown),
-                              message == WM_RBUTTONDOWN ? rightButton : leftButton);
-      } catch (const std::exception&) {
-        return 0;  // as in the window procedure
-      }
+      events_->mousePressed(const_cast<Control&>(*shown),
+                            message == WM_RBUTTONDOWN ? rightButton : leftButton);
       if (message == WM_RBUTTONDOWN) return 0;  // the text box's own menu would come on top
       break;
     }

@@ -99,7 +99,7 @@ void MainWindow::apply(Control& shown, int id) {
 
 void MainWindow::applyEnabled(const Control& shown, int id) {
   const HWND window = item(id);
-  const bool enabled = inputAllowed() && flagOf(shown, u"Enabled");
+  const bool enabled = (id == idGrid || inputAllowed()) && flagOf(shown, u"Enabled");
   if ((IsWindowEnabled(window) != FALSE) == enabled) return;
   const bool hadFocus = GetFocus() == window;
   EnableWindow(window, enabled);
@@ -115,7 +115,8 @@ void MainWindow::updateInput() {
   }
   for (const auto& [shown, id] : ids_) applyEnabled(*shown, id);
   lookUp_.enable(allowed);
-  EnableWindow(pane_.window(), allowed);
+  grid_.takeInput(allowed);
+  pane_.takeInput(allowed);
   if (allowed) giveFocusBack();
 }
 
@@ -143,15 +144,15 @@ void MainWindow::applyHeading(const Control& grid, std::u16string_view property)
 }
 
 void MainWindow::applyTip(const Control& shown, int id) {
-  setTip(id, textOf(shown, u"ToolTipText"));
+  setTip(item(id), textOf(shown, u"ToolTipText"));
 }
 
-void MainWindow::setTip(int id, const std::u16string& tip) {
+void MainWindow::setTip(HWND window, const std::u16string& tip) {
   TTTOOLINFOW tool{};
   tool.cbSize = sizeof tool;
   tool.uFlags = TTF_IDISHWND;  // it hears of the mouse from `translate`
   tool.hwnd = window_;
-  tool.uId = reinterpret_cast<UINT_PTR>(item(id));
+  tool.uId = reinterpret_cast<UINT_PTR>(window);
   tool.lpszText = const_cast<wchar_t*>(wide(tip));
   SendMessageW(tips_, TTM_DELTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
   if (!tip.empty()) SendMessageW(tips_, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
@@ -172,6 +173,7 @@ void MainWindow::wantRestyle() {
 
 void MainWindow::restyle() {
   restyleWanted_ = false;
+  workstation_ = workstationFont(dpi_);
   std::map<int, Font> fresh;
   for (const auto& [shown, id] : ids_) {
     if (id == idGrid) continue;
@@ -183,7 +185,8 @@ void MainWindow::restyle() {
   const FontChoice own = fontOf(&form_->self());
   Font plain = makeFont(own, dpi_);
   lookUp_.setFont(plain.get());
-  for (HWND window : {notice_, status_, tips_})
+  status_.setFont(plain.get(), dpi_);
+  for (HWND window : {notice_, tips_})
     SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(plain.get()), TRUE);
   font_ = std::move(plain);
   bold_ = makeFont(fontOf(control(u"lblMJ")), dpi_, FontStyle::bold);
@@ -195,6 +198,26 @@ void MainWindow::restyle() {
   place();
   showSelected();
   RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+}
+
+void MainWindow::recolour() {
+  grid_.setColours(palette_);
+  dressPane();
+  background_.changed();
+  RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+}
+
+// Most changes of the workstation's settings concern nothing that is drawn here.
+void MainWindow::lookChanged(UINT message, WPARAM wide, LPARAM low) {
+  if (message == WM_SYSCOLORCHANGE)  // only windows without a parent hear of it from the system
+    for (HWND window : {grid_.window(), ListView_GetHeader(grid_.window()), status_.window(), tips_,
+                        pane_.window(), exchangeBox_})
+      SendMessageW(window, message, wide, low);
+  const Palette colours = currentPalette();
+  const bool recoloured = !(colours == palette_);
+  palette_ = colours;
+  if (message == WM_THEMECHANGED || !sameFont(workstationFont(dpi_), workstation_)) return wantRestyle();
+  if (recoloured && !restyleWanted_) recolour();
 }
 
 std::u16string MainWindow::lampWords(bool major, bool lit) {

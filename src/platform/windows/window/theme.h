@@ -18,9 +18,14 @@ struct Palette {
   COLORREF mark, markText;          // marked data characters
   COLORREF lampLit, lampLitText, lampClear, lampClearText, lampFrame;
   COLORREF hint, hintText, failure, failureText, waiting, waitingText;  // the notice
+
+  bool operator==(const Palette&) const = default;
 };
 
 // Of the workstation as it is now; asked again whenever it tells of a change.
 Palette currentPalette();
+
+// Selection and hot rows of a list as the system's own lists have them, where themes are drawn.
+void drawAsExplorer(HWND list);
 
 }  // namespace vordane::window::win32

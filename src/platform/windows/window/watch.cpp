@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/windows/window/guard.h"
+
 namespace vordane::window::win32 {
 
 void Watch::start(HWND window, Hear hear) {
@@ -23,8 +25,12 @@ void Watch::stop() {
 
 LRESULT CALLBACK Watch::procedure(HWND window, UINT message, WPARAM wide, LPARAM low) {
   auto& watch = *reinterpret_cast<Watch*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-  if (message != WM_NCDESTROY) return watch.hear_(message, wide, low);
-  watch.stop();
+  if (message == WM_NCDESTROY) {
+    watch.stop();
+    return watch.pass(message, wide, low);
+  }
+  LRESULT answer = 0;
+  if (guarded([&] { answer = watch.hear_(message, wide, low); })) return answer;
   return watch.pass(message, wide, low);
 }
 

@@ -17,7 +17,7 @@ class Watch {
   Watch(const Watch&) = delete;
   Watch& operator=(const Watch&) = delete;
 
-  // From now until the window's end `hear` answers its messages; nothing may be thrown.
+  // From now until the window's end `hear` answers its messages; one it fails in the window answers itself.
   void start(HWND window, Hear hear);
   // The window's own answer.
   LRESULT pass(UINT message, WPARAM wide, LPARAM low) const;

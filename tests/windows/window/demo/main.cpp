@@ -61,11 +61,13 @@ class PrintingEvents : public ViewEvents {
                         u"The lamp shows the stored major alarm of the exchange chosen in the list. "
                         u"Request the list to bring it up to date.");
   }
-  std::optional<std::size_t> lookUp(std::u16string_view wanted, std::ptrdiff_t after) override {
-    say("look up " + text::toUtf8(wanted) + " after " + std::to_string(after));
+  std::optional<std::size_t> lookUp(std::u16string_view wanted, std::ptrdiff_t after,
+                                    LookUpWay way) override {
+    say("look up " + text::toUtf8(wanted) + " from " + std::to_string(after));
     const auto count = static_cast<std::ptrdiff_t>(rows_.size());
     for (std::ptrdiff_t n = 1; n <= std::min<std::ptrdiff_t>(count, 1000); ++n) {
-      const auto at = static_cast<std::size_t>((after + n) % count);
+      const bool back = way == LookUpWay::backwards;
+      const auto at = static_cast<std::size_t>((back ? after - n + 2 * count : after + n) % count);
       const auto row = rows_.row(at);
       if (row && row->description.find(wanted) != std::u16string::npos) return at;
     }
@@ -112,7 +114,8 @@ void fillExchanges(Form& form) {
 void showState(View& view, Form& form, const Options& options, FakeRows& rows) {
   view.setLamp(true, !options.empty);
   view.setLamp(false, false);
-  view.setStatus(0, accountOfList(options.language));
+  const std::u16string account = accountOfList(options.language);
+  view.setStatus(0, options.failure ? failureAccount(options.language) + u"\n" + account : account);
   view.setStatus(1, u"1,204 faults");
   view.setStatus(2, u"Processor texts: wide");
   view.setSortMark(2, true);

@@ -1,0 +1,141 @@
+#include "fault_list.h"
+
+#include <vector>
+
+#include "csv.h"
+#include "lines.h"
+#include "terminal_text.h"
+#include "text/numbers.h"
+#include "text/text.h"
+#include "text/utf8.h"
+
+namespace vordane::tools {
+namespace {
+
+using database::Recordset;
+using Form = ListOptions::Form;
+
+constexpr std::u16string_view exchanges = u"SELECT * FROM PBXList Order by [TimeStamp] Desc";
+constexpr std::u16string_view faultsOf = u"SELECT * FROM FaultDisplay WHERE ID = ";
+constexpr std::u16string_view newestFirst =
+    u" Order by [Date] Desc, [Count] Desc, [Fault] Desc, [Alarm] Desc, [CPU] Desc, [Description] Desc";
+
+struct Exchange {
+  std::int32_t id = 0;
+  std::u16string name, received;
+  bool major = false, minor = false;
+};
+
+std::u16string textOf(Recordset& rows, std::u16string_view column) {
+  const database::Value value = rows.get(column);
+  return automation::isNull(value) ? std::u16string{} : automation::toText(value);
+}
+
+bool flagOf(Recordset& rows, std::u16string_view column) {
+  const database::Value value = rows.get(column);
+  return !automation::isNull(value) && automation::toBoolean(value);
+}
+
+std::vector<Exchange> readExchanges(database::Database& database) {
+  std::vector<Exchange> found;
+  const auto rows = database.openRecordset(exchanges);
+  for (; !rows->atEnd(); rows->moveNext())
+    found.push_back({automation::toLong(rows->get(u"ID")), textOf(*rows, u"PBXName"),
+                     textOf(*rows, u"TimeStamp"), flagOf(*rows, u"MJ"), flagOf(*rows, u"MN")});
+  return found;
+}
+
+bool sameName(std::u16string_view a, std::u16string_view b) {
+  while (a.ends_with(u' ')) a.remove_suffix(1);
+  while (b.ends_with(u' ')) b.remove_suffix(1);
+  return text::equalIgnoringCase(a, b);
+}
+
+[[noreturn]] void noSuchExchange(const std::string& file, std::u16string_view name,
+                                 const std::vector<Exchange>& known) {
+  std::string message = file + ": there is no exchange \"" + onOneLine(name) + "\". ";
+  if (known.empty()) throw ToolError(message + "No exchange is stored there");
+  message += "Name one of those stored there:";
+  for (const Exchange& exchange : known)
+    message += (&exchange == known.data() ? " \"" : ", \"") + onOneLine(exchange.name) + '"';
+  throw ToolError(message);
+}
+
+// What a person reads of a description: its lines without the data trailer, in one.
+std::string words(std::u16string_view description) {
+  std::string result;
+  for (int line = 0; line < 2 && !description.empty(); ++line) {
+    const auto end = description.find(text::crlf);
+    const auto part = text::trim(description.substr(0, end));
+    if (!part.empty()) result += (result.empty() ? "" : " - ") + onOneLine(part);
+    description = end == description.npos ? std::u16string_view{} : description.substr(end + 2);
+  }
+  return result;
+}
+
+class Lister {
+ public:
+  Lister(database::Database& database, Form form, std::ostream& out)
+      : database_(database), form_(form), out_(out) {}
+
+  void list(const std::vector<Exchange>& chosen) {
+    if (form_ == Form::csv) out_ << "Exchange,Fault,Alarm,Date,CPU,Description,Count\r\n";
+    for (const Exchange& exchange : chosen) {
+      if (form_ == Form::lines) printExchange(exchange);
+      printFaults(exchange);
+    }
+    if (form_ == Form::count) out_ << count_ << '\n';
+  }
+
+ private:
+  void printExchange(const Exchange& exchange) {
+    const auto lamp = [](bool lit) { return lit ? "alarm" : "clear"; };
+    out_ << onOneLine(exchange.name) << ": list received " << onOneLine(exchange.received) << ", major "
+         << lamp(exchange.major) << ", minor " << lamp(exchange.minor) << '\n';
+  }
+
+  void printFaults(const Exchange& exchange) {
+    const auto rows = database_.openRecordset(std::u16string(faultsOf) + text::decimal(exchange.id) +
+                                              std::u16string(newestFirst));
+    for (; !rows->atEnd(); rows->moveNext()) {
+      ++count_;
+      if (form_ == Form::csv) printCsv(*rows, exchange.name);
+      if (form_ == Form::lines) printLine(*rows);
+    }
+  }
+
+  void printCsv(Recordset& row, const std::u16string& name) {
+    const auto field = [](std::u16string text) {
+      return csvQuoted(text::toUtf8(forSpreadsheet(std::move(text))));
+    };
+    out_ << field(name);
+    for (const auto column : {u"Fault", u"Alarm", u"Date", u"CPU", u"Description"})
+      out_ << ',' << field(textOf(row, column));
+    out_ << ',' << text::toUtf8(textOf(row, u"Count")) << "\r\n";
+  }
+
+  void printLine(Recordset& row) {
+    const auto field = [&](std::u16string_view column) { return onOneLine(textOf(row, column)); };
+    out_ << "  " << field(u"Count") << "  " << field(u"Date") << "  " << field(u"Alarm") << "  "
+         << field(u"CPU") << "  " << field(u"Fault") << "  " << words(textOf(row, u"Description")) << '\n';
+  }
+
+  database::Database& database_;
+  const Form form_;
+  std::ostream& out_;
+  std::int64_t count_ = 0;
+};
+
+}  // namespace
+
+void listFaults(database::Database& database, const std::string& file, const ListOptions& options,
+                std::ostream& out) {
+  const std::vector<Exchange> known = readExchanges(database);
+  std::vector<Exchange> chosen;
+  for (const Exchange& exchange : known)
+    if (!options.exchange || sameName(exchange.name, *options.exchange)) chosen.push_back(exchange);
+  if (options.exchange && chosen.empty()) noSuchExchange(file, *options.exchange, known);
+  Lister(database, options.form, out).list(chosen);
+}
+
+}  // namespace vordane::tools

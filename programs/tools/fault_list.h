@@ -1,0 +1,28 @@
+// The faults that a suite has stored, newest first, for a person, a spreadsheet or a script.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <ostream>
+#include <string>
+
+#include "platform/database.h"
+
+namespace vordane::tools {
+
+struct ListOptions {
+  // `lines`: an exchange's line, then its faults, each one line; what a name or text may do to a terminal is
+  // shown instead (terminal_text.h). `csv`: every column, lines that end with CR LF, texts that a spreadsheet
+  // would run made harmless (csv.h). `count`: the number of faults alone.
+  enum class Form : std::uint8_t { lines, csv, count };
+  Form form = Form::lines;
+  std::optional<std::u16string> exchange;  // nothing: all of them
+};
+
+// `file` is the database's name for messages. An exchange's name ignores case and blanks behind it, as
+// everywhere in the suite. Throws ToolError when there is no such exchange, before anything is written, and
+// DatabaseError.
+void listFaults(database::Database& database, const std::string& file, const ListOptions& options,
+                std::ostream& out);
+
+}  // namespace vordane::tools

@@ -1,0 +1,79 @@
+// A host, its PBX access, an exchange server and answered records, all of one mind: each call is answered
+// with whatever the generator wants, and on the way calls back, gives objects away or dies.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "hostile/whims.h"
+#include "platform/automation.h"
+
+namespace vordane::hostile {
+
+class Peer;
+
+// What all peers of a round share.
+class Conspiracy {
+ public:
+  // `calls` is counted up with each call that is answered.
+  Conspiracy(std::uint64_t seed, std::uint64_t& calls) : whims(seed), calls_(calls) {}
+  Conspiracy(const Conspiracy&) = delete;
+  Conspiracy& operator=(const Conspiracy&) = delete;
+
+  // The answer to a call; `good` is what a good peer would say.
+  automation::Value answer(const std::function<automation::Value()>& good,
+                           std::span<automation::Argument> arguments);
+  automation::ObjectRef anyObject();
+  std::shared_ptr<Peer> makePeer();
+  // An answered record: mostly a good one with one thing wrong.
+  automation::ObjectRef makeRecord();
+
+  // Runs something against the add-in from inside a call.
+  std::function<void()> meddle;
+  // Is told of each request that was accepted.
+  std::function<void(const automation::ObjectRef& request)> accepted;
+
+  bool honest = false;      // nothing is wrong with these peers
+  bool longAnswers = true;  // there may be some of all the entries that can be counted
+
+  Whims whims;
+  bool dead = false;                        // the peers' process is gone
+  automation::ObjectRef caller;             // the window, as Login lent it
+  std::vector<automation::ObjectRef> sent;  // the add-in's own request records
+  std::vector<automation::ObjectRef> late;  // answers for later
+  automation::ObjectRef server;             // the exchange server that hosts lend; null: one of these peers
+  std::string told;  // to honest peers, a sign for each call of a conversation (signOf)
+
+ private:
+  std::uint64_t& calls_;
+  int depth_ = 0;
+};
+
+// L Login, m ShowMessage, S SendRequest, + TurnOnFlow, c ShowCode, O LogOut, - TurnOffFlow; nothing for
+// others.
+std::string signOf(std::u16string_view member);
+
+// Any of them: it has every member that hosts, accesses, exchange servers and records have.
+class Peer : public automation::Object {
+ public:
+  explicit Peer(Conspiracy& conspiracy) : conspiracy_(conspiracy) {}
+  automation::Value invoke(std::u16string_view member, automation::CallKind kind,
+                           std::span<automation::Argument> arguments) override;
+  bool hasMember(std::u16string_view) const override;
+
+  // Of a record: what a good one says.
+  std::int32_t count = 0, errCode = 0;
+  std::u16string tag, loginId, message;
+
+ private:
+  automation::Value good(std::u16string_view member, std::span<automation::Argument> arguments);
+  automation::Value entry(std::u16string_view member);
+  automation::Value honestEntry(std::u16string_view member, std::span<automation::Argument> arguments) const;
+  Conspiracy& conspiracy_;
+  int reads_ = 0;
+  std::shared_ptr<Peer> pbx_, access_;
+};
+
+}  // namespace vordane::hostile

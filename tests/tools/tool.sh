@@ -1,0 +1,58 @@
+#!/bin/bash
+# What vordane-tools says to a person: help, versions, mistakes, missing files. Arguments: the program, then its
+# version. A Windows program is started under Wine.
+set -u
+tool=("$1") version=$2
+case "$1" in *.exe) tool=(wine "$1") ;; esac
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+failed=0
+
+# run CODE ARGUMENT ...: runs it and compares the exit code; what it wrote stands in $work/out and $work/errors.
+run() {
+  local expected=$1 code=0
+  shift
+  "${tool[@]}" "$@" > "$work/out.raw" 2> "$work/errors.raw" < /dev/null || code=$?
+  tr -d '\r' < "$work/out.raw" > "$work/out"
+  tr -d '\r' < "$work/errors.raw" > "$work/errors"
+  [ "$code" = "$expected" ] || { echo "FAILED: '$*' ends with $code, not $expected"; cat "$work/out" "$work/errors"; failed=1; }
+}
+says() { grep -qF -- "$2" "$work/$1" || { echo "FAILED: '$2' is not in:"; cat "$work/$1"; failed=1; }; }
+silent() { [ ! -s "$work/$1" ] || { echo "FAILED: not silent:"; cat "$work/$1"; failed=1; }; }
+
+for help in --help -h; do
+  run 0 $help; silent errors; says out 'usage: vordane-tools COMMAND'; says out 'vordane-tools language build [--common]'
+done
+run 0 --version; silent errors
+[ "$(cat "$work/out")" = "vordane-tools $version" ] || { echo "FAILED: the version is $(cat "$work/out")"; failed=1; }
+for command in decode doctor language export import list suite; do
+  run 0 $command --help; silent errors; says out "usage: vordane-tools $command "
+done
+run 0 export --help; says out 'vordane-tools export FILE.LNG --texts DIR'; says out 'hold every value as it stands'; says out '--spreadsheet'
+
+run 2; silent out; says errors 'a command is missing'
+run 2 lst; silent out; says errors 'there is no command lst'
+run 2 list; silent out; says errors 'the fault database is missing'; says errors 'usage: vordane-tools list FAULT.MDB'
+run 2 list x --csv --count; silent out; says errors '--csv and --count exclude each other'
+run 2 list x --exchange; says errors '--exchange needs the name'
+run 2 list x y; says errors 'one database at a time: x or y'
+run 2 list x --cvs; says errors 'unknown option --cvs'
+run 2 doctor; says errors 'vordane-tools doctor: the version directory'
+run 2 import a b; says errors 'usage: vordane-tools import SUITE_DIR'
+run 2 language; says errors 'vordane-tools language check FOLDER'
+run 2 language chek x; says errors 'does not know chek'
+run 2 export x; says errors 'vordane-tools export FILE --csv DIR'
+run 2 suite x --language; says errors '--language needs a value'
+run 2 suite; says errors 'the directory of the suite is missing'
+
+none=none.mdb
+run 1 list $none; silent out; says errors "$none: there is no such file. Check the path"
+run 1 export $none --csv "$work/csv"; says errors "$none: there is no such file. Check the path"
+run 1 import no-such-folder; silent out; says errors 'no-such-folder: there is no such directory. Name the version directory'
+run 1 doctor no-such-folder; silent out; says errors 'no-such-folder: there is no such directory'
+echo 'no database' > "$work/text.mdb"
+cd "$work" || exit 1
+run 1 list text.mdb; says errors 'text.mdb: this is no database. Name a database'
+run 1 export text.mdb --csv csv; says errors 'text.mdb: this is no database'
+run 1 decode --messages none.tsv; says errors "none.tsv: can't be opened. Check the path"
+exit $failed

@@ -1,0 +1,6 @@
+// A program that loads a library by its bare name, as one must not.
+#include <windows.h>
+
+int main() {
+  return LoadLibraryW(L"uxtheme.dll") == nullptr;
+}
