@@ -4,6 +4,7 @@
 #include <map>
 #include <system_error>
 
+#include "doctor_paths.h"
 #include "language/form_controls.h"
 #include "language/row_values.h"
 #include "language_check.h"
@@ -355,16 +356,22 @@ std::vector<Finding> examineWorkstation(const SuiteLayout& layout, const Worksta
     findings.push_back(
         {Weight::fatal, nameOf(layout.root) + ": the version directory must have a name of five characters"});
   const auto path = workstation.setting(version, u"InstallPath");
+  const bool elsewhere = path && *path != u"NONE" && !samePlace(fs::path(*path), layout.root);
   if (!path || *path == u"NONE")
     findings.push_back({Weight::incomplete, "the setting InstallPath of version " + text::toUtf8(version) +
                                                 " is missing: the program looks below its own directory"});
-  else if (!samePlace(fs::path(*path), layout.root))
+  else if (elsewhere)
     findings.push_back(
         {Weight::fatal, "the setting InstallPath leads to " + text::toUtf8(*path) + ", not to this suite"});
   if (!workstation.setting(version, u"QUILMAR32"))
     findings.push_back(
         {Weight::incomplete,
          "the setting QUILMAR32 is missing: options and logs of scheduled jobs are not found"});
+  if (!elsewhere) {
+    fs::path directory = fs::absolute(layout.program()).parent_path();
+    for (Finding& finding : examinePaths(layout, toText(directory.make_preferred()), workstation))
+      findings.push_back(std::move(finding));
+  }
   const auto zul = workstation.setting(version, u"ZUL");
   if (!zul)
     findings.push_back({Weight::incomplete,

@@ -44,6 +44,8 @@ struct Workstation {
   std::function<std::optional<std::u16string>(std::u16string_view section, std::u16string_view key)> setting;
   std::function<std::optional<RegisteredClass>(std::u16string_view progId)> registered;
   std::function<std::vector<guard::Finding>(std::u16string_view program)> whoMayReplace;
+  // Whether a file of that path is there, as the program itself asks; none where paths are of another shape.
+  std::function<bool(std::u16string_view path)> exists = {};
 };
 // Nothing where there is no registry.
 std::optional<Workstation> thisWorkstation();

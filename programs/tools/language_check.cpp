@@ -173,17 +173,39 @@ class Checker {
     return text::upper(caption[mark + 1]);
   }
 
+  // The keys of one window, each with what it opens.
+  using Keys = std::map<char16_t, std::string>;
+
+  void takeKey(Keys& keys, const SourceRow& row, const std::string& owner) {
+    const char16_t key = accessKey(row.fields[1]);
+    if (key == 0) return;
+    const auto [before, fresh] = keys.emplace(key, owner);
+    if (!fresh) complain(row, "the access key " + inQuotes({&key, 1}) + " is that of " + before->second);
+  }
+
   void accessKeys() {
-    std::map<char16_t, const SourceRow*> keys;
-    for (const SourceRow& row : source_.controls) {
-      if (typeOf(row.fields[0]) == u"Menu") continue;
-      const char16_t key = accessKey(row.fields[1]);
-      if (key == 0) continue;
-      const auto [before, fresh] = keys.emplace(key, &row);
-      if (!fresh)
-        complain(row, "the access key " + inQuotes({&key, 1}) + " is that of " +
-                          toUtf8(before->second->fields[0]));
-    }
+    Keys window, paneMenu;
+    for (const SourceRow& row : source_.controls)
+      if (typeOf(row.fields[0]) != u"Menu") takeKey(window, row, toUtf8(row.fields[0]));
+    for (const SourceRow& row : source_.messages)
+      if (const auto id = text::parseInteger(row.fields[0])) messageKey(window, paneMenu, row, *id);
+  }
+
+  // Some messages are captions: of the main window's controls, or of the menu over the pane.
+  void messageKey(Keys& window, Keys& paneMenu, const SourceRow& row, std::int32_t id) {
+    const auto isOneOf = [id](const auto& numbers) {
+      return std::any_of(numbers.begin(), numbers.end(),
+                         [id](std::size_t number) { return static_cast<std::int32_t>(number) == id; });
+    };
+    const std::string owner = "message " + std::to_string(id);
+    if (isOneOf(message::windowKeys)) return needKey(window, row, owner);
+    if (isOneOf(message::paneMenuKeys)) return needKey(paneMenu, row, owner);
+    if (accessKey(row.fields[1]) != 0) complain(row, owner + " is no caption: it takes no access key");
+  }
+
+  void needKey(Keys& keys, const SourceRow& row, const std::string& owner) {
+    if (accessKey(row.fields[1]) == 0) complain(row, owner + " has no access key");
+    takeKey(keys, row, owner);
   }
 
   void headings() {

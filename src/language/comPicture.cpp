@@ -68,7 +68,14 @@ class HiddenBase {
   window::Control* base_;
 };
 
-void place(window::Control& control, window::Control& base, const std::u16string& path) {
+// What an unreadable picture ends: its control has been found, and moved where it would stand.
+const std::u16string& loaded(const Decoration& decoration, const std::u16string& path) {
+  if (!decoration.loader.readable(path)) throw window::PropertyError(u"not a picture: " + path);
+  return path;
+}
+
+void place(const Decoration& decoration, window::Control& control, window::Control& base,
+           const std::u16string& path) {
   const std::int32_t width = base.number(u"Width");
   const std::int32_t height = base.number(u"Height");
   HiddenBase hidden(base);
@@ -76,7 +83,7 @@ void place(window::Control& control, window::Control& base, const std::u16string
   control.set(u"Top", std::int32_t{0});
   control.set(u"Width", width);
   control.set(u"Height", height);
-  control.set(u"Picture", path);
+  control.set(u"Picture", loaded(decoration, path));
   hidden.show();
 }
 
@@ -84,11 +91,10 @@ void decorate(const Decoration& decoration, database::Recordset& row) {
   window::Control& control = language::controlOf(decoration.form, row);
   const std::u16string path = pictureFile(decoration, textOf(row.get(u"FileName")));
   if (path.empty()) return;
-  if (!decoration.loader.readable(path)) throw window::PropertyError(u"not a picture: " + path);
   if (takesBackground(control))
-    control.set(u"PictureBackground", path);
+    control.set(u"PictureBackground", loaded(decoration, path));
   else
-    place(control, baseOf(decoration, row), path);
+    place(decoration, control, baseOf(decoration, row), path);
 }
 
 }  // namespace

@@ -25,16 +25,15 @@ inline constexpr std::size_t firstOwn = 165;
 constexpr bool isUnused(std::size_t number) {
   return (number >= 10 && number <= 13) || number == 52 || (number >= 91 && number <= 100) ||
          (number >= 102 && number <= 105) || number == 116 || number == 117 ||
-         (number >= 151 && number <= 159);
+         (number >= 151 && number <= 159) || number == 169 || number == 170 || number == 181 ||
+         number == 182 || number == 187 || number == 213 || number == 222 || number == 223;
 }
 
-// Lamps and severity, in words.
+// Lamps, in words.
 inline constexpr std::size_t lampMajorAlarm = 165;  // "MAJOR: alarm"
 inline constexpr std::size_t lampMajorClear = 166;
 inline constexpr std::size_t lampMinorAlarm = 167;
 inline constexpr std::size_t lampMinorClear = 168;
-inline constexpr std::size_t severityMajor = 169;  // one word beside the class "MJ"
-inline constexpr std::size_t severityMinor = 170;
 
 // Status line. The account: {1} time, {2} received, {3} new, {4} already stored, {5} refused, {6} exchange.
 inline constexpr std::size_t statusNoList = 171;
@@ -42,21 +41,18 @@ inline constexpr std::size_t statusListComplete = 172;
 inline constexpr std::size_t statusListIncomplete = 173;
 inline constexpr std::size_t statusAttemptFailed =
     174;  // {1} time, {2} reason, {3} exchange; what came last follows
-inline constexpr std::size_t statusFaultCount = 175;  // {1} number of faults shown
-inline constexpr std::size_t statusWide = 176;        // processor texts wide
-inline constexpr std::size_t statusNarrow = 177;
+inline constexpr std::size_t statusFaultCount = 175;       // {1} number of faults shown
+inline constexpr std::size_t statusWide = 176;             // module numbers of 8 bits
+inline constexpr std::size_t statusNarrow = 177;           // of 6 bits
 inline constexpr std::size_t statusTextsIncomplete = 178;  // a loader stopped; {1} the tables
 inline constexpr std::size_t statusNetworkDrive = 179;     // the database lies where writing is slower
 inline constexpr std::size_t runOtherKind = 180;           // of a scheduled job that is not run here
-inline constexpr std::size_t statusReady = 181;
-inline constexpr std::size_t statusPrinted = 182;
 inline constexpr std::size_t noticeDeleting = 183;
 
 // In the place of an empty grid. {1} is the exchange.
 inline constexpr std::size_t noticeNoExchange = 184;  // nothing stored, nothing registered
 inline constexpr std::size_t noticeFirstList = 185;   // what to press to fetch the first list
 inline constexpr std::size_t noticeNoFaults = 186;    // a list came and nothing is stored
-inline constexpr std::size_t noticeLoggingIn = 187;
 inline constexpr std::size_t noticeWaitingList = 188;
 inline constexpr std::size_t noticeWaitingAlarms = 189;
 inline constexpr std::size_t noticeWaitingReset = 190;
@@ -87,20 +83,17 @@ inline constexpr std::size_t runListComplete = 210;  // {1} received, {2} new, {
 inline constexpr std::size_t runListIncomplete = 211;
 inline constexpr std::size_t runListFailed = 212;  // {1} reason
 
-// Look-up dialog.
-inline constexpr std::size_t lookUpTitle = 213;
+// The bar that finds a text in the shown faults.
 inline constexpr std::size_t lookUpLabel = 214;  // with access key
-inline constexpr std::size_t lookUpNext = 215;
+inline constexpr std::size_t lookUpNext = 215;   // with access key
 inline constexpr std::size_t lookUpClose = 216;
-inline constexpr std::size_t lookUpNotFound = 217;  // {1} the text
+inline constexpr std::size_t lookUpNotFound = 217;  // the text itself stands in the bar beside it
 inline constexpr std::size_t lookUpWrapped = 218;   // went on from the top
 
 // Names and hints for what has no caption.
-inline constexpr std::size_t paneName = 219;   // the pane with the whole fault
-inline constexpr std::size_t paneEmpty = 220;  // no fault selected
-inline constexpr std::size_t menuCopy = 221;   // with access key
-inline constexpr std::size_t sortedAscending = 222;
-inline constexpr std::size_t sortedDescending = 223;
+inline constexpr std::size_t paneName = 219;    // the pane with the whole fault
+inline constexpr std::size_t paneEmpty = 220;   // no fault selected
+inline constexpr std::size_t menuCopy = 221;    // with access key
 inline constexpr std::size_t noHelpText = 224;  // a control without a help text
 
 // What came before this start, as the status line's account.
@@ -125,6 +118,10 @@ inline constexpr std::size_t noticeReadingOf = 235;
 inline constexpr std::size_t noticeDeletingOf = 236;
 
 inline constexpr std::size_t count = 237;  // of all texts
+
+// The texts with an access key. Within one window, captions of controls included, a key opens one thing.
+inline constexpr std::array windowKeys{lookUpLabel, lookUpNext};
+inline constexpr std::array paneMenuKeys{menuCopy};
 
 }  // namespace vordane::message
 

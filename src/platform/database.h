@@ -1,5 +1,5 @@
 // The database as the system uses it: statements as text, recordsets, fields by name. Implemented by the
-// embedded engine (platform/sqlite) and by DAO (platform/windows/dao); both pass tests/database's
+// embedded engine (platform/sqlite) and by DAO (platform/dao); both pass tests/database's
 // contract. One thread; every failure is a DatabaseError, after which the database is as before the step.
 #pragma once
 
@@ -95,6 +95,9 @@ class Database {
   // the engine doesn't know how much there is to do.
   using Progress = std::function<void(std::size_t done, std::size_t of)>;
   virtual void setProgress(Progress progress) = 0;
+
+  // The file lies on a network drive, where storing takes longer.
+  virtual bool isOnNetwork() const { return false; }
 
   // Lets go of the file before this object goes, as soon as no recordset or row list of it is left; a step
   // that still waits further down the stack finds the object, and an error (3420). Closing again does

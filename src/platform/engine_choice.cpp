@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <thread>
 #include <utility>
 
 namespace vordane::database {
@@ -13,14 +14,15 @@ using namespace std::string_view_literals;
 
 constexpr int fileNotFound = 3024;
 constexpr int unrecognisedFormat = 3343;
+constexpr int locked = 3260;
 
 class EngineChoice : public Engine {
  public:
-  EngineChoice(std::unique_ptr<Engine> access, std::unique_ptr<Engine> embedded)
-      : access_(std::move(access)), embedded_(std::move(embedded)) {}
+  EngineChoice(std::unique_ptr<Engine> access, std::unique_ptr<Engine> embedded, Held held)
+      : access_(std::move(access)), embedded_(std::move(embedded)), held_(std::move(held)) {}
 
   std::unique_ptr<Database> open(std::u16string_view path, bool readOnly) override {
-    switch (fileKind(path)) {
+    switch (kindOf(path)) {
       case FileKind::access:
         return access_->open(path, readOnly);
       case FileKind::embedded:
@@ -34,8 +36,20 @@ class EngineChoice : public Engine {
   }
 
  private:
+  FileKind kindOf(std::u16string_view path) const {
+    const auto end = std::chrono::steady_clock::now() + held_.wait;
+    for (;;) {
+      const FileKind kind = fileKind(path);
+      if (kind != FileKind::unknown || !held_.isHeld || !held_.isHeld(path)) return kind;
+      if (std::chrono::steady_clock::now() >= end)
+        throw DatabaseError(locked, u"The database is locked by another process.");
+      std::this_thread::sleep_for(held_.wait / 50);
+    }
+  }
+
   std::unique_ptr<Engine> access_;
   std::unique_ptr<Engine> embedded_;
+  Held held_;
 };
 
 }  // namespace
@@ -54,8 +68,9 @@ FileKind fileKind(std::u16string_view path) {
   return FileKind::unknown;
 }
 
-std::unique_ptr<Engine> makeEngineChoice(std::unique_ptr<Engine> access, std::unique_ptr<Engine> embedded) {
-  return std::make_unique<EngineChoice>(std::move(access), std::move(embedded));
+std::unique_ptr<Engine> makeEngineChoice(std::unique_ptr<Engine> access, std::unique_ptr<Engine> embedded,
+                                         Held held) {
+  return std::make_unique<EngineChoice>(std::move(access), std::move(embedded), std::move(held));
 }
 
 }  // namespace vordane::database

@@ -2,6 +2,8 @@
 // engine, an embedded one to the embedded engine; anything else is refused.
 #pragma once
 
+#include <chrono>
+#include <functional>
 #include <memory>
 #include <string_view>
 
@@ -13,7 +15,16 @@ enum class FileKind { missing, access, embedded, unknown };
 
 FileKind fileKind(std::u16string_view path);
 
-// Opens with one of the two, or throws DatabaseError: 3024 without the file, 3343 for a file of neither kind.
-std::unique_ptr<Engine> makeEngineChoice(std::unique_ptr<Engine> access, std::unique_ptr<Engine> embedded);
+// Whether somebody else holds a file so that nobody can look into it, as Access does while it repairs one and
+// a virus scanner while it looks, and how long to wait for them. Without `isHeld` no file ever is.
+struct Held {
+  std::function<bool(std::u16string_view path)> isHeld = {};
+  std::chrono::milliseconds wait{5000};
+};
+
+// Opens with one of the two, or throws DatabaseError: 3024 without the file, 3343 for a file of neither kind,
+// 3260 for one that somebody else still holds when the wait is over.
+std::unique_ptr<Engine> makeEngineChoice(std::unique_ptr<Engine> access, std::unique_ptr<Engine> embedded,
+                                         Held held = {});
 
 }  // namespace vordane::database

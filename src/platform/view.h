@@ -15,7 +15,7 @@ namespace vordane::window {
 // One fault as the grid shows it.
 struct GridRow {
   std::u16string fault, alarm, date, cpu, description;
-  std::int32_t count = 0;
+  std::int64_t count = 0;
 };
 
 // The rows behind the virtual grid; the view fetches what it shows and keeps nothing.

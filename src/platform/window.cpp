@@ -31,9 +31,13 @@ Control::Control(std::u16string name, int index, std::u16string typeName,
       properties_(std::move(properties)) {}
 
 std::map<std::u16string, Value>::const_iterator Control::find(std::u16string_view name) const {
-  const std::u16string_view property = fullName(name);
-  return std::find_if(properties_.begin(), properties_.end(),
-                      [&](const auto& entry) { return text::equalIgnoringCase(entry.first, property); });
+  const auto named = [&](std::u16string_view property) {
+    return std::find_if(properties_.begin(), properties_.end(),
+                        [&](const auto& entry) { return text::equalIgnoringCase(entry.first, property); });
+  };
+  // A type may have the short name as a property of its own.
+  const auto found = named(name);
+  return found != properties_.end() ? found : named(fullName(name));
 }
 
 bool Control::has(std::u16string_view property) const {

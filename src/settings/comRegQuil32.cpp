@@ -2,6 +2,7 @@
 
 #include <array>
 #include <optional>
+#include <utility>
 
 #include "text/text.h"
 
@@ -88,7 +89,7 @@ std::u16string productDirectory(const Lookup& lookup, std::u16string_view item) 
 std::u16string GetSuiteVersion(const Installation& installation, std::u16string_view product) {
   // ...QUILMAR32\vvvvv\PRODUCT: the positions are fixed, since a version always has five characters.
   const std::u16string name = text::toUpper(product);
-  const std::u16string directory = text::toUpper(installation.runningDirectory);
+  const std::u16string directory = text::toUpperPath(installation.runningDirectory);
   const std::u16string_view end = text::right(directory, 16 + name.size());
   if (middle(end, 1, 9) != suite || middle(end, 17, name.size()) != name) return std::u16string(none);
   return std::u16string(middle(end, 11, 5));
@@ -99,8 +100,16 @@ std::u16string GetInstallPath(const Installation& installation, std::u16string_v
   const Lookup lookup = lookupFor(installation, product);
   const std::u16string wanted = text::toUpper(item);
   for (const FixedItem& fixed : fixedItems)
-    if (fixed.item == wanted) return text::toUpper(fixedDirectory(lookup, fixed));
-  return text::toUpper(productDirectory(lookup, wanted));
+    if (fixed.item == wanted) return text::toUpperPath(fixedDirectory(lookup, fixed));
+  return text::toUpperPath(productDirectory(lookup, wanted));
+}
+
+std::u16string SuiteDirectory(const Installation& installation) {
+  const Lookup lookup = lookupFor(installation, u"ADDINS");
+  if (auto stored = readSetting(installation, lookup.application, lookup.section, u"InstallPath"))
+    return std::move(*stored);
+  const std::u16string& running = installation.runningDirectory;
+  return lookup.section == none ? running : running.substr(0, running.rfind(u'\\'));
 }
 
 bool RegisterVersion(const Installation& installation, database::Engine& engine, std::u16string_view product,

@@ -18,9 +18,15 @@ struct Installation {
 // The five-character version text taken from the running directory, or "NONE".
 std::u16string GetSuiteVersion(const Installation& installation, std::u16string_view product);
 
-// An upper-case directory ending in "\". Never fails: missing settings fall back to the running directory.
+// A directory ending in "\", upper-case but for letters whose capital names another directory. Never fails:
+// missing settings fall back to the running directory.
 std::u16string GetInstallPath(const Installation& installation, std::u16string_view product,
                               std::u16string_view item);
+
+// The suite's install directory of the running version: the one that the settings name, else the one above
+// the add-ins that the program runs in. Outside a suite, and without a setting, it is the program's own
+// directory.
+std::u16string SuiteDirectory(const Installation& installation);
 
 // Writes `version` into the row of Register.mdb whose AppName is `application`. True when done, also when
 // there is no such row; false when the database or the table is missing.

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "language/help_files.h"
 #include "language/message_numbers.h"
 #include "pbx/cListRequest.h"
 #include "pbx/cSLVRequest.h"
@@ -33,6 +34,11 @@ dlgFaultDisplay& Application::form() {
 
 std::u16string Application::installPath(std::u16string_view item) const {
   return comRegQuil32::GetInstallPath(installation_, u"Addins", item);
+}
+
+std::optional<std::u16string> Application::helpDocument(std::u16string_view boxHelp) const {
+  return language::openableHelp(boxHelp, installation_.runningDirectory,
+                                comRegQuil32::SuiteDirectory(installation_));
 }
 
 bool Application::unattended() {

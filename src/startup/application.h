@@ -66,6 +66,9 @@ class Application final : public platform::CallQuestions {
 
   comLanguage::ProjectTexts texts;  // the application object's title and waiting texts
   std::u16string helpFile;
+  // What a person who asks a box for help is shown: the document of the box's help file, when it is one of
+  // the suite's. Nothing counts as a help file that is missing.
+  std::optional<std::u16string> helpDocument(std::u16string_view boxHelp) const;
   std::unique_ptr<database::Database> CommonLangDB, LangDB;
 
  private:

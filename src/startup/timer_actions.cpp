@@ -187,6 +187,8 @@ void dlgFaultDisplay::showStatus() {
   if (!attemptLine_.empty()) line = attemptLine_ + u" " + line;
   if (quiet && !textsIncomplete_.empty())
     line = fillText(messageText(state(), message::statusTextsIncomplete), {textsIncomplete_});
+  if (quiet && faultDatabase_ && faultDatabase_->isOnNetwork())
+    line = messageText(state(), message::statusNetworkDrive) + u" " + line;
   view().setStatus(window::accountPart, line);
 }
 

@@ -17,6 +17,9 @@ constexpr Pair upperPairs[] = {
 constexpr Pair lowerPairs[] = {
 #include "text/lower_pairs.inc"
 };
+constexpr Pair pathPairs[] = {
+#include "text/path_pairs.inc"
+};
 
 // One entry for each UTF-16 code unit: a look-up is one read.
 class CaseTable {
@@ -41,6 +44,11 @@ char16_t lower(char16_t character) {
 
 char16_t upper(char16_t character) {
   static const CaseTable table(upperPairs);
+  return table[character];
+}
+
+char16_t upperInPath(char16_t character) {
+  static const CaseTable table(pathPairs);
   return table[character];
 }
 

@@ -56,6 +56,12 @@ std::u16string toUpper(std::u16string_view text) {
   return result;
 }
 
+std::u16string toUpperPath(std::u16string_view path) {
+  std::u16string result(path);
+  std::transform(result.begin(), result.end(), result.begin(), upperInPath);
+  return result;
+}
+
 bool equalIgnoringCase(std::u16string_view a, std::u16string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                     [](char16_t x, char16_t y) { return x == y || lower(x) == lower(y); });

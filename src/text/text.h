@@ -36,6 +36,11 @@ char16_t upper(char16_t character);
 std::u16string toLower(std::u16string_view text);
 std::u16string toUpper(std::u16string_view text);
 
+// The same for paths: only letters whose capital names the same file. File systems keep a dotless i and an i
+// apart, and the capitals that are newer than their tables (the Georgian ones), so those letters stay.
+char16_t upperInPath(char16_t character);
+std::u16string toUpperPath(std::u16string_view path);
+
 // Equal without regard to case: the rule of names (members, controls, properties, pictures).
 bool equalIgnoringCase(std::u16string_view a, std::u16string_view b);
 

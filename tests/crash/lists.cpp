@@ -71,7 +71,8 @@ std::vector<std::string> toArguments(const Order& order) {
           std::to_string(order.firstList),
           std::to_string(order.lists),
           order.slow ? "slow" : "quick",
-          order.onNetwork ? "share" : "disk"};
+          order.onNetwork ? "share" : "disk",
+          order.stays ? "stays" : "ends"};
 }
 
 Order fromArguments(const std::vector<std::string>& arguments) {
@@ -80,7 +81,8 @@ Order fromArguments(const std::vector<std::string>& arguments) {
           std::stoi(arguments.at(3)),
           std::stoi(arguments.at(4)),
           arguments.at(5) == "slow",
-          arguments.at(6) == "share"};
+          arguments.at(6) == "share",
+          arguments.at(7) == "stays"};
 }
 
 void takeLists(const Order& order) {
@@ -99,6 +101,7 @@ void takeLists(const Order& order) {
     faults.IngestFaultList();
   }
   faults.close();
+  if (order.stays) report << "done" << std::endl;
 }
 
 }  // namespace vordane::crash

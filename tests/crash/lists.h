@@ -24,6 +24,7 @@ struct Order {
   int firstList = 0, lists = 1;
   bool slow = false;       // an ingestion takes longer than the time after which its rows are saved
   bool onNetwork = false;  // with the journal of a network share
+  bool stays = false;      // the process adds "done" to the report at the end and waits to be killed
 };
 
 std::vector<std::string> toArguments(const Order& order);

@@ -62,6 +62,44 @@ TEST_F(DaoEngine, WaitsForOneWhoHoldsTheFileForHimself) {
   EXPECT_EQ(numberOfError([&] { open(); }), 3260);
 }
 
+// What a fault's free texts could make of the duplicate test: rows of another file, asked for over the
+// network.
+TEST_F(DaoEngine, AValueThatMakesAnotherStatementDoesNotReachIt) {
+  const auto database = open();
+  const std::u16string name = u"x\" UNION SELECT * FROM PBXList IN '\\\\server\\x.mdb' WHERE PBXName = \"";
+  const std::u16string_view columns[] = {u"ID"};
+  for (const std::u16string& statement :
+       {u"Select * FROM PBXList WHERE PBXName = \"" + name + u"\"",
+        findSame(
+            {1, u"01", u"MJ", u"MP   ", u"2006", u"x\" UNION SELECT * FROM FaultDisplay IN '\\\\s\\x.mdb"}),
+        findSame({1, u"01", u"MJ", u"MP' OR Shell('x') = '", u"2006", u"x"}),
+        std::u16string(u"DELETE FROM PBXList WHERE ID = 1 OR 1 = 1"),
+        std::u16string(u"Select * FROM PBXList WHERE PBXName = \"a\"; DROP TABLE PBXList")}) {
+    world().statements.clear();
+    EXPECT_EQ(numberOfError([&] { database->openRecordset(statement); }), 3075);
+    EXPECT_EQ(numberOfError([&] { database->openRowList(statement, columns); }), 3075);
+    EXPECT_EQ(numberOfError([&] { database->execute(statement); }), 3075);
+    EXPECT_EQ(world().statements, std::vector<std::u16string>{});
+  }
+  addExchange(*database, u"A");
+  EXPECT_EQ(column(*database, u"Select * FROM PBXList", u"PBXName"), (std::vector<std::string>{"A"}));
+}
+
+TEST_F(DaoEngine, AFileWhoseTablesLieElsewhereIsRefused) {
+  for (const std::uint32_t attributes : {0x40000000U, 0x20000000U}) {
+    world().attached = {{u"FaultDisplay", attributes}};
+    for (const bool readOnly : {true, false}) EXPECT_EQ(numberOfError([&] { open(readOnly); }), 3343);
+  }
+  world().attached.clear();
+  for (const char16_t* query : {u"FaultDisplay", u"tmessages", u"PBXLIST"}) {
+    world().queries = {u"Faults by month", query};
+    EXPECT_EQ(numberOfError([&] { open(); }), 3343);
+  }
+  // What else a file holds is nobody's business.
+  world().queries = {u"Faults by month", u"~sq_cReport"};
+  EXPECT_NO_THROW(addExchange(*open(), u"A"));
+}
+
 TEST_F(DaoEngine, ARecordsetMayBeClosedTwiceAndOutliveItsDatabase) {
   auto database = open();
   addExchange(*database, u"A");

@@ -60,8 +60,10 @@ class TableDefinition : public DaoObject {
  public:
   TableDefinition(const DaoWorldRef& world, const access::Table& table) : DaoObject(world, "TableDef") {
     property(u"Name", [table](Arguments) { return Value(table.name); });
-    const bool own = table.name.starts_with(u"MSys");
-    property(u"Attributes", [own](Arguments) { return Value(own ? systemObject : std::int32_t{0}); });
+    std::int32_t attributes = table.name.starts_with(u"MSys") ? systemObject : 0;
+    if (const auto found = world->attached.find(table.name); found != world->attached.end())
+      attributes = static_cast<std::int32_t>(found->second);
+    property(u"Attributes", [attributes](Arguments) { return Value(attributes); });
     property(u"Fields", [world, table](Arguments) {
       return Value(ObjectRef(std::make_shared<FieldDefinitions>(world, table)));
     });
@@ -78,6 +80,26 @@ class TableDefinitions : public DaoObject {
     collection([tables] { return tables.size(); },
                [world, tables](const Value& key) -> ObjectRef {
                  return std::make_shared<TableDefinition>(world, tables[positionOf(tables, key)]);
+               });
+  }
+};
+
+class QueryDefinition : public DaoObject {
+ public:
+  QueryDefinition(const DaoWorldRef& world, std::u16string name) : DaoObject(world, "QueryDef") {
+    property(u"Name", [name](Arguments) { return Value(name); });
+  }
+};
+
+class QueryDefinitions : public DaoObject {
+ public:
+  explicit QueryDefinitions(const DaoWorldRef& shared) : DaoObject(shared, "QueryDefs") {
+    collection([this] { return world()->queries.size(); },
+               [this](const Value& key) -> ObjectRef {
+                 const auto position = static_cast<std::size_t>(automation::toLong(key));
+                 if (position >= world()->queries.size())
+                   raiseDao(itemNotFound, u"Item not found in this collection.");
+                 return std::make_shared<QueryDefinition>(world(), world()->queries[position]);
                });
   }
 };
@@ -147,7 +169,10 @@ class FakeDatabase : public DaoObject {
     property(u"TableDefs", [this](Arguments) {
       return Value(ObjectRef(std::make_shared<TableDefinitions>(world(), file_->tables)));
     });
+    property(u"QueryDefs",
+             [this](Arguments) { return Value(ObjectRef(std::make_shared<QueryDefinitions>(world()))); });
     method(u"OpenRecordset", 1, 4, [this](Arguments arguments) {
+      world()->statements.push_back(text(arguments, 0));
       const std::int32_t type = number(arguments, 1, dynaset);
       number(arguments, 2, 0);
       number(arguments, 3, 0);
@@ -155,6 +180,7 @@ class FakeDatabase : public DaoObject {
     });
     method(u"Execute", 1, 2, [this](Arguments arguments) {
       number(arguments, 1, 0);
+      world()->statements.push_back(text(arguments, 0));
       file_->database->execute(text(arguments, 0));
       return Value();
     });

@@ -29,6 +29,10 @@ struct DaoWorld {
   std::map<std::u16string, int> held;
   // Files that open, but may not be changed.
   std::set<std::u16string> writeProtected;
+  // Tables of every file that lie in another one, by their attributes, and the names of saved queries.
+  std::map<std::u16string, std::uint32_t> attached;
+  std::vector<std::u16string> queries;
+  std::vector<std::u16string> statements;  // that reached the engine
 };
 using DaoWorldRef = std::shared_ptr<DaoWorld>;
 

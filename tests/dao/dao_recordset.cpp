@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/sqlite/jet.h"
+#include "platform/jet.h"
 #include "text/dates.h"
 #include "text/text.h"
 
@@ -28,9 +28,9 @@ constexpr TypeRow types[] = {
 
 // The columns of a statement's result, as they are declared.
 std::vector<access::Column> columnsOf(const DaoFile& file, const std::u16string& statement) {
-  sqlite::jet::Lifted lifted;
-  sqlite::jet::lift(statement, lifted);
-  const sqlite::jet::Shape shape = sqlite::jet::parse(lifted);
+  jet::Lifted lifted;
+  jet::lift(statement, lifted);
+  const jet::Shape shape = jet::parse(lifted);
   const auto table = std::find_if(file.tables.begin(), file.tables.end(), [&](const access::Table& known) {
     return text::equalIgnoringCase(known.name, shape.table);
   });

@@ -231,6 +231,95 @@ TEST_F(FaultIndexTest, RowsThatAreShownStayAsTheyWereWhenMoreAreAdded) {
   EXPECT_EQ(first(*last), "3");
 }
 
+// There is room behind what is kept; what is shown must not grow into it.
+TEST_F(FaultIndexTest, RowsThatAreShownStayAlsoWhereThereIsRoomForMore) {
+  const auto database = open();
+  const std::u16string_view count[] = {u"Count"};
+  const std::u16string statement = u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[2][1]);
+  const auto add = [&] { addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01"}); };
+  for (int i = 0; i < 64; ++i) add();
+  database->openRowList(statement, count);
+  add();
+  const auto shownRows = database->openRowList(statement, count);
+  add();
+  const auto more = database->openRowList(statement, count);
+  EXPECT_EQ(shownRows->size(), 65U);
+  EXPECT_EQ(more->size(), 66U);
+  std::vector<Value> values;
+  ASSERT_TRUE(shownRows->fetch(0, values));
+  EXPECT_EQ(shown(values[0]), "65");
+}
+
+// What one connection keeps of an exchange's order, after each kind of change of its own.
+TEST_F(FaultIndexTest, AnOlderFaultOfOnesOwnTakesItsPlace) {
+  const auto database = open();
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/02"});
+  EXPECT_EQ(counts(*database, clauses[2][0]), std::vector<std::string>{"1"});
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01"});
+  EXPECT_EQ(counts(*database, clauses[2][0]), (std::vector<std::string>{"2", "1"}));
+}
+
+TEST_F(FaultIndexTest, AChangeOfOnesOwnMovesTheFault) {
+  const auto database = open();
+  for (const char16_t* date : {u"06/01/01", u"06/01/02", u"2006/01/03"})
+    addFault(*database, {1, u"01", u"MJ", u"MP", date});
+  EXPECT_EQ(counts(*database, clauses[2][0]), (std::vector<std::string>{"1", "2", "3"}));
+  const auto rows = database->openRecordset(u"Select * from FaultDisplay");
+  rows->edit();
+  rows->set(u"Date", std::u16string(u"2006/01/04"));
+  rows->update();
+  rows->close();
+  EXPECT_EQ(counts(*database, clauses[2][0]), (std::vector<std::string>{"2", "3", "1"}));
+}
+
+TEST_F(FaultIndexTest, ADeletionOfOnesOwnLeavesNothingToShow) {
+  const auto database = open();
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01"});
+  const std::u16string_view count[] = {u"Count"};
+  const std::u16string statement = u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[2][0]);
+  EXPECT_EQ(database->openRowList(statement, count)->size(), 1U);
+  database->execute(u"DELETE FROM FaultDisplay WHERE ID = 1");
+  EXPECT_EQ(database->openRowList(statement, count)->size(), 0U);
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/02"});
+  EXPECT_EQ(counts(*database, clauses[2][0]), std::vector<std::string>{"2"});
+}
+
+TEST_F(FaultIndexTest, TheNewestOfSeveralExchangesThatAreLeft) {
+  for (const std::int16_t newest : {1, 2, 3}) {
+    path_ = under_.make(Layout::faults);
+    const auto database = open();
+    for (std::int16_t id = 1; id <= 4; ++id)
+      addFault(*database, {id, u"01", u"MJ", u"MP",
+                           id == 4        ? u"2006/01/09"
+                           : id == newest ? u"2006/01/05"
+                                          : u"2006/01/01"});
+    EXPECT_EQ(newestDate(*database), "2006/01/09");
+    database->execute(u"DELETE FROM FaultDisplay WHERE ID = 4");
+    EXPECT_EQ(newestDate(*database), "2006/01/05") << newest;
+    EXPECT_EQ(newestDate(*open()), "2006/01/05") << newest;
+  }
+}
+
+// An exchange with few of all faults is found through the index, one with most of them by the table.
+TEST_F(FaultIndexTest, EqualDescriptionsGoByFaultAlarmDateAndNumber) {
+  struct Tied {
+    const char16_t *fault, *alarm, *date;
+  };
+  constexpr Tied tied[] = {{u"02", u"MJ", u"2006/01/01"}, {u"01", u"MN", u"2006/01/01"},
+                           {u"01", u"MJ", u"2006/01/02"}, {u"01", u"MJ", u"2006/01/01"},
+                           {u"01", u"MJ", u"2006/01/01"}, {u"01", u"MN", u"2006/01/02"}};
+  for (const int others : {0, 40}) {
+    path_ = under_.make(Layout::faults);
+    const auto database = open();
+    for (const Tied& fault : tied)
+      addFault(*database, {1, fault.fault, fault.alarm, u"MP", fault.date, u"same"});
+    for (int i = 0; i < others; ++i) addFault(*database, {2});
+    const std::vector<std::string> wanted{"4", "5", "3", "2", "6", "1"};
+    EXPECT_EQ(counts(*database, clauses[4][0]), wanted) << others;
+    EXPECT_EQ(counts(*database, clauses[4][1]), std::vector(wanted.rbegin(), wanted.rend())) << others;
+  }
+}
+
 TEST_F(FaultIndexTest, AnotherToolReadsWritesAndChecksTheFile) {
   const auto database = open();
   addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01", u"Шина"});
@@ -387,6 +476,251 @@ TEST_F(FaultIndexTest, DescriptionsOfAnExchangeAmongOthersAreOrdered) {
   std::vector<std::string> wanted;
   for (const auto& [description, count] : all) wanted.push_back(std::to_string(count));
   EXPECT_EQ(counts(*database, clauses[4][0]), wanted);
+}
+
+constexpr std::u16string_view allColumns[] = {u"Fault", u"Alarm", u"Date", u"CPU", u"Description", u"Count"};
+
+// The rows as the grid has them and as the documented statement gives them, a line each.
+class AsTheGrid {
+ public:
+  explicit AsTheGrid(database::Database& database) : database_(database) {}
+  std::vector<std::string> listed(std::u16string_view clause) const {
+    const auto rows = database_.openRowList(statement(clause), allColumns);
+    std::vector<std::string> lines;
+    std::vector<Value> values;
+    for (std::size_t i = 0; i < rows->size(); ++i)
+      lines.push_back(rows->fetch(i, values) ? line([&](std::size_t k) { return values[k]; }) : "gone");
+    return lines;
+  }
+  std::vector<std::string> walked(std::u16string_view clause) const {
+    std::vector<std::string> lines;
+    for (const auto rows = database_.openRecordset(statement(clause)); !rows->atEnd(); rows->moveNext())
+      lines.push_back(line([&](std::size_t k) { return rows->get(allColumns[k]); }));
+    return lines;
+  }
+
+ private:
+  static std::u16string statement(std::u16string_view clause) {
+    return u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clause);
+  }
+  template <class Field>
+  static std::string line(const Field& field) {
+    std::string line;
+    for (std::size_t i = 0; i < std::size(allColumns); ++i) line += shown(field(i)) + "|";
+    return line;
+  }
+  database::Database& database_;
+};
+
+void expectTheGridAsTheStatement(database::Database& database, std::size_t rows) {
+  const AsTheGrid grid(database);
+  for (const auto& [up, down] : clauses) {
+    const auto wanted = grid.walked(up);
+    EXPECT_EQ(wanted.size(), rows);
+    EXPECT_EQ(grid.listed(up), wanted);
+    EXPECT_EQ(grid.listed(down), grid.walked(down));
+    EXPECT_EQ(grid.listed(down), std::vector(wanted.rbegin(), wanted.rend()));
+  }
+}
+
+// Access gives such numbers where its auto-number is set to random.
+TEST_F(FaultIndexTest, FaultsWithNumbersOfAnySizeAndSignAreListed) {
+  OtherTool(path_).run(
+      "INSERT INTO FaultDisplay(ID, Fault, Alarm, CPU, Date, Description, Count) VALUES "
+      "(1, '01', 'MJ', 'MP', '2006/01/01', 'a', -2147483648), (1, '02', 'MN', 'MP', '2006/01/03', 'b', 7), "
+      "(1, '03', 'MJ', 'AB', '2006/01/02', 'c', 4294967296), (1, '03', 'MJ', 'AB', '2006/01/02', 'c', 0), "
+      "(1, '03', 'MJ', 'AB', '2006/01/02', 'c', -1)");
+  const auto database = open();
+  EXPECT_EQ(counts(*database, clauses[2][0]),
+            (std::vector<std::string>{"-2147483648", "-1", "0", "4294967296", "7"}));
+  expectTheGridAsTheStatement(*database, 5);
+  EXPECT_TRUE(isStored(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01", u"a"}));
+  addFault(*database, {1, u"04", u"MJ", u"MP", u"2006/01/04"});
+  EXPECT_EQ(counts(*database, clauses[2][1]).at(0), "4294967297");
+  expectTheGridAsTheStatement(*database, 6);
+}
+
+// The order of time is kept: a number without a short key, added behind it, makes it void.
+TEST_F(FaultIndexTest, ANumberBeyond32BitsIsShownAlsoWhenItComesLater) {
+  const auto database = open();
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01"});
+  EXPECT_EQ(counts(*database, clauses[2][0]), std::vector<std::string>{"1"});
+  OtherTool(path_).run("UPDATE sqlite_sequence SET seq = 4294967295 WHERE name = 'FaultDisplay'");
+  EXPECT_EQ(counts(*database, clauses[2][0]), std::vector<std::string>{"1"});
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/02"});
+  EXPECT_EQ(counts(*database, clauses[2][0]), (std::vector<std::string>{"1", "4294967296"}));
+}
+
+TEST_F(FaultIndexTest, ATableWhoseNewestFaultHasTheNumberZeroIsNotEmpty) {
+  OtherTool(path_).run("INSERT INTO FaultDisplay(ID, Fault, Date, Count) VALUES (1, '01', '2006/01/01', 0)");
+  const auto database = open();
+  EXPECT_EQ(newestDate(*database), "2006/01/01");
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"2005/01/01"});
+  EXPECT_EQ(newestDate(*open()), "2006/01/01");
+}
+
+// Files of other makers, by the declaration of the table.
+struct Foreign {
+  const char* name;
+  const char* columns;
+};
+class ForeignTable : public testing::TestWithParam<Foreign> {};
+
+TEST_P(ForeignTable, IsListedAsTheStatementHasIt) {
+  EmbeddedUnderTest under;
+  const std::u16string path = under.make(Layout::faults);
+  OtherTool other(path);
+  EXPECT_EQ(other.run("DROP TABLE FaultDisplay"), "");
+  EXPECT_EQ(other.run((std::string("CREATE TABLE FaultDisplay(") + GetParam().columns + ")").c_str()), "");
+  EXPECT_EQ(
+      other.run("INSERT INTO FaultDisplay(ID, Fault, Alarm, CPU, Date, Description, Count) VALUES "
+                "(1, '07', 'MJ', 'MP', '2006/01/01', 'a', 11), (2, '02', 'MN', 'MP', '2006/01/02', 'b', 12),"
+                "(1, '7', x'4D4A', 'MP', x'32', 'C', 13), (1, '10', 'MJ', 'MP', Null, x'', 14),"
+                "(1, '9', 'mj', 'MP', '2006/01/01 ', 'c', 15)"),
+      "");
+  const auto database = under.engine().open(path, false);
+  expectTheGridAsTheStatement(*database, 4);
+  EXPECT_EQ(
+      isStored(*database, {1, u"07", u"mj", u"MP", u"2006/01/01", u"A"}),
+      other.run("SELECT count(*) FROM FaultDisplay WHERE ID = 1 AND Fault = '07' AND Date = '2006/01/01' AND "
+                "Alarm = 'MJ' AND CPU = 'MP' AND Description = 'a'") == "1\n");
+  addFault(*database, {1, u"05", u"MJ", u"MP", u"2006/01/03", u"d"});
+  expectTheGridAsTheStatement(*database, 5);
+  database->execute(u"DELETE FROM FaultDisplay WHERE ID = 1");
+  EXPECT_EQ(other.run("SELECT ID FROM FaultDisplay"),
+            std::string(GetParam().name) == "RealID" ? "2.0\n" : "2\n");
+}
+
+constexpr Foreign foreignTables[] = {
+    {"AsOurs",
+     "ID INTEGER, Fault TEXT, Alarm TEXT, CPU TEXT, Date TEXT, Count INTEGER PRIMARY KEY "
+     "AUTOINCREMENT, Description TEXT"},
+    {"TextID",
+     "ID TEXT, Fault TEXT, Alarm TEXT, CPU TEXT, Date TEXT, Count INTEGER PRIMARY KEY "
+     "AUTOINCREMENT, Description TEXT"},
+    {"RealID",
+     "ID REAL, Fault TEXT, Alarm TEXT, CPU TEXT, Date TEXT, Count INTEGER PRIMARY KEY "
+     "AUTOINCREMENT, Description TEXT"},
+    {"MemoAndString",
+     "ID INTEGER, Fault STRING, Alarm TEXT, CPU TEXT, Date TEXT, Count INTEGER PRIMARY KEY "
+     "AUTOINCREMENT, Description MEMO"},
+    {"Untyped", "ID, Fault, Alarm, CPU, Date, Count INTEGER PRIMARY KEY AUTOINCREMENT, Description"},
+    {"PlainKey",
+     "ID INTEGER, Fault TEXT, Alarm TEXT, CPU TEXT, Date TEXT, Count INTEGER PRIMARY KEY, "
+     "Description TEXT"},
+    {"DescendingKey",
+     "ID INTEGER, Fault TEXT, Alarm TEXT, CPU TEXT, Date TEXT, Count INTEGER PRIMARY KEY DESC, "
+     "Description TEXT"},
+    {"Varchar",
+     "ID INT, Fault VARCHAR(2), Alarm VARCHAR(2), CPU VARCHAR(5), Date VARCHAR(20), Count INTEGER "
+     "PRIMARY KEY AUTOINCREMENT, Description CLOB"},
+};
+INSTANTIATE_TEST_SUITE_P(Each, ForeignTable, testing::ValuesIn(foreignTables),
+                         [](const auto& run) { return std::string(run.param.name); });
+
+// Its triggers go with the table, and its rows may have other keys.
+TEST_F(FaultIndexTest, ATableThatAnotherToolSwapsWhileItIsOpenIsReadAnew) {
+  const auto database = open();
+  for (const char16_t* date : {u"2006/01/01", u"2006/01/02", u"2006/01/03"})
+    addFault(*database, {1, u"01", u"MJ", u"MP", date});
+  const auto before = database->openRowList(
+      u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[2][0]), allColumns);
+  OtherTool other(path_);
+  EXPECT_EQ(
+      other.run("BEGIN; CREATE TABLE other AS SELECT * FROM FaultDisplay WHERE Count > 1 ORDER BY Count DESC;"
+                "DROP TABLE FaultDisplay; ALTER TABLE other RENAME TO FaultDisplay; COMMIT"),
+      "");
+  std::vector<Value> values;
+  for (std::size_t i = 0; i < 3; ++i) EXPECT_FALSE(before->fetch(i, values)) << "the row of another key";
+  EXPECT_FALSE(before->find(u"2006", 0, {}).has_value());
+  expectTheGridAsTheStatement(*database, 2);
+  EXPECT_EQ(other.run("UPDATE FaultDisplay SET Date = '2005/01/01' WHERE Count = 3"), "");
+  EXPECT_EQ(newestDate(*database), "2006/01/02");
+  EXPECT_TRUE(isStored(*database, {1, u"01", u"MJ", u"MP", u"2005/01/01"}));
+  expectTheGridAsTheStatement(*database, 2);
+
+  // As our own files have it, but without what marks the index stale.
+  EXPECT_EQ(
+      other.run("BEGIN; CREATE TABLE other(ID INTEGER, Fault TEXT, Alarm TEXT, CPU TEXT, Date TEXT, Count "
+                "INTEGER PRIMARY KEY AUTOINCREMENT, Description TEXT); INSERT INTO other SELECT * FROM "
+                "FaultDisplay; DROP TABLE FaultDisplay; ALTER TABLE other RENAME TO FaultDisplay; COMMIT"),
+      "");
+  expectTheGridAsTheStatement(*database, 2);
+  EXPECT_EQ(other.run("UPDATE FaultDisplay SET Date = '2007/01/01' WHERE Count = 3"), "");
+  EXPECT_EQ(newestDate(*database), "2007/01/01");
+  EXPECT_TRUE(isStored(*database, {1, u"01", u"MJ", u"MP", u"2007/01/01"}));
+  expectTheGridAsTheStatement(*database, 2);
+}
+
+TEST_F(FaultIndexTest, TriggersThatAreDroppedAreMissed) {
+  const auto database = open();
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01"});
+  OtherTool other(path_);
+  EXPECT_EQ(other.run("DROP TRIGGER VordaneFaultUpdated; UPDATE FaultDisplay SET Date = '2007/01/01'"), "");
+  EXPECT_TRUE(isStored(*database, {1, u"01", u"MJ", u"MP", u"2007/01/01"}));
+  EXPECT_EQ(other.run("SELECT count(*) FROM sqlite_schema WHERE name = 'VordaneFaultUpdated'"), "1\n");
+}
+
+// Whatever stands under the names of the index gives way to it.
+TEST_F(FaultIndexTest, AnIndexOfAnotherShapeIsMadeAnew) {
+  addFault(*open(), {1, u"01", u"MJ", u"MP", u"2006/01/01"});
+  for (const char* change :
+       {"ALTER TABLE VordaneIndexState DROP COLUMN LastCount",
+        "DROP TABLE VordaneFaultIndex; CREATE VIEW VordaneFaultIndex AS SELECT * FROM FaultDisplay",
+        "DROP TABLE VordaneFaultIndex; CREATE TABLE vordanefaultindex(ID, Moment, Hash, Count, Kind)",
+        "UPDATE VordaneIndexState SET Version = 1"}) {
+    EXPECT_EQ(OtherTool(path_).run(change), "") << change;
+    const auto database = open();
+    EXPECT_TRUE(isStored(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01"})) << change;
+    expectTheGridAsTheStatement(*database, 1);
+    EXPECT_EQ(OtherTool(path_).run("SELECT Version FROM VordaneIndexState"), "2\n") << change;
+  }
+}
+
+TEST_F(FaultIndexTest, RowsThatWereWrittenWithTriggersOffAreFound) {
+  const auto database = open();
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01"});
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/02"});
+  const auto quietly = [&](const char* sql) {
+    sqlite3* handle = nullptr;
+    sqlite3_open(text::toUtf8(path_).c_str(), &handle);
+    sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+    EXPECT_EQ(sqlite3_exec(handle, sql, nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(handle);
+  };
+  quietly(
+      "INSERT INTO FaultDisplay(ID, Fault, Alarm, CPU, Date, Description) VALUES (1, '02', 'MJ', 'MP', "
+      "'2006/01/03', 'x')");
+  EXPECT_TRUE(isStored(*database, {1, u"02", u"MJ", u"MP", u"2006/01/03"}));
+  expectTheGridAsTheStatement(*database, 3);
+  // A row of another exchange is never shown as one of this.
+  quietly("UPDATE FaultDisplay SET ID = 2 WHERE Count = 2");
+  const auto lines = AsTheGrid(*database).listed(clauses[2][0]);
+  EXPECT_EQ(lines,
+            (std::vector<std::string>{"01|MJ|2006/01/01|MP|x|1|", "gone", "02|MJ|2006/01/03|MP|x|3|"}));
+}
+
+// SQLite reads the last two characters of the first plane as unreadable ones, out of UTF-8.
+TEST(Utf8File, TakesNoTextThatItWouldChange) {
+  EmbeddedUnderTest under;
+  const std::u16string path = (under.folder() / "utf8").u16string();
+  OtherTool other(path);
+  EXPECT_EQ(
+      other.run(
+          "PRAGMA encoding = 'UTF-8'; CREATE TABLE PBXList(ID INTEGER PRIMARY KEY AUTOINCREMENT, PBXName "
+          "TEXT, TimeStamp TEXT, MJ INTEGER, MN INTEGER); CREATE TABLE FaultDisplay(ID INTEGER, Fault "
+          "TEXT, Alarm TEXT, CPU TEXT, Date TEXT, Count INTEGER PRIMARY KEY AUTOINCREMENT, Description "
+          "TEXT)"),
+      "");
+  const auto database = under.engine().open(path, false);
+  for (const char16_t* text : {u"a\uFFFF", u"\uFFFE", u"\xD800"})
+    EXPECT_EQ(database::numberOfError([&] {
+                addFault(*database, {1, u"01", u"MJ", u"MP", u"2006", text});
+              }),
+              3421);
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"2006", u"\uFFFD \xD83F\xDFFF"});
+  EXPECT_TRUE(isStored(*database, {1, u"01", u"MJ", u"MP", u"2006", u"\uFFFD \xD83F\xDFFF"}));
+  expectTheGridAsTheStatement(*database, 1);
 }
 
 TEST(TextRules, OrderGoesByCodePointOfTheFoldedText) {

@@ -220,10 +220,12 @@ TEST(Damage, WhatIsFoundDamagedIsNotWrittenAgain) {
   EXPECT_EQ(numberOfError([&] { addExchange(*database, u"A"); }), 3049);
 }
 
-// One ingestion of 30 faults in a fresh file; what was reported as saved is remembered.
+// One list of 30 faults for a fresh file, taken in as the product does: whatever goes wrong, the same
+// database stays open for the next list. What was reported as saved is remembered.
 struct Scene {
   EmbeddedUnderTest under{Options{{}, 100, failing::fileLayer}};
   std::u16string path = (under.folder() / "scene").u16string();
+  std::unique_ptr<database::Database> database;
   int saved = 0;
 
   Scene() {
@@ -235,35 +237,69 @@ struct Scene {
     std::ofstream(std::filesystem::path(path), std::ios::binary) << empty;
   }
 
+  void open() {
+    if (!database) database = under.engine().open(path, false);
+  }
+
+  void takeList() {
+    struct Batch {
+      explicit Batch(database::Database& opened) : of(opened) { of.beginBatch(); }
+      ~Batch() {
+        if (open) numberOfError([&] { of.endBatch(); });
+      }
+      database::Database& of;
+      bool open = true;
+    } batch(*database);
+    int added = 0;
+    for (int i = 0; i < 30; ++i) {
+      if (!isStored(*database, faultOf(i))) addFault(*database, faultOf(i));
+      added = i + 1;
+      if (i % 10 != 9) continue;
+      database->checkpoint();
+      saved = std::max(saved, added);
+    }
+    batch.open = false;
+    database->endBatch();
+    saved = 30;
+  }
+
+  // As the window does behind a list, in two orders of one exchange.
+  std::size_t show() {
+    const std::u16string_view columns[] = {u"Description"};
+    std::size_t rows = 0;
+    for (const char16_t* order :
+         {u"[Date] Desc, [Count] Desc, [Fault] Desc, [Alarm] Desc, [CPU] Desc, [Description] Desc",
+          u"[Fault] Asc, [Alarm] Asc, [Date] Asc, [Count] Asc, [CPU] Asc, [Description] Asc"}) {
+      const auto list = database->openRowList(
+          u"SELECT * FROM FaultDisplay WHERE ID = 1 Order by " + std::u16string(order), columns);
+      std::vector<Value> values;
+      for (std::size_t i = 0; i < list->size(); ++i) rows += list->fetch(i, values) ? 1 : 0;
+    }
+    database->openRecordset(u"SELECT * FROM FaultDisplay Order by [Date] Desc")->isEmpty();
+    return rows;
+  }
+
   int run() {
     return numberOfError([&] {
-      const auto database = under.engine().open(path, false);
-      int added = 0;
-      database->beginBatch();
-      for (int i = 0; i < 30; ++i) {
-        if (isStored(*database, faultOf(i))) continue;
-        addFault(*database, faultOf(i));
-        added = i + 1;
-        if (i % 10 != 9) continue;
-        database->checkpoint();
-        saved = added;
-      }
-      database->endBatch();
-      saved = 30;
+      open();
+      takeList();
+      show();
     });
   }
-  // Nothing reported as saved is missing, and the next list completes what is.
+
+  // Nothing reported as saved is missing, and the next list completes what is: in the database that was open
+  // all the time, and as a newly opened one sees it.
   void expectWholeAfterTheNextList() {
+    open();
+    for (int i = 0; i < saved; ++i) ASSERT_TRUE(isStored(*database, faultOf(i))) << i;
+    takeList();
+    EXPECT_EQ(show(), 20U);
+    EXPECT_EQ(database::column(*database, u"SELECT * FROM FaultDisplay Order by [Date] Desc", u"Date").at(0),
+              "2006/11/27 10:39");
+    database.reset();
     EXPECT_EQ(check(path), "ok");
-    {
-      const auto database = under.engine().open(path, false);
-      for (int i = 0; i < saved; ++i) ASSERT_TRUE(isStored(*database, faultOf(i))) << i;
-      database->beginBatch();
-      for (int i = 0; i < 30; ++i)
-        if (!isStored(*database, faultOf(i))) addFault(*database, faultOf(i));
-      database->endBatch();
-    }
     EXPECT_EQ(check(path, "SELECT count(*) FROM FaultDisplay"), "30");
+    EXPECT_EQ(check(path, "SELECT NewestCount || ' ' || Stale FROM VordaneIndexState"), "30 0");
     expectWhole(path);
   }
 };
@@ -295,6 +331,33 @@ TEST(Failure, EveryCallForAFileMayFailOnce) {
 }
 TEST(Failure, EveryCallForAFileMayFailForGood) {
   failEveryCall(true, true);
+}
+
+// Shown within the batch, then taken back with it: what is kept of the order goes along.
+TEST(Failure, WhatWasTakenBackIsShownNoLonger) {
+  Scene scene;
+  scene.open();
+  database::Database& database = *scene.database;
+  addFault(database, {1});
+  const std::u16string_view columns[] = {u"Count"};
+  const auto rows = [&] {
+    return database
+        .openRowList(
+            u"SELECT * FROM FaultDisplay WHERE ID = 1 Order by [Date] Desc, [Count] Desc, [Fault] Desc, "
+            u"[Alarm] Desc, [CPU] Desc, [Description] Desc",
+            columns)
+        ->size();
+  };
+  EXPECT_EQ(rows(), 1U);
+  database.beginBatch();
+  addFault(database, {1, u"02"});
+  EXPECT_EQ(rows(), 2U);
+  failing::failFileAfter(0, true);
+  EXPECT_NE(numberOfError([&] { database.endBatch(); }), 0);
+  failing::failFileAfter(-1, false);
+  EXPECT_EQ(rows(), 1U);
+  addFault(database, {1, u"03"});
+  EXPECT_EQ(rows(), 2U);
 }
 
 // Whoever is not root is so in a world of his own.

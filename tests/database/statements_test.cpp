@@ -2,9 +2,9 @@
 #include <gtest/gtest.h>
 
 #include "platform/database.h"
-#include "platform/sqlite/jet.h"
+#include "platform/jet.h"
 
-namespace vordane::sqlite::jet {
+namespace vordane::jet {
 namespace {
 
 bool runs(std::u16string_view statement) {
@@ -126,4 +126,4 @@ TEST(Statements, AKnownSkeletonIsTakenForTheSameOnlyWhenItIs) {
 }
 
 }  // namespace
-}  // namespace vordane::sqlite::jet
+}  // namespace vordane::jet

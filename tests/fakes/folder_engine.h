@@ -14,7 +14,7 @@ namespace vordane::fakes {
 
 class FolderEngine : public database::Engine {
  public:
-  FolderEngine() : folder_(makeFolder()), engine_(sqlite::makeEngine()) {}
+  FolderEngine() : folder_(makeFolder()), engine_(sqlite::makeEngine({[this](auto) { return onNetwork; }})) {}
   FolderEngine(const FolderEngine&) = delete;
   FolderEngine& operator=(const FolderEngine&) = delete;
   ~FolderEngine() override {
@@ -37,6 +37,7 @@ class FolderEngine : public database::Engine {
     bool readOnly;
   };
   std::vector<Opened> opened;
+  bool onNetwork = false;
   std::u16string unwritable;  // the name of a file that opens for reading only
   // What stands between a database and whoever opens it: nothing, or something that watches it.
   std::function<std::unique_ptr<database::Database>(std::u16string_view path,

@@ -50,6 +50,7 @@ class WatchedDatabase : public database::Database {
     progress = callback;
     inner_->setProgress(std::move(callback));
   }
+  bool isOnNetwork() const override { return inner_->isOnNetwork(); }
   void close() noexcept override { inner_->close(); }
   database::Database& inner() { return *inner_; }
 

@@ -2,6 +2,7 @@
 
 #include "language/control_fonts.h"
 #include "language_database.h"
+#include "text/numbers.h"
 #include "text/utf8.h"
 
 namespace vordane {
@@ -56,6 +57,37 @@ INSTANTIATE_TEST_SUITE_P(
         FontCase{u"SSDBCombo", comboFonts, 128}, FontCase{u"SSListBar", {u"CaptionFont"}, 0},
         FontCase{u"Calendar", one, 0}, FontCase{u"PictureBox", one, 0}, FontCase{u"Anything", one, 0},
         FontCase{u"label", one, 0}));  // types are compared with regard to case
+
+// Some types take the font through their own two properties, the others through the font object. A control
+// that has both tells them apart.
+TEST(ControlFont, IsSetThroughTheNamesThatTheTypeKnows) {
+  const std::vector<std::u16string> shortNames{
+      u"ComboBox",  u"ListBox",    u"FileListBox", u"DriveListBox", u"DirListBox",  u"CommandButton",
+      u"Label",     u"MSFlexGrid", u"Frame",       u"OptionButton", u"vsFlexArray", u"TextBox",
+      u"SSCommand", u"SSCheck",    u"SSOption",    u"SSFrame",      u"SSRibbon",    u"SSPanel"};
+  const std::vector<std::u16string> fontObject{
+      u"SSTree",      u"ListView", u"TreeView", u"SSDBDropDown", u"CheckBox",  u"PDQComm",  u"StatusBar",
+      u"RichTextBox", u"Menu",     u"SSTab",    u"SSDBGrid",     u"SSDBCombo", u"Calendar", u"Anything"};
+  const auto fontsOf = [](const std::u16string& type) {
+    window::Form form = fakes::makeForm();
+    window::Properties properties = window::designedProperties(type);
+    properties[u"FontName"] = std::u16string(u"designed");
+    properties[u"FontSize"] = 8.0F;
+    properties[u"Font.Name"] = std::u16string(u"designed");
+    properties[u"Font.Size"] = 8.0F;
+    window::Control& control = form.add(u"c", -1, type, properties);
+    language::setControlFont(control, u"Tahoma", 12);
+    const auto size = [&](const char16_t* name) {
+      return text::decimal(automation::toLong(control.get(name)));
+    };
+    return control.text(u"FontName") + u" " + size(u"FontSize") + u", " + control.text(u"Font.Name") + u" " +
+           size(u"Font.Size");
+  };
+  for (const auto& type : shortNames)
+    EXPECT_EQ(fontsOf(type), u"Tahoma 12, designed 8") << text::toUtf8(type);
+  for (const auto& type : fontObject)
+    EXPECT_EQ(fontsOf(type), u"designed 8, Tahoma 12") << text::toUtf8(type);
+}
 
 TEST(ControlFont, AnEmptyNameKeepsTheFaceAndASizeMustBeAboveZero) {
   window::Form form = fakes::makeForm();

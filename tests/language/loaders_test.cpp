@@ -89,6 +89,15 @@ TEST_F(Loaders, MinusOneFontLeavesFontAndCharacterSetButAppliesTheTip) {
   EXPECT_EQ(label.text(u"ToolTipText"), u"tip");
 }
 
+// Caption, font, tool tip: what stands before the failing step has been set, what stands behind it has not.
+TEST_F(Loaders, AFailingFontComesBehindTheCaptionAndBeforeTheTip) {
+  language.with(u"tControls", {control(u"lblMJ", t(u"new"), t(u"Tahoma"), n(0), t(u"new tip"))});
+  EXPECT_FALSE(comLanguage::LocaliseControls(form, language.open()));
+  EXPECT_EQ(label.text(u"Caption"), u"new");
+  EXPECT_EQ(label.text(u"Font.Name"), u"Tahoma");
+  EXPECT_EQ(label.text(u"ToolTipText"), u"designed tip");
+}
+
 TEST_F(Loaders, AFailingRowKeepsTheRowsBefore) {
   language.with(u"tControls", {control(u"lblMJ", t(u"first"), t(u"-1"), null, t(u"-1")),
                                control(u"nobody", t(u"x"), t(u"-1"), null, t(u"-1")),
@@ -171,6 +180,16 @@ TEST_F(Loaders, ProjectTextsComeFromTheExecutablesRow) {
   EXPECT_EQ(texts.OleRequestPendingMsgTitle, u"PT");
   EXPECT_EQ(texts.OleRequestPendingMsgText, u"PX");
   EXPECT_FALSE(comLanguage::LoadProjectTexts(u"NOBODY", language.open(), texts));
+}
+
+TEST_F(Loaders, TheFirstOfTwoProjectRowsCounts) {
+  language.with(u"tProject", {{t(u"VORDANE"), t(u"first"), t(u"1"), t(u"2"), t(u"3"), t(u"4")},
+                              {t(u"VORDANE"), t(u"second"), t(u"5"), t(u"6"), t(u"7"), t(u"8")}});
+  comLanguage::ProjectTexts texts;
+  EXPECT_TRUE(comLanguage::LoadProjectTexts(u"VORDANE", language.open(), texts));
+  EXPECT_EQ(texts.Title, u"first");
+  EXPECT_EQ(texts.OleServerBusyMsgTitle, u"1");
+  EXPECT_EQ(texts.OleRequestPendingMsgText, u"4");
 }
 
 TEST_F(Loaders, MessagesStandInAscendingOrder) {

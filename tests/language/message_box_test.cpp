@@ -31,9 +31,14 @@ class Boxes : public testing::Test {
                           {n(105), t(u"Delete?"), t(u"vbYesNo+vbQuestion+vbDefaultButton2"), t(u"Ask"),
                            t(u"Help\\V.hlp"), t(u"12")},
                           {n(106), t(u"p"), t(u"nonsense"), t(u"t"), t(u"V.hlp"), t(u"-1")},
+                          {n(110), t(u"p"), t(u""), t(u"t"), t(u""), t(u"5")},
+                          {n(111), t(u"p"), t(u""), t(u"t"), fakes::null, t(u"-1")},
                           {n(107), t(u"gone&-1&now"), t(u""), t(u"t"), t(u"-1"), t(u"-1")}});
-    common.with(fakes::tableNamed(sqlite::schema::commonLanguage(), u"tMsgBox"),
-                {{n(1), t(u"Common"), t(u"vbRetryCancel"), t(u"unused"), t(u"-1"), t(u"-1")}});
+    common.with(
+        fakes::tableNamed(sqlite::schema::commonLanguage(), u"tMsgBox"),
+        {{n(1), t(u"Common"), t(u"vbRetryCancel"), t(u"unused"), t(u"-1"), t(u"-1")},
+         {n(2), t(u"Helped"), t(u"vbOKOnly"), t(u"unused"), t(u"..\\Quil32&%SP&Help\\C.hlp"), t(u"31")},
+         {n(3), t(u"File"), t(u"vbOKOnly"), t(u"unused"), t(u"C.hlp"), t(u"-1")}});
     state.LogName = u"JOB";
     environment.ownLanguage = &own.open();
     environment.commonLanguage = &common.open();
@@ -119,6 +124,46 @@ TEST_F(Boxes, CommonBoxesTakeTheCallersTitle) {
   EXPECT_EQ(person.shown[0].prompt, u"Common");
   EXPECT_EQ(person.shown[0].title, u"My title");
   EXPECT_EQ(person.shown[0].style, 5);
+}
+
+// The stored help of the common database, whatever the caller names; only the short form takes the caller's.
+TEST_F(Boxes, CommonBoxesHaveTheHelpOfTheirRow) {
+  comTools::BoxRequest request;
+  request.selector = 10;
+  request.number = 2;
+  request.helpFile = u"callers.hlp";
+  request.helpContext = 9;
+  EXPECT_EQ(comTools::ShowMsgBox(environment, request), 7);
+  EXPECT_EQ(person.shown[0].helpFile, u"C:\\Prog & Co\\..\\Quil32 Help\\C.hlp");
+  EXPECT_EQ(person.shown[0].helpContext, 31);
+  EXPECT_EQ(show(3, 10), 7);
+  EXPECT_EQ(person.shown[1].helpFile, u"C:\\Prog & Co\\C.hlp");
+  EXPECT_FALSE(person.shown[1].helpContext.has_value());
+  EXPECT_EQ(show(1, 10), 7);
+  EXPECT_EQ(person.shown[2].helpFile, u"");
+}
+
+// Every selector but 1 and 10 is that of the program's own boxes with all their columns.
+TEST_F(Boxes, AnyOtherSelectorIsThatOfTheOwnBoxes) {
+  for (const int selector : {-32768, -1, 2, 9, 11, 100, 32767}) {
+    person.shown.clear();
+    EXPECT_EQ(show(105, static_cast<std::int16_t>(selector)), 7);
+    ASSERT_EQ(person.shown.size(), 1U) << selector;
+    EXPECT_EQ(person.shown[0].title, u"Ask") << selector;
+    EXPECT_EQ(person.shown[0].helpFile, u"C:\\Prog & Co\\Help\\V.hlp") << selector;
+    EXPECT_EQ(person.shown[0].helpContext, 12) << selector;
+  }
+  EXPECT_EQ(show(1, 2), 0);  // that row stands in the common database only
+}
+
+// Only "-1" says that a box has no help: an empty name gives it the program's directory.
+TEST_F(Boxes, AnEmptyHelpFileIsNotNone) {
+  EXPECT_EQ(show(110), 7);
+  EXPECT_EQ(person.shown[0].helpFile, u"C:\\Prog & Co\\");
+  EXPECT_EQ(person.shown[0].helpContext, 5);
+  EXPECT_EQ(show(111), 7);
+  EXPECT_EQ(person.shown[1].helpFile, u"C:\\Prog & Co\\");
+  EXPECT_FALSE(person.shown[1].helpContext.has_value());
 }
 
 TEST_F(Boxes, AMissingRowOrDatabaseGivesNoAnswer) {

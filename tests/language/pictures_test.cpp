@@ -14,8 +14,12 @@ using fakes::t;
 
 class ReadingPictures : public comPicture::PictureLoader {
  public:
-  bool readable(std::u16string_view path) override { return path != broken; }
+  bool readable(std::u16string_view path) override {
+    asked.emplace_back(path);
+    return path != broken;
+  }
   std::u16string broken;
+  std::vector<std::u16string> asked;
 };
 
 class Backgrounds : public testing::Test {
@@ -128,6 +132,80 @@ TEST_F(Backgrounds, AFailureKeepsThePicturesPlacedBefore) {
   EXPECT_EQ(pictureOf(image), u"C:\\BACKGRND\\A.BMP");
   EXPECT_TRUE(frame.flag(u"Visible"));
   EXPECT_EQ(bar.text(u"PictureBackground"), u"");
+}
+
+// Found, moved, loaded: an unreadable picture leaves its control at its place, without a picture.
+TEST_F(Backgrounds, AnUnreadablePictureHasMovedItsControl) {
+  loader.broken = u"C:\\BACKGRND\\A.BMP";
+  std::vector<std::u16string> visibility;
+  frame.listen([&](window::Control& base, std::u16string_view property) {
+    if (property == u"Visible") visibility.push_back(base.flag(u"Visible") ? u"on" : u"off");
+  });
+  frame.set(u"Width", std::int32_t{700});
+  frame.set(u"Height", std::int32_t{800});
+  EXPECT_FALSE(
+      apply({row(u"imgBackground", t(u"A.BMP"), u"fraAlarmLamp"), row(u"lstBar", t(u"B.BMP"), u"me")}));
+  EXPECT_EQ(image.number(u"Left"), 0);
+  EXPECT_EQ(image.number(u"Top"), 0);
+  EXPECT_EQ(image.number(u"Width"), 700);
+  EXPECT_EQ(image.number(u"Height"), 800);
+  EXPECT_EQ(pictureOf(image), u"");
+  EXPECT_EQ(visibility, (std::vector<std::u16string>{u"off", u"on"}));
+  EXPECT_EQ(bar.text(u"PictureBackground"), u"");  // the rows behind it are not reached
+}
+
+TEST_F(Backgrounds, TheControlIsFoundBeforeItsPictureIsRead) {
+  loader.broken = u"C:\\BACKGRND\\A.BMP";
+  EXPECT_FALSE(apply({row(u"imgBackground", t(u"A.BMP"), u"pnlBase")}));  // no such base
+  EXPECT_EQ(image.number(u"Left"), 50);
+  EXPECT_TRUE(loader.asked.empty());
+}
+
+TEST_F(Backgrounds, ABaseThatIsNoPanelIsHiddenMeanwhile) {
+  std::vector<std::u16string> seen;
+  const auto note = [&](window::Control& control, std::u16string_view property) {
+    if (property == u"Visible") seen.push_back(control.flag(u"Visible") ? u"on" : u"off");
+    if (property == u"Picture") seen.push_back(u"picture");
+  };
+  frame.listen(note);
+  image.listen(note);
+  EXPECT_TRUE(apply({row(u"imgBackground", t(u"A.BMP"), u"fraAlarmLamp")}));
+  EXPECT_EQ(seen, (std::vector<std::u16string>{u"off", u"picture", u"on"}));
+}
+
+// The window is "me" to the letter, and outside of every control array; anything else is a control's name.
+TEST_F(Backgrounds, OnlyTheWindowItselfIsMe) {
+  const auto applied = [&](const char16_t* base, int index) {
+    fakes::LanguageDatabase texts;
+    texts.with(u"tPicture", {row(u"imgBackground", t(u"A.BMP"), base, index)});
+    database::Database& database = texts.open();
+    return comPicture::ApplyBackground(form, database, database, 0, u"C:\\BACKGRND\\", files, loader);
+  };
+  EXPECT_FALSE(applied(u"me", 0));
+  EXPECT_FALSE(applied(u"Me", -1));
+  EXPECT_FALSE(applied(u"ME", -1));
+  EXPECT_EQ(image.number(u"Left"), 50);
+  window::Control& element = fakes::addControl(form, u"me", u"SSPanel", 3);
+  element.set(u"Width", std::int32_t{123});
+  EXPECT_TRUE(applied(u"me", 3));
+  EXPECT_EQ(image.number(u"Width"), 123);
+  EXPECT_TRUE(applied(u"me", -1));
+  EXPECT_EQ(image.number(u"Width"), 9000);
+}
+
+// Its names stay unmapped; that the set is missing is told all the same.
+TEST_F(Backgrounds, WithoutItsTableASetRenamesNothingAndFails) {
+  own.with(u"tPicture", {row(u"imgBackground", t(u"A.BMP"), u"me")});
+  common.with(fakes::tableNamed(sqlite::schema::commonLanguage(), u"tMsgBox"), {});
+  const auto applied = [&](std::int16_t set) {
+    return comPicture::ApplyBackground(form, own.open(), common.open(), set, u"C:\\BACKGRND\\", files,
+                                       loader);
+  };
+  EXPECT_FALSE(applied(1));
+  EXPECT_EQ(pictureOf(image), u"C:\\BACKGRND\\A.BMP");
+  image.set(u"Picture", std::u16string{});
+  EXPECT_TRUE(applied(0));
+  EXPECT_EQ(pictureOf(image), u"C:\\BACKGRND\\A.BMP");
 }
 
 TEST_F(Backgrounds, AMissingControlIsFalse) {

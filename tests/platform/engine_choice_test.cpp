@@ -1,5 +1,5 @@
-#include "places.h"
 #include "platform/engine_choice.h"
+#include "places.h"
 
 #include <gtest/gtest.h>
 
@@ -79,6 +79,36 @@ TEST_F(EngineChoice, AnythingElseIsOfNoKnownFormat) {
        {""s, "S"s, "SQLite format 3"s, "SQLite format 2\0"s, "\0\1\0\0Standard Jet D"s, "Standard Jet DB"s,
         "PK\3\4"s, std::string(5000, '\0')})
     EXPECT_EQ(answer(file(bytes)), 3343) << bytes;
+}
+
+// Whoever holds a file for himself lets it go again, or not in time.
+TEST_F(EngineChoice, AFileThatIsHeldIsWaitedFor) {
+  const std::u16string path = file("");
+  int asked = 0, refusals = 3;
+  const auto openHeld = [&] {
+    const Held held{[&](std::u16string_view which) {
+                      EXPECT_EQ(which, path);
+                      if (++asked > refusals) file("SQLite format 3\0and more"s);
+                      return true;
+                    },
+                    std::chrono::milliseconds(50)};
+    const auto choice = makeEngineChoice(std::make_unique<NamedEngine>(access, askedReadOnly),
+                                         std::make_unique<NamedEngine>(embedded, askedReadOnly), held);
+    try {
+      choice->open(path, false);
+    } catch (const DatabaseError& error) {
+      return error.number();
+    }
+    return 0;
+  };
+  EXPECT_EQ(openHeld(), embedded);
+  EXPECT_EQ(asked, 4);
+  EXPECT_EQ(openHeld(), embedded);
+  EXPECT_EQ(asked, 4) << "nobody is asked about a file that can be read";
+  file("");
+  refusals = 1'000'000;
+  EXPECT_EQ(openHeld(), 3260);
+  EXPECT_GT(asked, 5);
 }
 
 TEST_F(EngineChoice, TheKindIsInTheFirstBytesAlone) {

@@ -109,5 +109,27 @@ TEST_F(InstallPaths, StoredNoneIsAbsentAndStoredEmptyIsFound) {
   EXPECT_EQ(path(u"Addins", u"Database"), u"ADDINS\\DATABASE\\");
 }
 
+TEST_F(InstallPaths, TheSuitesDirectoryIsThatOfTheRunningVersion) {
+  EXPECT_EQ(comRegQuil32::SuiteDirectory(installation), u"D:\\QUILMAR32\\30000");
+  settings.write(u"QUILMAR32", u"30000", u"InstallPath", u"E:\\q\\");
+  EXPECT_EQ(comRegQuil32::SuiteDirectory(installation), u"E:\\q\\");
+  installation.runningDirectory = u"C:\\Tools\\Vordane";
+  EXPECT_EQ(comRegQuil32::SuiteDirectory(installation), u"C:\\Tools\\Vordane");
+}
+
+// A capital may name another directory: the file system keeps these letters apart from their capitals.
+TEST_F(InstallPaths, LettersWithoutACapitalInFileSystemsStayAsTheyAre) {
+  installation.runningDirectory = u"C:\\Yazılım µ\\Quilmar32\\30000\\Addins";
+  EXPECT_EQ(GetSuiteVersion(installation, u"Addins"), u"30000");
+  EXPECT_EQ(path(u"Addins", u"Database"), u"C:\\YAZıLıM µ\\QUILMAR32\\30000\\ADDINS\\DATABASE\\");
+  installation.runningDirectory = u"C:\\qu\u0131lmar32\\30000\\addins";  // not the suite's name
+  EXPECT_EQ(GetSuiteVersion(installation, u"Addins"), u"NONE");
+  settings.write(u"QUILMAR32", u"NONE", u"InstallPath", u"d:\\საქართველო\\Πίνακας\\");
+  settings.write(u"QUILMAR32", u"NONE", u"ZUL", u"30001");
+  settings.write(u"ZUL", u"30001", u"InstallPath", u"e:\\программы ſ\\");
+  EXPECT_EQ(path(u"Addins", u"Database"), u"D:\\საქართველო\\ΠΊΝΑΚΑς\\ADDINS\\DATABASE\\");
+  EXPECT_EQ(path(u"Addins", u"Zul"), u"E:\\ПРОГРАММЫ ſ\\");
+}
+
 }  // namespace
 }  // namespace vordane

@@ -128,6 +128,14 @@ TEST_F(RunLog, AResponseIsLoggedWithItsEntries) {
   EXPECT_EQ(state.LastErrCode, 0);
 }
 
+TEST_F(RunLog, ASuccessIsTheLastCodeToo) {
+  state.LastErrCode = 61;
+  cListRequest record;
+  fill(record, 0);
+  EXPECT_FALSE(comSchedule::LogResponse(environment, record));
+  EXPECT_EQ(state.LastErrCode, 0);
+}
+
 TEST_F(RunLog, AnErrorStopsTheRunWhenTheOptionsSaySo) {
   cListRequest record;
   fill(record, 200);

@@ -63,6 +63,26 @@ TEST_F(ScheduleOptions, AreThoseOfTheJobsRow) {
   EXPECT_EQ(pointer, (std::vector<bool>{true, false}));
 }
 
+// It is the scheduler's own file: the add-in never holds it for writing.
+TEST_F(ScheduleOptions, AreReadFromADatabaseThatIsOpenedForReadingOnly) {
+  makeSchedule(fullRow());
+  engine.unwritable = u"Schedule.mdb";
+  comSchedule::LoadScheduleOptions(environment, u"7");
+  ASSERT_EQ(engine.opened.size(), 1U);
+  EXPECT_TRUE(engine.opened[0].readOnly);
+  EXPECT_EQ(state.LogName, u"NIGHT7");
+}
+
+TEST_F(ScheduleOptions, AFullLogWasTheLastJobs) {
+  makeSchedule(fullRow());
+  state.LogFull = true;
+  comSchedule::LoadScheduleOptions(environment, u"7");
+  EXPECT_FALSE(state.LogFull);
+  state.LogFull = true;
+  comSchedule::LoadScheduleOptions(environment, u"8");  // without a row
+  EXPECT_FALSE(state.LogFull);
+}
+
 TEST_F(ScheduleOptions, DefaultsHoldWithoutRowTableOrFile) {
   state.ScheduleWait = 99;
   state.LogName = u"LAST";

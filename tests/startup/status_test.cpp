@@ -52,6 +52,15 @@ TEST_F(Status, AStoredListIsToldWithItsTime) {
   EXPECT_EQ(status(), "PBX-1: stored 20.11.2026 21:14:05");
 }
 
+TEST_F(Status, ADatabaseOnANetworkDriveIsToldUntilThereIsNews) {
+  engine.onNetwork = true;
+  startWithHost();
+  EXPECT_EQ(status(), "on the network no list yet");
+  fetch({u"01 MJ MP", u"2026/11/20 20:58", u"02", u""});
+  EXPECT_THAT(status(), testing::StartsWith("PBX-1"));
+  EXPECT_THAT(status(), HasSubstr("1 received, 1 new"));
+}
+
 TEST_F(Status, AStoredListWithoutATimeIsToldToo) {
   storeEarlier(u"PBX-1", automation::Null{});
   startWithHost();

@@ -111,9 +111,10 @@ class StoryCreator : public platform::ObjectCreator {
   Lines asked;
 };
 
-class NoPictures : public comPicture::PictureLoader {
+class StoryPictures : public comPicture::PictureLoader {
  public:
-  bool readable(std::u16string_view) override { return false; }
+  bool readable(std::u16string_view) override { return areReadable; }
+  bool areReadable = false;
 };
 
 class Story : public testing::Test {
@@ -145,9 +146,10 @@ class Story : public testing::Test {
          table(u"tControls", controlRows()), table(u"tComboBoxDT", {}), table(u"tSSGridsHD", {}),
          table(u"tProject", {{u"VORDANE"_v, u"Fault display"_v, u"Busy"_v, u"It is busy"_v, u"Waiting"_v,
                               u"No answer yet"_v}}),
-         table(u"tMessages", messageRows()), table(u"tMsgBox", boxRows()), table(u"tPicture", {})});
+         table(u"tMessages", messageRows()), table(u"tMsgBox", boxRows()), table(u"tPicture", pictureRows)});
   }
   bool badControl = false;  // a row of a control that the window lacks
+  std::vector<fakes::Row> pictureRows;
 
   // --- what happens
   void start() {
@@ -226,7 +228,7 @@ class Story : public testing::Test {
   StoryView view{trace};
   StoryBoxes boxes{trace};
   StoryCreator creator;
-  NoPictures pictures;
+  StoryPictures pictures;
   StoryProcess process{trace};
   platform::Program program;
   SharedState state;
@@ -279,6 +281,7 @@ class Story : public testing::Test {
         {message::reasonNoExchange, u"no exchange"},
         {message::runOtherKind, u"another kind"},
         {message::statusTextsIncomplete, u"incomplete: {1}"},
+        {message::statusNetworkDrive, u"on the network"},
     };
     std::vector<fakes::Row> rows;
     for (std::size_t i = 0; i < message::count; ++i) {

@@ -1,6 +1,9 @@
+#include <sqlite3.h>
+
 #include <stdexcept>
 
 #include "store/store_fixture.h"
+#include "text/utf8.h"
 
 namespace vordane::store {
 namespace {
@@ -153,6 +156,67 @@ TEST_F(DisplayTest, TheDateHeadingSortsDescendingFirst) {
   choose(0);
   store.headingClicked(2);
   EXPECT_EQ(store.sortKey(), 7);
+}
+
+// One click leaves the date ascending for the next one; whatever is chosen begins newest first all the same.
+TEST_F(DisplayTest, AChoiceBeginsNewestFirstAfterOneClickToo) {
+  addExchange(u"mine", u"2020-01-01 00:00:00");
+  addFault(1, {u"01", u"MJ", u"MP   ", u"2026/01/01"});
+  addFault(1, {u"02", u"MJ", u"MP   ", u"2026/01/02"});
+  store.RefreshDisplay();
+  store.headingClicked(2);
+  choose(0);
+  EXPECT_EQ(store.sortKey(), 7);
+  EXPECT_EQ(shown(&window::GridRow::fault), (Texts{u"02", u"01"}));
+  store.headingClicked(2);
+  EXPECT_EQ(store.sortKey(), 7);
+  store.headingClicked(2);
+  EXPECT_EQ(store.sortKey(), 2);
+}
+
+TEST_F(DisplayTest, TheButtonsFollowAChoiceInTheDropDown) {
+  addExchange(u"full", u"2022-01-01 00:00:00");
+  addExchange(u"empty", u"2020-01-01 00:00:00");
+  addFault(1, {});
+  store.RefreshDisplay();
+  for (const auto* button : {u"cmdPrint", u"cmdClear", u"cmdLookUp", u"cmdReset"}) {
+    choose(1);
+    EXPECT_FALSE(form.enabled(button));
+    choose(0);
+    EXPECT_TRUE(form.enabled(button));
+  }
+}
+
+// As Access numbers them where its auto-number is set to random.
+TEST_F(DisplayTest, FaultsWithNumbersOfAnySizeAndSignAreShownInEveryOrder) {
+  addExchange(u"mine", u"2020-01-01 00:00:00");
+  sqlite3* other = nullptr;
+  ASSERT_EQ(sqlite3_open(text::toUtf8(file.path()).c_str(), &other), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(other,
+                         "INSERT INTO FaultDisplay(ID, Fault, Alarm, CPU, Date, Description, Count) VALUES "
+                         "(1, '01', 'MJ', 'MP', '2026', 'x', -5), (1, '01', 'MJ', 'MP', '2026', 'x', 7), "
+                         "(1, '01', 'MJ', 'MP', '2026', 'x', 5000000000)",
+                         nullptr, nullptr, nullptr),
+            SQLITE_OK);
+  sqlite3_close(other);
+  store.RefreshDisplay();
+  const auto numbers = [&] {
+    std::vector<std::int64_t> all;
+    for (std::size_t i = 0; i < form.memoryView.rows->size(); ++i)
+      all.push_back(form.memoryView.rows->row(i).value().count);
+    return all;
+  };
+  for (int column = 0; column < 5; ++column) {
+    store.headingClicked(column);
+    const bool descending = form.memoryView.sortDescending;
+    EXPECT_EQ(numbers(), descending ? (std::vector<std::int64_t>{5000000000, 7, -5})
+                                    : (std::vector<std::int64_t>{-5, 7, 5000000000}))
+        << column;
+    store.headingClicked(column);
+    EXPECT_EQ(numbers(), descending ? (std::vector<std::int64_t>{-5, 7, 5000000000})
+                                    : (std::vector<std::int64_t>{5000000000, 7, -5}))
+        << column;
+  }
 }
 
 TEST_F(DisplayTest, TheLastColumnHasNoOrder) {

@@ -60,6 +60,18 @@ TEST_F(IngestionTest, StampsTheExchangeBeforeAnyFault) {
   EXPECT_EQ(form.window.control(u"txtTimeTag").text(u"Text"), u"20.11.2026 21:14:05");
 }
 
+// A list whose exchange was not the form's: from then on it is.
+TEST_F(IngestionTest, TheExchangeThatIsStoredAlreadyBecomesTheForms) {
+  addExchange(u"other", u"2030-01-01 00:00:00");
+  const auto mine = addExchange(u"PBX-1", u"2020-01-01 00:00:00");
+  ASSERT_EQ(store.exchangeId(), 0);
+  form.receive(u"01 MJ MP", u"2026/11/20 20:58", u"02");
+  store.IngestFaultList();
+  EXPECT_EQ(store.exchangeId(), mine);
+  EXPECT_EQ(stored(u"ID"), Texts{u"2"});
+  EXPECT_EQ(store.datPBXList().RecordSource(), u"SELECT * FROM PBXList WHERE PBXName = 'PBX-1' AND ID = 2");
+}
+
 TEST_F(IngestionTest, SaysThatAnEmptyListBroughtNothing) {
   form.receive(u"data not found", u"");
   form.receive(u"01 MJ MP", u"2026/11/20 10:00");

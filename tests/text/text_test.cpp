@@ -42,5 +42,38 @@ TEST(Case, FoldsOneForOneInEveryScript) {
   EXPECT_FALSE(equalIgnoringCase(u"ア", u"あ"));
 }
 
+TEST(PathCase, TakesTheCapitalsThatFileSystemsKnow) {
+  EXPECT_EQ(toUpperPath(u"C:\\Quilmar 32\\Größe\\élan\\ÿ"), u"C:\\QUILMAR 32\\GRÖßE\\ÉLAN\\Ÿ");
+  EXPECT_EQ(toUpperPath(u"Почта\\Ωμέγα\\հայ\\ａｂ"), u"ПОЧТА\\ΩΜΈΓΑ\\ՀԱՅ\\ＡＢ");
+  EXPECT_EQ(toUpperPath(u"障害\\ア"), u"障害\\ア");
+}
+
+// The capital's small letter is another one: dotless i, micro sign, long s, final sigma, the round theta.
+TEST(PathCase, LeavesLettersThatTheirCapitalDoesNotGiveBack) {
+  EXPECT_EQ(toUpperPath(u"Yazılım"), u"YAZıLıM");
+  EXPECT_EQ(toUpperPath(u"µ ſ Πίνακας ϑ"), u"µ ſ ΠΊΝΑΚΑς ϑ");
+  EXPECT_EQ(toUpperPath(u"ǆ ǅ Ǆ"), u"Ǆ ǅ Ǆ");
+}
+
+// Capitals that came after Unicode 5.0, and letters that did; the last that came with it.
+TEST(PathCase, LeavesLettersWhoseCapitalIsNewerThanTheTablesOfFileSystems) {
+  EXPECT_EQ(toUpperPath(u"საქართველო"), u"საქართველო");
+  EXPECT_EQ(toUpperPath(u"ɐ ɡ"), u"ɐ ɡ");
+  EXPECT_EQ(toUpperPath(u"\uA641 \u0371 \u0525"), u"\uA641 \u0371 \u0525");
+  EXPECT_EQ(toUpperPath(u"\u0513 \u2C66 \u024F"), u"\u0512 \u023E \u024E");
+}
+
+TEST(PathCase, EveryCapitalGivesItsLetterBack) {
+  int changed = 0;
+  for (char32_t code = 0; code <= 0xFFFF; ++code) {
+    const auto letter = static_cast<char16_t>(code);
+    if (upperInPath(letter) == letter) continue;
+    ++changed;
+    EXPECT_EQ(lower(upperInPath(letter)), letter);
+    EXPECT_EQ(upperInPath(upperInPath(letter)), upperInPath(letter));
+  }
+  EXPECT_GT(changed, 800);
+}
+
 }  // namespace
 }  // namespace vordane::text

@@ -41,18 +41,21 @@ TEST_F(LanguageCheck, ANumberBeyondTheLastAndADoubleAreFound) {
 }
 
 TEST_F(LanguageCheck, EmptyTextsAndNeedlessOnesAreFound) {
-  texts.replace("messages.tsv", "\n8\tFault of a kind this program does not know", "\n8\t");
+  texts.replace("messages.tsv", "\n8\tFault of an unknown kind", "\n8\t");
   expectOnly("the text of message 8 is empty");
   texts.replace("messages.tsv", "\n8\t", "\n8\tx");
   texts.replace("messages.tsv", "\n52\t", "\n52\tsomething");
   expectOnly("message 52 is never shown");
+  texts.replace("messages.tsv", "\n52\tsomething", "\n52\t");
+  texts.replace("messages.tsv", "\n181\t", "\n181\tReady");
+  expectOnly("message 181 is never shown");
 }
 
 TEST_F(LanguageCheck, AListOfTheWrongLengthIsFound) {
   texts.append("lists.tsv", "cboFK11\t4\tone too many");
   expectOnly("cboFK11 has 5 items instead of 4");
   texts.replace("lists.tsv", "cboFK11\t4\tone too many\n", "");
-  texts.replace("lists.tsv", "cboFK03\t2\tstate not known\n", "");
+  texts.replace("lists.tsv", "cboFK03\t2\tnot known\n", "");
   expectOnly("cboFK03 has 2 items instead of 3");
 }
 
@@ -88,6 +91,32 @@ TEST_F(LanguageCheck, TextsForPropertiesThatATypeLacksAreFound) {
 TEST_F(LanguageCheck, AnAccessKeyStandsOnce) {
   texts.replace("controls.tsv", "&Print...", "P&rint...");
   expectOnly("the access key \"R\" is that of cmdRequest");
+}
+
+// The find bar stands in the same window as the buttons, so its captions share their keys.
+TEST_F(LanguageCheck, AnAccessKeyOfAMessageIsThatOfNoControl) {
+  texts.replace("messages.tsv", "214\t&Text:", "214\tFin&d:");
+  expectOnly("messages.tsv:");
+  expectOnly("the access key \"D\" is that of cmdClear");
+  texts.replace("messages.tsv", "214\tFin&d:", "214\tF&ind:");
+  EXPECT_THAT(check(texts), IsEmpty());
+  texts.replace("messages.tsv", "215\tFind &next", "215\tF&ind next");
+  expectOnly("the access key \"I\" is that of message 214");
+}
+
+// The menu over the pane is a window of its own: its C is not the button's.
+TEST_F(LanguageCheck, AMenuHasKeysOfItsOwn) {
+  EXPECT_NE(texts.read("messages.tsv").find("221\t&Copy"), std::string::npos);
+  EXPECT_NE(texts.read("controls.tsv").find("cmdClose\t&Close"), std::string::npos);
+  EXPECT_THAT(check(texts), IsEmpty());
+}
+
+TEST_F(LanguageCheck, CaptionsAmongTheMessagesHaveAKeyAndNoOthers) {
+  texts.replace("messages.tsv", "215\tFind &next", "215\tFind next");
+  expectOnly("message 215 has no access key");
+  texts.replace("messages.tsv", "215\tFind next", "215\tFind &next");
+  texts.replace("messages.tsv", "216\tClose", "216\t&Close");
+  expectOnly("message 216 is no caption");
 }
 
 TEST_F(LanguageCheck, ASizeMustBeASize) {

@@ -1,49 +1,64 @@
 #!/usr/bin/env bash
 # Runs one Windows test in a Wine prefix and on a screen of its own:
 #
-#   run.sh x64|x86 PROGRAM [ARGUMENT ...]
+#   run.sh x64|x64-next|x86 PROGRAM [ARGUMENT ...]
 #
 # PROGRAM is a Windows program or a shell script that starts several. A script finds WINEPREFIX, DISPLAY and
-# VORDANE_ARCH set and calls `wine`. x64 runs with this machine's Wine; x86 runs in the small root that holds
-# Wine for both word sizes, where the repository and /tmp are mounted at the same places. Ends with the
-# program's exit code, or 124 after VORDANE_TEST_TIMEOUT seconds (240).
+# VORDANE_ARCH (x64 or x86) set and calls `wine`. x64 runs with this machine's Wine, x64-next and x86 with the
+# newer one in the small root that holds both word sizes, where the repository and /tmp are mounted at the same
+# places. Ends with the program's exit code, 124 after VORDANE_TEST_TIMEOUT seconds (240), or 125 with a reason
+# when the prefix or the screen can't be had.
+#
+# The test lives in namespaces of its own: its processes end with this one however it ends, its prefix is a layer
+# in memory over one that is made once, and neither its screen nor its Wine server can be another test's. So
+# nothing is left behind, and as many tests as one likes run at once, also from several clones.
 set -euo pipefail
 
 here=$(cd "$(dirname "$0")" && pwd)
 repository=$(cd "$here/../.." && pwd)
-arch="$1"; shift
-limit="${VORDANE_TEST_TIMEOUT:-240}"
 . "$repository/tools/setup/common.sh"
+unavailable() { printf 'the test can not start: %s\n' "$*" >&2; exit 125; }
 
-if [ "$arch" = x86 ] && [ -z "${VORDANE_INSIDE_ROOT:-}" ]; then
-  exec "$repository/tools/setup/in-root.sh" "$here/run.sh" x86 "$@"
+judge="$1"; shift
+limit="${VORDANE_TEST_TIMEOUT:-240}"
+case "$judge" in
+  x64) base="$cache/prefix-x64" root= ;;
+  x64-next | x86) base="$cache/prefix-next" root=$("$repository/tools/setup/wine-root.sh") || unavailable "no root for the newer Wine" ;;
+  *) echo "usage: run.sh x64|x64-next|x86 PROGRAM [ARGUMENT ...]" >&2; exit 2 ;;
+esac
+
+# Outside: what is made once, then the namespaces.
+if [ -z "${VORDANE_OWN_NAMESPACES:-}" ]; then
+  make=("$repository/tools/setup/wine-prefix.sh" "$base")
+  [ -z "$root" ] || make=(env VORDANE_BIND="$cache" "$repository/tools/setup/in-root.sh" "${make[@]}")
+  locked "$(basename "$base")" "${make[@]}" >&2 || unavailable "the Wine prefix could not be made"
+  mkdir -p "$cache/layer"
+  unshare --mount --pid --net --ipc true 2>/dev/null || unavailable "namespaces need root here"
+  export VORDANE_OWN_NAMESPACES=1
+  exec unshare --mount --pid --fork --kill-child --mount-proc --net --ipc "$0" "$judge" "$@"
 fi
 
-base="$cache/prefix-$arch"
-locked "prefix-$arch" "$repository/tools/setup/wine-prefix.sh" "$base"
+layer="$root$cache/layer"
+mkdir -p "$layer"
+mount -t tmpfs tmpfs "$layer" || unavailable "no memory disk"
+mkdir "$layer/changed" "$layer/work" "$layer/prefix"
+mount -t overlay overlay -o "lowerdir=$base,upperdir=$layer/changed,workdir=$layer/work" "$layer/prefix" ||
+  unavailable "no layer over $base"
+for own in /tmp/.X11-unix /tmp/.wine-0; do
+  mkdir -p "$own"
+  mount -t tmpfs tmpfs "$own"
+done
+chmod 1777 /tmp/.X11-unix && chmod 700 /tmp/.wine-0
 
-prefix=$(mktemp -d "$cache/prefix-XXXXXX")
-export WINEPREFIX="$prefix" WINEDEBUG="${WINEDEBUG:--all}" VORDANE_ARCH="$arch"
-export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe="
-screen=
-finish() {
-  timeout 20 wineserver -k >/dev/null 2>&1 || true
-  [ -z "$screen" ] || kill "$screen" 2>/dev/null || true
-  rm -rf "$prefix"
-}
-trap finish EXIT
+arch=${judge%-next}
+set -- env WINEPREFIX="$cache/layer/prefix" VORDANE_ARCH="$arch" "VORDANE_TEST_TIMEOUT=$limit" \
+  WINEDEBUG="${WINEDEBUG:--all}" WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=" \
+  bash "$here/on-screen.sh" "$@"
+[ -n "$root" ] || exec "$@"
 
-# Programs and libraries are shared with the base by hard links; what tests change is copied.
-cp -al "$base/drive_c" "$prefix/drive_c"
-cp -a "$base"/*.reg "$base/dosdevices" "$base"/.update-timestamp "$prefix/" 2>/dev/null || true
-
-Xvfb -displayfd 7 -screen 0 1400x1000x24 -nolisten tcp 7>"$prefix/display" 2>/dev/null &
-screen=$!
-for _ in $(seq 100); do [ -s "$prefix/display" ] && break; sleep 0.1; done
-DISPLAY=":$(cat "$prefix/display")"
-export DISPLAY
-
-case "$1" in
-  *.sh) timeout --kill-after=10 "$limit" bash "$@" ;;
-  *) timeout --kill-after=10 "$limit" wine "$@" ;;
-esac
+mount -t proc proc "$root/proc"
+for folder in "$repository" /tmp ${VORDANE_BUILD:+"$VORDANE_BUILD"}; do
+  mkdir -p "$root$folder"
+  mount --rbind "$folder" "$root$folder"
+done
+exec chroot "$root" env HOME=/root VORDANE_INSIDE_ROOT=1 bash -c 'cd "$1" && shift && exec "$@"' - "$PWD" "$@"

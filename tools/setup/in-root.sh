@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Runs a command inside the root that holds Wine for both word sizes: in-root.sh COMMAND [ARGUMENT ...].
-# The repository, /tmp and the folders named in VORDANE_BIND (separated by ":") stand at the same places in
-# there; the mounts live in a namespace of their own and go with it.
+# Runs a command inside the root that holds the newer Wine: in-root.sh COMMAND [ARGUMENT ...]. The repository, /tmp
+# and the folders named in VORDANE_BIND (separated by ":") stand at the same places in there; the mounts live in a
+# namespace of their own and go with it.
 set -euo pipefail
 
 repository=$(cd "$(dirname "$0")/../.." && pwd)
-root=$("$repository/tools/setup/wine32-root.sh")
+root=$("$repository/tools/setup/wine-root.sh")
 folders="$repository:/tmp${VORDANE_BIND:+:$VORDANE_BIND}"
 exec unshare --mount bash -c '
   set -e

@@ -146,7 +146,8 @@ int runScript(const Options& options) {
   com::setErrorSource(u"devhost");
   WindowsEnvironment environment(options.times);
   const auto engine =
-      database::makeEngineChoice(dao::makeEngine(environment.creator()), sqlite::makeEngine());
+      database::makeEngineChoice(dao::makeEngine(environment.creator()),
+                                 sqlite::makeEngine({windows::isOnNetworkDrive}), {windows::isHeldByOthers});
   Interpreter interpreter(environment, {options.reports, {}, engine.get()});
   return static_cast<int>(interpreter.run(parsed.statements));
 }

@@ -39,8 +39,8 @@ struct ExaminingEngine : database::Engine {
   }
   com::Apartment apartment;
   windows::ComObjectCreator creator;
-  std::unique_ptr<database::Engine> engine =
-      database::makeEngineChoice(dao::makeEngine(creator), sqlite::makeEngine());
+  std::unique_ptr<database::Engine> engine = database::makeEngineChoice(
+      dao::makeEngine(creator), sqlite::makeEngine({windows::isOnNetworkDrive}), {windows::isHeldByOthers});
 };
 
 }  // namespace
@@ -53,7 +53,8 @@ std::optional<Workstation> thisWorkstation() {
   return Workstation{[](std::u16string_view section, std::u16string_view key) {
                        return windows::RegistrySettings().read(u"QUILMAR32", section, key);
                      },
-                     registeredClass, windows::whoMayReplace};
+                     registeredClass, windows::whoMayReplace,
+                     [](std::u16string_view path) { return windows::SystemFiles().exists(path); }};
 }
 
 }  // namespace vordane::tools

@@ -31,21 +31,24 @@ struct Parts {
   windows::SystemFiles files;
   windows::ComObjectCreator creator;
   Pictures pictures;
-  std::unique_ptr<database::Engine> engine =
-      database::makeEngineChoice(dao::makeEngine(creator), sqlite::makeEngine());
+  std::unique_ptr<database::Engine> engine = database::makeEngineChoice(
+      dao::makeEngine(creator), sqlite::makeEngine({windows::isOnNetworkDrive}), {windows::isHeldByOthers});
 
   SharedState state;
   MessageTexts viewTexts{state};
   std::unique_ptr<window::win32::Win32View> view = window::win32::makeWin32View(viewTexts, settings);
   windows::SystemMessageBoxes boxes{[this] { return view->window(); },
-                                    [this](std::u16string_view path) { tellHelpMissing(path); }};
+                                    [this](std::u16string_view file) { showHelp(file); }};
   startup::Application application{
       {settings, clock, files, creator, boxes, *engine, *view, pictures, process, windows::thisProgram()},
       state};
 
   Parts() { apartment.filterCalls(application); }
 
-  void tellHelpMissing(std::u16string_view path) { application.form().showBox(box::helpNotFound, path); }
+  void showHelp(std::u16string_view file) {
+    const auto document = application.helpDocument(file);
+    if (!document || !windows::openDocument(*document)) application.form().showBox(box::helpNotFound, file);
+  }
 };
 
 }  // namespace vordane

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/dao/dao_objects.h"
+#include "platform/jet.h"
 
 namespace vordane::dao {
 namespace {
@@ -22,6 +23,7 @@ constexpr int inUse = 3045;
 constexpr int locked = 3260;
 constexpr int noPermission = 3051;
 constexpr int recordDeleted = 3167;
+constexpr int unknownFormat = 3343;
 
 Value text(std::u16string_view value) {
   return std::u16string(value);
@@ -86,6 +88,8 @@ class List : public database::RowList {
   std::size_t size_ = 0;
 };
 
+// Before a statement reaches the engine its shape is looked at: values are joined to it as they came, and the
+// engine would run what they make of it, in other files too.
 class File : public database::Database {
  public:
   explicit File(ObjectRef object) : object_(std::move(object)) {}
@@ -99,15 +103,29 @@ class File : public database::Database {
       throw database::DatabaseError(noPermission, u"The database is read-only.");
   }
 
+  // A table that lies in another file, or a query that stands for one, would be read and changed in its
+  // place.
+  void requireTablesOfItsOwn() const {
+    constexpr std::uint32_t attached = 0x60000000U;  // dbAttachedTable and dbAttachedODBC
+    forEach(u"TableDefs", [](const ObjectRef& table, const std::u16string& name) {
+      const auto attributes = static_cast<std::uint32_t>(automation::toLong(dao::get(table, u"Attributes")));
+      if ((attributes & attached) != 0) refuse(name);
+    });
+    forEach(u"QueryDefs", [](const ObjectRef&, const std::u16string& name) { refuse(name); });
+  }
+
   std::unique_ptr<database::Recordset> openRecordset(std::u16string_view statement) override {
+    jet::requireKnown(statement, lifted_);
     return std::make_unique<Rows>(getObject(object_, u"OpenRecordset", {byVal(text(statement))}));
   }
   std::unique_ptr<database::RowList> openRowList(std::u16string_view statement,
                                                  std::span<const std::u16string_view> columns) override {
+    jet::requireKnown(statement, lifted_);
     return std::make_unique<List>(
         getObject(object_, u"OpenRecordset", {byVal(text(statement)), byVal(openDynaset)}), columns);
   }
   void execute(std::u16string_view statement) override {
+    jet::requireKnown(statement, lifted_);
     call(object_, u"Execute", {byVal(text(statement)), byVal(failOnError)});
   }
 
@@ -128,7 +146,23 @@ class File : public database::Database {
   }
 
  private:
+  // Those under a documented name.
+  template <class Look>
+  void forEach(std::u16string_view collection, const Look& look) const {
+    const ObjectRef all = getObject(object_, collection);
+    const std::int32_t count = automation::toLong(dao::get(all, u"Count"));
+    for (std::int32_t i = 0; i < count; ++i) {
+      const ObjectRef one = getObject(all, u"Item", {byVal(i)});
+      const std::u16string name = automation::toText(dao::get(one, u"Name"));
+      if (jet::isDocumentedTable(name)) look(one, name);
+    }
+  }
+  [[noreturn]] static void refuse(const std::u16string& name) {
+    throw database::DatabaseError(unknownFormat, u"Not a table of the database's own: '" + name + u"'.");
+  }
+
   ObjectRef object_;
+  jet::Lifted lifted_;  // kept for its room
   bool closed_ = false;
 };
 
@@ -141,6 +175,7 @@ class DaoEngine : public database::Engine {
     if (!engine_) engine_ = createEngine(creator_);
     auto file = std::make_unique<File>(openPatiently(path, readOnly));
     if (!readOnly) file->requireUpdatable();
+    file->requireTablesOfItsOwn();
     return file;
   }
 

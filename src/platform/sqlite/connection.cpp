@@ -6,6 +6,7 @@
 #include "platform/sqlite/errors.h"
 #include "platform/sqlite/fault_index.h"
 #include "text/text.h"
+#include "text/utf8.h"
 
 namespace vordane::sqlite {
 namespace {
@@ -15,6 +16,19 @@ constexpr std::chrono::milliseconds longestUnsaved{500};
 constexpr int stepsBetweenProgress = 50000;
 // A file up to this size is looked through before free pages of it are written to.
 constexpr std::int64_t quicklyChecked = 16 << 20;
+
+// While it lives, statements are the engine's own and the authorizer lets everything through.
+class Maintaining {
+ public:
+  explicit Maintaining(bool& flag) : flag_(flag), before_(std::exchange(flag, true)) {}
+  ~Maintaining() { flag_ = before_; }
+  Maintaining(const Maintaining&) = delete;
+  Maintaining& operator=(const Maintaining&) = delete;
+
+ private:
+  bool& flag_;
+  bool before_;
+};
 
 }  // namespace
 
@@ -32,6 +46,10 @@ Connection::Connection(Handle handle, bool readOnly, const Options& options)
   release_ = Statement(*this, "RELEASE step");
   rollbackTo_ = Statement(*this, "ROLLBACK TO step");
   changes_ = Statement(*this, "PRAGMA data_version");
+  schema_ = Statement(*this, "PRAGMA schema_version");
+  declarations_ = readTables();
+  seenChanges_ = changesByOthers();
+  seenSchema_ = readNumber(schema_);
   maintaining_ = false;
   sqlite3_set_authorizer(
       handle_.get(),
@@ -53,7 +71,9 @@ int Connection::authorize(int action, const char* first, const char*) const noex
     case SQLITE_SAVEPOINT:
       return SQLITE_OK;
     case SQLITE_PRAGMA:  // made ready once more when another program has changed the tables
-      return std::string_view(first) == "data_version" ? SQLITE_OK : SQLITE_DENY;
+      return std::string_view(first) == "data_version" || std::string_view(first) == "schema_version"
+                 ? SQLITE_OK
+                 : SQLITE_DENY;
     case SQLITE_INSERT:
     case SQLITE_UPDATE:
     case SQLITE_DELETE:
@@ -79,11 +99,12 @@ bool Connection::wait(int tries) noexcept {
 }
 
 void Connection::loadTables() {
-  maintaining_ = true;
+  const Maintaining maintaining(maintaining_);
   tables_.clear();
   Statement names(
       *this,
-      "SELECT name, coalesce(sql LIKE '%AUTOINCREMENT%', 0) FROM sqlite_schema WHERE type = 'table' AND "
+      "SELECT name, coalesce(sql LIKE '%AUTOINCREMENT%', 0) AND EXISTS (SELECT 1 FROM sqlite_schema WHERE "
+      "name = 'sqlite_sequence') FROM sqlite_schema WHERE type = 'table' AND "
       "substr(name, 1, 7) <> 'sqlite_' AND sql NOT LIKE 'CREATE VIRTUAL%'");
   while (names.step()) {
     auto table = std::make_unique<Table>();
@@ -104,13 +125,50 @@ void Connection::loadTables() {
       column.quoted = quote(column.name);
       const std::u16string declared = columns.text(1);
       column.kind = kindOf(table->name, column.name, declared);
+      column.affinity = affinityOf(declared);
       if (columns.integer(2) != 0 && ++keys == 1 && text::equalIgnoringCase(declared, u"integer"))
         table->autoNumber = table->columns.size();
       table->columns.push_back(std::move(column));
     }
-    if (keys != 1) table->autoNumber.reset();
+    // A key that has an index of its own is not the row's number.
+    Statement keyIndex(*this, "SELECT 1 FROM pragma_index_list(?) WHERE origin = 'pk'");
+    keyIndex.bindText(1, table->name);
+    if (keys != 1 || keyIndex.step()) table->autoNumber.reset();
   }
-  maintaining_ = false;
+}
+
+// How the tables are declared, but for those the engine keeps for itself.
+std::string Connection::readTables() {
+  const Maintaining maintaining(maintaining_);
+  Statement all(*this,
+                "SELECT type || ' ' || name || ' ' || coalesce(sql, '') FROM sqlite_schema WHERE type IN "
+                "('table', 'view') AND substr(name, 1, 7) NOT IN ('Vordane', 'sqlite_') ORDER BY 1");
+  std::string declarations;
+  while (all.step()) declarations += text::toUtf8(all.text(0)) + '\n';
+  return declarations;
+}
+
+// Another program may copy, drop and rename a table while it is open here: rows have other keys then.
+void Connection::followTables() {
+  if (inTransaction()) return;  // nobody else changes anything meanwhile
+  lookAtTables();
+}
+
+void Connection::lookAtTables() {
+  const std::int64_t changes = changesByOthers();
+  if (changes == seenChanges_) return;
+  const std::int64_t schema = readNumber(schema_);
+  if (schema != seenSchema_) {
+    std::string declarations = readTables();
+    if (declarations != declarations_) {
+      formerTables_.push_back(std::exchange(tables_, {}));
+      ++tablesChanged_;
+      loadTables();
+      declarations_ = std::move(declarations);
+    }
+  }
+  seenSchema_ = schema;
+  seenChanges_ = changes;
 }
 
 Table* Connection::findTable(std::u16string_view name) {
@@ -137,9 +195,8 @@ void Connection::run(const char* sql) {
 }
 
 void Connection::runMaintenance(const char* sql) {
-  maintaining_ = true;
+  const Maintaining maintaining(maintaining_);
   const int result = sqlite3_exec(handle_.get(), sql, nullptr, nullptr, nullptr);
-  maintaining_ = false;
   if (result != SQLITE_OK) raise(sqlite3_extended_errcode(handle_.get()));
 }
 
@@ -161,6 +218,15 @@ void Connection::begin() {
   if (damaged_) fail(number::damaged);
   finishReaders();
   run("BEGIN IMMEDIATE");
+  const std::uint64_t before = tablesChanged_;
+  try {
+    lookAtTables();
+    // What this step was made for is no longer there; the next one finds what is.
+    if (tablesChanged_ != before) fail(number::recordGone);
+  } catch (...) {
+    rollback();
+    throw;
+  }
   begun_ = std::chrono::steady_clock::now();
   faults_->transactionBegan();
 }
@@ -173,21 +239,23 @@ std::int64_t Connection::pragma(const char* sql) {
 // A damaged list of free pages may name a page in use, and whoever takes it for free writes over its rows.
 // Any other damage is found when its page is read.
 void Connection::checkFreePages() {
-  freePagesChecked_ = true;
-  const bool wasMaintaining = std::exchange(maintaining_, true);
+  const Maintaining maintaining(maintaining_);
   if (pragma("PRAGMA freelist_count") > 0 &&
       pragma("PRAGMA page_count") * pragma("PRAGMA page_size") <= quicklyChecked) {
     Statement check(*this, "PRAGMA quick_check(1)");
     damaged_ = !check.step() || check.text(0) != u"ok";
   }
-  maintaining_ = wasMaintaining;
+  freePagesChecked_ = true;
+}
+
+std::int64_t Connection::readNumber(Statement& statement) {
+  const Running running(statement);
+  statement.step();
+  return statement.integer(0);
 }
 
 std::int64_t Connection::changesByOthers() {
-  changes_.step();
-  const std::int64_t version = changes_.integer(0);
-  changes_.reset();
-  return version;
+  return readNumber(changes_);
 }
 
 std::int64_t Connection::takeNumber(Table& table) {
@@ -220,6 +288,7 @@ void Connection::keepNumber(const Table& table, std::int64_t last) {
 
 // Takes back what the step under way has done so far.
 void Connection::undoStep() noexcept {
+  faults_->undone();
   try {
     rollbackTo_.run();
     release_.run();
@@ -235,11 +304,13 @@ void Connection::commit() {
 }
 
 void Connection::rollback() noexcept {
+  if (faults_) faults_->undone();
   if (inTransaction()) sqlite3_exec(handle_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
 }
 
 void Connection::beginBatch() {
   if (inBatch_) fail(number::invalidOperation);
+  followTables();
   begin();
   inBatch_ = true;
 }
@@ -255,7 +326,6 @@ void Connection::endBatch() {
     commit();
   } catch (...) {
     rollback();
-    faults_->undone();
     throw;
   }
   // A copy of the one file is whole again. What a reader holds up stays in the log until the next time.
@@ -308,9 +378,12 @@ void Connection::progress(std::size_t done, std::size_t of) noexcept {
 
 WriteScope::WriteScope(Connection& connection)
     : connection_(connection), nested_(connection.inTransaction() || connection.inBatch_) {
-  if (!connection.inTransaction()) connection.begin();
-  if (connection.damaged_) fail(number::damaged);
-  connection.finishReaders();
+  if (connection.inTransaction()) {
+    if (connection.damaged_) fail(number::damaged);
+    connection.finishReaders();
+  } else {
+    connection.begin();
+  }
   if (nested_) connection.savepoint_.run();
   ++connection.depth_;
 }
@@ -328,12 +401,11 @@ void WriteScope::done() {
 WriteScope::~WriteScope() {
   --connection_.depth_;
   if (done_) return;
-  connection_.faults_->undone();
   // After a full disk or a failed write the whole transaction may be gone already.
-  if (!nested_) {
-    connection_.rollback();
-  } else if (connection_.inTransaction()) {
+  if (nested_ && connection_.inTransaction()) {
     connection_.undoStep();
+  } else {
+    connection_.rollback();
   }
 }
 

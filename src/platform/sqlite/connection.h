@@ -77,6 +77,11 @@ class Connection {
 
   // Differs from what it was when another connection has changed the file since.
   std::int64_t changesByOthers();
+  // Counts how often another program has changed the tables themselves while the file was open, as far as it
+  // was noticed: by `followTables`, which reads them anew then. Tables read before stay valid as objects.
+  std::uint64_t tablesChanged() const { return tablesChanged_; }
+  void followTables();
+  std::int64_t seenChanges() const { return seenChanges_; }  // when they were followed last
 
   bool inTransaction() const { return sqlite3_get_autocommit(handle_.get()) == 0; }
   void begin();
@@ -104,6 +109,9 @@ class Connection {
   void progress() noexcept;
   void checkFreePages();
   std::int64_t pragma(const char* sql);
+  std::string readTables();
+  void lookAtTables();
+  std::int64_t readNumber(Statement& statement);
 
   Handle handle_;
   bool readOnly_;
@@ -116,12 +124,17 @@ class Connection {
   int lockWaitMilliseconds_;
   std::chrono::steady_clock::time_point begun_;
   std::chrono::steady_clock::time_point waitingSince_;
-  std::unordered_map<std::u16string, std::unique_ptr<Table>> tables_;
+  using Tables = std::unordered_map<std::u16string, std::unique_ptr<Table>>;
+  Tables tables_;
+  std::vector<Tables> formerTables_;  // rows and statements of which may still be held
+  std::string declarations_;          // of `tables_`
+  std::uint64_t tablesChanged_ = 0;
+  std::int64_t seenChanges_ = 0, seenSchema_ = 0;
   std::vector<Reader*> readers_;
   database::Database::Progress progress_;
   std::size_t done_ = 0, of_ = 0;
   std::unique_ptr<FaultIndex> faults_;
-  Statement savepoint_, release_, rollbackTo_, changes_;
+  Statement savepoint_, release_, rollbackTo_, changes_, schema_;
 };
 
 // Many small statements that only read: what they read stays the same meanwhile, and the file's locks are

@@ -49,9 +49,8 @@ std::int64_t answerOf(Connection& connection, const char* sql, std::int64_t id) 
 
 }  // namespace
 
-std::uint32_t shortCount(std::int64_t count) {
-  if (count < 0 || count > std::numeric_limits<std::uint32_t>::max()) fail(number::badValue, u"Count");
-  return static_cast<std::uint32_t>(count);
+bool hasShortKey(std::int64_t count) {
+  return count >= 0 && count <= std::numeric_limits<std::uint32_t>::max();
 }
 
 DescriptionOrder::DescriptionOrder(Connection& connection) : connection_(connection) {
@@ -71,27 +70,36 @@ void DescriptionOrder::keyFunction(sqlite3_context* context, int, sqlite3_value*
   order.step();
   if (sqlite3_value_type(values[0]) == SQLITE_NULL) return sqlite3_result_null(context);
   try {
-    const void* const text = sqlite3_value_text16(values[0]);
     order.key_.clear();
-    appendSortKey(unitsOf(text, sqlite3_value_bytes16(values[0]), order.copy_), order.key_);
+    if (sqlite3_value_type(values[0]) == SQLITE_BLOB) {  // behind every text
+      order.key_.push_back('\xFF');
+      order.key_.append(static_cast<const char*>(sqlite3_value_blob(values[0])),
+                        static_cast<std::size_t>(sqlite3_value_bytes(values[0])));
+    } else {
+      const void* const text = sqlite3_value_text16(values[0]);
+      appendSortKey(unitsOf(text, sqlite3_value_bytes16(values[0]), order.copy_), order.key_);
+    }
     sqlite3_result_blob64(context, order.key_.data(), order.key_.size(), SQLITE_TRANSIENT);
   } catch (...) {
     sqlite3_result_error_nomem(context);
   }
 }
 
-std::vector<std::uint32_t> DescriptionOrder::of(std::int64_t id) {
+SharedCounts DescriptionOrder::of(std::int64_t id) {
   const ReadScope reading(connection_);
   const auto mine = answerOf(connection_, "SELECT count(*) FROM VordaneFaultIndex WHERE ID = ?", id);
   const auto all = answerOf(connection_, "SELECT coalesce(max(Count), ?) FROM FaultDisplay", 0);
   rows_ = static_cast<std::size_t>(mine);
   steps_ = 0;
-  std::vector<std::uint32_t> counts;
-  counts.reserve(rows_);
+  const auto counts = std::make_shared<std::vector<std::uint32_t>>();
+  counts->reserve(rows_);
   const HalfTheCache half(connection_);
   Statement rows(connection_, mine > all / fewOfAll ? mostOfAll : amongOthers);
   rows.bind(1, id);
-  for (; rows.step(); step()) counts.push_back(shortCount(rows.integer(0)));
+  for (; rows.step(); step()) {
+    if (!hasShortKey(rows.integer(0))) return {};
+    counts->push_back(static_cast<std::uint32_t>(rows.integer(0)));
+  }
   return counts;
 }
 

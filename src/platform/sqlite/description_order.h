@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/sqlite/connection.h"
+#include "platform/sqlite/time_order.h"
 
 namespace vordane::sqlite {
 
@@ -18,9 +19,9 @@ class DescriptionOrder {
   DescriptionOrder(const DescriptionOrder&) = delete;
   DescriptionOrder& operator=(const DescriptionOrder&) = delete;
 
-  // `Count` of the exchange's rows by Description, Fault, Alarm, Date, Count. The fault index must be good.
-  // Throws DatabaseError.
-  std::vector<std::uint32_t> of(std::int64_t id);
+  // `Count` of the exchange's rows by Description, Fault, Alarm, Date, Count; null when one of them has no
+  // short key. The fault index must be good. Throws DatabaseError.
+  SharedCounts of(std::int64_t id);
 
  private:
   static void keyFunction(sqlite3_context* context, int, sqlite3_value** values) noexcept;
@@ -32,7 +33,8 @@ class DescriptionOrder {
   std::u16string copy_;
 };
 
-// `Count` as a row's key of four bytes; throws DatabaseError for one that is none.
-std::uint32_t shortCount(std::int64_t count);
+// Whether `Count` is a row's key of four bytes. Access gives numbers of any size and sign where its
+// auto-number is set to random.
+bool hasShortKey(std::int64_t count);
 
 }  // namespace vordane::sqlite

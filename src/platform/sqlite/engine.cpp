@@ -4,8 +4,10 @@
 #include <filesystem>
 #include <fstream>
 
+#include "platform/file_place.h"
 #include "platform/sqlite/connection.h"
 #include "platform/sqlite/errors.h"
+#include "platform/sqlite/foreign_files.h"
 #include "platform/sqlite/plan.h"
 #include "platform/sqlite/recordset.h"
 #include "platform/sqlite/row_list.h"
@@ -107,8 +109,8 @@ void requireEmbeddedFile(std::u16string_view path) {
 
 class EmbeddedDatabase final : public database::Database {
  public:
-  EmbeddedDatabase(Handle handle, bool readOnly, const Options& options)
-      : opened_(std::make_shared<Opened>(std::move(handle), readOnly, options)) {}
+  EmbeddedDatabase(Handle handle, bool readOnly, const Options& options, bool onNetwork = false)
+      : opened_(std::make_shared<Opened>(std::move(handle), readOnly, options)), onNetwork_(onNetwork) {}
 
   std::unique_ptr<database::Recordset> openRecordset(std::u16string_view statement) override {
     requireOpen();
@@ -159,6 +161,7 @@ class EmbeddedDatabase final : public database::Database {
   void setProgress(Progress progress) override {
     if (opened_) opened_->connection.setProgress(std::move(progress));
   }
+  bool isOnNetwork() const override { return onNetwork_; }
   void close() noexcept override { opened_.reset(); }
 
  private:
@@ -167,6 +170,7 @@ class EmbeddedDatabase final : public database::Database {
   }
 
   std::shared_ptr<Opened> opened_;
+  bool onNetwork_;
 };
 
 class EmbeddedEngine final : public database::Engine {
@@ -181,14 +185,22 @@ class EmbeddedEngine final : public database::Engine {
 
  private:
   std::unique_ptr<database::Database> openToWrite(std::u16string_view path) {
+    refuseSharedJournal(path);
     Handle handle = openFile(text::toUtf8(path), SQLITE_OPEN_READWRITE, options_);
+    limitSizes(handle.get());
     if (sqlite3_db_readonly(handle.get(), "main") != 0) fail(number::noPermission, path);
     sqlite3_busy_timeout(handle.get(), options_.lockWaitMilliseconds);
     prepare(handle.get());
+    refuseExpressions(handle.get());
     // Commits reach the disk before they are reported.
     sqlite::execute(handle.get(), "PRAGMA synchronous = FULL");
-    if (holdsFaults(handle.get())) chooseJournal(handle.get(), path);
-    return std::make_unique<EmbeddedDatabase>(std::move(handle), false, options_);
+    const bool network = isOnNetwork(path);
+    if (holdsFaults(handle.get())) chooseJournal(handle.get(), network);
+    return std::make_unique<EmbeddedDatabase>(std::move(handle), false, options_, network);
+  }
+
+  bool isOnNetwork(std::u16string_view path) const {
+    return options_.onNetwork ? options_.onNetwork(path) : platform::liesOnNetwork(path);
   }
 
   static bool holdsFaults(sqlite3* handle) {
@@ -198,8 +210,7 @@ class EmbeddedEngine final : public database::Engine {
 
   // Faults are written while others read them: a write-ahead log, but not where its shared memory doesn't
   // work. The other databases lie in folders that may be read-only and keep the plain rollback journal.
-  void chooseJournal(sqlite3* handle, std::u16string_view path) {
-    const bool network = options_.onNetwork ? options_.onNetwork(path) : path.starts_with(u"\\\\");
+  void chooseJournal(sqlite3* handle, bool network) {
     const char* choice = network ? "PRAGMA journal_mode = DELETE" : "PRAGMA journal_mode = WAL";
     // Two programs that open a new file at once are in each other's way here, and the engine's own waiting
     // for locks does not cover the change of the journal.

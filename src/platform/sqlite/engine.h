@@ -12,8 +12,7 @@
 namespace vordane::sqlite {
 
 struct Options {
-  // Whether a path lies on a network share, where write-ahead logging doesn't work. Without it, paths that
-  // begin with two backslashes do.
+  // Whether a path lies on a network drive, where write-ahead logging doesn't work. Without it, shares do.
   std::function<bool(std::u16string_view path)> onNetwork;
   int lockWaitMilliseconds = 5000;
   // The name of the operating-system layer, for tests that let it fail; empty: the default one.

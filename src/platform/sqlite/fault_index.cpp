@@ -3,35 +3,44 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 #include "platform/sqlite/errors.h"
 #include "platform/sqlite/text_rules.h"
+#include "text/utf8.h"
 
 namespace vordane::sqlite {
 namespace {
 
-constexpr int version = 1;
+constexpr int version = 2;
 // Where a row without a number for an exchange stands: no statement can ask for it.
 constexpr std::int64_t noExchange = -4294967296;
 
-// Plain SQL only: another tool must be able to fire the triggers and to check every table.
-constexpr const char* creation = R"(
-CREATE TABLE IF NOT EXISTS VordaneFaultIndex (
-  ID INTEGER NOT NULL, Moment BLOB NOT NULL, Hash INTEGER NOT NULL, Count INTEGER NOT NULL, Kind BLOB NOT NULL,
-  PRIMARY KEY (ID, Moment, Hash, Count)) WITHOUT ROWID;
-CREATE TABLE IF NOT EXISTS VordaneIndexState (
-  Version INTEGER NOT NULL, Stale INTEGER NOT NULL, NewestMoment BLOB, NewestCount INTEGER);
-DELETE FROM VordaneIndexState;
-INSERT INTO VordaneIndexState VALUES (1, 1, NULL, NULL);
-CREATE TRIGGER IF NOT EXISTS VordaneFaultInserted AFTER INSERT ON FaultDisplay BEGIN
-  UPDATE VordaneIndexState SET Stale = 1 WHERE Stale = 0; END;
-CREATE TRIGGER IF NOT EXISTS VordaneFaultUpdated AFTER UPDATE ON FaultDisplay BEGIN
-  UPDATE VordaneIndexState SET Stale = 1 WHERE Stale = 0; END;
-CREATE TRIGGER IF NOT EXISTS VordaneFaultDeleted AFTER DELETE ON FaultDisplay BEGIN
-  UPDATE VordaneIndexState SET Stale = 1 WHERE Stale = 0; END;
-)";
+struct OwnObject {
+  const char* type;
+  const char* name;
+  const char* sql;  // as the file's schema keeps it
+};
 
-constexpr int objectCount = 5;
+// Plain SQL only: another tool must be able to fire the triggers and to check every table.
+constexpr OwnObject ownObjects[] = {
+    {"table", "VordaneFaultIndex",
+     "CREATE TABLE VordaneFaultIndex (ID INTEGER NOT NULL, Moment BLOB NOT NULL, Hash INTEGER NOT NULL, "
+     "Count INTEGER NOT NULL, Kind BLOB NOT NULL, PRIMARY KEY (ID, Moment, Hash, Count)) WITHOUT ROWID"},
+    {"table", "VordaneIndexState",
+     "CREATE TABLE VordaneIndexState (Version INTEGER NOT NULL, Stale INTEGER NOT NULL, NewestMoment BLOB, "
+     "NewestCount INTEGER, LastCount INTEGER)"},
+    {"trigger", "VordaneFaultInserted",
+     "CREATE TRIGGER VordaneFaultInserted AFTER INSERT ON FaultDisplay BEGIN "
+     "UPDATE VordaneIndexState SET Stale = 1 WHERE Stale = 0; END"},
+    {"trigger", "VordaneFaultUpdated",
+     "CREATE TRIGGER VordaneFaultUpdated AFTER UPDATE ON FaultDisplay BEGIN "
+     "UPDATE VordaneIndexState SET Stale = 1 WHERE Stale = 0; END"},
+    {"trigger", "VordaneFaultDeleted",
+     "CREATE TRIGGER VordaneFaultDeleted AFTER DELETE ON FaultDisplay BEGIN "
+     "UPDATE VordaneIndexState SET Stale = 1 WHERE Stale = 0; END"},
+};
+
 constexpr const char* filling =
     "INSERT INTO VordaneFaultIndex(ID, Moment, Hash, Count, Kind) "
     "SELECT iif(typeof(ID) = 'integer', ID, -4294967296), vordane_moment(Date) AS m, "
@@ -40,6 +49,16 @@ constexpr const char* filling =
 
 constexpr std::u16string_view comparedColumns[] = {u"ID",    u"Fault", u"CPU",
                                                    u"Alarm", u"Date",  u"Description"};
+
+bool isBlob(sqlite3_value* value) {
+  return sqlite3_value_type(value) == SQLITE_BLOB;
+}
+
+std::string_view bytesOf(sqlite3_value* value) {
+  const auto size = static_cast<std::size_t>(sqlite3_value_bytes(value));
+  return size == 0 ? std::string_view{}
+                   : std::string_view(static_cast<const char*>(sqlite3_value_blob(value)), size);
+}
 
 std::optional<std::u16string> textOf(sqlite3_value* value) {
   if (sqlite3_value_type(value) == SQLITE_NULL) return std::nullopt;
@@ -61,12 +80,26 @@ void guarded(sqlite3_context* context, int, sqlite3_value** values) noexcept {
   }
 }
 
+// The sort key of a stored value. This system stores texts and Null; bytes that another tool has stored stand
+// behind every text, as they do in SQLite's own order.
+void appendValue(sqlite3_value* value, std::string& key) {
+  if (!isBlob(value)) return appendField(textOf(value), key);
+  constexpr std::string_view digits = "0123456789ABCDEF";
+  key.push_back('\2');
+  for (const char c : bytesOf(value)) {
+    const auto byte = static_cast<unsigned char>(c);
+    key.append({digits[byte >> 4], digits[byte & 15]});
+  }
+}
+
 void resultBlob(sqlite3_context* context, const std::string& bytes) {
   sqlite3_result_blob64(context, bytes.data(), bytes.size(), SQLITE_TRANSIENT);
 }
 
 void momentFunction(sqlite3_context* context, sqlite3_value** values) {
-  resultBlob(context, FaultIndex::momentKey(textOf(values[0])));
+  std::string key;
+  appendValue(values[0], key);
+  resultBlob(context, key);
 }
 
 void hashFunction(sqlite3_context* context, sqlite3_value** values) {
@@ -76,12 +109,17 @@ void hashFunction(sqlite3_context* context, sqlite3_value** values) {
 }
 
 void kindFunction(sqlite3_context* context, sqlite3_value** values) {
-  const auto fault = textOf(values[0]), alarm = textOf(values[1]), cpu = textOf(values[2]);
-  resultBlob(context, FaultIndex::kindKey({fault, alarm, cpu, {}, {}}));
+  std::string key;
+  for (int i = 0; i < 3; ++i) {
+    if (i > 0) key.push_back('\xFF');
+    appendValue(values[i], key);
+  }
+  resultBlob(context, key);
 }
 
-// Null stays Null, which sorts first.
+// Null stays Null, which sorts first; bytes sort behind every text.
 void sortKeyFunction(sqlite3_context* context, sqlite3_value** values) {
+  if (isBlob(values[0])) return resultBlob(context, '\xFF' + std::string(bytesOf(values[0])));
   const auto text = textOf(values[0]);
   if (!text) return sqlite3_result_null(context);
   std::string key;
@@ -124,13 +162,34 @@ void hashField(std::optional<std::u16string_view> text, FoldedHash& hash) {
 FaultIndex::FaultIndex(Connection& connection) : connection_(connection), byDescription_(connection) {
   registerFunctions(connection);
   registerCollect(connection, collecting_);
-  Table* faults = connection.findTable(u"FaultDisplay");
+  findTable();
+}
+
+// Other declarations make other values of what is stored, and other rows of what a statement asks for: only
+// the table itself can answer then.
+void FaultIndex::findTable() {
+  table_ = nullptr;
+  Table* faults = connection_.findTable(u"FaultDisplay");
   if (!faults || !faults->autoNumber || faults->columns[*faults->autoNumber].folded != u"count") return;
-  for (std::u16string_view column : comparedColumns)
-    if (!faults->find(column)) return;
+  if (!faults->counted) return;
+  for (std::u16string_view column : comparedColumns) {
+    const auto found = faults->find(column);
+    const Affinity wanted = column == u"ID" ? Affinity::integer : Affinity::text;
+    if (!found || faults->columns[*found].affinity != wanted) return;
+  }
   faults->isFaults = true;
   table_ = faults;
-  present_ = isPresent();
+}
+
+// What others may have done to the tables since.
+void FaultIndex::follow() {
+  connection_.followTables();
+  if (tablesChanged_ != connection_.tablesChanged()) {
+    tablesChanged_ = connection_.tablesChanged();
+    byTime_.forget();
+    findTable();
+  }
+  if (std::exchange(seenChanges_, connection_.seenChanges()) != seenChanges_) present_.reset();
 }
 
 Statement& FaultIndex::prepared(Statement& statement, const char* sql) {
@@ -138,33 +197,48 @@ Statement& FaultIndex::prepared(Statement& statement, const char* sql) {
   return statement;
 }
 
+// The index as this version makes it, and nothing else under its names.
 bool FaultIndex::isPresent() {
-  Statement objects(
-      connection_,
-      "SELECT count(*) FROM sqlite_schema WHERE name IN ('VordaneFaultIndex', 'VordaneIndexState', "
-      "'VordaneFaultInserted', 'VordaneFaultUpdated', 'VordaneFaultDeleted')");
-  return objects.step() && objects.integer(0) == objectCount;
+  Statement objects(connection_,
+                    "SELECT count(*), sum(type = ?1 AND name = ?2 AND sql = ?3) FROM sqlite_schema WHERE "
+                    "lower(name) = lower(?2)");
+  return std::all_of(std::begin(ownObjects), std::end(ownObjects), [&](const OwnObject& own) {
+    const std::u16string type = text::fromUtf8(own.type), name = text::fromUtf8(own.name),
+                         sql = text::fromUtf8(own.sql);
+    objects.bindText(1, type);
+    objects.bindText(2, name);
+    objects.bindText(3, sql);
+    const Running running(objects);
+    return objects.step() && objects.integer(0) == 1 && objects.integer(1) == 1;
+  });
 }
 
 // True when the state says that the index is good.
 bool FaultIndex::readState() {
-  if (!present_) return false;
+  if (!present_) present_ = isPresent();
+  if (!*present_) return false;
+  const bool pending = connection_.inTransaction() && touched_;
   Statement& state =
-      prepared(state_, "SELECT Version, Stale, NewestMoment, NewestCount FROM VordaneIndexState");
-  bool good = false;
-  if (state.step()) {
-    good = state.integer(0) == version && state.integer(1) == 0;
-    newest_ = {!state.isNull(3), std::string(state.blob(2)), state.integer(3)};
-    newestChanged_ = false;
-  }
-  state.reset();
+      prepared(state_,
+               "SELECT Version, Stale, NewestMoment, NewestCount, LastCount IS (SELECT seq FROM "
+               "sqlite_sequence WHERE name = ?1) FROM VordaneIndexState");
+  const Running running(state);
+  state.bindText(1, table_->name);
+  if (!state.step()) return false;
+  const bool good =
+      state.integer(0) == version && state.integer(1) == 0 && (pending || state.integer(4) != 0);
+  if (pending && newestChanged_) return good;
+  newest_ = {!state.isNull(3), std::string(state.blob(2)), {}};
+  if (!state.isNull(2)) newest_.count = state.integer(3);
+  newestChanged_ = false;
   return good;
 }
 
 bool FaultIndex::usable() {
-  if (!table_) return false;
   if (connection_.inTransaction() && checked_) return true;
   connection_.beforeRead();
+  follow();
+  if (!table_) return false;
   bool good = readState();
   if (!good && !connection_.readOnly()) {
     repair();
@@ -177,31 +251,57 @@ bool FaultIndex::usable() {
 void FaultIndex::repair() {
   WriteScope write(connection_);
   present_ = isPresent();  // another process may have been quicker
-  const bool wasPresent = present_;
-  try {
-    if (!present_) create();
-    if (!readState()) rebuild();
-    checked_ = true;
-    write.done();
-  } catch (...) {
-    present_ = wasPresent;
-    checked_ = false;
-    throw;
-  }
+  if (!*present_) create();
+  if (!readState()) rebuild();
+  write.done();
 }
 
 void FaultIndex::create() {
-  connection_.runMaintenance(creation);
+  madeAnew_ = true;
+  removeOwn();
+  for (const OwnObject& own : ownObjects) connection_.runMaintenance(own.sql);
+  connection_.runMaintenance("INSERT INTO VordaneIndexState(Version, Stale) VALUES (2, 1)");
   present_ = true;
 }
 
+// What an earlier version or somebody else has left under the names of the index.
+void FaultIndex::removeOwn() {
+  std::string removals;
+  {
+    Statement left(connection_, "SELECT type, name FROM sqlite_schema WHERE lower(name) = lower(?)");
+    for (const OwnObject& own : ownObjects) {
+      const std::u16string name = text::fromUtf8(own.name);
+      left.bindText(1, name);
+      const Running running(left);
+      while (left.step())
+        removals += "DROP " + text::toUtf8(left.text(0)) + " IF EXISTS " + quote(left.text(1)) + ";";
+    }
+  }
+  connection_.runMaintenance(removals.c_str());
+}
+
 void FaultIndex::rebuild() {
+  madeAnew_ = touched_ = true;
   connection_.run("DELETE FROM VordaneFaultIndex");
   connection_.run(filling);
   byTime_.forget();
-  connection_.run("UPDATE VordaneIndexState SET Version = 1, Stale = 0");
+  connection_.run("UPDATE VordaneIndexState SET Version = 2, Stale = 0");
   newest_.known = false;
   newestChanged_ = true;
+}
+
+void FaultIndex::transactionBegan() noexcept {
+  checked_ = madeAnew_ = touched_ = newestChanged_ = false;
+}
+
+void FaultIndex::undone() noexcept {
+  byTime_.forget();
+  newest_.known = false;
+  newestChanged_ = true;
+  if (connection_.inTransaction() && !madeAnew_) return;
+  // The index itself may be among what was taken back.
+  checked_ = false;
+  present_.reset();
 }
 
 std::string FaultIndex::momentKey(std::optional<std::u16string_view> date) {
@@ -235,6 +335,7 @@ std::vector<std::int64_t> FaultIndex::findSame(std::int64_t id, const FaultField
       "WHERE x.ID = ?1 AND x.Moment = ?2 AND x.Hash = ?3 AND f.Fault = ?4 COLLATE vordane_text "
       "AND f.CPU = ?5 COLLATE vordane_text AND f.Alarm = ?6 COLLATE vordane_text "
       "AND f.Date = ?7 COLLATE vordane_text AND f.Description = ?8 COLLATE vordane_text AND f.ID = ?1");
+  const Running running(rows);
   key_.clear();
   appendField(fields.date, key_);
   rows.bind(1, id);
@@ -245,7 +346,6 @@ std::vector<std::int64_t> FaultIndex::findSame(std::int64_t id, const FaultField
     rows.bindText(++parameter, *field);
   std::vector<std::int64_t> counts;
   while (rows.step()) counts.push_back(rows.integer(0));
-  rows.reset();
   return counts;
 }
 
@@ -254,13 +354,13 @@ void FaultIndex::findNewest() {
   Statement last(
       connection_,
       "SELECT ID, Moment, Count FROM VordaneFaultIndex WHERE ID < ? ORDER BY ID DESC, Moment DESC LIMIT 1");
-  newest_ = {true, {}, 0};
+  newest_ = {true, {}, {}};
   std::int64_t below = std::numeric_limits<std::int64_t>::max();
   for (;;) {
     last.bind(1, below);
     if (!last.step()) return;
     below = last.integer(0);
-    if (newest_.count == 0 || last.blob(1) > std::string_view(newest_.moment))
+    if (!newest_.count || last.blob(1) > std::string_view(newest_.moment))
       newest_ = {true, std::string(last.blob(1)), last.integer(2)};
     last.reset();
   }
@@ -268,7 +368,7 @@ void FaultIndex::findNewest() {
 
 std::optional<std::int64_t> FaultIndex::newest() {
   if (!newest_.known) findNewest();
-  return newest_.count == 0 ? std::nullopt : std::optional(newest_.count);
+  return newest_.count;
 }
 
 std::vector<std::int64_t> FaultIndex::allNewestFirst() {
@@ -284,15 +384,17 @@ std::vector<std::int64_t> FaultIndex::allNewestFirst() {
 SharedCounts FaultIndex::ordered(std::int64_t id, FaultOrder order) {
   if (order == FaultOrder::date) return orderedByTime(id);
   byTime_.forget();  // one order of a million faults at a time
-  return std::make_shared<const std::vector<std::uint32_t>>(
-      order == FaultOrder::description ? byDescription_.of(id)
-                                       : collectFaults(connection_, collecting_, id, true).byKind(order));
+  if (order == FaultOrder::description) return byDescription_.of(id);
+  const CollectedFaults faults = collectFaults(connection_, collecting_, id, true);
+  if (faults.beyondKeys()) return {};
+  return std::make_shared<const std::vector<std::uint32_t>>(faults.byKind(order));
 }
 
 SharedCounts FaultIndex::orderedByTime(std::int64_t id) {
   const std::int64_t version = connection_.changesByOthers();
   if (auto kept = byTime_.of(id, version)) return kept;
   const CollectedFaults faults = collectFaults(connection_, collecting_, id, false);
+  if (faults.beyondKeys()) return {};
   byTime_.keep(id, version, faults.byDate(), faults.lastMoment());
   return byTime_.of(id, version);
 }
@@ -307,8 +409,9 @@ void FaultIndex::added(std::int64_t count, std::optional<std::int64_t> id, const
   insert.bind(4, count);
   insert.bindBlob(5, kind);
   insert.run();
+  touched_ = true;
   byTime_.added(id.value_or(noExchange), moment, count);
-  if (newest_.known && (newest_.count == 0 || moment > newest_.moment)) {
+  if (newest_.known && (!newest_.count || moment > newest_.moment)) {
     newest_ = {true, moment, count};
     newestChanged_ = true;
   }
@@ -370,13 +473,17 @@ void FaultIndex::removeRows(std::int64_t id, std::size_t of) {
 }
 
 void FaultIndex::beforeCommit() {
-  if (!newestChanged_) return;
+  if (!newestChanged_ && !touched_) return;
   if (!newest_.known) findNewest();
-  Statement update(connection_, "UPDATE VordaneIndexState SET NewestMoment = ?, NewestCount = ?");
-  update.bindBlob(1, newest_.moment);
-  update.bind(2, newest_.count);
+  Statement update(
+      connection_,
+      "UPDATE VordaneIndexState SET NewestMoment = ?1, NewestCount = ?2, LastCount = (SELECT seq "
+      "FROM sqlite_sequence WHERE name = ?3)");
+  if (newest_.count) update.bindBlob(1, newest_.moment);
+  update.bind(2, newest_.count.value_or(0));
+  update.bindText(3, table_->name);
   update.run();
-  newestChanged_ = false;
+  newestChanged_ = touched_ = false;
 }
 
 }  // namespace vordane::sqlite

@@ -6,6 +6,10 @@
 //                      Kind (sort keys of Fault, Alarm, CPU)
 //   VordaneIndexState  Stale is set by triggers when somebody else changes FaultDisplay; the index is then
 //                      made anew before it is used again. This engine switches triggers off for itself.
+//                      LastCount is the last number that was given when the index was last good: whoever
+//                      adds with triggers off is found by it.
+//
+// A table that is not declared as this system's own files declare it is answered from the table alone.
 #pragma once
 
 #include <cstdint>
@@ -45,7 +49,8 @@ class FaultIndex {
   std::optional<std::int64_t> newest();
   // `Count` of every row in that order, `newest` first.
   std::vector<std::int64_t> allNewestFirst();
-  // `Count` of an exchange's rows, ascending in one of the five orders.
+  // `Count` of an exchange's rows, ascending in one of the five orders; null when one of them is below 0 or
+  // has more than 32 bits, and only the table itself can tell.
   SharedCounts ordered(std::int64_t id, FaultOrder order);
 
   // Inside the transaction that changes the table.
@@ -54,21 +59,24 @@ class FaultIndex {
   void changed(std::int64_t count);      // after an update of one row
   void removeExchange(std::int64_t id);  // rows of both the table and the index
 
-  void transactionBegan() { checked_ = false; }
+  void transactionBegan() noexcept;
   void beforeCommit();
-  // Something that was changed was taken back, or may have been.
-  void undone() noexcept { byTime_.forget(); }
+  // Something that was changed was taken back, or may have been: a step, or the whole transaction.
+  void undone() noexcept;
 
  private:
   struct Newest {
     bool known = false;
     std::string moment;
-    std::int64_t count = 0;  // 0: the table is empty
+    std::optional<std::int64_t> count;  // nothing: the table is empty
   };
+  void follow();
+  void findTable();
   bool readState();
   bool isPresent();
   void repair();
   void create();
+  void removeOwn();
   void rebuild();
   void findNewest();
   void removeRows(std::int64_t id, std::size_t of);
@@ -76,9 +84,14 @@ class FaultIndex {
   Statement& prepared(Statement& statement, const char* sql);
 
   Connection& connection_;
-  const Table* table_ = nullptr;  // null: the file holds no such table
-  bool present_ = false;
-  bool checked_ = false;  // known to be good for as long as this transaction lasts
+  const Table* table_ = nullptr;     // null: the file holds no such table
+  std::uint64_t tablesChanged_ = 0;  // when `table_` was found
+  std::int64_t seenChanges_ = 0;     // when `present_` was
+  std::optional<bool> present_;      // unknown where something was taken back or others have written
+  // What holds for as long as this transaction lasts.
+  bool checked_ = false;   // the index is known to be good
+  bool madeAnew_ = false;  // it was made anew
+  bool touched_ = false;   // it was changed
   bool newestChanged_ = false;
   Newest newest_;
   Statement state_, same_, insert_, remove_, read_;

@@ -86,7 +86,8 @@ void CollectedFaults::add(std::string_view moment, std::int64_t count, std::opti
     moment_.assign(moment);
   }
   if (kind && kind->empty()) fail(number::damaged);
-  counts_.push_back(shortCount(count));
+  beyondKeys_ |= !hasShortKey(count);
+  counts_.push_back(static_cast<std::uint32_t>(count));
   if (kind) kinds_.push_back(numbers_.numberOf(*kind));
 }
 

@@ -34,12 +34,14 @@ class Kinds {
 // An exchange's faults by Date, then Count, taken in while the engine goes through the index.
 class CollectedFaults {
  public:
-  // `kind` is given for all or for none. Throws DatabaseError for a `Count` that is no row number, and when
-  // moments do not ascend or a kind is no kind: the index is damaged then.
+  // `kind` is given for all or for none. Throws DatabaseError when moments do not ascend or a kind is no
+  // kind: the index is damaged then.
   void add(std::string_view moment, std::int64_t count, std::optional<std::string_view> kind);
   void finish() { closeGroup(); }
 
   std::size_t size() const { return counts_.size(); }
+  // A `Count` was met that has no place in a short key; none of the orders below holds then.
+  bool beyondKeys() const { return beyondKeys_; }
   const std::string& lastMoment() const { return moment_; }
   std::vector<std::uint32_t> byDate() const;
   std::vector<std::uint32_t> byKind(FaultOrder first) const;
@@ -51,6 +53,7 @@ class CollectedFaults {
   Blocks<std::uint32_t> counts_, kinds_;
   Kinds numbers_;
   std::string moment_;
+  bool beyondKeys_ = false;
   std::size_t group_ = 0;  // where the faults of `moment_` begin
 };
 

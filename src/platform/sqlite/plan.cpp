@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "platform/sqlite/errors.h"
 #include "text/text.h"
@@ -96,7 +97,16 @@ std::size_t Plan::resultColumn(std::u16string_view name) const {
   fail(number::unknownItem, name);
 }
 
+void Plans::forgetIfTablesChanged() {
+  connection_.followTables();
+  if (tablesChanged_ == connection_.tablesChanged()) return;
+  former_.push_back(std::exchange(plans_, {}));
+  known_.clear();
+  tablesChanged_ = connection_.tablesChanged();
+}
+
 Plan& Plans::find(std::u16string_view statement, jet::Lifted& lifted) {
+  forgetIfTablesChanged();
   for (const Known& known : known_)
     if (known.skeleton.match(statement, lifted.literals)) return *known.plan;
   jet::lift(statement, lifted);
@@ -118,8 +128,11 @@ void Plans::remember(std::u16string_view statement, const jet::Lifted& lifted, P
 
 std::unique_ptr<Plan> Plans::make(const jet::Lifted& lifted) {
   auto plan = std::make_unique<Plan>();
+  plan->tablesChanged = tablesChanged_;
   plan->shape = jet::parse(lifted);
   plan->table = &connection_.table(plan->shape.table);
+  // Rows are known by their number, which such a column hides.
+  if (plan->table->find(u"rowid")) fail(number::invalidOperation);
   if (plan->isUnion()) {
     planUnion(*plan);
     return plan;

@@ -9,7 +9,7 @@
 
 #include "platform/sqlite/connection.h"
 #include "platform/sqlite/fault_index.h"
-#include "platform/sqlite/jet.h"
+#include "platform/jet.h"
 
 namespace vordane::sqlite {
 
@@ -26,6 +26,8 @@ struct Plan {
   Special special = Special::none;
   FaultOrder order = FaultOrder::date;
   bool descending = false;
+
+  std::uint64_t tablesChanged = 0;  // the connection's count when it was made
 
   bool isUnion() const { return shape.verb == jet::Verb::countedUnion; }
   int firstColumn() const { return isUnion() ? 0 : 1; }
@@ -48,8 +50,12 @@ class Plans {
   std::unique_ptr<Plan> make(const jet::Lifted& lifted);
   void remember(std::u16string_view statement, const jet::Lifted& lifted, Plan& plan);
   Connection& connection_;
-  std::unordered_map<std::u16string, std::unique_ptr<Plan>> plans_;
+  void forgetIfTablesChanged();
+  using ByShape = std::unordered_map<std::u16string, std::unique_ptr<Plan>>;
+  ByShape plans_;
+  std::vector<ByShape> former_;  // made for tables that were changed since; their rows may still be held
   std::vector<Known> known_;
+  std::uint64_t tablesChanged_ = 0;
 };
 
 // What a database and the recordsets and lists it gave out share: none of them is cut off by the end of

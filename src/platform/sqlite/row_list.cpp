@@ -13,12 +13,16 @@ class EmbeddedRowList final : public database::RowList {
  public:
   using Keys = std::shared_ptr<const std::vector<Key>>;
 
+  // `exchange` is the one whose rows the index named, if it did; the row itself decides.
   EmbeddedRowList(std::shared_ptr<Opened> opened, const Plan& plan, Keys keys, bool backwards,
-                  std::span<const std::u16string_view> columns)
+                  std::span<const std::u16string_view> columns,
+                  std::optional<std::int64_t> exchange = std::nullopt)
       : opened_(std::move(opened)),
         connection_(opened_->connection),
+        tablesChanged_(plan.tablesChanged),
         keys_(std::move(keys)),
-        backwards_(backwards) {
+        backwards_(backwards),
+        exchange_(exchange) {
     std::string sql;
     for (std::u16string_view name : columns) {
       const Column* column = plan.columns[plan.resultColumn(name)];
@@ -26,25 +30,27 @@ class EmbeddedRowList final : public database::RowList {
       sql += (sql.empty() ? "SELECT " : ", ") + column->quoted;
     }
     if (sql.empty()) sql = "SELECT NULL";
-    row_ = Statement(connection_, sql + " FROM " + plan.table->quoted + " WHERE rowid = ?");
+    row_ = Statement(connection_, sql + " FROM " + plan.table->quoted + " WHERE rowid = ?1" +
+                                      (exchange_ ? " AND ID = ?2" : ""));
   }
 
   std::size_t size() const override { return keys_->size(); }
 
   bool fetch(std::size_t position, std::vector<Value>& out) override {
     out.clear();
-    if (position >= size()) return false;
+    if (position >= size() || tablesChanged()) return false;
     connection_.beforeRead();
-    row_.bind(1, keyAt(position));
+    const Running running(row_);
+    bindRow(position);
     const bool found = row_.step();
     for (std::size_t i = 0; found && i < yesNo_.size(); ++i)
       out.push_back(row_.value(static_cast<int>(i), yesNo_[i]));
-    row_.reset();
     return found;
   }
 
   std::optional<std::size_t> find(std::u16string_view needle, std::size_t first,
                                   const Progress& progress) override {
+    if (tablesChanged()) return {};
     const ReadScope reading(connection_);
     FoldedNeedle folded(needle);
     for (std::size_t i = 0; i < size(); ++i) {
@@ -60,9 +66,21 @@ class EmbeddedRowList final : public database::RowList {
     return (*keys_)[backwards_ ? keys_->size() - 1 - position : position];
   }
 
+  // The keys belong to the table as it was.
+  bool tablesChanged() {
+    connection_.followTables();
+    return tablesChanged_ != connection_.tablesChanged();
+  }
+
+  void bindRow(std::size_t position) {
+    row_.bind(1, keyAt(position));
+    if (exchange_) row_.bind(2, *exchange_);
+  }
+
   // Looks at the texts where the engine holds them.
   bool holds(std::size_t position, FoldedNeedle& needle) {
-    row_.bind(1, keyAt(position));
+    const Running running(row_);
+    bindRow(position);
     bool found = false;
     if (row_.step()) {
       for (std::size_t i = 0; !found && i < yesNo_.size(); ++i) {
@@ -74,14 +92,15 @@ class EmbeddedRowList final : public database::RowList {
         }
       }
     }
-    row_.reset();
     return found;
   }
 
   std::shared_ptr<Opened> opened_;
   Connection& connection_;
+  std::uint64_t tablesChanged_;
   Keys keys_;
   bool backwards_;
+  std::optional<std::int64_t> exchange_;
   std::vector<bool> yesNo_;
   Statement row_;
   std::u16string copy_;
@@ -106,10 +125,12 @@ std::unique_ptr<database::RowList> makeRowList(std::shared_ptr<Opened> opened, P
   if (plan.isUnion() || plan.shape.verb == jet::Verb::remove) fail(number::invalidOperation);
   Connection& connection = opened->connection;
   connection.beforeRead();
-  if (plan.special == Plan::Special::faultsOfExchange && connection.faults().usable())
-    return std::make_unique<EmbeddedRowList<std::uint32_t>>(
-        std::move(opened), plan, connection.faults().ordered(literals.at(0).number, plan.order),
-        plan.descending, columns);
+  if (plan.special == Plan::Special::faultsOfExchange && connection.faults().usable()) {
+    const std::int64_t exchange = literals.at(0).number;
+    if (auto counts = connection.faults().ordered(exchange, plan.order))
+      return std::make_unique<EmbeddedRowList<std::uint32_t>>(std::move(opened), plan, std::move(counts),
+                                                              plan.descending, columns, exchange);
+  }
   auto keys = std::make_shared<const std::vector<std::int64_t>>(readKeys(connection, plan, literals));
   return std::make_unique<EmbeddedRowList<std::int64_t>>(std::move(opened), plan, std::move(keys), false,
                                                          columns);

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <unordered_map>
 
+#include "platform/file_moves.h"
 #include "platform/sqlite/connection.h"
 #include "platform/sqlite/errors.h"
 #include "text/text.h"
@@ -176,9 +177,7 @@ void DatabaseWriter::finish() {
   state_->inserts.clear();
   state_->connection->commit();
   state_->connection.reset();
-  std::error_code failure;
-  std::filesystem::rename(state_->temporary, state_->path, failure);
-  if (!failure) return;
+  if (!platform::moveFile(state_->temporary, state_->path)) return;
   std::error_code ignored;
   std::filesystem::remove(state_->temporary, ignored);
   fail(number::noPermission, state_->path.u16string());

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "platform/database.h"
-#include "platform/sqlite/jet.h"
+#include "platform/jet.h"
 
 namespace vordane::sqlite {
 
@@ -57,6 +57,19 @@ class Statement {
   void check(int resultCode);
   Connection* connection_ = nullptr;
   std::unique_ptr<sqlite3_stmt, Finalizer> handle_;
+};
+
+// A statement that is kept for the next time: however its use ends, it is reset, since one that was left in
+// the middle takes no new values.
+class Running {
+ public:
+  explicit Running(Statement& statement) : statement_(statement) {}
+  ~Running() { statement_.reset(); }
+  Running(const Running&) = delete;
+  Running& operator=(const Running&) = delete;
+
+ private:
+  Statement& statement_;
 };
 
 // Statements of one text, prepared once and lent out.

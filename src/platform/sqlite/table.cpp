@@ -38,8 +38,11 @@ constexpr DeclaredWord declaredKinds[] = {
     {u"clob", Kind::text},   {u"memo", Kind::text},
 };
 
-bool hasLoneSurrogate(std::u16string_view text) {
+// Whether UTF-8 as SQLite reads it would give another text: it has no lone surrogates, and takes the last two
+// characters of the first plane for unreadable.
+bool changesInUtf8(std::u16string_view text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] >= 0xFFFE) return true;
     if ((text[i] & 0xF800) != 0xD800) continue;
     const bool paired = text[i] < 0xDC00 && i + 1 < text.size() && (text[i + 1] & 0xFC00) == 0xDC00;
     if (!paired) return true;
@@ -59,7 +62,7 @@ bool isMoment(std::u16string_view text) {
 
 database::Value fitText(const Column& column, const database::Value& value, bool utf8File) {
   std::u16string text = automation::toText(value);
-  if (utf8File && hasLoneSurrogate(text)) fail(number::badValue, column.name);
+  if (utf8File && changesInUtf8(text)) fail(number::badValue, column.name);
   return text;
 }
 
@@ -87,6 +90,14 @@ Kind kindOf(std::u16string_view table, std::u16string_view column, std::u16strin
   for (const DeclaredWord& known : declaredKinds)
     if (text::contains(folded, known.word)) return known.kind;
   return Kind::other;
+}
+
+Affinity affinityOf(std::u16string_view declared) {
+  const std::u16string folded = text::toLower(declared);
+  if (text::contains(folded, u"int")) return Affinity::integer;
+  for (const std::u16string_view word : {u"char", u"clob", u"text"})
+    if (text::contains(folded, word)) return Affinity::text;
+  return Affinity::other;
 }
 
 std::string quote(std::u16string_view name) {

@@ -14,12 +14,15 @@
 namespace vordane::sqlite {
 
 enum class Kind { text, integer, integer16, yesNo, date, other };
+// What SQLite makes of a value that a column of this declaration is given or compared with.
+enum class Affinity { text, integer, other };
 
 struct Column {
   std::u16string name;    // as declared
   std::u16string folded;  // in lower case
   std::string quoted;     // UTF-8, for SQL text
   Kind kind = Kind::other;
+  Affinity affinity = Affinity::other;
 };
 
 struct Table {
@@ -39,6 +42,7 @@ struct Table {
 };
 
 Kind kindOf(std::u16string_view table, std::u16string_view column, std::u16string_view declared);
+Affinity affinityOf(std::u16string_view declared);
 std::string quote(std::u16string_view name);
 
 // `value` as the column keeps it. Throws DatabaseError (badValue).

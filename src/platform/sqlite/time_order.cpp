@@ -48,8 +48,8 @@ void TimeOrder::append() {
 
 void TimeOrder::added(std::int64_t id, std::string_view moment, std::int64_t count) {
   if (id_ != id) return;
-  if (moment < lastMoment_ || count <= lastCount_) return forget();
-  added_.push_back(shortCount(count));
+  if (moment < lastMoment_ || count <= lastCount_ || !hasShortKey(count)) return forget();
+  added_.push_back(static_cast<std::uint32_t>(count));
   lastMoment_.assign(moment);
   lastCount_ = count;
 }

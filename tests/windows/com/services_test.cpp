@@ -4,6 +4,7 @@
 #include <string>
 #include <thread>
 
+#include "platform/engine_choice.h"
 #include "platform/windows/com/owned.h"
 #include "platform/windows/services/services.h"
 
@@ -53,6 +54,69 @@ TEST(SystemClock, GivesTheRegionalShortForms) {
   EXPECT_NE(text.find(u":05:08"), std::u16string::npos);
   EXPECT_GE(clock.secondsSinceMidnight(), 0.0);
   EXPECT_LT(clock.secondsSinceMidnight(), 86400.0);
+}
+
+TEST(SystemFiles, TellWhoHoldsAFileForHimself) {
+  const std::u16string path = u"vordane-held-test.tmp";
+  SystemFiles().append(path, "some bytes");
+  EXPECT_FALSE(isHeldByOthers(path));
+  const auto hold = [](DWORD share) {
+    return com::File(CreateFileW(L"vordane-held-test.tmp", GENERIC_READ | GENERIC_WRITE, share, nullptr,
+                                 OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  };
+  {
+    const com::File alone = hold(0);
+    EXPECT_TRUE(isHeldByOthers(path));
+  }
+  EXPECT_FALSE(isHeldByOthers(path));
+  {
+    const com::File shared = hold(FILE_SHARE_READ | FILE_SHARE_WRITE);
+    EXPECT_FALSE(isHeldByOthers(path));
+    OVERLAPPED begin{};
+    ASSERT_TRUE(LockFileEx(shared.get(), LOCKFILE_EXCLUSIVE_LOCK, 0, 16, 0, &begin));
+    EXPECT_TRUE(isHeldByOthers(path));
+  }
+  DeleteFileW(L"vordane-held-test.tmp");
+  EXPECT_FALSE(isHeldByOthers(path)) << "a missing file is missing, not held";
+}
+
+// Windows' own choice of an engine: whoever holds the file lets it go while it is waited for.
+TEST(SystemFiles, AHeldFileIsWaitedForAndThenTold) {
+  const std::u16string path = u"vordane-held-test.mdb";
+  SystemFiles().append(path, std::string("SQLite format 3\0", 16));
+  class Reached : public database::Engine {
+    std::unique_ptr<database::Database> open(std::u16string_view, bool) override { return nullptr; }
+  };
+  const auto open = [&](std::chrono::milliseconds wait) {
+    const auto choice = database::makeEngineChoice(std::make_unique<Reached>(), std::make_unique<Reached>(),
+                                                   {isHeldByOthers, wait});
+    try {
+      choice->open(path, false);
+    } catch (const database::DatabaseError& error) {
+      return error.number();
+    }
+    return 0;
+  };
+  com::File holder(CreateFileW(L"vordane-held-test.mdb", GENERIC_READ, 0, nullptr, OPEN_EXISTING,
+                               FILE_ATTRIBUTE_NORMAL, nullptr));
+  ASSERT_TRUE(static_cast<bool>(holder));
+  EXPECT_EQ(open(std::chrono::milliseconds(50)), 3260);
+  std::thread lettingGo([&] {
+    Sleep(200);
+    holder = com::File();
+  });
+  EXPECT_EQ(open(std::chrono::minutes(5)), 0);
+  lettingGo.join();
+  DeleteFileW(L"vordane-held-test.mdb");
+}
+
+// What Windows says of a letter that stands for a share is tried with the whole suite (network-drive.sh).
+TEST(NetworkDrive, IsOneThatWindowsCallsRemote) {
+  EXPECT_TRUE(isOnNetworkDrive(u"\\\\server\\share\\FAULT.MDB"));
+  EXPECT_TRUE(isOnNetworkDrive(u"\\\\?\\UNC\\server\\share\\FAULT.MDB"));
+  EXPECT_FALSE(isOnNetworkDrive(u"C:\\FAULT.MDB"));
+  EXPECT_FALSE(isOnNetworkDrive(u"\\\\?\\C:\\FAULT.MDB"));
+  EXPECT_FALSE(isOnNetworkDrive(u"FAULT.MDB"));
 }
 
 TEST(SystemFiles, AppendsAndMeasures) {

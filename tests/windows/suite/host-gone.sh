@@ -29,7 +29,7 @@ expect_last() {
   last=$(log_lines "$1" | tail -n 1)
   expect "the last line of $1.tlg" "$2" "$last"
 }
-broken_off='The run was broken off: no program holds the fault display any more'
+broken_off='The run was broken off: no program uses the fault display any more'
 
 install_suite
 use_scenario run-ends

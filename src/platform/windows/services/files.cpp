@@ -1,5 +1,6 @@
 #include <string>
 
+#include "platform/file_place.h"
 #include "platform/windows/com/owned.h"
 #include "platform/windows/services/services.h"
 
@@ -42,6 +43,14 @@ void takeBack(const std::wstring& path, std::int64_t end, DWORD bytes) {
     SetEndOfFile(file.get());
 }
 
+// A whole path; the path as it is where the system can't tell.
+std::u16string wholePath(std::u16string_view path) {
+  const std::wstring given = toWide(path);
+  std::wstring whole(GetFullPathNameW(given.c_str(), 0, nullptr, nullptr), L'\0');
+  whole.resize(GetFullPathNameW(given.c_str(), static_cast<DWORD>(whole.size()), whole.data(), nullptr));
+  return whole.empty() ? std::u16string(path) : std::u16string(whole.begin(), whole.end());
+}
+
 DWORD attributesOf(std::u16string_view path) {
   return path.empty() ? INVALID_FILE_ATTRIBUTES : GetFileAttributesW(toWide(path).c_str());
 }
@@ -79,6 +88,23 @@ std::optional<std::int64_t> SystemFiles::length(std::u16string_view path) {
   if (path.empty() || !GetFileAttributesExW(toWide(path).c_str(), GetFileExInfoStandard, &data)) return {};
   if ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return {};
   return (static_cast<std::int64_t>(data.nFileSizeHigh) << 32) | data.nFileSizeLow;
+}
+
+bool isHeldByOthers(std::u16string_view path) {
+  const com::File file(CreateFileW(toWide(path).c_str(), GENERIC_READ,
+                                   FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                   OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  if (!file) return GetLastError() == ERROR_SHARING_VIOLATION;
+  char first = 0;
+  DWORD read = 0;
+  return !ReadFile(file.get(), &first, 1, &read, nullptr) && GetLastError() == ERROR_LOCK_VIOLATION;
+}
+
+bool isOnNetworkDrive(std::u16string_view path) {
+  return platform::liesOnNetwork(wholePath(path), [](char16_t letter) {
+    const wchar_t root[] = {static_cast<wchar_t>(letter), L':', L'\\', L'\0'};
+    return GetDriveTypeW(root) == DRIVE_REMOTE;
+  });
 }
 
 }  // namespace vordane::windows

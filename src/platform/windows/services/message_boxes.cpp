@@ -12,21 +12,20 @@ constexpr int answerYes = 6;
 // each other, the newest asks.
 struct Shown {
   const platform::MessageBoxRequest* request;
-  const SystemMessageBoxes::HelpMissing* helpMissing;
+  const SystemMessageBoxes::HelpWanted* helpWanted;
   Shown* below;
 };
 Shown* newest = nullptr;
 
-void CALLBACK helpWanted(LPHELPINFO) {
+void CALLBACK askForHelp(LPHELPINFO) {
   if (newest == nullptr || newest->request->helpFile.empty()) return;
-  const std::u16string& file = newest->request->helpFile;
-  if (!openDocument(file) && *newest->helpMissing) (*newest->helpMissing)(file);
+  if (*newest->helpWanted) (*newest->helpWanted)(newest->request->helpFile);
 }
 
 }  // namespace
 
-SystemMessageBoxes::SystemMessageBoxes(Owner owner, HelpMissing helpMissing)
-    : owner_(std::move(owner)), helpMissing_(std::move(helpMissing)) {}
+SystemMessageBoxes::SystemMessageBoxes(Owner owner, HelpWanted helpWanted)
+    : owner_(std::move(owner)), helpWanted_(std::move(helpWanted)) {}
 
 int SystemMessageBoxes::show(const platform::MessageBoxRequest& request) {
   if (!stationIsVisible()) return answerYes;
@@ -39,8 +38,8 @@ int SystemMessageBoxes::show(const platform::MessageBoxRequest& request) {
   box.lpszCaption = title.c_str();
   box.dwStyle = static_cast<DWORD>(request.style);
   box.dwContextHelpId = static_cast<DWORD_PTR>(request.helpContext.value_or(0));
-  box.lpfnMsgBoxCallback = helpWanted;
-  Shown shown{&request, &helpMissing_, newest};
+  box.lpfnMsgBoxCallback = askForHelp;
+  Shown shown{&request, &helpWanted_, newest};
   newest = &shown;
   const int answer = MessageBoxIndirectW(&box);
   newest = shown.below;

@@ -48,14 +48,14 @@ class ComObjectCreator : public platform::ObjectCreator {
 class SystemMessageBoxes : public platform::MessageBoxes {
  public:
   using Owner = std::function<HWND()>;
-  // Called with the path of a help file that can't be opened; should tell the user.
-  using HelpMissing = std::function<void(std::u16string_view path)>;
-  SystemMessageBoxes(Owner owner, HelpMissing helpMissing);
+  // Called when a person asks a box for help, with the box's help file.
+  using HelpWanted = std::function<void(std::u16string_view file)>;
+  SystemMessageBoxes(Owner owner, HelpWanted helpWanted);
   int show(const platform::MessageBoxRequest& request) override;
 
  private:
   Owner owner_;
-  HelpMissing helpMissing_;
+  HelpWanted helpWanted_;
 };
 
 // The running program: long path name, version resource, command line. `start` says what was asked for.
@@ -69,6 +69,12 @@ std::vector<guard::Finding> whoMayReplace(std::u16string_view path);
 
 // False in a service's session, where a window or box would never be seen.
 bool stationIsVisible();
+
+// True for a file on a share or on a drive that stands for one.
+bool isOnNetworkDrive(std::u16string_view path);
+
+// True when somebody else has opened a file for himself alone, or keeps its beginning locked.
+bool isHeldByOthers(std::u16string_view path);
 
 // Opens a document with what the workstation has for it; false when there is nothing.
 bool openDocument(std::u16string_view path);

@@ -10,7 +10,7 @@ namespace {
 constexpr int narrowest = 24, widest = 4000;
 constexpr std::size_t longestNumber = 7;
 
-std::u16string numberText(int number) {
+std::u16string numberText(std::int64_t number) {
   const std::string digits = std::to_string(number);
   return {digits.begin(), digits.end()};
 }

@@ -1,4 +1,4 @@
-#include "platform/sqlite/jet.h"
+#include "platform/jet.h"
 
 #include <array>
 #include <charconv>
@@ -6,11 +6,11 @@
 #include <limits>
 #include <unordered_set>
 
-#include "platform/sqlite/errors.h"
+#include "platform/database.h"
 #include "text/numbers.h"
 #include "text/text.h"
 
-namespace vordane::sqlite::jet {
+namespace vordane::jet {
 namespace {
 
 constexpr std::u16string_view keywords[] = {u"select", u"from", u"where", u"and",   u"order",
@@ -19,7 +19,8 @@ constexpr std::u16string_view keywords[] = {u"select", u"from", u"where", u"and"
 constexpr std::size_t mostLiterals = 6;  // of the longest statement
 
 [[noreturn]] void syntaxError() {
-  fail(number::syntax);
+  constexpr int number = 3075;
+  throw database::DatabaseError(number, u"Syntax error in statement.");
 }
 
 bool isBlank(char16_t c) {
@@ -394,4 +395,18 @@ Shape parse(const Lifted& statement) {
   return shape;
 }
 
-}  // namespace vordane::sqlite::jet
+void requireKnown(std::u16string_view statement, Lifted& lifted) {
+  lift(statement, lifted);
+  parse(lifted);
+}
+
+bool isDocumentedTable(std::u16string_view name) {
+  static const std::unordered_set<std::u16string> tables = [] {
+    std::unordered_set<std::u16string> all{u"tmessages"};  // its statement holds no value
+    for (const std::u16string& shape : documentedShapes()) all.insert(Parser(shape).run().table);
+    return all;
+  }();
+  return tables.contains(text::toLower(name));
+}
+
+}  // namespace vordane::jet

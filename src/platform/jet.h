@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace vordane::sqlite::jet {
+namespace vordane::jet {
 
 struct Literal {
   bool isText = false;
@@ -67,4 +67,11 @@ class Skeleton {
 // Throws DatabaseError (syntax) for everything that this system does not send.
 Shape parse(const Lifted& statement);
 
-}  // namespace vordane::sqlite::jet
+// Takes a statement apart into `lifted` and looks at its shape, for an engine that runs the text itself.
+// Throws as `lift` and `parse` do.
+void requireKnown(std::u16string_view statement, Lifted& lifted);
+
+// A table of the suite's databases that a documented statement reads or changes; case does not matter.
+bool isDocumentedTable(std::u16string_view name);
+
+}  // namespace vordane::jet

@@ -1,0 +1,23 @@
+#!/usr/bin/env bash
+# The inner half of run.sh: gives a test its screen, runs it within its time and ends what is left of it.
+#
+#   on-screen.sh PROGRAM [ARGUMENT ...]
+set -euo pipefail
+unavailable() { printf 'the test can not start: %s\n' "$*" >&2; exit 125; }
+
+work=$(dirname "$WINEPREFIX")
+mkfifo "$work/display"
+Xvfb -displayfd 7 -screen 0 1400x1000x24 -nolisten tcp 7<>"$work/display" 2>"$work/screen.log" &
+screen=$!
+# The number comes when the screen is ready; nothing comes from one that has ended.
+read -r -t 60 number <>"$work/display" || { cat "$work/screen.log" >&2; unavailable "Xvfb gave no screen within 60 s"; }
+export DISPLAY=":$number"
+
+code=0
+case "$1" in
+  *.sh) timeout --kill-after=10 "$VORDANE_TEST_TIMEOUT" bash "$@" || code=$? ;;
+  *) timeout --kill-after=10 "$VORDANE_TEST_TIMEOUT" wine "$@" || code=$? ;;
+esac
+[ "$code" != 124 ] || echo "the test had not ended after $VORDANE_TEST_TIMEOUT s" >&2
+kill "$screen" 2>/dev/null || true
+exit "$code"
