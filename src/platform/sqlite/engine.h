@@ -16,7 +16,7 @@ struct Options {
   std::function<bool(std::u16string_view path)> onNetwork;
   int lockWaitMilliseconds = 5000;
   // The name of the operating-system layer, for tests that let it fail; empty: the default one.
-  std::string fileLayer;
+  std::string fileLayer{};
 };
 
 std::unique_ptr<database::Engine> makeEngine(Options options = {});
