@@ -47,7 +47,7 @@ int suite(const Arguments& arguments) {
   }
   const SuiteLayout layout{toPath(options.directory)};
   makeSuiteFiles(layout, source);
-  installReportLayout(layout, toPath(options.source) / "report" / "FAULT.RPT");
+  installReportLayout(layout, toPath(options.source) / "report", source);
   std::cout << "made the data files of " << options.directory << '\n';
   return 0;
 }

@@ -2,12 +2,14 @@
 
 #include <array>
 #include <fstream>
+#include <iterator>
 #include <span>
 
 #include "background_pictures.h"
 #include "language_build.h"
 #include "lines.h"
 #include "platform/sqlite/schema.h"
+#include "report_layout.h"
 #include "text/utf8.h"
 
 namespace vordane::tools {
@@ -40,6 +42,14 @@ void writeFile(const fs::path& path, const std::string& bytes) {
   if (!out)
     throw ToolError(text::toUtf8(toText(path)) +
                     ": can't be written. Check the rights of its folder and the room on its disk");
+}
+
+std::string readFile(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in)
+    throw ToolError(text::toUtf8(toText(path)) +
+                    ": can't be read. Check the path and the rights of the file");
+  return {std::istreambuf_iterator<char>(in), {}};
 }
 
 void makeRegistration(const fs::path& path) {
@@ -100,13 +110,13 @@ void makeSuiteFiles(const SuiteLayout& layout, const LanguageSource& language) {
   writeFile(layout.help() / "VORDANE.TXT", helpText(language));
 }
 
-void installReportLayout(const SuiteLayout& layout, const fs::path& source) {
+void installReportLayout(const SuiteLayout& layout, const fs::path& folder, const LanguageSource& language) {
+  const fs::path shape = folder / "FAULT.RPT";
+  const fs::path texts = folder / (language.name + ".tsv");
+  const std::string report =
+      reportLayout(readFile(shape), language, readFile(texts), text::toUtf8(toText(shape)));
   fs::create_directories(layout.report());
-  const fs::path target = layout.report() / "FAULT.RPT";
-  std::error_code failure;
-  if (fs::exists(source, failure)) fs::remove(target, failure);  // not every library's copying overwrites
-  fs::copy_file(source, target, failure);
-  if (failure) throw ToolError(text::toUtf8(toText(source)) + ": can't be copied");
+  writeFile(layout.report() / "FAULT.RPT", report);
 }
 
 }  // namespace vordane::tools

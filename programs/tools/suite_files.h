@@ -27,7 +27,9 @@ std::filesystem::path suiteDirectory(const std::string& named);
 // database::DatabaseError.
 void makeSuiteFiles(const SuiteLayout& layout, const LanguageSource& language);
 
-// The layout of the printed report, as hosts fill it in. Throws ToolError.
-void installReportLayout(const SuiteLayout& layout, const std::filesystem::path& source);
+// The layout of the printed report, as hosts fill it in: FAULT.RPT of `folder` with the texts of the language
+// (report_ layout.h), which stand beside it by the language's name. Throws ToolError.
+void installReportLayout(const SuiteLayout& layout, const std::filesystem::path& folder,
+                         const LanguageSource& language);
 
 }  // namespace vordane::tools

@@ -160,7 +160,7 @@ TEST_F(HostileReader, SilenceAndBusynessEnd) {
                 [](const ChildWork::Send&) {
                   for (;;) pause();
                 },
-                {200, 1000, {}}),
+                {60000, 1000, {}}),
             crashed);  // waiting is nothing that it may do
   EXPECT_EQ(outcome([](const ChildWork::Send&) { work(); }, {200, 1000, {}}),
             "FAULT.MDB: it is damaged, reading it came to no end");

@@ -136,11 +136,25 @@ TEST_F(ReportTest, ReadsARealDatabase) {
               HasSubstr("1 01 MJ 2006/11/27 08:00 LP 1 2 [Line down//]\n2 01 MJ 2006/11/26 08:00 LP 1 1"));
 }
 
+TEST_F(ReportTest, ALayoutMayNameTheColumnsOfTheOrderItself) {
+  layout(
+      "{{#order}}{{#further}}, "
+      "{{/further}}{{#byFault}}Art{{/byFault}}{{#byAlarm}}Klasse{{/byAlarm}}{{#byDate}}Datum"
+      "{{/byDate}}{{#byCount}}Nummer{{/byCount}}{{#byCPU}}Rechner{{/byCPU}}{{#byDescription}}Text{{/"
+      "byDescription}}"
+      " {{Direction}}{{/order}}");
+  EXPECT_EQ(page(print(request(u"PBX-1"))), "Datum ↓, Nummer ↓, Art ↓, Klasse ↓, Rechner ↓, Text ↓");
+  EXPECT_EQ(page(print(request(u"PBX-1", u"+"))), "Datum ↑, Nummer ↑, Art ↑, Klasse ↑, Rechner ↑, Text ↑");
+}
+
 TEST_F(ReportTest, TheShippedLayoutHoldsEverything) {
-  const auto shipped = files::readFile(
-      (test::sourceFolder() / "data" / "report" / "FAULT.RPT").u16string());
+  const auto shipped = files::readFile((test::sourceFolder() / "data" / "report" / "FAULT.RPT").u16string());
   ASSERT_TRUE(shipped);
-  layout(*shipped);
+  // The texts of a language name the exchange.
+  std::string whole = *shipped;
+  const std::string heading = "[[heading]]";
+  ASSERT_NE(whole.find(heading), std::string::npos);
+  layout(whole.replace(whole.find(heading), heading.size(), "Faults of {{PBXName}}"));
   const std::string text = page(print(request(u"PBX-1")));
   for (const char* part : {"<!DOCTYPE html>", "PBX-1", "2006-11-27 09:00:00", "Line down", "Unit 3",
                            "Data [0C]", "2006/11/27 09:30", "MP   ", "</html>"})

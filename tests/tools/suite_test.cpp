@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <iterator>
 
 #include "background_pictures.h"
 #include "language/comLanguage.h"
@@ -10,6 +11,7 @@
 #include "lines.h"
 #include "places.h"
 #include "platform/control_types.h"
+#include "report_layout.h"
 #include "suite_files.h"
 
 namespace vordane::tools {
@@ -101,14 +103,53 @@ TEST(SuiteFiles, StandInTheInstalledLayout) {
       3);
 }
 
-TEST(SuiteFiles, TheReportsLayoutIsTheShippedOne) {
-  fakes::LanguageFolder texts;
+std::string layoutIn(const char* language) {
+  fakes::LanguageFolder texts(language);
+  Problems problems;
+  LanguageSource source = readLanguage(texts.folder(), problems);
+  source.name = language;
   const SuiteLayout layout{texts.files.folder() / "30000"};
-  const std::filesystem::path shipped = test::sourceFolder() / "data" / "report" / "FAULT.RPT";
-  for (int time = 0; time < 2; ++time) installReportLayout(layout, shipped);
-  EXPECT_EQ(std::filesystem::file_size(layout.root / "ADDINS/REPORT/FAULT.RPT"),
-            std::filesystem::file_size(shipped));
-  EXPECT_THROW(installReportLayout(layout, layout.root / "none"), ToolError);
+  for (int time = 0; time < 2; ++time)
+    installReportLayout(layout, test::sourceFolder() / "data" / "report", source);
+  std::ifstream in(layout.root / "ADDINS/REPORT/FAULT.RPT", std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+// With the words and the signs of the window: a filled triangle for a major fault, a hollow one for a minor.
+TEST(SuiteFiles, TheReportsLayoutIsInTheLanguageOfTheSuite) {
+  const struct {
+    const char* language;
+    std::initializer_list<const char*> parts;
+  } languages[] = {
+      {"en",
+       {"<html lang=\"en\">", "<h1>Faults of {{PBXName}}</h1>", "<th>Processor</th>", ">MAJOR: alarm<"}},
+      {"ru", {"<html lang=\"ru\">", "<h1>Неисправности станции {{PBXName}}</h1>", "<th>Процессор</th>"}},
+      {"ja", {"<html lang=\"ja\">", "<h1>{{PBXName}} の障害</h1>", "<th>プロセッサ</th>", ">重大: 警報<"}},
+  };
+  for (const auto& [language, parts] : languages) {
+    const std::string layout = layoutIn(language);
+    EXPECT_EQ(layout.find("[["), std::string::npos) << language;
+    for (const char* part : parts) EXPECT_NE(layout.find(part), std::string::npos) << part;
+    for (const char* sign : {".class-MJ::before { content: \"\\25B2", ".class-MN::before { content: \"\\25B3",
+                             ".lit::before { content: \"\\25CF", ".off::before { content: \"\\25CB"})
+      EXPECT_NE(layout.find(sign), std::string::npos) << sign;
+    // What is not in the language of the suite would stand between tags in letters of another.
+    if (language == std::string("en")) continue;
+    for (const char* english : {">Date<", ">Class<", ">Order<", ">Printed", "Major alarm", "No faults"})
+      EXPECT_EQ(layout.find(english), std::string::npos) << language << english;
+  }
+}
+
+TEST(SuiteFiles, ALayoutWithATextThatIsNotThereIsRefused) {
+  LanguageSource source;
+  source.name = "en";
+  source.headings = {{"", {u"grd", u"2", u"Date & <time>"}}};
+  EXPECT_EQ(reportLayout("<b>[[heading 2]]</b>[[a]]{{x}}[[language]]", source, "a\tb {{PBX}}\r\n", "X"),
+            "<b>Date &amp; &lt;time&gt;</b>b {{PBX}}{{x}}en");
+  EXPECT_THROW(reportLayout("[[heading 3]]", source, "", "X"), ToolError);
+  EXPECT_THROW(reportLayout("[[heading 2", source, "", "X"), ToolError);
+  const SuiteLayout layout{std::filesystem::temp_directory_path() / "vordane-none"};
+  EXPECT_THROW(installReportLayout(layout, layout.root / "none", source), ToolError);
 }
 
 TEST(SuiteFiles, StoredFaultsStayWhenTheFilesAreMadeAgain) {

@@ -2,7 +2,7 @@
 # What vordane-tools says to a person: help, versions, mistakes, missing files. Arguments: the program, then its
 # version. A Windows program is started under Wine.
 set -u
-tool=("$1") version=$2
+tool=("$1") version=$2 data=$(cd "$(dirname "$0")/../../data" && pwd)
 case "$1" in *.exe) tool=(wine "$1") ;; esac
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -55,4 +55,18 @@ cd "$work" || exit 1
 run 1 list text.mdb; says errors 'text.mdb: this is no database. Name a database'
 run 1 export text.mdb --csv csv; says errors 'text.mdb: this is no database'
 run 1 decode --messages none.tsv; says errors "none.tsv: can't be opened. Check the path"
+
+# A suite of its own: its report is in its language, and CSV has line ends of its own on every system.
+run 0 suite made/ --language ru --source "$data"; says out 'made the data files of made/'
+grep -q '<html lang="ru">' made/ADDINS/REPORT/FAULT.RPT || { echo 'FAILED: the report is not in Russian'; failed=1; }
+run 0 list made/ADDINS/DATABASE/FAULT.MDB --csv
+printf 'Exchange,Fault,Alarm,Date,CPU,Description,Count\r\n' | cmp - out.raw || failed=1
+run 0 list made/ADDINS/DATABASE/FAULT.MDB --count; [ "$(cat out)" = 0 ] || failed=1
+run 1 list made/ADDINS/DATABASE/FAULT.MDB --exchange PBX-1; silent out; says errors 'there is no exchange "PBX-1"'
+if [ "${tool[0]}" != wine ]; then run 0 doctor made/; says out 'nothing is missing'; silent errors; fi
+run 1 suite other --language xx --source "$data"; says errors 'xx/messages.tsv: missing'
+if [ -e /dev/full ] && [ "${tool[0]}" != wine ]; then
+  "${tool[@]}" --help > /dev/full 2> errors && { echo 'FAILED: a full disk goes unnoticed'; failed=1; }
+  says errors "the output can't be written. Make room"
+fi
 exit $failed

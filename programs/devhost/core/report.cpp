@@ -74,11 +74,15 @@ std::vector<SortKey> sortKeysOf(const ReportRequest& request) {
   return keys;
 }
 
+const char16_t* directionSign(const SortKey& key) {
+  return key.descending ? u"\u2193" : u"\u2191";
+}
+
 std::u16string orderText(const std::vector<SortKey>& keys) {
   std::u16string text;
   for (const SortKey& key : keys) {
     if (!text.empty()) text += u", ";
-    text += std::u16string(columnName(key.column)) + (key.descending ? u" \u2193" : u" \u2191");
+    text += std::u16string(columnName(key.column)) + u" " + directionSign(key);
   }
   return text;
 }
@@ -114,6 +118,18 @@ Section onlyWhen(bool condition) {
   };
 }
 
+// A column of the order; a section of its name stands for it, so that a layout can call it as it likes.
+Layout::Values valuesOf(const SortKey& key, bool further) {
+  Layout::Values values;
+  values.texts[u"Direction"] = directionSign(key);
+  values.sections[u"further"] = onlyWhen(further);
+  using Column = SortKey::Column;
+  for (const Column column :
+       {Column::fault, Column::alarm, Column::date, Column::count, Column::cpu, Column::description})
+    values.sections[u"by" + std::u16string(columnName(column))] = onlyWhen(column == key.column);
+  return values;
+}
+
 Layout::Values valuesOf(const ExchangeRow& exchange, const std::vector<Fault>& faults,
                         const std::vector<SortKey>& keys, const std::u16string& printed) {
   Layout::Values values;
@@ -128,6 +144,9 @@ Layout::Values valuesOf(const ExchangeRow& exchange, const std::vector<Fault>& f
   values.sections[u"noMN"] = onlyWhen(!exchange.minor);
   values.sections[u"none"] = onlyWhen(faults.empty());
   values.sections[u"some"] = onlyWhen(!faults.empty());
+  values.sections[u"order"] = [&keys](const std::function<void(const Layout::Values&)>& show) {
+    for (const SortKey& key : keys) show(valuesOf(key, &key != keys.data()));
+  };
   values.sections[u"faults"] = [&faults](const std::function<void(const Layout::Values&)>& show) {
     for (std::size_t i = 0; i < faults.size(); ++i) show(valuesOf(faults[i], i + 1));
   };

@@ -1,6 +1,7 @@
 // devhost.exe: runs one script of the development host and prints what happens.
 //
 //   devhost.exe [--reports DIRECTORY] [--times] SCRIPT
+//   devhost.exe --help | --version
 //
 // Exit code: 0 the script ran to its end, 1 wrong usage, 2 the script or its scenario is wrong, 3 a call
 // failed, 4 a notification that was waited for did not come (or one came that should not have).
@@ -30,6 +31,17 @@
 
 namespace vordane::devhost {
 namespace {
+
+constexpr const char* usage =
+    "usage: devhost [--reports DIRECTORY] [--times] SCRIPT\n"
+    "       devhost --help | --version\n";
+constexpr const char* help =
+    "usage: devhost [--reports DIRECTORY] [--times] SCRIPT\n"
+    "       devhost --help | --version\n\n"
+    "Hosts the fault display as SCRIPT says and prints every notification.\n"
+    "  --reports DIRECTORY  printed reports go there, else beside their layout\n"
+    "  --times              each line begins with its time\n\n"
+    "Exit code: 0 done, 1 wrong usage, 2 wrong script, 3 a call failed, 4 a wait was not met.";
 
 void printLine(std::string_view line) {
   const std::string whole = std::string(line) + '\n';
@@ -119,7 +131,10 @@ std::vector<std::u16string> programArguments() {
 int runScript(const Options& options) {
   const auto bytes = files::readFile(options.script);
   if (!bytes) {
-    std::fputs(("devhost: " + text::toUtf8(options.script) + " can't be read\n").c_str(), stderr);
+    std::fputs(
+        ("devhost: " + text::toUtf8(options.script) + ": can't be read. Check the path of the script\n")
+            .c_str(),
+        stderr);
     return static_cast<int>(Outcome::scriptWrong);
   }
   const ParsedScript parsed = parseScript(*bytes);
@@ -145,9 +160,14 @@ int main() {
   vordane::windows::loadFromSystemOnly();
   _setmode(_fileno(stdout), _O_BINARY);
   try {
-    const Options options = optionsOf(programArguments());
+    const auto arguments = programArguments();
+    if (arguments.size() == 1 && arguments[0] == u"--help") return printLine(help), 0;
+    if (arguments.size() == 1 && arguments[0] == u"--version")
+      return printLine("devhost " VORDANE_VERSION), 0;
+    const Options options = optionsOf(arguments);
     if (options.good) return runScript(options);
-    std::fputs("usage: devhost [--reports DIRECTORY] [--times] SCRIPT\n", stderr);
+    std::fputs("devhost: a script, and nothing but the options it knows, is needed\n", stderr);
+    std::fputs(usage, stderr);
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "devhost: %s\n", failure.what());
   }
