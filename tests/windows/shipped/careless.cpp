@@ -2,5 +2,5 @@
 #include <windows.h>
 
 int main() {
-  return LoadLibraryW(L"uxtheme.dll") == nullptr;
+  return LoadLibraryW(L"msftedit.dll") == nullptr;
 }

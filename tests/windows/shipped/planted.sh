@@ -8,7 +8,7 @@ install_suite
 built="$VORDANE_BUILD/tests/windows/shipped"
 log="$drive/planted.log"
 cp "$built/careless.exe" "$addins/"
-names="uxtheme msftedit riched20 dwmapi cryptbase propsys profapi"
+names="msftedit riched20 dwmapi cryptbase propsys profapi"
 for name in $names; do
   cp "$built/libplanted.dll" "$addins/$name.dll"
   cp "$built/libplanted.dll" "$drive/SIM/$name.dll"
