@@ -26,8 +26,7 @@ constexpr bool isUnused(std::size_t number) {
   return (number >= 10 && number <= 13) || number == 52 || (number >= 91 && number <= 100) ||
          (number >= 102 && number <= 105) || number == 116 || number == 117 ||
          (number >= 151 && number <= 159) || number == 169 || number == 170 || number == 181 ||
-         number == 182 || number == 187 || number == 213 || number == 222 || number == 223 ||
-         (number >= 237 && number <= 244);
+         number == 182 || number == 187 || number == 213 || number == 222 || number == 223;
 }
 
 // Lamps, in words.

@@ -91,7 +91,7 @@ INSTANTIATE_TEST_SUITE_P(On, Beside, testing::Bool(),
 
 // With the write-ahead log a reader in the middle of the file keeps what it began with, and nobody waits.
 TEST(BesideOnDisk, AnIngestionIsNotHeldUpByAReader) {
-  EmbeddedUnderTest under(sqlite::Options{{}, 100, {}});
+  EmbeddedUnderTest under(sqlite::Options{.lockWaitMilliseconds = 100});
   const std::u16string file = under.make(database::Layout::faults);
   fakes::MemoryStoreForm form;
   form.database = under.engine().open(file, false);

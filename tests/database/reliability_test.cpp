@@ -142,7 +142,7 @@ TEST(Opening, WhatMayOnlyBeReadIsOpenedForReadingAlone) {
 }
 
 TEST(TwoProcesses, ALockEndsInAnErrorAndNotInALoss) {
-  EmbeddedUnderTest under(Options{{}, 200, {}});
+  EmbeddedUnderTest under(Options{.lockWaitMilliseconds = 200});
   const std::u16string path = under.make(Layout::faults);
   const auto database = under.engine().open(path, false);
   addExchange(*database, u"A");
@@ -223,7 +223,7 @@ TEST(Damage, WhatIsFoundDamagedIsNotWrittenAgain) {
 // One list of 30 faults for a fresh file, taken in as the product does: whatever goes wrong, the same
 // database stays open for the next list. What was reported as saved is remembered.
 struct Scene {
-  EmbeddedUnderTest under{Options{{}, 100, failing::fileLayer}};
+  EmbeddedUnderTest under{Options{.lockWaitMilliseconds = 100, .fileLayer = failing::fileLayer}};
   std::u16string path = (under.folder() / "scene").u16string();
   std::unique_ptr<database::Database> database;
   int saved = 0;

@@ -14,7 +14,7 @@ namespace vordane::fakes {
 
 class FolderEngine : public database::Engine {
  public:
-  FolderEngine() : folder_(makeFolder()), engine_(sqlite::makeEngine({[this](auto) { return onNetwork; }})) {}
+  FolderEngine() : folder_(makeFolder()), engine_(sqlite::makeEngine(options())) {}
   FolderEngine(const FolderEngine&) = delete;
   FolderEngine& operator=(const FolderEngine&) = delete;
   ~FolderEngine() override {
@@ -45,6 +45,12 @@ class FolderEngine : public database::Engine {
       between = [](std::u16string_view, auto database) { return database; };
 
  private:
+  sqlite::Options options() {
+    sqlite::Options options;
+    options.onNetwork = [this](auto) { return onNetwork; };
+    options.longestUnsavedMilliseconds = 3600000;  // a busy machine shall not make a step save in between
+    return options;
+  }
   static std::filesystem::path makeFolder() {
     static int number = 0;
     const auto base = std::filesystem::temp_directory_path();

@@ -599,7 +599,7 @@ TEST_F(Conversation, AnAnswerOfMoreThan256MegabytesHasFailed) {
   EXPECT_EQ(Lines(lines.end() - 6, lines.end()),
             (Lines{"ShowMessage large", "ShowCode 0", "LogOut PBX-1& L1&", "TurnOffFlow", "(enabled)",
                    "(pointer)"}));
-  EXPECT_EQ(view.status[0], u"PBX-1 failed: too large. no list yet");
+  EXPECT_EQ(view.status[0], u"PBX-1 failed: too large.\nno list yet");
   EXPECT_EQ(form().response().Count(), 0) << "its memory is free again";
   EXPECT_EQ(view.timer, 0);
   EXPECT_FALSE(state.busy);

@@ -12,7 +12,6 @@ namespace vordane::sqlite {
 namespace {
 
 // A batch saves what it holds at the latest after this time.
-constexpr std::chrono::milliseconds longestUnsaved{500};
 constexpr int stepsBetweenProgress = 50000;
 // A file up to this size is looked through before free pages of it are written to.
 constexpr std::int64_t quicklyChecked = 16 << 20;
@@ -33,7 +32,10 @@ class Maintaining {
 }  // namespace
 
 Connection::Connection(Handle handle, bool readOnly, const Options& options)
-    : handle_(std::move(handle)), readOnly_(readOnly), lockWaitMilliseconds_(options.lockWaitMilliseconds) {
+    : handle_(std::move(handle)),
+      readOnly_(readOnly),
+      lockWaitMilliseconds_(options.lockWaitMilliseconds),
+      longestUnsaved_(options.longestUnsavedMilliseconds) {
   const auto waiting = [](void* self, int tries) { return int{static_cast<Connection*>(self)->wait(tries)}; };
   sqlite3_busy_handler(handle_.get(), waiting, this);
   Statement encoding(*this, "PRAGMA encoding");
@@ -333,7 +335,7 @@ void Connection::endBatch() {
 }
 
 void Connection::commitIfDue() {
-  if (std::chrono::steady_clock::now() - begun_ >= longestUnsaved) commit();
+  if (std::chrono::steady_clock::now() - begun_ >= longestUnsaved_) commit();
 }
 
 void Connection::beforeRead() {

@@ -122,6 +122,7 @@ class Connection {
   bool maintaining_ = true;  // opening counts as maintenance
   int depth_ = 0;            // of steps within steps
   int lockWaitMilliseconds_;
+  std::chrono::milliseconds longestUnsaved_;
   std::chrono::steady_clock::time_point begun_;
   std::chrono::steady_clock::time_point waitingSince_;
   using Tables = std::unordered_map<std::u16string, std::unique_ptr<Table>>;

@@ -15,6 +15,8 @@ struct Options {
   // Whether a path lies on a network drive, where write-ahead logging doesn't work. Without it, shares do.
   std::function<bool(std::u16string_view path)> onNetwork = {};
   int lockWaitMilliseconds = 5000;
+  // A batch that has held changes for this long is saved in between.
+  int longestUnsavedMilliseconds = 500;
   // The name of the operating-system layer, for tests that let it fail; empty: the default one.
   std::string fileLayer = {};
 };
