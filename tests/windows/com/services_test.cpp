@@ -125,7 +125,7 @@ TEST(SystemFiles, AHeldFileIsWaitedForAndThenTold) {
   DeleteFileW(L"vordane-held-test.mdb");
 }
 
-// What Windows says of a letter that stands for a share is tried with the whole suite (network-drive.sh).
+// What Windows says of a letter that stands for a share is tried on a workstation.
 TEST(NetworkDrive, IsOneThatWindowsCallsRemote) {
   EXPECT_TRUE(isOnNetworkDrive(u"\\\\server\\share\\FAULT.MDB"));
   EXPECT_TRUE(isOnNetworkDrive(u"\\\\?\\UNC\\server\\share\\FAULT.MDB"));

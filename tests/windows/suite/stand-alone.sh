@@ -35,3 +35,16 @@ click --press cmdClose >/dev/null
 for _ in $(seq 30); do kill -0 "$addin" 2>/dev/null || break; sleep 0.5; done
 ! kill -0 "$addin" 2>/dev/null || fail "the close button did not end the program"
 echo "ok: the close button ends the program"
+
+# Closed while an answer is waited for: the exchange is let go, once.
+use_scenario silent
+: > "$drive/SIM/Zulsim.log"
+start_alone PBX-1
+click --wait 60 --press cmdRequest >/dev/null || fail "no window with a request button"
+for _ in $(seq 100); do grep -q SendRequest "$drive/SIM/Zulsim.log" && break; sleep 0.2; done
+grep -q SendRequest "$drive/SIM/Zulsim.log" || fail "the request never came"
+expect "log-outs while the answer is waited for" 0 "$(grep -c LogOut "$drive/SIM/Zulsim.log" || true)"
+quick wine taskkill /IM VORDANE.EXE >/dev/null 2>&1 || fail "the window could not be asked to close"
+for _ in $(seq 30); do kill -0 "$addin" 2>/dev/null || break; sleep 0.5; done
+! kill -0 "$addin" 2>/dev/null || fail "the title bar did not end the program"
+expect "log-outs behind the close" 1 "$(grep -c LogOut "$drive/SIM/Zulsim.log" || true)"
