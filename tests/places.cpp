@@ -2,7 +2,11 @@
 
 namespace vordane::test {
 
-std::filesystem::path sourceFolder() { return VORDANE_SOURCE_DIR; }
-std::filesystem::path dataFolder() { return sourceFolder() / "tests" / "data"; }
+std::filesystem::path sourceFolder() {
+  return VORDANE_SOURCE_DIR;
+}
+std::filesystem::path dataFolder() {
+  return sourceFolder() / "tests" / "data";
+}
 
 }  // namespace vordane::test

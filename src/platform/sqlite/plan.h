@@ -7,9 +7,9 @@
 #include <unordered_map>
 #include <vector>
 
+#include "platform/jet.h"
 #include "platform/sqlite/connection.h"
 #include "platform/sqlite/fault_index.h"
-#include "platform/jet.h"
 
 namespace vordane::sqlite {
 
