@@ -13,6 +13,9 @@ screen=$!
 read -r -t 60 number <>"$work/display" || { cat "$work/screen.log" >&2; unavailable "Xvfb gave no screen within 60 s"; }
 export DISPLAY=":$number"
 
+# The server stays between two programs: one that is started while it goes would fail.
+wineserver -p || unavailable "no Wine server"
+
 code=0
 case "$1" in
   *.sh) timeout --kill-after=10 "$VORDANE_TEST_TIMEOUT" bash "$@" || code=$? ;;
