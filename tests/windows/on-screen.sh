@@ -16,10 +16,15 @@ export DISPLAY=":$number"
 # The server stays between two programs: one that is started while it goes would fail.
 wineserver -p || unavailable "no Wine server"
 
+# What a test leaves in its current folder is its own too.
+program=$(realpath "$1"); shift
+mkdir -p "$work/here"
+cd "$work/here"
+
 code=0
-case "$1" in
-  *.sh) timeout --kill-after=10 "$VORDANE_TEST_TIMEOUT" bash "$@" || code=$? ;;
-  *) timeout --kill-after=10 "$VORDANE_TEST_TIMEOUT" wine "$@" || code=$? ;;
+case "$program" in
+  *.sh) timeout --kill-after=10 "$VORDANE_TEST_TIMEOUT" bash "$program" "$@" || code=$? ;;
+  *) timeout --kill-after=10 "$VORDANE_TEST_TIMEOUT" wine "$program" "$@" || code=$? ;;
 esac
 [ "$code" != 124 ] || echo "the test had not ended after $VORDANE_TEST_TIMEOUT s" >&2
 kill "$screen" 2>/dev/null || true

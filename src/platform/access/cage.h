@@ -7,6 +7,16 @@
 
 namespace vordane::access {
 
+// The sanitizers' own code reserves more addresses than any machine has memory and calls the system as it likes:
+// under them the child has neither that limit, nor the one on open files, nor the lock.
+#if defined(__SANITIZE_ADDRESS__)
+inline constexpr bool sanitized = true;
+#elif defined(__has_feature)
+inline constexpr bool sanitized = __has_feature(address_sanitizer);
+#else
+inline constexpr bool sanitized = false;
+#endif
+
 struct Limits {
   std::uint64_t memory = std::uint64_t{3} * 1024 * 1024 * 1024;  // bytes of addresses
   int processorSeconds = 600;

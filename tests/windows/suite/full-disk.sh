@@ -3,13 +3,6 @@
 # fetch completes the list. The run log's: the run does its work, and the log holds whole lines only.
 set -euo pipefail
 
-# Mounts small disks, seen by nobody else; inside the root of the 32-bit tests nobody else would see them anyway.
-if [ -z "${VORDANE_OWN_MOUNTS:-}" ]; then
-  own=(unshare --mount)
-  [ -z "${VORDANE_INSIDE_ROOT:-}" ] || own+=(--propagation unchanged)
-  "${own[@]}" true 2>/dev/null || { echo 'no file system may be mounted here'; exit 77; }
-  exec env VORDANE_OWN_MOUNTS=1 "${own[@]}" bash "$0"
-fi
 . "$(dirname "$0")/suite.sh"
 
 # Puts the folder $1 on a disk of its own with $2 more kilobytes than its files take.
@@ -34,8 +27,12 @@ start_alone PBX-1
 click --wait 60 --press cmdRequest >/dev/null || fail "no window with a request button"
 wait_stored 0
 expect 'stored while there is room' 100 "$(stored)"
-click --wait 60 --press cmdRequest >/dev/null || fail "no request button after the first list"
-box=$(click --wait 90 --box 1) || fail "no box about the full disk"
+# A press is dropped while the lamps are still asked for, as a person's would be: then once more.
+for _ in 1 2 3 4; do
+  click --wait 60 --press cmdRequest >/dev/null || fail "no request button after the first list"
+  box=$(click --wait 25 --box 1) && break
+done
+[ -n "$box" ] || fail "no box about the full disk"
 printf 'the box says: %s\n' "$box"
 case "$box" in *'Not enough space on disk.'*) ;; *) fail 'the box says something else' ;; esac
 first=$(stored)

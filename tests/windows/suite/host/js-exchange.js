@@ -1,6 +1,7 @@
 // A host that is its own exchange server, all of it plain script: the records it answers with are objects with
 // plain values, no classes.
-var ended = false, unloaded = false, caller = null, answers = [], messages = [], logins = 0;
+var ended = false, unloaded = false, caller = null, answers = [], messages = [], logins = 0,
+    flowing = false;  // the host has heard that the request was accepted
 
 function tell(line) { WScript.Echo(line); }
 
@@ -31,8 +32,8 @@ var host = {
   oZUL: { getsysinfo: function (name) { return "2"; }, GetMPVersion: function (name) { return "SC-1000 M"; } },
   ShowMessage: function (text) { tell("ShowMessage " + text); },
   ShowCode: function (code) { tell("ShowCode " + code); },
-  TurnOnFlow: function () { tell("TurnOnFlow"); },
-  TurnOffFlow: function () { tell("TurnOffFlow"); },
+  TurnOnFlow: function () { tell("TurnOnFlow"); flowing = true; },
+  TurnOffFlow: function () { tell("TurnOffFlow"); flowing = false; },
   EndProcess: function (job, code) { tell("EndProcess " + job + " " + code); ended = true; },
   UnloadChild: function (id) { tell("UnloadChild " + id); unloaded = true; },
   REGComData: function (application, name, value) { tell("REGComData " + name); },
@@ -47,7 +48,7 @@ try {
   var end = new Date().getTime() + 60000;
   while (!(ended && unloaded) && new Date().getTime() < end) {
     var visible = layer.Visible;
-    if (answers.length > 0) {
+    if (flowing && answers.length > 0) {
       var answer = answers.shift();
       caller.CallBack(answer);
       messages.push(answer.Message);
