@@ -8,9 +8,9 @@ set -euo pipefail
 # Runs lines of a host's script and waits until host and add-in are gone. $1 names the case, $2 the lines.
 kill_host() {
   trace="$WINEPREFIX/$1.trace"
-  printf 'pbx create\ncreate\n%s\nwait UnloadChild within 60000\n' "$2" > "$addins/$1.txt"
+  printf 'pbx create\ngive heard on TurnOnFlow\ncreate\n%s\nwait UnloadChild within 60000\n' "$2" > "$drive/SIM/$1.txt"
   : > "$trace"
-  ( cd "$addins" && exec wine 'C:\QUILMAR32\30000\ADDINS\devhost.exe' "C:\\QUILMAR32\\30000\\ADDINS\\$1.txt" ) \
+  ( cd "$drive/SIM" && exec wine 'C:\QUILMAR32\30000\ADDINS\devhost.exe' "C:\\SIM\\$1.txt" ) \
     > "$trace" 2>/dev/null || true
   ! grep -q '^EndProcess\|^UnloadChild' "$trace" || fail "$(cat "$trace"; echo "the host $1 lived on")"
   expect_gone 40

@@ -79,9 +79,9 @@ start_alone() {
 # A host in a process of its own: runs the script `host/$1.txt`; its trace goes to `$trace`.
 start_host() {
   trace="$WINEPREFIX/$1.trace"
-  cp "$repository/tests/windows/suite/host/$1.txt" "$addins/$1.txt"
+  cp "$repository/tests/windows/suite/host/$1.txt" "$drive/SIM/$1.txt"
   : > "$trace"
-  ( cd "$addins" && exec wine 'C:\QUILMAR32\30000\ADDINS\devhost.exe' "C:\\QUILMAR32\\30000\\ADDINS\\$1.txt" ) \
+  ( cd "$drive/SIM" && exec wine 'C:\QUILMAR32\30000\ADDINS\devhost.exe' "C:\\SIM\\$1.txt" ) \
     > "$trace" 2>/dev/null &
   host=$!
 }

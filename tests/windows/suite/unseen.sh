@@ -7,9 +7,9 @@ set -euo pipefail
 # Runs host/$1.txt where nobody sees it; the trace goes to $trace.
 start_unseen_host() {
   trace="$WINEPREFIX/$1.trace"
-  cp "$repository/tests/windows/suite/host/$1.txt" "$addins/$1.txt"
-  ( cd "$addins" && exec timeout 120 wine "$programs/suiteprobe/suiteprobe.exe" unseen \
-      'C:\QUILMAR32\30000\ADDINS\devhost.exe' "C:\\QUILMAR32\\30000\\ADDINS\\$1.txt" ) > "$trace" 2>/dev/null &
+  cp "$repository/tests/windows/suite/host/$1.txt" "$drive/SIM/$1.txt"
+  ( cd "$drive/SIM" && exec timeout 120 wine "$programs/suiteprobe/suiteprobe.exe" unseen \
+      'C:\QUILMAR32\30000\ADDINS\devhost.exe' "C:\\SIM\\$1.txt" ) > "$trace" 2>/dev/null &
   host=$!
 }
 
