@@ -72,6 +72,10 @@ HWND Eye::box() const {
   return find(L"#32770");
 }
 
+HWND Eye::menu() const {
+  return find(L"#32768");
+}
+
 HWND Eye::help() const {
   return find(window::win32::helpClassName);
 }

@@ -21,6 +21,7 @@ class Eye {
   HWND control(std::wstring_view name) const;  // of that window, by its name in the form
   HWND heading() const;                        // the grid's headings
   HWND box() const;                            // a message box
+  HWND menu() const;                           // a pop-up menu
   HWND help() const;                           // the pop-up that explains a control
 
  private:

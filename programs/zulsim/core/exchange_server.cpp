@@ -86,8 +86,10 @@ Answer cancelledAnswer(const Exchange& exchange) {
   answer.parts.emplace_back(Entry{u"ZUL_USERCANCEL", {}, {}, {}});
   answer.errCode = cancelledByUser;
   answer.message = u"ZUL_USERCANCEL";
-  answer.when = exchange.cancelledWhen;
-  answer.delay = answer.when.empty() ? cancelMilliseconds : 0;
+  if (exchange.cancelledWhen.empty())
+    answer.delay = cancelMilliseconds;
+  else
+    answer.when = {exchange.cancelledWhen};
   return answer;
 }
 
@@ -201,13 +203,14 @@ void ExchangeServer::schedule(const std::shared_ptr<Request>& request) {
   answerWhen(request, request->answer.delay);
 }
 
-// Delivers the answer after that time, or when its word has been given since.
+// Delivers the answer after that time, and when its words have been given.
 void ExchangeServer::answerWhen(const std::shared_ptr<Request>& request, int milliseconds) {
   simulation_->services().after(milliseconds, [this, weak = std::weak_ptr(request)] {
     const auto due = weak.lock();
     if (!due) return;
-    const std::u16string& word = due->answer.when;
-    if (word.empty() || simulation_->services().taken(word)) return deliver(due);
+    std::vector<std::u16string>& words = due->answer.when;
+    while (!words.empty() && simulation_->services().taken(words.front())) words.erase(words.begin());
+    if (words.empty()) return deliver(due);
     answerWhen(due, betweenLooks);
   });
 }

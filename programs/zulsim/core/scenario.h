@@ -41,8 +41,8 @@ struct Answer {
   std::int32_t dropLast = 0;  // entries cut off the end, so that the groups of four don't come out
   std::int32_t errCode = 0;
   std::u16string message;
-  int delay = 0;        // milliseconds
-  std::u16string when;  // the word that the answer waits for, behind its delay; empty: none
+  int delay = 0;                     // milliseconds
+  std::vector<std::u16string> when;  // words that the answer waits for, one after the other, behind its delay
   std::u16string then;  // the word that is given when the caller has taken the answer; empty: none
   bool never = false;
   bool early = false;                          // before SendRequest has returned

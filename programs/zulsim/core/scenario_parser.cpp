@@ -249,12 +249,19 @@ class Parser {
     std::u16string name = line.word(u"the word");
     if (name.find_first_of(u"\\/:*?\"<>|") != std::u16string::npos)
       throw LineError(u"a word can't hold \\ / : * ? \" < > or |");
+    return name;
+  }
+  static std::u16string onlyWord(LineReader& line) {
+    std::u16string name = word(line);
     line.expectEnd();
     return name;
   }
-  void when(LineReader& line) { answer_->when = word(line); }
-  void then(LineReader& line) { answer_->then = word(line); }
-  void cancelledWhen(LineReader& line) { current_.cancelledWhen = word(line); }
+  void when(LineReader& line) {
+    do answer_->when.push_back(word(line));
+    while (!line.atEnd());
+  }
+  void then(LineReader& line) { answer_->then = onlyWord(line); }
+  void cancelledWhen(LineReader& line) { current_.cancelledWhen = onlyWord(line); }
   void never(LineReader& line) { flag(line, answer_->never); }
   void early(LineReader& line) { flag(line, answer_->early); }
   void twice(LineReader& line) { flag(line, answer_->twice); }

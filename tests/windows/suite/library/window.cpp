@@ -99,12 +99,6 @@ void Window::press(std::wstring_view control) const {
   pressLeft(found, click::middleOf(found));
 }
 
-void Window::rightPress(std::wstring_view control) const {
-  const HWND found = pressable(control);
-  bringForward(found, click::middleOf(found));
-  click::pressAt(click::middleOf(found), click::MouseButton::right);
-}
-
 void Window::pressHeading(int column) const {
   awaitIdle();
   const HWND headings = awaited("the grid's headings", [] { return eye().heading(); });
@@ -147,8 +141,21 @@ bool Window::shownAfterBoxes(std::vector<Box>& boxes) const {
   return shown;
 }
 
-std::string Window::helpText() const {
-  return utf8(click::textOf(awaited("the pop-up", [] { return eye().help(); })));
+// A menu that has come takes the keys.
+std::string Window::whatsThis(std::wstring_view control) const {
+  const HWND found = pressable(control);
+  bringForward(found, click::middleOf(found));
+  click::pressAt(click::middleOf(found), click::MouseButton::right);
+  const HWND menu = awaited("the menu", [] { return eye().menu(); });
+  const HWND frame = GetAncestor(found, GA_ROOT);
+  click::pressKey(frame, VK_DOWN);
+  click::pressKey(frame, VK_RETURN);
+  const HWND help =
+      awaited("the pop-up", [&] { return IsWindow(menu) && IsWindowVisible(menu) ? nullptr : eye().help(); });
+  const std::string said = utf8(click::textOf(help));
+  click::pressKey(frame, VK_ESCAPE);
+  await("the end of the pop-up", [] { return eye().help() == nullptr; });
+  return said;
 }
 
 }  // namespace vordane::suite

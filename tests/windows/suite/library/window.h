@@ -27,7 +27,6 @@ class Window {
 
   // Waits until the button can be pressed and nothing is waited for, since a press before would be dropped.
   void press(std::wstring_view control) const;
-  void rightPress(std::wstring_view control) const;
   void pressHeading(int column) const;
   void pressKey(WORD key) const;  // VK_...
   void askToClose() const;        // as its title bar does
@@ -40,7 +39,8 @@ class Window {
   // Until the window is shown or the program ends, whichever comes: true or false. Boxes on the way are
   // answered with OK and told.
   bool shownAfterBoxes(std::vector<Box>& boxes) const;
-  std::string helpText() const;  // of the pop-up that explains a control, waited for
+  // What the pop-up says that explains a control, by the right button and its menu; closed again.
+  std::string whatsThis(std::wstring_view control) const;
 
  private:
   HWND awaited(const std::string& what, const std::function<HWND()>& find) const;
