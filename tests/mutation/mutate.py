@@ -160,13 +160,15 @@ def main():
     every = list(mutants(given.only))
     random.Random(given.seed).shuffle(every)
     print(f"{len(every)} possible changes; trying until {given.count} compile", flush=True)
-    waiting, counts, lock = queue.Queue(), {"killed": 0, "survived": 0, "refused": 0}, threading.Lock()
+    waiting, counts = queue.Queue(), {"killed": 0, "survived": 0, "refused": 0}
+    lock, building = threading.Lock(), threading.Lock()
     for mutant in every:
         waiting.put(mutant)
     Path(given.out).parent.mkdir(parents=True, exist_ok=True)
 
     def work(number, out):
-        worker = Worker(number)
+        with building:  # one after the other: the second finds its objects in the compiler cache
+            worker = Worker(number)
         while True:
             with lock:
                 if counts["killed"] + counts["survived"] >= given.count or waiting.empty():
