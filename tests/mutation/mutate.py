@@ -26,6 +26,8 @@ FOLDERS = ["text", "platform", "platform/sqlite", "platform/dao", "settings", "l
            "startup"]
 # Test programs that say nothing about rules or take most of the time are asked last.
 LAST = ["reliability_tests", "crash_tests", "sorting_memory_tests", "import_tests"]
+# One counts what the engine does from outside of it, which shared libraries hide; one reads the sources alone.
+LEFT_OUT = ["work_tests", "house_tests"]
 TEST_SECONDS = 180
 
 OPERATORS = [
@@ -91,8 +93,12 @@ class Worker:
         self.run(["cmake", "--build", str(self.build)], check=True)
         self.programs = {}
         for program in sorted(self.build.glob("tests/**/*_tests")):
-            if os.access(program, os.X_OK) and program.is_file():
+            if os.access(program, os.X_OK) and program.is_file() and program.name not in LEFT_OUT:
                 self.programs[program.name] = program
+        # A program that fails without a change would seem to notice every one.
+        noticed = self.judge("text")
+        if noticed:
+            raise SystemExit(f"the unchanged sources do not pass: {noticed}")
 
     def copy_repository(self):
         kept = subprocess.run(["git", "ls-files", "-z"], cwd=REPOSITORY, capture_output=True, check=True).stdout
@@ -138,8 +144,8 @@ class Worker:
         lines = before.split("\n")
         lines[number:number + replaced] = new
         path.write_text("\n".join(lines), encoding="utf-8")
+        library = "vordane_" + folder.split("/")[-1]
         try:
-            library = "vordane_" + ("text" if folder == "text" else folder.split("/")[-1])
             built = self.run(["cmake", "--build", str(self.build), "--target", library])
             if built is None or built.returncode != 0:
                 return "refused", ""
@@ -147,6 +153,8 @@ class Worker:
             return ("killed", noticed) if noticed else ("survived", "")
         finally:
             path.write_text(before, encoding="utf-8")
+            # The library is as it was, out of the compiler cache, before the next change falls elsewhere.
+            self.run(["cmake", "--build", str(self.build), "--target", library], check=True)
 
 
 def main():
