@@ -18,6 +18,7 @@ import random
 import re
 import shutil
 import subprocess
+import tempfile
 import threading
 from pathlib import Path
 
@@ -87,6 +88,9 @@ class Worker:
     def __init__(self, number):
         self.root = REPOSITORY / "build" / "mutation" / f"worker{number}"
         self.build = self.root / "build" / "tree"
+        # Every account may go there, since some tests become an ordinary user.
+        self.temporary = tempfile.TemporaryDirectory(prefix="vordane-mutation-")
+        os.chmod(self.temporary.name, 0o755)
         self.copy_repository()
         self.run(["cmake", "-G", "Ninja", "-S", str(self.root), "-B", str(self.build), "-DCMAKE_BUILD_TYPE=Debug",
                   "-DCMAKE_CXX_FLAGS_DEBUG=-O1", "-DVORDANE_SHARED=ON"], check=True)
@@ -126,8 +130,7 @@ class Worker:
         return sorted(self.programs, key=rank)
 
     def judge(self, folder):
-        environment = ["env", "GTEST_FAIL_FAST=1", f"TMPDIR={self.root}/tmp"]
-        (self.root / "tmp").mkdir(exist_ok=True)
+        environment = ["env", "GTEST_FAIL_FAST=1", f"TMPDIR={self.temporary.name}"]
         for name in self.order(folder):
             result = self.run([*environment, str(self.programs[name])], seconds=TEST_SECONDS)
             if result is None:
