@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "faults/kind_lists.h"
 #include "language/comDatabase.h"
 #include "language/comLanguage.h"
 #include "language/comPicture.h"
@@ -332,11 +333,9 @@ const cFaultDisplay& dlgFaultDisplay::faultDecoder(bool wideFaultFields) {
   if (decoder_) return *decoder_;
   faultTexts_.setMessages(state().Messages);
   for (const KindList& list : kindLists) {
-    const auto kind = listKind(list.name);
-    if (!kind) continue;
     std::vector<std::u16string> items;
-    for (const auto& item : model_.control(list.name).items()) items.push_back(item.text);
-    faultTexts_.setList(*kind, std::move(items));
+    for (const auto& item : model_.control(list.name()).items()) items.push_back(item.text);
+    faultTexts_.setList(list.kind, std::move(items));
   }
   decoder_ = std::make_unique<cFaultDisplay>(faultTexts_, decoderWide_);
   return *decoder_;

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "faults/kind_lists.h"
 #include "language/form_controls.h"
 #include "platform/control_types.h"
 
@@ -36,7 +37,7 @@ window::Form makeFormModel() {
   properties[u"Visible"] = false;
   window::Form form{std::u16string(formName), std::move(properties)};
   for (const FormControl& control : formControls) addControl(form, control.name, control.typeName, true);
-  for (const KindList& list : kindLists) addControl(form, list.name, u"ComboBox", false);
+  for (const KindList& list : kindLists) addControl(form, list.name(), u"ComboBox", false);
   return form;
 }
 
