@@ -287,9 +287,8 @@ class Checker {
       if (!found.insert(row.fields[0]).second) complain(row, toUtf8(row.fields[0]) + " stands twice");
       if (row.fields[1].empty()) complain(row, "the text is empty");
     }
-    // What's This opens for these with the right button.
-    for (const char16_t* name : {u"lblListups", u"lblMJ", u"lblMN", u"lblTimetag", u"txtTimeTag"})
-      if (found.count(name) == 0) missing("help", toUtf8(name));
+    for (const std::u16string_view name : whatsThisControls)
+      if (found.count(std::u16string(name)) == 0) missing("help", toUtf8(name));
   }
 
   void pictures() {

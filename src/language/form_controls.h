@@ -37,6 +37,10 @@ inline constexpr std::array<FormControl, 19> formControls{{
     {u"itmWhatThis", u"Menu"},
 }};
 
+// What's This opens for these with the right button.
+inline constexpr std::array<std::u16string_view, 5> whatsThisControls{u"lblListups", u"lblMJ", u"lblMN",
+                                                                      u"lblTimetag", u"txtTimeTag"};
+
 // The columns of grdDisplayFault: Fault, Alarm, Date, CPU, Description, Count.
 inline constexpr int gridColumns = 6;
 

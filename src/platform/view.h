@@ -69,7 +69,7 @@ enum class LookUpWay { forwards, backwards };
 class ViewEvents {
  public:
   virtual ~ViewEvents() = default;
-  virtual void buttonPressed(int action) = 0;  // cmdRequest 0, cmdReset 1, cmdPrint 2, cmdClear 3, cmdClose 4
+  virtual void buttonPressed(int action) = 0;   // the number of an Action
   virtual void headingClicked(int column) = 0;  // the column's own index, wherever it was moved
   // drpPBXList. The form's list still has its former choice: whoever takes the new one sets it there, whoever
   // does not sets the former again.

@@ -9,11 +9,11 @@
 namespace vordane::startup {
 namespace {
 
-constexpr std::pair<int, std::u16string_view> buttons[] = {{actionRequest, u"cmdRequest"},
-                                                           {actionReset, u"cmdReset"},
-                                                           {actionPrint, u"cmdPrint"},
-                                                           {actionClear, u"cmdClear"},
-                                                           {actionClose, u"cmdClose"}};
+constexpr std::pair<Action, std::u16string_view> buttons[] = {{Action::request, u"cmdRequest"},
+                                                              {Action::reset, u"cmdReset"},
+                                                              {Action::print, u"cmdPrint"},
+                                                              {Action::clear, u"cmdClear"},
+                                                              {Action::close, u"cmdClose"}};
 
 // Odd and even rows of the grid.
 constexpr int gridStyleSets = 2;
@@ -41,7 +41,7 @@ window::Form makeFormModel() {
   return form;
 }
 
-std::u16string_view buttonOfAction(int action) {
+std::u16string_view buttonOfAction(Action action) {
   for (const auto& [code, name] : buttons)
     if (code == action) return name;
   return {};
