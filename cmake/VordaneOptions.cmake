@@ -92,7 +92,8 @@ function(vordane_test name)
   target_link_libraries(${name} PRIVATE ${ARG_LINKS} vordane_test_places GTest::gmock GTest::gtest_main)
   vordane_test_options(${name})
   # GoogleTest's headers cost more than most tests: compiled once for all test programs.
-  if(TARGET vordane_test_headers)
+  # Not with shared libraries: their code and that of programs is made with different settings.
+  if(TARGET vordane_test_headers AND NOT VORDANE_SHARED)
     target_precompile_headers(${name} REUSE_FROM vordane_test_headers)
   endif()
   if(CMAKE_CROSSCOMPILING)

@@ -1,11 +1,12 @@
 #include "platform/engine_choice.h"
-#include "places.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 #include <random>
+
+#include "places.h"
 
 namespace vordane::database {
 namespace {
