@@ -1,5 +1,5 @@
-// Between the portable window and whatever draws it. `dlgFaultDisplay` implements ViewEvents and talks to a
-// View; the Win32 view (and the tests' in-memory one) implements View and calls ViewEvents. One thread.
+// Between the portable window and whatever draws it. `WindowInput` implements ViewEvents, the window talks to
+// a View; the Win32 view (and the tests' in-memory one) implements View and calls ViewEvents. One thread.
 #pragma once
 
 #include <cstddef>

@@ -1,5 +1,5 @@
 // The fault store of the window: takes fault lists in, shows the stored faults of one exchange, keeps the
-// lamps, prints and deletes. `dlgFaultDisplay` owns one and calls it from its dispatcher and its events.
+// lamps, prints and deletes. The window owns one and calls it from its dispatcher and its events.
 //
 // Every public procedure traps its own errors and shows them (box 102 with the engine's text), so none of
 // them throws but for an impossible column; each tests once whether FAULT.MDB is open and tells the host when

@@ -7,6 +7,8 @@
 
 #include <string_view>
 
+#include "platform/action.h"
+
 namespace vordane::window::win32 {
 
 inline constexpr wchar_t windowClassName[] = L"VordaneWindow";
