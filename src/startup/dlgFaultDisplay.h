@@ -27,6 +27,7 @@ class dlgFaultDisplay final {
   void Unload() { end_.Unload(); }
   void userReleased() noexcept { end_.userReleased(); }
   bool alive() const { return life_.alive(); }
+  bool loaded() const { return life_.stage() != startup::WindowLife::Stage::unborn; }
   // While what it returns exists a call is under way: timer actions wait.
   startup::WindowLife::Entry enter() { return startup::WindowLife::Entry(life_); }
 

@@ -82,7 +82,8 @@ TEST_F(LanguageCheck, UnknownMissingAndDoubleControlsAreFound) {
   expectOnly("lblMJ stands twice");
   texts.replace("controls.tsv", "lblMJ\tx\t-1\t9\t\n", "");
   texts.replace("controls.tsv", "imgDetail\t", "imgHeader\t");
-  EXPECT_THAT(check(texts), ElementsAre(HasSubstr("imgHeader stands twice"), HasSubstr("imgDetail is missing")));
+  EXPECT_THAT(check(texts),
+              ElementsAre(HasSubstr("imgHeader stands twice"), HasSubstr("imgDetail is missing")));
 }
 
 TEST_F(LanguageCheck, TextsForPropertiesThatATypeLacksAreFound) {
