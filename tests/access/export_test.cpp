@@ -94,7 +94,7 @@ TEST_F(Export, ALanguageGoesThereAndBackAgain) {
                             &LanguageSource::controls, &LanguageSource::headings, &LanguageSource::project,
                             &LanguageSource::boxes, &LanguageSource::common_boxes, &LanguageSource::help,
                             &LanguageSource::pictures, &LanguageSource::picture_sets})
-      EXPECT_TRUE(plain(again.*rows) == plain(source.*rows)) << language;
+      EXPECT_EQ(plain(again.*rows), plain(source.*rows)) << language;
   }
 }
 
