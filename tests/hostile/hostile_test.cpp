@@ -197,25 +197,25 @@ class Hostile : public startup::Story {
   }
   void chooseExchange() {
     const std::size_t stored = form().form().control(u"drpPBXList").items().size();
-    if (stored > 0) form().exchangeChosen(static_cast<int>(plots.back()->whims.below(stored)));
+    if (stored > 0) form().input().exchangeChosen(static_cast<int>(plots.back()->whims.below(stored)));
   }
   void person() {
     Whims& whims = plots.back()->whims;
     switch (whims.below(8)) {
       case 0:
-        return form().keyPressed(112);
+        return form().input().keyPressed(112);
       case 1:
-        return form().headingClicked(static_cast<int>(whims.below(6)));
+        return form().input().headingClicked(static_cast<int>(whims.below(6)));
       case 2:
         return chooseExchange();
       case 3:
-        if (whims.once(4)) form().closeAsked();
+        if (whims.once(4)) form().input().closeAsked();
         return;
       case 4:
         boxes.answer = whims.oneOf({1, 2, 4, 6, 7, 0});
         return;
       default:
-        form().buttonPressed(whims.once(2) ? 0 : static_cast<int>(whims.below(6)));
+        form().input().buttonPressed(whims.once(2) ? 0 : static_cast<int>(whims.below(6)));
     }
   }
   // One thing that comes from outside; `inside` a call it may also be the end.
