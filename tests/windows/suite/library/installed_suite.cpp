@@ -3,6 +3,11 @@
 #include "library/texts.h"
 
 namespace vordane::suite {
+namespace {
+
+bool installed = false;  // by this run
+
+}  // namespace
 
 void registerProgram(const Path& program) {
   if (const int code = run(program, {L"/RegServer"}).code; code != 0)
@@ -16,9 +21,10 @@ void unregisterProgram(const Path& program) {
 
 void InstalledSuite::install(const std::string& language) {
   const Layout& at = layout();
-  endSuitePrograms();
+  if (isTaken(at.root)) endSuitePrograms();  // of an earlier test, or of a run that was broken off
   setLanguage(language);
-  for (const Path& folder : {at.root, at.exchange, at.elsewhere}) emptyFolder(folder);
+  for (const Path& folder : {at.root, at.exchange, at.elsewhere}) takeFolder(folder);
+  installed = true;
   std::filesystem::create_directories(at.addins());
   copyFile(at.programs / L"vordane" / L"VORDANE.EXE", at.addins());
   copyFile(at.programs / L"devhost" / L"devhost.exe", at.addins());
@@ -41,6 +47,16 @@ void StartedByHand::fetch() {
   window.press(L"cmdRequest");
   awaitLogged("LogOut", before + 2);
   window.awaitIdle();
+}
+
+void removeSuite() {
+  if (!installed) return;
+  const Layout& at = layout();
+  endSuitePrograms();
+  for (const Path& program : {at.addin(), at.simulator()})
+    if (std::filesystem::exists(program)) run(program, {L"/UnregServer"});
+  for (const std::wstring& version : {at.section(), at.otherSection}) removeSettings(version);
+  for (const Path& folder : {at.root, at.exchange, at.elsewhere}) leaveFolder(folder);
 }
 
 std::string tools(const Program::Arguments& arguments) {

@@ -42,6 +42,10 @@ class StartedByHand {
   Window window;
 };
 
+// Nothing of the installed suite stays: programs, registration, settings, files. Not what was registered
+// before.
+void removeSuite();
+
 // vordane-tools with these arguments: what it printed.
 std::string tools(const Program::Arguments& arguments);
 

@@ -77,6 +77,37 @@ void emptyFolder(const Path& folder) {
   }
 }
 
+namespace {
+
+constexpr const wchar_t* takenMark = L"made by the tests";
+
+bool holdsFiles(const Path& folder) {
+  if (!fs::exists(folder)) return false;
+  for (const auto& entry : fs::recursive_directory_iterator(folder))
+    if (!entry.is_directory()) return true;
+  return false;
+}
+
+}  // namespace
+
+bool isTaken(const Path& folder) {
+  return fs::exists(folder / takenMark);
+}
+
+void takeFolder(const Path& folder) {
+  if (!isTaken(folder) && holdsFiles(folder))
+    throw Failure(utf8(folder) + " holds files that no test has made: name another folder for the tests");
+  emptyFolder(folder);
+  writeText(folder / takenMark, {});
+}
+
+void leaveFolder(const Path& folder) {
+  if (!isTaken(folder)) return;
+  emptyFolder(folder);
+  std::error_code mounted;
+  fs::remove(folder, mounted);
+}
+
 void copyFolder(const Path& from, const Path& to) {
   fs::create_directories(to);
   for (const auto& entry : fs::directory_iterator(from)) {

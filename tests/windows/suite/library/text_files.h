@@ -22,6 +22,12 @@ std::wstring wide(std::string_view utf8);
 
 // Empties the folder, which is made when it is not there; one that a disk is mounted at stays.
 void emptyFolder(const Path& folder);
+// The same for a folder that the tests take for their own; throws Failure when it holds a file and they have
+// not taken it before, since it may be somebody's.
+void takeFolder(const Path& folder);
+bool isTaken(const Path& folder);
+// Removes a folder that they have taken; leaves every other as it is.
+void leaveFolder(const Path& folder);
 void copyFolder(const Path& from, const Path& to);  // over what is there
 void copyFile(const Path& from, const Path& to);    // likewise; `to` may be a folder
 
