@@ -82,7 +82,7 @@ TEST_F(EngineChoice, AnythingElseIsOfNoKnownFormat) {
     EXPECT_EQ(answer(file(bytes)), 3343) << bytes;
 }
 
-// Whoever holds a file for himself lets it go again, or not in time.
+// Another program that has the file exclusively closes it again, or not in time.
 TEST_F(EngineChoice, AFileThatIsHeldIsWaitedFor) {
   const std::u16string path = file("");
   int asked = 0, refusals = 3;
