@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <fstream>
 
+#include "faults/kind_lists.h"
 #include "language/form_controls.h"
 #include "lines.h"
 #include "settings/shared_state.h"
@@ -42,6 +43,14 @@ constexpr std::u16string_view projectColumns[] = {u"Title", u"OleServerBusyMsgTi
 
 std::string inUtf8(const fs::path& path) {
   return text::toUtf8(path.u16string());
+}
+
+// A hidden list of a kind has nothing to translate: the row that `language build` writes for it.
+bool saysNothing(const std::string& name, const SourceRow& row) {
+  const std::u16string_view keepDesigned = u"-1";
+  return name == "controls.tsv" && row.fields[1] == keepDesigned && row.fields[4] == keepDesigned &&
+         std::any_of(kindLists.begin(), kindLists.end(),
+                     [&](const KindList& list) { return list.name() == row.fields[0]; });
 }
 
 // By their numbers, where a table's rows have no order of their own.
@@ -126,7 +135,7 @@ void TextExport::take(const std::string& name, bool shared,
                       std::initializer_list<std::u16string_view> columns) {
   SourceRow row;
   for (const auto column : columns) row.fields.push_back(field(column));
-  file(name, shared).rows.push_back(std::move(row));
+  if (!saysNothing(name, row)) file(name, shared).rows.push_back(std::move(row));
 }
 
 void TextExport::projectRow() {
