@@ -11,7 +11,7 @@
 //   click [--wait SECONDS] --box [ANSWER]    prints a message box's title and text; answers it with that
 //   button
 //
-// Controls go by their names in the form; ANSWER is 1 (OK), 2 (cancel), 6 (yes), 7 (no). Ends with 1 when
+// Controls go by their names in the form, the text at the left of the status line by "account"; ANSWER is 1 (OK), 2 (cancel), 6 (yes), 7 (no). Ends with 1 when
 // what was waited for did not come.
 #include <windows.h>
 
@@ -41,6 +41,7 @@ HWND findFrame() {
 HWND findControl(const wchar_t* name) {
   const HWND frame = findFrame();
   if (frame == nullptr) return nullptr;
+  if (_wcsicmp(name, L"account") == 0) return GetDlgItem(frame, vordane::window::win32::idAccount);
   const auto* child = std::find_if(std::begin(children), std::end(children),
                                    [&](const Child& entry) { return isNamed(entry, name); });
   return child == std::end(children) ? nullptr : GetDlgItem(frame, child->id);

@@ -1,0 +1,52 @@
+// The host that behaves: what it sees of a whole conversation with the simulated exchange, which runs in a
+// process of its own.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "devhost/core/host.h"
+#include "zulsim/windows/timers.h"
+
+namespace vordane::hostile {
+
+using Lines = std::vector<std::string>;
+
+class RightHost final : public devhost::Environment {
+ public:
+  RightHost();
+
+  // Creates a layer and registers its exchange; false when the window's life is over or it could not load.
+  bool take();
+  // The same with the layer that is held.
+  bool registerIt();
+  void release() { layer_ = nullptr; }
+  bool holds() const { return layer_ != nullptr; }
+  // Whether nothing keeps a run from beginning. Starts none: the key is no number.
+  bool idle();
+  void cancel();
+  // Asks for the fault list as a person does and waits for the conversation's end; the calls it got, one line
+  // each, identifiers masked. Throws std::runtime_error when the end does not come.
+  Lines converse();
+  // Calls that nobody asked for since the last conversation.
+  Lines takeLines();
+
+  automation::ObjectRef create(std::u16string_view progId) override;
+  bool waitUntil(const std::function<bool()>& done, int milliseconds) override;
+  void print(std::string_view) override {}
+  std::u16string now() override { return u"2026-11-20 10:15"; }
+  void after(int milliseconds, std::function<void()> step) override { timers_.after(milliseconds, step); }
+  void pause(int milliseconds) override { waitUntil([] { return false; }, milliseconds); }
+  void vanish() override {}
+  void log(std::u16string_view) override {}
+
+ private:
+  zulsim::Timers timers_;
+  Lines lines_;
+  devhost::Trace trace_;
+  std::shared_ptr<devhost::HostState> state_;
+  automation::ObjectRef host_, layer_;
+};
+
+}  // namespace vordane::hostile
