@@ -23,6 +23,11 @@ void attempt(const std::function<void()>& step) {
   }
 }
 
+void registerEvil(automation::Object& layer, const ObjectRef& host) {
+  automation::call(layer, u"RegisterPBX",
+                   {byVal(std::u16string(u"EVIL")), byVal(host), byVal(std::int16_t{3})});
+}
+
 }  // namespace
 
 void Attack::lieInWait() {
@@ -35,11 +40,24 @@ void Attack::begin() {
   hasLayers_ = true;
   lieInWait();
   host = plot_.lend(plot_.makePeer());
-  layers.push_back(scene_.createLayer());
-  attempt([&] {
-    automation::call(*layers.front(), u"RegisterPBX",
-                     {byVal(std::u16string(u"EVIL")), byVal(host), byVal(std::int16_t{3})});
-  });
+  addLayer();
+  if (!layers.empty()) attempt([&] { registerEvil(*layers.front(), host); });
+}
+
+void Attack::addLayer() {
+  ++unregistered_;
+  try {
+    const ObjectRef made = scene_.createLayer();
+    layers.push_back(made);
+    if (faithful) registerEvil(*made, host);
+  } catch (const AutomationError&) {
+    // Whether there is one can be seen.
+  }
+  --unregistered_;
+}
+
+ObjectRef Attack::someHost() {
+  return !faithful && plot_.whims.once(6) ? plot_.anyObject() : host;
 }
 
 // A release may lead to others that are made or let go of meanwhile.
@@ -53,7 +71,7 @@ void Attack::keepLayers(std::size_t count) {
 ObjectRef Attack::someLayer() {
   Whims& whims = plot_.whims;
   if (layers.empty() || (layers.size() < mostLayers && whims.once(30)))
-    attempt([&] { layers.push_back(scene_.createLayer()); });
+    addLayer();
   return layers.empty() ? ObjectRef{} : layers[whims.below(layers.size())];
 }
 
@@ -67,7 +85,7 @@ void Attack::callLayer() {
       return attempt([&] {
         automation::call(*held, u"RegisterPBX",
                          {byVal(whims.once(3) ? whims.text() : u"EVIL"),
-                          byVal(whims.once(6) ? plot_.anyObject() : host), byVal(std::int16_t{3})});
+                          byVal(someHost()), byVal(std::int16_t{3})});
       });
     case 2:
       return attempt([&] { automation::put(*held, u"Visible", whims.value()); });
@@ -192,7 +210,7 @@ void Attack::whileABoxStands() {
 
 // The last release, or the death of whoever held the layers.
 void Attack::leave() {
-  if (plot_.whims.once(2)) scene_.die();
+  if (plot_.whims.once(2) && plot_.mortal && isWatched()) scene_.die();
   keepLayers(0);
 }
 

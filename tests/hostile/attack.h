@@ -61,15 +61,20 @@ class Attack {
   void keepLayers(std::size_t count);
   // While a box stands, as long as this attack lasts.
   void whileABoxStands();
+  // Whether the add-in would notice this program's death: not while a layer is made and not yet registered.
+  bool isWatched() const { return unregistered_ == 0; }
 
-  bool endings = true;      // the window's own end may be asked for: jobs, their end, the title bar
-  bool madeAJob = false;    // CreateSchedule was called
+  bool endings = true;     // the window's own end may be asked for: jobs, their end, the title bar
+  bool faithful = false;   // each layer is registered with this host alone, whose death can be noticed by it
+  bool madeAJob = false;   // CreateSchedule was called
   std::vector<automation::ObjectRef> layers;
   automation::ObjectRef host;
 
  private:
   void outside(bool inside);
   automation::ObjectRef someLayer();
+  void addLayer();
+  automation::ObjectRef someHost();
   void callLayer();
   void runSchedule(automation::Object& layer);
   void callWindow();
@@ -81,6 +86,7 @@ class Attack {
   Conspiracy& plot_;
   Scene& scene_;
   bool hasLayers_ = false;
+  int unregistered_ = 0;
 };
 
 }  // namespace vordane::hostile

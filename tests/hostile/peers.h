@@ -44,6 +44,7 @@ class Conspiracy {
 
   bool longAnswers = true;      // there may be some of all the entries that can be counted
   std::int32_t others = 7;      // entries of the others that count too many
+  bool mortal = true;           // this program may die in a call
   std::size_t oneDeathIn = 20;  // calls in which something happens that leave could be taken in
 
   Whims whims;

@@ -5,7 +5,6 @@ set -euo pipefail
 . "$(dirname "$0")/../suite/suite.sh"
 
 install_suite
-cp "$(dirname "$0")/right.zul" "$drive/SIM/Zulsim.zul"
 mkdir -p "$drive/EVIL"
 for program in EvilHost EvilExchange; do
   cp "$VORDANE_BUILD/tests/windows/hostile/$program.exe" "$drive/EVIL/"

@@ -155,12 +155,15 @@ void Program::begin(std::int32_t seed, bool endings) {
   plot.longAnswers = false;
   plot.others = 40;
   plot.oneDeathIn = 6;
+  plot.mortal = role_ == Role::exchange || plot.whims.once(2);
   plot.faceOf = [&plot](const std::shared_ptr<Peer>& peer) { return makeFace(plot, peer); };
   plot.linger = [this] { linger(); };
   auto next = std::make_unique<Attack>(plot, *this);
   if (attack_) next->layers = std::move(attack_->layers);
   attack_ = std::move(next);
   attack_->endings = endings;
+  attack_->faithful = plot.mortal;
+  if (plot.mortal) attack_->keepLayers(0);
   server_ = nullptr;
   answered_ = 0;
   active_ = true;
@@ -244,7 +247,7 @@ void Program::byItself() {
 
 void Program::linger() {
   Whims& whims = plots_.back()->whims;
-  if (whims.once(12)) hang();
+  if (whims.once(12) && plots_.back()->mortal && attack_->isWatched()) hang();
   com::serveMessagesUntil([] { return false; }, static_cast<int>(1 + whims.below(100)));
 }
 

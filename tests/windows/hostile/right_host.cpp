@@ -9,6 +9,7 @@
 #include "platform/windows/com/apartment.h"
 #include "platform/windows/services/services.h"
 #include "program.h"
+#include "zulsim/core/exchange_server.h"
 
 namespace vordane::hostile {
 namespace {
@@ -19,6 +20,19 @@ using automation::ObjectRef;
 
 constexpr int conversationTakes = 60000;  // milliseconds at most, on a busy machine
 constexpr std::int16_t runError = 10000;
+
+constexpr std::string_view scenario = R"(
+exchange RIGHT
+  alarm 10
+  answer LEA0
+    fault 11 MJ LP 0C | 06/11/27 10:15 | 02 00 00 | 00
+    fault 01 MN MP 00 | 06/11/27 10:20 | 0C
+    fault 48 MN LP 15 | 06/11/01 06:57 | 00 02 01 00 02 00 00 00 | 8F 1C 3B
+    delay 1
+  answer EA1/00
+    lamps 10
+    delay 1
+)";
 
 std::string masked(std::string_view line) {
   static const std::regex identifier("(SIM|ACCEPTED)-[0-9]+");
@@ -34,13 +48,22 @@ std::string joined(const Lines& lines) {
 }  // namespace
 
 RightHost::RightHost()
-    : trace_([this](std::string_view line) { lines_.push_back(masked(line)); }),
+    : scenario_(zulsim::parseScenario(scenario)),
+      trace_([this](std::string_view line) { told(line); }),
       state_(std::make_shared<devhost::HostState>(devhost::HostState{*this, trace_})),
       host_(std::make_shared<devhost::Host>(state_)) {
+  if (!scenario_.problems.empty()) throw std::logic_error("the scenario is wrong");
+  const auto simulation = std::make_shared<zulsim::Simulation>(scenario_.scenario, *this);
   state_->exchangeServer =
-      std::make_shared<devhost::TracedServer>(state_, create(u"CalderinProj30001.cPBXOLE"));
+      std::make_shared<devhost::TracedServer>(state_, std::make_shared<zulsim::ExchangeServer>(simulation));
   state_->systemInfo = 4;  // bit 8 of somebody else goes only with bit 4 set
   state_->version = u"SC-1000 N1";
+}
+
+void RightHost::told(std::string_view line) {
+  lines_.push_back(masked(line));
+  if (lines_.back() != "TurnOnFlow") return;
+  for (auto& answer : std::exchange(answers_, {})) timers_.after(1, std::move(answer));
 }
 
 ObjectRef RightHost::create(std::u16string_view progId) {

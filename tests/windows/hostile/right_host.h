@@ -1,5 +1,4 @@
-// The host that behaves: what it sees of a whole conversation with the simulated exchange, which runs in a
-// process of its own.
+// The host that behaves: what it sees of a whole conversation with a simulated exchange of its own.
 #pragma once
 
 #include <memory>
@@ -7,6 +6,7 @@
 #include <vector>
 
 #include "devhost/core/host.h"
+#include "zulsim/core/scenario_parser.h"
 #include "zulsim/windows/timers.h"
 
 namespace vordane::hostile {
@@ -36,13 +36,18 @@ class RightHost final : public devhost::Environment {
   bool waitUntil(const std::function<bool()>& done, int milliseconds) override;
   void print(std::string_view) override {}
   std::u16string now() override { return u"2026-11-20 10:15"; }
-  void after(int milliseconds, std::function<void()> step) override { timers_.after(milliseconds, step); }
+  // The exchange answers when the host has been told of the acceptance, so that the calls have one order.
+  void after(int, std::function<void()> answer) override { answers_.push_back(std::move(answer)); }
   void pause(int milliseconds) override { waitUntil([] { return false; }, milliseconds); }
   void vanish() override {}
   void log(std::u16string_view) override {}
 
  private:
+  void told(std::string_view line);
+
+  const zulsim::ParsedScenario scenario_;
   zulsim::Timers timers_;
+  std::vector<std::function<void()>> answers_;
   Lines lines_;
   devhost::Trace trace_;
   std::shared_ptr<devhost::HostState> state_;
