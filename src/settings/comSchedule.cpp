@@ -16,7 +16,7 @@ using automation::Value;
 
 constexpr std::int32_t fatalError = 61;  // ends every run, whatever its options say
 constexpr std::int16_t stateFatal = 12;
-constexpr std::int16_t noKind = 0;  // what is no 16-bit number is no kind of job that runs here
+constexpr std::int16_t noKind = 0;  // for a kind that is no 16-bit number; no job of this kind runs here
 constexpr int pollMilliseconds = 50;
 constexpr double secondsOfDay = 86'400;
 

@@ -25,7 +25,7 @@ struct DaoWorld {
   // Calls that no DAO takes, whatever the data: a wrong member, argument count or type.
   std::vector<std::string> misuse;
   std::function<void(const std::string& line)> misused = [](const std::string&) {};  // told each at once
-  // Files that somebody else holds for himself, and how many openings he refuses before he lets go.
+  // Files that another program has exclusively, and how many openings fail before it closes them.
   std::map<std::u16string, int> held;
   // Files that open, but may not be changed.
   std::set<std::u16string> writeProtected;

@@ -1,11 +1,12 @@
 #include "platform/engine_choice.h"
-#include "places.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 #include <random>
+
+#include "places.h"
 
 namespace vordane::database {
 namespace {
@@ -81,7 +82,7 @@ TEST_F(EngineChoice, AnythingElseIsOfNoKnownFormat) {
     EXPECT_EQ(answer(file(bytes)), 3343) << bytes;
 }
 
-// Whoever holds a file for himself lets it go again, or not in time.
+// Another program that has the file exclusively closes it again, or not in time.
 TEST_F(EngineChoice, AFileThatIsHeldIsWaitedFor) {
   const std::u16string path = file("");
   int asked = 0, refusals = 3;

@@ -60,6 +60,23 @@ TEST_F(Layer, AnEmptyNameClearsTheFlagsAndAsksNothing) {
   EXPECT_EQ(application->texts.Title, u"Fault display (PBX-1)");
 }
 
+TEST_F(Layer, EachFlagIsItsOwnBit) {
+  host->sysInfo = std::int16_t{1};
+  startWithHost();
+  EXPECT_FALSE(state.SysInfoBit2 || state.SysInfoBit4 || state.SysInfoBit8);
+  host->sysInfo = std::int16_t{0x71 | 2};
+  registerPbx(u"PBX-1");
+  EXPECT_TRUE(state.SysInfoBit2);
+  EXPECT_FALSE(state.SysInfoBit4 || state.SysInfoBit8);
+  host->sysInfo = std::int16_t{0x71 | 4};
+  registerPbx(u"PBX-1");
+  EXPECT_TRUE(state.SysInfoBit4);
+  EXPECT_FALSE(state.SysInfoBit2 || state.SysInfoBit8);
+  host->sysInfo = std::int16_t{0x71 | 12};
+  registerPbx(u"PBX-1");
+  EXPECT_TRUE(state.SysInfoBit4 && state.SysInfoBit8);
+}
+
 TEST_F(Layer, Bit8IsWrittenOnlyBesideBit4) {
   host->sysInfo = std::int16_t{12};
   startWithHost();

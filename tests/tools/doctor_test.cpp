@@ -227,7 +227,7 @@ TEST_F(WorkstationDoctor, WarnsOfAProgramForEveryUserThatOthersMayReplace) {
                   finding(Weight::unsafe,
                           "CalderinProj30001.cPBXOle is registered for every user, but "
                           "Everyone may write to C:\\SIM: let administrators")));
-  everyUser = false;  // what a user registers for himself he may replace as he likes
+  everyUser = false;  // a user may replace what is registered for that user alone
   EXPECT_THAT(examine(), IsEmpty());
 }
 

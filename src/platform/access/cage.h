@@ -7,8 +7,8 @@
 
 namespace vordane::access {
 
-// The sanitizers' own code reserves more addresses than any machine has memory and calls the system as it likes:
-// under them the child has neither that limit, nor the one on open files, nor the lock.
+// The sanitizers' own code reserves more addresses than any machine has memory and calls the system as it
+// likes: under them the child has neither that limit, nor the one on open files, nor the lock.
 #if defined(__SANITIZE_ADDRESS__)
 inline constexpr bool sanitized = true;
 #elif defined(__has_feature)

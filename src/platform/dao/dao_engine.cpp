@@ -162,7 +162,7 @@ class File : public database::Database {
   }
 
   ObjectRef object_;
-  jet::Lifted lifted_;  // kept for its room
+  jet::Lifted lifted_;  // keeps its memory between statements
   bool closed_ = false;
 };
 
@@ -180,7 +180,7 @@ class DaoEngine : public database::Engine {
   }
 
  private:
-  // Somebody who holds the file for himself, as Access does while it repairs one, may be about to let it go.
+  // A program that has the file exclusively, as Access does while it repairs one, may be about to close it.
   ObjectRef openPatiently(std::u16string_view path, bool readOnly) {
     const auto end = std::chrono::steady_clock::now() + lockWait_;
     for (;;) {

@@ -12,7 +12,7 @@ namespace vordane::dao {
 
 // Asks for DAO.DBEngine.120 and then DAO.DBEngine.36 at the first opening, and keeps the object. Opening
 // fails with number 429 where neither is installed. `creator` must outlive the engine.
-// A file that somebody else holds for himself is tried again for `lockWait`.
+// A file that another program has opened exclusively is tried again for `lockWait`.
 std::unique_ptr<database::Engine> makeEngine(
     platform::ObjectCreator& creator, std::chrono::milliseconds lockWait = std::chrono::milliseconds(5000));
 

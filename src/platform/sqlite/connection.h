@@ -40,7 +40,7 @@ class Reader {
 
 class FaultIndex;
 
-// Reading a file is dear on some systems: the keys of a million faults find room in this many kilobytes.
+// Reading a file is slow on some systems: the keys of a million faults fit into this many kilobytes.
 inline constexpr const char* wholeCache = "PRAGMA cache_size = -65536";
 
 class Connection {

@@ -29,7 +29,7 @@ class DescriptionOrder {
 
   Connection& connection_;
   std::size_t rows_ = 0, steps_ = 0;  // each row is read and handed over: two steps
-  std::string key_;                   // kept for its room
+  std::string key_;                   // keeps its memory between rows
   std::u16string copy_;
 };
 

@@ -456,7 +456,7 @@ void FaultIndex::removeExchange(std::int64_t id) {
   newestChanged_ = true;
 }
 
-// One by one, so that it can be told how far it is.
+// One by one, so that progress can be reported.
 void FaultIndex::removeRows(std::int64_t id, std::size_t of) {
   constexpr std::size_t rowsBetweenProgress = 1024;
   Statement rows(connection_, "SELECT Count FROM VordaneFaultIndex WHERE ID = ?");

@@ -95,7 +95,7 @@ class FaultIndex {
   bool newestChanged_ = false;
   Newest newest_;
   Statement state_, same_, insert_, remove_, read_;
-  std::string key_;  // kept for its room
+  std::string key_;  // keeps its memory between rows
   Collecting collecting_;
   TimeOrder byTime_;
   DescriptionOrder byDescription_;

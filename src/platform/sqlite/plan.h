@@ -65,7 +65,7 @@ struct Opened {
       : connection(std::move(handle), readOnly, options), plans(connection) {}
   Connection connection;
   Plans plans;
-  jet::Lifted lifted;  // of the statement at hand; kept for its room
+  jet::Lifted lifted;  // of the statement at hand; keeps its memory for the next
 };
 
 }  // namespace vordane::sqlite

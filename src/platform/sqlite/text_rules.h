@@ -28,7 +28,7 @@ class FoldedNeedle {
   bool isIn(std::u16string_view text);
 
  private:
-  std::u16string needle_, folded_;  // `folded_` is kept for its room
+  std::u16string needle_, folded_;  // `folded_` keeps its memory between searches
 };
 
 // A 64-bit hash that equal texts share, the same on every system.

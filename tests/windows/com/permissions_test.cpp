@@ -1,14 +1,16 @@
 // Who may call a program of ours while it runs.
 #include "platform/windows/com/permissions.h"
 
+#include <windows.h>
+
+#include <sddl.h>  // needs windows.h before it
+
 #include <gtest/gtest.h>
 #include <objidl.h>
 
 #include <string>
 
 #include "platform/windows/com/owned.h"
-// sddl.h needs windows.h before it.
-#include <sddl.h>
 
 namespace vordane::com {
 namespace {

@@ -1,11 +1,10 @@
 // The real window over fakes: what the form says is shown, what a person does reaches the form.
-#include "windows/window/second_process.h"
-#include "windows/window/view_fixture.h"
-
 #include <objbase.h>
 
 #include "platform/windows/window/detail_pane.h"
 #include "platform/windows/window/geometry.h"
+#include "windows/window/second_process.h"
+#include "windows/window/view_fixture.h"
 
 namespace vordane::window::win32 {
 namespace {

@@ -1,10 +1,12 @@
 #include "platform/windows/com/accounts.h"
 
+#include <windows.h>
+
+#include <sddl.h>  // needs windows.h before it
+
 #include <array>
 
 #include "platform/windows/com/owned.h"
-// sddl.h needs windows.h before it.
-#include <sddl.h>
 
 namespace vordane::com {
 namespace {

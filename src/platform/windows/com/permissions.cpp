@@ -1,5 +1,9 @@
 #include "platform/windows/com/permissions.h"
 
+#include <windows.h>
+
+#include <sddl.h>  // needs windows.h before it
+
 #include <objidl.h>
 
 #include <array>
@@ -7,8 +11,6 @@
 #include <string>
 
 #include "platform/windows/com/owned.h"
-// sddl.h needs windows.h before it.
-#include <sddl.h>
 
 namespace vordane::com {
 namespace {

@@ -96,7 +96,7 @@ bool stationIsVisible();
 // True for a file on a share or on a drive that stands for one.
 bool isOnNetworkDrive(std::u16string_view path);
 
-// True when somebody else has opened a file for himself alone, or keeps its beginning locked.
+// True when another program has opened a file exclusively, or keeps its beginning locked.
 bool isHeldByOthers(std::u16string_view path);
 
 // Opens a document with what the workstation has for it; false when there is nothing.
