@@ -4,7 +4,7 @@
 # exchange PBX-1.
 #   measure.sh ENTRIES EXCHANGES
 set -euo pipefail
-. "$(dirname "$0")/../../tests/windows/suite/suite.sh"
+. "$(dirname "$0")/suite.sh"
 
 install_suite
 cp "$BENCH_FAULTS" "$addins/DATABASE/FAULT.MDB"

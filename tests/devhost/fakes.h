@@ -20,6 +20,8 @@ class FakeEnvironment : public Environment {
   }
   void pause(int milliseconds) override { timers.pause(milliseconds); }
   void log(std::u16string_view line) override { timers.log(line); }
+  bool taken(std::u16string_view word) override { return timers.taken(word); }
+  void give(std::u16string_view word) override { timers.give(word); }
   void vanish() override { ++timers.vanished; }
   automation::ObjectRef create(std::u16string_view progId) override {
     const auto found = classes.find(std::u16string(progId));

@@ -39,6 +39,31 @@ TEST_F(HostTest, EveryNotificationIsOneLineAsItComes) {
                           "EndProcess \"12\" 10021", "UnloadChild 7"));
 }
 
+TEST_F(HostTest, GivesAWordAtEachCallThatIsMeant) {
+  state_->behaviour(u"TurnOnFlow").gives = Behaviour::Word{u"heard", {}};
+  state_->behaviour(u"ShowMessage").gives = Behaviour::Word{u"accepted", u"PBX ACC"};
+  automation::call(*host_, u"TurnOnFlow");
+  automation::call(*host_, u"TurnOnFlow");
+  automation::call(*host_, u"ShowMessage", {byRef(std::u16string(u"PBX SIM-1"))});
+  automation::call(*host_, u"ShowMessage", {byRef(std::u16string(u"PBX ACCEPTED-1"))});
+  EXPECT_THAT(environment_.timers.words, ElementsAre(u"heard", u"heard", u"accepted"));
+}
+
+// The call returns when the word has been given, and not before; others return at once.
+TEST_F(HostTest, HoldsACallUntilItsWord) {
+  state_->behaviour(u"ShowMessage").holds = Behaviour::Word{u"answered", u"PBX ACC"};
+  bool given = false;
+  environment_.timers.after(700, [&] {
+    given = true;
+    environment_.timers.give(u"answered");
+  });
+  automation::call(*host_, u"ShowMessage", {byRef(std::u16string(u"PBX SIM-1"))});
+  EXPECT_FALSE(given);
+  automation::call(*host_, u"ShowMessage", {byRef(std::u16string(u"PBX ACCEPTED-1"))});
+  EXPECT_TRUE(given);
+  EXPECT_THAT(environment_.timers.words, ElementsAre()) << "the word was taken";
+}
+
 TEST_F(HostTest, LendsTheExchangeAccess) {
   state_->systemInfo = 12;
   state_->version = u"SC-1000 4.2";

@@ -123,6 +123,21 @@ TEST_F(InterpreterTest, MembersCanBeTakenAwayAndGivenBack) {
   EXPECT_THAT(environment_.lines, testing::Contains("ShowMessage \"PBX SIM-2\""));
 }
 
+TEST_F(InterpreterTest, WordsAreGivenAtOnceOrAtACallAndHoldOthers) {
+  scenario("exchange PBX-1\nanswer LEA0\nwhen heard\nthen answered\n");
+  const std::string begin = "pbx in-process try.zul\ncreate\nregister PBX-1\n",
+                    wait = "wait UnloadChild within 1000\n";
+  EXPECT_EQ(run(begin + "run 1\n" + wait), Outcome::waitFailed) << "nobody gives the word";
+  EXPECT_EQ(run(begin + "run 1\ngive heard\n" + wait), Outcome::done);
+  EXPECT_TRUE(environment_.timers.taken(u"answered"));
+  EXPECT_EQ(run(begin + "give heard on TurnOnFlow\nhold TurnOnFlow until answered\nrun 1\n" + wait),
+            Outcome::done);
+  EXPECT_THAT(environment_.timers.words, ElementsAre()) << "taken by the call that it held";
+  environment_.timers.give(u"heard");
+  EXPECT_EQ(run(begin + "give heard on TurnOnFlow\nrestore TurnOnFlow\nrun 1\n" + wait), Outcome::done);
+  EXPECT_FALSE(environment_.timers.taken(u"heard")) << "a member given back gives no word";
+}
+
 TEST_F(InterpreterTest, RepetitionsAndQuiet) {
   EXPECT_EQ(run("quiet\ncreate keeper\nloud\nrepeat 3\nnote round\nquiet\ncreate\nrelease\nloud\nend\n"),
             Outcome::done);

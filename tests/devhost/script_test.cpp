@@ -84,6 +84,22 @@ TEST(Script, SetsAndDepartures) {
   EXPECT_EQ(script[8].verb, Verb::die);
 }
 
+TEST(Script, Words) {
+  const auto script = good(
+      "give go\ngive heard on TurnOnFlow\ngive accepted on ShowMessage Exchange server: ACC\n"
+      "hold TurnOnFlow until answered\nhold ShowMessage until answered Exchange server: ACC\n");
+  EXPECT_EQ(script[0].verb, Verb::give);
+  EXPECT_EQ(script[0].word, u"go");
+  EXPECT_EQ(script[1].verb, Verb::giveOn);
+  EXPECT_EQ(script[1].name, u"TurnOnFlow");
+  EXPECT_EQ(script[1].text, u"");
+  EXPECT_EQ(script[2].text, u"Exchange server: ACC");
+  EXPECT_EQ(script[3].verb, Verb::hold);
+  EXPECT_EQ(script[3].name, u"TurnOnFlow");
+  EXPECT_EQ(script[3].word, u"answered");
+  EXPECT_EQ(script[4].text, u"Exchange server: ACC");
+}
+
 TEST(Script, RepetitionsHoldTheirStatements) {
   const auto script = good("repeat 3\ncreate\nrepeat 2\nsleep 1\nend\nrelease\nend\nnote done\n");
   ASSERT_EQ(script.size(), 2U);
@@ -123,6 +139,11 @@ INSTANTIATE_TEST_SUITE_P(
         BadCase{"wait ShowCode within\n", 1, u"the time in milliseconds is missing"},
         BadCase{"omit Everything\n", 1, u"\"Everything\" is no member of a host"},
         BadCase{"set colour red\n", 1, u"\"colour\" can't be set; sysinfo, version and data can"},
+        BadCase{"give\n", 1, u"the word is missing"},
+        BadCase{"give a\\b\n", 1, u"a word can't hold \\ / : * ? \" < > or |"},
+        BadCase{"give heard at TurnOnFlow\n", 1, u"behind the word stands nothing, or on MEMBER"},
+        BadCase{"give heard on Everything\n", 1, u"\"Everything\" is no member of a host"},
+        BadCase{"hold TurnOnFlow for answered\n", 1, u"behind the member stands until WORD"},
         BadCase{"put record Tag\n", 1, u"the value is missing"},
         BadCase{"try\n", 1, u"what is tried is missing"},
         BadCase{"end\n", 1, u"there is no repetition to end"},

@@ -77,6 +77,60 @@ TEST_F(ExchangeServerTest, AnAnswerWithoutDelayStillComesLater) {
   EXPECT_EQ(caller_->calls, 1);
 }
 
+TEST_F(ExchangeServerTest, AnAnswerWaitsForItsWordsOneAfterTheOther) {
+  load("exchange A\nanswer LEA0\ndelay 500\nwhen heard tried\nthen answered\n");
+  const std::string id = login();
+  send(id, u"LEA0");
+  timers_.pass(5000);
+  EXPECT_EQ(caller_->calls, 0);
+  timers_.words = {u"tried", u"other"};
+  timers_.pass(5000);
+  EXPECT_EQ(caller_->calls, 0) << "the first word is still missing";
+  timers_.words.push_back(u"heard");
+  caller_->onCallBack = [&] { EXPECT_EQ(timers_.words, std::vector<std::u16string>{u"other"}); };
+  timers_.pass(100);
+  EXPECT_EQ(caller_->calls, 1);
+  EXPECT_EQ(timers_.words, (std::vector<std::u16string>{u"other", u"answered"}));
+  send(id, u"LEA0");
+  timers_.pass(5000);
+  EXPECT_EQ(caller_->calls, 1) << "words that were taken count once";
+}
+
+TEST_F(ExchangeServerTest, AWordThatCameEarlyDoesNotShortenTheDelay) {
+  load("exchange A\nanswer LEA0\ndelay 500\nwhen heard\n");
+  timers_.words = {u"heard"};
+  send(login(), u"LEA0");
+  timers_.pass(499);
+  EXPECT_EQ(caller_->calls, 0);
+  timers_.pass(1);
+  EXPECT_EQ(caller_->calls, 1);
+}
+
+TEST_F(ExchangeServerTest, ALogOutEndsTheWaitForAWord) {
+  load("exchange A\nanswer LEA0\nwhen heard\n");
+  const std::string id = login();
+  send(id, u"LEA0");
+  timers_.pass(100);
+  logOut(id);
+  timers_.words = {u"heard"};
+  timers_.pass(5000);
+  EXPECT_EQ(caller_->calls, 0);
+  EXPECT_EQ(timers_.words, std::vector<std::u16string>{u"heard"});
+}
+
+TEST_F(ExchangeServerTest, ACancelledRequestIsAnsweredAtItsWord) {
+  load("exchange A\ncancelled-when cancelled\nanswer LEA0\nnever\n");
+  const std::string id = login();
+  send(id, u"LEA0");
+  automation::call(*server_, u"CancelRequest", {byRef(std::u16string(u"A")), byRef(text::fromUtf8(id))});
+  timers_.pass(60000);
+  EXPECT_EQ(caller_->calls, 0);
+  timers_.words = {u"cancelled"};
+  timers_.pass(100);
+  ASSERT_EQ(caller_->calls, 1);
+  EXPECT_EQ(caller_->heard[0].errCode, 61);
+}
+
 TEST_F(ExchangeServerTest, LogInsAreUsedInTurnAndTheLastHolds) {
   load(
       "exchange A\nlogin answer BUSY\nlogin answer ERROR\nlogin empty\nlogin raise 0x800A01AD no line\nlogin "

@@ -23,6 +23,13 @@ class HandTimers : public Services {
     paused += milliseconds;
   }
   void log(std::u16string_view line) override { lines.push_back(text::toUtf8(line)); }
+  bool taken(std::u16string_view word) override {
+    const auto found = std::find(words.begin(), words.end(), word);
+    if (found == words.end()) return false;
+    words.erase(found);
+    return true;
+  }
+  void give(std::u16string_view word) override { words.emplace_back(word); }
   void vanish() override { ++vanished; }
 
   // Runs what falls due within that time, in the order it does.
@@ -50,6 +57,7 @@ class HandTimers : public Services {
 
   int paused = 0, vanished = 0;
   std::vector<std::string> lines;
+  std::vector<std::u16string> words;  // given and not yet taken
 
  private:
   struct Step {

@@ -125,6 +125,14 @@ TEST(ScenarioParser, EveryWayOfMisbehaving) {
   EXPECT_EQ(answer.vanishAfter, 3);
 }
 
+TEST(ScenarioParser, Words) {
+  const Scenario scenario =
+      good("exchange A\ncancelled-when cancelled\nanswer LEA0\nwhen heard tried\nthen answered\n");
+  EXPECT_EQ(scenario.exchanges.at(0).cancelledWhen, u"cancelled");
+  EXPECT_EQ(answerOf(scenario, u"LEA0").when, (std::vector<std::u16string>{u"heard", u"tried"}));
+  EXPECT_EQ(answerOf(scenario, u"LEA0").then, u"answered");
+}
+
 TEST(ScenarioParser, SequencesAreHeldInOrder) {
   const Scenario scenario =
       good("exchange A\nanswer LEA0\nnot-found\nanswer EA1/00\nanswer lea0\nerrcode 61\n");
@@ -175,6 +183,10 @@ INSTANTIATE_TEST_SUITE_P(
         BadCase{"login accept\n", 1, u"\"login\" needs a line \"exchange NAME\" before it"},
         BadCase{"exchange A\n\nnot-found\n", 3, u"\"not-found\" needs a line \"answer COMMAND\" before it"},
         BadCase{"exchange A\nlogon accept\n", 2, u"\"logon\" is no word of a scenario"},
+        BadCase{"exchange A\nanswer LEA0\nwhen\n", 3, u"the word is missing"},
+        BadCase{"exchange A\nanswer LEA0\nwhen C:\\heard\n", 3, u"a word can't hold \\ / : * ? \" < > or |"},
+        BadCase{"exchange A\nanswer LEA0\nthen a b\n", 3, u"nothing may follow here, but \"b\" does"},
+        BadCase{"exchange A\ncancelled-when\n", 2, u"the word is missing"},
         BadCase{"exchange\n", 1, u"the exchange's name is missing"},
         BadCase{"exchange A B\n", 1, u"nothing may follow here, but \"B\" does"},
         BadCase{"exchange A\nexchange A\n", 2, u"the exchange \"A\" stands here a second time"},

@@ -11,7 +11,7 @@
 //   click [--wait SECONDS] --box [ANSWER]    prints a message box's title and text; answers it with that
 //   button
 //
-// Controls go by their names in the form, the text at the left of the status line by "account"; ANSWER is 1 (OK), 2 (cancel), 6 (yes), 7 (no). Ends with 1 when
+// Controls go by their names in the form; ANSWER is 1 (OK), 2 (cancel), 6 (yes), 7 (no). Ends with 1 when
 // what was waited for did not come.
 #include <windows.h>
 
@@ -21,40 +21,11 @@
 #include <cwchar>
 #include <string>
 
-#include "platform/windows/window/children.h"
+#include "click/windows/eye.h"
+#include "click/windows/hand.h"
 
+namespace vordane::click {
 namespace {
-
-using vordane::window::win32::Child;
-using vordane::window::win32::children;
-
-bool isNamed(const Child& child, const wchar_t* name) {
-  const std::wstring own(child.control.begin(), child.control.end());
-  return _wcsicmp(own.c_str(), name) == 0;
-}
-
-HWND findFrame() {
-  const HWND frame = FindWindowW(vordane::window::win32::windowClassName, nullptr);
-  return frame != nullptr && IsWindowVisible(frame) ? frame : nullptr;
-}
-
-HWND findControl(const wchar_t* name) {
-  const HWND frame = findFrame();
-  if (frame == nullptr) return nullptr;
-  if (_wcsicmp(name, L"account") == 0) return GetDlgItem(frame, vordane::window::win32::idAccount);
-  const auto* child = std::find_if(std::begin(children), std::end(children),
-                                   [&](const Child& entry) { return isNamed(entry, name); });
-  return child == std::end(children) ? nullptr : GetDlgItem(frame, child->id);
-}
-
-void press(POINT point, bool right) {
-  SetCursorPos(point.x, point.y);
-  INPUT inputs[2]{};
-  inputs[0].type = inputs[1].type = INPUT_MOUSE;
-  inputs[0].mi.dwFlags = right ? MOUSEEVENTF_RIGHTDOWN : MOUSEEVENTF_LEFTDOWN;
-  inputs[1].mi.dwFlags = right ? MOUSEEVENTF_RIGHTUP : MOUSEEVENTF_LEFTUP;
-  SendInput(2, inputs, sizeof(INPUT));
-}
 
 enum class Deed { find, press, rightPress, text, close, heading, key, help, box };
 constexpr struct {
@@ -90,26 +61,13 @@ Wish parse(int count, wchar_t** values) {
   return wish;
 }
 
-BOOL CALLBACK matchBox(HWND window, LPARAM parameter) {
-  wchar_t type[32];
-  if (!IsWindowVisible(window) || GetClassNameW(window, type, 32) == 0 || std::wcscmp(type, L"#32770") != 0)
-    return TRUE;
-  *reinterpret_cast<HWND*>(parameter) = window;
-  return FALSE;
+const Eye& eye() {
+  static const Eye everywhere;
+  return everywhere;
 }
 
-HWND findBox() {
-  HWND found = nullptr;
-  EnumWindows(matchBox, reinterpret_cast<LPARAM>(&found));
-  return found;
-}
-
-void printText(HWND window) {
-  wchar_t text[4096] = L"";
-  SendMessageW(window, WM_GETTEXT, 4096, reinterpret_cast<LPARAM>(text));
-  char bytes[3 * 4096];
-  WideCharToMultiByte(CP_UTF8, 0, text, -1, bytes, sizeof bytes, nullptr, nullptr);
-  std::puts(bytes);
+void print(HWND window) {
+  std::puts(utf8(textOf(window)).c_str());
 }
 
 template <class Find>
@@ -122,102 +80,60 @@ HWND waitFor(long seconds, Find find) {
   return found;
 }
 
-int box(const Wish& wish) {
-  const HWND found = waitFor(wish.wait, findBox);
-  if (found == nullptr) return 1;
-  constexpr int messageText = 0xFFFF;
-  printText(found);
-  if (const HWND text = GetDlgItem(found, messageText)) printText(text);
-  if (wish.word != nullptr) PostMessageW(found, WM_COMMAND, static_cast<WPARAM>(number(wish)), 0);
-  return 0;
+HWND waitForFrame(const Wish& wish) {
+  return waitFor(wish.wait, [] { return eye().frame(); });
 }
 
-// The place of a heading lies in the other process's memory while it is asked for.
-RECT headingPlace(HWND header, WPARAM column) {
-  RECT place{};
-  DWORD processId = 0;
-  GetWindowThreadProcessId(header, &processId);
-  const HANDLE process =
-      OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE, FALSE, processId);
-  void* const there = VirtualAllocEx(process, nullptr, sizeof place, MEM_COMMIT, PAGE_READWRITE);
-  if (there != nullptr && SendMessageW(header, HDM_GETITEMRECT, column, reinterpret_cast<LPARAM>(there)) != 0)
-    ReadProcessMemory(process, there, &place, sizeof place, nullptr);
-  if (there != nullptr) VirtualFreeEx(process, there, 0, MEM_RELEASE);
-  CloseHandle(process);
-  MapWindowPoints(header, nullptr, reinterpret_cast<POINT*>(&place), 2);
-  return place;
+int box(const Wish& wish) {
+  const HWND found = waitFor(wish.wait, [] { return eye().box(); });
+  if (found == nullptr) return 1;
+  print(found);
+  std::puts(utf8(messageOf(found)).c_str());
+  if (wish.word != nullptr) answerBox(found, static_cast<int>(number(wish)));
+  return 0;
 }
 
 int heading(const Wish& wish) {
-  const HWND frame = waitFor(wish.wait, findFrame);
-  const HWND grid = GetDlgItem(frame, vordane::window::win32::idGrid);
-  const auto header = reinterpret_cast<HWND>(SendMessageW(grid, LVM_GETHEADER, 0, 0));
-  if (header == nullptr || !IsWindowVisible(header)) return 1;
-  const RECT place = headingPlace(header, static_cast<WPARAM>(number(wish)));
+  const HWND found = waitFor(wish.wait, [] { return eye().heading(); });
+  if (found == nullptr) return 1;
+  const RECT place = placeOfHeading(found, static_cast<int>(number(wish)));
   if (place.right <= place.left) return 1;
-  press({(place.left + place.right) / 2, (place.top + place.bottom) / 2}, false);
-  return 0;
+  return pressOn(found, {(place.left + place.right) / 2, (place.top + place.bottom) / 2}) ? 0 : 1;
 }
 
 int key(const Wish& wish) {
-  const HWND frame = waitFor(wish.wait, findFrame);
+  const HWND frame = waitForFrame(wish);
   if (frame == nullptr) return 1;
-  SetForegroundWindow(frame);
-  INPUT inputs[2]{};
-  inputs[0].type = inputs[1].type = INPUT_KEYBOARD;
-  inputs[0].ki.wVk = inputs[1].ki.wVk = static_cast<WORD>(number(wish));
-  inputs[1].ki.dwFlags = KEYEVENTF_KEYUP;
-  SendInput(2, inputs, sizeof(INPUT));
+  pressKey(frame, static_cast<WORD>(number(wish)));
   return 0;
 }
 
 int help(const Wish& wish) {
-  const HWND found =
-      waitFor(wish.wait, [] { return FindWindowW(vordane::window::win32::helpClassName, nullptr); });
+  const HWND found = waitFor(wish.wait, [] { return eye().help(); });
   if (found == nullptr) return 1;
-  printText(found);
+  print(found);
   return 0;
 }
 
 int close(const Wish& wish) {
-  const HWND frame = waitFor(wish.wait, findFrame);
-  return frame != nullptr && PostMessageW(frame, WM_SYSCOMMAND, SC_CLOSE, 0) ? 0 : 1;
-}
-
-RECT placeOf(HWND window) {
-  RECT area{};
-  GetWindowRect(window, &area);
-  return area;
-}
-
-// A window that has just appeared may still be arranging itself: waits until it answers and stands still.
-void awaitRest(HWND window) {
-  constexpr int looks = 50, pause = 100;
-  RECT before = placeOf(window);
-  for (int i = 0; i < looks; ++i) {
-    DWORD_PTR ignored = 0;
-    SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_NORMAL, 20 * pause, &ignored);
-    Sleep(pause);
-    const RECT now = placeOf(window);
-    if (EqualRect(&now, &before)) return;
-    before = now;
-  }
+  const HWND frame = waitForFrame(wish);
+  return frame != nullptr && askToClose(frame) ? 0 : 1;
 }
 
 int control(const Wish& wish) {
   // What can't be pressed yet, since a box is still about to go, is waited for.
   const bool presses = wish.deed == Deed::press || wish.deed == Deed::rightPress;
   const HWND found = waitFor(wish.wait, [&] {
-    const HWND child = findControl(wish.word);
-    return !presses || (IsWindowEnabled(findFrame()) && IsWindowEnabled(child)) ? child : nullptr;
+    const HWND child = eye().control(wish.word);
+    return !presses || takesInput(child) ? child : nullptr;
   });
   if (found == nullptr) return std::fputs("click: no such control\n", stderr), 1;
-  if (wish.deed == Deed::text) return printText(found), 0;
+  if (wish.deed == Deed::text) return print(found), 0;
   if (presses) awaitRest(found);
-  const RECT area = placeOf(found);
-  const POINT middle{(area.left + area.right) / 2, (area.top + area.bottom) / 2};
+  const POINT middle = middleOf(found);
   std::printf("%ld %ld\n", middle.x, middle.y);
-  if (presses) press(middle, wish.deed == Deed::rightPress);
+  if (wish.deed == Deed::press) return pressOn(found, middle) ? 0 : 1;
+  if (presses) pressAt(middle, MouseButton::right);
   return 0;
 }
 
@@ -239,8 +155,10 @@ int run(const Wish& wish) {
 }
 
 }  // namespace
+}  // namespace vordane::click
 
 int wmain(int count, wchar_t** values) {
+  using namespace vordane::click;
   const Wish wish = parse(count, values);
   const bool wordless = wish.deed == Deed::box || wish.deed == Deed::close || wish.deed == Deed::help;
   if (!wordless && wish.word == nullptr)

@@ -89,10 +89,20 @@ bool contains(std::span<const std::u16string_view> names, std::u16string_view na
   return false;
 }
 
+constexpr int longestHold = 10 * 60 * 1000;
+
+bool isMeant(const std::optional<Behaviour::Word>& word, Arguments arguments) {
+  if (!word) return false;
+  return word->text.empty() || (!arguments.empty() && text::startsWith(textAt(arguments, 0), word->text));
+}
+
 // What the script wants of this member before, or in place of, its service.
-void depart(HostState& state, std::u16string_view member) {
+void depart(HostState& state, std::u16string_view member, Arguments arguments) {
   const Behaviour behaviour = state.behaviour(member);
   if (behaviour.dies) state.environment.vanish();
+  if (isMeant(behaviour.gives, arguments)) state.environment.give(behaviour.gives->name);
+  if (isMeant(behaviour.holds, arguments))
+    state.environment.waitUntil([&] { return state.environment.taken(behaviour.holds->name); }, longestHold);
   if (behaviour.pause > 0) state.environment.pause(behaviour.pause);
   if (behaviour.raises) throw AutomationError(*behaviour.raises);
 }
@@ -115,7 +125,7 @@ Value serve(HostState& state, const Member& member, Arguments arguments) {
   ensureOpen(state);
   state.trace.notification(member.name, written(arguments));
   if (arguments.size() != member.arguments) throw AutomationError(automation::error::badParameterCount);
-  depart(state, member.name);
+  depart(state, member.name, arguments);
   return member.handler(state, arguments);
 }
 
@@ -165,7 +175,7 @@ Value Host::invoke(std::u16string_view name, CallKind kind, Arguments arguments)
   if (const Member* member = find(hostMembers, name)) return serve(*state_, *member, arguments);
   ensureOpen(*state_);
   if (automation::isPut(kind)) throw AutomationError(automation::error::memberNotFound);
-  depart(*state_, name);  // reading an object is no notification
+  depart(*state_, name, arguments);  // reading an object is no notification
   return text::equalIgnoringCase(name, u"oZUL") ? access_ : state_->exchangeServer;
 }
 
@@ -179,7 +189,7 @@ Value TracedServer::invoke(std::u16string_view member, CallKind kind, Arguments 
   if (state->omitted(member)) throw AutomationError(automation::error::unknownName);
   const std::u16string name = u"oPBX." + std::u16string(member);
   state->trace.notification(name, written(arguments));
-  depart(*state, member);
+  depart(*state, member, arguments);
   try {
     const Value result = server_->invoke(member, kind, arguments);
     if (!automation::isEmpty(result)) state->trace.line(name + u" = " + written(result));

@@ -22,6 +22,12 @@ struct Behaviour {
   std::optional<automation::AutomationError> raises;
   int pause = 0;  // milliseconds, before anything else but the trace
   bool dies = false;
+  // Words: given at each call, and waited for before the call returns. A text limits them to calls whose
+  // first argument begins with it.
+  struct Word {
+    std::u16string name, text;
+  };
+  std::optional<Word> gives, holds;
 };
 
 // The ten arguments of PrintReport.

@@ -53,7 +53,10 @@ const Interpreter::Action Interpreter::actions[] = {
     {Verb::raise, &Interpreter::depart},
     {Verb::slow, &Interpreter::depart},
     {Verb::dieOn, &Interpreter::depart},
+    {Verb::giveOn, &Interpreter::depart},
+    {Verb::hold, &Interpreter::depart},
     {Verb::restore, &Interpreter::depart},
+    {Verb::give, &Interpreter::give},
     {Verb::die, &Interpreter::die},
     {Verb::note, &Interpreter::note},
     {Verb::quiet, &Interpreter::loudness},
@@ -299,6 +302,12 @@ Outcome Interpreter::depart(const Statement& statement) {
     case Verb::slow:
       behaviour.pause = statement.milliseconds;
       break;
+    case Verb::giveOn:
+      behaviour.gives = Behaviour::Word{statement.word, statement.text};
+      break;
+    case Verb::hold:
+      behaviour.holds = Behaviour::Word{statement.word, statement.text};
+      break;
     case Verb::dieOn:
       behaviour.dies = true;
       break;
@@ -306,6 +315,11 @@ Outcome Interpreter::depart(const Statement& statement) {
       behaviour = {};
       break;
   }
+  return Outcome::done;
+}
+
+Outcome Interpreter::give(const Statement& statement) {
+  environment_.give(statement.word);
   return Outcome::done;
 }
 

@@ -68,6 +68,7 @@ class Interpreter {
   Outcome sleep(const Statement& statement);
   Outcome set(const Statement& statement);
   Outcome depart(const Statement& statement);
+  Outcome give(const Statement& statement);
   Outcome die(const Statement& statement);
   Outcome note(const Statement& statement);
   Outcome loudness(const Statement& statement);

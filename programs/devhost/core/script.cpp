@@ -165,6 +165,30 @@ void die(LineReader& line, Statement& statement) {
   statement.name = member(line);
 }
 
+std::u16string givenWord(LineReader& line) {
+  std::u16string name = line.word(u"the word");
+  if (name.find_first_of(u"\\/:*?\"<>|") != std::u16string::npos)
+    throw LineError(u"a word can't hold \\ / : * ? \" < > or |");
+  return name;
+}
+
+// "give WORD" at once, "give WORD on MEMBER [TEXT]" at each call of it whose first argument begins so.
+void give(LineReader& line, Statement& statement) {
+  statement.word = givenWord(line);
+  if (line.atEnd()) return;
+  if (line.word(u"") != u"on") throw LineError(u"behind the word stands nothing, or on MEMBER");
+  statement.verb = Verb::giveOn;
+  statement.name = member(line);
+  statement.text = line.rest();
+}
+
+void hold(LineReader& line, Statement& statement) {
+  statement.name = member(line);
+  if (line.word(u"until") != u"until") throw LineError(u"behind the member stands until WORD");
+  statement.word = givenWord(line);
+  statement.text = line.rest();
+}
+
 void note(LineReader& line, Statement& statement) {
   statement.text = line.rest();
 }
@@ -204,6 +228,8 @@ constexpr Word words[] = {
     {u"slow", Verb::slow, slow},
     {u"restore", Verb::restore, memberOnly},
     {u"die", Verb::die, die},
+    {u"give", Verb::give, give},
+    {u"hold", Verb::hold, hold},
     {u"note", Verb::note, note},
     {u"quiet", Verb::quiet, none},
     {u"loud", Verb::loud, none},

@@ -39,6 +39,9 @@ enum class Verb : std::uint8_t {
   raise,
   slow,
   dieOn,
+  give,
+  giveOn,
+  hold,
   restore,
   die,
   note,
@@ -54,6 +57,7 @@ struct Statement {
   Verb verb = Verb::note;
   std::u16string words;     // the statement as the trace repeats it
   std::u16string name;      // label, member, exchange, file
+  std::u16string word;      // what is given or waited for
   std::u16string text;      // ProgID, error text, value, what a wait is for
   std::int32_t number = 0;  // ID, key, error code, repetitions
   std::int32_t second = 0;  // schedule action

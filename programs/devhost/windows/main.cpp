@@ -52,7 +52,8 @@ void printLine(std::string_view line) {
 
 class WindowsEnvironment : public Environment {
  public:
-  explicit WindowsEnvironment(bool times) : times_(times) {}
+  WindowsEnvironment(bool times, std::u16string wordFolder)
+      : times_(times), wordFolder_(std::move(wordFolder)) {}
 
   void after(int milliseconds, std::function<void()> step) override {
     timers_.after(milliseconds, std::move(step));
@@ -61,6 +62,8 @@ class WindowsEnvironment : public Environment {
     com::serveMessagesUntil([] { return false; }, milliseconds);
   }
   void log(std::u16string_view) override {}  // the trace shows the simulator's calls
+  bool taken(std::u16string_view word) override { return files::takeWord(wordFolder_, word); }
+  void give(std::u16string_view word) override { files::giveWord(wordFolder_, word); }
   void vanish() override { TerminateProcess(GetCurrentProcess(), 1); }
   automation::ObjectRef create(std::u16string_view progId) override { return creator_.create(progId); }
 
@@ -94,6 +97,7 @@ class WindowsEnvironment : public Environment {
 
  private:
   bool times_;
+  std::u16string wordFolder_;
   windows::ComObjectCreator creator_;
   zulsim::Timers timers_;
 };
@@ -144,7 +148,7 @@ int runScript(const Options& options) {
   }
   com::Apartment apartment;
   com::setErrorSource(u"devhost");
-  WindowsEnvironment environment(options.times);
+  WindowsEnvironment environment(options.times, files::besideFile(options.script, {}, {}));
   const auto engine =
       database::makeEngineChoice(dao::makeEngine(environment.creator()),
                                  sqlite::makeEngine({windows::isOnNetworkDrive}), {windows::isHeldByOthers});

@@ -41,6 +41,7 @@ constexpr ClassTable serverTable{u"cPBXOLE",
 constexpr std::u16string_view refused = u"ERROR";
 constexpr std::int32_t cancelledByUser = 61;
 constexpr int cancelMilliseconds = 1500;
+constexpr int betweenLooks = 20;  // milliseconds from one look for a word to the next
 
 std::u16string quoted(std::u16string_view text) {
   return u"\"" + std::u16string(text) + u"\"";
@@ -80,12 +81,15 @@ Answer ordinaryAnswer(std::u16string_view key, const std::u16string& alarm) {
   return answer;
 }
 
-Answer cancelledAnswer() {
+Answer cancelledAnswer(const Exchange& exchange) {
   Answer answer;
   answer.parts.emplace_back(Entry{u"ZUL_USERCANCEL", {}, {}, {}});
   answer.errCode = cancelledByUser;
   answer.message = u"ZUL_USERCANCEL";
-  answer.delay = cancelMilliseconds;
+  if (exchange.cancelledWhen.empty())
+    answer.delay = cancelMilliseconds;
+  else
+    answer.when = {exchange.cancelledWhen};
   return answer;
 }
 
@@ -196,8 +200,18 @@ std::shared_ptr<ExchangeServer::Request> ExchangeServer::requestOf(const Session
 
 void ExchangeServer::schedule(const std::shared_ptr<Request>& request) {
   // A waiting request lives in the server object and nowhere else, so its being there proves the other.
-  simulation_->services().after(request->answer.delay, [this, weak = std::weak_ptr(request)] {
-    if (const auto due = weak.lock()) deliver(due);
+  answerWhen(request, request->answer.delay);
+}
+
+// Delivers the answer after that time, and when its words have been given.
+void ExchangeServer::answerWhen(const std::shared_ptr<Request>& request, int milliseconds) {
+  simulation_->services().after(milliseconds, [this, weak = std::weak_ptr(request)] {
+    const auto due = weak.lock();
+    if (!due) return;
+    std::vector<std::u16string>& words = due->answer.when;
+    while (!words.empty() && simulation_->services().taken(words.front())) words.erase(words.begin());
+    if (words.empty()) return deliver(due);
+    answerWhen(due, betweenLooks);
   });
 }
 
@@ -217,6 +231,7 @@ void ExchangeServer::deliver(const std::shared_ptr<Request>& request) {
       simulation->services().log(u"CallBack failed");
     }
   }
+  if (!request->answer.then.empty()) simulation->services().give(request->answer.then);
 }
 
 ObjectRef ExchangeServer::answered(const Request& request) {
@@ -272,7 +287,7 @@ void ExchangeServer::CancelRequest(const std::u16string& PBXName, const std::u16
     if (request->loginId != LoginID) continue;
     // A new object, so that the timer of the answer it replaces finds nothing.
     request = std::make_shared<Request>(*request);
-    request->answer = cancelledAnswer();
+    request->answer = cancelledAnswer(*request->exchange);
     schedule(request);
   }
 }

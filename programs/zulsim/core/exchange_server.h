@@ -24,6 +24,9 @@ class Services {
   virtual void after(int milliseconds, std::function<void()> step) = 0;
   virtual void pause(int milliseconds) = 0;  // returns then
   virtual void log(std::u16string_view line) = 0;
+  // Words: whoever gives one lets what waits for it go on. `taken` is true once for each time it was given.
+  virtual bool taken(std::u16string_view word) = 0;
+  virtual void give(std::u16string_view word) = 0;
   virtual void vanish() = 0;  // ends the process without a word; a test's may return
 };
 
@@ -85,6 +88,7 @@ class ExchangeServer : public automation::TableObject {
                                       const std::vector<Reply>& sequence, std::u16string_view identifier);
   std::shared_ptr<Request> requestOf(const Session& session, const automation::ObjectRef& record);
   void schedule(const std::shared_ptr<Request>& request);
+  void answerWhen(const std::shared_ptr<Request>& request, int milliseconds);
   void deliver(const std::shared_ptr<Request>& request);
   automation::ObjectRef answered(const Request& request);
   void forget(std::u16string_view loginId);

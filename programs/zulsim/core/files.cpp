@@ -28,4 +28,13 @@ std::u16string besideFile(const std::u16string& file, const std::u16string& dire
   return (place / std::filesystem::path(name)).u16string();
 }
 
+bool takeWord(const std::u16string& folder, std::u16string_view word) {
+  std::error_code failure;  // one that can't be removed yet is taken at the next look
+  return std::filesystem::remove(std::filesystem::path(folder) / std::filesystem::path(word), failure);
+}
+
+void giveWord(const std::u16string& folder, std::u16string_view word) {
+  writeFile((std::filesystem::path(folder) / std::filesystem::path(word)).u16string(), {});
+}
+
 }  // namespace vordane::files

@@ -13,4 +13,9 @@ bool writeFile(const std::u16string& path, std::string_view bytes);
 std::u16string besideFile(const std::u16string& file, const std::u16string& directory,
                           const std::u16string& name);
 
+// A word is a file of that name in a folder: whoever makes it gives the word, who takes the word away takes
+// it.
+bool takeWord(const std::u16string& folder, std::u16string_view word);
+void giveWord(const std::u16string& folder, std::u16string_view word);
+
 }  // namespace vordane::files

@@ -41,7 +41,9 @@ struct Answer {
   std::int32_t dropLast = 0;  // entries cut off the end, so that the groups of four don't come out
   std::int32_t errCode = 0;
   std::u16string message;
-  int delay = 0;  // milliseconds
+  int delay = 0;                     // milliseconds
+  std::vector<std::u16string> when;  // words that the answer waits for, one after the other, behind its delay
+  std::u16string then;  // the word that is given when the caller has taken the answer; empty: none
   bool never = false;
   bool early = false;                          // before SendRequest has returned
   bool twice = false;                          // the same answer once more
@@ -62,7 +64,8 @@ struct Exchange {
   std::u16string name;       // "*" answers for every name that has no exchange of its own
   std::uint64_t number = 0;  // within a range of names; added to the seeds, so that the lists differ
   std::u16string alarm = u"00";
-  bool repeatAll = false;                          // a sequence starts over; otherwise its last step holds
+  std::u16string cancelledWhen;  // the word that the answer of a cancelled request waits for; empty: its time
+  bool repeatAll = false;        // a sequence starts over; otherwise its last step holds
   std::vector<Reply> login, send, logOut, cancel;  // empty: accepted
   std::vector<Command> commands;
 };

@@ -245,6 +245,23 @@ class Parser {
   }
   void message(LineReader& line) { answer_->message = line.rest(); }
   void delay(LineReader& line) { answer_->delay = line.number(u"the delay in milliseconds", 0, longestWait); }
+  static std::u16string word(LineReader& line) {
+    std::u16string name = line.word(u"the word");
+    if (name.find_first_of(u"\\/:*?\"<>|") != std::u16string::npos)
+      throw LineError(u"a word can't hold \\ / : * ? \" < > or |");
+    return name;
+  }
+  static std::u16string onlyWord(LineReader& line) {
+    std::u16string name = word(line);
+    line.expectEnd();
+    return name;
+  }
+  void when(LineReader& line) {
+    do answer_->when.push_back(word(line));
+    while (!line.atEnd());
+  }
+  void then(LineReader& line) { answer_->then = onlyWord(line); }
+  void cancelledWhen(LineReader& line) { current_.cancelledWhen = onlyWord(line); }
   void never(LineReader& line) { flag(line, answer_->never); }
   void early(LineReader& line) { flag(line, answer_->early); }
   void twice(LineReader& line) { flag(line, answer_->twice); }
@@ -274,6 +291,7 @@ const Parser::Keyword Parser::keywords[] = {
     {u"send", Keyword::exchange, &Parser::send},
     {u"logout", Keyword::exchange, &Parser::logOut},
     {u"cancel", Keyword::exchange, &Parser::cancel},
+    {u"cancelled-when", Keyword::exchange, &Parser::cancelledWhen},
     {u"alarm", Keyword::exchange, &Parser::alarm},
     {u"repeat", Keyword::exchange, &Parser::repeat},
     {u"answer", Keyword::exchange, &Parser::answer},
@@ -288,6 +306,8 @@ const Parser::Keyword Parser::keywords[] = {
     {u"errcode", Keyword::answer, &Parser::errCode},
     {u"message", Keyword::answer, &Parser::message},
     {u"delay", Keyword::answer, &Parser::delay},
+    {u"when", Keyword::answer, &Parser::when},
+    {u"then", Keyword::answer, &Parser::then},
     {u"never", Keyword::answer, &Parser::never},
     {u"early", Keyword::answer, &Parser::early},
     {u"twice", Keyword::answer, &Parser::twice},

@@ -33,7 +33,8 @@ std::u16string directoryOf(const std::u16string& path) {
 
 class WindowsServices : public Services {
  public:
-  explicit WindowsServices(std::u16string logFile) : logFile_(std::move(logFile)) {}
+  WindowsServices(std::u16string logFile, std::u16string wordFolder)
+      : logFile_(std::move(logFile)), wordFolder_(std::move(wordFolder)) {}
 
   void after(int milliseconds, std::function<void()> step) override {
     timers_.after(milliseconds, std::move(step));
@@ -41,6 +42,8 @@ class WindowsServices : public Services {
   void pause(int milliseconds) override {
     com::serveMessagesUntil([] { return false; }, milliseconds);
   }
+  bool taken(std::u16string_view word) override { return files::takeWord(wordFolder_, word); }
+  void give(std::u16string_view word) override { files::giveWord(wordFolder_, word); }
   void vanish() override { TerminateProcess(GetCurrentProcess(), 1); }
 
   void log(std::u16string_view line) override {
@@ -55,7 +58,7 @@ class WindowsServices : public Services {
   }
 
  private:
-  std::u16string logFile_;
+  std::u16string logFile_, wordFolder_;
   Timers timers_;
 };
 
@@ -102,8 +105,8 @@ int serve(const std::u16string& directory, const platform::CommandLine& commandL
   const bool byHand = commandLine.start == platform::Start::byHand;
   com::Apartment apartment;
   com::setErrorSource(u"Zulsim");
-  WindowsServices services(directory + u"Zulsim.log");
   const std::u16string file = scenarioFile(directory, byHand ? commandLine.text : std::u16string{});
+  WindowsServices services(directory + u"Zulsim.log", directoryOf(file));
   const ParsedScenario parsed = load(file);
   const std::u16string problems = lines::listing(file, parsed.problems);
   if (!problems.empty()) services.log(problems);

@@ -3,7 +3,8 @@
 // find everything as ever, in the same process where it goes on, else in the next one. In the second half one
 // process goes through all rounds: it must be there at the end, with no more handles and memory.
 //
-//   director CALLS [SEED]      in an installed suite; ends when the add-in has made that many calls
+//   director SUITE CALLS [SEED]   in an installed suite (its version directory); ends when the add-in has made
+//                                 that many calls
 //
 // Ends with 1 and a line that begins with FAILED when something is not as it should be.
 #include <windows.h>
@@ -14,7 +15,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "../rounds/measuring.h"
+#include "windows/rounds/measuring.h"
 #include "desk.h"
 #include "platform/windows/com/apartment.h"
 #include "program.h"
@@ -132,7 +133,8 @@ void print(const char* what, const Lines& lines) {
 
 class Director {
  public:
-  Director(std::int64_t wanted, std::int32_t seed) : wanted_(wanted), seed_(seed) {}
+  Director(std::u16string suite, std::int64_t wanted, std::int32_t seed)
+      : suite_(std::move(suite)), wanted_(wanted), seed_(seed) {}
 
   void run() {
     look();
@@ -170,7 +172,7 @@ class Director {
     watcher_.takeBoxes();
     Seen seen{right_.converse(), {}, {}};
     for (const std::wstring& box : watcher_.takeBoxes()) seen.boxes.push_back(text::toUtf8(com::fromWide(box)));
-    seen.rows = storedFaults(u"RIGHT");
+    seen.rows = storedFaults(suite_ + u"\\ADDINS\\DATABASE\\FAULT.MDB", u"RIGHT");
     return seen;
   }
   // The first time shows what it is.
@@ -304,12 +306,13 @@ class Director {
     if (exchange_.alive()) exchange_.order(u"Rest");
     next();
   }
-  static com::Handle startByHand() {
+  com::Handle startByHand() const {
     STARTUPINFOW start{};
     start.cb = sizeof start;
     PROCESS_INFORMATION started{};
-    std::wstring line = L"\"C:\\QUILMAR32\\30000\\ADDINS\\VORDANE.EXE\" EVIL";
-    CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, L"C:\\windows", &start, &started);
+    const std::wstring folder(suite_.begin(), suite_.end());  // no simulator lies there
+    std::wstring line = L"\"" + folder + L"\\ADDINS\\VORDANE.EXE\" EVIL";
+    CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, folder.c_str(), &start, &started);
     const com::Handle thread(started.hThread);
     return com::Handle(started.hProcess);
   }
@@ -359,6 +362,7 @@ class Director {
           12000);  // threads that are kept have a stack of 1 MB
   }
 
+  const std::u16string suite_;
   const std::int64_t wanted_;
   std::int32_t seed_;
   Watcher watcher_;
@@ -368,10 +372,10 @@ class Director {
   int rounds_ = 0, byHand_ = 0, sameProcess_ = 0;
 };
 
-int direct(std::int64_t calls, std::int32_t seed) {
+int direct(std::u16string suite, std::int64_t calls, std::int32_t seed) {
   const com::Apartment apartment;
   try {
-    Director(calls, seed).run();
+    Director(std::move(suite), calls, seed).run();
     return 0;
   } catch (const AutomationError& failure) {
     std::printf("FAILED: a call ended with 0x%08X\n", static_cast<unsigned>(failure.code()));
@@ -384,10 +388,13 @@ int direct(std::int64_t calls, std::int32_t seed) {
 }  // namespace
 }  // namespace vordane::hostile
 
-int main(int count, char** values) {
-  const long long calls = count > 1 ? std::atoll(values[1]) : 0;
-  if (calls > 0 && count < 4)
-    return vordane::hostile::direct(calls, count == 3 ? std::atoi(values[2]) : 1);
-  std::fputs("usage: director CALLS [SEED]\n", stderr);
+int wmain(int count, wchar_t** values) {
+  const long long calls = count > 2 ? std::wcstoll(values[2], nullptr, 10) : 0;
+  if (calls > 0 && count < 5) {
+    const std::wstring suite = values[1];
+    return vordane::hostile::direct({suite.begin(), suite.end()}, calls,
+                                    count == 4 ? static_cast<int>(std::wcstol(values[3], nullptr, 10)) : 1);
+  }
+  std::fputs("usage: director SUITE CALLS [SEED]\n", stderr);
   return 2;
 }

@@ -5,17 +5,11 @@
 #include "text/utf8.h"
 
 namespace vordane::hostile {
-namespace {
-
-constexpr const char* faultDatabase = "C:\\QUILMAR32\\30000\\ADDINS\\DATABASE\\FAULT.MDB";
-
-}  // namespace
-
-std::vector<std::string> storedFaults(std::u16string_view exchange) {
+std::vector<std::string> storedFaults(const std::u16string& database, std::u16string_view exchange) {
   std::vector<std::string> rows;
   sqlite3* file = nullptr;
   sqlite3_stmt* statement = nullptr;
-  sqlite3_open_v2(faultDatabase, &file, SQLITE_OPEN_READWRITE, nullptr);
+  sqlite3_open_v2(text::toUtf8(database).c_str(), &file, SQLITE_OPEN_READWRITE, nullptr);
   sqlite3_busy_timeout(file, 5000);
   sqlite3_prepare_v2(file,
                      "SELECT Fault || ' ' || Alarm || ' ' || CPU || ' ' || f.[Date] || ' ' || Description "

@@ -8,7 +8,7 @@
 namespace vordane::hostile {
 
 // The faults of an exchange, one line each, as another program reads them from the file.
-std::vector<std::string> storedFaults(std::u16string_view exchange);
+std::vector<std::string> storedFaults(const std::u16string& database, std::u16string_view exchange);
 
 const std::vector<std::string>& expectedCalls();
 const std::vector<std::string>& expectedRows();

@@ -2,9 +2,9 @@
 
 #include <utility>
 
-#include "../rounds/measuring.h"
 #include "desk.h"
 #include "program.h"
+#include "windows/rounds/measuring.h"
 
 namespace vordane::hostile {
 namespace {
