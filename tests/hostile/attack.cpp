@@ -70,8 +70,7 @@ void Attack::keepLayers(std::size_t count) {
 
 ObjectRef Attack::someLayer() {
   Whims& whims = plot_.whims;
-  if (layers.empty() || (layers.size() < mostLayers && whims.once(30)))
-    addLayer();
+  if (layers.empty() || (layers.size() < mostLayers && whims.once(30))) addLayer();
   return layers.empty() ? ObjectRef{} : layers[whims.below(layers.size())];
 }
 
@@ -83,9 +82,9 @@ void Attack::callLayer() {
     case 0:
     case 1:
       return attempt([&] {
-        automation::call(*held, u"RegisterPBX",
-                         {byVal(whims.once(3) ? whims.text() : u"EVIL"),
-                          byVal(someHost()), byVal(std::int16_t{3})});
+        automation::call(
+            *held, u"RegisterPBX",
+            {byVal(whims.once(3) ? whims.text() : u"EVIL"), byVal(someHost()), byVal(std::int16_t{3})});
       });
     case 2:
       return attempt([&] { automation::put(*held, u"Visible", whims.value()); });

@@ -64,9 +64,9 @@ class Attack {
   // Whether the add-in would notice this program's death: not while a layer is made and not yet registered.
   bool isWatched() const { return unregistered_ == 0; }
 
-  bool endings = true;     // the window's own end may be asked for: jobs, their end, the title bar
-  bool faithful = false;   // each layer is registered with this host alone, whose death can be noticed by it
-  bool madeAJob = false;   // CreateSchedule was called
+  bool endings = true;    // the window's own end may be asked for: jobs, their end, the title bar
+  bool faithful = false;  // each layer is registered with this host alone, whose death can be noticed by it
+  bool madeAJob = false;  // CreateSchedule was called
   std::vector<automation::ObjectRef> layers;
   automation::ObjectRef host;
 

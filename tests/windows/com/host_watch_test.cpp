@@ -129,8 +129,8 @@ TEST_F(AcrossProcesses, AWatchThatEndsAtOnceLetsTheHostGo) {
       << "somebody still holds the host";
 }
 
-// ---- the watch itself, with hosts whose calls the test holds in its hand: they go from thread to thread as they
-// are, so that a probe runs on the watch's own thread
+// ---- the watch itself, with hosts whose calls the test holds in its hand: they go from thread to thread as
+// they are, so that a probe runs on the watch's own thread
 
 class HeldHost final : public com::Counted<IDispatch> {
  public:
@@ -146,7 +146,9 @@ class HeldHost final : public com::Counted<IDispatch> {
     return S_OK;
   }
   HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+    return E_NOTIMPL;
+  }
   HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
                                    UINT*) override {
     return E_NOTIMPL;

@@ -3,7 +3,8 @@
 // find everything as ever, in the same process where it goes on, else in the next one. In the second half one
 // process goes through all rounds: it must be there at the end, with no more handles and memory.
 //
-//   director SUITE CALLS [SEED]   in an installed suite (its version directory); ends when the add-in has made
+//   director SUITE CALLS [SEED]   in an installed suite (its version directory); ends when the add-in has
+//   made
 //                                 that many calls
 //
 // Ends with 1 and a line that begins with FAILED when something is not as it should be.
@@ -15,7 +16,6 @@
 #include <stdexcept>
 #include <string>
 
-#include "windows/rounds/measuring.h"
 #include "desk.h"
 #include "platform/windows/com/apartment.h"
 #include "program.h"
@@ -23,6 +23,7 @@
 #include "stored.h"
 #include "text/utf8.h"
 #include "watcher.h"
+#include "windows/rounds/measuring.h"
 
 namespace vordane::hostile {
 namespace {
@@ -105,8 +106,8 @@ class Evil {
     const bool ended = process_ && test::endsWithin(process_.get(), 5000);
     GetExitCodeProcess(process_.get(), &code);
     require(ended && (code == diedInACall || code == killedWhileItHung),
-            text::toUtf8(member) + " of a hostile program failed: " + failure.what() + ", it ended: " +
-                std::to_string(ended) + " with " + std::to_string(code));
+            text::toUtf8(member) + " of a hostile program failed: " + failure.what() +
+                ", it ended: " + std::to_string(ended) + " with " + std::to_string(code));
     object_ = nullptr;
     ++deaths_;
   }
@@ -141,10 +142,11 @@ class Director {
     while (calls() < wanted_ / 2) wildRound();
     lasting();
     for (Evil* evil : {&host_, &exchange_}) evil->end();
-    std::printf("%lld calls in %d rounds, %d of them by hand, and %d add-ins; %d times it went on in the same "
-                "process; hosts died %d times, exchange servers %d times, %d of them killed while they hung\n",
-                static_cast<long long>(calls()), rounds_, byHand_, watcher_.addIns(), sameProcess_,
-                host_.deaths(), exchange_.deaths(), watcher_.killed());
+    std::printf(
+        "%lld calls in %d rounds, %d of them by hand, and %d add-ins; %d times it went on in the same "
+        "process; hosts died %d times, exchange servers %d times, %d of them killed while they hung\n",
+        static_cast<long long>(calls()), rounds_, byHand_, watcher_.addIns(), sameProcess_, host_.deaths(),
+        exchange_.deaths(), watcher_.killed());
   }
 
  private:
@@ -171,7 +173,8 @@ class Director {
   Seen converse() {
     watcher_.takeBoxes();
     Seen seen{right_.converse(), {}, {}};
-    for (const std::wstring& box : watcher_.takeBoxes()) seen.boxes.push_back(text::toUtf8(com::fromWide(box)));
+    for (const std::wstring& box : watcher_.takeBoxes())
+      seen.boxes.push_back(text::toUtf8(com::fromWide(box)));
     seen.rows = storedFaults(suite_ + u"\\ADDINS\\DATABASE\\FAULT.MDB", u"RIGHT");
     return seen;
   }
@@ -219,8 +222,8 @@ class Director {
     if (host_.order(u"Begin", {byVal(seed_), byVal(endings)})) host_.order(u"Steps", {byVal(stepsOfARound)});
     if (host_.alive()) host_.order(u"Rest");
     std::printf("  host %lld calls, %d deaths; exchange server %lld calls, %d deaths\n",
-                static_cast<long long>(host_.calls()), host_.deaths(), static_cast<long long>(exchange_.calls()),
-                exchange_.deaths());
+                static_cast<long long>(host_.calls()), host_.deaths(),
+                static_cast<long long>(exchange_.calls()), exchange_.deaths());
     std::fflush(stdout);
   }
   // Answers to what still waits for one, until the add-in has nothing to do.
@@ -312,7 +315,8 @@ class Director {
     PROCESS_INFORMATION started{};
     const std::wstring folder(suite_.begin(), suite_.end());  // no simulator lies there
     std::wstring line = L"\"" + folder + L"\\ADDINS\\VORDANE.EXE\" EVIL";
-    CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, folder.c_str(), &start, &started);
+    CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, folder.c_str(), &start,
+                   &started);
     const com::Handle thread(started.hThread);
     return com::Handle(started.hProcess);
   }
@@ -357,9 +361,11 @@ class Director {
       require(early > 0, "nothing can be measured here");
       require(late - early <= spare, std::string(what) + " grew");
     };
-    grown("handles", [](const test::Holding& holding) { return holding.handles; }, 10);
-    grown("private kilobytes", [](const test::Holding& holding) { return holding.privateBytes / 1024; },
-          12000);  // threads that are kept have a stack of 1 MB
+    grown(
+        "handles", [](const test::Holding& holding) { return holding.handles; }, 10);
+    grown(
+        "private kilobytes", [](const test::Holding& holding) { return holding.privateBytes / 1024; },
+        12000);  // threads that are kept have a stack of 1 MB
   }
 
   const std::u16string suite_;

@@ -42,21 +42,21 @@ constexpr Member orders[] = {
     {u"Problem", 9, MemberKind::readOnly, Type::text},
     {u"End", 10, MemberKind::method, Type::none},
 };
-constexpr automation::ClassTable hostTable{
-    u"cHost",  u"VordaneHostile.cHost", u"A host that misbehaves.", "{6A1F2C90-3B5D-4E7A-9C11-2D8E4F6A7B31}", {},
-    orders};
+constexpr automation::ClassTable hostTable{u"cHost",
+                                           u"VordaneHostile.cHost",
+                                           u"A host that misbehaves.",
+                                           "{6A1F2C90-3B5D-4E7A-9C11-2D8E4F6A7B31}",
+                                           {},
+                                           orders};
 constexpr automation::ClassTable serverTable{u"cServer",
                                              u"VordaneHostile.cServer",
                                              u"An exchange server that misbehaves.",
                                              "{6A1F2C91-3B5D-4E7A-9C11-2D8E4F6A7B31}",
                                              {},
                                              orders};
-constexpr automation::ClassTable pbxTable{u"cPBXOLE",
-                                          u"CalderinProj30666.cPBXOLE",
-                                          u"What it lends.",
-                                          "{6A1F2C92-3B5D-4E7A-9C11-2D8E4F6A7B31}",
-                                          {},
-                                          {}};
+constexpr automation::ClassTable pbxTable{
+    u"cPBXOLE", u"CalderinProj30666.cPBXOLE", u"What it lends.", "{6A1F2C92-3B5D-4E7A-9C11-2D8E4F6A7B31}", {},
+    {}};
 
 class DirectorsObject : public automation::TableObject {
  public:
@@ -64,7 +64,8 @@ class DirectorsObject : public automation::TableObject {
   const automation::ClassTable& table() const override { return directorsTable(role_); }
 
  protected:
-  Value invokeMember(std::size_t member, automation::CallKind, std::span<automation::Argument> given) override {
+  Value invokeMember(std::size_t member, automation::CallKind,
+                     std::span<automation::Argument> given) override {
     switch (member) {
       case begin:
         program_.begin(std::get<std::int32_t>(given[0].value), std::get<bool>(given[1].value));
@@ -116,8 +117,8 @@ class Factory final : public com::Counted<IClassFactory> {
   std::function<ObjectRef()> make_;
 };
 
-// Serves one creation: the class of a program that is killed in the middle must not stay behind, and not every
-// system notices the death.
+// Serves one creation: the class of a program that is killed in the middle must not stay behind, and not
+// every system notices the death.
 DWORD serveOnce(const automation::ClassTable& table, std::function<ObjectRef()> make) {
   const com::ComPtr<IClassFactory> factory(new Factory(std::move(make)));
   DWORD registration = 0;
@@ -127,7 +128,8 @@ DWORD serveOnce(const automation::ClassTable& table, std::function<ObjectRef()> 
 }
 
 registration::Class registered(const automation::ClassTable& table) {
-  return {std::u16string(table.progId), text::fromUtf8(table.clsid), std::u16string(table.description), {}, {}};
+  return {
+      std::u16string(table.progId), text::fromUtf8(table.clsid), std::u16string(table.description), {}, {}};
 }
 
 }  // namespace
@@ -149,8 +151,8 @@ Program::Program(Role role) : role_(role) {}
 
 void Program::begin(std::int32_t seed, bool endings) {
   // Both programs have the same seed and must not do the same.
-  plots_.push_back(
-      std::make_unique<Conspiracy>(2 * static_cast<std::uint64_t>(seed) + (role_ == Role::host ? 0 : 1), calls_));
+  plots_.push_back(std::make_unique<Conspiracy>(
+      2 * static_cast<std::uint64_t>(seed) + (role_ == Role::host ? 0 : 1), calls_));
   Conspiracy& plot = *plots_.back();
   plot.longAnswers = false;
   plot.others = 40;
@@ -325,7 +327,8 @@ int runProgram(Role role) {
   if (const auto asked = windows::registerAsAsked(line, server)) return *asked;
   com::Apartment apartment;
   Program program(role);
-  serveOnce(directorsTable(role), [&]() -> ObjectRef { return std::make_shared<DirectorsObject>(role, program); });
+  serveOnce(directorsTable(role),
+            [&]() -> ObjectRef { return std::make_shared<DirectorsObject>(role, program); });
   if (role == Role::exchange) program.offerExchange();
   return com::runMessageLoop();
 }

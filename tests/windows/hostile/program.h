@@ -85,8 +85,8 @@ class Program : public Scene {
   zulsim::Timers timers_;
 };
 
-// Creates an object; tries again when the process that offers the class ends in the middle, or has been killed
-// and the system has not noticed. Throws AutomationError.
+// Creates an object; tries again when the process that offers the class ends in the middle, or has been
+// killed and the system has not noticed. Throws AutomationError.
 automation::ObjectRef createPatiently(std::u16string_view progId);
 
 // Runs one of them: registers it, or serves until the director says that it is over.

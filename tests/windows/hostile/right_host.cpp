@@ -81,9 +81,8 @@ bool RightHost::take() {
 
 bool RightHost::registerIt() {
   try {
-    return !automation::toBoolean(
-        automation::call(*layer_, u"RegisterPBX",
-                         {byVal(std::u16string(u"RIGHT")), byVal(host_), byVal(std::int16_t{7})}));
+    return !automation::toBoolean(automation::call(
+        *layer_, u"RegisterPBX", {byVal(std::u16string(u"RIGHT")), byVal(host_), byVal(std::int16_t{7})}));
   } catch (const AutomationError& failure) {
     throw std::runtime_error("RegisterPBX of the host that behaves failed: " + std::string(failure.what()));
   }

@@ -38,7 +38,9 @@ class RightHost final : public devhost::Environment {
   std::u16string now() override { return u"2026-11-20 10:15"; }
   // The exchange answers when the host has been told of the acceptance, so that the calls have one order.
   void after(int, std::function<void()> answer) override { answers_.push_back(std::move(answer)); }
-  void pause(int milliseconds) override { waitUntil([] { return false; }, milliseconds); }
+  void pause(int milliseconds) override {
+    waitUntil([] { return false; }, milliseconds);
+  }
   bool taken(std::u16string_view) override { return false; }
   void give(std::u16string_view) override {}
   void vanish() override {}

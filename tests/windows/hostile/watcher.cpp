@@ -9,9 +9,9 @@
 namespace vordane::hostile {
 namespace {
 
-constexpr DWORD betweenLooks = 30;     // milliseconds
-constexpr DWORD hangsAtLeast = 300;    // before it is ended: what comes meanwhile meets it
-constexpr int textId = 0xFFFF;  // of a message box's text
+constexpr DWORD betweenLooks = 30;   // milliseconds
+constexpr DWORD hangsAtLeast = 300;  // before it is ended: what comes meanwhile meets it
+constexpr int textId = 0xFFFF;       // of a message box's text
 constexpr int buttons[] = {IDYES, IDOK, IDNO, IDRETRY, IDCANCEL};
 
 com::Handle event(const wchar_t* name) {

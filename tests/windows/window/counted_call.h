@@ -1,5 +1,5 @@
-// Counts this program's own calls of a function of the system that can't be told by what it does: a system may
-// do the same without having been asked.
+// Counts this program's own calls of a function of the system that can't be told by what it does: a system
+// may do the same without having been asked.
 #pragma once
 
 #include <windows.h>
@@ -8,12 +8,12 @@
 
 namespace vordane::window::testing {
 
-// The place in this program's table of imports where a function's address stands; null when it imports none of
-// that name.
+// The place in this program's table of imports where a function's address stands; null when it imports none
+// of that name.
 inline ULONG_PTR* importOf(const char* function) {
   auto* const base = reinterpret_cast<BYTE*>(GetModuleHandleW(nullptr));
-  const auto* headers = reinterpret_cast<IMAGE_NT_HEADERS*>(
-      base + reinterpret_cast<IMAGE_DOS_HEADER*>(base)->e_lfanew);
+  const auto* headers =
+      reinterpret_cast<IMAGE_NT_HEADERS*>(base + reinterpret_cast<IMAGE_DOS_HEADER*>(base)->e_lfanew);
   const auto& table = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
   for (auto* library = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR*>(base + table.VirtualAddress);
        library->Name != 0; ++library) {

@@ -10,8 +10,8 @@
 
 namespace vordane::com {
 
-// Lives in a shared pointer: a call may bring about that everybody lets go of it, and it is there until the call
-// has returned.
+// Lives in a shared pointer: a call may bring about that everybody lets go of it, and it is there until the
+// call has returned.
 class ImportedObject final : public automation::Object, public std::enable_shared_from_this<ImportedObject> {
  public:
   // Holds one reference to each.
