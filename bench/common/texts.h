@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "faults/fault_texts.h"
-#include "faults/kind_table.h"
+#include "faults/kind_lists.h"
 
 namespace vordane::bench {
 
@@ -19,7 +19,7 @@ inline std::u16string words(std::size_t length) {
 
 inline FaultTextTable decoderTexts() {
   FaultTextTable table;
-  for (int number = 0; number <= 164; ++number)
+  for (int number = 0; number <= faults::lastFaultText; ++number)
     table.setMessage(number, words(8 + static_cast<std::size_t>(number) % 25));
   table.setMessage(6, u"[");
   table.setMessage(7, u"]");

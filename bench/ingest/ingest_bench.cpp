@@ -115,7 +115,7 @@ class Lists {
     for (int run = 0; run < runs; ++run) {
       BenchFile ourFile("ours"), bareFile("bare");
       form_.database = ourFile.open();
-      store::FaultStore store(form_);
+      store::FaultStore store(form_, form_.around());
       store.SetSortFlags();
       BareStore bare(bareFile.path());
       compare(takeIn(store), lookUpAndInsert(bare), added, addedAndShown);
@@ -134,7 +134,7 @@ class Lists {
     for (const Answer& answer : answers_) {
       form_.answer.Clear();
       for (const std::u16string& entry : answer) form_.answer.AddToList(u"LEA0", entry);
-      time += processorSeconds([&] { store.IngestFaultList(); });
+      time += processorSeconds([&] { form_.ingest(store); });
     }
     form_.takeTrace();
     return time;

@@ -1,5 +1,8 @@
 #include "language_build.h"
 
+#include <algorithm>
+
+#include "faults/kind_lists.h"
 #include "language/form_controls.h"
 #include "lines.h"
 #include "platform/sqlite/schema.h"
@@ -68,6 +71,20 @@ Row pictureSetValues(const SourceRow& row) {
   return {number(row, 0), row.fields[1], row.fields[2]};
 }
 
+// The hidden lists of the kinds: nobody sees their fonts, but the add-in's table names every control. A
+// source that was exported from an installed file has rows of its own.
+void insertKindLists(DatabaseWriter& out, const LanguageSource& source) {
+  for (const KindList& list : kindLists) {
+    const bool given = std::any_of(source.controls.begin(), source.controls.end(),
+                                   [&](const SourceRow& row) { return row.fields[0] == list.name(); });
+    if (given || source.forms.empty()) continue;
+    const SourceRow& window = source.forms.front();
+    const std::u16string keepDesigned = u"-1";
+    out.insert(u"tControls", Row{form(), std::u16string(list.name()), noIndex, keepDesigned, window.fields[2],
+                                 static_cast<double>(number(window, 3)), keepDesigned});
+  }
+}
+
 // The one row whose columns are the properties of the application.
 Row projectValues(const SourceRows& rows) {
   Row values{std::u16string(programName)};
@@ -90,6 +107,7 @@ void buildOwnLanguage(const LanguageSource& source, const std::filesystem::path&
   insertAll(writer, u"tMessages", source.messages, messageValues);
   insertAll(writer, u"tForms", source.forms, formValues);
   insertAll(writer, u"tControls", source.controls, controlValues);
+  insertKindLists(writer, source);
   insertAll(writer, u"tComboBoxDT", source.lists, listValues);
   insertAll(writer, u"tSSGridsHD", source.headings, headingValues);
   writer.insert(u"tProject", projectValues(source.project));

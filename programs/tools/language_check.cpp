@@ -6,6 +6,7 @@
 #include <set>
 #include <string_view>
 
+#include "faults/kind_lists.h"
 #include "language/comTools.h"
 #include "language/form_controls.h"
 #include "language/message_numbers.h"
@@ -20,6 +21,19 @@ namespace {
 using text::toUtf8;
 
 constexpr std::u16string_view keepDesigned = u"-1";
+
+// Titles and labels of later kinds stand behind the product's own texts.
+constexpr bool leavesOwnTexts(const faults::FaultKind& row) {
+  return !message::isOwn(row.title) && !message::isOwn(row.label);
+}
+static_assert(faults::all(leavesOwnTexts),
+              "faultKinds: a title or label is one of the product's own texts; take the next number behind "
+              "the last one in data/language/en/messages.tsv");
+constexpr bool avoidsUnusedTexts(const faults::FaultKind& row) {
+  return !message::isUnused(row.title) && !message::isUnused(row.label);
+}
+static_assert(faults::all(avoidsUnusedTexts), "faultKinds: a title or label is a number that stays empty");
+
 constexpr std::u16string_view projectProperties[] = {u"Title", u"OleServerBusyMsgTitle",
                                                      u"OleServerBusyMsgText", u"OleRequestPendingMsgTitle",
                                                      u"OleRequestPendingMsgText"};
@@ -66,14 +80,14 @@ class Checker {
     for (const SourceRow& row : source_.messages) {
       const auto id = number(row, 0);
       if (!id) continue;
-      if (*id < 0 || *id >= static_cast<std::int32_t>(message::count))
+      if (*id < 0 || *id >= messageCount)
         complain(row, "there is no message " + std::to_string(*id));
       else if (!found.emplace(*id, &row).second)
         complain(row, "message " + std::to_string(*id) + " stands twice");
       else
         messageText(row, static_cast<std::size_t>(*id));
     }
-    for (std::int32_t id = 0; id < static_cast<std::int32_t>(message::count); ++id)
+    for (std::int32_t id = 0; id < messageCount; ++id)
       if (found.count(id) == 0) missing("messages", "message " + std::to_string(id));
   }
 
@@ -95,26 +109,26 @@ class Checker {
         complain(row, "code " + std::to_string(*index) + " of " + toUtf8(row.fields[0]) + " stands twice");
       if (row.fields[2].empty()) complain(row, "the text is empty (\"-\" stands for none)");
     }
-    for (const KindList& list : kindLists) listLength(list, found[std::u16string(list.name)]);
+    for (const KindList& list : kindLists) listLength(list, found[std::u16string(list.name())]);
   }
 
   static bool isKindList(std::u16string_view name) {
     return std::any_of(kindLists.begin(), kindLists.end(),
-                       [&](const KindList& list) { return list.name == name; });
+                       [&](const KindList& list) { return list.name() == name; });
   }
 
   // Codes must run from 0 without a gap, since an item's position is its code.
   void listLength(const KindList& list, const std::set<std::int32_t>& codes) {
     const int length = codes.empty() ? 0 : *codes.rbegin() + 1;
     if (list.atLeast ? length < list.items : length != list.items)
-      problems_.push_back(source_.name + "/lists: " + toUtf8(list.name) + " has " + std::to_string(length) +
+      problems_.push_back(source_.name + "/lists: " + toUtf8(list.name()) + " has " + std::to_string(length) +
                           " items instead of " + std::to_string(list.items) +
                           (list.atLeast ? " or more" : ""));
     for (int code = 0; code < length; ++code)
       if (codes.count(code) == 0)
-        missing("lists", "code " + std::to_string(code) + " of " + toUtf8(list.name));
+        missing("lists", "code " + std::to_string(code) + " of " + toUtf8(list.name()));
     if (!codes.empty() && *codes.begin() < 0)
-      problems_.push_back(source_.name + "/lists: " + toUtf8(list.name) + " has a code below 0");
+      problems_.push_back(source_.name + "/lists: " + toUtf8(list.name()) + " has a code below 0");
   }
 
   void fontSize(const SourceRow& row, std::u16string_view size) {
@@ -158,7 +172,6 @@ class Checker {
       if (found.count(std::u16string(name)) == 0) missing("controls", toUtf8(name));
     };
     for (const FormControl& control : formControls) want(control.name);
-    for (const KindList& list : kindLists) want(list.name);
   }
 
   // A text for a property that the type lacks would end the localising of the whole window.
@@ -274,9 +287,8 @@ class Checker {
       if (!found.insert(row.fields[0]).second) complain(row, toUtf8(row.fields[0]) + " stands twice");
       if (row.fields[1].empty()) complain(row, "the text is empty");
     }
-    // What's This opens for these with the right button.
-    for (const char16_t* name : {u"lblListups", u"lblMJ", u"lblMN", u"lblTimetag", u"txtTimeTag"})
-      if (found.count(name) == 0) missing("help", toUtf8(name));
+    for (const std::u16string_view name : whatsThisControls)
+      if (found.count(std::u16string(name)) == 0) missing("help", toUtf8(name));
   }
 
   void pictures() {
@@ -318,7 +330,9 @@ Signature signatureOf(const LanguageSource& source) {
   };
   for (const SourceRow& row : source.messages) add(u"message", row.fields[0], placesIn(row.fields[1]));
   for (const SourceRow& row : source.lists) add(u"list", row.fields[0] + u" " + row.fields[1], {});
-  for (const SourceRow& row : source.controls) add(u"control", row.fields[0], {});
+  for (const FormControl& control : formControls)
+    for (const SourceRow& row : source.controls)
+      if (row.fields[0] == control.name) add(u"control", row.fields[0], {});
   for (const SourceRow& row : source.boxes)
     add(u"box", row.fields[0], row.fields[2] + u" " + substitutionsIn(row.fields[1]));
   for (const SourceRow& row : source.common_boxes)

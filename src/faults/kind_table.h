@@ -41,17 +41,21 @@ enum class Family : std::uint8_t {
 };
 
 // Kinds whose code is taken as it comes: beyond the list's end it has no text.
-inline constexpr std::int8_t noHighestCode = -1;
+inline constexpr std::int16_t noHighestCode = -1;
 inline constexpr std::uint8_t noList = 0;
+
+// The messages that no row names (brackets, states, modes ...) end here.
+inline constexpr std::uint16_t lastSharedText = 164;
 
 struct FaultKind {
   std::uint8_t kind;
   Family family;
-  std::uint8_t title;      // message number
-  std::uint8_t label = 0;  // message number beside the value
+  std::uint16_t title;      // message number
+  std::uint16_t label = 0;  // message number beside the value
   std::array<Field, 5> fields = {};
-  std::int8_t highestCode = noHighestCode;  // a code above it becomes highestCode + 1
-  std::uint8_t list = noList;               // the xx of "cboFKxx"
+  std::int16_t highestCode = noHighestCode;  // a code above it becomes highestCode + 1
+  std::uint8_t list = noList;                // the xx of "cboFKxx"
+  std::uint8_t leastItems = 1;               // of a list without a highest code
 };
 
 // clang-format off
@@ -72,7 +76,8 @@ inline constexpr FaultKind faultKinds[] = {
     {0x14, Family::kind14,            106, 101, {{{7, 2}, {10, 2}, {1, 2}}}},
     {0x15, Family::kind15,             87,  86, {{{7, 2}, {10, 2}, {1, 2}}}},
     {0x16, Family::codeAndItsNumber,   67,  68, {{{1, 2}}},                                         7, 0x16},
-    {0x17, Family::kind17,             78,  88, {{{1, 2}, {7, 2}, {4, 2}}},             noHighestCode, 0x17},
+    // The code that carries a number, 16, has a text of its own.
+    {0x17, Family::kind17,             78,  88, {{{1, 2}, {7, 2}, {4, 2}}},             noHighestCode, 0x17, 17},
     {0x18, Family::maskedValue,        36,  23, {{{1, 2}}}},
     {0x19, Family::oneCode,            37,   0, {{{1, 2}}},                                        15, 0x19},
     {0x1A, Family::rawValue,           38,  31, {{{1, 2}, {5, 1}, {7, 2}}},                        15, 0x1A},
@@ -125,19 +130,99 @@ constexpr bool strictlyAscending(const auto& rows) {
          }) == std::end(rows);
 }
 
-// A list is the kind's own, a highest code needs a list, and fields stand within eight bytes.
-constexpr bool wellFormed(const FaultKind& row) {
-  const bool listIsOwn = row.list == noList || row.list == row.kind;
-  const bool clampHasList = row.highestCode == noHighestCode || row.list != noList;
-  const bool fieldsFit = std::all_of(row.fields.begin(), row.fields.end(), [](const Field& field) {
-    return (field.start == 0) == (field.length == 0) && field.length <= 2 && field.start + field.length <= 24;
-  });
-  return row.kind != 0 && row.title != 0 && listIsOwn && clampHasList && fieldsFit;
+// What a family reads and shows of a row.
+struct Needs {
+  std::size_t fields;
+  bool label, item;
+};
+constexpr Needs needsOf(Family family) {
+  switch (family) {
+    case Family::titleOnly:
+      return {0, false, false};
+    case Family::oneCode:
+      return {1, false, true};
+    case Family::labelledOneCode:
+    case Family::codeAndItsNumber:
+      return {1, true, true};
+    case Family::oneValue:
+    case Family::maskedValue:
+    case Family::onePaddedValue:
+      return {1, true, false};
+    case Family::date:
+    case Family::typeAndNumber:
+    case Family::kind05:
+      return {2, true, false};
+    case Family::paddedNumber:
+    case Family::numberThenCode:
+      return {2, true, true};
+    case Family::groupAndItem:
+      return {2, false, false};
+    case Family::rawValue:
+    case Family::decimalPair:
+    case Family::kind17:
+    case Family::kind49:
+      return {3, true, true};
+    case Family::kind04:
+    case Family::kind13:
+    case Family::kind14:
+    case Family::kind15:
+      return {3, true, false};
+    case Family::kind3B:
+    case Family::kind48:
+      return {4, true, true};
+    case Family::codedDigits:
+      return {5, true, true};
+    case Family::flaggedDigits:
+      return {5, true, false};
+  }
+  return {};
 }
 
-static_assert(std::size(faultKinds) == 52);
-static_assert(strictlyAscending(faultKinds));
-static_assert(std::all_of(std::begin(faultKinds), std::end(faultKinds), wellFormed));
+// Exactly the fields that the family reads, each within eight bytes.
+constexpr bool hasItsFields(const FaultKind& row) {
+  for (std::size_t i = 0; i < row.fields.size(); ++i) {
+    const Field& field = row.fields[i];
+    if ((field.start != 0) != (i < needsOf(row.family).fields)) return false;
+    if ((field.start == 0) != (field.length == 0) || field.length > 2 || field.start + field.length > 24)
+      return false;
+  }
+  return true;
+}
+
+constexpr bool hasItsList(const FaultKind& row) {
+  return needsOf(row.family).item ? row.list == row.kind
+                                  : row.list == noList && row.highestCode == noHighestCode;
+}
+
+constexpr bool hasItsMessages(const FaultKind& row) {
+  return row.title != 0 && (row.label != 0) == needsOf(row.family).label;
+}
+
+constexpr bool wellFormed(const FaultKind& row) {
+  return row.kind != 0 && hasItsMessages(row) && hasItsFields(row) && hasItsList(row);
+}
+
+constexpr bool titlesDiffer(const auto& rows) {
+  for (const FaultKind& a : rows)
+    for (const FaultKind& b : rows)
+      if (a.kind != b.kind && a.title == b.title) return false;
+  return true;
+}
+
+constexpr bool all(bool (*good)(const FaultKind&)) {
+  return std::all_of(std::begin(faultKinds), std::end(faultKinds), good);
+}
+
+static_assert(strictlyAscending(faultKinds), "faultKinds: a kind stands out of its place or twice");
+static_assert(
+    all(hasItsMessages),
+    "faultKinds: a row lacks its title, or the label its family shows, or has one that nobody shows");
+static_assert(titlesDiffer(faultKinds), "faultKinds: a kind has the title of another one");
+static_assert(all(hasItsFields),
+              "faultKinds: a row has not the fields that its family reads, or one beyond the eighth byte");
+static_assert(all(hasItsList),
+              "faultKinds: a row whose family shows an item names the list of its own kind, any other none");
+static_assert(all(wellFormed));
 
 // The row of each kind value, in one step.
 class KindIndex {

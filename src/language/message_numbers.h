@@ -1,5 +1,6 @@
 // The texts that the program asks for by number. Numbers 0 to 164 belong to the exchange's fault texts and
-// the host's messages; from 165 on the product's own follow without a gap. Every language holds them all.
+// the host's messages; from 165 on the product's own and those of later fault kinds follow without a gap.
+// Every language holds them all.
 // A text with {1}, {2}, ... takes its values through fillText.
 #pragma once
 
@@ -19,7 +20,6 @@ inline constexpr std::size_t requestDone = 2;   // an answer without a message o
 inline constexpr std::size_t databaseNotOpen = 3;
 inline constexpr std::size_t noNewFaults = 4;
 inline constexpr std::size_t runNumber = 89;  // before the number of a scheduled repetition
-inline constexpr std::size_t firstOwn = 165;
 
 // Numbers that no rule uses hold the empty text, since a text's position is its number.
 constexpr bool isUnused(std::size_t number) {
@@ -127,7 +127,19 @@ inline constexpr std::size_t reasonTextCut = 240;  // longer than is kept
 inline constexpr std::size_t reasonNoMemory = 241;
 inline constexpr std::size_t statusNotDeleted = 242;  // {1} time; another exchange came to be shown
 
-inline constexpr std::size_t count = 243;  // of all texts
+// The product's own numbers, as [first, end). Behind the last stand the titles and labels of fault kinds that
+// came later; own ones that come after those begin a range of their own.
+struct Range {
+  std::size_t first, end;
+};
+inline constexpr std::array ownTexts{Range{165, 243}};
+inline constexpr std::size_t count = ownTexts.back().end;  // of all that are named here or stand before
+
+constexpr bool isOwn(std::size_t number) {
+  for (const Range& range : ownTexts)
+    if (number >= range.first && number < range.end) return true;
+  return false;
+}
 
 // The texts with an access key. Within one window, captions of controls included, a key opens one thing.
 inline constexpr std::array windowKeys{lookUpLabel, lookUpNext};

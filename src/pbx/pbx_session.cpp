@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "pbx/answer_reading.h"
+#include "text/numbers.h"
 
 namespace vordane::pbx {
 namespace {
@@ -26,13 +27,18 @@ bool isRefusal(std::u16string_view answer) {
   return answer.empty() || answer == u"BUSY" || answer == u"ERROR";
 }
 
-std::int16_t actionOfTag(std::u16string_view tag) {
+std::optional<Action> actionOfTag(std::u16string_view tag) {
   try {
-    const std::int16_t number = automation::toInteger(std::u16string(tag));
-    return action::isAnswer(number) ? number : std::int16_t{0};
+    const auto action = static_cast<Action>(automation::toInteger(std::u16string(tag)));
+    if (isAnswer(action)) return action;
   } catch (const AutomationError&) {
-    return 0;
+    // No number is no action either.
   }
+  return {};
+}
+
+std::u16string tagOf(Action action) {
+  return text::decimal(static_cast<std::int16_t>(action));
 }
 
 // What a raised error stands for.
@@ -130,27 +136,26 @@ bool PbxSession::RequestFaultList() {
     if (answer == answerNo) return refuse(Failure::declined);
   }
   takeRegistered();
-  return send(step::faultListRequest, u"", u"10", true);
+  return send(step::faultListRequest, u"", Action::ingest, true);
 }
 
 bool PbxSession::AcknowledgeFaultList() {
-  return send(step::alarmStateRequest, u"", u"12", false);
+  return send(step::alarmStateRequest, u"", Action::alarmState, false);
 }
 
 bool PbxSession::AcknowledgeAndClear() {
   takeRegistered();
-  return send(step::alarmClearRequest, u"CCC", u"11", false);
+  return send(step::alarmClearRequest, u"CCC", Action::alarmsCleared, false);
 }
 
-bool PbxSession::send(std::int16_t kind, std::u16string_view secondData, std::u16string_view tag,
-                      bool list) try {
+bool PbxSession::send(std::int16_t kind, std::u16string_view secondData, Action answer, bool list) try {
   const Step step(*this);
   state_.stepCode = kind;
   request_.kind = kind;
   auto record = std::make_shared<cListRequest>();
   if (kind == step::alarmStateRequest) record->ShowBusy = false;
   record->AddToList(list ? u"LEA0" : u"EA1", list ? u"" : u"00", secondData);
-  record->Tag = tag;
+  record->Tag = tagOf(answer);
   return LogInAndSend(*record, record);
 } catch (const std::bad_alloc&) {
   return endWithoutMemory();
@@ -167,14 +172,18 @@ bool PbxSession::endWithoutMemory() {
   return false;
 }
 
+FailedRequest PbxSession::failed(Failure failure, std::int32_t errorCode) const {
+  return {request_.kind, request_.pbxName, failure, errorCode};
+}
+
 bool PbxSession::refuse(Failure failure, std::int32_t errorCode) {
   phase_ = Phase::idle;
-  form_.requestFailed(failure, errorCode);
+  form_.requestFailed(failed(failure, errorCode));
   return false;
 }
 
 bool PbxSession::LogInAndSend(cListRequest& record, const ObjectRef& reference) {
-  form_.waitingFor(request_.kind);
+  form_.waitingFor(request_.kind, request_.pbxName);
   form_.setHourglass(true);
   if (state_.runMode == RunMode::scheduledRun) {
     record.Mode = static_cast<std::int16_t>(state_.runMode);
@@ -386,7 +395,7 @@ void PbxSession::judge(automation::Object& response, Answer& answer) {
     if (!answer.errorCode) answer.unreadable = answer.unreadable.value_or(Failure::unreadable);
     if (answer.unreadable || *answer.errorCode % 100 != 0) return;
     answer.action = actionOfTag(readText(response, u"Tag").value_or(u""));
-    answer.success = answer.action != 0;
+    answer.success = answer.action.has_value();
     if (!answer.success) return;
     if (readText(response, u"Message") == u"")
       automation::put(response, u"Message", messageText(state_, requestDone));
@@ -407,8 +416,8 @@ void PbxSession::showAnswer(Answer& answer) {
 
 void PbxSession::stopByLog(Answer& answer) {
   if (!form_.alive() || state_.runMode != RunMode::scheduledRun) return;
-  if (!form_.logResponse(answer.errorCode)) return;
-  answer.action = action::stopRun;
+  if (!form_.logResponse(copy_, answer.errorCode)) return;
+  answer.action = Action::stopRun;
 }
 
 // All that follows an answer, whatever became of it.
@@ -417,14 +426,13 @@ void PbxSession::conclude(Answer& answer) {
   stopByLog(answer);
   LogOut();
   if (!form_.alive()) return;
-  const bool stops = answer.action == action::stopRun;
+  const bool stops = answer.action == Action::stopRun;
   const bool taken = answer.success && !answer.unreadable;
   if (!taken || stops)
-    regardless([&] { twice([&] { form_.requestFailed(failureOf(answer), answer.errorCode.value_or(0)); }); });
-  if (taken || stops)
-    form_.actionFollows(answer.action);
-  else
-    form_.answerFailed();
+    regardless([&] {
+      twice([&] { form_.requestFailed(failed(failureOf(answer), answer.errorCode.value_or(0))); });
+    });
+  form_.concluded(taken || stops ? answer.action : std::nullopt);
 }
 
 Failure PbxSession::failureOf(const Answer& answer) const {

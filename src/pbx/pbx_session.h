@@ -10,26 +10,14 @@
 #include <string_view>
 
 #include "pbx/cListRequest.h"
+#include "pbx/failure.h"
+#include "pbx/received_list.h"
+#include "platform/action.h"
 #include "platform/automation.h"
 #include "platform/services.h"
 #include "settings/shared_state.h"
 
 namespace vordane::pbx {
-
-// Why the last request came to nothing.
-enum class Failure {
-  declined,      // the user did not want it sent
-  loginBusy,     // "BUSY"
-  loginRefused,  // "ERROR" or an empty identifier
-  unreachable,   // the log-in raised an error, whose number comes with it
-  noServer,      // stand-alone: the exchange server could not be created
-  sendFailed,
-  errorCode,   // the answer's code, or a tag that stands for no action
-  unreadable,  // the answer could not be read, or its server went away meanwhile
-  tooLarge,    // the answer needs more memory than is allowed for one
-  noMemory,    // there was none left for the answer or the request
-  cancelled,   // the answer failed after the server was asked to give the request up
-};
 
 // What the conversation needs of the window that holds it.
 class SessionForm {
@@ -44,27 +32,14 @@ class SessionForm {
   virtual int askBeforeRequest() = 0;  // box 109; 7 is No
   virtual bool alive() = 0;            // false once an ending has begun
   // Writes the copied answer into the run log; without a code, it could not be read. True: the run must stop.
-  virtual bool logResponse(std::optional<std::int32_t> errorCode) = 0;
-  // The conversation of an answered request is over: the action that its answer calls for ...
-  virtual void actionFollows(std::int16_t action) = 0;
-  // ... or none.
-  virtual void answerFailed() = 0;
-  // For the status line: what is waited for, and what came to nothing.
-  virtual void waitingFor(std::int16_t kind) = 0;
-  virtual void requestFailed(Failure failure, std::int32_t errorCode) = 0;
+  virtual bool logResponse(const cListRequest& answer, std::optional<std::int32_t> errorCode) = 0;
+  // The conversation of an answered request is over: the action that its answer calls for, or none when the
+  // answer failed.
+  virtual void concluded(std::optional<Action> action) = 0;
+  // For the status line: what is waited for (`request` as step::faultListRequest), and what came to nothing.
+  virtual void waitingFor(std::int16_t request, std::u16string_view exchange) = 0;
+  virtual void requestFailed(const FailedRequest& request) = 0;
 };
-
-namespace action {
-inline constexpr std::int16_t ingest = 10;
-inline constexpr std::int16_t alarmsCleared = 11;
-inline constexpr std::int16_t alarmState = 12;
-inline constexpr std::int16_t stopRun = 100;
-
-// One that the exchange's answer calls for.
-constexpr bool isAnswer(std::int16_t code) {
-  return code == ingest || code == alarmsCleared || code == alarmState;
-}
-}  // namespace action
 
 class PbxSession {
  public:
@@ -102,10 +77,11 @@ class PbxSession {
   void release();
 
   const cListRequest& response() const { return copy_; }
-  bool responseTruncated() const { return truncated_; }
-  bool responseCut() const { return cut_; }  // a text was longer than is kept
+  // The last answer with the request it answers; its entries are valid until the next answer.
+  ReceivedList received() const { return {copy_, request_.pbxName, request_.wide, truncated_, cut_}; }
+  // The request under way or the last one.
+  std::int16_t requestKind() const { return request_.kind; }
   const std::u16string& requestName() const { return request_.pbxName; }
-  bool requestWide() const { return request_.wide; }
 
  private:
   enum class Phase { idle, loggingIn, sending, waiting, interrupted };
@@ -118,7 +94,7 @@ class PbxSession {
     bool success = false;
     std::optional<Failure> unreadable;  // why it could not be read
     std::optional<std::int32_t> errorCode;
-    std::int16_t action = 0;
+    std::optional<Action> action;
     std::optional<std::u16string> message;
   };
   // While one exists, a step of the conversation is under way; the last one lets the released server go.
@@ -134,11 +110,12 @@ class PbxSession {
   };
 
   void takeRegistered();
-  bool send(std::int16_t kind, std::u16string_view secondData, std::u16string_view tag, bool list);
+  bool send(std::int16_t kind, std::u16string_view secondData, Action answer, bool list);
   bool LogInAndSend(cListRequest& record, const automation::ObjectRef& reference);
   bool endWithoutMemory();
   void accepted(const std::u16string& result);
   bool refuse(Failure failure, std::int32_t errorCode = 0);
+  FailedRequest failed(Failure failure, std::int32_t errorCode) const;
   bool abandon();
   void logIn();
   Failure loginFailure() const;

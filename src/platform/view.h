@@ -1,5 +1,5 @@
-// Between the portable window and whatever draws it. `dlgFaultDisplay` implements ViewEvents and talks to a
-// View; the Win32 view (and the tests' in-memory one) implements View and calls ViewEvents. One thread.
+// Between the portable window and whatever draws it. `WindowInput` implements ViewEvents, the window talks to
+// a View; the Win32 view (and the tests' in-memory one) implements View and calls ViewEvents. One thread.
 #pragma once
 
 #include <cstddef>
@@ -69,7 +69,7 @@ enum class LookUpWay { forwards, backwards };
 class ViewEvents {
  public:
   virtual ~ViewEvents() = default;
-  virtual void buttonPressed(int action) = 0;  // cmdRequest 0, cmdReset 1, cmdPrint 2, cmdClear 3, cmdClose 4
+  virtual void buttonPressed(int action) = 0;   // the number of an Action
   virtual void headingClicked(int column) = 0;  // the column's own index, wherever it was moved
   // drpPBXList. The form's list still has its former choice: whoever takes the new one sets it there, whoever
   // does not sets the former again.

@@ -16,6 +16,7 @@ using automation::Value;
 
 constexpr std::int32_t fatalError = 61;  // ends every run, whatever its options say
 constexpr std::int16_t stateFatal = 12;
+constexpr std::u16string_view logEndMark = u"...";
 constexpr std::int16_t noKind = 0;  // for a kind that is no 16-bit number; no job of this kind runs here
 constexpr int pollMilliseconds = 50;
 constexpr double secondsOfDay = 86'400;
@@ -202,8 +203,18 @@ void WriteRunLog(Environment& environment, std::u16string_view text, bool forced
   skipWithoutMemory([&] { writeLine(environment, LogPath(environment), text, ignoreLimit); });
 }
 
+void WriteRunLine(Environment& environment, std::u16string_view text) {
+  WriteRunLog(environment, text, true, false);
+}
+
 void CloseRunLog(ScheduleState& state) {
   state.LogName.clear();
+}
+
+void EndRunLog(Environment& environment) {
+  if (environment.state.LogEnabled) WriteRunLine(environment, logEndMark);
+  CloseRunLog(environment.state);
+  environment.state.RunState = 0;
 }
 
 bool LogResponse(Environment& environment, const LoggedAnswer& answer) {

@@ -35,8 +35,13 @@ inline constexpr std::size_t longestLine = 4096;  // characters, its time includ
 // throws: what can't be written is skipped.
 void WriteRunLog(Environment& environment, std::u16string_view text, bool forced, bool ignoreLimit);
 
+// A line of the run's own, which is forced.
+void WriteRunLine(Environment& environment, std::u16string_view text);
+
 // Behind the last line of a run: nothing more is written until the next job is loaded.
 void CloseRunLog(ScheduleState& state);
+// The run is over: behind its end mark stands no line of it, whoever calls or waits from here on.
+void EndRunLog(Environment& environment);
 
 // An answer as it was copied: the exchange server's own record is not read for the log.
 struct LoggedEntry {

@@ -41,13 +41,23 @@ std::optional<std::u16string> Application::helpDocument(std::u16string_view boxH
                                 comRegQuil32::SuiteDirectory(installation_));
 }
 
+int Application::showBox(std::int16_t number, std::u16string_view substitution) {
+  comTools::BoxEnvironment boxes{LangDB.get(), CommonLangDB.get(), station_.boxes, runLog_,
+                                 station_.program.directory};
+  comTools::BoxRequest request;
+  request.number = number;
+  if (!substitution.empty()) request.substitution = std::u16string(substitution);
+  request.logOnly = unattended();
+  return comTools::ShowMsgBox(boxes, request);
+}
+
 bool Application::unattended() {
   return state_.runMode == RunMode::scheduledRun || !station_.program.interactive;
 }
 
 bool Application::askWhileBusy() {
   if (unattended()) {
-    comSchedule::WriteRunLog(runLog_, texts.OleServerBusyMsgText, true, false);
+    comSchedule::WriteRunLine(runLog_, texts.OleServerBusyMsgText);
     return false;
   }
   return station_.boxes.show(
@@ -57,7 +67,7 @@ bool Application::askWhileBusy() {
 
 void Application::tellPending() {
   if (unattended())
-    comSchedule::WriteRunLog(runLog_, texts.OleRequestPendingMsgText, true, false);
+    comSchedule::WriteRunLine(runLog_, texts.OleRequestPendingMsgText);
   else
     station_.boxes.show(
         {texts.OleRequestPendingMsgText, texts.OleRequestPendingMsgTitle, exclamation, {}, {}});

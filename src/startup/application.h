@@ -54,6 +54,9 @@ class Application final : public platform::CallQuestions {
 
   // The directory of an item of the product "Addins".
   std::u16string installPath(std::u16string_view item) const;
+  // Asks for a box with selector 0; in a scheduled run it is logged instead and answered 6. An empty
+  // substitution counts as none given.
+  int showBox(std::int16_t number, std::u16string_view substitution = {});
   // True while nobody would see or answer a box.
   bool unattended() override;
   bool askWhileBusy() override;

@@ -41,7 +41,7 @@ constexpr int objectNotSet = 91;
 
 cOLELayer::cOLELayer(startup::Application& application) : application_(application) {
   basMain::RegisterAddin(application_);
-  application_.form().IncrementCount();
+  application_.form().life().IncrementCount();
   counted_ = true;
 }
 
@@ -55,7 +55,7 @@ bool cOLELayer::RegisterPBX(const std::u16string& PBX, const automation::ObjectR
   const auto entry = form.enter();
   application_.station().process.watchHost(*this, Parent);
   if (!form.alive()) return true;
-  form.FrmMove(Parent);
+  form.place().FrmMove(Parent);
   if (!form.alive()) return true;
   form.setParent(Parent);
   form.setPBXName(PBX);
@@ -63,8 +63,8 @@ bool cOLELayer::RegisterPBX(const std::u16string& PBX, const automation::ObjectR
   addTitle(PBX);
   readSysInfo(PBX, Parent);
   if (!form.alive()) return true;
-  form.setID(ID);
-  return form.CheckLoadError();
+  form.host().setID(ID);
+  return form.life().CheckLoadError();
 }
 
 void cOLELayer::addTitle(const std::u16string& PBX) {
@@ -107,8 +107,8 @@ bool cOLELayer::CreateSchedule(std::int32_t Key, std::int16_t RAction) {
   const auto entry = form.enter();
   if (!form.alive() || application_.state().runMode == RunMode::scheduledRun) return true;
   application_.state().RAction = RAction;
-  form.setKey(text::decimal(Key));
-  form.CreateSchedule();
+  form.job().setKey(text::decimal(Key));
+  form.runs().CreateSchedule();
   return true;
 }
 
@@ -118,8 +118,8 @@ std::int16_t cOLELayer::RunSchedule(const std::u16string& Key) {
   if (!form.alive()) return runError;
   if (application_.state().busy || application_.state().runMode == RunMode::scheduledRun) return runBusy;
   try {
-    form.setKey(text::decimal(automation::toLong(Key)));
-    form.RunSchedule();
+    form.job().setKey(text::decimal(automation::toLong(Key)));
+    form.runs().RunSchedule();
     return runStarted;
   } catch (const std::exception&) {
     return runError;
@@ -128,7 +128,7 @@ std::int16_t cOLELayer::RunSchedule(const std::u16string& Key) {
 
 std::int16_t cOLELayer::CancelSchedule() {
   try {
-    return application_.form().CancelSchedule();
+    return application_.form().runs().CancelSchedule();
   } catch (const std::exception&) {
     return 0;  // whatever failed on the way, the host has its answer
   }

@@ -2,17 +2,18 @@
 
 #include <utility>
 
+#include "faults/kind_lists.h"
 #include "language/form_controls.h"
 #include "platform/control_types.h"
 
 namespace vordane::startup {
 namespace {
 
-constexpr std::pair<int, std::u16string_view> buttons[] = {{actionRequest, u"cmdRequest"},
-                                                           {actionReset, u"cmdReset"},
-                                                           {actionPrint, u"cmdPrint"},
-                                                           {actionClear, u"cmdClear"},
-                                                           {actionClose, u"cmdClose"}};
+constexpr std::pair<Action, std::u16string_view> buttons[] = {{Action::request, u"cmdRequest"},
+                                                              {Action::reset, u"cmdReset"},
+                                                              {Action::print, u"cmdPrint"},
+                                                              {Action::clear, u"cmdClear"},
+                                                              {Action::close, u"cmdClose"}};
 
 // Odd and even rows of the grid.
 constexpr int gridStyleSets = 2;
@@ -36,11 +37,11 @@ window::Form makeFormModel() {
   properties[u"Visible"] = false;
   window::Form form{std::u16string(formName), std::move(properties)};
   for (const FormControl& control : formControls) addControl(form, control.name, control.typeName, true);
-  for (const KindList& list : kindLists) addControl(form, list.name, u"ComboBox", false);
+  for (const KindList& list : kindLists) addControl(form, list.name(), u"ComboBox", false);
   return form;
 }
 
-std::u16string_view buttonOfAction(int action) {
+std::u16string_view buttonOfAction(Action action) {
   for (const auto& [code, name] : buttons)
     if (code == action) return name;
   return {};

@@ -53,43 +53,43 @@ constexpr FormMember formMembers[] = {
      }},
     {{u"ID", 4, MemberKind::writeOnly, Type::integer},
      [](dlgFaultDisplay& form, std::span<Argument> arguments, bool) -> Value {
-       form.setID(integerOf(arguments[0]));
+       form.host().setID(integerOf(arguments[0]));
        return {};
      }},
     {{u"Key", 5, MemberKind::readWrite, Type::text},
      [](dlgFaultDisplay& form, std::span<Argument> arguments, bool put) -> Value {
-       if (!put) return form.Key();
-       form.setKey(textOf(arguments[0]));
+       if (!put) return form.job().Key();
+       form.job().setKey(textOf(arguments[0]));
        return {};
      }},
     {{u"CheckLoadError", 6, MemberKind::method, Type::boolean},
-     [](dlgFaultDisplay& form, std::span<Argument>, bool) -> Value { return form.CheckLoadError(); }},
+     [](dlgFaultDisplay& form, std::span<Argument>, bool) -> Value { return form.life().CheckLoadError(); }},
     {{u"FrmMove", 7, MemberKind::method, Type::none, host},
      [](dlgFaultDisplay& form, std::span<Argument> arguments, bool) -> Value {
-       form.FrmMove(objectOf(arguments[0]));
+       form.place().FrmMove(objectOf(arguments[0]));
        return {};
      }},
     {{u"FrmPositionSave", 8, MemberKind::method, Type::none},
      [](dlgFaultDisplay& form, std::span<Argument>, bool) -> Value {
-       form.FrmPositionSave();
+       form.place().FrmPositionSave();
        return {};
      }},
     {{u"IncrementCount", 9, MemberKind::method, Type::none},
      [](dlgFaultDisplay& form, std::span<Argument>, bool) -> Value {
-       form.IncrementCount();
+       form.life().IncrementCount();
        return {};
      }},
     {{u"DecrementCount", 10, MemberKind::method, Type::integer},
-     [](dlgFaultDisplay& form, std::span<Argument>, bool) -> Value { return form.DecrementCount(); }},
+     [](dlgFaultDisplay& form, std::span<Argument>, bool) -> Value { return form.life().DecrementCount(); }},
     {{u"CreateSchedule", 11, MemberKind::method, Type::none},
      [](dlgFaultDisplay& form, std::span<Argument>, bool) -> Value {
-       form.CreateSchedule();
+       form.runs().CreateSchedule();
        return {};
      }},
     {{u"RunSchedule", 12, MemberKind::method, Type::integer},
-     [](dlgFaultDisplay& form, std::span<Argument>, bool) -> Value { return form.RunSchedule(); }},
+     [](dlgFaultDisplay& form, std::span<Argument>, bool) -> Value { return form.runs().RunSchedule(); }},
     {{u"CancelSchedule", 13, MemberKind::method, Type::integer},
-     [](dlgFaultDisplay& form, std::span<Argument>, bool) -> Value { return form.CancelSchedule(); }},
+     [](dlgFaultDisplay& form, std::span<Argument>, bool) -> Value { return form.runs().CancelSchedule(); }},
     {{u"BackGround", 14, MemberKind::method, Type::none, index},
      [](dlgFaultDisplay& form, std::span<Argument> arguments, bool) -> Value {
        form.BackGround(integerOf(arguments[0]));
@@ -97,7 +97,7 @@ constexpr FormMember formMembers[] = {
      }},
     {{u"ShowWhatsThis", 15, MemberKind::method, Type::none, control},
      [](dlgFaultDisplay& form, std::span<Argument> arguments, bool) -> Value {
-       if (window::Control* found = form.form().find(textOf(arguments[0]))) form.ShowWhatsThis(*found);
+       if (window::Control* found = form.form().find(textOf(arguments[0]))) form.help().ShowWhatsThis(*found);
        return {};
      }},
 };
@@ -118,7 +118,7 @@ const automation::ClassTable& FormObject::table() const {
 
 Value FormObject::invokeMember(std::size_t member, automation::CallKind kind, std::span<Argument> arguments) {
   if (form_ == nullptr || (!form_->alive() && member != callBack)) return {};
-  const dlgFaultDisplay::Entry entry(*form_);
+  const auto entry = form_->enter();
   return formMembers[member].run(*form_, arguments, automation::isPut(kind));
 }
 

@@ -35,34 +35,34 @@ bool lit(const database::Value& value) {
 
 }  // namespace
 
-bool FaultStore::UpDateAlarm() {
+bool FaultStore::UpDateAlarm(const pbx::ReceivedList& received) {
   if (openDatabase() == nullptr) return true;
-  const auto state = lampState(text::trim(form_.response().SecondData(0)));
+  const auto state = lampState(text::trim(received.entries.SecondData(0)));
   if (!state) {
     form_.showBox(box::stepFailed);
     return false;
   }
-  storeLamps(state->major, state->minor);
+  storeLamps(received.exchange, state->major, state->minor);
   return true;
 }
 
-bool FaultStore::ClearAlarm() {
+bool FaultStore::ClearAlarm(const pbx::ReceivedList& received) {
   if (openDatabase() == nullptr) return true;
-  if (!clearConfirmed(form_.response())) {
+  if (!clearConfirmed(received.entries)) {
     form_.showBox(box::stepFailed);
     return false;
   }
   form_.showBox(box::alarmsReset);
-  if (form_.alive()) storeLamps(false, false);
+  if (form_.alive()) storeLamps(received.exchange, false, false);
   return true;
 }
 
-void FaultStore::storeLamps(bool major, bool minor) {
+void FaultStore::storeLamps(std::u16string_view name, bool major, bool minor) {
   // The box before may have let the database be closed.
   database::Database* database = form_.faultDatabase();
   if (database == nullptr) return;
   const auto failure = trap([&] {
-    const auto exchange = database->openRecordset(findExchange(form_.requestPbxName()));
+    const auto exchange = database->openRecordset(findExchange(name));
     if (exchange->recordCount() > 0) {
       exchange->edit();
       exchange->set(u"MJ", major);
@@ -85,10 +85,10 @@ void FaultStore::paintLamps(database::Database& database) {
 
 void FaultStore::showLamps(bool major, bool minor) {
   const auto paint = [&](std::u16string_view label, bool isMajor, bool on) {
-    window::Control& lamp = form_.form().control(label);
+    window::Control& lamp = around_.form.control(label);
     lamp.set(u"BackColor", on ? red : white);
     lamp.set(u"ForeColor", black);
-    form_.view().setLamp(isMajor, on);
+    around_.view.setLamp(isMajor, on);
   };
   paint(u"lblMJ", true, major);
   paint(u"lblMN", false, minor);

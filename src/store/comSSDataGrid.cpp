@@ -72,7 +72,7 @@ std::optional<window::GridRow> FaultRows::read(std::size_t position) {
 
 std::optional<window::GridSource::Range> FaultRows::dataPart(std::size_t position) {
   const auto shown = row(position);
-  return shown ? findDataPart(form_.state(), shown->description) : std::nullopt;
+  return shown ? findDataPart(state_, shown->description) : std::nullopt;
 }
 
 std::vector<window::GridSource::Range> FaultRows::provenance(std::size_t position, std::size_t character) {
@@ -93,8 +93,7 @@ std::vector<window::GridSource::Range> FaultRows::provenance(std::size_t positio
 const cFaultDisplay::Pieces& FaultRows::explanation(const window::GridRow& row) {
   if (row.fault == explainedKind_ && row.description == explainedText_) return explained_;
   std::u16string dataText;
-  explained_ =
-      form_.faultDecoder(form_.state().WideFaultFields).ExplainStored(row.fault, row.description, dataText);
+  explained_ = form_.faultDecoder(state_.WideFaultFields).ExplainStored(row.fault, row.description, dataText);
   explainedKind_ = row.fault;
   explainedText_ = row.description;
   return explained_;

@@ -22,7 +22,7 @@ std::optional<window::GridSource::Range> findDataPart(const SharedState& state,
 
 class FaultRows : public window::GridSource {
  public:
-  explicit FaultRows(store::StoreForm& form) : form_(form) {}
+  FaultRows(store::StoreForm& form, const SharedState& state) : form_(form), state_(state) {}
 
   // The rows shown from now on, owned by the caller; null for an empty grid.
   void show(database::RowList* rows);
@@ -53,6 +53,7 @@ class FaultRows : public window::GridSource {
   const cFaultDisplay::Pieces& explanation(const window::GridRow& row);
 
   store::StoreForm& form_;
+  const SharedState& state_;
   database::RowList* rows_ = nullptr;
   std::vector<database::Value> buffer_;
   bool held_ = false;

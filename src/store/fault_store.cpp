@@ -34,7 +34,8 @@ class Filling {
 
 }  // namespace
 
-FaultStore::FaultStore(StoreForm& form) : form_(form), grid_(form) {}
+FaultStore::FaultStore(StoreForm& form, const Surroundings& around)
+    : form_(form), around_(around), grid_(form, around.state) {}
 
 void FaultStore::SetSortFlags() {
   for (int column = 0; column < sortableColumns; ++column)
@@ -51,7 +52,7 @@ void FaultStore::close() {
 database::Database* FaultStore::openDatabase() {
   database::Database* database = form_.faultDatabase();
   if (database != nullptr) return database;
-  form_.hostMessage(messageText(form_.state(), message::databaseNotOpen));
+  form_.hostMessage(messageText(around_.state, message::databaseNotOpen));
   if (form_.alive()) form_.hostCode(databaseNotOpenCode);
   return nullptr;
 }
@@ -65,7 +66,7 @@ bool FaultStore::trapDisplay(Report report, const std::function<void()>& steps) 
   const auto failure = trap(steps);
   if (!failure) return true;
   emptyDisplay();
-  displayFailure_ = fillText(messageText(form_.state(), message::reasonDatabase), {*failure});
+  around_.status.displayFailed(*failure);
   showNotice();
   return report == Report::quiet || showError(*failure);
 }
@@ -73,15 +74,14 @@ bool FaultStore::trapDisplay(Report report, const std::function<void()>& steps) 
 void FaultStore::showNoDatabase() {
   if (!form_.alive()) return;
   emptyDisplay();
-  form_.view().setNoticeKind(window::NoticeKind::failure);
-  form_.view().setNotice(messageText(form_.state(), message::noticeDatabaseClosed));
+  status::show(around_.view, around_.status.withoutDatabase());
 }
 
 void FaultStore::emptyDisplay() {
   grid_.show(nullptr);
   datFaultDisplay_.clear();
   datPBXList_.clear();
-  form_.form().control(u"txtTimeTag").set(u"Text", std::u16string{});
+  around_.form.control(u"txtTimeTag").set(u"Text", std::u16string{});
   showLamps(false, false);
   showRows();
   showButtonStates();
@@ -150,8 +150,8 @@ void FaultStore::DisplayAlarm() {
 }
 
 void FaultStore::showButtonStates() {
-  const bool usable = grid_.size() != 0 && form_.state().runMode == RunMode::interactive;
-  for (const auto name : faultButtons) form_.form().control(name).set(u"Enabled", usable);
+  const bool usable = grid_.size() != 0 && around_.state.runMode == RunMode::interactive;
+  for (const auto name : faultButtons) around_.form.control(name).set(u"Enabled", usable);
 }
 
 std::optional<std::size_t> FaultStore::lookUp(std::u16string_view text, std::ptrdiff_t from,
@@ -160,7 +160,7 @@ std::optional<std::size_t> FaultStore::lookUp(std::u16string_view text, std::ptr
   if (database == nullptr) return {};
   std::optional<std::size_t> found;
   trapDisplay(Report::box, [&] {
-    LongStep step(form_, grid_, *database, LongStep::reading);
+    LongStep step(around_, grid_, *database, LongStep::reading);
     found = grid_.lookUp(text, from, way, [&](std::size_t done) { step.at(done, grid_.size()); });
   });
   if (form_.alive()) showCount();
@@ -170,7 +170,7 @@ std::optional<std::size_t> FaultStore::lookUp(std::u16string_view text, std::ptr
 // --- the steps of the display
 
 std::optional<FaultStore::Chosen> FaultStore::chosen() const {
-  const window::Control& list = form_.form().control(u"drpPBXList");
+  const window::Control& list = around_.form.control(u"drpPBXList");
   if (list.listIndex() < 0) return {};
   const auto& entry = list.items().at(static_cast<std::size_t>(list.listIndex()));
   return Chosen{entry.text, static_cast<std::int16_t>(entry.itemData)};
@@ -186,7 +186,7 @@ std::int16_t FaultStore::idOfName(database::Database& database, std::u16string_v
 
 void FaultStore::fillList(database::Database& database) {
   const Filling filling(filling_);
-  window::Control& list = form_.form().control(u"drpPBXList");
+  window::Control& list = around_.form.control(u"drpPBXList");
   list.clearItems();
   const auto rows = database.openRecordset(exchangesNewestFirst);
   int position = 0;
@@ -201,7 +201,7 @@ void FaultStore::fillList(database::Database& database) {
 }
 
 void FaultStore::SelectExchange(database::Database& database) {
-  widenStoredYears(form_, grid_, database);
+  widenStoredYears(around_, grid_, database);
   refreshExchange(database);
   // A newly shown exchange lists its faults newest first.
   ascending_[dateColumn] = false;
@@ -215,9 +215,10 @@ void FaultStore::refreshExchange(database::Database& database) {
   datPBXList_.Refresh(database);
   std::u16string received;
   if (datPBXList_.hasRow())
-    received = shownTimeStamp(datPBXList_.row().timeStamp, datPBXList_.row().dated, form_.clock());
-  form_.exchangeShown(datPBXList_.hasRow() ? exchange->name : std::u16string{}, received);
-  form_.form().control(u"txtTimeTag").set(u"Text", std::move(received));
+    received = shownTimeStamp(datPBXList_.row().timeStamp, datPBXList_.row().dated, around_.clock);
+  around_.status.exchangeShown(datPBXList_.hasRow() ? exchange->name : std::u16string{}, received);
+  status::showLine(around_.view, around_.status);
+  around_.form.control(u"txtTimeTag").set(u"Text", std::move(received));
 }
 
 void FaultStore::SortFaultGrid(database::Database& database, int column) {
@@ -234,41 +235,33 @@ void FaultStore::SortFaultGrid(database::Database& database, int column) {
 
 void FaultStore::refreshFaults(database::Database& database) {
   {
-    const LongStep step(form_, grid_, database, LongStep::reading);
+    const LongStep step(around_, grid_, database, LongStep::reading);
     datFaultDisplay_.Refresh(database);
   }
-  displayFailure_.clear();
+  around_.status.displayed();
   grid_.show(datFaultDisplay_.rows());
   showRows();
 }
 
 void FaultStore::showRows() {
   const bool empty = grid_.size() == 0;
-  form_.view().setRows(empty ? nullptr : &grid_);
-  form_.view().setSortMark(empty ? -1 : sortColumn(sortKey_), isDescending(sortKey_));
+  around_.view.setRows(empty ? nullptr : &grid_);
+  around_.view.setSortMark(empty ? -1 : sortColumn(sortKey_), isDescending(sortKey_));
   showCount();
   if (empty) showNotice();
 }
 
 void FaultStore::showCount() {
   const auto rows = text::decimal(static_cast<std::int64_t>(grid_.size()));
-  form_.view().setStatus(window::countPart,
-                         fillText(messageText(form_.state(), message::statusFaultCount), {rows}));
+  around_.view.setStatus(window::countPart,
+                         fillText(messageText(around_.state, message::statusFaultCount), {rows}));
 }
 
 void FaultStore::showNotice() {
-  if (!displayFailure_.empty()) {
-    form_.view().setNoticeKind(window::NoticeKind::failure);
-    form_.view().setNotice(displayFailure_);
-    return;
-  }
-  if (form_.showOwnNotice()) return;
+  if (grid_.size() != 0) return status::show(around_.view, around_.status.aboveRows());
   const auto exchange = chosen();
-  std::size_t notice = exchange ? message::noticeNoFaults : message::noticeFirstList;
-  if (!exchange && registeredName_.empty()) notice = message::noticeNoExchange;
-  form_.view().setNoticeKind(window::NoticeKind::hint);
-  form_.view().setNotice(
-      fillText(messageText(form_.state(), notice), {exchange ? exchange->name : registeredName_}));
+  status::show(around_.view, around_.status.inEmptyGrid(
+                                 exchange ? std::optional(exchange->name) : std::nullopt, registeredName_));
 }
 
 }  // namespace vordane::store

@@ -1,5 +1,5 @@
 // The fault store of the window: takes fault lists in, shows the stored faults of one exchange, keeps the
-// lamps, prints and deletes. `dlgFaultDisplay` owns one and calls it from its dispatcher and its events.
+// lamps, prints and deletes. The window owns one and calls it from its dispatcher and its events.
 //
 // Every public procedure traps its own errors and shows them (box 102 with the engine's text), so none of
 // them throws but for an impossible column; each tests once whether FAULT.MDB is open and tells the host when
@@ -15,9 +15,9 @@
 #include <string>
 #include <string_view>
 
+#include "pbx/received_list.h"
 #include "store/comSSDataGrid.h"
 #include "store/data_control.h"
-#include "store/list_account.h"
 #include "store/sort_orders.h"
 #include "store/store_form.h"
 
@@ -27,7 +27,7 @@ class FaultStore {
  public:
   enum class Report { box, quiet };  // whether a failing display is told in a box too
 
-  explicit FaultStore(StoreForm& form);
+  FaultStore(StoreForm& form, const Surroundings& around);
   FaultStore(const FaultStore&) = delete;
   FaultStore& operator=(const FaultStore&) = delete;
 
@@ -47,23 +47,25 @@ class FaultStore {
   void DisplayAlarm();              // paints the lamps of the exchange shown; reports no missing database
   // Print, clear, look up and reset follow the empty grid; the host's scheduler keeps them dead.
   void showButtonStates();
-  void showNotice();  // what stands in the place of an empty grid: a failure before a hint
+  void showNotice();  // what stands above the rows or in the place of an empty grid
   // The next row holding `text` after `after` (-1: from the first), round the end once.
   std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from,
                                     window::LookUpWay way = window::LookUpWay::forwards);
 
   // --- actions
-  void IngestFaultList();  // action 10, ends with the acknowledgement or with StoreForm::endAction
-  // Actions 12 and 11; the caller then paints the lamps and ends the action. False when the answer does not
-  // say what it should.
-  bool UpDateAlarm();
-  bool ClearAlarm();
+  // What the caller does behind a list: acknowledge it, end the action, or nothing since the form has gone.
+  enum class After { acknowledge, endAction, nothing };
+  After IngestFaultList(const pbx::ReceivedList& received);
+  // The lamps' state, and the reset of the alarms; the caller then paints the lamps and ends the action.
+  // False when the answer does not say what it should.
+  bool UpDateAlarm(const pbx::ReceivedList& received);
+  bool ClearAlarm(const pbx::ReceivedList& received);
   void PrintFaultReport();
   void DeleteExchange();
 
   std::int16_t exchangeId() const { return exchangeId_; }
   SortKey sortKey() const { return sortKey_; }
-  const std::optional<ListAccount>& lastAccount() const { return account_; }
+  const std::optional<status::ListAccount>& lastAccount() const { return account_; }
   window::GridSource& rows() { return grid_; }
   const ExchangeControl& datPBXList() const { return datPBXList_; }
   const FaultControl& datFaultDisplay() const { return datFaultDisplay_; }
@@ -97,12 +99,13 @@ class FaultStore {
   void showRows();
   void showCount();
 
-  void storeLamps(bool major, bool minor);
-  void tellAccount(const ListAccount& account);
-  void endFailedList(std::u16string_view engineText);
+  void storeLamps(std::u16string_view exchange, bool major, bool minor);
+  void tellAccount(const status::ListAccount& account);
+  After endFailedList(std::u16string_view engineText);
   bool showTakenList(bool somethingAdded, bool accessError);  // false when the form has gone meanwhile
 
   StoreForm& form_;
+  Surroundings around_;
   ExchangeControl datPBXList_;
   FaultControl datFaultDisplay_;
   comSSDataGrid::FaultRows grid_;
@@ -111,8 +114,7 @@ class FaultStore {
   bool filling_ = false;
   std::array<bool, headingColumns> ascending_{};
   SortKey sortKey_ = 0;
-  std::optional<ListAccount> account_;
-  std::u16string displayFailure_;  // why the display is empty; empty when it is as the database says
+  std::optional<status::ListAccount> account_;
 };
 
 // True when no row of the exchange agrees in all compared columns. Throws DatabaseError.

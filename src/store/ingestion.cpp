@@ -29,10 +29,12 @@ struct Fault {
 
 class Ingestion {
  public:
-  explicit Ingestion(StoreForm& form)
-      : form_(form),
-        list_(form.response()),
-        decoder_(form.faultDecoder(form.requestWideFaultFields())),
+  // `decoder` decodes with the fields of the exchange.
+  Ingestion(const pbx::ReceivedList& received, const cFaultDisplay& decoder, platform::Clock& clock)
+      : received_(received),
+        list_(received.entries),
+        decoder_(decoder),
+        clock_(clock),
         outcomes_(countGroups()) {}
 
   // Throw DatabaseError.
@@ -43,7 +45,7 @@ class Ingestion {
   void countAgain(database::Database& database, std::int16_t exchangeId, std::u16string error);
 
   bool somethingAdded() const { return count(Outcome::added) > 0; }
-  ListAccount account() const;
+  status::ListAccount account() const;
   void setNoDatabase() { noDatabase_ = true; }
   const std::optional<std::u16string>& accessError() const { return accessError_; }
   std::int32_t groups() const { return static_cast<std::int32_t>(outcomes_.size()); }
@@ -59,11 +61,12 @@ class Ingestion {
   Fault fault(std::int32_t group) const;
   const std::u16string* findAccessError(std::int32_t group) const;
   static void add(database::Recordset& faults, std::int16_t exchangeId, const Fault& fault);
-  ListEnd end() const;
+  status::ListEnd end() const;
 
-  StoreForm& form_;
+  const pbx::ReceivedList& received_;
   const cListRequest& list_;
   const cFaultDisplay& decoder_;
+  platform::Clock& clock_;
   std::vector<Outcome> outcomes_;  // one for each group received
   std::optional<std::u16string> accessError_, error_;
   bool noDatabase_ = false;
@@ -101,19 +104,19 @@ const std::u16string* Ingestion::findAccessError(std::int32_t group) const {
 }
 
 void Ingestion::stampExchange(database::Database& database, std::int16_t& exchangeId) const {
-  const std::u16string name = form_.requestPbxName();
+  const std::u16string& name = received_.exchange;
   auto exchange = database.openRecordset(findExchange(name));
   if (exchange->recordCount() < 1) {
     exchange->close();
     exchange = database.openRecordset(allExchanges);
     exchange->addNew();
     exchange->set(u"PBXName", name);
-    stampNow(*exchange, form_.clock());
+    stampNow(*exchange, clock_);
     exchangeId = exchangeIdOf(exchange->get(u"ID"));
   } else {
     exchangeId = exchangeIdOf(exchange->get(u"ID"));
     exchange->edit();
-    stampNow(*exchange, form_.clock());
+    stampNow(*exchange, clock_);
   }
   exchange->update();
   exchange->close();
@@ -178,23 +181,23 @@ void Ingestion::countAgain(database::Database& database, std::int16_t exchangeId
     std::fill(outcomes_.begin() + static_cast<std::ptrdiff_t>(group), outcomes_.end(), Outcome::refused);
 }
 
-ListEnd Ingestion::end() const {
-  if (noDatabase_) return ListEnd::noDatabase;
-  if (error_) return ListEnd::databaseError;
-  if (accessError_) return ListEnd::accessError;
-  if (form_.responseTruncated()) return ListEnd::tooLong;
-  if (form_.responseCut()) return ListEnd::textCut;
+status::ListEnd Ingestion::end() const {
+  if (noDatabase_) return status::ListEnd::noDatabase;
+  if (error_) return status::ListEnd::databaseError;
+  if (accessError_) return status::ListEnd::accessError;
+  if (received_.truncated) return status::ListEnd::tooLong;
+  if (received_.cut) return status::ListEnd::textCut;
   const bool endMark = static_cast<std::int32_t>(outcomes_.size()) * groupSize < list_.Count();
-  return endMark || list_.Count() % groupSize == 0 ? ListEnd::complete : ListEnd::cutShort;
+  return endMark || list_.Count() % groupSize == 0 ? status::ListEnd::complete : status::ListEnd::cutShort;
 }
 
-ListAccount Ingestion::account() const {
-  ListAccount account;
-  account.exchange = form_.requestPbxName();
-  account.when = form_.clock().regional(form_.clock().now());
+status::ListAccount Ingestion::account() const {
+  status::ListAccount account;
+  account.exchange = received_.exchange;
+  account.when = clock_.regional(clock_.now());
   account.end = end();
-  if (account.end == ListEnd::databaseError) account.cause = *error_;
-  if (account.end == ListEnd::accessError) account.cause = text::trim(*accessError_);
+  if (account.end == status::ListEnd::databaseError) account.cause = *error_;
+  if (account.end == status::ListEnd::accessError) account.cause = text::trim(*accessError_);
   account.received = groups();
   account.added = count(Outcome::added);
   account.alreadyStored = count(Outcome::alreadyStored);
@@ -202,12 +205,12 @@ ListAccount Ingestion::account() const {
 }
 
 // The statements of one ingestion; the engine's text when one of them failed.
-std::optional<std::u16string> takeList(StoreForm& form, comSSDataGrid::FaultRows& shown,
+std::optional<std::u16string> takeList(const Surroundings& around, comSSDataGrid::FaultRows& shown,
                                        database::Database& database, Ingestion& list,
                                        std::int16_t& exchangeId) {
   return trap([&] {
     Batch batch(database);
-    LongStep step(form, shown, database, LongStep::storing);
+    LongStep step(around, shown, database, LongStep::storing);
     list.stampExchange(database, exchangeId);
     list.storeFaults(database, exchangeId, step);
     batch.end();
@@ -226,37 +229,38 @@ bool FindSameFault(std::int16_t id, database::Database& database, std::u16string
   return isNew;
 }
 
-void FaultStore::IngestFaultList() {
-  Ingestion list(form_);
+FaultStore::After FaultStore::IngestFaultList(const pbx::ReceivedList& received) {
+  Ingestion list(received, form_.faultDecoder(received.wide), around_.clock);
   database::Database* database = openDatabase();
-  if (!form_.alive()) return;
+  if (!form_.alive()) return After::nothing;
   std::optional<std::u16string> failure;
   if (database == nullptr) {
     list.setNoDatabase();
-  } else if ((failure = takeList(form_, grid_, *database, list, exchangeId_))) {
+  } else if ((failure = takeList(around_, grid_, *database, list, exchangeId_))) {
     list.countAgain(*database, exchangeId_, *failure);
   }
   tellAccount(list.account());
   if (failure) return endFailedList(*failure);
-  if (database != nullptr && !showTakenList(list.somethingAdded(), list.accessError().has_value())) return;
-  if (!form_.AcknowledgeFaultList() && form_.alive()) form_.endAction();
+  if (database != nullptr && !showTakenList(list.somethingAdded(), list.accessError().has_value()))
+    return After::nothing;
+  return After::acknowledge;
 }
 
-void FaultStore::tellAccount(const ListAccount& account) {
+void FaultStore::tellAccount(const status::ListAccount& account) {
   account_ = account;
   form_.listTaken(account);
 }
 
 // The list was not taken in whole, so it is not acknowledged: the exchange keeps it.
-void FaultStore::endFailedList(std::u16string_view engineText) {
-  if (!showError(engineText)) return;
+FaultStore::After FaultStore::endFailedList(std::u16string_view engineText) {
+  if (!showError(engineText)) return After::nothing;
   if (database::Database* database = form_.faultDatabase()) refresh(*database, Report::quiet);
-  form_.endAction();
+  return After::endAction;
 }
 
 bool FaultStore::showTakenList(bool somethingAdded, bool accessError) {
   if (!somethingAdded) {
-    form_.hostMessage(messageText(form_.state(), message::noNewFaults));
+    form_.hostMessage(messageText(around_.state, message::noNewFaults));
     if (!form_.alive()) return false;
     form_.showBox(accessError ? box::stepFailed : box::noNewFaults);
     if (!form_.alive()) return false;

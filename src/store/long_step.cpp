@@ -12,12 +12,13 @@ constexpr double secondsBetweenPaints = 0.1;
 
 }  // namespace
 
-LongStep::LongStep(StoreForm& form, comSSDataGrid::FaultRows& rows, database::Database& database, Texts texts)
-    : form_(form),
+LongStep::LongStep(const Surroundings& around, comSSDataGrid::FaultRows& rows, database::Database& database,
+                   Texts texts)
+    : around_(around),
       rows_(rows),
       database_(database),
       texts_(texts),
-      last_(form.clock().secondsSinceMidnight()) {
+      last_(around.clock.secondsSinceMidnight()) {
   rows_.hold();
   // What the step knows itself stays where the engine knows nothing.
   database_.setProgress([this](std::size_t done, std::size_t of) { of == 0 ? paint() : at(done, of); });
@@ -36,7 +37,7 @@ void LongStep::at(std::size_t done, std::size_t of) {
 
 // The clock starts anew at midnight, so the distance counts, not the order.
 bool LongStep::due() {
-  const double now = form_.clock().secondsSinceMidnight();
+  const double now = around_.clock.secondsSinceMidnight();
   if (std::abs(now - last_) < secondsBetweenPaints) return false;
   last_ = now;
   return true;
@@ -46,9 +47,9 @@ void LongStep::paint() {
   if (!due()) return;
   const auto done = text::decimal(static_cast<std::int64_t>(done_));
   const auto of = text::decimal(static_cast<std::int64_t>(of_));
-  const auto pattern = messageText(form_.state(), of_ == 0 ? texts_.plain : texts_.counted);
-  form_.view().setStatus(window::countPart, fillText(pattern, {done, of}));
-  form_.view().paintNow();
+  const auto pattern = messageText(around_.state, of_ == 0 ? texts_.plain : texts_.counted);
+  around_.view.setStatus(window::countPart, fillText(pattern, {done, of}));
+  around_.view.paintNow();
 }
 
 }  // namespace vordane::store

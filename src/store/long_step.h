@@ -23,7 +23,8 @@ class LongStep {
   static constexpr Texts reading{message::noticeReading, message::noticeReadingOf};
   static constexpr Texts deleting{message::noticeDeleting, message::noticeDeletingOf};
 
-  LongStep(StoreForm& form, comSSDataGrid::FaultRows& rows, database::Database& database, Texts texts);
+  LongStep(const Surroundings& around, comSSDataGrid::FaultRows& rows, database::Database& database,
+           Texts texts);
   ~LongStep();
   LongStep(const LongStep&) = delete;
   LongStep& operator=(const LongStep&) = delete;
@@ -35,7 +36,7 @@ class LongStep {
   void paint();
   bool due();
 
-  StoreForm& form_;
+  Surroundings around_;
   comSSDataGrid::FaultRows& rows_;
   database::Database& database_;
   Texts texts_;

@@ -35,14 +35,14 @@ std::vector<automation::Argument> reportArguments(StoreForm& form, std::u16strin
 
 void FaultStore::PrintFaultReport() {
   if (openDatabase() == nullptr) return;
-  if (form_.parent() == nullptr) {
+  if (form_.host() == nullptr) {
     form_.showBox(box::noHostToPrint);
     return;
   }
   std::u16string refusal;
   const auto failure = trap([&] {
     auto arguments = reportArguments(form_, textOf(datPBXList_.row().name), sortKey_);
-    refusal = automation::toText(automation::call(*form_.parent(), u"PrintReport", arguments));
+    refusal = automation::toText(automation::call(*form_.host(), u"PrintReport", arguments));
   });
   if (!form_.alive()) return;
   if (failure) {
@@ -62,7 +62,7 @@ void FaultStore::DeleteExchange() {
   if (datPBXList_.hasRow() && datPBXList_.row().id != asked) return form_.deletionGivenUp();
   const auto failure = trap([&] {
     const std::int16_t id = exchangeIdOf(datPBXList_.row().id);
-    LongStep step(form_, grid_, *database, LongStep::deleting);
+    LongStep step(around_, grid_, *database, LongStep::deleting);
     step.at(0, grid_.size());
     // Two steps of their own: faults left without an exchange are kept when the second fails.
     database->execute(deleteExchange(id));

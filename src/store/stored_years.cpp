@@ -22,9 +22,9 @@ void widen(database::Recordset& row) {
   row.update();
 }
 
-void widenAll(StoreForm& form, comSSDataGrid::FaultRows& shown, database::Database& database,
+void widenAll(const Surroundings& around, comSSDataGrid::FaultRows& shown, database::Database& database,
               database::Recordset& rows) {
-  const LongStep step(form, shown, database, LongStep::reading);
+  const LongStep step(around, shown, database, LongStep::reading);
   Batch batch(database);
   for (rows.moveFirst(); !rows.atEnd(); rows.moveNext()) widen(rows);
   batch.end();
@@ -32,10 +32,11 @@ void widenAll(StoreForm& form, comSSDataGrid::FaultRows& shown, database::Databa
 
 }  // namespace
 
-void widenStoredYears(StoreForm& form, comSSDataGrid::FaultRows& shown, database::Database& database) {
+void widenStoredYears(const Surroundings& around, comSSDataGrid::FaultRows& shown,
+                      database::Database& database) {
   const auto rows = database.openRecordset(faultsNewestFirst);
   if (!rows->isEmpty() && text::middle(textOf(rows->get(dateColumn)), 3, 1) == u"/")
-    widenAll(form, shown, database, *rows);
+    widenAll(around, shown, database, *rows);
   rows->close();
 }
 

@@ -9,6 +9,7 @@ namespace vordane::store {
 // Goes through the faults of every exchange, but only when the first of them by date, latest text first, has
 // a two-digit year: once any date has four digits, two-digit ones that sort behind it stay. Throws
 // DatabaseError.
-void widenStoredYears(StoreForm& form, comSSDataGrid::FaultRows& shown, database::Database& database);
+void widenStoredYears(const Surroundings& around, comSSDataGrid::FaultRows& shown,
+                      database::Database& database);
 
 }  // namespace vordane::store

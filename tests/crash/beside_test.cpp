@@ -38,25 +38,25 @@ class Beside : public testing::TestWithParam<bool> {
   EmbeddedUnderTest under{options()};
   std::u16string file = under.make(database::Layout::faults);
   fakes::MemoryStoreForm form;
-  store::FaultStore faults{form};
+  store::FaultStore faults{form, form.around()};
 };
 
 TEST_P(Beside, AWriterThatWaitsTooLongIsToldAndTheNextListIsStored) {
   const auto other = under.engine().open(file, false);
   other->beginBatch();
   database::addExchange(*other, u"other");
-  faults.IngestFaultList();
+  form.ingest(faults);
   EXPECT_EQ(form.takeTrace(), (Lines{"Account 500=0+0+500 incomplete",
                                      "Box 102 The database is locked by another process.", "EndAction"}));
   other->endBatch();
-  faults.IngestFaultList();
+  form.ingest(faults);
   EXPECT_EQ(form.takeTrace(), (Lines{"Account 500=500+0+0", "Acknowledge"}));
   EXPECT_EQ(storedIn(*form.database), 500U);
   EXPECT_EQ(database::column(*form.database, store::allExchanges, u"PBXName"), (Lines{"other", "PBX-1"}));
 }
 
 TEST_P(Beside, DeletionAndLampsWaitTheSameWay) {
-  faults.IngestFaultList();
+  form.ingest(faults);
   form.takeTrace();
   const auto other = under.engine().open(file, false);
   other->beginBatch();
@@ -66,7 +66,7 @@ TEST_P(Beside, DeletionAndLampsWaitTheSameWay) {
   EXPECT_EQ(form.takeTrace().back(), "Box 102 The database is locked by another process.");
   form.answer.Clear();
   form.answer.AddToList(u"EA1", u"00", u"11");
-  faults.UpDateAlarm();
+  faults.UpDateAlarm(form.received());
   EXPECT_EQ(form.takeTrace(), (Lines{"Box 102 The database is locked by another process."}));
   other->endBatch();
   EXPECT_EQ(storedIn(*form.database), 500U);
@@ -74,7 +74,7 @@ TEST_P(Beside, DeletionAndLampsWaitTheSameWay) {
 
 // A report or a tool that reads in one go sees what was saved when it began.
 TEST_P(Beside, AReaderIsNotHeldUpByAnIngestionThatIsNotSaved) {
-  faults.IngestFaultList();
+  form.ingest(faults);
   form.database->beginBatch();
   database::addFault(*form.database, {});
   const auto reader = under.engine().open(file, true);
@@ -95,17 +95,17 @@ TEST(BesideOnDisk, AnIngestionIsNotHeldUpByAReader) {
   const std::u16string file = under.make(database::Layout::faults);
   fakes::MemoryStoreForm form;
   form.database = under.engine().open(file, false);
-  store::FaultStore faults(form);
+  store::FaultStore faults(form, form.around());
   faults.SetSortFlags();
   receiveList(form, 0);
-  faults.IngestFaultList();
+  form.ingest(faults);
   const auto reader = under.engine().open(file, true);
   const auto rows = reader->openRecordset(store::addFaults);
   std::size_t met = 0;
   for (; !rows->atEnd(); rows->moveNext())
     if (++met == 100) {
       receiveList(form, 1);
-      faults.IngestFaultList();
+      form.ingest(faults);
     }
   EXPECT_EQ(met, 500U);
   EXPECT_EQ(form.takeTrace(),

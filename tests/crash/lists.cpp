@@ -32,13 +32,13 @@ Received received(int number) {
   return {record, date, data, u"00 01 02 03 04 05 06 07"};
 }
 
-// A form whose clock takes its time, so that a list is taken in over several commits.
-class SlowForm : public fakes::MemoryStoreForm {
+// A clock that takes its time, so that a list is taken in over several commits.
+class SlowClock : public fakes::SetClock {
  public:
-  explicit SlowForm(bool slow) : slow_(slow) {}
-  platform::Clock& clock() override {
+  explicit SlowClock(bool slow) : slow_(slow) {}
+  double secondsSinceMidnight() override {
     if (slow_ && ++looks_ % 5 == 0) std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    return MemoryStoreForm::clock();
+    return SetClock::secondsSinceMidnight();
   }
 
  private:
@@ -91,14 +91,16 @@ void takeLists(const Order& order) {
   sqlite::Options options;
   options.onNetwork = [&](std::u16string_view) { return order.onNetwork; };
   const auto engine = sqlite::makeEngine(options);
-  SlowForm form(order.slow);
+  SlowClock clock(order.slow);
+  fakes::MemoryStoreForm form;
+  form.clock = &clock;
   form.meanwhile = [&](const std::string& line) { report << line << std::endl; };
   form.database = engine->open(text::fromUtf8(order.file), false);
-  store::FaultStore faults(form);
+  store::FaultStore faults(form, form.around());
   faults.SetSortFlags();
   for (int list = order.firstList; list < order.firstList + order.lists; ++list) {
     receiveList(form, list);
-    faults.IngestFaultList();
+    form.ingest(faults);
   }
   faults.close();
   if (order.stays) report << "done" << std::endl;

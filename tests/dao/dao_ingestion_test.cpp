@@ -29,13 +29,13 @@ class DaoIngestion : public testing::Test {
   fakes::DaoUnderTest under;
   std::u16string file = under.make(database::Layout::faults);
   fakes::MemoryStoreForm form;
-  FaultStore store{form};
+  FaultStore store{form, form.around()};
 };
 
 TEST_F(DaoIngestion, StoresAListAndShowsIt) {
   form.receive(u"01 MJ MP   ", u"2026/11/20 20:58", u"01 00", u"");
   form.receive(u"0A MN AB 0C", u"06/11/27 10:15", u"0C", u"0D");
-  store.IngestFaultList();
+  form.ingest(store);
   EXPECT_EQ(form.takeTrace(), (Lines{"Account 2=2+0+0", "Acknowledge"}));
   EXPECT_EQ(stored(addFaults, u"CPU"), (std::vector<std::u16string>{u"MP   ", u"AB 12"}));
   EXPECT_EQ(stored(exchangesNewestFirst, u"TimeStamp"),
@@ -47,9 +47,9 @@ TEST_F(DaoIngestion, StoresAListAndShowsIt) {
 
 TEST_F(DaoIngestion, AddsNothingTheSecondTime) {
   form.receive(u"01 MJ MP   ", u"2026/11/20 20:58", u"01 00", u"");
-  store.IngestFaultList();
+  form.ingest(store);
   form.takeTrace();
-  store.IngestFaultList();
+  form.ingest(store);
   EXPECT_EQ(form.takeTrace(),
             (Lines{"Account 1=0+1+0", "ShowMessage nothing new", "Box 104", "Acknowledge"}));
   EXPECT_EQ(stored(addFaults, u"Count").size(), 1U);
@@ -57,7 +57,7 @@ TEST_F(DaoIngestion, AddsNothingTheSecondTime) {
 
 TEST_F(DaoIngestion, DeletesAnExchangeWithItsFaults) {
   form.receive(u"01 MJ MP   ", u"2026/11/20 20:58", u"01 00", u"");
-  store.IngestFaultList();
+  form.ingest(store);
   form.database->execute(u"DELETE FROM PBXList WHERE ID = 1");
   form.database->execute(u"DELETE FROM FaultDisplay WHERE ID = 1");
   EXPECT_TRUE(stored(addFaults, u"Count").empty());

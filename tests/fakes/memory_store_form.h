@@ -14,6 +14,7 @@
 #include "faults/fault_texts.h"
 #include "language/message_numbers.h"
 #include "platform/control_types.h"
+#include "store/fault_store.h"
 #include "store/store_form.h"
 #include "text/numbers.h"
 #include "text/utf8.h"
@@ -36,16 +37,12 @@ class MemoryStoreForm : public store::StoreForm {
   }
 
   database::Database* faultDatabase() override { return database.get(); }
-  window::Form& form() override { return window; }
-  window::View& view() override { return memoryView; }
-  SharedState& state() override { return shared; }
-  platform::Clock& clock() override { return setClock; }
   const cFaultDisplay& faultDecoder(bool wide) override {
     decoderWide = wide;
     if (!decoder) decoder = std::make_unique<cFaultDisplay>(texts, decoderWide);
     return *decoder;
   }
-  automation::Object* parent() override { return host.get(); }
+  automation::ObjectRef host() override { return hostObject; }
   std::u16string installPath(std::u16string_view item) override {
     return joined({u"C:\\SUITE\\ADDINS\\", item, u"\\"});
   }
@@ -60,31 +57,27 @@ class MemoryStoreForm : public store::StoreForm {
     return boxAnswer;
   }
   bool alive() override { return living; }
-  std::u16string requestPbxName() override { return exchange; }
-  bool requestWideFaultFields() override { return requestWide; }
-  const cListRequest& response() override { return answer; }
-  bool responseTruncated() override { return truncated; }
-  bool responseCut() override { return cut; }
-  void listTaken(const store::ListAccount& account) override {
-    memoryView.setStatus(window::accountPart, store::statusText(shared, account));
+  void listTaken(const status::ListAccount& account) override {
+    status.listTaken(account);
+    status::showLine(memoryView, status);
     note(joined({u"Account ", text::decimal(account.received), u"=", text::decimal(account.added), u"+",
                  text::decimal(account.alreadyStored), u"+", text::decimal(account.refused()),
                  account.complete() ? u"" : u" incomplete"}));
   }
-  void exchangeShown(std::u16string_view name, std::u16string_view received) override {
-    shown = joined({name, u" ", received});
-  }
   void deletionGivenUp() override { note(u"DeletionGivenUp"); }
-  bool showOwnNotice() override {
-    if (ownNotice.empty()) return false;
-    memoryView.setNotice(ownNotice);
-    return true;
+
+  // What the store works on. A test may put another clock in its place before the store is made.
+  store::Surroundings around() { return {window, memoryView, shared, *clock, status}; }
+  // The answer under way.
+  pbx::ReceivedList received() const { return {answer, exchange, requestWide, truncated, cut}; }
+  // Takes the answer in and does what the window does behind it.
+  void ingest(store::FaultStore& store) {
+    using After = store::FaultStore::After;
+    const After after = store.IngestFaultList(received());
+    if (after == After::acknowledge) note(u"Acknowledge");
+    if (after == After::endAction || (after == After::acknowledge && !acknowledged && living))
+      note(u"EndAction");
   }
-  bool AcknowledgeFaultList() override {
-    note(u"Acknowledge");
-    return acknowledged;
-  }
-  void endAction() override { note(u"EndAction"); }
 
   // Adds one fault to the answer.
   void receive(std::u16string_view record, std::u16string_view date, std::u16string_view first = u"",
@@ -99,14 +92,15 @@ class MemoryStoreForm : public store::StoreForm {
   MemoryView memoryView;
   SharedState shared;
   SetClock setClock;
+  platform::Clock* clock = &setClock;
+  status::WindowStatus status{shared};
   FaultTextTable texts;
   bool decoderWide = true;
   std::unique_ptr<cFaultDisplay> decoder;
-  automation::ObjectRef host;
+  automation::ObjectRef hostObject;
   std::u16string exchange = u"PBX-1";
   bool requestWide = true, truncated = false, cut = false, acknowledged = true, living = true;
   cListRequest answer;
-  std::u16string shown, ownNotice;
   int boxAnswer = 1;
   // Called after each line of the trace: what the outside does meanwhile.
   std::function<void(const std::string& line)> meanwhile = [](const std::string&) {};

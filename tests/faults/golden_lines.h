@@ -53,4 +53,10 @@ inline std::string oneLine(std::u16string_view description) {
   return out;
 }
 
+// As the records and the tables write it.
+inline std::string kindName(int kind) {
+  constexpr char digits[] = "0123456789ABCDEF";
+  return {'k', 'i', 'n', 'd', ' ', digits[kind / 16], digits[kind % 16]};
+}
+
 }  // namespace vordane::faults

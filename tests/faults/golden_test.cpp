@@ -29,7 +29,9 @@ TEST(Golden, EveryLineIsDecodedToTheLetter) {
 TEST(Golden, EveryKindHasALine) {
   std::set<int> kinds;
   for (const GoldenLine& line : recognisableLines()) kinds.insert(text::hexField(text::left(line.record, 2)));
-  for (const FaultKind& row : faultKinds) EXPECT_TRUE(kinds.contains(row.kind)) << static_cast<int>(row.kind);
+  for (const FaultKind& row : faultKinds)
+    EXPECT_TRUE(kinds.contains(row.kind))
+        << kindName(row.kind) << " has no line in tests/data/faults/golden.tsv";
 }
 
 TEST(Golden, EveryLineWithAWidthHasItsPartner) {

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "faults/cFaultDisplay.h"
-#include "faults/kind_table.h"
+#include "faults/kind_lists.h"
 #include "text/numbers.h"
 
 namespace vordane::faults {
@@ -21,7 +21,7 @@ inline std::u16string item(int kind, int code) {
          digits[static_cast<std::size_t>(kind % 16)] + u"." + text::decimal(code);
 }
 
-inline constexpr int lastMessage = 164;
+inline constexpr int lastMessage = lastFaultText;
 
 // One list of a kind that is held to it ends with the item for codes out of range; the others have some
 // items and no such last one.

@@ -101,14 +101,14 @@ class Hostile : public startup::Story, public Scene {
   bool over() override { return process.ended; }
   bool tick() override { return Story::tick(); }
   void die() override { plots.back()->dead = true; }
-  void press(int action) override { form().buttonPressed(action); }
-  void pressKey(int code) override { form().keyPressed(code); }
-  void clickHeading(int column) override { form().headingClicked(column); }
+  void press(int action) override { form().input().buttonPressed(action); }
+  void pressKey(int code) override { form().input().keyPressed(code); }
+  void clickHeading(int column) override { form().input().headingClicked(column); }
   void chooseExchange(std::uint64_t any) override {
     const std::size_t stored = form().form().control(u"drpPBXList").items().size();
-    if (stored > 0) form().exchangeChosen(static_cast<int>(any % stored));
+    if (stored > 0) form().input().exchangeChosen(static_cast<int>(any % stored));
   }
-  void closeWindow() override { form().closeAsked(); }
+  void closeWindow() override { form().input().closeAsked(); }
   void answerBoxesWith(int answer) override { boxes.answer = answer; }
   void wrong(const std::string& what) override { ADD_FAILURE() << what; }
 

@@ -144,7 +144,7 @@ TEST_F(Conversation, AnErrorCodeEndsTheActionAfterTheSameSteps) {
                                    "(enabled)", "(pointer)"));
   EXPECT_EQ(view.timer, 0);
   EXPECT_FALSE(state.busy);
-  EXPECT_EQ(form().response().Count(), 4) << "the entries are copied all the same";
+  EXPECT_EQ(form().session().response().Count(), 4) << "the entries are copied all the same";
   EXPECT_EQ(view.status[0], u"PBX-1 failed: code 61.\nno list yet");
 }
 
@@ -243,7 +243,7 @@ TEST_F(Conversation, AnAnswerWhileTheHostHearsOfTheAcceptanceFollowsItsTurn) {
     host->meanwhile[member] = [&] {
       if (trace.back() != "ShowMessage PBX ACCEPTED" && trace.back() != "TurnOnFlow") return;
       exchange().answer(0, oneFault());
-      EXPECT_EQ(form().response().Count(), 4) << "read while the server still keeps its record";
+      EXPECT_EQ(form().session().response().Count(), 4) << "read while the server still keeps its record";
       EXPECT_FALSE(tick());
     };
     pressAndTick(0);
@@ -293,9 +293,9 @@ TEST_F(Conversation, AnEntryThatCantBeReadIsEmptyAtItsPlace) {
   const auto answer = exchange().record(0, {u"a", u"b"});
   answer->broken = [](std::u16string_view member) { return member == u"FirstData"; };
   exchange().callBack(answer);
-  EXPECT_EQ(form().response().Count(), 2);
-  EXPECT_EQ(form().response().FirstData(0), u"");
-  EXPECT_EQ(form().response().CMD(1), u"LEA0");
+  EXPECT_EQ(form().session().response().Count(), 2);
+  EXPECT_EQ(form().session().response().FirstData(0), u"");
+  EXPECT_EQ(form().session().response().CMD(1), u"LEA0");
   EXPECT_EQ(view.timer, 100);
 }
 
@@ -313,7 +313,7 @@ TEST_F(Conversation, OnlyTheCommandAndItsDataAreCopied) {
   exchange().callBack(answer);
   const char16_t* const copied[cListRequest::columnCount] = {u"c", u"f", u"s", u"e", u"", u"", u"", u""};
   for (std::size_t i = 0; i < cListRequest::columnCount; ++i)
-    EXPECT_EQ(form().response().at(static_cast<cListRequest::Column>(i), 0), copied[i]) << i;
+    EXPECT_EQ(form().session().response().at(static_cast<cListRequest::Column>(i), 0), copied[i]) << i;
 }
 
 TEST_F(Conversation, TheWindowGoesByValueAndTheRecordByReference) {
@@ -377,8 +377,8 @@ TEST_F(Conversation, EntriesBeyondWholeGroupsAreNotTakenOver) {
   const auto answer = exchange().record(0, oneFault());
   answer->count = std::int32_t{32766};
   exchange().callBack(answer);
-  EXPECT_EQ(form().response().Count(), 32764);
-  EXPECT_TRUE(form().responseTruncated());
+  EXPECT_EQ(form().session().response().Count(), 32764);
+  EXPECT_TRUE(form().session().received().truncated);
 }
 
 TEST_F(Conversation, AHostThatRaisesEverywhereStopsNothing) {
@@ -515,7 +515,7 @@ TEST_F(Conversation, TheResetGoesToTheExchangeThatIsRegisteredWhenItIsPressed) {
 
 TEST_F(Conversation, ModeAndKeyBelongToRunsAlone) {
   startWithHost();
-  form().setKey(u"9");
+  form().job().setKey(u"9");
   fetch();
   pressAndTick(1);
   const Lines lines = taken();
@@ -532,7 +532,7 @@ TEST_F(Conversation, AnAnswerWhileARefusalIsShownIsIgnored) {
   pressAndTick(0);
   EXPECT_THAT(taken(), ElementsAre("(hourglass)", "Login PBX-1&", "ShowMessage PBX L1", listRequest,
                                    "ShowMessage PBX ERROR", "LogOut PBX-1& L1&", "TurnOffFlow", "(pointer)"));
-  EXPECT_EQ(form().response().Count(), 0);
+  EXPECT_EQ(form().session().response().Count(), 0);
   EXPECT_FALSE(state.busy);
   EXPECT_EQ(view.timer, 0);
 }
@@ -548,7 +548,7 @@ TEST_F(Conversation, ATextIsCutAt65536CharactersAndTheAccountSaysSo) {
                                     automation::byVal(std::u16string(length, u'x'))};
       exchange().request->invoke(column, automation::CallKind::put, put);
       exchange().callBack(answer);
-      const auto& copy = form().response();
+      const auto& copy = form().session().response();
       EXPECT_EQ(copy.CMD(3).size() + copy.FirstData(3).size() + copy.SecondData(3).size() +
                     copy.ExtraData(3).size(),
                 65'536U + (column == std::u16string_view(u"CMD") ? 0 : 4));
@@ -600,13 +600,13 @@ TEST_F(Conversation, AnAnswerOfMoreThan256MegabytesHasFailed) {
             (Lines{"ShowMessage large", "ShowCode 0", "LogOut PBX-1& L1&", "TurnOffFlow", "(enabled)",
                    "(pointer)"}));
   EXPECT_EQ(view.status[0], u"PBX-1 failed: too large.\nno list yet");
-  EXPECT_EQ(form().response().Count(), 0) << "its memory is free again";
+  EXPECT_EQ(form().session().response().Count(), 0) << "its memory is free again";
   EXPECT_EQ(view.timer, 0);
   EXPECT_FALSE(state.busy);
 
   pressAndTick(0);
   exchange().callBack(largeAnswer(511));
-  EXPECT_EQ(form().response().Count(), 511);
+  EXPECT_EQ(form().session().response().Count(), 511);
   EXPECT_EQ(view.timer, 100) << "one entry less is taken in";
 }
 
@@ -619,7 +619,7 @@ TEST_F(Conversation, AnEntryThatFoundNoRoomOnItsWayFailsTheAnswer) {
   answer->brokenWith = static_cast<std::int32_t>(0x8007000E);
   exchange().callBack(answer);
   EXPECT_EQ(view.notice, u"PBX-1: no memory");
-  EXPECT_EQ(form().response().Count(), 0);
+  EXPECT_EQ(form().session().response().Count(), 0);
   EXPECT_EQ(view.timer, 0);
   EXPECT_FALSE(state.busy);
   fetch();

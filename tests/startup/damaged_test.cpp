@@ -75,7 +75,7 @@ TEST_F(Damaged, FaultsThatOpenAndCantBeReadAreToldOnceToWhoStartsByHand) {
   startStandAlone(u"P");
   EXPECT_THAT(taken(), ElementsAre(damageBox));
   EXPECT_TRUE(view.shown);
-  EXPECT_FALSE(form().CheckLoadError()) << "the load goes on";
+  EXPECT_FALSE(form().life().CheckLoadError()) << "the load goes on";
   EXPECT_EQ(view.notice, u"database: The database file is damaged.");
 }
 

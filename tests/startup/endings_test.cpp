@@ -56,13 +56,15 @@ TEST_F(Endings, TextsAndFaultsAreClosedBeforeTheHostIsTold) {
   EXPECT_THAT(taken(), ElementsAre("(stops serving)", "(window gone)", "(texts closed)", "(faults closed)",
                                    "UnloadChild 7&"));
   EXPECT_EQ(application->LangDB, nullptr);
-  EXPECT_EQ(form().faultDatabase(), nullptr);
+  EXPECT_EQ(form().faults().faultDatabase(), nullptr);
   EXPECT_NE(application->CommonLangDB, nullptr) << "the common texts live as long as the process";
 }
 
 TEST_F(Endings, TheDecoderGoesWithTheUnload) {
   startWithHost();
-  const auto line = [&] { return form().faultDecoder(true).GetFaultMessage(u"15 MJ MP000", u"00", u""); };
+  const auto line = [&] {
+    return form().faults().faultDecoder(true).GetFaultMessage(u"15 MJ MP000", u"00", u"");
+  };
   const std::u16string before = line();
   for (auto& text : state.Messages) text += u"!";
   EXPECT_EQ(line(), before) << "its texts are read once";
@@ -240,18 +242,18 @@ TEST_F(Endings, ACancelNamesTheRequestThatWaits) {
   tick();
   registerPbx(u"PBX-2");
   taken();
-  form().closeAsked();
+  form().input().closeAsked();
   EXPECT_THAT(taken(), ElementsAre("CancelRequest PBX-1& L1&"));
   exchange().answer(5);
   taken();
-  form().closeAsked();
+  form().input().closeAsked();
   EXPECT_THAT(taken(), ElementsAre("CancelRequest PBX-1& L1&")) << "none waits: the last one";
   tick();
   exchange().loginAnswer = u"L2"s;
-  exchange().duringLogin = [&] { form().closeAsked(); };
+  exchange().duringLogin = [&] { form().input().closeAsked(); };
   tick();
   EXPECT_THAT(taken(), testing::Contains("CancelRequest PBX-1& L1&")) << "the new one has no identifier yet";
-  form().closeAsked();
+  form().input().closeAsked();
   EXPECT_THAT(taken(), ElementsAre("CancelRequest PBX-2& L2&"));
 }
 
@@ -396,7 +398,7 @@ TEST_F(Endings, ADeadHostCountsAsOneRelease) {
 TEST_F(Endings, TheTitleBarHidesInHostMode) {
   startWithHost();
   automation::put(*layer, u"Visible", true);
-  form().closeAsked();
+  form().input().closeAsked();
   EXPECT_FALSE(view.shown);
   EXPECT_TRUE(view.attached);
 }
@@ -407,7 +409,7 @@ TEST_F(Endings, TheTitleBarCancelsTheRequestOfARun) {
   tick();
   tick();
   taken();
-  form().closeAsked();
+  form().input().closeAsked();
   EXPECT_THAT(taken(), ElementsAre("CancelRequest PBX-1& L1&"));
   EXPECT_TRUE(view.attached);
 }
@@ -417,11 +419,11 @@ TEST_F(Endings, TheTitleBarCancelsNothingWithoutAnIdentifier) {
     exchange().loginAnswer = std::u16string(answer);
     startWithHost();
     runSchedule(u"3");
-    form().closeAsked();
+    form().input().closeAsked();
     tick();
     tick();  // the first run's log-in fails and the second is due
     taken();
-    form().closeAsked();
+    form().input().closeAsked();
     EXPECT_THAT(taken(), IsEmpty()) << text::toUtf8(answer);
     EXPECT_TRUE(view.attached);
     layer.reset();
@@ -441,7 +443,7 @@ TEST_F(Endings, ARequestGivenUpIsCalledCancelledInTheLog) {
   runSchedule(u"1");
   tick();
   tick();
-  form().closeAsked();
+  form().input().closeAsked();
   exchange().answer(61);
   tick();
   EXPECT_THAT(log(), testing::Contains("failed: cancelled"));
@@ -451,7 +453,7 @@ TEST_F(Endings, ARequestGivenUpIsCalledCancelledInTheLog) {
 TEST_F(Endings, TheTitleBarWhileAJobIsMadeCancelsIt) {
   startWithHost();
   createSchedule();
-  form().closeAsked();
+  form().input().closeAsked();
   EXPECT_THAT(taken(),
               ElementsAre("(stops serving)", "(window gone)", "EndCreateSchedule True&", "UnloadChild2 7&"));
 }

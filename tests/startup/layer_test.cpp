@@ -220,7 +220,7 @@ TEST_F(Layer, TheWindowsOwnObjectHasItsPublicMembersAndNoInterface) {
   const auto window = form().caller();
   EXPECT_FALSE(automation::toBoolean(automation::call(*window, u"CheckLoadError")));
   automation::put(*window, u"Key", u"12"s);
-  EXPECT_EQ(form().Key(), u"12");
+  EXPECT_EQ(form().job().Key(), u"12");
   EXPECT_THROW(automation::call(*window, u"Unload"), automation::AutomationError);
   EXPECT_TRUE(std::static_pointer_cast<automation::TableObject>(window)->table().iid.empty());
 }

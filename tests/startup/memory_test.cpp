@@ -121,8 +121,8 @@ TEST_F(MemoryRunsOut, InAnAnswerAndTheNextRequestWorks) {
       EXPECT_FALSE(state.busy);
       EXPECT_EQ(view.notice, u"EXCHANGE-1: no memory");
     } else {
-      EXPECT_EQ(form().response().Count(), 4) << "nothing that was not read is acknowledged";
-      EXPECT_EQ(form().response().FirstData(0), oneFault()[0]);
+      EXPECT_EQ(form().session().response().Count(), 4) << "nothing that was not read is acknowledged";
+      EXPECT_EQ(form().session().response().FirstData(0), oneFault()[0]);
       acknowledge();
     }
     if (HasFailure()) return;
@@ -161,7 +161,8 @@ TEST_F(MemoryRunsOut, InAnAnswerOfARunAndTheNextOneWorks) {
     EXPECT_EQ(view.timer, 100) << "the run goes on in any case";
     EXPECT_TRUE(state.busy);
     if (!metTheEnd) break;
-    if (form().response().Count() == 4 && view.notice.find(u"no memory") == view.notice.npos) acknowledge();
+    if (form().session().response().Count() == 4 && view.notice.find(u"no memory") == view.notice.npos)
+      acknowledge();
     if (HasFailure()) return;
   }
   acknowledge();

@@ -235,11 +235,11 @@ TEST_F(Schedule, NoLineOfARunFollowsItsEndMark) {
 
 TEST_F(Schedule, ARunsStepFollowsItsJobsChoiceToo) {
   startWithHost();
-  form().dispatch(5);
+  form().actions().dispatch(Action::followUp);
   EXPECT_THAT(taken(), IsEmpty()) << "nothing to end";
   runSchedule(u"3");
   taken();
-  form().dispatch(5);
+  form().actions().dispatch(Action::followUp);
   EXPECT_THAT(log(), ElementsAre("Run 1"));
   EXPECT_EQ(state.runMode, RunMode::scheduledRun);
   tick();
@@ -249,7 +249,8 @@ TEST_F(Schedule, ARunsStepFollowsItsJobsChoiceToo) {
 TEST_F(Schedule, CodesThatAreNoActionDoNothing) {
   startWithHost();
   automation::put(*layer, u"Visible", true);
-  for (const std::int16_t code : {6, 7, 8, 9, 13, 98, 101, -1}) form().dispatch(code);
+  for (const std::int16_t code : {6, 7, 8, 9, 13, 98, 101, -1})
+    form().actions().dispatch(static_cast<Action>(code));
   EXPECT_THAT(taken(), IsEmpty());
   EXPECT_TRUE(view.shown);
   EXPECT_EQ(view.timer, 0);
@@ -304,8 +305,8 @@ TEST_F(ScheduledRuns, AnAnswerThatHasComeIsWorkedOffWhateverBegins) {
   startWithHost();
   pressAndTick(0);
   exchange().answer(0, oneFault());
-  form().setKey(u"1");
-  form().RunSchedule();
+  form().job().setKey(u"1");
+  form().runs().RunSchedule();
   taken();
   tick();
   EXPECT_THAT(taken(), testing::Contains(testing::StartsWith("SendRequest EA1/00/ tag 12")));
@@ -475,13 +476,13 @@ TEST_F(ScheduledRuns, LookingUpIsDeadInARunToo) {
 TEST_F(Schedule, RunScheduleTellsBusyAndErrors) {
   startWithHost();
   pressAndTick(0);
-  form().setKey(u"9");
+  form().job().setKey(u"9");
   EXPECT_EQ(runSchedule(u"1"), 10001);
-  EXPECT_EQ(form().Key(), u"9") << "unchanged";
+  EXPECT_EQ(form().job().Key(), u"9") << "unchanged";
   exchange().answer(61);
   EXPECT_EQ(runSchedule(u"night"), 10000);
   EXPECT_EQ(runSchedule(u" 1.4 "), 0);
-  EXPECT_EQ(form().Key(), u"1") << "the decimal text of the converted number";
+  EXPECT_EQ(form().job().Key(), u"1") << "the decimal text of the converted number";
 }
 
 TEST_F(ScheduledRuns, CreationKeepsTheKeyAndTheButtons) {
@@ -493,7 +494,7 @@ TEST_F(ScheduledRuns, CreationKeepsTheKeyAndTheButtons) {
   for (const char16_t* name : {u"cmdRequest", u"cmdClose"})
     form().form().control(name).set(u"Enabled", false);
   createSchedule();
-  EXPECT_EQ(form().Key(), u"5");
+  EXPECT_EQ(form().job().Key(), u"5");
   EXPECT_EQ(state.RAction, 3);
   EXPECT_EQ(state.runMode, RunMode::creatingSchedule);
   for (const char16_t* name : {u"cmdReset", u"cmdPrint", u"cmdClear", u"cmdLookUp"})
@@ -524,7 +525,7 @@ TEST_F(Schedule, ARunTakesOverFromACreation) {
   EXPECT_EQ(runSchedule(u"1"), 0);
   createSchedule();
   EXPECT_EQ(state.runMode, RunMode::scheduledRun);
-  EXPECT_EQ(form().Key(), u"1");
+  EXPECT_EQ(form().job().Key(), u"1");
   EXPECT_THAT(taken(), ElementsAre("(hourglass)", "(pointer)")) << "and the creation is not reported";
 }
 
@@ -540,23 +541,25 @@ TEST_F(Schedule, WithoutAHostTheRunEndsInSilence) {
 TEST_F(Schedule, JobParametersComeFromTheHost) {
   startWithHost();
   host->data[u"MOVE"] = u"a,b,c";
-  EXPECT_THAT(form().GetJobParameter(host, u"MOVE"), ElementsAre(u"a", u"b", u"c"));
+  EXPECT_THAT(GetJobParameter(application->station(), host, u"MOVE"), ElementsAre(u"a", u"b", u"c"));
   host->data[u"MOVE"] = u"";
-  EXPECT_THAT(form().GetJobParameter(host, u"MOVE"), IsEmpty());
+  EXPECT_THAT(GetJobParameter(application->station(), host, u"MOVE"), IsEmpty());
   host->data[u"Other"] = u"a,b";
   host->data[u"move"] = u"a,b";
   for (const char16_t* other : {u"Other", u"move", u""})
-    EXPECT_THAT(form().GetJobParameter(host, other), IsEmpty());
-  EXPECT_THAT(form().GetJobParameter(host, u"FilePath"), ElementsAre(u"C:\\QUILMAR32\\30000\\ADDINS"));
+    EXPECT_THAT(GetJobParameter(application->station(), host, other), IsEmpty());
+  EXPECT_THAT(GetJobParameter(application->station(), host, u"FilePath"),
+              ElementsAre(u"C:\\QUILMAR32\\30000\\ADDINS"));
   files.directories.insert(u"C:\\Jobs\\");
   host->data[u"FilePath"] = u"C:\\Jobs\\Night.csv,night.CSV";
-  EXPECT_THAT(form().GetJobParameter(host, u"FilePath"), ElementsAre(u"C:\\Jobs\\", u"night.CSV"));
+  EXPECT_THAT(GetJobParameter(application->station(), host, u"FilePath"),
+              ElementsAre(u"C:\\Jobs\\", u"night.CSV"));
   host->data[u"FilePath"] = u"C:\\Gone\\Night.csv,night.csv";
-  EXPECT_THAT(form().GetJobParameter(host, u"FilePath"), IsEmpty());
+  EXPECT_THAT(GetJobParameter(application->station(), host, u"FilePath"), IsEmpty());
   host->data[u"FilePath"] = u"C:\\Jobs\\Night.txt,night.txt";
-  EXPECT_THAT(form().GetJobParameter(host, u"FilePath"), IsEmpty());
+  EXPECT_THAT(GetJobParameter(application->station(), host, u"FilePath"), IsEmpty());
   host->remove(u"GetComData");
-  EXPECT_THAT(form().GetJobParameter(host, u"MOVE"), IsEmpty());
+  EXPECT_THAT(GetJobParameter(application->station(), host, u"MOVE"), IsEmpty());
 }
 
 TEST_F(Schedule, WaitingCallsAreNotedInARunAndAskedOtherwise) {

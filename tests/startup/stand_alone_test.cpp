@@ -11,7 +11,7 @@ TEST_F(StandAlone, ANameShowsTheWindow) {
   EXPECT_EQ(started, basMain::Start::window);
   EXPECT_TRUE(state.StandAlone);
   EXPECT_TRUE(view.shown);
-  EXPECT_EQ(form().PBXName(), u"PBX-9");
+  EXPECT_EQ(form().host().PBXName(), u"PBX-9");
   EXPECT_TRUE(state.WideFaultFields);
   EXPECT_EQ(form().form().self().text(u"Caption"), u"Fault list") << "localised after the name was set";
 }
@@ -35,7 +35,7 @@ TEST_F(StandAlone, TheSettingNamesTheServer) {
   startStandAlone(u"P");
   EXPECT_THAT(creator.asked, ElementsAre("CalderinProj40002.cPBXOle"));
   EXPECT_THAT(settings.asked, testing::Contains(u"ZUL"));
-  EXPECT_FALSE(form().CheckLoadError()) << "a server that can't be created doesn't stop the load";
+  EXPECT_FALSE(form().life().CheckLoadError()) << "a server that can't be created doesn't stop the load";
 }
 
 TEST_F(StandAlone, WithoutAServerTheRequestSaysSo) {
@@ -73,7 +73,7 @@ TEST_F(StandAlone, CloseUnloadsAndEndsTheProcess) {
 
 TEST_F(StandAlone, TheTitleBarClosesAtOnce) {
   startStandAlone(u"P");
-  form().closeAsked();
+  form().input().closeAsked();
   EXPECT_TRUE(process.ended);
 }
 
@@ -101,7 +101,7 @@ TEST_F(StandAloneClosed, WhileAnAnswerIsWaitedFor) {
     trace.push_back("LogOut");
     return automation::Value{};
   });
-  form().closeAsked();
+  form().input().closeAsked();
   EXPECT_TRUE(held) << "the server is still there";
   EXPECT_THAT(ended(), ElementsAre("(stops serving)", "(window gone)", "LogOut", "(process ends)"));
   server->callBack(late);
@@ -110,7 +110,7 @@ TEST_F(StandAloneClosed, WhileAnAnswerIsWaitedFor) {
 
 TEST_F(StandAloneClosed, WhileTheLogInIsUnderWay) {
   startStandAlone(u"P");
-  server->duringLogin = [&] { form().closeAsked(); };
+  server->duringLogin = [&] { form().input().closeAsked(); };
   pressAndTick(0);
   EXPECT_THAT(ended(), ElementsAre("(stops serving)", "(window gone)", "(process ends)", "LogOut P& L1&"));
 }
@@ -118,7 +118,7 @@ TEST_F(StandAloneClosed, WhileTheLogInIsUnderWay) {
 TEST_F(StandAloneClosed, WhileARefusedLogInIsUnderWay) {
   startStandAlone(u"P");
   server->loginAnswer = std::u16string(u"BUSY");
-  server->duringLogin = [&] { form().closeAsked(); };
+  server->duringLogin = [&] { form().input().closeAsked(); };
   pressAndTick(0);
   EXPECT_THAT(ended(), ElementsAre("(stops serving)", "(window gone)", "(process ends)"));
 }
@@ -128,7 +128,7 @@ TEST_F(StandAloneClosed, WhileTheRequestIsSent) {
     creator.server = server;
     startStandAlone(u"P");
     server->sendAnswer = std::u16string(answer);
-    server->duringSend = [&] { form().closeAsked(); };
+    server->duringSend = [&] { form().input().closeAsked(); };
     pressAndTick(0);
     EXPECT_THAT(ended(), ElementsAre("(stops serving)", "(window gone)", "(process ends)", "LogOut P& L1&"));
     server->answer(0, oneFault());
@@ -147,7 +147,7 @@ TEST_F(StandAloneClosed, WhileTheAnswerIsRead) {
     pressAndTick(0);
     const auto answer = server->record(0, oneFault());
     answer->broken = [&](std::u16string_view asked) {
-      if (asked == member) form().closeAsked();
+      if (asked == member) form().input().closeAsked();
       return false;
     };
     server->callBack(answer);
@@ -163,7 +163,7 @@ TEST_F(StandAloneClosed, BetweenRequestsLogsNothingOut) {
   pressAndTick(0);
   server->answer(61);
   taken();
-  form().closeAsked();
+  form().input().closeAsked();
   EXPECT_THAT(ended(), ElementsAre("(stops serving)", "(window gone)", "(process ends)"));
 }
 
@@ -176,7 +176,7 @@ TEST_F(StandAlone, WithoutTheFaultDatabaseTheProcessEnds) {
 
 TEST_F(StandAlone, F1OpensNothingHere) {
   startStandAlone(u"P");
-  form().keyPressed(112);
+  form().input().keyPressed(112);
   EXPECT_THAT(taken(), IsEmpty());
 }
 

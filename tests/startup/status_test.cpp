@@ -70,12 +70,12 @@ TEST_F(Status, AnotherExchangeChosenIsToldUntilAListCame) {
   storeEarlier(u"PBX-1", u"2026-11-20 21:14:05"_v);
   storeEarlier(u"PBX-2", u"2026-11-19 08:00:00"_v);
   startWithHost();
-  form().exchangeChosen(1);
+  form().input().exchangeChosen(1);
   EXPECT_EQ(status(), "PBX-2: stored 19.11.2026 08:00:00");
   fetch(oneFault());
   exchange().answerLamps(u"00");
   tick();
-  form().exchangeChosen(1);
+  form().input().exchangeChosen(1);
   EXPECT_THAT(status(), HasSubstr("1 received, 1 new")) << "of the exchange it names";
 }
 
@@ -147,7 +147,7 @@ TEST_F(Status, AFailedIngestionStaysInTheEmptyGrid) {
   EXPECT_EQ(view.notice, u"PBX-1 not whole: database: disk full");
   EXPECT_EQ(view.noticeKind, NoticeKind::failure);
   EXPECT_THAT(status(), HasSubstr("incomplete: 1 received, 0 new, 0 stored, 1 refused"));
-  form().headingClicked(1);
+  form().input().headingClicked(1);
   EXPECT_EQ(view.notice, u"PBX-1 not whole: database: disk full") << "the grid is as empty as before";
 }
 

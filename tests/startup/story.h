@@ -199,12 +199,12 @@ class Story : public testing::Test {
   }
   dlgFaultDisplay& form() { return application->form(); }
   fakes::MemoryExchange& exchange() { return *host->exchange; }
-  void press(int action) { form().buttonPressed(action); }
+  void press(int action) { form().input().buttonPressed(action); }
   // The timer's time has come, if it runs.
   bool tick() {
     if (view.timer == 0) return false;
     view.timer = 0;
-    form().tick();
+    form().input().tick();
     return true;
   }
   void pressAndTick(int action) {

@@ -67,14 +67,14 @@ TEST_F(Window, AnotherExchangeIsChosenOnlyBetweenRequests) {
   std::vector<std::u16string> changes;
   list.listen([&](window::Control&, std::u16string_view property) { changes.emplace_back(property); });
   press(0);
-  form().exchangeChosen(1 - shown);
+  form().input().exchangeChosen(1 - shown);
   EXPECT_EQ(list.listIndex(), shown);
   tick();
-  form().exchangeChosen(1 - shown);
+  form().input().exchangeChosen(1 - shown);
   EXPECT_EQ(list.listIndex(), shown);
   EXPECT_EQ(changes, (std::vector<std::u16string>{u"ListIndex", u"ListIndex"})) << "the view puts it back";
   exchange().answer(61);
-  form().exchangeChosen(1 - shown);
+  form().input().exchangeChosen(1 - shown);
   EXPECT_EQ(list.listIndex(), 1 - shown);
 }
 
@@ -101,13 +101,13 @@ TEST_F(Window, AnUnknownActionDoesNothingAndLeavesTheTimerOff) {
 TEST_F(Window, ACodeWithoutAnActionDoesNothingAndLeavesTheTimerOff) {
   startWithHost();
   for (const std::int16_t code : {6, 7, 9, 13, -1, 98, 101}) {
-    form().actionFollows(code);
+    form().timer().enable(static_cast<Action>(code));
     EXPECT_EQ(view.timer, 100) << code;
     EXPECT_TRUE(tick());
     EXPECT_THAT(taken(), IsEmpty()) << code;
     EXPECT_FALSE(state.busy) << code;
     EXPECT_FALSE(tick()) << code;
-    form().tick();
+    form().input().tick();
     EXPECT_TRUE(view.attached) << code;
   }
 }
@@ -121,10 +121,10 @@ TEST_F(Window, TheFirstClickOnAHeadingOrdersAsTheLoadSaid) {
   tick();
   const std::pair<int, bool> first[] = {{0, false}, {1, false}, {2, true}, {3, false}, {4, false}};
   for (const auto& [column, descending] : first) {
-    form().headingClicked(column);
+    form().input().headingClicked(column);
     EXPECT_EQ(view.sortColumn, column);
     EXPECT_EQ(view.sortDescending, descending) << column;
-    form().headingClicked(column);
+    form().input().headingClicked(column);
     EXPECT_EQ(view.sortDescending, !descending) << column;
   }
 }
@@ -141,7 +141,7 @@ TEST_F(Window, ATickInsideACallWaitsUntilItHasReturned) {
   };
   pressAndTick(0);
   exchange().duringSend = nullptr;
-  EXPECT_EQ(form().view().visible(), false);
+  EXPECT_EQ(view.visible(), false);
   tick();
   EXPECT_THAT(text::toUtf8(view.status[0]), testing::HasSubstr("1 received"));
 }
@@ -150,7 +150,7 @@ TEST_F(Window, EachEnablingYieldsOneTick) {
   startWithHost();
   pressAndTick(0);
   taken();
-  form().tick();
+  form().input().tick();
   EXPECT_THAT(taken(), IsEmpty()) << "a stale tick";
 }
 
@@ -169,21 +169,21 @@ TEST_F(Window, TheEmptyGridSaysWhatToDoAgainAfterAWait) {
 
 TEST_F(Window, F1AsksTheHostForHelp) {
   startWithHost();
-  form().keyPressed(112);
-  form().keyPressed(113);
+  form().input().keyPressed(112);
+  form().input().keyPressed(113);
   EXPECT_THAT(taken(), ElementsAre("DisplayHelp VORDANE.HLP&"));
 }
 
 TEST_F(Window, TheRightButtonOffersWhatsThis) {
   startWithHost();
-  view.duringMenu = [&] { form().whatsThisChosen(); };
+  view.duringMenu = [&] { form().input().whatsThisChosen(); };
   for (const char16_t* name : {u"lblListups", u"lblMJ", u"lblMN", u"lblTimetag", u"txtTimeTag"}) {
-    form().mousePressed(form().form().control(name), 2);
+    form().input().mousePressed(form().form().control(name), 2);
     EXPECT_THAT(taken(), ElementsAre("(menu mnuWhatsThis)", "(help " + text::toUtf8(name) + ": M224)"));
-    form().mousePressed(form().form().control(name), 1);
+    form().input().mousePressed(form().form().control(name), 1);
   }
-  form().mousePressed(form().form().control(u"cmdPrint"), 2);
-  form().whatsThisChosen();
+  form().input().mousePressed(form().form().control(u"cmdPrint"), 2);
+  form().input().whatsThisChosen();
   EXPECT_THAT(taken(), IsEmpty()) << "the target is forgotten";
 }
 
@@ -222,7 +222,7 @@ TEST_F(Window, ALoaderThatStopsIsNamedInTheStatusLineAndTheLoadGoesOn) {
   badControl = true;
   makeLanguage();
   startWithHost();
-  EXPECT_FALSE(form().CheckLoadError());
+  EXPECT_FALSE(form().life().CheckLoadError());
   EXPECT_EQ(view.status[0], u"incomplete: tControls");
 }
 

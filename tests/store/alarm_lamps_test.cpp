@@ -35,7 +35,7 @@ TEST_F(LampsTest, AreStoredFromTheTwoDigits) {
       {u"10", "MJ--"}, {u"01", "--MN"}, {u"11", "MJMN"}, {u"00", "----"}, {u"92", "MJMN"}, {u" 10 ", "MJ--"}};
   for (const auto& [text, expected] : cases) {
     answerLamps(text);
-    store.UpDateAlarm();
+    store.UpDateAlarm(form.received());
     EXPECT_EQ(lamps(), expected);
   }
   EXPECT_EQ(form.trace, Lines{});
@@ -47,7 +47,7 @@ TEST_F(LampsTest, TakeNothingButTwoDigits) {
        {u"", u"1", u"1A", u"A1", u"111", u"+1", u"-1", u"1.", u".1", u"1 1", u"\uFF11\uFF10"}) {
     answerLamps(text);
     form.takeTrace();
-    store.UpDateAlarm();
+    store.UpDateAlarm(form.received());
     EXPECT_EQ(form.trace, Lines{"Box 102"});
     EXPECT_EQ(lamps(), "MJ--");
   }
@@ -56,14 +56,14 @@ TEST_F(LampsTest, TakeNothingButTwoDigits) {
 
 TEST_F(LampsTest, AnAnswerWithoutEntriesIsNoLampState) {
   addExchange(u"PBX-1", u"2020-01-01 00:00:00");
-  store.UpDateAlarm();
+  store.UpDateAlarm(form.received());
   EXPECT_EQ(form.trace, Lines{"Box 102"});
 }
 
 TEST_F(LampsTest, OfAnExchangeWithoutARowAreNotStored) {
   addExchange(u"PBX-2", u"2020-01-01 00:00:00");
   answerLamps(u"11");
-  store.UpDateAlarm();
+  store.UpDateAlarm(form.received());
   EXPECT_EQ(form.trace, Lines{});
   EXPECT_EQ(lamps(), "no row");
   EXPECT_EQ(lamps(u"PBX-2"), "----");
@@ -74,7 +74,7 @@ TEST_F(LampsTest, BelongToTheExchangeOfTheRequest) {
   addExchange(u"PBX-2", u"2020-01-01 00:00:00");
   form.exchange = u"PBX-2";
   answerLamps(u"11");
-  store.UpDateAlarm();
+  store.UpDateAlarm(form.received());
   EXPECT_EQ(lamps(u"PBX-1"), "----");
   EXPECT_EQ(lamps(u"PBX-2"), "MJMN");
 }
@@ -82,14 +82,14 @@ TEST_F(LampsTest, BelongToTheExchangeOfTheRequest) {
 TEST_F(LampsTest, GoOffAfterAConfirmedClear) {
   addExchange(u"PBX-1", u"2020-01-01 00:00:00", true, true);
   answerClear({u"OK", u"ok"});
-  store.ClearAlarm();
+  store.ClearAlarm(form.received());
   EXPECT_EQ(form.trace, Lines{"Box 108"});
   EXPECT_EQ(lamps(), "----");
 }
 
 TEST_F(LampsTest, AnEmptyClearAnswerPasses) {
   addExchange(u"PBX-1", u"2020-01-01 00:00:00", true, true);
-  store.ClearAlarm();
+  store.ClearAlarm(form.received());
   EXPECT_EQ(form.trace, Lines{"Box 108"});
   EXPECT_EQ(lamps(), "----");
 }
@@ -97,22 +97,22 @@ TEST_F(LampsTest, AnEmptyClearAnswerPasses) {
 TEST_F(LampsTest, StayAfterARefusedClear) {
   addExchange(u"PBX-1", u"2020-01-01 00:00:00", true, true);
   answerClear({u"OK", u"DATA ERROR"});
-  store.ClearAlarm();
+  store.ClearAlarm(form.received());
   EXPECT_EQ(form.trace, Lines{"Box 102"});
   EXPECT_EQ(lamps(), "MJMN");
   answerClear({u""});
-  store.ClearAlarm();
+  store.ClearAlarm(form.received());
   EXPECT_EQ(lamps(), "MJMN");
 }
 
 TEST_F(LampsTest, AConfirmationIsComparedAsItCame) {
   addExchange(u"PBX-1", u"2020-01-01 00:00:00", true, true);
   answerClear({u" OK"});
-  EXPECT_FALSE(store.ClearAlarm());
+  EXPECT_FALSE(store.ClearAlarm(form.received()));
   EXPECT_EQ(form.takeTrace(), Lines{"Box 102"});
   EXPECT_EQ(lamps(), "MJMN");
   answerClear({u"OK "});
-  EXPECT_TRUE(store.ClearAlarm());
+  EXPECT_TRUE(store.ClearAlarm(form.received()));
   EXPECT_EQ(form.takeTrace(), Lines{"Box 108"});
 }
 
@@ -120,14 +120,14 @@ TEST_F(LampsTest, TheNewsOfAClearComesBeforeTheStoredStateChanges) {
   addExchange(u"PBX-1", u"2020-01-01 00:00:00", true, true);
   std::string during;
   form.meanwhile = [&](const std::string&) { during = lamps(); };
-  store.ClearAlarm();
+  store.ClearAlarm(form.received());
   EXPECT_EQ(during, "MJMN");
 }
 
 TEST_F(LampsTest, StayWhenTheFormWentAwayBehindTheNews) {
   addExchange(u"PBX-1", u"2020-01-01 00:00:00", true, true);
   form.meanwhile = [&](const std::string&) { form.living = false; };
-  store.ClearAlarm();
+  store.ClearAlarm(form.received());
   EXPECT_EQ(lamps(), "MJMN");
 }
 
@@ -137,20 +137,20 @@ TEST_F(LampsTest, AnErrorOfTheDatabaseShowsItsText) {
     if (step == u"update") throw database::DatabaseError(3027, u"can't be written");
   };
   answerLamps(u"11");
-  store.UpDateAlarm();
+  store.UpDateAlarm(form.received());
   EXPECT_EQ(form.takeTrace(), Lines{"Box 102 can't be written"});
   answerClear({u"OK"});
-  store.ClearAlarm();
+  store.ClearAlarm(form.received());
   EXPECT_EQ(form.takeTrace(), (Lines{"Box 108", "Box 102 can't be written"}));
 }
 
 TEST_F(LampsTest, WithoutADatabaseReportOnce) {
   auto kept = std::move(form.database);
   answerLamps(u"1");
-  store.UpDateAlarm();
+  store.UpDateAlarm(form.received());
   store.DisplayAlarm();
   EXPECT_EQ(form.takeTrace(), (Lines{"ShowMessage not open", "ShowCode 3024"}));
-  store.ClearAlarm();
+  store.ClearAlarm(form.received());
   store.DisplayAlarm();
   EXPECT_EQ(form.takeTrace(), (Lines{"ShowMessage not open", "ShowCode 3024"}));
   form.database = std::move(kept);
@@ -238,7 +238,7 @@ TEST_F(LampsTest, GoOutWithTheLastExchange) {
 
 TEST_F(LampsTest, OfANewExchangeAreOff) {
   form.receive(u"01 MJ MP", u"2026/11/20 20:58");
-  store.IngestFaultList();
+  form.ingest(store);
   EXPECT_EQ(lamps(), "----");
   EXPECT_FALSE(form.memoryView.majorLit);
 }

@@ -10,7 +10,7 @@ using Texts = std::vector<std::u16string>;
 
 class IngestionTest : public StoreTest {
  protected:
-  void ingest() { store.IngestFaultList(); }
+  void ingest() { form.ingest(store); }
 };
 
 TEST_F(IngestionTest, StoresEachFaultOfAGroupOfFour) {
@@ -66,7 +66,7 @@ TEST_F(IngestionTest, TheExchangeThatIsStoredAlreadyBecomesTheForms) {
   const auto mine = addExchange(u"PBX-1", u"2020-01-01 00:00:00");
   ASSERT_EQ(store.exchangeId(), 0);
   form.receive(u"01 MJ MP", u"2026/11/20 20:58", u"02");
-  store.IngestFaultList();
+  form.ingest(store);
   EXPECT_EQ(store.exchangeId(), mine);
   EXPECT_EQ(stored(u"ID"), Texts{u"2"});
   EXPECT_EQ(store.datPBXList().RecordSource(), u"SELECT * FROM PBXList WHERE PBXName = 'PBX-1' AND ID = 2");

@@ -18,7 +18,7 @@ class ReportTest : public StoreTest {
       form.trace.emplace_back("PrintReport");
       return answer;
     });
-    form.host = host;
+    form.hostObject = host;
   }
   std::u16string argument(std::size_t position) { return automation::toText(passed.at(position).value); }
   // Formulas 1 to 6, without the fifth argument.
@@ -89,7 +89,7 @@ TEST_F(ReportTest, AHostThatFailsIsATrappedError) {
 }
 
 TEST_F(ReportTest, WithoutAHostTheUserIsToldSo) {
-  form.host = nullptr;
+  form.hostObject = nullptr;
   form.shared.StandAlone = true;
   store.PrintFaultReport();
   EXPECT_EQ(form.trace, Lines{"Box 900"});
@@ -246,7 +246,7 @@ TEST_F(DeletionTest, NeverUsesANumberAgain) {
   store.DeleteExchange();
   form.exchange = u"PBX-3";
   form.receive(u"01 MJ MP", u"2026/11/20 20:58");
-  store.IngestFaultList();
+  form.ingest(store);
   EXPECT_EQ(store.exchangeId(), 3);
   EXPECT_EQ(form.memoryView.rows->row(0)->count, 3);
 }

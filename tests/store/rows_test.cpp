@@ -9,7 +9,7 @@ using Pairs = std::vector<std::pair<std::size_t, std::size_t>>;
 class RowsTest : public StoreTest {
  protected:
   void ingest() {
-    store.IngestFaultList();
+    form.ingest(store);
     form.takeTrace();
   }
   Pairs provenance(std::size_t position) {

@@ -106,7 +106,7 @@ class StoreTest : public testing::Test {
   FaultFile file;
   fakes::MemoryStoreForm form;
   fakes::WatchedDatabase* database = nullptr;
-  FaultStore store{form};
+  FaultStore store{form, form.around()};
 };
 
 }  // namespace vordane::store

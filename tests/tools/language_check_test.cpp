@@ -35,7 +35,7 @@ TEST_F(LanguageCheck, AMissingNumberIsFound) {
 }
 
 TEST_F(LanguageCheck, ANumberBeyondTheLastAndADoubleAreFound) {
-  const std::string beyond = std::to_string(message::count);
+  const std::string beyond = std::to_string(messageCount);
   texts.append("messages.tsv", beyond + "\tone too many");
   expectOnly("there is no message " + beyond);
   texts.replace("messages.tsv", beyond + "\tone too many", "9\tagain");
@@ -81,8 +81,9 @@ TEST_F(LanguageCheck, UnknownMissingAndDoubleControlsAreFound) {
   texts.replace("controls.tsv", "cmdNothing\tx", "lblMJ\tx");
   expectOnly("lblMJ stands twice");
   texts.replace("controls.tsv", "lblMJ\tx\t-1\t9\t\n", "");
-  texts.replace("controls.tsv", "cboFK58\t", "cboFK49\t");
-  EXPECT_THAT(check(texts), ElementsAre(HasSubstr("cboFK49 stands twice"), HasSubstr("cboFK58 is missing")));
+  texts.replace("controls.tsv", "imgDetail\t", "imgHeader\t");
+  EXPECT_THAT(check(texts),
+              ElementsAre(HasSubstr("imgHeader stands twice"), HasSubstr("imgDetail is missing")));
 }
 
 TEST_F(LanguageCheck, TextsForPropertiesThatATypeLacksAreFound) {

@@ -4,9 +4,11 @@
 #include <iterator>
 
 #include "background_pictures.h"
+#include "faults/kind_lists.h"
 #include "language/comLanguage.h"
 #include "language/form_controls.h"
 #include "language/message_numbers.h"
+#include "language_check.h"
 #include "language_folder.h"
 #include "lines.h"
 #include "places.h"
@@ -45,7 +47,7 @@ TEST_P(Suite, ItsLanguageLoadsWhole) {
     form.add(std::u16string(control.name), -1, std::u16string(control.typeName), properties);
   }
   for (const KindList& list : kindLists)
-    form.add(std::u16string(list.name), -1, u"ComboBox", window::designedProperties(u"ComboBox"));
+    form.add(std::u16string(list.name()), -1, u"ComboBox", window::designedProperties(u"ComboBox"));
 
   EXPECT_TRUE(comLanguage::LocaliseForm(form, *language));
   EXPECT_TRUE(comLanguage::LocaliseControls(form, *language));
@@ -55,11 +57,11 @@ TEST_P(Suite, ItsLanguageLoadsWhole) {
   EXPECT_TRUE(comLanguage::LoadProjectTexts(u"VORDANE", *language, project));
   std::vector<std::u16string> messages;
   EXPECT_TRUE(comLanguage::LoadTextArray(messages, u"tMessages", *language));
-  EXPECT_EQ(messages.size(), message::count);
+  EXPECT_EQ(static_cast<std::int32_t>(messages.size()), messageCount);
   EXPECT_FALSE(messages[message::noHelpText].empty());
   EXPECT_GE(comLanguage::LoadHelpTexts(form, *language).size(), 5U);
   for (const KindList& list : kindLists) {
-    const auto items = static_cast<int>(form.control(list.name).items().size());
+    const auto items = static_cast<int>(form.control(list.name()).items().size());
     EXPECT_TRUE(list.atLeast ? items >= list.items : items == list.items);
   }
 }

@@ -35,7 +35,8 @@ if [ -z "${VORDANE_OWN_NAMESPACES:-}" ]; then
   mkdir -p "$cache/layer"
   unshare --mount --pid --net --ipc true 2>/dev/null || unavailable "namespaces need root here"
   export VORDANE_OWN_NAMESPACES=1
-  exec unshare --mount --pid --fork --kill-child --mount-proc --net --ipc "$0" "$judge" "$@"
+  # Whoever has called this may be killed: then it ends too, and the namespaces with it.
+  exec setpriv --pdeathsig KILL unshare --mount --pid --fork --kill-child --mount-proc --net --ipc "$0" "$judge" "$@"
 fi
 
 layer="$root$cache/layer"

@@ -47,7 +47,7 @@ struct Parts {
 
   void showHelp(std::u16string_view file) {
     const auto document = application.helpDocument(file);
-    if (!document || !windows::openDocument(*document)) application.form().showBox(box::helpNotFound, file);
+    if (!document || !windows::openDocument(*document)) application.showBox(box::helpNotFound, file);
   }
 };
 

@@ -48,11 +48,11 @@ TEST(DaoAcrossProcesses, AFaultListIsStoredOnce) {
   DaoServer server;
   fakes::MemoryStoreForm form;
   form.database = server.engine().open(server.make(database::Layout::faults), false);
-  store::FaultStore store(form);
+  store::FaultStore store(form, form.around());
   store.SetSortFlags();
   form.receive(u"01 MJ MP   ", u"2026/11/20 20:58", u"01 00", u"");
   form.receive(u"0A MN AB 0C", u"06/11/27 10:15", u"0C", u"0D");
-  for (int round = 0; round < 2; ++round) store.IngestFaultList();
+  for (int round = 0; round < 2; ++round) form.ingest(store);
   EXPECT_EQ(form.takeTrace(),
             (std::vector<std::string>{"Account 2=2+0+0", "Acknowledge", "Account 2=0+2+0",
                                       "ShowMessage nothing new", "Box 104", "Acknowledge"}));

@@ -7,6 +7,8 @@
 
 #include <string_view>
 
+#include "platform/action.h"
+
 namespace vordane::window::win32 {
 
 inline constexpr wchar_t windowClassName[] = L"VordaneWindow";
@@ -65,10 +67,11 @@ inline constexpr Child children[] = {
 // The action a button stands for; the look-up button has none, since it only moves in the shown faults.
 struct ButtonAction {
   Id id;
-  int action;
+  Action action;
 };
 inline constexpr ButtonAction buttonActions[] = {
-    {idRequest, 0}, {idReset, 1}, {idPrint, 2}, {idClear, 3}, {idClose, 4},
+    {idRequest, Action::request}, {idReset, Action::reset}, {idPrint, Action::print},
+    {idClear, Action::clear},     {idClose, Action::close},
 };
 
 inline constexpr std::u16string_view gridName = u"grdDisplayFault";

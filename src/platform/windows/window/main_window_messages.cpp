@@ -175,7 +175,7 @@ LRESULT MainWindow::command(int id, int code) {
 void MainWindow::buttonClicked(int id) {
   if (id == idLookUp) return openLookUp();
   for (const ButtonAction& button : buttonActions)
-    if (button.id == id) return events_->buttonPressed(button.action);
+    if (button.id == id) return events_->buttonPressed(static_cast<int>(button.action));
 }
 
 // While the list is open the arrow keys only move in it; the entry is chosen when the list closes.

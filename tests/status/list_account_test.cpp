@@ -1,10 +1,10 @@
-#include "store/list_account.h"
+#include "status/list_account.h"
 
 #include <gtest/gtest.h>
 
 #include "fakes/memory_store_form.h"
 
-namespace vordane::store {
+namespace vordane::status {
 namespace {
 
 class AccountTest : public testing::Test {
@@ -55,4 +55,4 @@ TEST_F(AccountTest, SaysWhyItIsIncomplete) {
 }
 
 }  // namespace
-}  // namespace vordane::store
+}  // namespace vordane::status

@@ -1,9 +1,9 @@
-#include "store/list_account.h"
+#include "status/list_account.h"
 
 #include "language/message_numbers.h"
 #include "text/numbers.h"
 
-namespace vordane::store {
+namespace vordane::status {
 namespace {
 
 // Behind the account's own words, empty when they say enough.
@@ -53,4 +53,4 @@ std::u16string runLogText(const SharedState& state, const ListAccount& account) 
                               text::decimal(account.alreadyStored), text::decimal(account.refused())}));
 }
 
-}  // namespace vordane::store
+}  // namespace vordane::status

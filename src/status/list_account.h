@@ -6,7 +6,7 @@
 
 #include "settings/shared_state.h"
 
-namespace vordane::store {
+namespace vordane::status {
 
 enum class ListEnd {
   complete,       // the end mark, or the end of a whole last group
@@ -37,4 +37,4 @@ std::u16string reasonText(const SharedState& state, const ListAccount& account);
 std::u16string statusText(const SharedState& state, const ListAccount& account);
 std::u16string runLogText(const SharedState& state, const ListAccount& account);
 
-}  // namespace vordane::store
+}  // namespace vordane::status

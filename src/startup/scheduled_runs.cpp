@@ -1,0 +1,96 @@
+#include "startup/scheduled_runs.h"
+
+#include "language/message_numbers.h"
+#include "startup/form_model.h"
+#include "startup/window_end.h"
+#include "startup/window_parts.h"
+#include "text/numbers.h"
+
+namespace vordane::startup {
+
+void ScheduledRuns::CreateSchedule() {
+  const WindowLife::Entry entry(parts_.life);
+  if (!parts_.alive() || parts_.state().runMode == RunMode::scheduledRun) return;
+  parts_.timer.dropPress();
+  parts_.job.beginCreation();
+  parts_.state().runMode = RunMode::creatingSchedule;
+  parts_.store.showButtonStates();
+  for (const Action action : {Action::request, Action::close})
+    parts_.form.control(buttonOfAction(action)).set(u"Enabled", true);
+  status::showConversation(parts_.view(), parts_.status);
+}
+
+// Only the run itself presses a button, in code; a person sees that none of them does anything.
+void ScheduledRuns::showButtonsDead() {
+  for (const Action action : {Action::request, Action::close})
+    parts_.form.control(buttonOfAction(action)).set(u"Enabled", false);
+  parts_.store.showButtonStates();
+}
+
+std::int16_t ScheduledRuns::RunSchedule() {
+  const WindowLife::Entry entry(parts_.life);
+  if (!parts_.alive()) return 0;
+  comSchedule::LoadScheduleOptions(parts_.application.runLog(), parts_.job.Key());
+  parts_.state().schedule.RunState = ScheduledJob::stateRunning;
+  parts_.job.beginRun();
+  parts_.state().runMode = RunMode::scheduledRun;
+  parts_.state().busy = true;
+  showButtonsDead();
+  // An answer that has come is worked off first; its end takes the run's first step.
+  if (!parts_.timer.answerWaits()) parts_.timer.enable(Action::runStep);
+  return 0;
+}
+
+std::int16_t ScheduledRuns::CancelSchedule() {
+  const WindowLife::Entry entry(parts_.life);
+  if (!parts_.alive()) return 0;
+  parts_.job.cancel();
+  if (parts_.state().runMode == RunMode::scheduledRun)
+    comSchedule::WriteRunLine(parts_.application.runLog(), parts_.text(message::runCancelled));
+  QueryCancelRun();  // a run's pending request is given up; that it "may not close" is not heeded here
+  if (parts_.alive()) parts_.end.Unload();
+  return 0;
+}
+
+bool ScheduledRuns::QueryCancelRun() {
+  const WindowLife::Entry entry(parts_.life);
+  if (parts_.state().runMode != RunMode::scheduledRun) return true;
+  parts_.session.CancelRequest();
+  return false;
+}
+
+void ScheduledRuns::step() {
+  const ScheduleState& options = parts_.state().schedule;
+  if (parts_.job.nextIteration(options)) {
+    const std::int32_t iteration = parts_.job.iteration();
+    if (options.ScheduleCount > 1)
+      comSchedule::WriteRunLine(parts_.application.runLog(),
+                                parts_.text(message::runNumber) + u" " + text::decimal(iteration));
+    parts_.state().runMode = RunMode::scheduledRun;
+    parts_.status.runs(iteration, options.ScheduleCount);
+    status::showConversation(parts_.view(), parts_.status);
+    comSchedule::WaitSeconds(parts_.application.station().clock, options.ScheduleWait);
+    if (startJob()) return;
+  }
+  parts_.end.Ending();
+}
+
+bool ScheduledRuns::startJob() {
+  comSchedule::Environment& log = parts_.application.runLog();
+  switch (parts_.job.start(parts_.state().schedule, !parts_.host.PBXName().empty())) {
+    case ScheduledJob::Start::otherKind:
+      comSchedule::WriteRunLine(log, parts_.text(message::runOtherKind));
+      parts_.timer.enable(Action::runStep);
+      return true;
+    case ScheduledJob::Start::noExchange:
+      comSchedule::WriteRunLine(
+          log, fillText(parts_.text(message::runListFailed), {parts_.text(message::reasonNoExchange)}));
+      return false;
+    case ScheduledJob::Start::request:
+      parts_.timer.enable(Action::request);  // the run's own press
+      return true;
+  }
+  return false;
+}
+
+}  // namespace vordane::startup

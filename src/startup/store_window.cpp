@@ -1,0 +1,68 @@
+#include "startup/store_window.h"
+
+#include <utility>
+
+#include "faults/kind_lists.h"
+#include "language/comDatabase.h"
+#include "startup/window_end.h"
+
+namespace vordane::startup {
+
+using automation::byVal;
+
+void StoreWindow::open() {
+  if (!application_.LangDB) return;
+  comDatabase::OpenLanguageDatabase(application_.station().engine,
+                                    application_.installPath(u"Database") + u"FAULT.MDB", database_, false);
+  status_.databaseOpened(database_ && database_->isOnNetwork());
+}
+
+void StoreWindow::closeDatabase() {
+  status_.databaseClosed();
+  closeLater(life_, database_);
+}
+
+void StoreWindow::close() {
+  attempt([&] { closeDatabase(); });
+  attempt([&] { life_.retire(std::shared_ptr<cFaultDisplay>(std::move(decoder_))); });
+}
+
+const cFaultDisplay& StoreWindow::faultDecoder(bool wideFaultFields) {
+  wide_ = wideFaultFields;
+  if (decoder_) return *decoder_;
+  texts_.setMessages(application_.state().Messages);
+  for (const KindList& list : kindLists) {
+    std::vector<std::u16string> items;
+    for (const auto& item : form_.control(list.name()).items()) items.push_back(item.text);
+    texts_.setList(list.kind, std::move(items));
+  }
+  decoder_ = std::make_unique<cFaultDisplay>(texts_, wide_);
+  return *decoder_;
+}
+
+void StoreWindow::hostMessage(std::u16string_view text) {
+  host_.call(u"ShowMessage", {byVal(std::u16string(text))});
+}
+
+void StoreWindow::hostCode(std::int32_t code) {
+  host_.call(u"ShowCode", {byVal(code)});
+}
+
+int StoreWindow::showBox(std::int16_t number, std::u16string_view substitution) {
+  return application_.showBox(number, substitution);
+}
+
+void StoreWindow::listTaken(const status::ListAccount& account) {
+  status_.listTaken(account);
+  status::showLine(application_.station().view, status_);
+  if (application_.state().runMode == RunMode::scheduledRun)
+    comSchedule::WriteRunLine(application_.runLog(), status::runLogText(application_.state(), account));
+}
+
+void StoreWindow::deletionGivenUp() {
+  platform::Clock& clock = application_.station().clock;
+  status_.deletionGivenUp(clock.regional(clock.now()));
+  status::showLine(application_.station().view, status_);
+}
+
+}  // namespace vordane::startup

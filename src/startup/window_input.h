@@ -1,0 +1,34 @@
+// What a person does in the window. A press counts only between requests; work runs from the timer. One
+// thread.
+#pragma once
+
+#include "platform/view.h"
+#include "startup/window_help.h"
+
+namespace vordane::startup {
+
+struct WindowParts;
+
+class WindowInput final : public window::ViewEvents {
+ public:
+  WindowInput(const WindowParts& parts, WindowHelp& help) : parts_(parts), help_(help) {}
+
+  void buttonPressed(int action) override;
+  void headingClicked(int column) override;
+  void exchangeChosen(int listIndex) override;
+  void closeAsked() override;
+  void keyPressed(int keyCode) override;
+  void mousePressed(window::Control& control, int button) override;
+  void whatsThisChosen() override;
+  std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from,
+                                    window::LookUpWay way) override;
+  void tick() override;
+
+ private:
+  bool pressCounts(int action);
+
+  const WindowParts& parts_;
+  WindowHelp& help_;
+};
+
+}  // namespace vordane::startup
