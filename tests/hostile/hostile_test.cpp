@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <iostream>
 
-#include "hostile/peers.h"
+#include "hostile/attack.h"
 #include "startup/story.h"
 
 namespace vordane::hostile {
@@ -27,7 +27,7 @@ struct Seen {
   bool operator==(const Seen&) const = default;
 };
 
-class Hostile : public startup::Story {
+class Hostile : public startup::Story, public Scene {
  protected:
   // --- the process
   void startProcess() {
@@ -44,9 +44,10 @@ class Hostile : public startup::Story {
   }
   void endProcess() {
     layer = nullptr;
-    keepLayers(0);
+    if (attack) attack->keepLayers(0);
     EXPECT_TRUE(process.ended) << "the last release does not end the process";
     application.reset();
+    attack.reset();
     plots.clear();
   }
 
@@ -96,180 +97,39 @@ class Hostile : public startup::Story {
   }
 
   // --- the ones that do not
-  // Whatever a layer's member or the window does for somebody outside may fail as a call, and in no other
-  // way.
-  void attempt(const std::function<void()>& step) {
-    try {
-      step();
-    } catch (const AutomationError&) {
-    }
-  }
-  // A release may lead to others that are made or let go of meanwhile.
-  void keepLayers(std::size_t count) {
-    if (layers.size() <= count) return;
-    std::vector<ObjectRef> gone(std::make_move_iterator(layers.begin() + static_cast<std::ptrdiff_t>(count)),
-                                std::make_move_iterator(layers.end()));
-    layers.resize(count);
-  }
-  ObjectRef someLayer() {
-    Whims& whims = plots.back()->whims;
-    if (layers.empty() || whims.once(30)) layers.push_back(createLayer());
-    return layers[whims.below(layers.size())];
-  }
-  void callLayer() {
-    Whims& whims = plots.back()->whims;
-    const ObjectRef held = someLayer();
-    switch (whims.below(8)) {
-      case 0:
-      case 1:
-        return attempt([&] {
-          automation::call(
-              *held, u"RegisterPBX",
-              {byVal(whims.once(3) ? whims.text() : u"EVIL"),
-               byVal(whims.once(6) ? plots.back()->anyObject() : evilHost), byVal(std::int16_t{3})});
-        });
-      case 2:
-        return attempt([&] { automation::put(*held, u"Visible", whims.value()); });
-      case 3:
-        return attempt([&] { automation::get(*held, u"Visible"); });
-      case 4:
-        return attempt([&] { automation::call(*held, u"SetBackGround", {byVal(whims.value())}); });
-      case 5:
-        if (!whims.once(8)) return;
-        return attempt([&] {
-          automation::call(*held, u"CreateSchedule", {byVal(whims.number()), byVal(std::int16_t{1})});
-        });
-      case 6: {
-        if (!whims.once(8)) return;
-        const auto answer = automation::toInteger(automation::call(
-            *held, u"RunSchedule",
-            {byVal(whims.once(3) ? whims.text()
-                                 : text::decimal(static_cast<std::int64_t>(1 + whims.below(9))))}));
-        EXPECT_TRUE(answer == 0 || answer == 10001 || answer == 10000) << answer;
-        return;
-      }
-      case 7:
-        if (!whims.once(12)) return;
-        EXPECT_EQ(automation::toInteger(automation::call(*held, u"CancelSchedule")), 0);
-    }
-  }
-  void callWindow() {
-    Conspiracy& plot = *plots.back();
-    Whims& whims = plot.whims;
-    if (!plot.caller) return;
-    const ObjectRef window = plot.caller;
-    const auto call = [&](std::u16string_view member, automation::Value value) {
-      attempt([&] { automation::call(*window, member, {byVal(std::move(value))}); });
-    };
-    switch (whims.below(9)) {
-      case 0:
-        return attempt([&] { automation::put(*window, u"PBXName", whims.knownText()); });
-      case 1:
-        return attempt(
-            [&] { automation::put(*window, u"Parent", whims.once(2) ? evilHost : plot.anyObject()); });
-      case 2:
-        return attempt([&] { automation::put(*window, u"Key", whims.value()); });
-      case 3:
-        return attempt([&] { automation::call(*window, u"FrmPositionSave"); });
-      case 4:
-        return call(u"ShowWhatsThis", whims.oneOf<std::u16string>({u"lblMJ", u"grdDisplayFault", u"", u"x"}));
-      case 5:
-        return call(u"CallBack", whims.value());
-      case 6:
-        return call(u"FrmMove", whims.once(2) ? automation::Value(plot.anyObject()) : whims.value());
-      default:
-        return callBack();
-    }
-  }
-  // The server never hears of an error of ours.
-  static void answer(automation::Object& window, const ObjectRef& record) {
-    EXPECT_NO_THROW(automation::call(window, u"CallBack", {byVal(record)}));
-  }
-  void callBack() {
-    Conspiracy& plot = *plots.back();
-    if (!plot.caller) return;
-    const ObjectRef window = plot.caller;
-    const ObjectRef record = plot.whims.once(5) ? plot.anyObject() : plot.makeRecord();
-    if (plot.whims.once(10)) plot.late.push_back(record);
-    const bool twice = plot.whims.once(5);
-    answer(*window, record);
-    if (twice) answer(*window, record);
-  }
-  void chooseExchange() {
+  ObjectRef createLayer() override { return Story::createLayer(); }
+  bool over() override { return process.ended; }
+  bool tick() override { return Story::tick(); }
+  void die() override { plots.back()->dead = true; }
+  void press(int action) override { form().input().buttonPressed(action); }
+  void pressKey(int code) override { form().input().keyPressed(code); }
+  void clickHeading(int column) override { form().input().headingClicked(column); }
+  void chooseExchange(std::uint64_t any) override {
     const std::size_t stored = form().form().control(u"drpPBXList").items().size();
-    if (stored > 0) form().input().exchangeChosen(static_cast<int>(plots.back()->whims.below(stored)));
+    if (stored > 0) form().input().exchangeChosen(static_cast<int>(any % stored));
   }
-  void person() {
-    Whims& whims = plots.back()->whims;
-    switch (whims.below(8)) {
-      case 0:
-        return form().input().keyPressed(112);
-      case 1:
-        return form().input().headingClicked(static_cast<int>(whims.below(6)));
-      case 2:
-        return chooseExchange();
-      case 3:
-        if (whims.once(4)) form().input().closeAsked();
-        return;
-      case 4:
-        boxes.answer = whims.oneOf({1, 2, 4, 6, 7, 0});
-        return;
-      default:
-        form().input().buttonPressed(whims.once(2) ? 0 : static_cast<int>(whims.below(6)));
-    }
-  }
-  // One thing that comes from outside; `inside` a call it may also be the end.
-  void outside(bool inside) {
-    Conspiracy& plot = *plots.back();
-    Whims& whims = plot.whims;
-    switch (whims.below(10)) {
-      case 0:
-      case 1:
-      case 2:
-        return callLayer();
-      case 3:
-      case 4:
-        return callWindow();
-      case 5:
-        return callBack();
-      case 6:
-        if (!inside || !whims.once(20)) return person();
-        plot.dead = whims.once(2);
-        keepLayers(0);  // the last release, or the death of whoever held them
-        return;
-      default:
-        if (!inside || whims.once(4)) person();
-        tick();
-    }
-  }
+  void closeWindow() override { form().input().closeAsked(); }
+  void answerBoxesWith(int answer) override { boxes.answer = answer; }
+  void wrong(const std::string& what) override { ADD_FAILURE() << what; }
 
   void hostileRound(std::uint64_t seed) {
     plots.push_back(std::make_unique<Conspiracy>(seed, calls));
-    Conspiracy& plot = *plots.back();
-    plot.meddle = [this] {
-      if (!process.ended) outside(true);
-    };
-    boxes.meanwhile = [this] {
-      if (plots.back()->whims.once(8) && !process.ended) outside(true);
-    };
-    evilHost = plot.makePeer();
-    layers.push_back(createLayer());
-    attempt([&] {
-      automation::call(*layers.front(), u"RegisterPBX",
-                       {byVal(std::u16string(u"EVIL")), byVal(evilHost), byVal(std::int16_t{3})});
-    });
-    for (int step = 0; step < 40 && !process.ended; ++step) outside(false);
+    auto next = std::make_unique<Attack>(*plots.back(), *this);
+    if (attack) next->layers = std::move(attack->layers);
+    attack = std::move(next);
+    boxes.meanwhile = [this] { attack->whileABoxStands(); };
+    attack->begin();
+    for (int step = 0; step < 40 && !process.ended; ++step) attack->step();
     boxes.meanwhile = nullptr;
     boxes.answer = 1;
-    plot.meddle = nullptr;
+    attack->rest();
     trace.clear();
   }
 
   // As far as ticks lead, and answers to what still waits for one.
   void settle() {
-    Conspiracy& plot = *plots.back();
     for (int i = 0; i < 50 && !process.ended && !idle(); ++i)
-      if (!tick() && plot.caller) answer(*plot.caller, plot.makeRecord());
+      if (!tick()) attack->answer();
   }
 
   bool idle() {
@@ -279,9 +139,8 @@ class Hostile : public startup::Story {
 
   std::uint64_t calls = 0;
   Seen reference;
-  ObjectRef evilHost;
-  std::vector<ObjectRef> layers;
   std::vector<std::unique_ptr<Conspiracy>> plots;
+  std::unique_ptr<Attack> attack;
   std::shared_ptr<fakes::MemoryHost> right;
 };
 
@@ -313,15 +172,15 @@ TEST_F(Hostile, WhateverPeersAnswerTheNextOneThatBehavesFindsAllAsEver) {
       expectAsEver("in the same process");
       ++inTheSameProcess;
       // Answers that come long after: nobody waits for them.
-      for (const ObjectRef& record : std::exchange(plots.back()->late, {})) answer(*form().caller(), record);
-      if (seed % 4 != 0 && layers.size() < 20 && idle()) {
-        keepLayers(1);  // the process goes on
+      attack->answerLate(*form().caller());
+      if (seed % 4 != 0 && attack->layers.size() < 20 && idle()) {
+        attack->keepLayers(1);  // the process goes on
         continue;
       }
     } else if (!process.ended && form().alive() && state.runMode == RunMode::interactive) {
       ADD_FAILURE() << "it still waits, though everything was answered";
-    } else if (!process.ended && seed % 2 == 0 && !layers.empty()) {
-      automation::call(*layers.front(), u"CancelSchedule");
+    } else if (!process.ended && seed % 2 == 0 && !attack->layers.empty()) {
+      automation::call(*attack->layers.front(), u"CancelSchedule");
     }
     endProcess();
     startProcess();

@@ -15,25 +15,19 @@ constexpr std::int32_t serverGone = static_cast<std::int32_t>(0x800706BA);
 
 }  // namespace
 
-std::string signOf(std::u16string_view member) {
-  constexpr std::pair<std::u16string_view, char> signs[] = {
-      {u"Login", 'L'},    {u"ShowMessage", 'm'}, {u"SendRequest", 'S'}, {u"TurnOnFlow", '+'},
-      {u"ShowCode", 'c'}, {u"LogOut", 'O'},      {u"TurnOffFlow", '-'},
-  };
-  for (const auto& [name, sign] : signs)
-    if (name == member) return {1, sign};
-  return {};
-}
-
 std::shared_ptr<Peer> Conspiracy::makePeer() {
   return std::make_shared<Peer>(*this);
 }
 
-ObjectRef Conspiracy::makeRecord() {
+ObjectRef Conspiracy::lend(const std::shared_ptr<Peer>& peer) {
+  return faceOf ? faceOf(peer) : peer;
+}
+
+std::shared_ptr<Peer> Conspiracy::makeRecord() {
   const auto record = makePeer();
   record->count = whims.once(3) ? whims.number() : static_cast<std::int32_t>(4 * whims.below(3));
   // A long answer is a long wait: few of them, and only their beginning is hostile.
-  if (record->count > 100 && !(longAnswers && whims.once(40))) record->count = 7;
+  if (record->count > 100 && !(longAnswers && whims.once(40))) record->count = others;
   record->errCode = whims.once(3) ? whims.number() : 0;
   record->tag = whims.once(4) ? whims.text() : whims.oneOf<const char16_t*>({u"10", u"11", u"12"});
   record->loginId = whims.once(4) ? whims.text() : u"L1";
@@ -50,16 +44,16 @@ ObjectRef Conspiracy::anyObject() {
     case 2:
       return sent.empty() ? nullptr : sent[whims.below(sent.size())];
     case 3:
-      return makeRecord();
+      return lend(makeRecord());
     default:
-      return makePeer();
+      return lend(makePeer());
   }
 }
 
 Value Conspiracy::answer(const std::function<Value()>& good, std::span<Argument> arguments) {
-  if (honest) return good();
   ++calls_;
   if (dead) throw AutomationError(serverGone);
+  if (linger && whims.once(30)) linger();
   if (whims.once(6) && meddle && depth_ < deepestMeddling) {
     ++depth_;
     meddle();
@@ -82,12 +76,11 @@ Value Conspiracy::answer(const std::function<Value()>& good, std::span<Argument>
 }
 
 bool Peer::hasMember(std::u16string_view) const {
-  return conspiracy_.honest || !conspiracy_.whims.once(50);
+  return !conspiracy_.whims.once(50);
 }
 
 Value Peer::invoke(std::u16string_view member, automation::CallKind kind, std::span<Argument> arguments) {
   const bool put = automation::isPut(kind);
-  if (conspiracy_.honest) conspiracy_.told += signOf(member);
   constexpr int hostileReads = 400;
   if (++reads_ > hostileReads && count > 100) return entry(member);
   return conspiracy_.answer([&]() -> Value { return put ? Value() : good(member, arguments); }, arguments);
@@ -99,16 +92,15 @@ Value Peer::good(std::u16string_view member, std::span<Argument> arguments) {
     const auto* given = arguments.size() > i ? std::get_if<ObjectRef>(&arguments[i].value) : nullptr;
     return given == nullptr ? ObjectRef{} : *given;
   };
-  if (member == u"oPBX" && conspiracy_.server) return conspiracy_.server;
-  if (member == u"oPBX") return ObjectRef(pbx_ ? pbx_ : pbx_ = conspiracy_.makePeer());
-  if (member == u"oZUL") return ObjectRef(access_ ? access_ : access_ = conspiracy_.makePeer());
+  if (member == u"oPBX" && conspiracy_.server) return conspiracy_.server();
+  if (member == u"oPBX") return conspiracy_.lend(pbx_ ? pbx_ : pbx_ = conspiracy_.makePeer());
+  if (member == u"oZUL") return conspiracy_.lend(access_ ? access_ : access_ = conspiracy_.makePeer());
   if (member == u"Login") {
     if (const ObjectRef lent = object(1)) conspiracy_.caller = lent;
     return std::u16string(u"L1");
   }
   if (member == u"SendRequest") {
     if (const ObjectRef lent = object(0)) conspiracy_.sent.push_back(lent);
-    if (conspiracy_.accepted) conspiracy_.accepted(object(0));
     return std::u16string(u"ACCEPTED");
   }
   if (member == u"getsysinfo") return static_cast<std::int16_t>(conspiracy_.whims.below(16));
@@ -119,17 +111,7 @@ Value Peer::good(std::u16string_view member, std::span<Argument> arguments) {
   if (member == u"Tag") return tag;
   if (member == u"LoginID") return loginId;
   if (member == u"Message") return message;
-  return conspiracy_.honest ? honestEntry(member, arguments) : entry(member);
-}
-
-// One fault, and as an alarm state the major lamp.
-Value Peer::honestEntry(std::u16string_view member, std::span<Argument> arguments) const {
-  constexpr const char16_t* fault[] = {u"15 MJ MP000", u"26/11/20 10:15", u"00", u""};
-  if (member == u"CMD") return std::u16string(u"LEA0");
-  if (member == u"SecondData") return std::u16string(u"10");
-  if (member == u"FirstData" && !arguments.empty())
-    return std::u16string(fault[automation::toLong(arguments[0].value) % 4]);
-  return std::u16string{};
+  return entry(member);
 }
 
 Value Peer::entry(std::u16string_view member) {

@@ -28,32 +28,35 @@ class Conspiracy {
   automation::ObjectRef anyObject();
   std::shared_ptr<Peer> makePeer();
   // An answered record: mostly a good one with one thing wrong.
-  automation::ObjectRef makeRecord();
+  std::shared_ptr<Peer> makeRecord();
+
+  // A peer as it is handed to the add-in: itself, or its face towards another process.
+  automation::ObjectRef lend(const std::shared_ptr<Peer>& peer);
 
   // Runs something against the add-in from inside a call.
   std::function<void()> meddle;
-  // Is told of each request that was accepted.
-  std::function<void(const automation::ObjectRef& request)> accepted;
+  // Lets a call take its time; null: they all return at once.
+  std::function<void()> linger;
+  // Makes the face of a peer; null: there is no process between.
+  std::function<automation::ObjectRef(const std::shared_ptr<Peer>&)> faceOf;
+  // The exchange server that hosts lend; null: one of these peers.
+  std::function<automation::ObjectRef()> server;
 
-  bool honest = false;      // nothing is wrong with these peers
-  bool longAnswers = true;  // there may be some of all the entries that can be counted
+  bool longAnswers = true;      // there may be some of all the entries that can be counted
+  std::int32_t others = 7;      // entries of the others that count too many
+  bool mortal = true;           // this program may die in a call
+  std::size_t oneDeathIn = 20;  // calls in which something happens that leave could be taken in
 
   Whims whims;
   bool dead = false;                        // the peers' process is gone
   automation::ObjectRef caller;             // the window, as Login lent it
   std::vector<automation::ObjectRef> sent;  // the add-in's own request records
   std::vector<automation::ObjectRef> late;  // answers for later
-  automation::ObjectRef server;             // the exchange server that hosts lend; null: one of these peers
-  std::string told;  // to honest peers, a sign for each call of a conversation (signOf)
 
  private:
   std::uint64_t& calls_;
   int depth_ = 0;
 };
-
-// L Login, m ShowMessage, S SendRequest, + TurnOnFlow, c ShowCode, O LogOut, - TurnOffFlow; nothing for
-// others.
-std::string signOf(std::u16string_view member);
 
 // Any of them: it has every member that hosts, accesses, exchange servers and records have.
 class Peer : public automation::Object {
@@ -70,7 +73,6 @@ class Peer : public automation::Object {
  private:
   automation::Value good(std::u16string_view member, std::span<automation::Argument> arguments);
   automation::Value entry(std::u16string_view member);
-  automation::Value honestEntry(std::u16string_view member, std::span<automation::Argument> arguments) const;
   Conspiracy& conspiracy_;
   int reads_ = 0;
   std::shared_ptr<Peer> pbx_, access_;

@@ -55,6 +55,7 @@ HWND Eye::frame() const {
 HWND Eye::control(std::wstring_view name) const {
   const HWND shown = frame();
   if (shown == nullptr) return nullptr;
+  if (name == L"account") return GetDlgItem(shown, window::win32::idAccount);
   const auto* child = std::find_if(std::begin(children), std::end(children),
                                    [&](const Child& entry) { return isNamed(entry, name); });
   return child == std::end(children) ? nullptr : GetDlgItem(shown, child->id);

@@ -18,7 +18,8 @@ class Eye {
 
   // Each null when there is none that can be seen.
   HWND frame() const;                          // the fault display's window
-  HWND control(std::wstring_view name) const;  // of that window, by its name in the form
+  // Of that window, by its name in the form; "account" is the text at the left of the status line.
+  HWND control(std::wstring_view name) const;
   HWND heading() const;                        // the grid's headings
   HWND box() const;                            // a message box
   HWND menu() const;                           // a pop-up menu

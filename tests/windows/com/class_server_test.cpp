@@ -82,6 +82,20 @@ TEST_F(Registered, ACreationThatFailedDoesNotKeepTheProcess) {
   EXPECT_TRUE(endsWithin(process, 10000));
 }
 
+// As when a host's creation finds that it can't be registered.
+TEST_F(Registered, AProcessThatEndsInACreationLeavesNoClassBehind) {
+  {
+    const com::Handle ends = newEvent(L"VordaneProbeEndsAtOnce");
+    EXPECT_THROW(createProbe(), automation::AutomationError);
+  }
+  ObjectRef probe;
+  EXPECT_NO_THROW(probe = createProbe()) << "the class of the dead process is still offered";
+  ASSERT_TRUE(probe);
+  const DWORD process = processOf(probe);
+  probe = nullptr;
+  EXPECT_TRUE(endsWithin(process, 10000));
+}
+
 TEST_F(Registered, AFactoryHeldThroughTheEndingCreatesInANewProcess) {
   com::ComPtr<IClassFactory> factory = factoryOf(probeTable());
   ASSERT_TRUE(factory);

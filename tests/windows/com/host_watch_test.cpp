@@ -1,6 +1,10 @@
 // Hosts that hang, die or are watched no longer: none of them holds up the add-in or another host.
+#include "platform/windows/com/host_watch.h"
+
+#include <atomic>
 #include <thread>
 
+#include "platform/windows/com/counted.h"
 #include "registered.h"
 
 namespace vordane::test {
@@ -123,6 +127,103 @@ TEST_F(AcrossProcesses, AWatchThatEndsAtOnceLetsTheHostGo) {
       automation::call(*probe, u"Watch", {byVal(watched)});
   EXPECT_TRUE(com::serveMessagesUntil([&] { return host.use_count() == 1; }, 10000))
       << "somebody still holds the host";
+}
+
+// ---- the watch itself, with hosts whose calls the test holds in its hand: they go from thread to thread as
+// they are, so that a probe runs on the watch's own thread
+
+class HeldHost final : public com::Counted<IDispatch> {
+ public:
+  HeldHost() { CoCreateFreeThreadedMarshaler(static_cast<IDispatch*>(this), marshaler_.put()); }
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
+    return iid == IID_IMarshal ? marshaler_->QueryInterface(iid, out) : Counted::QueryInterface(iid, out);
+  }
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override {
+    if (dead) return RPC_E_DISCONNECTED;
+    SetEvent(asked.get());
+    WaitForSingleObject(answer.get(), INFINITE);
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+    return E_NOTIMPL;
+  }
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
+                                   UINT*) override {
+    return E_NOTIMPL;
+  }
+
+  std::atomic<bool> dead = false;
+  com::Handle asked{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+  com::Handle answer{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+
+ private:
+  com::ComPtr<IUnknown> marshaler_;
+};
+
+class HeldProbe : public testing::Test {
+ protected:
+  static constexpr UINT died = WM_APP + 77;
+
+  // Lets the probe go when somebody has waited for it far too long.
+  HeldProbe()
+      : rescuer_([this] {
+          rescued_ = WaitForSingleObject(over_.get(), 20000) != WAIT_OBJECT_0;
+          SetEvent(hanging->answer.get());
+        }) {}
+  ~HeldProbe() override {
+    finish();
+    DestroyWindow(window_);
+  }
+  bool hadToBeRescued() {
+    finish();
+    return rescued_;
+  }
+  void waitForTheProbe() {
+    EXPECT_TRUE(com::serveMessagesUntil(
+        [&] { return WaitForSingleObject(hanging->asked.get(), 0) == WAIT_OBJECT_0; }, 15000));
+  }
+
+  HWND window_ = CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+  com::ComPtr<HeldHost> hanging{new HeldHost}, other{new HeldHost};
+  std::shared_ptr<Host> layer = std::make_shared<Host>(), second = std::make_shared<Host>();
+  com::HostWatch watch{window_, died};
+
+ private:
+  void finish() {
+    SetEvent(over_.get());
+    if (rescuer_.joinable()) rescuer_.join();
+  }
+  bool rescued_ = false;
+  com::Handle over_{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+  std::thread rescuer_;
+};
+
+TEST_F(HeldProbe, HoldsUpNeitherAnotherWatchNorItsOwnEnd) {
+  SetEvent(other->answer.get());
+  watch.watch(layer.get(), com::importObject(hanging.get()));
+  waitForTheProbe();
+  watch.watch(second.get(), com::importObject(other.get()));
+  watch.forget(second.get());
+  watch.watch(second.get(), com::importObject(other.get()));
+  watch.forget(layer.get());
+  EXPECT_FALSE(hadToBeRescued()) << "somebody waited for a call to a host";
+}
+
+TEST_F(HeldProbe, HidesNobodysDeath) {
+  watch.watch(layer.get(), com::importObject(hanging.get()));
+  waitForTheProbe();
+  other->dead = true;
+  watch.watch(second.get(), com::importObject(other.get()));
+  // Nothing else is served, or the news would go to the window.
+  const automation::Object* told = nullptr;
+  for (const ULONGLONG end = GetTickCount64() + 15000; told == nullptr && GetTickCount64() < end; Sleep(20)) {
+    MSG message;
+    if (PeekMessageW(&message, window_, died, died, PM_REMOVE)) told = watch.takeDead(message.wParam);
+  }
+  EXPECT_EQ(told, second.get());
+  EXPECT_FALSE(hadToBeRescued());
 }
 
 }  // namespace

@@ -26,6 +26,7 @@ class Foreign : public IDispatch {
     std::vector<DISPID> named;
   };
   std::map<std::wstring, DISPID> names{{L"oPBX", 1}, {L"Login", 2}, {L"Key", 3}};
+  std::function<void()> whenAsked;  // for a name
   std::function<HRESULT(DISPPARAMS&, WORD, VARIANT*, EXCEPINFO*)> manners;
   std::vector<Call> calls;
   int questions = 0;
@@ -47,6 +48,7 @@ class Foreign : public IDispatch {
   HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* asked, UINT, LCID, DISPID* ids) override {
     ++questions;
+    if (whenAsked) whenAsked();
     const auto found = names.find(asked[0]);  // particular about case, as scripts are
     *ids = found == names.end() ? DISPID_UNKNOWN : found->second;
     return found == names.end() ? DISP_E_UNKNOWNNAME : S_OK;
@@ -234,6 +236,47 @@ TEST_F(Imported, ValuesOfEveryTypeComeIn) {
   given.vt = VT_UNKNOWN;
   given.punkVal = &foreign;
   EXPECT_EQ(automation::toObject(answer()), object);
+}
+
+// What a call brings about may be that everybody lets go of the object.
+TEST(ImportedAndLetGo, AnObjectIsThereUntilItsCallHasReturned) {
+  Foreign foreign;
+  automation::ObjectRef object = com::importObject(&foreign);
+  const std::weak_ptr<automation::Object> watched = object;
+  int seen = 0;
+  const auto letGo = [&] {
+    object = nullptr;
+    EXPECT_FALSE(watched.expired()) << "it goes in the middle of its call";
+    ++seen;
+  };
+  foreign.whenAsked = letGo;
+  automation::call(*object, u"Login");
+  EXPECT_TRUE(watched.expired());
+  EXPECT_EQ(foreign.references, 0U);
+
+  object = com::importObject(&foreign);
+  const std::weak_ptr<automation::Object> second = object;
+  foreign.whenAsked = nullptr;
+  foreign.manners = [&](DISPPARAMS&, WORD, VARIANT*, EXCEPINFO*) {
+    object = nullptr;
+    EXPECT_FALSE(second.expired()) << "it goes in the middle of its call";
+    ++seen;
+    return S_OK;
+  };
+  automation::call(*object, u"Login");
+  EXPECT_TRUE(second.expired());
+
+  object = com::importObject(&foreign);
+  const std::weak_ptr<automation::Object> third = object;
+  foreign.whenAsked = [&] {
+    object = nullptr;
+    EXPECT_FALSE(third.expired()) << "it goes while it is asked for a name";
+    ++seen;
+  };
+  EXPECT_TRUE(object->hasMember(u"Key"));
+  EXPECT_TRUE(third.expired());
+  EXPECT_EQ(foreign.references, 0U);
+  EXPECT_EQ(seen, 3);
 }
 
 }  // namespace

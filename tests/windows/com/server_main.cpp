@@ -22,6 +22,8 @@ class Layers {
   explicit Layers(com::ClassServer& server) : server_(server) {}
 
   automation::ObjectRef create() {
+    const com::Handle ends(OpenEventW(SYNCHRONIZE, FALSE, L"VordaneProbeEndsAtOnce"));
+    if (ends) server_.endAtOnce();
     makeAsTold();
     ++count_;
     auto probe = std::make_shared<Probe>(&server_, nullptr);

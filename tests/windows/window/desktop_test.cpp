@@ -8,6 +8,7 @@
 #include "platform/windows/window/fonts.h"
 #include "platform/windows/window/geometry.h"
 #include "platform/windows/window/theme.h"
+#include "windows/window/counted_call.h"
 #include "windows/window/pictures.h"
 #include "windows/window/second_process.h"
 #include "windows/window/view_fixture.h"
@@ -85,6 +86,16 @@ TEST_F(DesktopTest, shownIsOnTopAndInTheForegroundAlsoWhenItWasShownBefore) {
   for (HWND next = view->window(); next != nullptr; next = GetWindow(next, GW_HWNDNEXT))
     below |= next == other;
   EXPECT_TRUE(below);
+}
+
+TEST_F(DesktopTest, eachTimeItIsShownItAsksForTheForegroundAndHiddenItDoesNot) {
+  const testing::ForegroundCalls asked;
+  view->setVisible(true);
+  EXPECT_EQ(asked.calls(), 1);
+  view->setVisible(true);
+  EXPECT_EQ(asked.calls(), 2);
+  view->setVisible(false);
+  EXPECT_EQ(asked.calls(), 2);
 }
 
 // Without a window manager the system below takes the maximising back when it next speaks: nothing is served

@@ -110,6 +110,7 @@ DISPID ImportedObject::numberOf(std::u16string_view member) const {
 }
 
 bool ImportedObject::hasMember(std::u16string_view member) const {
+  const auto alive = shared_from_this();
   try {
     numberOf(member);
     return true;
@@ -141,8 +142,7 @@ automation::Value ImportedObject::invokeEitherWay(DISPID id, WORD flags,
 
 automation::Value ImportedObject::invoke(std::u16string_view member, CallKind kind,
                                          std::span<automation::Argument> arguments) {
-  // The object may be let go of by what the call brings about.
-  const ComPtr<IDispatch> alive = dispatch_;
+  const auto alive = shared_from_this();
   const DISPID id = numberOf(member);
   try {
     return invokeEitherWay(id, static_cast<WORD>(kind), arguments);

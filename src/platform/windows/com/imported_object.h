@@ -1,6 +1,7 @@
 // Another program's object, called by name through its IDispatch.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <unordered_map>
 
@@ -9,7 +10,9 @@
 
 namespace vordane::com {
 
-class ImportedObject final : public automation::Object {
+// Lives in a shared pointer: a call may bring about that everybody lets go of it, and it is there until the
+// call has returned.
+class ImportedObject final : public automation::Object, public std::enable_shared_from_this<ImportedObject> {
  public:
   // Holds one reference to each.
   ImportedObject(ComPtr<IDispatch> dispatch, ComPtr<IUnknown> identity);

@@ -1,0 +1,406 @@
+// Hostile programs between processes: a host and an exchange server that misbehave (EvilHost.exe,
+// EvilExchange.exe) against the real add-in, round after round; after each of them a host that behaves must
+// find everything as ever, in the same process where it goes on, else in the next one. In the second half one
+// process goes through all rounds: it must be there at the end, with no more handles and memory.
+//
+//   director SUITE CALLS [SEED]   in an installed suite (its version directory); ends when the add-in has
+//   made
+//                                 that many calls
+//
+// Ends with 1 and a line that begins with FAILED when something is not as it should be.
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+
+#include "desk.h"
+#include "platform/windows/com/apartment.h"
+#include "program.h"
+#include "right_host.h"
+#include "stored.h"
+#include "text/utf8.h"
+#include "watcher.h"
+#include "windows/rounds/measuring.h"
+
+namespace vordane::hostile {
+namespace {
+
+using automation::AutomationError;
+using automation::byVal;
+using automation::ObjectRef;
+
+const std::wstring addIn = L"VORDANE.EXE";
+constexpr int endsInTime = 40000;  // milliseconds; a dead host is noticed after some seconds
+constexpr int restsInTime = 90000;
+constexpr std::int32_t stepsOfARound = 200, stepsByHand = 40;
+
+void require(bool good, const std::string& otherwise) {
+  if (!good) throw std::runtime_error(otherwise);
+}
+
+// One of the two hostile programs, started when it is needed.
+class Evil {
+ public:
+  Evil(Role role, const wchar_t* program) : role_(role), program_(program) {}
+
+  // False when it died in the middle, as it may.
+  bool order(std::u16string_view member, std::initializer_list<automation::Argument> given = {}) {
+    take();
+    try {
+      automation::call(*object_, member, given);
+      keepCalls();
+      return true;
+    } catch (const AutomationError& failure) {
+      died(member, failure);
+      return false;
+    }
+  }
+  bool alive() const { return object_ != nullptr; }
+  bool madeAJob() {
+    if (!object_) return madeAJob_;
+    try {
+      madeAJob_ = automation::toBoolean(automation::get(*object_, u"MadeAJob"));
+    } catch (const AutomationError& failure) {
+      died(u"MadeAJob", failure);
+    }
+    return madeAJob_;
+  }
+  std::int64_t calls() const { return calls_; }
+  int deaths() const { return deaths_; }
+  void end() {
+    if (object_) order(u"End");
+    object_ = nullptr;
+    if (process_) test::endsWithin(process_.get(), 3000);
+    endAll();
+  }
+
+ private:
+  void endAll() {
+    for (const DWORD id : test::processesOf(program_)) {
+      const com::Handle left(OpenProcess(SYNCHRONIZE | PROCESS_TERMINATE, FALSE, id));
+      if (left && TerminateProcess(left.get(), 0)) WaitForSingleObject(left.get(), 5000);
+    }
+  }
+  void take() {
+    if (object_) return;
+    endAll();  // an exchange server that others created in place of a dead one
+    object_ = createPatiently(directorsTable(role_).progId);
+    const auto running = test::processesOf(program_);
+    require(running.size() == 1, std::to_string(running.size()) + " hostile programs of one kind");
+    process_ = test::openProcess(running.front());
+    counted_ = 0;
+    madeAJob_ = false;
+  }
+  void keepCalls() {
+    const auto now = automation::toLong(automation::get(*object_, u"Calls"));
+    calls_ += now - std::exchange(counted_, now);
+    const std::u16string problem = automation::toText(automation::get(*object_, u"Problem"));
+    require(problem.empty(), text::toUtf8(problem));
+  }
+  // It may be gone, by its own hand or the watcher's; anything else is a failure.
+  void died(std::u16string_view member, const AutomationError& failure) {
+    DWORD code = 0;
+    const bool ended = process_ && test::endsWithin(process_.get(), 5000);
+    GetExitCodeProcess(process_.get(), &code);
+    require(ended && (code == diedInACall || code == killedWhileItHung),
+            text::toUtf8(member) + " of a hostile program failed: " + failure.what() +
+                ", it ended: " + std::to_string(ended) + " with " + std::to_string(code));
+    object_ = nullptr;
+    ++deaths_;
+  }
+
+  Role role_;
+  const wchar_t* program_;
+  ObjectRef object_;
+  com::Handle process_;
+  std::int64_t calls_ = 0;
+  std::int32_t counted_ = 0;
+  int deaths_ = 0;
+  bool madeAJob_ = false;
+};
+
+struct Seen {
+  Lines calls, boxes, rows;
+  bool operator==(const Seen&) const = default;
+};
+
+void print(const char* what, const Lines& lines) {
+  std::printf("%s\n", what);
+  for (const std::string& line : lines) std::printf("  %s\n", line.c_str());
+}
+
+class Director {
+ public:
+  Director(std::u16string suite, std::int64_t wanted, std::int32_t seed)
+      : suite_(std::move(suite)), wanted_(wanted), seed_(seed) {}
+
+  void run() {
+    look();
+    while (calls() < wanted_ / 2) wildRound();
+    lasting();
+    for (Evil* evil : {&host_, &exchange_}) evil->end();
+    std::printf(
+        "%lld calls in %d rounds, %d of them by hand, and %d add-ins; %d times it went on in the same "
+        "process; hosts died %d times, exchange servers %d times, %d of them killed while they hung\n",
+        static_cast<long long>(calls()), rounds_, byHand_, watcher_.addIns(), sameProcess_, host_.deaths(),
+        exchange_.deaths(), watcher_.killed());
+  }
+
+ private:
+  std::int64_t calls() const { return host_.calls() + exchange_.calls(); }
+
+  // --- what is always so
+  void checkEnds() {
+    const auto bad = watcher_.takeBadEnds();
+    require(bad.empty(), "an add-in ended with code " + std::to_string(bad.empty() ? 0 : bad.front()));
+  }
+  // Everybody has let go.
+  void expectGone() {
+    require(right_.waitUntil([] { return test::processesOf(addIn).empty(); }, endsInTime),
+            "a process stays after its last release");
+    checkEnds();
+  }
+  DWORD onlyAddIn() {
+    require(right_.waitUntil([] { return test::processesOf(addIn).size() == 1; }, endsInTime),
+            std::to_string(test::processesOf(addIn).size()) + " add-ins run");
+    return test::processesOf(addIn).front();
+  }
+
+  // --- the host that behaves
+  Seen converse() {
+    watcher_.takeBoxes();
+    Seen seen{right_.converse(), {}, {}};
+    for (const std::wstring& box : watcher_.takeBoxes())
+      seen.boxes.push_back(text::toUtf8(com::fromWide(box)));
+    seen.rows = storedFaults(suite_ + u"\\ADDINS\\DATABASE\\FAULT.MDB", u"RIGHT");
+    return seen;
+  }
+  // The first time shows what it is.
+  void look() {
+    require(right_.take(), "the add-in could not load its window");
+    converse();
+    reference_ = {expectedCalls(), {"Fault Display: The exchange has no new faults."}, expectedRows()};
+    expect(converse(), "at first");
+    end();
+  }
+  // The first conversation may meet what the hostile ones stored, deleted or pressed.
+  void expectAsEver(const char* where) {
+    converse();
+    expect(converse(), where);
+  }
+  void expect(const Seen& now, const char* where) {
+    if (now == reference_) return;
+    print("expected calls:", reference_.calls);
+    print("calls:", now.calls);
+    print("boxes:", now.boxes);
+    print("expected rows:", reference_.rows);
+    print("rows:", now.rows);
+    require(false, std::string("a host that behaves sees something else ") + where);
+  }
+  void letGo() {
+    for (Evil* evil : {&host_, &exchange_})
+      if (evil->alive()) evil->order(u"LetGo");
+  }
+  void end() {
+    right_.release();
+    letGo();
+    expectGone();
+  }
+
+  // --- rounds
+  void begin() {
+    std::printf("round %d, seed %d\n", rounds_, seed_);
+    std::fflush(stdout);
+    ++rounds_;
+    ++seed_;
+  }
+  void attack(bool endings) {
+    exchange_.order(u"Begin", {byVal(seed_), byVal(endings)});
+    if (host_.order(u"Begin", {byVal(seed_), byVal(endings)})) host_.order(u"Steps", {byVal(stepsOfARound)});
+    if (host_.alive()) host_.order(u"Rest");
+    std::printf("  host %lld calls, %d deaths; exchange server %lld calls, %d deaths\n",
+                static_cast<long long>(host_.calls()), host_.deaths(),
+                static_cast<long long>(exchange_.calls()), exchange_.deaths());
+    std::fflush(stdout);
+  }
+  // Answers to what still waits for one, until the add-in has nothing to do.
+  bool comesToRest() {
+    const bool rests = right_.waitUntil(
+        [this] {
+          if (right_.idle()) return true;
+          for (Evil* evil : {&host_, &exchange_})
+            if (evil->alive()) evil->order(u"Answer");
+          return false;
+        },
+        restsInTime);
+    if (exchange_.alive()) exchange_.order(u"Rest");
+    return rests;
+  }
+  // A window whose life is over makes room for another process, and goes when everybody has let go of it.
+  void leaveTheOldOne() {
+    if (test::processesOf(addIn).size() < 2) return;
+    letGo();
+    onlyAddIn();
+  }
+  // False where the window's life is over.
+  bool goesOn() {
+    if (!right_.take()) return false;
+    leaveTheOldOne();
+    if (!right_.registerIt()) return false;
+    if (host_.madeAJob()) {
+      right_.cancel();
+      return false;
+    }
+    require(comesToRest(), "it still waits, though everything was answered");
+    return right_.registerIt();
+  }
+  void answersThatComeLate() {
+    right_.takeLines();
+    for (Evil* evil : {&host_, &exchange_})
+      if (evil->alive()) evil->order(u"AnswerLate");
+    require(right_.idle(), "an answer that nobody waits for was taken");
+    require(right_.takeLines().empty(), "an answer that nobody waits for was told");
+  }
+
+  void wildRound() {
+    begin();
+    if (seed_ % 6 == 5) return roundByHand();
+    attack(true);
+    if (goesOn()) {
+      expectAsEver("in the same process");
+      answersThatComeLate();
+      ++sameProcess_;
+      if (seed_ % 4 != 0) return;
+    }
+    end();
+    next();
+  }
+  void next() {
+    require(right_.take(), "the next add-in could not load its window");
+    expectAsEver("in the next process");
+    if (seed_ % 2 == 0) end();
+  }
+
+  void roundByHand() {
+    end();
+    ++byHand_;
+    exchange_.order(u"Begin", {byVal(seed_), byVal(true)});
+    const com::Handle process = startByHand();
+    require(right_.waitUntil([] { return addInWindow() != nullptr; }, endsInTime), "no window by hand");
+    Whims whims(static_cast<std::uint64_t>(seed_));
+    for (int i = 0; i < stepsByHand; ++i) {
+      const std::size_t deed = whims.below(6);
+      if (deed < 3) pressButton(addInWindow(), deed == 0 ? static_cast<int>(whims.below(4)) : 0);
+      if (deed == 3) clickHeading(addInWindow(), static_cast<int>(whims.below(6)));
+      if (deed == 4) chooseExchange(addInWindow(), whims.next());
+      right_.pause(static_cast<int>(20 + whims.below(150)));
+    }
+    if (exchange_.alive()) exchange_.order(u"Answer");
+    const ULONGLONG begun = GetTickCount64();
+    while (WaitForSingleObject(process.get(), 0) != WAIT_OBJECT_0) {
+      require(GetTickCount64() - begun < endsInTime, "a window that was started by hand does not close");
+      askToClose(addInWindow());
+      right_.pause(500);
+    }
+    expectGone();
+    if (exchange_.alive()) exchange_.order(u"Rest");
+    next();
+  }
+  com::Handle startByHand() const {
+    STARTUPINFOW start{};
+    start.cb = sizeof start;
+    PROCESS_INFORMATION started{};
+    const std::wstring folder(suite_.begin(), suite_.end());  // no simulator lies there
+    std::wstring line = L"\"" + folder + L"\\ADDINS\\VORDANE.EXE\" EVIL";
+    CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, folder.c_str(), &start,
+                   &started);
+    const com::Handle thread(started.hThread);
+    return com::Handle(started.hProcess);
+  }
+
+  // --- one process for all rounds
+  void lasting() {
+    end();
+    require(right_.take(), "the add-in could not load its window");
+    const DWORD id = onlyAddIn();
+    const com::Handle process = test::openProcess(id);
+    std::vector<test::Holding> samples;
+    while (calls() < wanted_ || samples.size() < 6) {
+      begin();
+      attack(false);
+      require(goesOn(), "the window's life is over, though nobody ended it");
+      expectAsEver("in the process that lasts");
+      answersThatComeLate();
+      if (host_.alive()) host_.order(u"LetGo");
+      ++sameProcess_;
+      require(onlyAddIn() == id, "the add-in is another one");
+      samples.push_back(test::holdingOf(process.get()));
+      std::printf("  %lu handles, %lu KB\n", samples.back().handles,
+                  static_cast<unsigned long>(samples.back().privateBytes / 1024));
+    }
+    compare(samples);
+    end();
+  }
+  // The lowest of the second and of the last third: the first is the warming up, and what a round has under
+  // way holds something for its time.
+  static void compare(const std::vector<test::Holding>& samples) {
+    const auto lowest = [&](std::size_t from, std::size_t to, auto figure) {
+      auto least = figure(samples[from]);
+      for (std::size_t i = from; i < to; ++i) least = std::min(least, figure(samples[i]));
+      return static_cast<long long>(least);
+    };
+    const std::size_t third = samples.size() / 3;
+    const auto grown = [&](const char* what, auto figure, long long spare) {
+      const long long early = lowest(third, 2 * third, figure);
+      const long long late = lowest(2 * third, samples.size(), figure);
+      std::printf("%s of the add-in that lasts: %lld, then %lld (%zu rounds)\n", what, early, late,
+                  samples.size());
+      require(early > 0, "nothing can be measured here");
+      require(late - early <= spare, std::string(what) + " grew");
+    };
+    grown(
+        "handles", [](const test::Holding& holding) { return holding.handles; }, 10);
+    grown(
+        "private kilobytes", [](const test::Holding& holding) { return holding.privateBytes / 1024; },
+        12000);  // threads that are kept have a stack of 1 MB
+  }
+
+  const std::u16string suite_;
+  const std::int64_t wanted_;
+  std::int32_t seed_;
+  Watcher watcher_;
+  RightHost right_;
+  Evil host_{Role::host, L"EvilHost.exe"}, exchange_{Role::exchange, L"EvilExchange.exe"};
+  Seen reference_;
+  int rounds_ = 0, byHand_ = 0, sameProcess_ = 0;
+};
+
+int direct(std::u16string suite, std::int64_t calls, std::int32_t seed) {
+  const com::Apartment apartment;
+  try {
+    Director(std::move(suite), calls, seed).run();
+    return 0;
+  } catch (const AutomationError& failure) {
+    std::printf("FAILED: a call ended with 0x%08X\n", static_cast<unsigned>(failure.code()));
+  } catch (const std::exception& failure) {
+    std::printf("FAILED: %s\n", failure.what());
+  }
+  return 1;
+}
+
+}  // namespace
+}  // namespace vordane::hostile
+
+int wmain(int count, wchar_t** values) {
+  const long long calls = count > 2 ? std::wcstoll(values[2], nullptr, 10) : 0;
+  if (calls > 0 && count < 5) {
+    const std::wstring suite = values[1];
+    return vordane::hostile::direct({suite.begin(), suite.end()}, calls,
+                                    count == 4 ? static_cast<int>(std::wcstol(values[3], nullptr, 10)) : 1);
+  }
+  std::fputs("usage: director SUITE CALLS [SEED]\n", stderr);
+  return 2;
+}

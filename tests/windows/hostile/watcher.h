@@ -1,0 +1,49 @@
+// Beside the test: answers boxes as a person would, ends programs that hang, and remembers how every add-in
+// ended. A thread of its own, since the director's waits for what it ordered.
+#pragma once
+
+#include <windows.h>
+
+#include <atomic>
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/windows/com/owned.h"
+
+namespace vordane::hostile {
+
+class Watcher {
+ public:
+  Watcher();
+  ~Watcher();
+  Watcher(const Watcher&) = delete;
+  Watcher& operator=(const Watcher&) = delete;
+
+  // The boxes that came up since the last time, by their texts.
+  std::vector<std::wstring> takeBoxes();
+  // Add-ins that ended since the last time with another code than 0.
+  std::vector<DWORD> takeBadEnds();
+  int addIns() const { return addIns_; }  // that have ever run
+  int killed() const { return killed_; }  // programs that hung
+
+ private:
+  void run();
+  void lookAtBoxes();
+  void lookAtAddIns();
+  void lookForHanging();
+  static BOOL CALLBACK eachWindow(HWND window, LPARAM self);
+
+  std::mutex mutex_;
+  std::vector<std::wstring> boxes_;
+  std::vector<DWORD> badEnds_;
+  std::map<DWORD, com::Handle> running_;
+  com::Handle over_, hostHangs_, exchangeHangs_;
+  std::atomic<int> addIns_ = 0, killed_ = 0;
+  unsigned next_ = 0;
+  std::thread thread_;
+};
+
+}  // namespace vordane::hostile
