@@ -12,7 +12,7 @@ HWND addInWindow() {
   return FindWindowW(windowClassName, nullptr);
 }
 
-void pressButton(HWND window, int action) {
+void pressButton(HWND window, Action action) {
   for (const ButtonAction& button : buttonActions)
     if (button.action == action)
       PostMessageW(window, WM_COMMAND, MAKEWPARAM(button.id, BN_CLICKED),

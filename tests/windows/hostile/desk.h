@@ -5,12 +5,14 @@
 
 #include <cstdint>
 
+#include "platform/action.h"
+
 namespace vordane::hostile {
 
 // Of the add-in that runs; null when none has a window.
 HWND addInWindow();
 
-void pressButton(HWND window, int action);
+void pressButton(HWND window, Action action);
 void pressKey(HWND window, int code);
 void clickHeading(HWND window, int column);
 void chooseExchange(HWND window, std::uint64_t any);

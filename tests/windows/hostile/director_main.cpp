@@ -293,7 +293,8 @@ class Director {
     Whims whims(static_cast<std::uint64_t>(seed_));
     for (int i = 0; i < stepsByHand; ++i) {
       const std::size_t deed = whims.below(6);
-      if (deed < 3) pressButton(addInWindow(), deed == 0 ? static_cast<int>(whims.below(4)) : 0);
+      if (deed < 3)
+        pressButton(addInWindow(), deed == 0 ? static_cast<Action>(whims.below(4)) : Action::request);
       if (deed == 3) clickHeading(addInWindow(), static_cast<int>(whims.below(6)));
       if (deed == 4) chooseExchange(addInWindow(), whims.next());
       right_.pause(static_cast<int>(20 + whims.below(150)));

@@ -282,7 +282,7 @@ void Program::die() {
 }
 
 void Program::press(int action) {
-  pressButton(addInWindow(), action);
+  pressButton(addInWindow(), static_cast<Action>(action));
 }
 void Program::pressKey(int code) {
   hostile::pressKey(addInWindow(), code);

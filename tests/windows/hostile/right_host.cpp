@@ -103,7 +103,7 @@ Lines RightHost::converse() {
   lines_.clear();
   // While something that was pressed before has not been dealt with yet, a press is ignored.
   const auto ends = [this] {
-    if (lines_.empty()) pressButton(addInWindow(), 0);
+    if (lines_.empty()) pressButton(addInWindow(), Action::request);
     return std::count(lines_.begin(), lines_.end(), "TurnOffFlow") >= 2 && idle();
   };
   if (!waitUntil(ends, conversationTakes))
