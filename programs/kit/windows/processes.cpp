@@ -186,6 +186,8 @@ Ended WindowsProcesses::run(const Program& program, const std::vector<std::strin
   const HANDLE either[] = {process.get(), stop_.get()};
   const DWORD came = WaitForMultipleObjects(2, either, FALSE, static_cast<DWORD>(seconds) * 1000);
   Ended ended{.inTime = came != WAIT_TIMEOUT, .brokenOff = came == WAIT_OBJECT_0 + 1, .output = {}};
+  // Servers that it has started may be in the job too: they are asked first.
+  if (came == WAIT_OBJECT_0) endLeftOvers();
   TerminateJobObject(job.get(), 1);
   if (came != WAIT_OBJECT_0) TerminateProcess(process.get(), 1);
   WaitForSingleObject(process.get(), endingTakes);
