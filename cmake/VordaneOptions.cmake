@@ -125,6 +125,26 @@ function(vordane_test name)
   endif()
 endfunction()
 
+# Notes a test program for the kit that runs on workstations (tools/windows-kit). One that has several entries here,
+# each with tests of its own, runs each test in a process of its own there.
+function(vordane_kit_program limit command)
+  if(NOT command MATCHES "^\\$<TARGET_FILE:(.+)>$")
+    return()
+  endif()
+  set(name ${CMAKE_MATCH_1})
+  get_property(known GLOBAL PROPERTY VORDANE_KIT_PROGRAMS)
+  if(name IN_LIST known)
+    return()
+  endif()
+  set(how whole)
+  if(ARGN MATCHES "--gtest_filter=")
+    set(how alone)
+  endif()
+  set_property(GLOBAL APPEND PROPERTY VORDANE_KIT_PROGRAMS ${name})
+  set_property(GLOBAL APPEND PROPERTY VORDANE_KIT_ROWS
+    "${name}\t$<PATH:RELATIVE_PATH,${command},${PROJECT_BINARY_DIR}>\t${limit}\t${how}\n")
+endfunction()
+
 # A Windows test under CTest: a Windows program (a target) or a shell script that starts several, run under
 # Wine in a prefix of its own; with BOTH_WINES the 64-bit one a second time, under the newer Wine. Build with the
 # Windows presets only. SKIP_CODE is the exit code that says that the test can't be made here; LABEL names the
@@ -143,6 +163,7 @@ function(vordane_windows_test name)
   endif()
   # The test's own limit comes first, so that it can say what it waited for.
   math(EXPR limit "${ARG_TIMEOUT} - 40")
+  vordane_kit_program(${limit} ${ARG_COMMAND})
   foreach(judge ${judges})
     add_test(NAME ${judge}.${name}
       COMMAND ${PROJECT_SOURCE_DIR}/tests/windows/run.sh ${judge} ${ARG_COMMAND})

@@ -1,9 +1,12 @@
 #include "places.h"
 
+#include <cstdlib>
+
 namespace vordane::test {
 
 std::filesystem::path sourceFolder() {
-  return VORDANE_SOURCE_DIR;
+  const char* const moved = std::getenv("VORDANE_SOURCES");
+  return moved != nullptr && *moved != '\0' ? moved : VORDANE_SOURCE_DIR;
 }
 std::filesystem::path dataFolder() {
   return sourceFolder() / "tests" / "data";

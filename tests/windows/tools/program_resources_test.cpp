@@ -19,10 +19,11 @@ struct Program {
 
 class ProgramResources : public testing::TestWithParam<Program> {
  protected:
-  // run.sh names the build as this machine's own path, which Wine has as drive Z.
+  // run.sh names the build as its own machine's path, which Wine has as drive Z.
   static std::filesystem::path file() {
-    const char* const build = std::getenv("VORDANE_BUILD");
-    return std::filesystem::path(std::string("Z:") + (build == nullptr ? "" : build)) / "programs" /
+    const char* const named = std::getenv("VORDANE_BUILD");
+    const std::string build = named == nullptr ? "" : named;
+    return std::filesystem::path(build.starts_with('/') ? "Z:" + build : build) / "programs" /
            GetParam().path;
   }
   ProgramResources() : module_(LoadLibraryExW(file().c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE)) {}
