@@ -17,13 +17,13 @@ class Eye {
   explicit Eye(Own own = {}) : own_(std::move(own)) {}
 
   // Each null when there is none that can be seen.
-  HWND frame() const;                          // the fault display's window
+  HWND frame() const;  // the fault display's window
   // Of that window, by its name in the form; "account" is the text at the left of the status line.
   HWND control(std::wstring_view name) const;
-  HWND heading() const;                        // the grid's headings
-  HWND box() const;                            // a message box
-  HWND menu() const;                           // a pop-up menu
-  HWND help() const;                           // the pop-up that explains a control
+  HWND heading() const;  // the grid's headings
+  HWND box() const;      // a message box
+  HWND menu() const;     // a pop-up menu
+  HWND help() const;     // the pop-up that explains a control
 
  private:
   HWND find(const wchar_t* type) const;
