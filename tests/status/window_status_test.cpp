@@ -21,7 +21,7 @@ namespace {
 using pbx::Failure;
 using window::NoticeKind;
 
-constexpr Notice none{};
+const Notice none{};
 
 SharedState textsOfTheTest() {
   SharedState state;
