@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
 #include <new>
 
@@ -19,7 +20,7 @@ constexpr std::int16_t stateFatal = 12;
 constexpr std::u16string_view logEndMark = u"...";
 constexpr std::int16_t noKind = 0;  // for a kind that is no 16-bit number; no job of this kind runs here
 constexpr int pollMilliseconds = 50;
-constexpr double secondsOfDay = 86'400;
+constexpr long long millisecondsOfDay = 86'400'000;
 
 std::u16string databaseDirectory(const Environment& environment) {
   return comRegQuil32::GetInstallPath(environment.installation, u"Addins", u"Quilmar32") +
@@ -230,13 +231,16 @@ bool LogResponse(Environment& environment, const LoggedAnswer& answer) {
 }
 
 void WaitSeconds(platform::Clock& clock, std::int16_t seconds) {
-  const double start = clock.secondsSinceMidnight();
+  // Whole milliseconds: a 32-bit processor keeps more digits of one look at the clock than of another, and a
+  // time that seems to go back by the last of them would pass for midnight.
+  const auto milliseconds = [&] { return std::llround(clock.secondsSinceMidnight() * 1000); };
+  const auto start = milliseconds();
   if (seconds < 1) return;
   const auto elapsed = [&] {
-    const double difference = clock.secondsSinceMidnight() - start;
-    return difference < 0 ? difference + secondsOfDay : difference;
+    const auto difference = milliseconds() - start;
+    return difference < 0 ? difference + millisecondsOfDay : difference;
   };
-  while (elapsed() < seconds) clock.sleep(pollMilliseconds);
+  while (elapsed() < seconds * 1000LL) clock.sleep(pollMilliseconds);
 }
 
 void CancelScheduleCount(ScheduleState& state) {

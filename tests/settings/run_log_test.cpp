@@ -249,6 +249,15 @@ TEST(Waiting, EndsAcrossMidnight) {
   EXPECT_NEAR(day.seconds, 3, 0.2);  // 00:00:03
 }
 
+// Less than a millisecond is no midnight that has passed.
+TEST(Waiting, IsNotOverWhenTheLastDigitOfTheTimeGoesBack) {
+  DayClock day;
+  day.seconds = 1000;
+  day.secondsPerLook = -1e-12;
+  comSchedule::WaitSeconds(day, 5);
+  EXPECT_NEAR(day.seconds, 1005, 0.2);
+}
+
 TEST(Waiting, LessThanOneSecondIsNoWait) {
   DayClock day;
   comSchedule::WaitSeconds(day, 0);
