@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "click/windows/eye.h"
 #include "library/waiting.h"
 
 namespace vordane::suite {
@@ -42,13 +43,7 @@ std::string joined(const std::vector<std::string>& lines) {
 }
 
 std::string utf8(std::wstring_view text) {
-  const int length = static_cast<int>(text.size());
-  std::string bytes(static_cast<std::size_t>(
-                        WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr)),
-                    '\0');
-  WideCharToMultiByte(CP_UTF8, 0, text.data(), length, bytes.data(), static_cast<int>(bytes.size()), nullptr,
-                      nullptr);
-  return bytes;
+  return click::utf8(text);
 }
 
 std::string utf8(const std::wstring& text) {
