@@ -9,8 +9,8 @@
 #include "database_files.h"
 #include "language/comLanguage.h"
 #include "lines.h"
-#include "platform/automation.h"
 #include "platform/engine_choice.h"
+#include "platform/stored_text.h"
 #include "text/numbers.h"
 #include "text/utf8.h"
 
@@ -77,10 +77,7 @@ void readLists(const std::string& path, FaultTextTable& texts) {
 
 namespace {
 
-// A Null text is the empty text.
-std::u16string textOf(const database::Value& value) {
-  return automation::isNull(value) ? std::u16string{} : automation::toText(value);
-}
+using database::textOf;
 
 // An item's place in its list is its place in this order.
 void readWindowLists(database::Database& database, FaultTextTable& texts) {

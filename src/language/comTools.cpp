@@ -6,6 +6,7 @@
 
 #include "language/comLanguage.h"
 #include "language/row_values.h"
+#include "platform/database_numbers.h"
 #include "text/numbers.h"
 #include "text/text.h"
 
@@ -79,7 +80,8 @@ class BoxBuilder {
   std::unique_ptr<database::Recordset> openRow() {
     auto* language =
         request_.selector == commonMessage ? environment_.commonLanguage : environment_.ownLanguage;
-    if (language == nullptr) throw database::DatabaseError(3024, u"no language database");
+    if (language == nullptr)
+      throw database::DatabaseError(database::number::fileNotFound, u"no language database");
     const std::u16string_view columns = request_.selector == shortForm
                                             ? u"Prompt,Buttons,Title"
                                             : u"Prompt, Buttons, Title, HelpFile, Context";
