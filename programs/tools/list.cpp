@@ -11,6 +11,7 @@
 #include "lines.h"
 #include "platform/engine_choice.h"
 #include "platform/sqlite/engine.h"
+#include "startup/databases.h"
 #include "text/utf8.h"
 
 namespace vordane::tools {
@@ -54,7 +55,7 @@ Options parse(const Arguments& arguments) {
 
 int list(const Arguments& arguments) {
   const Options options = parse(arguments);
-  const auto engine = database::makeEngineChoice(accessEngine(), sqlite::makeEngine());
+  const auto engine = database::makeEngineChoice(accessEngine(), sqlite::makeEngine(startup::databases));
   const auto database = openDatabase(*engine, options.file);
   if (options.list.form == Form::csv) useBinaryStandardStreams();  // its lines have their ends
   try {
