@@ -11,8 +11,8 @@
 #include "language_source.h"
 #include "lines.h"
 #include "platform/engine_choice.h"
-#include "platform/sqlite/table_reader.h"
 #include "text/utf8.h"
+#include "tools/sqlite/table_reader.h"
 
 namespace vordane::tools {
 namespace {
@@ -24,7 +24,7 @@ void readAnyFile(const std::string& name, access::Visitor& visitor) {
       case database::FileKind::access:
         return accessReading()(path, visitor);
       case database::FileKind::embedded:
-        return sqlite::readTables(path.u16string(), visitor);
+        return readTables(path.u16string(), visitor);
       case database::FileKind::missing:
         throw database::DatabaseError(3024, path.u16string());
       case database::FileKind::unknown:
