@@ -9,6 +9,7 @@
 #include "faults/cFaultDisplay.h"
 #include "lines.h"
 #include "platform/sqlite/engine.h"
+#include "startup/databases.h"
 #include "text/utf8.h"
 #include "text_sources.h"
 
@@ -22,7 +23,8 @@ struct Options {
 };
 
 void readTexts(const Options& options, FaultTextTable& texts) {
-  if (!options.language.empty()) return readLanguage(*sqlite::makeEngine(), options.language, texts);
+  if (!options.language.empty())
+    return readLanguage(*sqlite::makeEngine(startup::databases), options.language, texts);
   readMessages(options.messages, texts);
   if (!options.lists.empty()) readLists(options.lists, texts);
 }

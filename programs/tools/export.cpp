@@ -12,8 +12,8 @@
 #include "lines.h"
 #include "platform/database_numbers.h"
 #include "platform/engine_choice.h"
-#include "platform/sqlite/table_reader.h"
 #include "text/utf8.h"
+#include "tools/sqlite/table_reader.h"
 
 namespace vordane::tools {
 namespace {
@@ -25,7 +25,7 @@ void readAnyFile(const std::string& name, access::Visitor& visitor) {
       case database::FileKind::access:
         return accessReading()(path, visitor);
       case database::FileKind::embedded:
-        return sqlite::readTables(path.u16string(), visitor);
+        return readTables(path.u16string(), visitor);
       case database::FileKind::missing:
         throw database::DatabaseError(database::number::fileNotFound, path.u16string());
       case database::FileKind::unknown:

@@ -12,6 +12,7 @@
 #include "lines.h"
 #include "platform/engine_choice.h"
 #include "platform/sqlite/engine.h"
+#include "startup/databases.h"
 #include "text/utf8.h"
 
 namespace vordane::tools {
@@ -31,7 +32,7 @@ struct Options {
 };
 
 int list(const Options& given) {
-  const auto engine = database::makeEngineChoice(accessEngine(), sqlite::makeEngine());
+  const auto engine = database::makeEngineChoice(accessEngine(), sqlite::makeEngine(startup::databases));
   const auto database = openDatabase(*engine, given.file);
   if (given.csv) useBinaryStandardStreams();  // its lines have their ends
   try {

@@ -18,6 +18,7 @@
 #include "platform/windows/com/objects.h"
 #include "platform/windows/services/console_output.h"
 #include "platform/windows/services/services.h"
+#include "startup/databases.h"
 #include "text/dates.h"
 #include "text/utf8.h"
 #include "zulsim/core/files.h"
@@ -98,9 +99,9 @@ int runScript(const Options& options) {
   com::Apartment apartment;
   com::setErrorSource(u"devhost");
   WindowsEnvironment environment(options.times, files::besideFile(options.script, {}, {}));
-  const auto engine =
-      database::makeEngineChoice(dao::makeEngine(environment.creator()),
-                                 sqlite::makeEngine({windows::isOnNetworkDrive}), {windows::isHeldByOthers});
+  const auto engine = database::makeEngineChoice(
+      dao::makeEngine(startup::databases, environment.creator()),
+      sqlite::makeEngine(startup::databases, {windows::isOnNetworkDrive}), {windows::isHeldByOthers});
   Interpreter interpreter(environment, {options.reports, {}, engine.get()});
   return static_cast<int>(interpreter.run(parsed.statements));
 }
