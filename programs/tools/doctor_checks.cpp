@@ -10,6 +10,7 @@
 #include "language/language_databases.h"
 #include "language/row_values.h"
 #include "language_check.h"
+#include "language_tables.h"
 #include "platform/engine_choice.h"
 #include "settings/shared_state.h"
 #include "settings/suite_databases.h"
@@ -127,7 +128,7 @@ std::unique_ptr<Database> openForLook(database::Engine& engine, const SuiteFile&
 
 // A row of a table as its source would stand in a text file.
 SourceRows rowsOf(Database& database, const std::string& name, std::u16string_view table,
-                  std::initializer_list<std::u16string_view> columns, std::u16string_view formColumn = {}) {
+                  const std::vector<std::u16string_view>& columns, std::u16string_view formColumn = {}) {
   SourceRows rows;
   const auto recordset = database.openRecordset(u"SELECT * FROM " + std::u16string(table));
   for (int number = 1; !recordset->atEnd(); recordset->moveNext(), ++number) {
@@ -151,30 +152,23 @@ SourceRows projectRows(Database& own, const std::string& name) {
   return rows;
 }
 
+// A language database may lack the table of the explanations.
+bool isThere(Database& database, const LanguageTable& table) {
+  return table.table.name != language::helpTable.name ||
+         canRun(database, u"select * from " + std::u16string(table.table.name));
+}
+
 // The texts of the installed database, in the shape of their sources, so that one check serves both.
 LanguageSource installedLanguage(Database& own, Database* common, const std::string& name) {
   LanguageSource source;
   source.name = name;
-  source.messages = rowsOf(own, name, u"tMessages", {u"ID", u"Caption"});
-  source.lists = rowsOf(own, name, u"tComboBoxDT", {u"ObjectName", u"ListIndex", u"List"}, u"FormName");
-  source.forms =
-      rowsOf(own, name, u"tForms", {u"ObjectName", u"Caption", u"FontName", u"FontSize"}, u"ObjectName");
-  source.controls =
-      rowsOf(own, name, u"tControls", {u"ObjectName", u"Caption", u"FontName", u"FontSize", u"ToolTipText"},
-             u"FormName");
-  source.headings = rowsOf(own, name, u"tSSGridsHD", {u"ObjectName", u"ColIndex", u"Caption"}, u"FormName");
-  source.project = projectRows(own, name);
-  source.boxes =
-      rowsOf(own, name, u"tMsgBox", {u"MsgNo", u"Prompt", u"Buttons", u"Title", u"HelpFile", u"Context"});
-  source.pictures = rowsOf(own, name, u"tPicture",
-                           {u"ObjectName", u"FileName", u"BasePanel", u"BasePanelIndex"}, u"FormName");
-  if (common != nullptr) {
-    source.common_boxes = rowsOf(*common, name, u"tMsgBox",
-                                 {u"MsgNo", u"Prompt", u"Buttons", u"Title", u"HelpFile", u"Context"});
-    source.picture_sets = rowsOf(*common, name, u"PictureFileName", {u"ID", u"DefaultName", u"FileName"});
+  for (const LanguageTable& table : languageTables) {
+    Database* const database = table.holder == Holder::common ? common : &own;
+    if (database == nullptr || !isThere(*database, table)) continue;
+    source.*table.rows = hasLineForEachColumn(table) ? projectRows(*database, name)
+                                                     : rowsOf(*database, name, table.table.name,
+                                                              columnsInFile(table), windowColumn(table));
   }
-  if (canRun(own, u"select * from tHelp"))
-    source.help = rowsOf(own, name, u"tHelp", {u"ObjectName", u"HelpText"}, u"FormName");
   return source;
 }
 
