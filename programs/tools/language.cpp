@@ -17,7 +17,7 @@ int report(const Problems& problems) {
 int check(const Arguments& folders) {
   Problems problems;
   std::vector<LanguageSource> sources;
-  for (const std::string& folder : folders) sources.push_back(readLanguage(toPath(folder), problems));
+  for (const std::string& folder : folders) sources.push_back(readLanguageSource(toPath(folder), problems));
   for (const LanguageSource& source : sources) checkLanguage(source, problems);
   compareLanguages(sources, problems);
   if (problems.empty()) std::cout << sources.size() << " language(s) complete\n";
@@ -29,7 +29,7 @@ int build(Arguments arguments) {
   if (common) arguments.erase(arguments.begin());
   if (arguments.size() != 2) throw Misuse("language build needs a folder and the file to make");
   Problems problems;
-  const LanguageSource source = readLanguage(toPath(arguments[0]), problems);
+  const LanguageSource source = readLanguageSource(toPath(arguments[0]), problems);
   checkLanguage(source, problems);
   if (!problems.empty()) return report(problems);
   (common ? buildCommonLanguage : buildOwnLanguage)(source, toPath(arguments[1]));

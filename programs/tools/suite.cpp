@@ -39,7 +39,7 @@ int suite(const Arguments& arguments) {
   const SuiteOptions options = parse(arguments);
   Problems problems;
   const LanguageSource source =
-      readLanguage(toPath(options.source) / "language" / toPath(options.language), problems);
+      readLanguageSource(toPath(options.source) / "language" / toPath(options.language), problems);
   checkLanguage(source, problems);
   if (!problems.empty()) {
     for (const std::string& problem : problems) std::cerr << problem << '\n';

@@ -167,7 +167,7 @@ void writeResponse(Environment& environment, const LoggedAnswer& answer) {
   if (keepsNothing(environment.state)) return;
   std::u16string path;
   skipWithoutMemory([&] {
-    path = LogPath(environment);
+    path = logPath(environment);
     const auto code = answer.errorCode ? text::decimal(*answer.errorCode) : std::u16string{};
     writeLine(environment, path, u"ErrCode = " + code, false);
   });
@@ -195,27 +195,27 @@ void LoadScheduleOptions(Environment& environment, std::u16string_view key) {
   }
 }
 
-std::u16string LogPath(const Environment& environment) {
+std::u16string logPath(const Environment& environment) {
   return databaseDirectory(environment) + u"\\" + environment.state.LogName + u".tlg";
 }
 
 void WriteRunLog(Environment& environment, std::u16string_view text, bool forced, bool ignoreLimit) {
   if (!forced && environment.state.LogAlways != 1) return;
   if (keepsNothing(environment.state)) return;
-  skipWithoutMemory([&] { writeLine(environment, LogPath(environment), text, ignoreLimit); });
+  skipWithoutMemory([&] { writeLine(environment, logPath(environment), text, ignoreLimit); });
 }
 
-void WriteRunLine(Environment& environment, std::u16string_view text) {
+void writeRunLine(Environment& environment, std::u16string_view text) {
   WriteRunLog(environment, text, true, false);
 }
 
-void CloseRunLog(ScheduleState& state) {
+void closeRunLog(ScheduleState& state) {
   state.LogName.clear();
 }
 
-void EndRunLog(Environment& environment) {
-  if (environment.state.LogEnabled) WriteRunLine(environment, logEndMark);
-  CloseRunLog(environment.state);
+void endRunLog(Environment& environment) {
+  if (environment.state.LogEnabled) writeRunLine(environment, logEndMark);
+  closeRunLog(environment.state);
   environment.state.RunState = 0;
 }
 
