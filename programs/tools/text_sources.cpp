@@ -11,8 +11,8 @@
 #include "language/form_controls.h"
 #include "language/language_databases.h"
 #include "lines.h"
-#include "platform/automation.h"
 #include "platform/engine_choice.h"
+#include "platform/stored_text.h"
 #include "text/numbers.h"
 #include "text/utf8.h"
 
@@ -79,10 +79,7 @@ void readLists(const std::string& path, FaultTextTable& texts) {
 
 namespace {
 
-// A Null text is the empty text.
-std::u16string textOf(const database::Value& value) {
-  return automation::isNull(value) ? std::u16string{} : automation::toText(value);
-}
+using database::textOf;
 
 // An item's place in its list is its place in this order.
 void readWindowLists(database::Database& database, FaultTextTable& texts) {

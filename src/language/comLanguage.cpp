@@ -114,14 +114,8 @@ bool LocaliseGridHeadings(window::Form& form, database::Database& database) {
 bool LoadProjectTexts(std::u16string_view executableName, database::Database& database, ProjectTexts& texts) {
   return trapped([&] {
     const auto rows = database.openRecordset(statement::project.with({executableName}));
-    const auto apply = [&](std::u16string_view column, std::u16string& to) {
-      if (auto text = newText(rows->get(column))) to = std::move(*text);
-    };
-    apply(u"Title", texts.Title);
-    apply(u"OleServerBusyMsgTitle", texts.OleServerBusyMsgTitle);
-    apply(u"OleServerBusyMsgText", texts.OleServerBusyMsgText);
-    apply(u"OleRequestPendingMsgTitle", texts.OleRequestPendingMsgTitle);
-    apply(u"OleRequestPendingMsgText", texts.OleRequestPendingMsgText);
+    for (const ProjectText& text : projectTexts)
+      if (auto words = newText(rows->get(text.column))) texts.*text.text = std::move(*words);
     rows->close();
   });
 }

@@ -1,6 +1,7 @@
 // Copies the texts of a language database onto the window, its controls and the application.
 #pragma once
 
+#include <array>
 #include <map>
 #include <memory>
 #include <string>
@@ -18,6 +19,18 @@ struct ProjectTexts {
   std::u16string OleServerBusyMsgTitle, OleServerBusyMsgText;
   std::u16string OleRequestPendingMsgTitle, OleRequestPendingMsgText;
 };
+
+// Each with its column.
+struct ProjectText {
+  std::u16string_view column;
+  std::u16string ProjectTexts::*text;
+};
+inline constexpr std::array<ProjectText, 5> projectTexts{
+    {{u"Title", &ProjectTexts::Title},
+     {u"OleServerBusyMsgTitle", &ProjectTexts::OleServerBusyMsgTitle},
+     {u"OleServerBusyMsgText", &ProjectTexts::OleServerBusyMsgText},
+     {u"OleRequestPendingMsgTitle", &ProjectTexts::OleRequestPendingMsgTitle},
+     {u"OleRequestPendingMsgText", &ProjectTexts::OleRequestPendingMsgText}}};
 
 // Each returns true when its whole table was applied, false when an error stopped it; what was applied
 // before stays.

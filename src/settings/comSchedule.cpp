@@ -7,6 +7,7 @@
 #include <new>
 
 #include "settings/suite_databases.h"
+#include "text/dates.h"
 #include "text/numbers.h"
 #include "text/text.h"
 #include "text/utf8.h"
@@ -103,9 +104,7 @@ void readOptions(database::Recordset& row, std::u16string_view key, ScheduleStat
 }
 
 std::u16string timeStamp(const platform::LocalTime& now) {
-  const auto two = [](int value) { return text::decimalPadded(value, 2); };
-  return text::decimalPadded(now.year, 4) + u"-" + two(now.month) + u"-" + two(now.day) + u" " +
-         two(now.hour) + u":" + two(now.minute) + u":" + two(now.second);
+  return text::isoText(now.year, now.month, now.day, now.hour, now.minute, now.second);
 }
 
 // Control characters, among them next line, and the two separators that some readers take for line ends.

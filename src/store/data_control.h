@@ -8,6 +8,7 @@
 #include <string>
 
 #include "platform/database.h"
+#include "platform/stored_text.h"
 
 namespace vordane::store {
 
@@ -30,8 +31,6 @@ class DataControl {
  private:
   std::u16string recordSource_;
 };
-
-inline constexpr int noCurrentRow = 3021;
 
 // datPBXList: the row of the selected exchange.
 class ExchangeControl : public DataControl {
@@ -67,8 +66,7 @@ class FaultControl : public DataControl {
   std::unique_ptr<database::RowList> rows_;
 };
 
-// A column of a date type, or a text one, as text; Null is the empty text.
-std::u16string textOf(const database::Value& value);
+using database::textOf;
 
 // PBXList.ID as the 16-bit number it is. Throws DatabaseError on any other, never wraps.
 std::int16_t exchangeIdOf(const database::Value& value);

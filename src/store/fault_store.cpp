@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "language/message_numbers.h"
+#include "platform/database_numbers.h"
 #include "store/long_step.h"
 #include "store/statements.h"
 #include "store/stored_years.h"
@@ -13,7 +14,6 @@
 namespace vordane::store {
 namespace {
 
-constexpr std::int32_t databaseNotOpenCode = 3024;
 constexpr int dateColumn = 2;
 
 // What acts on faults is dead while none are shown.
@@ -53,7 +53,7 @@ database::Database* FaultStore::openDatabase() {
   database::Database* database = form_.faultDatabase();
   if (database != nullptr) return database;
   form_.hostMessage(messageText(around_.state, message::databaseNotOpen));
-  if (form_.alive()) form_.hostCode(databaseNotOpenCode);
+  if (form_.alive()) form_.hostCode(database::number::fileNotFound);
   return nullptr;
 }
 
