@@ -158,13 +158,13 @@ class Director {
   // Answers to what still waits for one, until the add-in has nothing to do. False where a program has died
   // and with it, it seems, the answer: that is waited for without an end.
   bool comesToRest() {
-    const bool somebodyDied = deaths() > deathsBefore_;
     bool rests = false;
     int answers = 0;
     const bool looked = right_.waitUntil(
         [&] {
           rests = right_.idle();
-          if (rests || (somebodyDied && answers == answersEnough)) return true;
+          // A death may show only at an order.
+          if (rests || (deaths() > deathsBefore_ && answers >= answersEnough)) return true;
           ++answers;
           for (Evil* evil : {&host_, &exchange_})
             if (evil->alive()) evil->order(u"Answer");
