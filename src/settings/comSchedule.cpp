@@ -8,6 +8,7 @@
 
 #include "settings/suite_databases.h"
 #include "text/dates.h"
+#include "text/file_names.h"
 #include "text/numbers.h"
 #include "text/text.h"
 #include "text/utf8.h"
@@ -67,28 +68,11 @@ std::int16_t jobKind(database::Recordset& row, std::int16_t otherwise) try {
   return noKind;
 }
 
-// Names that mean a device, whatever ending they have.
-constexpr std::u16string_view devices[] = {u"CON", u"PRN", u"AUX", u"NUL", u"CONIN$", u"CONOUT$"};
-constexpr std::u16string_view numberedDevices[] = {u"COM", u"LPT"};  // and one digit, as 1 or superscript
-
-bool namesDevice(std::u16string_view name) {
-  const std::u16string stem = text::toUpper(text::trim(name.substr(0, name.find(u'.'))));
-  if (std::find(std::begin(devices), std::end(devices), stem) != std::end(devices)) return true;
-  constexpr std::u16string_view digits = u"0123456789\u00B9\u00B2\u00B3";
-  return stem.size() == 4 && digits.find(stem[3]) != digits.npos &&
-         std::find(std::begin(numberedDevices), std::end(numberedDevices), text::left(stem, 3)) !=
-             std::end(numberedDevices);
-}
-
 // A base name that leads out of the log's folder, to a device or to a stream beside a file counts as none.
 std::u16string logName(const std::u16string& file, std::u16string_view key) {
-  constexpr std::u16string_view forbidden = u"\\/:*?\"<>|";
-  const bool plain = std::none_of(file.begin(), file.end(), [&](char16_t character) {
-    return character < 0x20 || forbidden.find(character) != forbidden.npos;
-  });
   std::u16string name = file;
   name += key;
-  return plain && !namesDevice(name) ? name : std::u16string(key);
+  return text::isPlainFileName(name) ? name : std::u16string(key);
 }
 
 void readOptions(database::Recordset& row, std::u16string_view key, ScheduleState& state) {
