@@ -8,6 +8,7 @@ namespace vordane::tools {
 int decode(const Arguments& arguments);
 int doctor(const Arguments& arguments);
 int exportTables(const Arguments& arguments);
+int guide(const Arguments& arguments);
 int import(const Arguments& arguments);
 int language(const Arguments& arguments);
 int list(const Arguments& arguments);

@@ -29,6 +29,14 @@ constexpr Command commands[] = {
      "texts,\n"
      "damage, and on Windows settings and registration. Exit code 1 when there is something to say.\n",
      doctor},
+    {"guide", "guide check GUIDES LANGUAGES [HELP_TEXT ...]\nguide write GUIDE LANGUAGE FOLDER",
+     "check says what a person meets and the guide does not describe, in every language of the folder "
+     "GUIDES;\n"
+     "HELP_TEXT is a file \"PROGRAM.txt\" with what that program prints for --help. write makes of a guide "
+     "and "
+     "its\n"
+     "language one Markdown text, and a page that leads to each topic.\n",
+     guide},
     {"language", "language check FOLDER ...\nlanguage build [--common] FOLDER OUT.LNG",
      "check compares the texts of languages with what the program needs and with one another. build makes a "
      "language\n"
@@ -54,11 +62,13 @@ constexpr Command commands[] = {
      "would be formulas)\n"
      "  --count          only how many they are\n",
      list},
-    {"suite", "suite DIR [--language en] [--source data]",
+    {"suite", "suite DIR [--language en] [--source data] [--guide DIR]",
      "Makes the data files of an installed suite that are missing; stored faults, registration and jobs "
      "stay.\n"
      "  --language en    the language of its texts and of its report: a folder of SOURCE/language\n"
-     "  --source data    where texts and report stand\n",
+     "  --source data    where texts and report stand\n"
+     "  --guide DIR      where the pages of the guide stand, a folder for each language; without it there is "
+     "none\n",
      suite},
 };
 

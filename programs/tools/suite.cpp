@@ -10,18 +10,21 @@ namespace {
 
 struct SuiteOptions {
   std::string directory, language = "en", source = "data";
+  std::string guide;  // empty: none
 };
 
 SuiteOptions parse(const Arguments& arguments) {
   SuiteOptions options;
   for (std::size_t at = 0; at < arguments.size(); ++at) {
     const std::string& argument = arguments[at];
-    const bool named = argument == "--language" || argument == "--source";
+    const bool named = argument == "--language" || argument == "--source" || argument == "--guide";
     if (named && at + 1 == arguments.size()) throw Misuse(argument + " needs a value behind it");
     if (argument == "--language")
       options.language = arguments[++at];
     else if (argument == "--source")
       options.source = arguments[++at];
+    else if (argument == "--guide")
+      options.guide = arguments[++at];
     else if (argument.starts_with("--"))
       throw Misuse("unknown option " + argument);
     else if (!options.directory.empty())
@@ -48,6 +51,7 @@ int suite(const Arguments& arguments) {
   const SuiteLayout layout{toPath(options.directory)};
   makeSuiteFiles(layout, source);
   installReportLayout(layout, toPath(options.source) / "report", source);
+  if (!options.guide.empty()) installGuide(layout, toPath(options.guide), source.name);
   std::cout << "made the data files of " << options.directory << '\n';
   return 0;
 }
