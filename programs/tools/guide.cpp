@@ -1,7 +1,9 @@
 // vordane-tools guide: the guide's sources, checked and made ready for pandoc.
+#include <algorithm>
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <memory>
 
 #include "commands.h"
 #include "guide_check.h"
@@ -37,22 +39,25 @@ ProgramHelp readHelp(const std::string& file) {
   return {text::toUtf8(toText(toPath(file).stem())), {std::istreambuf_iterator<char>(in), {}}};
 }
 
-int check(const Arguments& arguments) {
-  if (arguments.size() < 2)
-    throw Misuse("guide check needs the folder of the guides and that of the languages");
+struct ToCheck {
+  std::string guides, languages;
+  options::Words helps;
+};
+
+int check(const ToCheck& given) {
   std::vector<ProgramHelp> programs;
-  for (std::size_t at = 2; at < arguments.size(); ++at) programs.push_back(readHelp(arguments[at]));
+  for (const std::string& file : given.helps) programs.push_back(readHelp(file));
   Problems problems;
   std::vector<GuideSource> guides;
-  for (const fs::path& folder : languagesOf(toPath(arguments[0]))) {
+  for (const fs::path& folder : languagesOf(toPath(given.guides))) {
     guides.push_back(readGuide(folder, problems));
-    const LanguageSource language = readLanguage(toPath(arguments[1]) / folder.filename(), problems);
+    const LanguageSource language = readLanguage(toPath(given.languages) / folder.filename(), problems);
     checkGuide(guides.back(), language, programs, problems);
   }
   compareGuides(guides, problems);
   // Languages without a guide.
-  for (const fs::path& folder : languagesOf(toPath(arguments[1])))
-    if (fs::exists(folder / "messages.tsv") && !fs::exists(toPath(arguments[0]) / folder.filename()))
+  for (const fs::path& folder : languagesOf(toPath(given.languages)))
+    if (fs::exists(folder / "messages.tsv") && !fs::exists(toPath(given.guides) / folder.filename()))
       problems.push_back(text::toUtf8(toText(folder.filename())) + ": the guide of this language is missing");
   if (problems.empty()) std::cout << guides.size() << " guide(s) complete\n";
   return report(problems);
@@ -76,15 +81,17 @@ std::string leadingPage(const std::string& language, const std::string& topic, c
          words(Word::elsewhere) + "</a></p>\n</html>\n";
 }
 
-int write(const Arguments& arguments) {
-  if (arguments.size() != 3)
-    throw Misuse("guide write needs a guide, its language and the folder to write to");
+struct ToWrite {
+  std::string guide, language, folder;
+};
+
+int write(const ToWrite& given) {
   Problems problems;
-  const GuideSource guide = readGuide(toPath(arguments[0]), problems);
-  const LanguageSource language = readLanguage(toPath(arguments[1]), problems);
+  const GuideSource guide = readGuide(toPath(given.guide), problems);
+  const LanguageSource language = readLanguage(toPath(given.language), problems);
   const std::string text = filledGuide(guide, language, problems);
   if (!problems.empty()) return report(problems);
-  const fs::path out = toPath(arguments[2]);
+  const fs::path out = toPath(given.folder);
   fs::create_directories(out);
   writeFile(out / "guide.md", "---\ntitle: \"" + guide.words(Word::guide) + "\"\nlang: " + guide.language +
                                   "\ntoc-title: \"" + guide.words(Word::contents) + "\"\n---\n\n" + text);
@@ -97,12 +104,24 @@ int write(const Arguments& arguments) {
 
 }  // namespace
 
-int guide(const Arguments& arguments) {
-  if (arguments.empty()) throw Misuse("guide needs check or write");
-  const Arguments rest{arguments.begin() + 1, arguments.end()};
-  if (arguments[0] == "check") return check(rest);
-  if (arguments[0] == "write") return write(rest);
-  throw Misuse("guide does not know " + arguments[0]);
+void declareGuide(options::Command& command) {
+  options::Command& checking = command.command(
+      "check",
+      "Says what a person meets and the guide does not describe, in every language, and what leads nowhere.");
+  const auto toCheck = std::make_shared<ToCheck>();
+  checking.argument("GUIDES", toCheck->guides, "the folder of the guides");
+  checking.argument("LANGUAGES", toCheck->languages, "the folder of the languages");
+  checking.options("--described-by", "FILE", toCheck->helps,
+                   "what a program prints for help, in a file named PROGRAM.txt; may be given again");
+  checking.runs([toCheck] { return check(*toCheck); });
+
+  options::Command& writing = command.command(
+      "write", "Makes of a guide and its language one Markdown text, and a page that leads to each topic.");
+  const auto toWrite = std::make_shared<ToWrite>();
+  writing.argument("GUIDE", toWrite->guide, "the folder of the guide");
+  writing.argument("LANGUAGE", toWrite->language, "the folder of the language");
+  writing.argument("FOLDER", toWrite->folder, "the folder to write to");
+  writing.runs([toWrite] { return write(*toWrite); });
 }
 
 }  // namespace vordane::tools

@@ -6,28 +6,30 @@ tool=$1 root=$(cd "$(dirname "$0")/../.." && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-# The commands that a help text names: the words behind the program's own in lines of usage, or in a list of commands.
+# The commands that a help text names: the words behind the program's own in lines of usage.
 commands_of() {
-  awk '/^ *(usage: )?vordane-tools [a-z]/ { sub(/^ *(usage: )?/, ""); print $2 }
-       /^(Subcommands|SUBCOMMANDS|Commands):/ { list = 1; next }
-       list && /^  [a-z]/ { print $1 }' "$1" | sort -u
+  awk '/^ *(usage: )?vordane-tools [a-z]/ { sub(/^ *(usage: )?/, ""); print $2 }' "$1" | sort -u
 }
 
 "$tool" --help > "$work/all"
 named=$(commands_of "$work/all")
 [ "$(wc -w <<< "$named")" -ge 8 ] || { echo "FAILED: the commands are not found in:"; cat "$work/all"; exit 1; }
+helps=()
 for command in $named; do
-  "$tool" "$command" --help > "$work/vordane-tools $command.txt"
+  help="$work/vordane-tools $command.txt"
+  "$tool" "$command" --help > "$help"
   # Commands of a command have a help of their own; all of it belongs to the one.
-  for further in $(awk '/^(Subcommands|SUBCOMMANDS|Commands):/ { list = 1; next } list && /^  [a-z]/ { print $1 }' "$work/vordane-tools $command.txt"); do
-    "$tool" "$command" "$further" --help >> "$work/vordane-tools $command.txt"
+  for further in $(awk -v command="$command" '/^ *(usage: )?vordane-tools [a-z]/ { sub(/^ *(usage: )?/, "")
+      if ($2 == command && $3 ~ /^[a-z]+$/) print $3 }' "$help" | sort -u); do
+    "$tool" "$command" "$further" --help >> "$help"
   done
+  helps+=(--described-by "$help")
 done
-"$tool" guide check "$root/docs/guide" "$root/data/language" "$work"/vordane-tools*.txt
+"$tool" guide check "$root/docs/guide" "$root/data/language" "${helps[@]}"
 
 # The same check with an option more must fail, and say which.
 echo '  --brand-new  an option that nobody described' >> "$work/vordane-tools list.txt"
-if "$tool" guide check "$root/docs/guide" "$root/data/language" "$work"/vordane-tools*.txt 2> "$work/errors"; then
+if "$tool" guide check "$root/docs/guide" "$root/data/language" "${helps[@]}" 2> "$work/errors"; then
   echo "FAILED: an option that is not described passes"; exit 1
 fi
 for language in en ru ja; do
