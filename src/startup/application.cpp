@@ -41,6 +41,10 @@ std::optional<std::u16string> Application::helpDocument(std::u16string_view boxH
                                 comRegQuil32::suiteDirectory(installation_));
 }
 
+std::optional<std::u16string> Application::guidePage(std::u16string_view topic) const {
+  return helpDocument(installPath(u"Help") + u"GUIDE\\" + std::u16string(topic) + u".html");
+}
+
 int Application::showBox(std::int16_t number, std::u16string_view substitution) {
   comTools::BoxEnvironment boxes{LangDB.get(), CommonLangDB.get(), station_.boxes, runLog_,
                                  station_.program.directory};

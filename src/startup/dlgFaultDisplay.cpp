@@ -41,7 +41,7 @@ dlgFaultDisplay::dlgFaultDisplay(startup::Application& application)
       end_(parts_),
       runs_(parts_),
       actions_(parts_),
-      help_(application, life_, host_),
+      help_(application, life_, host_, status_),
       input_(parts_, help_) {}
 
 dlgFaultDisplay::~dlgFaultDisplay() {
