@@ -195,15 +195,16 @@ class Checker {
   }
 
   void accessKeys() {
-    Keys window, paneMenu;
+    Keys window, paneMenu, frameMenu;
     for (const SourceRow& row : source_.controls)
       if (typeOf(row.fields[0]) != u"Menu") takeKey(window, row, toUtf8(row.fields[0]));
     for (const SourceRow& row : source_.messages)
-      if (const auto id = text::parseInteger(row.fields[0])) messageKey(window, paneMenu, row, *id);
+      if (const auto id = text::parseInteger(row.fields[0]))
+        messageKey(window, paneMenu, frameMenu, row, *id);
   }
 
-  // Some messages are captions: of the main window's controls, or of the menu over the pane.
-  void messageKey(Keys& window, Keys& paneMenu, const SourceRow& row, std::int32_t id) {
+  // Some messages are captions: of the main window's controls, of the menu over the pane, or of the frame's.
+  void messageKey(Keys& window, Keys& paneMenu, Keys& frameMenu, const SourceRow& row, std::int32_t id) {
     const auto isOneOf = [id](const auto& numbers) {
       return std::any_of(numbers.begin(), numbers.end(),
                          [id](std::size_t number) { return static_cast<std::int32_t>(number) == id; });
@@ -211,6 +212,7 @@ class Checker {
     const std::string owner = "message " + std::to_string(id);
     if (isOneOf(message::windowKeys)) return needKey(window, row, owner);
     if (isOneOf(message::paneMenuKeys)) return needKey(paneMenu, row, owner);
+    if (isOneOf(message::frameMenuKeys)) return needKey(frameMenu, row, owner);
     if (accessKey(row.fields[1]) != 0) complain(row, owner + " is no caption: it takes no access key");
   }
 

@@ -137,7 +137,7 @@ bool LoadTextArray(std::vector<std::u16string>& array, std::u16string_view table
   });
 }
 
-std::map<std::u16string, std::u16string> LoadHelpTexts(const window::Form& form,
+std::map<std::u16string, std::u16string> loadHelpTexts(const window::Form& form,
                                                        database::Database& database) {
   std::map<std::u16string, std::u16string> texts;
   static_cast<void>(trapped([&] {

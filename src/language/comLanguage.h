@@ -44,7 +44,7 @@ bool LoadTextArray(std::vector<std::u16string>& array, std::u16string_view table
 
 // The help texts of the window's controls by control name, for What's This; empty where the database holds
 // none. Its table is the product's own ("tHelp"), so a database without it is in order.
-std::map<std::u16string, std::u16string> LoadHelpTexts(const window::Form& form,
+std::map<std::u16string, std::u16string> loadHelpTexts(const window::Form& form,
                                                        database::Database& database);
 
 // A stored text in escape notation, expanded. `substitution` keeps the pieces not yet consumed.

@@ -23,7 +23,7 @@ std::int16_t exchangeIdOf(const database::Value& value) {
   }
 }
 
-void DataControl::Refresh(database::Database& database) {
+void DataControl::refresh(database::Database& database) {
   drop();
   if (!recordSource_.empty()) read(database);
 }
@@ -40,7 +40,7 @@ const ExchangeControl::Row& ExchangeControl::row() const {
 }
 
 void ExchangeControl::read(database::Database& database) {
-  const auto records = database.openRecordset(RecordSource());
+  const auto records = database.openRecordset(recordSource());
   try {
     Row row{records->get(u"ID"), records->get(u"PBXName"), textOf(records->get(u"TimeStamp")),
             records->isDate(u"TimeStamp")};
@@ -58,7 +58,7 @@ void ExchangeControl::drop() noexcept {
 }
 
 void FaultControl::read(database::Database& database) {
-  rows_ = database.openRowList(RecordSource(), gridFields);
+  rows_ = database.openRowList(recordSource(), gridFields);
 }
 
 }  // namespace vordane::store

@@ -16,11 +16,11 @@ class DataControl {
  public:
   virtual ~DataControl() = default;
 
-  const std::u16string& RecordSource() const { return recordSource_; }
+  const std::u16string& recordSource() const { return recordSource_; }
   void setRecordSource(std::u16string statement) { recordSource_ = std::move(statement); }
 
   // Throws DatabaseError, and is empty then; an empty record source empties it too.
-  void Refresh(database::Database& database);
+  void refresh(database::Database& database);
   // Lets go of the rows and the record source.
   void clear();
 

@@ -37,7 +37,7 @@ class Filling {
 FaultStore::FaultStore(StoreForm& form, const Surroundings& around)
     : form_(form), around_(around), grid_(form, around.state) {}
 
-void FaultStore::SetSortFlags() {
+void FaultStore::setSortFlags() {
   for (int column = 0; column < sortableColumns; ++column)
     ascending_[static_cast<std::size_t>(column)] = true;
   ascending_[dateColumn] = false;
@@ -212,7 +212,7 @@ void FaultStore::SelectExchange(database::Database& database) {
 void FaultStore::refreshExchange(database::Database& database) {
   const auto exchange = chosen();
   datPBXList_.setRecordSource(exchange ? selectExchange(exchange->name, exchange->id) : std::u16string{});
-  datPBXList_.Refresh(database);
+  datPBXList_.refresh(database);
   std::u16string received;
   if (datPBXList_.hasRow())
     received = shownTimeStamp(datPBXList_.row().timeStamp, datPBXList_.row().dated, around_.clock);
@@ -236,7 +236,7 @@ void FaultStore::SortFaultGrid(database::Database& database, int column) {
 void FaultStore::refreshFaults(database::Database& database) {
   {
     const LongStep step(around_, grid_, database, LongStep::reading);
-    datFaultDisplay_.Refresh(database);
+    datFaultDisplay_.refresh(database);
   }
   around_.status.displayed();
   grid_.show(datFaultDisplay_.rows());
