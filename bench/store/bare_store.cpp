@@ -5,7 +5,7 @@
 #include <chrono>
 #include <stdexcept>
 
-#include "platform/sqlite/event_index.h"
+#include "platform/sqlite/event_keys.h"
 
 namespace vordane::bench {
 namespace {
@@ -36,8 +36,7 @@ std::vector<FaultKeys> keysOf(const std::vector<Fault>& faults) {
   std::vector<FaultKeys> keys;
   for (const Fault& fault : faults) {
     const sqlite::EventTexts texts{fault.fault, fault.alarm, fault.cpu, fault.date, fault.description};
-    keys.push_back({sqlite::EventIndex::momentKey(texts), sqlite::EventIndex::kindKey(texts),
-                    sqlite::EventIndex::hashOf(texts)});
+    keys.push_back({sqlite::momentKey(texts), sqlite::kindKey(texts), sqlite::hashOf(texts)});
   }
   return keys;
 }
