@@ -6,6 +6,8 @@
 #include <limits>
 #include <new>
 
+#include "settings/suite_databases.h"
+#include "text/dates.h"
 #include "text/file_names.h"
 #include "text/numbers.h"
 #include "text/text.h"
@@ -86,9 +88,7 @@ void readOptions(database::Recordset& row, std::u16string_view key, ScheduleStat
 }
 
 std::u16string timeStamp(const platform::LocalTime& now) {
-  const auto two = [](int value) { return text::decimalPadded(value, 2); };
-  return text::decimalPadded(now.year, 4) + u"-" + two(now.month) + u"-" + two(now.day) + u" " +
-         two(now.hour) + u":" + two(now.minute) + u":" + two(now.second);
+  return text::isoText(now.year, now.month, now.day, now.hour, now.minute, now.second);
 }
 
 // Control characters, among them next line, and the two separators that some readers take for line ends.
@@ -150,7 +150,7 @@ void writeResponse(Environment& environment, const LoggedAnswer& answer) {
   if (keepsNothing(environment.state)) return;
   std::u16string path;
   skipWithoutMemory([&] {
-    path = LogPath(environment);
+    path = logPath(environment);
     const auto code = answer.errorCode ? text::decimal(*answer.errorCode) : std::u16string{};
     writeLine(environment, path, u"ErrCode = " + code, false);
   });
@@ -170,7 +170,7 @@ void LoadScheduleOptions(Environment& environment, std::u16string_view key) {
   setDefaults(environment.state);
   try {
     const auto schedule = environment.engine.open(databaseDirectory(environment) + u"\\Schedule.mdb", true);
-    const auto row = schedule->openRecordset(u"SELECT * FROM Options WHERE Key = " + std::u16string(key));
+    const auto row = schedule->openRecordset(settings::statement::options.with({key}));
     if (!row->isEmpty()) readOptions(*row, key, environment.state);
   } catch (const database::DatabaseError&) {
   } catch (const automation::AutomationError&) {
@@ -178,27 +178,27 @@ void LoadScheduleOptions(Environment& environment, std::u16string_view key) {
   }
 }
 
-std::u16string LogPath(const Environment& environment) {
+std::u16string logPath(const Environment& environment) {
   return databaseDirectory(environment) + u"\\" + environment.state.LogName + u".tlg";
 }
 
 void WriteRunLog(Environment& environment, std::u16string_view text, bool forced, bool ignoreLimit) {
   if (!forced && environment.state.LogAlways != 1) return;
   if (keepsNothing(environment.state)) return;
-  skipWithoutMemory([&] { writeLine(environment, LogPath(environment), text, ignoreLimit); });
+  skipWithoutMemory([&] { writeLine(environment, logPath(environment), text, ignoreLimit); });
 }
 
-void WriteRunLine(Environment& environment, std::u16string_view text) {
+void writeRunLine(Environment& environment, std::u16string_view text) {
   WriteRunLog(environment, text, true, false);
 }
 
-void CloseRunLog(ScheduleState& state) {
+void closeRunLog(ScheduleState& state) {
   state.LogName.clear();
 }
 
-void EndRunLog(Environment& environment) {
-  if (environment.state.LogEnabled) WriteRunLine(environment, logEndMark);
-  CloseRunLog(environment.state);
+void endRunLog(Environment& environment) {
+  if (environment.state.LogEnabled) writeRunLine(environment, logEndMark);
+  closeRunLog(environment.state);
   environment.state.RunState = 0;
 }
 
