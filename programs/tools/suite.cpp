@@ -17,7 +17,7 @@ struct Options {
 int suite(const Options& given) {
   Problems problems;
   const LanguageSource source =
-      readLanguage(toPath(given.source) / "language" / toPath(given.language), problems);
+      readLanguageSource(toPath(given.source) / "language" / toPath(given.language), problems);
   checkLanguage(source, problems);
   if (!problems.empty()) {
     for (const std::string& problem : problems) std::cerr << problem << '\n';

@@ -16,7 +16,7 @@ constexpr std::u16string_view helpFile = u"VORDANE.HLP";
 }  // namespace
 
 void WindowHelp::load(window::Form& form, database::Database& language) {
-  texts_ = comLanguage::LoadHelpTexts(form, language);
+  texts_ = comLanguage::loadHelpTexts(form, language);
 }
 
 void WindowHelp::askHost() {

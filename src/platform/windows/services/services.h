@@ -78,6 +78,9 @@ void loadFromSystemOnly();
 platform::Program thisProgram();
 std::u16string executablePath();
 
+// "HH:MM:SS.mmm", now: the beginning of a line that tells what happened.
+std::u16string timeOfLine();
+
 // The words of the command line behind the program's name, as UTF-8. What main receives has been forced into
 // the system's code page; the command line has not.
 std::vector<std::string> programWords();
