@@ -85,7 +85,7 @@ class GuideChecker {
     boxes();
     controls();
     topics();
-    kinds();
+    marks();
     for (const ProgramHelp& program : programs) options(program);
     links();
     pictures();
@@ -133,18 +133,26 @@ class GuideChecker {
       if (times > 1) complain("the topic " + anchor + " stands " + std::to_string(times) + " times");
   }
 
-  // The reference brings its own anchors.
-  void kinds() {
-    const std::string text = filledGuide(guide_, language_, problems_);
-    const auto need = [&](const std::string& anchor, const std::string& what) {
-      if (text.find("{#" + anchor + "}") == text.npos)
-        complain(what + " is not described");
-      else
-        contents_.anchors.try_emplace(anchor, 1);
-    };
-    for (const faults::FaultKind& row : faults::faultKinds)
-      need(kindAnchor(row.kind), "fault " + kindAnchor(row.kind));
-    need(unknownKindAnchor, "the fault of an unknown kind");
+  // Each mark must stand for something. The one of the reference brings the anchors of all kinds.
+  void marks() {
+    bool reference = false;
+    forEachLine(guide_, [&](std::string_view line, int number, const GuideFile& file) {
+      for (const std::string& mark : marksOf(line)) {
+        if (mark == "kinds")
+          reference = true;
+        else
+          textOfMark(mark, language_, guide_.words, file.name + ":" + std::to_string(number), problems_);
+      }
+    });
+    for (const faults::FaultKind& row : faults::faultKinds) kind(reference, kindAnchor(row.kind));
+    kind(reference, unknownKindAnchor);
+  }
+
+  void kind(bool described, const std::string& anchor) {
+    if (described)
+      contents_.anchors.try_emplace(anchor, 1);
+    else
+      complain("the fault " + anchor + " is not described");
   }
 
   void options(const ProgramHelp& program) {

@@ -25,7 +25,7 @@ for help in --help -h; do
 done
 run 0 --version; silent errors
 [ "$(cat "$work/out")" = "vordane-tools $version" ] || { echo "FAILED: the version is $(cat "$work/out")"; failed=1; }
-for command in decode doctor language export import list suite; do
+for command in decode doctor guide language export import list suite; do
   run 0 $command --help; silent errors; says out "usage: vordane-tools $command "
 done
 run 0 export --help; says out 'vordane-tools export FILE (--csv DIR | --texts DIR) [--spreadsheet]'; says out 'hold every value as it stands'; says out '--spreadsheet '
@@ -66,6 +66,12 @@ printf 'Exchange,Fault,Alarm,Date,CPU,Description,Count\r\n' | cmp - out.raw || 
 run 0 list made/ADDINS/DATABASE/FAULT.MDB --count; [ "$(cat out)" = 0 ] || failed=1
 run 1 list made/ADDINS/DATABASE/FAULT.MDB --exchange PBX-1; silent out; says errors 'there is no exchange "PBX-1"'
 if [ "${tool[0]}" != wine ]; then run 0 doctor made/; says out 'nothing is missing'; silent errors; fi
+# A guide of its language comes along when there is one, and takes the place of another language's.
+mkdir -p pages/ru made/ADDINS/HELP/GUIDE
+echo '<p>все</p>' > pages/ru/guide.html; echo '<p>тема</p>' > pages/ru/request.html; echo old > made/ADDINS/HELP/GUIDE/old.html
+run 0 suite made/ --language ru --source "$data" --guide pages; silent errors
+diff -r pages/ru made/ADDINS/HELP/GUIDE || { echo 'FAILED: the guide did not come along'; failed=1; }
+run 1 suite made/ --language en --source "$data" --guide pages; says errors 'there is no guide in it. Make it with tools/guide'
 run 1 suite other --language xx --source "$data"; says errors 'xx/messages.tsv: missing'
 if [ -e /dev/full ] && [ "${tool[0]}" != wine ]; then
   "${tool[@]}" --help > /dev/full 2> errors && { echo 'FAILED: a full disk goes unnoticed'; failed=1; }

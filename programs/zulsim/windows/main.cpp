@@ -133,8 +133,8 @@ int runByHand(const std::u16string& directory) {
       "the file of the scenario, else Zulsim.zul beside the program, else scenarios\\demo.zul below it");
   program.notes(
       "It serves until it is ended, and writes a log when a file Zulsim.log lies beside it. Zulsim "
-      "/RegServer "
-      "registers it, so that automation starts it; Zulsim /UnregServer takes it away.\n"
+      "/RegServer [/JobAccount:NAME] registers it, so that automation starts it; Zulsim /UnregServer takes "
+      "it away.\n"
       "Exit code: 0 ended, 1 failed, 2 wrong usage or a scenario that can't be used.");
   program.runs([&] { return serve(directory, true, text::fromUtf8(scenario)); });
   const auto ending = program.read(windows::programWords());
