@@ -47,6 +47,21 @@ constexpr Command commands[] = {
      "beside the\n"
      "new file with \".access\" behind its name.\n",
      import},
+    {"install",
+     "install SUITE_DIR --package DIR [--language en] [--words x64|x86] [--this-user] [--demonstration] "
+     "[--wait 60] [--log FILE]",
+     "Puts what an installer has unpacked into a version directory, renews it, or repairs it: all of it or "
+     "none. Stored\n"
+     "faults, jobs, and the words that faults are stored in stay. Ends with what the doctor finds.\n"
+     "  --package DIR    what the installer has unpacked\n"
+     "  --language en    the language of a set that is new\n"
+     "  --words x64|x86  the word size; without it that of the system, and x86 where databases are Access "
+     "files\n"
+     "  --this-user      registered for this user alone\n"
+     "  --demonstration  with the simulated exchange\n"
+     "  --wait 60        seconds to wait for programs that are in use\n"
+     "  --log FILE       what is told goes there too\n",
+     install},
     {"list", "list FAULT.MDB [--exchange NAME] [--csv | --count]",
      "Prints the stored faults, newest first.\n"
      "  --exchange NAME  those of one exchange; upper and lower case are the same\n"
@@ -60,6 +75,13 @@ constexpr Command commands[] = {
      "  --language en    the language of its texts and of its report: a folder of SOURCE/language\n"
      "  --source data    where texts and report stand\n",
      suite},
+    {"uninstall", "uninstall SUITE_DIR [--everything] [--wait 60] [--log FILE]",
+     "Takes the add-in away from a version directory, and its registration. Stored faults, logs, jobs and "
+     "settings stay.\n"
+     "  --everything     they go too\n"
+     "  --wait 60        seconds to wait for programs that are in use\n"
+     "  --log FILE       what is told goes there too\n",
+     uninstall},
 };
 
 const Command* commandNamed(std::string_view name) {

@@ -15,6 +15,8 @@ packages=(
   googletest libgtest-dev libgmock-dev clang libclang-rt-14-dev clang-format-14 nlohmann-json3-dev
   # the kit for Windows workstations
   zip unzip
+  # the installer, and signing it
+  nsis osslsigncode openssl
   # running Windows programs without a screen, and looking at them
   wine wine64 xvfb xauth xdotool openbox imagemagick fonts-dejavu-core fonts-noto-core fonts-vlgothic
   # the root for the newer Wine

@@ -76,6 +76,13 @@ void loadFromSystemOnly();
 platform::Program thisProgram();
 std::u16string executablePath();
 
+// What the version resource of a program says; nothing when there is no such program, or it says nothing.
+// Nothing of the program is run.
+struct FileVersion {
+  int major, minor, revision;
+};
+std::optional<FileVersion> versionOfFile(std::u16string_view program);
+
 // Writes a line to wherever whoever started this program reads: as UTF-8 to a file or pipe, as text of any
 // script to a console, also that of the command prompt that a program with windows was started from.
 void printLine(std::u16string_view line);
