@@ -443,6 +443,9 @@ Section
       CreateShortcut "$SMPROGRAMS\${PRODUCT}\$(LINK_DEMONSTRATION).lnk" "$INSTDIR\ADDINS\VORDANE.EXE" "PBX-1"
       SetOutPath "$PLUGINSDIR"
     ${EndIf}
+    ${If} ${FileExists} "$INSTDIR\ADDINS\HELP\GUIDE\guide.html"
+      CreateShortcut "$SMPROGRAMS\${PRODUCT}\$(LINK_GUIDE).lnk" "$INSTDIR\ADDINS\HELP\GUIDE\guide.html"
+    ${EndIf}
     CreateShortcut "$SMPROGRAMS\${PRODUCT}\$(LINK_REMOVE).lnk" "$INSTDIR\ADDINS\SETUP\remove.exe"
   ${EndIf}
   SetErrorLevel 0

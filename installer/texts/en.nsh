@@ -17,6 +17,7 @@
 !insertmacro TEXT IN_USE "The fault display is in use. End the maintenance program and every fault display, then try again. Nothing is ended by force."
 !insertmacro TEXT SEE_LOG "The log tells more:"
 !insertmacro TEXT LINK_DEMONSTRATION "Fault display with the simulated exchange"
+!insertmacro TEXT LINK_GUIDE "Guide to the fault display"
 !insertmacro TEXT LINK_REMOVE "Remove Vordane"
 !insertmacro TEXT REMOVE_TITLE "Remove Vordane"
 !insertmacro TEXT REMOVE_SUBTITLE "The fault display is taken away from this folder."

@@ -14,6 +14,7 @@
 !insertmacro TEXT IN_USE "障害表示が使用中です。保守プログラムとすべての障害表示を終了してから、再試行してください。強制終了はしません。"
 !insertmacro TEXT SEE_LOG "詳細はログにあります:"
 !insertmacro TEXT LINK_DEMONSTRATION "障害表示 (模擬交換機)"
+!insertmacro TEXT LINK_GUIDE "障害表示の手引き"
 !insertmacro TEXT LINK_REMOVE "Vordane の削除"
 !insertmacro TEXT REMOVE_TITLE "Vordane の削除"
 !insertmacro TEXT REMOVE_SUBTITLE "このフォルダーから障害表示を削除します。"

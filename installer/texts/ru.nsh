@@ -14,6 +14,7 @@
 !insertmacro TEXT IN_USE "Окно неисправностей используется. Завершите программу обслуживания и все окна неисправностей, затем повторите. Принудительно ничего не завершается."
 !insertmacro TEXT SEE_LOG "Подробности в журнале:"
 !insertmacro TEXT LINK_DEMONSTRATION "Окно неисправностей с имитатором станции"
+!insertmacro TEXT LINK_GUIDE "Руководство по окну неисправностей"
 !insertmacro TEXT LINK_REMOVE "Удалить Vordane"
 !insertmacro TEXT REMOVE_TITLE "Удаление Vordane"
 !insertmacro TEXT REMOVE_SUBTITLE "Окно неисправностей удаляется из этой папки."

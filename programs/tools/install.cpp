@@ -1,14 +1,25 @@
-#include <charconv>
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <optional>
 
 #include "commands.h"
+#include "lines.h"
 #include "setup.h"
 #include "setup_system.h"
 
 namespace vordane::tools {
 namespace {
+
+constexpr long usualWait = 60;
+
+// What the command lines of both say.
+struct Options {
+  std::string root, package, language;
+  std::optional<std::string> words, log;
+  std::optional<long> wait;
+  bool thisUser = false, demonstration = false, everything = false;
+};
 
 // What is told goes to whoever reads, and to the log.
 class Account {
@@ -26,30 +37,13 @@ class Account {
   std::ofstream log_;
 };
 
-std::string valueBehind(const Arguments& arguments, std::size_t& at) {
-  if (at + 1 == arguments.size()) throw Misuse(arguments[at] + " needs a value behind it");
-  return arguments[++at];
+std::filesystem::path rootOf(const Options& given) {
+  const std::filesystem::path whole = std::filesystem::absolute(toPath(given.root)).lexically_normal();
+  return whole.has_filename() ? whole : whole.parent_path();
 }
 
-std::chrono::seconds secondsOf(const std::string& text) {
-  int seconds = 0;
-  const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), seconds);
-  if (failure != std::errc{} || end != text.data() + text.size() || seconds < 0)
-    throw Misuse("--wait needs a number of seconds, not " + text);
-  return std::chrono::seconds(seconds);
-}
-
-Words wordsOf(const std::string& name) {
-  const auto words = wordsNamed(name);
-  if (!words) throw Misuse("--words is x64 or x86, not " + name);
-  return *words;
-}
-
-void takeRoot(const std::string& argument, std::filesystem::path& root) {
-  if (argument.starts_with("--")) throw Misuse("unknown option " + argument);
-  if (!root.empty()) throw Misuse("one directory at a time: " + argument);
-  const std::filesystem::path whole = std::filesystem::absolute(toPath(argument)).lexically_normal();
-  root = whole.has_filename() ? whole : whole.parent_path();
+std::chrono::seconds waitOf(const Options& given) {
+  return std::chrono::seconds(given.wait.value_or(usualWait));
 }
 
 // The outcome as exit code; a failure says where it stopped.
@@ -64,55 +58,55 @@ int outcomeOf(Account& account, Step step) {
   }
 }
 
-}  // namespace
-
-int install(const Arguments& arguments) {
-  InstallRequest request;
+int install(const Options& given) {
   Account account;
-  request.version = versionOf(VORDANE_VERSION).value_or(Version{});
-  for (std::size_t at = 0; at < arguments.size(); ++at) {
-    const std::string& argument = arguments[at];
-    if (argument == "--package")
-      request.package = toPath(valueBehind(arguments, at));
-    else if (argument == "--language")
-      request.language = valueBehind(arguments, at);
-    else if (argument == "--words")
-      request.words = wordsOf(valueBehind(arguments, at));
-    else if (argument == "--wait")
-      request.wait = secondsOf(valueBehind(arguments, at));
-    else if (argument == "--log")
-      account.openLog(valueBehind(arguments, at));
-    else if (argument == "--this-user")
-      request.everybody = false;
-    else if (argument == "--demonstration")
-      request.demonstration = true;
-    else
-      takeRoot(argument, request.root);
+  if (given.log) account.openLog(*given.log);
+  InstallRequest request{rootOf(given),   toPath(given.package), {},           given.language, {},
+                         !given.thisUser, given.demonstration,   waitOf(given)};
+  request.version = versionOf(options::version()).value_or(Version{});
+  if (given.words) {
+    request.words = wordsNamed(*given.words);
+    if (!request.words) throw ToolError("--words is x64 or x86, not " + *given.words);
   }
-  if (request.root.empty()) throw Misuse("the version directory is missing");
-  if (request.package.empty())
-    throw Misuse("--package is missing: the folder that an installer has unpacked");
   const auto system = setupSystem();
   return outcomeOf(account, [&](const Tell& tell) { install(request, *system, tell); });
 }
 
-int uninstall(const Arguments& arguments) {
-  RemovalRequest request;
+int uninstall(const Options& given) {
   Account account;
-  for (std::size_t at = 0; at < arguments.size(); ++at) {
-    const std::string& argument = arguments[at];
-    if (argument == "--everything")
-      request.everything = true;
-    else if (argument == "--wait")
-      request.wait = secondsOf(valueBehind(arguments, at));
-    else if (argument == "--log")
-      account.openLog(valueBehind(arguments, at));
-    else
-      takeRoot(argument, request.root);
-  }
-  if (request.root.empty()) throw Misuse("the version directory is missing");
+  if (given.log) account.openLog(*given.log);
   const auto system = setupSystem();
-  return outcomeOf(account, [&](const Tell& tell) { uninstall(request, *system, tell); });
+  return outcomeOf(account, [&](const Tell& tell) {
+    uninstall(RemovalRequest{rootOf(given), given.everything, waitOf(given)}, *system, tell);
+  });
+}
+
+void declareCommon(options::Command& command, Options& given) {
+  command.argument("SUITE_DIR", given.root, "the version directory");
+  command.option("--wait", "SECONDS", given.wait, "how long to wait for programs that are in use, else 60");
+  command.option("--log", "FILE", given.log, "what is told goes there too");
+}
+
+}  // namespace
+
+void declareInstall(options::Command& command) {
+  const auto given = std::make_shared<Options>();
+  declareCommon(command, *given);
+  command.option("--package", "DIR", given->package, "what the installer has unpacked");
+  command.exactlyOne({"--package"});
+  command.option("--language", "NAME", given->language, "the language of a set that is new, else en");
+  command.option("--words", "x64|x86", given->words,
+                 "the word size; without it that of the system, and x86 where databases are Access files");
+  command.flag("--this-user", given->thisUser, "registered for this user alone");
+  command.flag("--demonstration", given->demonstration, "with the simulated exchange");
+  command.runs([given] { return install(*given); });
+}
+
+void declareUninstall(options::Command& command) {
+  const auto given = std::make_shared<Options>();
+  declareCommon(command, *given);
+  command.flag("--everything", given->everything, "stored faults, logs, jobs and settings go too");
+  command.runs([given] { return uninstall(*given); });
 }
 
 }  // namespace vordane::tools

@@ -3,27 +3,23 @@
 #include <algorithm>
 
 #include "faults/kind_lists.h"
+#include "language/comLanguage.h"
 #include "language/form_controls.h"
+#include "language/language_databases.h"
+#include "language/row_values.h"
 #include "lines.h"
-#include "platform/sqlite/schema.h"
 #include "settings/shared_state.h"
 #include "text/numbers.h"
 #include "text/utf8.h"
+#include "tools/sqlite/database_writer.h"
 
 namespace vordane::tools {
 namespace {
 
 using database::Value;
 using Row = std::vector<Value>;
-using sqlite::ColumnType;
-using sqlite::DatabaseWriter;
 
 constexpr std::int32_t noIndex = -1;  // no control of the window stands in a control array
-
-// What's This has a table of its own; the add-ins' other tables know nothing of it.
-constexpr sqlite::ColumnDefinition helpColumns[] = {
-    {u"FormName", ColumnType::text}, {u"ObjectName", ColumnType::text}, {u"HelpText", ColumnType::text}};
-constexpr sqlite::TableDefinition helpTable{u"tHelp", helpColumns};
 
 std::int32_t number(const SourceRow& row, std::size_t column) {
   const auto value = text::parseInteger(row.fields[column]);
@@ -79,7 +75,7 @@ void insertKindLists(DatabaseWriter& out, const LanguageSource& source) {
                                    [&](const SourceRow& row) { return row.fields[0] == list.name(); });
     if (given || source.forms.empty()) continue;
     const SourceRow& window = source.forms.front();
-    const std::u16string keepDesigned = u"-1";
+    const std::u16string keepDesigned(language::keepDesigned);
     out.insert(u"tControls", Row{form(), std::u16string(list.name()), noIndex, keepDesigned, window.fields[2],
                                  static_cast<double>(number(window, 3)), keepDesigned});
   }
@@ -88,12 +84,11 @@ void insertKindLists(DatabaseWriter& out, const LanguageSource& source) {
 // The one row whose columns are the properties of the application.
 Row projectValues(const SourceRows& rows) {
   Row values{std::u16string(programName)};
-  for (const auto* property : {u"Title", u"OleServerBusyMsgTitle", u"OleServerBusyMsgText",
-                               u"OleRequestPendingMsgTitle", u"OleRequestPendingMsgText"}) {
-    std::u16string text;
+  for (const comLanguage::ProjectText& text : comLanguage::projectTexts) {
+    std::u16string words;
     for (const SourceRow& row : rows)
-      if (row.fields[0] == property) text = row.fields[1];
-    values.emplace_back(text);
+      if (row.fields[0] == text.column) words = row.fields[1];
+    values.emplace_back(words);
   }
   return values;
 }
@@ -102,8 +97,8 @@ Row projectValues(const SourceRows& rows) {
 
 void buildOwnLanguage(const LanguageSource& source, const std::filesystem::path& out) {
   DatabaseWriter writer(toText(out), true);
-  writer.createTables(sqlite::schema::ownLanguage());
-  writer.createTable(helpTable);
+  writer.createTables(language::ownTables);
+  writer.createTable(language::helpTable);
   insertAll(writer, u"tMessages", source.messages, messageValues);
   insertAll(writer, u"tForms", source.forms, formValues);
   insertAll(writer, u"tControls", source.controls, controlValues);
@@ -119,7 +114,7 @@ void buildOwnLanguage(const LanguageSource& source, const std::filesystem::path&
 
 void buildCommonLanguage(const LanguageSource& source, const std::filesystem::path& out) {
   DatabaseWriter writer(toText(out), true);
-  writer.createTables(sqlite::schema::commonLanguage());
+  writer.createTables(language::commonTables);
   insertAll(writer, u"tMsgBox", source.common_boxes, boxValues);
   insertAll(writer, u"PictureFileName", source.picture_sets, pictureSetValues);
   writer.finish();

@@ -177,9 +177,11 @@ Plan planOf(const InstallRequest& request, SetupSystem& system, const Tell& tell
   plan.record.everybody = request.everybody;
   plan.record.demonstration = request.demonstration || (plan.before && plan.before->demonstration);
   plan.files = packagedFiles(request.package, plan.record.words, plan.record.demonstration);
+  chooseLanguage(plan, request, system, tell);
+  for (NewFile& page : packagedGuide(request.package, plan.record.language))
+    plan.files.push_back(std::move(page));
   for (const NewFile& file : plan.files) plan.record.files.push_back(file.place);
   plan.record.files.emplace_back(recordPlace);
-  chooseLanguage(plan, request, system, tell);
   addDataFiles(plan, request);
   requireRoom(plan);
   return plan;

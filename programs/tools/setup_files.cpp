@@ -43,12 +43,21 @@ std::vector<NewFile> packagedFiles(const fs::path& package, Words words, bool de
   return files;
 }
 
+std::vector<NewFile> packagedGuide(const fs::path& package, const std::string& language) {
+  std::vector<NewFile> pages;
+  const fs::path folder = package / "data" / "guide" / toPath(language);
+  if (!fs::is_directory(folder)) return pages;
+  addTree(folder, true, pages);
+  for (NewFile& page : pages) page.place = SuiteLayout{{}}.guide() / page.place;
+  return pages;
+}
+
 std::vector<LanguageSource> packagedLanguages(const fs::path& package) {
   std::vector<LanguageSource> languages;
   Problems problems;
   std::error_code failure;
   for (const fs::directory_entry& entry : fs::directory_iterator(package / "data" / "language", failure))
-    if (entry.path().filename() != "shared") languages.push_back(readLanguage(entry.path(), problems));
+    if (entry.path().filename() != "shared") languages.push_back(readLanguageSource(entry.path(), problems));
   if (failure) failAt(package / "data" / "language", failure);
   std::sort(languages.begin(), languages.end(),
             [](const LanguageSource& a, const LanguageSource& b) { return a.name < b.name; });

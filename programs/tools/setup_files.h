@@ -21,6 +21,9 @@ struct NewFile {
 // SetupFailure where the package lacks that word size.
 std::vector<NewFile> packagedFiles(const std::filesystem::path& package, Words words, bool demonstration);
 
+// The pages of the guide in one language; none where the package has none.
+std::vector<NewFile> packagedGuide(const std::filesystem::path& package, const std::string& language);
+
 // The languages of a package. Throws SetupFailure when one is not whole.
 std::vector<LanguageSource> packagedLanguages(const std::filesystem::path& package);
 

@@ -8,10 +8,12 @@
 #include "background_pictures.h"
 #include "language_build.h"
 #include "lines.h"
-#include "platform/sqlite/schema.h"
 #include "report_layout.h"
+#include "settings/suite_databases.h"
+#include "store/fault_database.h"
 #include "text/text.h"
 #include "text/utf8.h"
+#include "tools/sqlite/database_writer.h"
 
 namespace vordane::tools {
 namespace {
@@ -54,8 +56,8 @@ std::string readFile(const fs::path& path) {
 }
 
 void makeRegistration(const fs::path& path) {
-  sqlite::DatabaseWriter writer(toText(path));
-  writer.createTables(sqlite::schema::registration());
+  DatabaseWriter writer(toText(path));
+  writer.createTables(settings::registrationTables);
   Row row;
   for (const auto& [column, value] : registryRow) row.emplace_back(std::u16string(value));
   writer.insert(u"Registry", row);
@@ -63,8 +65,8 @@ void makeRegistration(const fs::path& path) {
 }
 
 void makeSchedule(const fs::path& path) {
-  sqlite::DatabaseWriter writer(toText(path));
-  writer.createTables(sqlite::schema::schedule());
+  DatabaseWriter writer(toText(path));
+  writer.createTables(settings::scheduleTables);
   for (const Job& job : sampleJobs)
     writer.insert(u"Options", Row{job.key, job.wait, job.errorStop, job.count, true, true, std::int32_t{100},
                                   std::u16string(job.file), job.kind});
@@ -80,7 +82,7 @@ std::string helpText(const LanguageSource& language) {
 }
 
 void makeFaults(const fs::path& path) {
-  sqlite::createDatabase(toText(path), sqlite::schema::faultDatabase());
+  createDatabase(toText(path), store::faultTables);
 }
 
 void makeReport(const fs::path& folder, const LanguageSource& language, const fs::path& path) {
@@ -139,6 +141,17 @@ void makeSuiteFiles(const SuiteLayout& layout, const LanguageSource& language) {
     fs::create_directories(path.parent_path());
     if (!isMadeOnce(file.keeper) || !fs::exists(path)) file.make(path);
   }
+}
+
+void installGuide(const SuiteLayout& layout, const fs::path& folder, const std::string& language) {
+  const fs::path pages = folder / toPath(language);
+  if (!fs::is_regular_file(pages / "guide.html"))
+    throw ToolError(text::toUtf8(toText(pages)) + ": there is no guide in it. Make it with tools/guide");
+  fs::remove_all(layout.guide());
+  fs::create_directories(layout.guide());
+  for (const auto& page : fs::directory_iterator(pages))
+    if (page.path().extension() == ".html")
+      writeFile(layout.guide() / page.path().filename(), readFile(page.path()));
 }
 
 void installReportLayout(const SuiteLayout& layout, const fs::path& folder, const LanguageSource& language) {

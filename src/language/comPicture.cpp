@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "language/language_databases.h"
 #include "language/row_values.h"
+#include "text/file_names.h"
 #include "text/numbers.h"
 #include "text/text.h"
 
@@ -28,11 +30,11 @@ bool takesBackground(const window::Control& control) {
   return control.typeName() == u"SSTree" || control.typeName() == u"SSListBar";
 }
 
-// The picture file of a row; empty when the row names none or it does not exist.
+// The picture file of a row; empty when the row names none, one of another folder, or it does not exist.
 std::u16string pictureFile(const Decoration& decoration, std::u16string name) {
   if (name.empty() || name == noPicture) return {};
   if (decoration.set != 0) name = MapPictureName(decoration.pictures, name);
-  if (name.empty()) return {};
+  if (!text::isPlainFileName(name)) return {};
   std::u16string path = std::u16string(decoration.directory) + name;
   return decoration.files.exists(path) ? path : std::u16string{};
 }
@@ -101,8 +103,7 @@ void decorate(const Decoration& decoration, database::Recordset& row) {
 
 bool LoadPictureSet(database::Database& common, std::int16_t set, PictureSet& pictures) {
   return language::trapped([&] {
-    const auto rows =
-        common.openRecordset(u"Select * From PictureFileName Where  ID = " + text::decimal(set));
+    const auto rows = common.openRecordset(language::statement::pictureSet.with({text::decimal(set)}));
     for (; !rows->atEnd(); rows->moveNext())
       pictures.push_back({textOf(rows->get(u"DefaultName")), textOf(rows->get(u"FileName"))});
     rows->close();
@@ -127,9 +128,7 @@ bool ApplyBackground(window::Form& form, database::Database& own, database::Data
   const bool loaded = LoadPictureSet(common, set, pictures);
   const Decoration decoration{form, pictures, set, directory, files, loader};
   return language::trapped([&] {
-           const auto rows = own.openRecordset(
-               u"select ObjectName,Index,FileName,BasePanel,BasePanelIndex from tPicture where FormName = '" +
-               form.name() + u"'");
+           const auto rows = own.openRecordset(language::statement::pictures.with({form.name()}));
            for (; !rows->atEnd(); rows->moveNext()) decorate(decoration, *rows);
            rows->close();
          }) &&

@@ -12,7 +12,7 @@
 #include "language_build.h"
 #include "places.h"
 #include "platform/access/access_child.h"
-#include "platform/sqlite/table_reader.h"
+#include "tools/sqlite/table_reader.h"
 
 namespace vordane::tools {
 namespace {
@@ -78,17 +78,17 @@ std::vector<std::vector<std::u16string>> plain(const SourceRows& rows) {
 TEST_F(Export, ALanguageGoesThereAndBackAgain) {
   for (const char* language : {"en", "ja"}) {
     Problems problems;
-    const auto source = readLanguage(test::sourceFolder() / "data" / "language" / language, problems);
+    const auto source = readLanguageSource(test::sourceFolder() / "data" / "language" / language, problems);
     buildOwnLanguage(source, folder / "VORDANE.LNG");
     buildCommonLanguage(source, folder / "Common.LNG");
     const fs::path texts = folder / language / "texts";
     for (const char* name : {"VORDANE.LNG", "Common.LNG"}) {
       TextExport out;
-      sqlite::readTables((folder / name).u16string(), out);
+      tools::readTables((folder / name).u16string(), out);
       out.write(texts);
       EXPECT_EQ(out.problems(), Problems{});
     }
-    const auto again = readLanguage(texts, problems);
+    const auto again = readLanguageSource(texts, problems);
     EXPECT_EQ(problems, Problems{});
     for (const auto rows : {&LanguageSource::messages, &LanguageSource::lists, &LanguageSource::forms,
                             &LanguageSource::controls, &LanguageSource::headings, &LanguageSource::project,

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "platform/sqlite/engine.h"
+#include "startup/databases.h"
 #include "store/fault_record.h"
 #include "store/fault_store.h"
 #include "text/numbers.h"
@@ -90,14 +91,14 @@ void takeLists(const Order& order) {
   report << "ready" << std::endl;
   sqlite::Options options;
   options.onNetwork = [&](std::u16string_view) { return order.onNetwork; };
-  const auto engine = sqlite::makeEngine(options);
+  const auto engine = sqlite::makeEngine(startup::databases, options);
   SlowClock clock(order.slow);
   fakes::MemoryStoreForm form;
   form.clock = &clock;
   form.meanwhile = [&](const std::string& line) { report << line << std::endl; };
   form.database = engine->open(text::fromUtf8(order.file), false);
   store::FaultStore faults(form, form.around());
-  faults.SetSortFlags();
+  faults.setSortFlags();
   for (int list = order.firstList; list < order.firstList + order.lists; ++list) {
     receiveList(form, list);
     form.ingest(faults);

@@ -2,6 +2,7 @@
 
 #include "fakes/memory_files.h"
 #include "language/comPicture.h"
+#include "language/language_databases.h"
 #include "language_database.h"
 
 namespace vordane {
@@ -38,7 +39,7 @@ class Backgrounds : public testing::Test {
   }
   bool apply(std::vector<Row> rows, std::int16_t set = 0, std::vector<Row> sets = {}) {
     own.with(u"tPicture", std::move(rows));
-    common.with(fakes::tableNamed(sqlite::schema::commonLanguage(), u"PictureFileName"), std::move(sets));
+    common.with(fakes::tableNamed(language::commonTables, u"PictureFileName"), std::move(sets));
     return comPicture::ApplyBackground(form, own.open(), common.open(), set, u"C:\\BACKGRND\\", files,
                                        loader);
   }
@@ -103,6 +104,19 @@ TEST_F(Backgrounds, RowsWithoutAPictureAreSkipped) {
                      row(u"imgBackground", t(u""), u"me"), row(u"imgBackground", t(u"MISSING.BMP"), u"me")}));
   EXPECT_EQ(pictureOf(image), u"");
   EXPECT_EQ(image.number(u"Left"), 50);
+}
+
+// A language file may have been made by anybody.
+TEST_F(Backgrounds, APictureOfAnotherFolderIsNotLookedAt) {
+  for (const char16_t* elsewhere : {u"..\\A.WMF", u"C:\\A.WMF", u"\\\\server\\A.WMF", u"A.BMP:x", u"NUL.BMP"})
+    files.content[std::u16string(u"C:\\BACKGRND\\") + elsewhere] = "picture";
+  EXPECT_TRUE(apply(
+      {row(u"imgBackground", t(u"..\\A.WMF"), u"me"), row(u"lstBar", t(u"C:\\A.WMF"), u"me"),
+       row(u"imgBackground", t(u"\\\\server\\A.WMF"), u"me"), row(u"imgBackground", t(u"A.BMP:x"), u"me"),
+       row(u"lstBar", t(u"NUL.BMP"), u"me"), row(u"imgBackground", t(u"A.BMP"), u"me")},
+      1, {{n(1), t(u"A.BMP"), t(u"..\\A.WMF")}}));
+  EXPECT_EQ(pictureOf(image), u"");
+  EXPECT_TRUE(loader.asked.empty());
 }
 
 TEST_F(Backgrounds, ASetRenamesThePictures) {
@@ -196,7 +210,7 @@ TEST_F(Backgrounds, OnlyTheWindowItselfIsMe) {
 // Its names stay unmapped; that the set is missing is told all the same.
 TEST_F(Backgrounds, WithoutItsTableASetRenamesNothingAndFails) {
   own.with(u"tPicture", {row(u"imgBackground", t(u"A.BMP"), u"me")});
-  common.with(fakes::tableNamed(sqlite::schema::commonLanguage(), u"tMsgBox"), {});
+  common.with(fakes::tableNamed(language::commonTables, u"tMsgBox"), {});
   const auto applied = [&](std::int16_t set) {
     return comPicture::ApplyBackground(form, own.open(), common.open(), set, u"C:\\BACKGRND\\", files,
                                        loader);
@@ -218,7 +232,7 @@ TEST_F(Backgrounds, AMissingBaseIsFalse) {
 
 TEST_F(Backgrounds, AMissingTableIsFalse) {
   own.with(u"tForms", {});
-  common.with(fakes::tableNamed(sqlite::schema::commonLanguage(), u"tMsgBox"), {});
+  common.with(fakes::tableNamed(language::commonTables, u"tMsgBox"), {});
   EXPECT_FALSE(comPicture::ApplyBackground(form, own.open(), common.open(), 0, u"", files, loader));
 }
 

@@ -1,3 +1,4 @@
+#include "store/fault_database.h"
 #include "store/store_fixture.h"
 
 namespace vordane::store {
@@ -69,7 +70,7 @@ TEST_F(IngestionTest, TheExchangeThatIsStoredAlreadyBecomesTheForms) {
   form.ingest(store);
   EXPECT_EQ(store.exchangeId(), mine);
   EXPECT_EQ(stored(u"ID"), Texts{u"2"});
-  EXPECT_EQ(store.datPBXList().RecordSource(), u"SELECT * FROM PBXList WHERE PBXName = 'PBX-1' AND ID = 2");
+  EXPECT_EQ(store.datPBXList().recordSource(), u"SELECT * FROM PBXList WHERE PBXName = 'PBX-1' AND ID = 2");
 }
 
 TEST_F(IngestionTest, SaysThatAnEmptyListBroughtNothing) {
@@ -343,8 +344,8 @@ TEST_F(IngestionTest, StopsWhenTheFormWentAwayAtTheReportOfAMissingDatabase) {
 
 TEST_F(IngestionTest, AnIdBeyond16BitsIsAnError) {
   form.database.reset();
-  sqlite::DatabaseWriter writer(file.path(), true);
-  writer.createTables(sqlite::schema::faultDatabase());
+  tools::DatabaseWriter writer(file.path(), true);
+  writer.createTables(store::faultTables);
   writer.setLastAutoNumber(u"PBXList", 32767);
   writer.finish();
   form.database = file.open();

@@ -14,8 +14,11 @@
 #include "language_build.h"
 #include "places.h"
 #include "platform/sqlite/engine.h"
+#include "settings/suite_databases.h"
 #include "setup_language.h"
 #include "setup_stage.h"
+#include "startup/databases.h"
+#include "tools/sqlite/database_writer.h"
 
 namespace vordane::tools {
 namespace {
@@ -29,7 +32,7 @@ using testing::IsEmpty;
 // A workstation without a registry of its own.
 struct FakeSystem : SetupSystem {
   Words words() override { return Words::x64; }
-  std::unique_ptr<database::Engine> engine() override { return sqlite::makeEngine(); }
+  std::unique_ptr<database::Engine> engine() override { return sqlite::makeEngine(startup::databases); }
   bool inUse(const fs::path& file) override { return used.contains(file.filename().string()); }
   std::optional<Version> versionOf(const fs::path& program) override {
     return fs::exists(program) ? version : std::nullopt;
@@ -136,10 +139,11 @@ class Setup : public testing::Test {
   }
   LanguageSource shipped(const std::string& name) {
     Problems problems;
-    return readLanguage(test::sourceFolder() / "data/language" / name, problems);
+    return readLanguageSource(test::sourceFolder() / "data/language" / name, problems);
   }
   LanguageSource installed() {
-    const auto own = sqlite::makeEngine()->open(toText(layout.ownDatabases() / "VORDANE.LNG"), true);
+    const auto own =
+        sqlite::makeEngine(startup::databases)->open(toText(layout.ownDatabases() / "VORDANE.LNG"), true);
     return installedLanguage(*own, nullptr, "VORDANE.LNG");
   }
   static std::u16string& field(SourceRows& rows, std::u16string_view key, std::size_t column) {
@@ -148,7 +152,8 @@ class Setup : public testing::Test {
     throw std::out_of_range("no such row");
   }
   std::size_t rowsOfAddin() {
-    const auto registry = sqlite::makeEngine()->open(toText(layout.sharedDatabases() / "Register.mdb"), true);
+    const auto registry =
+        sqlite::makeEngine(startup::databases)->open(toText(layout.sharedDatabases() / "Register.mdb"), true);
     const auto rows = registry->openRecordset(u"SELECT * FROM Registry WHERE AppName = \"VORDANE.WRX\"");
     std::size_t count = 0;
     for (; !rows->atEnd(); rows->moveNext()) ++count;
@@ -179,6 +184,21 @@ TEST_F(Setup, ASetOfItsOwnIsWholeRegisteredAndFound) {
   EXPECT_FALSE(fs::exists(root / "ADDINS/~SETUP"));
 }
 
+TEST_F(Setup, TheGuideComesInTheLanguageOfTheSet) {
+  fs::remove(package / "data");
+  fs::create_directories(package / "data");
+  for (const char* part : {"language", "report"})
+    fs::create_directory_symlink(test::sourceFolder() / "data" / part, package / "data" / part);
+  for (const char* language : {"en", "ja"})
+    write(package / "data/guide" / language / "guide.html", std::string("guide ") + language);
+  ASSERT_EQ(run(request("ja")), Outcome::done) << told.back();
+  EXPECT_EQ(contentOf(layout.guide() / "guide.html"), "guide ja");
+  ASSERT_EQ(run(request("en")), Outcome::done) << told.back();
+  EXPECT_EQ(contentOf(layout.guide() / "guide.html"), "guide ja");
+  ASSERT_EQ(take(), Outcome::done);
+  EXPECT_FALSE(fs::exists(layout.guide()));
+}
+
 TEST_F(Setup, WithoutTheDemonstrationThereIsNoSimulator) {
   InstallRequest asked = request();
   asked.everybody = false;
@@ -192,8 +212,8 @@ TEST_F(Setup, NothingOfASuiteIsOverwrittenAndItsListGetsOurRowOnce) {
   write(layout.sharedDatabases() / "Common.LNG", "the suite's own");
   write(layout.pictures() / "MIST.BMP", "the suite's own");
   {
-    sqlite::DatabaseWriter registry(toText(layout.sharedDatabases() / "Register.mdb"));
-    registry.createTables(sqlite::schema::registration());
+    DatabaseWriter registry(toText(layout.sharedDatabases() / "Register.mdb"));
+    registry.createTables(settings::registrationTables);
     registry.finish();
   }
   for (int time = 0; time < 2; ++time) {

@@ -14,6 +14,7 @@
 #include "places.h"
 #include "platform/control_types.h"
 #include "report_layout.h"
+#include "startup/databases.h"
 #include "suite_files.h"
 
 namespace vordane::tools {
@@ -23,10 +24,10 @@ class Suite : public testing::TestWithParam<const char*> {
  protected:
   Suite() : texts(GetParam()), layout{texts.files.folder() / "30000"} {
     Problems problems;
-    source = readLanguage(texts.folder(), problems);
+    source = readLanguageSource(texts.folder(), problems);
   }
   std::unique_ptr<database::Database> open(const std::filesystem::path& file) {
-    return sqlite::makeEngine()->open(toText(file), true);
+    return sqlite::makeEngine(startup::databases)->open(toText(file), true);
   }
 
   fakes::LanguageFolder texts;
@@ -59,7 +60,7 @@ TEST_P(Suite, ItsLanguageLoadsWhole) {
   EXPECT_TRUE(comLanguage::LoadTextArray(messages, u"tMessages", *language));
   EXPECT_EQ(static_cast<std::int32_t>(messages.size()), messageCount);
   EXPECT_FALSE(messages[message::noHelpText].empty());
-  EXPECT_GE(comLanguage::LoadHelpTexts(form, *language).size(), 5U);
+  EXPECT_GE(comLanguage::loadHelpTexts(form, *language).size(), 5U);
   for (const KindList& list : kindLists) {
     const auto items = static_cast<int>(form.control(list.name()).items().size());
     EXPECT_TRUE(list.atLeast ? items >= list.items : items == list.items);
@@ -90,13 +91,13 @@ TEST(SuiteFiles, StandInTheInstalledLayout) {
   fakes::LanguageFolder texts;
   Problems problems;
   const SuiteLayout layout{texts.files.folder() / "30000"};
-  makeSuiteFiles(layout, readLanguage(texts.folder(), problems));
+  makeSuiteFiles(layout, readLanguageSource(texts.folder(), problems));
   for (const char* file :
        {"ADDINS/DATABASE/FAULT.MDB", "ADDINS/DATABASE/VORDANE.LNG", "ADDINS/HELP/VORDANE.TXT",
         "QUIL32/DATABASE/Common.LNG", "QUIL32/DATABASE/Register.mdb", "QUIL32/DATABASE/Schedule.mdb",
         "BACKGRND/VORDBACK.BMP", "BACKGRND/MIST.BMP"})
     EXPECT_TRUE(std::filesystem::exists(layout.root / file)) << file;
-  const auto engine = sqlite::makeEngine();
+  const auto engine = sqlite::makeEngine(startup::databases);
   const auto registry = engine->open(toText(layout.sharedDatabases() / "Register.mdb"), true);
   EXPECT_FALSE(registry->openRecordset(u"SELECT * FROM Registry WHERE AppName = \"VORDANE.WRX\"")->isEmpty());
   const auto schedule = engine->open(toText(layout.sharedDatabases() / "Schedule.mdb"), true);
@@ -108,7 +109,7 @@ TEST(SuiteFiles, StandInTheInstalledLayout) {
 std::string layoutIn(const char* language) {
   fakes::LanguageFolder texts(language);
   Problems problems;
-  LanguageSource source = readLanguage(texts.folder(), problems);
+  LanguageSource source = readLanguageSource(texts.folder(), problems);
   source.name = language;
   const SuiteLayout layout{texts.files.folder() / "30000"};
   for (int time = 0; time < 2; ++time)
@@ -158,24 +159,26 @@ TEST(SuiteFiles, StoredFaultsStayWhenTheFilesAreMadeAgain) {
   fakes::LanguageFolder texts;
   Problems problems;
   const SuiteLayout layout{texts.files.folder() / "30000"};
-  const LanguageSource source = readLanguage(texts.folder(), problems);
+  const LanguageSource source = readLanguageSource(texts.folder(), problems);
   makeSuiteFiles(layout, source);
   {
-    const auto faults = sqlite::makeEngine()->open(toText(layout.ownDatabases() / "FAULT.MDB"), false);
+    const auto faults =
+        sqlite::makeEngine(startup::databases)->open(toText(layout.ownDatabases() / "FAULT.MDB"), false);
     const auto rows = faults->openRecordset(u"Select * FROM PBXList");
     rows->addNew();
     rows->set(u"PBXName", std::u16string(u"PBX-1"));
     rows->update();
   }
   makeSuiteFiles(layout, source);
-  const auto faults = sqlite::makeEngine()->open(toText(layout.ownDatabases() / "FAULT.MDB"), true);
+  const auto faults =
+      sqlite::makeEngine(startup::databases)->open(toText(layout.ownDatabases() / "FAULT.MDB"), true);
   EXPECT_FALSE(faults->openRecordset(u"Select * FROM PBXList WHERE PBXName = \"PBX-1\"")->isEmpty());
 }
 
 TEST(BackgroundPictures, EveryNameOfTheSetsIsDrawn) {
   Problems problems;
   fakes::LanguageFolder texts;
-  const LanguageSource source = readLanguage(texts.folder(), problems);
+  const LanguageSource source = readLanguageSource(texts.folder(), problems);
   const auto drawn = [](std::u16string_view file) {
     for (const BackgroundPicture& picture : backgroundPictures())
       if (picture.file == file) return true;

@@ -12,11 +12,15 @@ packages=(
   # importing Access files
   mdbtools mdbtools-dev libglib2.0-dev libseccomp-dev pkg-config
   # testing; clang builds what is sanitized, and looks at the form of every file
-  googletest libgtest-dev libgmock-dev clang libclang-rt-14-dev clang-format-14 nlohmann-json3-dev
+  googletest libgtest-dev libgmock-dev clang libclang-rt-14-dev clang-format-14
+  # libraries that are headers alone
+  libcli11-dev nlohmann-json3-dev
   # the kit for Windows workstations
   zip unzip
   # the installer, and signing it
   nsis osslsigncode openssl
+  # the guide
+  pandoc
   # running Windows programs without a screen, and looking at them
   wine wine64 xvfb xauth xdotool openbox imagemagick fonts-dejavu-core fonts-noto-core fonts-vlgothic
   # the root for the newer Wine

@@ -14,6 +14,7 @@
 #include "platform/windows/window/background.h"
 #include "platform/windows/window/win32_view.h"
 #include "startup/application.h"
+#include "startup/databases.h"
 #include "startup/dlgFaultDisplay.h"
 
 namespace vordane {
@@ -30,24 +31,26 @@ struct Parts {
   windows::SystemClock clock;
   windows::SystemFiles files;
   windows::ComObjectCreator creator;
+  windows::SystemDocuments documents;
   Pictures pictures;
   std::unique_ptr<database::Engine> engine = database::makeEngineChoice(
-      dao::makeEngine(creator), sqlite::makeEngine({windows::isOnNetworkDrive}), {windows::isHeldByOthers});
+      dao::makeEngine(startup::databases, creator),
+      sqlite::makeEngine(startup::databases, {windows::isOnNetworkDrive}), {windows::isHeldByOthers});
 
   SharedState state;
   MessageTexts viewTexts{state};
   std::unique_ptr<window::win32::Win32View> view = window::win32::makeWin32View(viewTexts, settings);
   windows::SystemMessageBoxes boxes{[this] { return view->window(); },
                                     [this](std::u16string_view file) { showHelp(file); }};
-  startup::Application application{
-      {settings, clock, files, creator, boxes, *engine, *view, pictures, process, windows::thisProgram()},
-      state};
+  startup::Application application{{settings, clock, files, creator, boxes, documents, *engine, *view,
+                                    pictures, process, windows::thisProgram()},
+                                   state};
 
   Parts() { apartment.filterCalls(application); }
 
   void showHelp(std::u16string_view file) {
     const auto document = application.helpDocument(file);
-    if (!document || !windows::openDocument(*document)) application.showBox(box::helpNotFound, file);
+    if (!document || !documents.open(*document)) application.showBox(box::helpNotFound, file);
   }
 };
 

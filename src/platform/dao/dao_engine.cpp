@@ -5,25 +5,22 @@
 #include <utility>
 
 #include "platform/dao/dao_objects.h"
+#include "platform/database_numbers.h"
 #include "platform/jet.h"
 
 namespace vordane::dao {
 namespace {
 
 using automation::byVal;
+namespace number = database::number;
 
 constexpr std::int16_t openDynaset = 2;    // dbOpenDynaset: holds the rows' keys and fetches the rows
 constexpr std::int32_t failOnError = 128;  // dbFailOnError: a statement that fails half way changes nothing
 
 // The engine's numbers that callers of this interface know by another one, or act upon here.
 constexpr int pathNotValid = 3044;
-constexpr int fileNotFound = 3024;
 constexpr int openedExclusively = 3356;
 constexpr int inUse = 3045;
-constexpr int locked = 3260;
-constexpr int noPermission = 3051;
-constexpr int recordDeleted = 3167;
-constexpr int unknownFormat = 3343;
 
 Value text(std::u16string_view value) {
   return std::u16string(value);
@@ -75,7 +72,7 @@ class List : public database::RowList {
       put(rows_.object(), u"AbsolutePosition", static_cast<std::int32_t>(position));
       for (const Value& column : columns_) out.push_back(rows_.read(column));
     } catch (const database::DatabaseError& error) {
-      if (error.number() != recordDeleted) throw;
+      if (error.number() != number::recordGone) throw;
       out.clear();
       return false;
     }
@@ -92,7 +89,8 @@ class List : public database::RowList {
 // engine would run what they make of it, in other files too.
 class File : public database::Database {
  public:
-  explicit File(ObjectRef object) : object_(std::move(object)) {}
+  File(ObjectRef object, std::shared_ptr<const jet::Documented> documented)
+      : object_(std::move(object)), documented_(std::move(documented)) {}
   ~File() override { close(); }
   File(const File&) = delete;
   File& operator=(const File&) = delete;
@@ -100,7 +98,7 @@ class File : public database::Database {
   // A file that may not be changed opens all the same, and says so here.
   void requireUpdatable() const {
     if (!automation::toBoolean(dao::get(object_, u"Updatable")))
-      throw database::DatabaseError(noPermission, u"The database is read-only.");
+      throw database::DatabaseError(number::noPermission, u"The database is read-only.");
   }
 
   // A table that lies in another file, or a query that stands for one, would be read and changed in its
@@ -115,17 +113,17 @@ class File : public database::Database {
   }
 
   std::unique_ptr<database::Recordset> openRecordset(std::u16string_view statement) override {
-    jet::requireKnown(statement, lifted_);
+    documented_->require(statement, lifted_);
     return std::make_unique<Rows>(getObject(object_, u"OpenRecordset", {byVal(text(statement))}));
   }
   std::unique_ptr<database::RowList> openRowList(std::u16string_view statement,
                                                  std::span<const std::u16string_view> columns) override {
-    jet::requireKnown(statement, lifted_);
+    documented_->require(statement, lifted_);
     return std::make_unique<List>(
         getObject(object_, u"OpenRecordset", {byVal(text(statement)), byVal(openDynaset)}), columns);
   }
   void execute(std::u16string_view statement) override {
-    jet::requireKnown(statement, lifted_);
+    documented_->require(statement, lifted_);
     call(object_, u"Execute", {byVal(text(statement)), byVal(failOnError)});
   }
 
@@ -146,7 +144,7 @@ class File : public database::Database {
   }
 
  private:
-  // Those under a documented name.
+  // Those under a described name.
   template <class Look>
   void forEach(std::u16string_view collection, const Look& look) const {
     const ObjectRef all = getObject(object_, collection);
@@ -154,26 +152,31 @@ class File : public database::Database {
     for (std::int32_t i = 0; i < count; ++i) {
       const ObjectRef one = getObject(all, u"Item", {byVal(i)});
       const std::u16string name = automation::toText(dao::get(one, u"Name"));
-      if (jet::isDocumentedTable(name)) look(one, name);
+      if (documented_->hasTable(name)) look(one, name);
     }
   }
   [[noreturn]] static void refuse(const std::u16string& name) {
-    throw database::DatabaseError(unknownFormat, u"Not a table of the database's own: '" + name + u"'.");
+    throw database::DatabaseError(number::notADatabase,
+                                  u"Not a table of the database's own: '" + name + u"'.");
   }
 
   ObjectRef object_;
+  std::shared_ptr<const jet::Documented> documented_;
   jet::Lifted lifted_;  // keeps its memory between statements
   bool closed_ = false;
 };
 
 class DaoEngine : public database::Engine {
  public:
-  DaoEngine(platform::ObjectCreator& creator, std::chrono::milliseconds lockWait)
-      : creator_(creator), lockWait_(lockWait) {}
+  DaoEngine(database::Descriptions descriptions, platform::ObjectCreator& creator,
+            std::chrono::milliseconds lockWait)
+      : documented_(std::make_shared<const jet::Documented>(descriptions)),
+        creator_(creator),
+        lockWait_(lockWait) {}
 
   std::unique_ptr<database::Database> open(std::u16string_view path, bool readOnly) override {
     if (!engine_) engine_ = createEngine(creator_);
-    auto file = std::make_unique<File>(openPatiently(path, readOnly));
+    auto file = std::make_unique<File>(openPatiently(path, readOnly), documented_);
     if (!readOnly) file->requireUpdatable();
     file->requireTablesOfItsOwn();
     return file;
@@ -187,15 +190,17 @@ class DaoEngine : public database::Engine {
       try {
         return openDatabase(engine_, path, readOnly);
       } catch (const database::DatabaseError& error) {
-        if (error.number() == pathNotValid) throw database::DatabaseError(fileNotFound, error.description());
+        if (error.number() == pathNotValid)
+          throw database::DatabaseError(number::fileNotFound, error.description());
         if (error.number() != inUse && error.number() != openedExclusively) throw;
         if (std::chrono::steady_clock::now() >= end)
-          throw database::DatabaseError(locked, error.description());
+          throw database::DatabaseError(number::locked, error.description());
       }
       std::this_thread::sleep_for(lockWait_ / 20);
     }
   }
 
+  std::shared_ptr<const jet::Documented> documented_;
   platform::ObjectCreator& creator_;
   std::chrono::milliseconds lockWait_;
   ObjectRef engine_;
@@ -203,9 +208,10 @@ class DaoEngine : public database::Engine {
 
 }  // namespace
 
-std::unique_ptr<database::Engine> makeEngine(platform::ObjectCreator& creator,
+std::unique_ptr<database::Engine> makeEngine(database::Descriptions descriptions,
+                                             platform::ObjectCreator& creator,
                                              std::chrono::milliseconds lockWait) {
-  return std::make_unique<DaoEngine>(creator, lockWait);
+  return std::make_unique<DaoEngine>(descriptions, creator, lockWait);
 }
 
 }  // namespace vordane::dao

@@ -1,6 +1,7 @@
 // How each statement shape is run: worked out once for a shape, kept with its prepared statements.
 #pragma once
 
+#include <array>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -9,12 +10,14 @@
 
 #include "platform/jet.h"
 #include "platform/sqlite/connection.h"
-#include "platform/sqlite/fault_index.h"
+#include "platform/sqlite/event_index.h"
 
 namespace vordane::sqlite {
 
 struct Plan {
-  enum class Special { none, sameFault, newestFaults, faultsOfExchange };
+  // Statements on a table of events that its index answers: the duplicate test, every event newest first, and
+  // an owner's events in order, or their deletion.
+  enum class Special { none, sameEvent, newestEvents, eventsOfOwner };
 
   jet::Shape shape;
   Table* table = nullptr;
@@ -24,7 +27,9 @@ struct Plan {
   StatementPool keys;                  // the key alone
   StatementPool byKey;                 // one row
   Special special = Special::none;
-  FaultOrder order = FaultOrder::date;
+  std::size_t ownerValue = 0;               // of the duplicate test: which value is compared with the owner
+  std::array<std::size_t, 5> textValues{};  // and which with the texts, as EventColumns has them
+  EventOrder order;
   bool descending = false;
 
   std::uint64_t tablesChanged = 0;  // the connection's count when it was made
@@ -38,7 +43,8 @@ struct Plan {
 // The plans of one connection, by shape.
 class Plans {
  public:
-  explicit Plans(Connection& connection) : connection_(connection) {}
+  Plans(Connection& connection, const jet::Documented& documented)
+      : connection_(connection), documented_(documented) {}
   // Takes a statement apart into `lifted`. Throws DatabaseError.
   Plan& find(std::u16string_view statement, jet::Lifted& lifted);
 
@@ -49,8 +55,10 @@ class Plans {
   };
   std::unique_ptr<Plan> make(const jet::Lifted& lifted);
   void remember(std::u16string_view statement, const jet::Lifted& lifted, Plan& plan);
-  Connection& connection_;
   void forgetIfTablesChanged();
+
+  Connection& connection_;
+  const jet::Documented& documented_;
   using ByShape = std::unordered_map<std::u16string, std::unique_ptr<Plan>>;
   ByShape plans_;
   std::vector<ByShape> former_;  // made for tables that were changed since; their rows may still be held
@@ -61,8 +69,12 @@ class Plans {
 // What a database and the recordsets and lists it gave out share: none of them is cut off by the end of
 // another.
 struct Opened {
-  Opened(Handle handle, bool readOnly, const Options& options)
-      : connection(std::move(handle), readOnly, options), plans(connection) {}
+  Opened(Handle handle, bool readOnly, const Options& options,
+         std::shared_ptr<const jet::Documented> whatIsDocumented)
+      : documented(std::move(whatIsDocumented)),
+        connection(std::move(handle), readOnly, options, documented->descriptions()),
+        plans(connection, *documented) {}
+  std::shared_ptr<const jet::Documented> documented;
   Connection connection;
   Plans plans;
   jet::Lifted lifted;  // of the statement at hand; keeps its memory for the next

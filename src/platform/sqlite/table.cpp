@@ -11,19 +11,6 @@
 namespace vordane::sqlite {
 namespace {
 
-struct NamedColumn {
-  std::u16string_view table, column;
-  Kind kind;
-};
-
-// Columns whose documented type a declaration in plain SQLite may not show.
-constexpr NamedColumn documentedKinds[] = {
-    {u"pbxlist", u"id", Kind::integer16},      {u"faultdisplay", u"id", Kind::integer16},
-    {u"pbxlist", u"mj", Kind::yesNo},          {u"pbxlist", u"mn", Kind::yesNo},
-    {u"tcomboboxdt", u"visible", Kind::yesNo}, {u"options", u"errorstop", Kind::yesNo},
-    {u"options", u"log", Kind::yesNo},         {u"options", u"log2", Kind::yesNo},
-};
-
 struct DeclaredWord {
   std::u16string_view word;
   Kind kind;
@@ -60,6 +47,30 @@ bool isMoment(std::u16string_view text) {
          });
 }
 
+// Of a type that a declaration in plain SQLite may not show.
+std::optional<Kind> kindOf(database::ColumnType type) {
+  switch (type) {
+    case database::ColumnType::shortInteger:
+    case database::ColumnType::shortAutoNumber:
+      return Kind::integer16;
+    case database::ColumnType::yesNo:
+      return Kind::yesNo;
+    default:
+      return std::nullopt;
+  }
+}
+
+std::optional<Kind> describedKind(database::Descriptions descriptions, std::u16string_view tableName,
+                                  std::u16string_view columnName) {
+  for (const database::Description& description : descriptions)
+    for (const database::TableDefinition& table : description.tables)
+      for (const database::ColumnDefinition& column : table.columns)
+        if (text::equalIgnoringCase(table.name, tableName) &&
+            text::equalIgnoringCase(column.name, columnName))
+          return kindOf(column.type);
+  return std::nullopt;
+}
+
 database::Value fitText(const Column& column, const database::Value& value, bool utf8File) {
   std::u16string text = automation::toText(value);
   if (utf8File && changesInUtf8(text)) fail(number::badValue, column.name);
@@ -82,14 +93,19 @@ std::size_t Table::column(std::u16string_view columnName, int errorNumber) const
   return *found;
 }
 
-Kind kindOf(std::u16string_view table, std::u16string_view column, std::u16string_view declared) {
-  const std::u16string foldedTable = text::toLower(table), foldedColumn = text::toLower(column);
-  for (const NamedColumn& documented : documentedKinds)
-    if (documented.table == foldedTable && documented.column == foldedColumn) return documented.kind;
+Kind kindOf(database::Descriptions descriptions, std::u16string_view table, std::u16string_view column,
+            std::u16string_view declared) {
+  if (const auto described = describedKind(descriptions, table, column)) return *described;
   const std::u16string folded = text::toLower(declared);
   for (const DeclaredWord& known : declaredKinds)
     if (text::contains(folded, known.word)) return known.kind;
   return Kind::other;
+}
+
+const database::EventTable* eventsOf(database::Descriptions descriptions) {
+  for (const database::Description& description : descriptions)
+    if (description.events != nullptr) return description.events;
+  return nullptr;
 }
 
 Affinity affinityOf(std::u16string_view declared) {
@@ -108,6 +124,45 @@ std::string quote(std::u16string_view name) {
   }
   quoted.push_back('"');
   return quoted;
+}
+
+std::optional<EventColumns> findEvents(const Table& table, const database::EventTable& description) {
+  if (!table.autoNumber || !table.counted || table.find(description.key) != table.autoNumber)
+    return std::nullopt;
+  const auto find = [&](std::u16string_view name, Affinity affinity) {
+    const auto found = table.find(name);
+    return found && table.columns[*found].affinity == affinity ? found : std::nullopt;
+  };
+  const auto owner = find(description.owner, Affinity::integer);
+  if (!owner) return std::nullopt;
+  EventColumns columns{*owner, {}};
+  const auto& kind = description.kind;
+  const std::u16string_view texts[] = {kind[0], kind[1], kind[2], description.moment,
+                                       description.description};
+  for (std::size_t i = 0; i < columns.texts.size(); ++i) {
+    const auto text = find(texts[i], Affinity::text);
+    if (!text) return std::nullopt;
+    columns.texts[i] = *text;
+  }
+  return columns;
+}
+
+std::string eventSql(const Table& table, std::string_view sql) {
+  constexpr std::string_view textNames[] = {"kind0", "kind1", "kind2", "moment", "description"};
+  const auto nameOf = [&](std::string_view mark) -> const std::string& {
+    if (mark == "table") return table.quoted;
+    if (mark == "key") return table.columns[*table.autoNumber].quoted;
+    if (mark == "owner") return table.columns[table.events->owner].quoted;
+    const auto* text = std::find(std::begin(textNames), std::end(textNames), mark);
+    return table.columns[table.events->texts.at(static_cast<std::size_t>(text - textNames))].quoted;
+  };
+  std::string result;
+  for (auto begin = sql.find('{'); begin != sql.npos; begin = sql.find('{')) {
+    const auto end = sql.find('}', begin);
+    result.append(sql.substr(0, begin)).append(nameOf(sql.substr(begin + 1, end - begin - 1)));
+    sql.remove_prefix(end + 1);
+  }
+  return result.append(sql);
 }
 
 database::Value fit(const Column& column, const database::Value& value, bool utf8File) {

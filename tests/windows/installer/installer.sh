@@ -14,7 +14,7 @@ expect() { [ "$2" = "$3" ] || fail "$1: expected '$2', got '$3'"; printf 'ok: %s
 setup() {
   local code=0
   quick "$installer" $2 >/dev/null 2>&1 || code=$?
-  [ "$1" = "$code" ] || tail -n 5 "$drive"/*.log
+  [ "$1" = "$code" ] || find "$drive" -maxdepth 1 -name '*.log' -newer "$installer" -exec tail -n 4 {} +
   expect "exit code of $2" "$1" "$code"
 }
 remove() {  # CODE ROOT ARGUMENTS: in place, since a remover that copies itself ends at once

@@ -16,7 +16,8 @@ bool isConsole(HANDLE out) {
 // for such a program: its own next line stands there already, so that ours begins below it.
 HANDLE startersConsole() {
   static const com::File console = [] {
-    if (!AttachConsole(ATTACH_PARENT_PROCESS)) return com::File();
+    // It may be this program's already: not every system takes it away from a program with windows.
+    if (!AttachConsole(ATTACH_PARENT_PROCESS) && GetLastError() != ERROR_ACCESS_DENIED) return com::File();
     com::File out(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
                               nullptr, OPEN_EXISTING, 0, nullptr));
     DWORD written = 0;
@@ -26,10 +27,7 @@ HANDLE startersConsole() {
   return console.get();
 }
 
-}  // namespace
-
-void printLine(std::u16string_view line) {
-  HANDLE out = GetStdHandle(STD_OUTPUT_HANDLE);
+void print(HANDLE out, std::u16string_view line) {
   if (out == nullptr || out == INVALID_HANDLE_VALUE) out = startersConsole();
   const std::u16string whole = std::u16string(line) + u"\r\n";
   DWORD written = 0;
@@ -39,6 +37,16 @@ void printLine(std::u16string_view line) {
   }
   const std::string bytes = text::toUtf8(whole);
   WriteFile(out, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+}
+
+}  // namespace
+
+void printLine(std::u16string_view line) {
+  print(GetStdHandle(STD_OUTPUT_HANDLE), line);
+}
+
+void printMistake(std::u16string_view line) {
+  print(GetStdHandle(STD_ERROR_HANDLE), line);
 }
 
 }  // namespace vordane::windows

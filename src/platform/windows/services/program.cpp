@@ -9,6 +9,7 @@
 #include "platform/command_line.h"
 #include "platform/windows/com/owned.h"
 #include "platform/windows/services/services.h"
+#include "text/utf8.h"
 
 namespace vordane::windows {
 namespace {
@@ -88,6 +89,16 @@ platform::Program thisProgram() {
   return program;
 }
 
+std::vector<std::string> programWords() {
+  int count = 0;
+  LPWSTR* const values = CommandLineToArgvW(GetCommandLineW(), &count);
+  std::vector<std::string> words;
+  for (int i = 1; values != nullptr && i < count; ++i)
+    words.push_back(text::toUtf8(com::fromWide(values[i])));
+  LocalFree(values);
+  return words;
+}
+
 bool stationIsVisible() {
   USEROBJECTFLAGS flags{};
   DWORD needed = 0;
@@ -96,12 +107,17 @@ bool stationIsVisible() {
   return (flags.dwFlags & WSF_VISIBLE) != 0;
 }
 
-bool openDocument(std::u16string_view path) {
+bool SystemDocuments::open(std::u16string_view path) {
   const std::wstring name(path.begin(), path.end());
-  if (GetFileAttributesW(name.c_str()) == INVALID_FILE_ATTRIBUTES) return false;
+  const DWORD attributes = GetFileAttributesW(name.c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return false;
+  return shell_(name);
+}
+
+bool SystemDocuments::openWithDesktop(const std::wstring& path) {
   constexpr INT_PTR firstSuccess = 33;  // up to 32 the answer is an error code
   return reinterpret_cast<INT_PTR>(
-             ShellExecuteW(nullptr, L"open", name.c_str(), nullptr, nullptr, SW_SHOWNORMAL)) >= firstSuccess;
+             ShellExecuteW(nullptr, L"open", path.c_str(), nullptr, nullptr, SW_SHOWNORMAL)) >= firstSuccess;
 }
 
 }  // namespace vordane::windows

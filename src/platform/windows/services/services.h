@@ -6,6 +6,8 @@
 
 #include <functional>
 #include <optional>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/command_line.h"
@@ -83,9 +85,18 @@ struct FileVersion {
 };
 std::optional<FileVersion> versionOfFile(std::u16string_view program);
 
-// Writes a line to wherever whoever started this program reads: as UTF-8 to a file or pipe, as text of any
-// script to a console, also that of the command prompt that a program with windows was started from.
+// "HH:MM:SS.mmm", now: the beginning of a line that tells what happened.
+std::u16string timeOfLine();
+
+// The words of the command line behind the program's name, as UTF-8. What main receives has been forced into
+// the system's code page; the command line has not.
+std::vector<std::string> programWords();
+
+// Writes a line, of output or about a mistake, to wherever whoever started this program reads: as UTF-8 to a
+// file or pipe, as text of any script to a console, also that of the command prompt that a program with
+// windows was started from.
 void printLine(std::u16string_view line);
+void printMistake(std::u16string_view line);
 
 // Registers a program, or takes it away, as its command line asks, and prints what became of it. A program
 // for everybody that others than administrators may replace is named with them. The exit code (0 done, 1 not
@@ -106,7 +117,18 @@ bool isOnNetworkDrive(std::u16string_view path);
 // True when another program has opened a file exclusively, or keeps its beginning locked.
 bool isHeldByOthers(std::u16string_view path);
 
-// Opens a document with what the workstation has for it; false when there is nothing.
-bool openDocument(std::u16string_view path);
+// What the desktop opens a file of that type with.
+class SystemDocuments : public platform::Documents {
+ public:
+  // Hands a file to the desktop: true when a program took it.
+  using Shell = std::function<bool(const std::wstring& path)>;
+  explicit SystemDocuments(Shell shell = openWithDesktop) : shell_(std::move(shell)) {}
+  bool open(std::u16string_view path) override;
+
+ private:
+  static bool openWithDesktop(const std::wstring& path);
+
+  Shell shell_;
+};
 
 }  // namespace vordane::windows
