@@ -7,9 +7,10 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <initializer_list>
 #include <string>
 #include <string_view>
+
+#include "text/fill.h"
 
 namespace vordane::message {
 
@@ -127,12 +128,39 @@ inline constexpr std::size_t reasonTextCut = 240;  // longer than is kept
 inline constexpr std::size_t reasonNoMemory = 241;
 inline constexpr std::size_t statusNotDeleted = 242;  // {1} time; another exchange came to be shown
 
+// Of the filter.
+inline constexpr std::size_t filterText = 243;
+inline constexpr std::size_t filterMajor = 244;
+inline constexpr std::size_t filterMinor = 245;
+inline constexpr std::size_t filterKindsAll = 246;
+inline constexpr std::size_t filterKindsSome = 247;  // {1} of {2}
+inline constexpr std::size_t filterKindsName = 248;
+inline constexpr std::size_t filterProcessor = 249;
+inline constexpr std::size_t filterAnyProcessor = 250;
+inline constexpr std::size_t filterSince = 251;
+inline constexpr std::size_t filterUntil = 252;
+inline constexpr std::size_t filterDateStyle = 253;
+inline constexpr std::size_t filterClear = 254;
+inline constexpr std::size_t filterClose = 255;
+inline constexpr std::size_t filterOtherDates = 256;  // {1} faults
+inline constexpr std::size_t filterNote = 257;        // {1} faults
+inline constexpr std::size_t filterBadDate = 258;
+inline constexpr std::size_t filterBadOrder = 259;
+inline constexpr std::size_t filterAtWork = 260;    // {1} of {2}
+inline constexpr std::size_t filterFailed = 261;    // {1} the engine's text
+inline constexpr std::size_t filterHidesAll = 262;  // {1} faults
+inline constexpr std::size_t shownCount = 263;      // {1} of {2}
+inline constexpr std::size_t onlyKind = 264;        // {1} kind
+inline constexpr std::size_t withoutKind = 265;     // {1} kind
+inline constexpr std::size_t onlyProcessor = 266;   // {1} processor
+inline constexpr std::size_t onlyDay = 267;         // {1} day
+
 // The product's own numbers, as [first, end). Behind the last stand the titles and labels of fault kinds that
 // came later; own ones that come after those begin a range of their own.
 struct Range {
   std::size_t first, end;
 };
-inline constexpr std::array ownTexts{Range{165, 243}};
+inline constexpr std::array ownTexts{Range{165, 268}};
 inline constexpr std::size_t count = ownTexts.back().end;  // of all that are named here or stand before
 
 constexpr bool isOwn(std::size_t number) {
@@ -142,7 +170,9 @@ constexpr bool isOwn(std::size_t number) {
 }
 
 // The texts with an access key. Within one window, captions of controls included, a key opens one thing.
-inline constexpr std::array windowKeys{lookUpLabel, lookUpNext};
+inline constexpr std::array windowKeys{lookUpLabel, lookUpNext,     filterText,      filterMajor,
+                                       filterMinor, filterKindsAll, filterProcessor, filterSince,
+                                       filterUntil, filterClear,    filterOtherDates};
 inline constexpr std::array paneMenuKeys{menuCopy};
 
 }  // namespace vordane::message
@@ -163,11 +193,3 @@ inline constexpr std::int16_t helpNotFound = 901;  // substitution: the file
 inline constexpr std::array<std::int16_t, 8> all{102, 104, 105, 107, 108, 109, 900, 901};
 
 }  // namespace vordane::box
-
-namespace vordane {
-
-// `pattern` with {1} to {9} replaced by the values; a place without a value stays as it stands, so that a
-// wrong text shows.
-std::u16string fillText(std::u16string_view pattern, std::initializer_list<std::u16string_view> values);
-
-}  // namespace vordane

@@ -23,7 +23,7 @@ import threading
 from pathlib import Path
 
 REPOSITORY = Path(__file__).resolve().parents[2]
-FOLDERS = ["text", "platform", "platform/sqlite", "platform/dao", "settings", "language", "faults", "pbx", "status", "store",
+FOLDERS = ["text", "platform", "platform/sqlite", "platform/dao", "list", "settings", "language", "faults", "pbx", "status", "store",
            "startup"]
 # Test programs that say nothing about rules or take most of the time are asked last.
 LAST = ["reliability_tests", "crash_tests", "sorting_memory_tests", "import_tests"]

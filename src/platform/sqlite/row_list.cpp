@@ -1,6 +1,9 @@
 #include "platform/sqlite/row_list.h"
 
+#include <type_traits>
+
 #include "platform/sqlite/errors.h"
+#include "platform/sqlite/index_survey.h"
 #include "platform/sqlite/text_rules.h"
 
 namespace vordane::sqlite {
@@ -17,7 +20,8 @@ class EmbeddedRowList final : public database::RowList {
   EmbeddedRowList(std::shared_ptr<Opened> opened, const Plan& plan, Keys keys, bool backwards,
                   std::span<const std::u16string_view> columns,
                   std::optional<std::int64_t> exchange = std::nullopt)
-      : opened_(std::move(opened)),
+      : names_(columns.begin(), columns.end()),
+        opened_(std::move(opened)),
         connection_(opened_->connection),
         tablesChanged_(plan.tablesChanged),
         keys_(std::move(keys)),
@@ -61,6 +65,25 @@ class EmbeddedRowList final : public database::RowList {
     return {};
   }
 
+  void choose(std::u16string_view needle, std::span<const std::uint32_t> positions,
+              std::vector<std::uint32_t>& chosen) override {
+    connection_.beforeRead();
+    if (tablesChanged()) return;
+    const ReadScope reading(connection_);
+    FoldedNeedle folded(needle);
+    for (const std::uint32_t position : positions)
+      if (holds(position, folded)) chosen.push_back(position);
+  }
+
+  std::unique_ptr<database::Survey> survey(const database::SurveyedColumns& columns) override {
+    if constexpr (std::is_same_v<Key, std::uint32_t>) {
+      const bool indexed = names_[columns.kind[0]] == u"Fault" && names_[columns.kind[1]] == u"Alarm" &&
+                           names_[columns.kind[2]] == u"CPU" && names_[columns.time] == u"Date";
+      if (exchange_ && indexed) return surveyIndex(opened_, keys_, backwards_, *exchange_, tablesChanged_);
+    }
+    return RowList::survey(columns);
+  }
+
  private:
   std::int64_t keyAt(std::size_t position) const {
     return (*keys_)[backwards_ ? keys_->size() - 1 - position : position];
@@ -95,6 +118,7 @@ class EmbeddedRowList final : public database::RowList {
     return found;
   }
 
+  std::vector<std::u16string> names_;
   std::shared_ptr<Opened> opened_;
   Connection& connection_;
   std::uint64_t tablesChanged_;
