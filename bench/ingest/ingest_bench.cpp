@@ -16,11 +16,13 @@
 #include "fakes/memory_store_form.h"
 #include "faults/random_records.h"
 #include "platform/sqlite/engine.h"
-#include "platform/sqlite/schema.h"
+#include "startup/databases.h"
 #include "store/bare_store.h"
+#include "store/fault_database.h"
 #include "store/fault_record.h"
 #include "store/fault_store.h"
 #include "text/text.h"
+#include "tools/sqlite/database_writer.h"
 
 namespace vordane::bench {
 namespace {
@@ -32,7 +34,7 @@ class BenchFile {
  public:
   explicit BenchFile(const char* name)
       : path_(std::filesystem::temp_directory_path() / (std::string("vordane-ingest-") + name)) {
-    sqlite::createDatabase(path_.u16string(), sqlite::schema::faultDatabase(), true);
+    tools::createDatabase(path_.u16string(), store::faultTables, true);
     // The engine's first opening lays out its index.
     open()->openRecordset(u"SELECT * FROM FaultDisplay Order by [Date] Desc")->isEmpty();
   }
@@ -48,7 +50,7 @@ class BenchFile {
 
  private:
   std::filesystem::path path_;
-  std::unique_ptr<database::Engine> engine_ = sqlite::makeEngine();
+  std::unique_ptr<database::Engine> engine_ = sqlite::makeEngine(startup::databases);
 };
 
 std::u16string two(std::size_t number) {

@@ -7,9 +7,11 @@
 #include <filesystem>
 
 #include "platform/sqlite/engine.h"
-#include "platform/sqlite/schema.h"
+#include "startup/databases.h"
+#include "store/fault_database.h"
 #include "store/made_faults.h"
 #include "text/utf8.h"
+#include "tools/sqlite/database_writer.h"
 
 int main(int count, char** values) {
   using namespace vordane;
@@ -18,8 +20,8 @@ int main(int count, char** values) {
     return 2;
   }
   const std::u16string path = std::filesystem::path(values[1]).u16string();
-  sqlite::createDatabase(path, sqlite::schema::faultDatabase(), true);
-  const auto database = sqlite::makeEngine()->open(path, false);
+  tools::createDatabase(path, store::faultTables, true);
+  const auto database = sqlite::makeEngine(startup::databases)->open(path, false);
   const auto exchange = database->openRecordset(u"Select * FROM PBXList");
   exchange->addNew();
   exchange->set(u"PBXName", text::fromUtf8(values[2]));

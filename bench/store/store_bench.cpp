@@ -9,10 +9,12 @@
 
 #include "common/measure.h"
 #include "platform/sqlite/engine.h"
-#include "platform/sqlite/schema.h"
+#include "startup/databases.h"
 #include "store/bare_store.h"
+#include "store/fault_database.h"
 #include "store/filter_bench.h"
 #include "store/made_faults.h"
+#include "tools/sqlite/database_writer.h"
 
 namespace vordane::bench {
 namespace {
@@ -31,9 +33,9 @@ class Folder {
   Folder& operator=(const Folder&) = delete;
   std::filesystem::path fresh(std::string_view name) const {
     const auto file = path_ / name;
-    sqlite::createDatabase(file.u16string(), sqlite::schema::faultDatabase(), true);
+    tools::createDatabase(file.u16string(), store::faultTables, true);
     // The engine's first opening lays out its index.
-    const auto database = sqlite::makeEngine()->open(file.u16string(), false);
+    const auto database = sqlite::makeEngine(startup::databases)->open(file.u16string(), false);
     database->openRecordset(u"SELECT * FROM FaultDisplay Order by [Date] Desc")->isEmpty();
     return file;
   }
@@ -54,7 +56,7 @@ void oneMore(const Folder& folder) {
   Comparison comparison("one more fault, " + thousands(stored) + " stored", "the same, 1,000 stored",
                         timeAtMost(1.5));
   const auto manyFile = folder.fresh("many"), fewFile = folder.fresh("few");
-  const auto engine = sqlite::makeEngine();
+  const auto engine = sqlite::makeEngine(startup::databases);
   const auto many = engine->open(manyFile.u16string(), false), few = engine->open(fewFile.u16string(), false);
   ingest(*many, makeFaults(1, stored));
   ingest(*few, makeFaults(1, 1000));
@@ -105,7 +107,7 @@ constexpr Sorting sortings[] = {
 // against a bare walk along the index that holds it.
 void sorting(const Folder& folder) {
   const auto file = folder.fresh("sorted");
-  const auto database = sqlite::makeEngine()->open(file.u16string(), false);
+  const auto database = sqlite::makeEngine(startup::databases)->open(file.u16string(), false);
   ingest(*database, makeFaults(1, 1000000 / scale));
   BareStore bare(file.string());
   const std::u16string_view columns[] = {u"Count"};
@@ -152,7 +154,7 @@ void selectAmongOthers(const Folder& folder) {
   constexpr int times = 100;
   const auto exchanges = static_cast<std::int16_t>(1000 / scale);
   const auto crowdedFile = folder.fresh("crowded"), aloneFile = folder.fresh("alone");
-  const auto engine = sqlite::makeEngine();
+  const auto engine = sqlite::makeEngine(startup::databases);
   const auto crowded = engine->open(crowdedFile.u16string(), false),
              alone = engine->open(aloneFile.u16string(), false);
   for (std::int16_t id = 1; id <= exchanges; ++id) ingest(*crowded, makeFaults(id, 1000));
@@ -177,7 +179,7 @@ void deletion(const Folder& folder) {
   Comparison comparison("delete an exchange with " + thousands(faults.size()), "the two statements alone",
                         timeAtMost(1.1));
   const auto full = folder.fresh("full");
-  ingest(*sqlite::makeEngine()->open(full.u16string(), false), faults);
+  ingest(*sqlite::makeEngine(startup::databases)->open(full.u16string(), false), faults);
   const auto copy = [&] {
     const auto file = folder.fresh("deleted");
     std::filesystem::remove(file);  // not every library's copying overwrites
@@ -186,7 +188,7 @@ void deletion(const Folder& folder) {
   };
   for (int run = 0; run < runs; ++run) {
     const auto ourFile = copy();
-    auto database = sqlite::makeEngine()->open(ourFile.u16string(), false);
+    auto database = sqlite::makeEngine(startup::databases)->open(ourFile.u16string(), false);
     const double ours = processorSeconds([&] {
       database->execute(u"DELETE FROM PBXList WHERE ID = 1");
       database->execute(u"DELETE FROM FaultDisplay WHERE ID = 1");
@@ -202,7 +204,7 @@ void deletion(const Folder& folder) {
 // looks at nothing.
 void lookUp(const Folder& folder) {
   const auto file = folder.fresh("looked-up");
-  const auto database = sqlite::makeEngine()->open(file.u16string(), false);
+  const auto database = sqlite::makeEngine(startup::databases)->open(file.u16string(), false);
   ingest(*database, makeFaults(1, 1000000 / scale));
   BareStore bare(file.string());
   const std::u16string_view columns[] = {u"Fault", u"Alarm", u"Date", u"CPU", u"Description", u"Count"};
@@ -219,7 +221,7 @@ void lookUp(const Folder& folder) {
 
 void filter(const Folder& folder) {
   const auto file = folder.fresh("filtered");
-  const auto database = sqlite::makeEngine()->open(file.u16string(), false);
+  const auto database = sqlite::makeEngine(startup::databases)->open(file.u16string(), false);
   ingest(*database, makeFaults(1, 1000000 / scale));
   BareStore bare(file.string());
   const std::u16string_view columns[] = {u"Fault", u"Alarm", u"Date", u"CPU", u"Description", u"Count"};

@@ -15,6 +15,7 @@
 #include "platform/sqlite/engine.h"
 #include "platform/windows/window/children.h"
 #include "platform/windows/window/win32_view.h"
+#include "startup/databases.h"
 #include "text/utf8.h"
 #include "windows/window/fake_form.h"
 
@@ -129,7 +130,7 @@ double walk(Window& window) {
 }
 
 void measureScrolling(const std::u16string& path) {
-  const auto database = sqlite::makeEngine()->open(path, false);
+  const auto database = sqlite::makeEngine(startup::databases)->open(path, false);
   const std::u16string_view columns[] = {u"Fault", u"Alarm", u"Date", u"CPU", u"Description", u"Count"};
   const auto rows = database->openRowList(
       u"SELECT * FROM FaultDisplay WHERE ID = 1 Order by [Date] Desc, [Count] Desc, [Fault] Desc, [Alarm] "

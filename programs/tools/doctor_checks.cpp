@@ -6,14 +6,16 @@
 
 #include "doctor_paths.h"
 #include "language/form_controls.h"
+#include "language/language_databases.h"
 #include "language/row_values.h"
 #include "language_check.h"
 #include "platform/engine_choice.h"
-#include "platform/sqlite/integrity.h"
-#include "platform/sqlite/schema.h"
 #include "settings/shared_state.h"
+#include "settings/suite_databases.h"
+#include "store/fault_database.h"
 #include "text/text.h"
 #include "text/utf8.h"
+#include "tools/sqlite/integrity.h"
 
 namespace vordane::tools {
 namespace {
@@ -22,7 +24,7 @@ namespace fs = std::filesystem;
 using database::Database;
 using database::Recordset;
 using Findings = std::vector<Finding>;
-using Tables = std::span<const sqlite::TableDefinition>;
+using Tables = std::span<const database::TableDefinition>;
 
 // One file that the program opens.
 struct SuiteFile {
@@ -47,7 +49,7 @@ std::string nameOf(const fs::path& path) {
   return text::toUtf8(toText(path));
 }
 
-std::u16string columnList(const sqlite::TableDefinition& table) {
+std::u16string columnList(const database::TableDefinition& table) {
   std::u16string columns;
   for (const auto& column : table.columns)
     columns += (columns.empty() ? u"[" : u",[") + std::u16string(column.name) + u"]";
@@ -62,12 +64,12 @@ bool canRun(Database& database, const std::u16string& statement) try {
 }
 
 // A schedule may lack the job kind, and of the suite's registration only the add-in's own row is used.
-bool mayBeMissing(const sqlite::TableDefinition& table, const sqlite::ColumnDefinition& column) {
+bool mayBeMissing(const database::TableDefinition& table, const database::ColumnDefinition& column) {
   if (table.name == u"Registry") return column.name != u"AppName" && column.name != u"Version";
   return table.name == u"Options" && column.name == u"Kind";
 }
 
-void examineTable(Database& database, const sqlite::TableDefinition& table, const SuiteFile& file,
+void examineTable(Database& database, const database::TableDefinition& table, const SuiteFile& file,
                   Findings& findings) {
   const Weight weight = file.weightOf(table.name);
   const std::u16string from = u" from " + std::u16string(table.name);
@@ -93,7 +95,7 @@ bool canWrite(const fs::path& path) {
 // A file that opens may still be damaged further inside.
 bool isWhole(const SuiteFile& file, Findings& findings) {
   if (database::fileKind(toText(file.path)) != database::FileKind::embedded) return true;
-  const std::string damage = sqlite::damageIn(toText(file.path));
+  const std::string damage = damageIn(toText(file.path));
   if (!damage.empty()) findings.push_back({file.weight, nameOf(file.path) + " is damaged: " + damage});
   return damage.empty();
 }
@@ -320,24 +322,24 @@ std::vector<Finding> examineFiles(const SuiteLayout& layout, database::Engine& e
       for (const auto& table : file.tables) examineTable(*database, table, file, findings);
     return database;
   };
-  const auto own = open({layout.ownDatabases() / "VORDANE.LNG", sqlite::schema::ownLanguage(), Weight::fatal,
-                         false, "the program ends at its start", ownNeeded});
-  const auto common = open({layout.sharedDatabases() / "Common.LNG", sqlite::schema::commonLanguage(),
-                            Weight::fatal, false, "the program ends at its start", commonNeeded});
+  const auto own = open({layout.ownDatabases() / "VORDANE.LNG", language::ownTables, Weight::fatal, false,
+                         "the program ends at its start", ownNeeded});
+  const auto common = open({layout.sharedDatabases() / "Common.LNG", language::commonTables, Weight::fatal,
+                            false, "the program ends at its start", commonNeeded});
   const auto faults = open({layout.ownDatabases() / "FAULT.MDB",
-                            sqlite::schema::faultDatabase(),
+                            store::faultTables,
                             Weight::fatal,
                             true,
                             "no faults can be stored or shown",
                             {}});
   const auto registry = open({layout.sharedDatabases() / "Register.mdb",
-                              sqlite::schema::registration(),
+                              settings::registrationTables,
                               Weight::fatal,
                               true,
                               "the program ends when a host creates it",
                               {}});
   open({layout.sharedDatabases() / "Schedule.mdb",
-        sqlite::schema::schedule(),
+        settings::scheduleTables,
         Weight::incomplete,
         false,
         "scheduled jobs run with the default options and without a log",

@@ -4,8 +4,8 @@
 
 #include "csv.h"
 #include "lines.h"
+#include "store/statements.h"
 #include "terminal_text.h"
-#include "text/numbers.h"
 #include "text/text.h"
 #include "text/utf8.h"
 
@@ -14,11 +14,6 @@ namespace {
 
 using database::Recordset;
 using Form = ListOptions::Form;
-
-constexpr std::u16string_view exchanges = u"SELECT * FROM PBXList Order by [TimeStamp] Desc";
-constexpr std::u16string_view faultsOf = u"SELECT * FROM FaultDisplay WHERE ID = ";
-constexpr std::u16string_view newestFirst =
-    u" Order by [Date] Desc, [Count] Desc, [Fault] Desc, [Alarm] Desc, [CPU] Desc, [Description] Desc";
 
 struct Exchange {
   std::int32_t id = 0;
@@ -38,7 +33,7 @@ bool flagOf(Recordset& rows, std::u16string_view column) {
 
 std::vector<Exchange> readExchanges(database::Database& database) {
   std::vector<Exchange> found;
-  const auto rows = database.openRecordset(exchanges);
+  const auto rows = database.openRecordset(store::exchangesNewestFirst);
   for (; !rows->atEnd(); rows->moveNext())
     found.push_back({automation::toLong(rows->get(u"ID")), textOf(*rows, u"PBXName"),
                      textOf(*rows, u"TimeStamp"), flagOf(*rows, u"MJ"), flagOf(*rows, u"MN")});
@@ -95,8 +90,7 @@ class Lister {
   }
 
   void printFaults(const Exchange& exchange) {
-    const auto rows = database_.openRecordset(std::u16string(faultsOf) + text::decimal(exchange.id) +
-                                              std::u16string(newestFirst));
+    const auto rows = database_.openRecordset(store::faultsOfExchange(exchange.id, store::newestFirst));
     for (; !rows->atEnd(); rows->moveNext()) {
       ++count_;
       if (form_ == Form::csv) printCsv(*rows, exchange.name);

@@ -7,12 +7,15 @@
 #include <utility>
 
 #include "database_files.h"
+#include "language/language_databases.h"
 #include "lines.h"
 #include "platform/engine_choice.h"
-#include "platform/sqlite/schema.h"
+#include "settings/suite_databases.h"
+#include "store/fault_database.h"
 #include "text/dates.h"
 #include "text/text.h"
 #include "text/utf8.h"
+#include "tools/sqlite/database_writer.h"
 
 namespace vordane::tools {
 namespace {
@@ -21,13 +24,13 @@ namespace fs = std::filesystem;
 
 struct SuiteFile {
   std::u16string_view name;
-  std::span<const sqlite::TableDefinition> (*tables)();  // those it must have
+  std::span<const database::TableDefinition> tables;  // those it must have
 };
-constexpr SuiteFile suiteFiles[] = {{u"FAULT.MDB", sqlite::schema::faultDatabase},
-                                    {u"VORDANE.LNG", sqlite::schema::ownLanguage},
-                                    {u"Common.LNG", sqlite::schema::commonLanguage},
-                                    {u"Register.mdb", sqlite::schema::registration},
-                                    {u"Schedule.mdb", sqlite::schema::schedule}};
+constexpr SuiteFile suiteFiles[] = {{u"FAULT.MDB", store::faultTables},
+                                    {u"VORDANE.LNG", language::ownTables},
+                                    {u"Common.LNG", language::commonTables},
+                                    {u"Register.mdb", settings::registrationTables},
+                                    {u"Schedule.mdb", settings::scheduleTables}};
 
 constexpr const char* importEnding = ".import";
 
@@ -39,24 +42,24 @@ const SuiteFile* suiteFile(const fs::path& path) {
   return found == std::end(suiteFiles) ? nullptr : found;
 }
 
-sqlite::ColumnType columnType(const access::Column& column) {
+database::ColumnType columnType(const access::Column& column) {
   switch (column.type) {
     case access::ColumnType::boolean:
-      return sqlite::ColumnType::yesNo;
+      return database::ColumnType::yesNo;
     case access::ColumnType::byte:
     case access::ColumnType::integer:
     case access::ColumnType::longInteger:
-      return column.autoNumber ? sqlite::ColumnType::autoNumber : sqlite::ColumnType::integer;
+      return column.autoNumber ? database::ColumnType::autoNumber : database::ColumnType::integer;
     case access::ColumnType::single:
     case access::ColumnType::doubleFloat:
-      return sqlite::ColumnType::number;
+      return database::ColumnType::number;
     case access::ColumnType::dateTime:
-      return sqlite::ColumnType::dateTime;
+      return database::ColumnType::dateTime;
     case access::ColumnType::text:
     case access::ColumnType::memo:
       break;
   }
-  return sqlite::ColumnType::text;
+  return database::ColumnType::text;
 }
 
 // Writes what it hears into a new embedded file.
@@ -67,7 +70,7 @@ class Import : public access::Visitor {
   void beginTable(const access::Table& table) override {
     table_ = table;
     rows_ = 0;
-    std::vector<sqlite::ColumnDefinition> columns;
+    std::vector<database::ColumnDefinition> columns;
     for (const access::Column& column : table_.columns) columns.push_back({column.name, columnType(column)});
     writer_.createTable({table_.name, columns});
   }
@@ -95,7 +98,7 @@ class Import : public access::Visitor {
   }
 
  private:
-  sqlite::DatabaseWriter writer_;
+  DatabaseWriter writer_;
   access::Table table_;
   std::vector<access::Value> values_;
   std::uint32_t rows_ = 0;
@@ -193,7 +196,7 @@ std::vector<fs::path> accessFilesBelow(const fs::path& directory) {
 
 // A damaged list of tables may hide one without any other sign.
 void requireTables(const fs::path& path, const std::vector<ImportedTable>& tables) {
-  for (const sqlite::TableDefinition& needed : suiteFile(path)->tables()) {
+  for (const database::TableDefinition& needed : suiteFile(path)->tables) {
     const bool found = std::any_of(tables.begin(), tables.end(), [&](const ImportedTable& table) {
       return text::equalIgnoringCase(text::fromUtf8(table.name), needed.name);
     });

@@ -4,26 +4,20 @@
 
 #include "faults/kind_lists.h"
 #include "language/form_controls.h"
+#include "language/language_databases.h"
 #include "lines.h"
-#include "platform/sqlite/schema.h"
 #include "settings/shared_state.h"
 #include "text/numbers.h"
 #include "text/utf8.h"
+#include "tools/sqlite/database_writer.h"
 
 namespace vordane::tools {
 namespace {
 
 using database::Value;
 using Row = std::vector<Value>;
-using sqlite::ColumnType;
-using sqlite::DatabaseWriter;
 
 constexpr std::int32_t noIndex = -1;  // no control of the window stands in a control array
-
-// What's This has a table of its own; the add-ins' other tables know nothing of it.
-constexpr sqlite::ColumnDefinition helpColumns[] = {
-    {u"FormName", ColumnType::text}, {u"ObjectName", ColumnType::text}, {u"HelpText", ColumnType::text}};
-constexpr sqlite::TableDefinition helpTable{u"tHelp", helpColumns};
 
 std::int32_t number(const SourceRow& row, std::size_t column) {
   const auto value = text::parseInteger(row.fields[column]);
@@ -102,8 +96,8 @@ Row projectValues(const SourceRows& rows) {
 
 void buildOwnLanguage(const LanguageSource& source, const std::filesystem::path& out) {
   DatabaseWriter writer(toText(out), true);
-  writer.createTables(sqlite::schema::ownLanguage());
-  writer.createTable(helpTable);
+  writer.createTables(language::ownTables);
+  writer.createTable(language::helpTable);
   insertAll(writer, u"tMessages", source.messages, messageValues);
   insertAll(writer, u"tForms", source.forms, formValues);
   insertAll(writer, u"tControls", source.controls, controlValues);
@@ -119,7 +113,7 @@ void buildOwnLanguage(const LanguageSource& source, const std::filesystem::path&
 
 void buildCommonLanguage(const LanguageSource& source, const std::filesystem::path& out) {
   DatabaseWriter writer(toText(out), true);
-  writer.createTables(sqlite::schema::commonLanguage());
+  writer.createTables(language::commonTables);
   insertAll(writer, u"tMsgBox", source.common_boxes, boxValues);
   insertAll(writer, u"PictureFileName", source.picture_sets, pictureSetValues);
   writer.finish();

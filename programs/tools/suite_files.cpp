@@ -8,9 +8,11 @@
 #include "background_pictures.h"
 #include "language_build.h"
 #include "lines.h"
-#include "platform/sqlite/schema.h"
 #include "report_layout.h"
+#include "settings/suite_databases.h"
+#include "store/fault_database.h"
 #include "text/utf8.h"
+#include "tools/sqlite/database_writer.h"
 
 namespace vordane::tools {
 namespace {
@@ -53,8 +55,8 @@ std::string readFile(const fs::path& path) {
 }
 
 void makeRegistration(const fs::path& path) {
-  sqlite::DatabaseWriter writer(toText(path));
-  writer.createTables(sqlite::schema::registration());
+  DatabaseWriter writer(toText(path));
+  writer.createTables(settings::registrationTables);
   writer.insert(u"Registry", Row{std::u16string(u"VORDANE.WRX"), std::u16string(u"Maintenance"),
                                  std::u16string(u"Fault Display"),
                                  std::u16string(u"Shows the faults of an exchange"), std::u16string{}});
@@ -62,8 +64,8 @@ void makeRegistration(const fs::path& path) {
 }
 
 void makeSchedule(const fs::path& path) {
-  sqlite::DatabaseWriter writer(toText(path));
-  writer.createTables(sqlite::schema::schedule());
+  DatabaseWriter writer(toText(path));
+  writer.createTables(settings::scheduleTables);
   for (const Job& job : sampleJobs)
     writer.insert(u"Options", Row{job.key, job.wait, job.errorStop, job.count, true, true, std::int32_t{100},
                                   std::u16string(job.file), job.kind});
@@ -98,9 +100,8 @@ void makeSuiteFiles(const SuiteLayout& layout, const LanguageSource& language) {
   for (const fs::path& folder :
        {layout.ownDatabases(), layout.help(), layout.report(), layout.sharedDatabases(), layout.pictures()})
     fs::create_directories(folder);
-  makeOnce(layout.ownDatabases() / "FAULT.MDB", [](const fs::path& path) {
-    sqlite::createDatabase(toText(path), sqlite::schema::faultDatabase());
-  });
+  makeOnce(layout.ownDatabases() / "FAULT.MDB",
+           [](const fs::path& path) { createDatabase(toText(path), store::faultTables); });
   makeOnce(layout.sharedDatabases() / "Register.mdb", makeRegistration);
   makeOnce(layout.sharedDatabases() / "Schedule.mdb", makeSchedule);
   buildOwnLanguage(language, layout.ownDatabases() / "VORDANE.LNG");

@@ -8,6 +8,8 @@
 #include "console.h"
 #include "database_files.h"
 #include "language/comLanguage.h"
+#include "language/form_controls.h"
+#include "language/language_databases.h"
 #include "lines.h"
 #include "platform/automation.h"
 #include "platform/engine_choice.h"
@@ -84,9 +86,7 @@ std::u16string textOf(const database::Value& value) {
 
 // An item's place in its list is its place in this order.
 void readWindowLists(database::Database& database, FaultTextTable& texts) {
-  const auto rows = database.openRecordset(
-      u"select ObjectName,Index,List,ItemData,Visible from tComboBoxDT where FormName = 'dlgFaultDisplay'"
-      u" ORDER BY ListIndex");
+  const auto rows = database.openRecordset(language::statement::lists.with({formName}));
   for (; !rows->atEnd(); rows->moveNext())
     if (const auto kind = listKind(textOf(rows->get(u"ObjectName"))))
       texts.addItem(*kind, textOf(rows->get(u"List")));

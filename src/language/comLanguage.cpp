@@ -1,6 +1,7 @@
 #include "language/comLanguage.h"
 
 #include "language/control_fonts.h"
+#include "language/language_databases.h"
 #include "language/row_values.h"
 #include "text/numbers.h"
 #include "text/text.h"
@@ -12,12 +13,7 @@ using database::Recordset;
 using language::newText;
 using language::textOf;
 using language::trapped;
-
-std::u16string rowsOf(std::u16string_view columns, std::u16string_view table, std::u16string_view key,
-                      std::u16string_view name) {
-  return u"select " + std::u16string(columns) + u" from " + std::u16string(table) + u" where " +
-         std::u16string(key) + u" = '" + std::u16string(name) + u"'";
-}
+namespace statement = language::statement;
 
 template <typename Row>
 void forEachRow(database::Database& database, const std::u16string& statement, Row&& apply) {
@@ -89,40 +85,35 @@ void appendToken(std::u16string& result, std::u16string_view token, std::u16stri
 
 bool LocaliseForm(window::Form& form, database::Database& database) {
   return trapped([&] {
-    forEachRow(database, rowsOf(u"Caption,FontName,FontSize", u"tForms", u"ObjectName", form.name()),
+    forEachRow(database, statement::form.with({form.name()}),
                [&](Recordset& row) { localiseWindow(form.self(), row); });
   });
 }
 
 bool LocaliseControls(window::Form& form, database::Database& database) {
   return trapped([&] {
-    forEachRow(database,
-               rowsOf(u"ObjectName,Index,Caption,FontName,FontSize,ToolTipText", u"tControls", u"FormName",
-                      form.name()),
+    forEachRow(database, statement::controls.with({form.name()}),
                [&](Recordset& row) { localiseControl(form, row); });
   });
 }
 
 bool LoadComboLists(window::Form& form, database::Database& database) {
   return trapped([&] {
-    forEachRow(database,
-               rowsOf(u"ObjectName,Index,List,ItemData,Visible", u"tComboBoxDT", u"FormName", form.name()) +
-                   u" ORDER BY ListIndex",
+    forEachRow(database, statement::lists.with({form.name()}),
                [&](Recordset& row) { addListEntry(form, row); });
   });
 }
 
 bool LocaliseGridHeadings(window::Form& form, database::Database& database) {
   return trapped([&] {
-    forEachRow(database,
-               rowsOf(u"ObjectName,Index,ColIndex,Caption", u"tSSGridsHD", u"FormName", form.name()),
+    forEachRow(database, statement::headings.with({form.name()}),
                [&](Recordset& row) { setHeading(form, row); });
   });
 }
 
 bool LoadProjectTexts(std::u16string_view executableName, database::Database& database, ProjectTexts& texts) {
   return trapped([&] {
-    const auto rows = database.openRecordset(rowsOf(u"*", u"tProject", u"EXEName", executableName));
+    const auto rows = database.openRecordset(statement::project.with({executableName}));
     const auto apply = [&](std::u16string_view column, std::u16string& to) {
       if (auto text = newText(rows->get(column))) to = std::move(*text);
     };
@@ -138,10 +129,8 @@ bool LoadProjectTexts(std::u16string_view executableName, database::Database& da
 bool LoadTextArray(std::vector<std::u16string>& array, std::u16string_view table,
                    database::Database& database) {
   return trapped([&] {
-    const std::u16string name(table);
     // The added row -1 comes first and holds the number of the others.
-    const auto rows = database.openRecordset(u"SELECT * FROM " + name + u" UNION SELECT -1, COUNT(*) FROM " +
-                                             name + u" ORDER BY ID");
+    const auto rows = database.openRecordset(statement::numberedTexts.with({table, table}));
     const std::int16_t count = automation::toInteger(rows->get(u"Caption"));
     if (count < 0) throw automation::AutomationError(automation::error::overflow);  // another row came first
     array.assign(static_cast<std::size_t>(count), {});
@@ -158,7 +147,7 @@ std::map<std::u16string, std::u16string> LoadHelpTexts(const window::Form& form,
                                                        database::Database& database) {
   std::map<std::u16string, std::u16string> texts;
   static_cast<void>(trapped([&] {
-    forEachRow(database, rowsOf(u"ObjectName,HelpText", u"tHelp", u"FormName", form.name()),
+    forEachRow(database, statement::help.with({form.name()}),
                [&](Recordset& row) { texts[textOf(row.get(u"ObjectName"))] = textOf(row.get(u"HelpText")); });
   }));
   return texts;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "language/language_databases.h"
 #include "language/row_values.h"
 #include "text/numbers.h"
 #include "text/text.h"
@@ -101,8 +102,7 @@ void decorate(const Decoration& decoration, database::Recordset& row) {
 
 bool LoadPictureSet(database::Database& common, std::int16_t set, PictureSet& pictures) {
   return language::trapped([&] {
-    const auto rows =
-        common.openRecordset(u"Select * From PictureFileName Where  ID = " + text::decimal(set));
+    const auto rows = common.openRecordset(language::statement::pictureSet.with({text::decimal(set)}));
     for (; !rows->atEnd(); rows->moveNext())
       pictures.push_back({textOf(rows->get(u"DefaultName")), textOf(rows->get(u"FileName"))});
     rows->close();
@@ -127,9 +127,7 @@ bool ApplyBackground(window::Form& form, database::Database& own, database::Data
   const bool loaded = LoadPictureSet(common, set, pictures);
   const Decoration decoration{form, pictures, set, directory, files, loader};
   return language::trapped([&] {
-           const auto rows = own.openRecordset(
-               u"select ObjectName,Index,FileName,BasePanel,BasePanelIndex from tPicture where FormName = '" +
-               form.name() + u"'");
+           const auto rows = own.openRecordset(language::statement::pictures.with({form.name()}));
            for (; !rows->atEnd(); rows->moveNext()) decorate(decoration, *rows);
            rows->close();
          }) &&

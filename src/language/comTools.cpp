@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "language/comLanguage.h"
+#include "language/language_databases.h"
 #include "language/row_values.h"
 #include "text/numbers.h"
 #include "text/text.h"
@@ -77,14 +78,12 @@ class BoxBuilder {
 
  private:
   std::unique_ptr<database::Recordset> openRow() {
-    auto* language =
+    auto* database =
         request_.selector == commonMessage ? environment_.commonLanguage : environment_.ownLanguage;
-    if (language == nullptr) throw database::DatabaseError(3024, u"no language database");
-    const std::u16string_view columns = request_.selector == shortForm
-                                            ? u"Prompt,Buttons,Title"
-                                            : u"Prompt, Buttons, Title, HelpFile, Context";
-    return language->openRecordset(u"select " + std::u16string(columns) + u" from tMsgBox where MsgNo = " +
-                                   text::decimal(request_.number));
+    if (database == nullptr) throw database::DatabaseError(3024, u"no language database");
+    using namespace language::statement;
+    const auto& statement = request_.selector == shortForm ? shortBox : box;
+    return database->openRecordset(statement.with({text::decimal(request_.number)}));
   }
 
   std::u16string expand(std::u16string_view stored) { return ExpandEscapes(stored, substitution_); }

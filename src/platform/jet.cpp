@@ -4,7 +4,6 @@
 #include <charconv>
 #include <cstring>
 #include <limits>
-#include <unordered_set>
 
 #include "platform/database.h"
 #include "text/numbers.h"
@@ -180,70 +179,6 @@ class Lifter {
   int ended_ = 0;
 };
 
-// Every statement with a value in it, as this system builds it; all others are refused.
-constexpr std::u16string_view documented[] = {
-    u"SELECT * FROM PBXList WHERE PBXName = ''",
-    u"SELECT * FROM PBXList WHERE PBXName = '' AND ID = 0",
-    u"SELECT * FROM FaultDisplay WHERE ID = 0 AND Fault = '' AND CPU = '' AND Alarm = '' AND Date = '' AND "
-    u"Description = ''",
-    u"SELECT * FROM FaultDisplay WHERE ID = 0 Order by [Fault] Asc, [Alarm] Asc, [Date] Asc, [Count] Asc, "
-    u"[CPU] "
-    u"Asc, [Description] Asc",
-    u"SELECT * FROM FaultDisplay WHERE ID = 0 Order by [Alarm] Asc, [Fault] Asc, [Date] Asc, [Count] Asc, "
-    u"[CPU] "
-    u"Asc, [Description] Asc",
-    u"SELECT * FROM FaultDisplay WHERE ID = 0 Order by [Date] Asc, [Count] Asc, [Fault] Asc, [Alarm] Asc, "
-    u"[CPU] "
-    u"Asc, [Description] Asc",
-    u"SELECT * FROM FaultDisplay WHERE ID = 0 Order by [CPU] Asc ,[Fault] Asc, [Alarm] Asc, [Date] Asc, "
-    u"[Count] "
-    u"Asc, [Description] Asc",
-    u"SELECT * FROM FaultDisplay WHERE ID = 0 Order by [Description] Asc, [Fault] Asc, [Alarm] Asc, [Date] "
-    u"Asc, "
-    u"[Count] Asc, [CPU] Asc",
-    u"SELECT * FROM FaultDisplay WHERE ID = 0 Order by [Fault] Desc, [Alarm] Desc, [Date] Desc, [Count] "
-    u"Desc, "
-    u"[CPU] Desc, [Description] Desc",
-    u"SELECT * FROM FaultDisplay WHERE ID = 0 Order by [Alarm] Desc, [Fault] Desc, [Date] Desc, [Count] "
-    u"Desc, "
-    u"[CPU] Desc, [Description] Desc",
-    u"SELECT * FROM FaultDisplay WHERE ID = 0 Order by [Date] Desc, [Count] Desc, [Fault] Desc, [Alarm] "
-    u"Desc, "
-    u"[CPU] Desc, [Description] Desc",
-    u"SELECT * FROM FaultDisplay WHERE ID = 0 Order by [CPU] Desc ,[Fault] Desc, [Alarm] Desc, [Date] Desc, "
-    u"[Count] Desc, [Description] Desc",
-    u"SELECT * FROM FaultDisplay WHERE ID = 0 Order by [Description] Desc, [Fault] Desc, [Alarm] Desc, "
-    u"[Date] "
-    u"Desc, [Count] Desc, [CPU] Desc",
-    u"DELETE FROM PBXList WHERE ID = 0",
-    u"DELETE FROM FaultDisplay WHERE ID = 0",
-    u"select Caption,FontName,FontSize from tForms where ObjectName = ''",
-    u"select ObjectName,Index,Caption,FontName,FontSize,ToolTipText from tControls where FormName = ''",
-    u"select ObjectName,Index,List,ItemData,Visible from tComboBoxDT where FormName = '' ORDER BY ListIndex",
-    u"select ObjectName,Index,ColIndex,Caption from tSSGridsHD where FormName = ''",
-    u"select * from tProject where EXEName = ''",
-    u"select Prompt,Buttons,Title from tMsgBox where MsgNo = 0",
-    u"select Prompt, Buttons, Title, HelpFile, Context from tMsgBox where MsgNo = 0",
-    u"select ObjectName,Index,FileName,BasePanel,BasePanelIndex from tPicture where FormName = ''",
-    u"Select * From PictureFileName Where  ID = 0",
-    u"SELECT * FROM Registry WHERE AppName = ''",
-    u"SELECT * FROM Options WHERE Key = 0",
-    u"select ObjectName,HelpText from tHelp where FormName = ''",  // the product's own table
-};
-
-const std::unordered_set<std::u16string>& documentedShapes() {
-  static const std::unordered_set<std::u16string> shapes = [] {
-    std::unordered_set<std::u16string> all;
-    for (std::u16string_view statement : documented) {
-      Lifted lifted;
-      lift(statement, lifted);
-      all.insert(lifted.shape);
-    }
-    return all;
-  }();
-  return shapes;
-}
-
 // Reads the tokens of a shape.
 class Parser {
  public:
@@ -386,27 +321,37 @@ bool Skeleton::match(std::u16string_view statement, std::vector<Literal>& litera
 
 Shape parse(const Lifted& statement) {
   Shape shape = Parser(statement.shape).run();
-  if (shape.verb == Verb::countedUnion) {
-    if (statement.literals.at(0).number != -1) syntaxError();
-    return shape;
-  }
-  // Whatever holds a value must be one of the documented statements, or the value made another of it.
-  if (!statement.literals.empty() && !documentedShapes().contains(statement.shape)) syntaxError();
+  if (shape.verb == Verb::countedUnion && statement.literals.at(0).number != -1) syntaxError();
   return shape;
 }
 
-void requireKnown(std::u16string_view statement, Lifted& lifted) {
-  lift(statement, lifted);
-  parse(lifted);
+Documented::Documented(database::Descriptions descriptions) : descriptions_(descriptions) {
+  Lifted lifted;
+  for (const database::Description& description : descriptions) {
+    for (const database::StatementPattern& pattern : description.statements) {
+      lift(pattern.sample(), lifted);
+      shapes_.insert(lifted.shape);
+    }
+  }
 }
 
-bool isDocumentedTable(std::u16string_view name) {
-  static const std::unordered_set<std::u16string> tables = [] {
-    std::unordered_set<std::u16string> all{u"tmessages"};  // its statement holds no value
-    for (const std::u16string& shape : documentedShapes()) all.insert(Parser(shape).run().table);
-    return all;
-  }();
-  return tables.contains(text::toLower(name));
+Shape Documented::shapeOf(const Lifted& statement) const {
+  Shape shape = parse(statement);
+  const bool holdsValue = shape.verb != Verb::countedUnion && !statement.literals.empty();
+  if (holdsValue && !shapes_.contains(statement.shape)) syntaxError();
+  return shape;
+}
+
+void Documented::require(std::u16string_view statement, Lifted& lifted) const {
+  lift(statement, lifted);
+  shapeOf(lifted);
+}
+
+bool Documented::hasTable(std::u16string_view name) const {
+  for (const database::Description& description : descriptions_)
+    for (const database::TableDefinition& table : description.tables)
+      if (text::equalIgnoringCase(table.name, name)) return true;
+  return false;
 }
 
 }  // namespace vordane::jet

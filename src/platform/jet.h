@@ -1,11 +1,14 @@
 // Statements in the Access dialect. A statement is taken apart into its shape and its literals, so that a
-// value can never be read as anything but a value, and only shapes that this system sends are run.
+// value can never be read as anything but a value, and only shapes that were described are run.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
+
+#include "platform/description.h"
 
 namespace vordane::jet {
 
@@ -64,14 +67,27 @@ class Skeleton {
   std::vector<bool> texts_;
 };
 
-// Throws DatabaseError (syntax) for everything that this system does not send.
+// Throws DatabaseError (syntax) for what is no statement of this dialect.
 Shape parse(const Lifted& statement);
 
-// Takes a statement apart into `lifted` and looks at its shape, for an engine that runs the text itself.
-// Throws as `lift` and `parse` do.
-void requireKnown(std::u16string_view statement, Lifted& lifted);
+// What may be run: statements without a value, and of those that hold one the described ones, as values are
+// joined to them as they came and could make another statement of it.
+class Documented {
+ public:
+  explicit Documented(database::Descriptions descriptions);
 
-// A table of the suite's databases that a documented statement reads or changes; case does not matter.
-bool isDocumentedTable(std::u16string_view name);
+  // Throw DatabaseError (syntax) for everything else.
+  Shape shapeOf(const Lifted& statement) const;
+  // Takes it apart into `lifted` first, for an engine that runs the text itself.
+  void require(std::u16string_view statement, Lifted& lifted) const;
+
+  // Whether a table is described; case does not matter.
+  bool hasTable(std::u16string_view name) const;
+  database::Descriptions descriptions() const { return descriptions_; }
+
+ private:
+  database::Descriptions descriptions_;
+  std::unordered_set<std::u16string> shapes_;
+};
 
 }  // namespace vordane::jet

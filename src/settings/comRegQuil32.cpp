@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "settings/suite_databases.h"
 #include "text/text.h"
 
 namespace vordane::comRegQuil32 {
@@ -116,8 +117,7 @@ bool RegisterVersion(const Installation& installation, database::Engine& engine,
                      std::u16string_view application, std::u16string_view version) try {
   const auto registry =
       engine.open(GetInstallPath(installation, product, u"RegDBofQuil32") + u"Register.mdb", false);
-  const auto rows = registry->openRecordset(u"SELECT * FROM Registry WHERE AppName = \"" +
-                                            std::u16string(application) + u"\"");
+  const auto rows = registry->openRecordset(settings::statement::registration.with({application}));
   if (rows->recordCount() > 0) {
     rows->edit();
     rows->set(u"Version", std::u16string(version));

@@ -6,6 +6,7 @@
 #include <limits>
 #include <new>
 
+#include "settings/suite_databases.h"
 #include "text/numbers.h"
 #include "text/text.h"
 #include "text/utf8.h"
@@ -186,7 +187,7 @@ void LoadScheduleOptions(Environment& environment, std::u16string_view key) {
   setDefaults(environment.state);
   try {
     const auto schedule = environment.engine.open(databaseDirectory(environment) + u"\\Schedule.mdb", true);
-    const auto row = schedule->openRecordset(u"SELECT * FROM Options WHERE Key = " + std::u16string(key));
+    const auto row = schedule->openRecordset(settings::statement::options.with({key}));
     if (!row->isEmpty()) readOptions(*row, key, environment.state);
   } catch (const database::DatabaseError&) {
   } catch (const automation::AutomationError&) {

@@ -14,6 +14,7 @@ inline constexpr std::size_t sortKeys = 2 * std::size_t{sortableColumns};
 
 // 0-4 ascending by the grid column, 5-9 descending by column key - 5.
 using SortKey = std::int16_t;
+inline constexpr SortKey newestFirst = 7;
 
 // The clauses are sent as they stand, the blank before the comma of the CPU clauses included.
 inline constexpr std::array<std::u16string_view, sortKeys> sortClauses = {

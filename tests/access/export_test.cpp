@@ -12,7 +12,7 @@
 #include "language_build.h"
 #include "places.h"
 #include "platform/access/access_child.h"
-#include "platform/sqlite/table_reader.h"
+#include "tools/sqlite/table_reader.h"
 
 namespace vordane::tools {
 namespace {
@@ -84,7 +84,7 @@ TEST_F(Export, ALanguageGoesThereAndBackAgain) {
     const fs::path texts = folder / language / "texts";
     for (const char* name : {"VORDANE.LNG", "Common.LNG"}) {
       TextExport out;
-      sqlite::readTables((folder / name).u16string(), out);
+      tools::readTables((folder / name).u16string(), out);
       out.write(texts);
       EXPECT_EQ(out.problems(), Problems{});
     }

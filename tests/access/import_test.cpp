@@ -17,8 +17,9 @@
 #include "platform/access/access_child.h"
 #include "platform/engine_choice.h"
 #include "platform/sqlite/engine.h"
-#include "platform/sqlite/table_reader.h"
+#include "startup/databases.h"
 #include "text/utf8.h"
+#include "tools/sqlite/table_reader.h"
 
 namespace vordane::tools {
 namespace {
@@ -83,7 +84,7 @@ class ImportSuite : public testing::Test {
   }
   static RecordingVisitor embedded(const fs::path& path) {
     RecordingVisitor visitor;
-    sqlite::readTables(path.u16string(), visitor);
+    tools::readTables(path.u16string(), visitor);
     return visitor;
   }
 
@@ -199,7 +200,7 @@ TEST_F(ImportSuite, EveryRowOfEveryTableIsWhatAnotherProgramReads) {
 TEST_F(ImportSuite, TheNextFaultGetsANumberNeverGiven) {
   lay("FAULT-10k.MDB", own("FAULT.MDB"));
   importSuite(suite, read);
-  const auto database = sqlite::makeEngine()->open(own("FAULT.MDB").u16string(), false);
+  const auto database = sqlite::makeEngine(startup::databases)->open(own("FAULT.MDB").u16string(), false);
   const auto rows = database->openRecordset(u"Select * from FaultDisplay");
   rows->addNew();
   EXPECT_EQ(automation::toLong(rows->get(u"Count")), 10041);

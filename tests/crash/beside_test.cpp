@@ -6,9 +6,9 @@
 #include "crash/lists.h"
 #include "database/contract.h"
 #include "database/embedded.h"
-#include "platform/sqlite/table_reader.h"
 #include "store/fault_store.h"
 #include "store/statements.h"
+#include "tools/sqlite/table_reader.h"
 
 namespace vordane::crash {
 namespace {
@@ -80,7 +80,7 @@ TEST_P(Beside, AReaderIsNotHeldUpByAnIngestionThatIsNotSaved) {
   const auto reader = under.engine().open(file, true);
   EXPECT_EQ(storedIn(*reader), 500U);
   access::RecordingVisitor visitor;
-  sqlite::readTables(file, visitor);
+  tools::readTables(file, visitor);
   EXPECT_EQ(visitor.tables.at(u"FaultDisplay").rows.size(), 500U);
   form.database->endBatch();
   EXPECT_EQ(storedIn(*reader), 501U);

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "platform/sqlite/engine.h"
+#include "startup/databases.h"
 #include "store/fault_record.h"
 #include "store/fault_store.h"
 #include "text/numbers.h"
@@ -90,7 +91,7 @@ void takeLists(const Order& order) {
   report << "ready" << std::endl;
   sqlite::Options options;
   options.onNetwork = [&](std::u16string_view) { return order.onNetwork; };
-  const auto engine = sqlite::makeEngine(options);
+  const auto engine = sqlite::makeEngine(startup::databases, options);
   SlowClock clock(order.slow);
   fakes::MemoryStoreForm form;
   form.clock = &clock;

@@ -4,6 +4,7 @@
 #include "database/contract.h"
 #include "fakes/scripted_object.h"
 #include "platform/dao/dao_objects.h"
+#include "startup/databases.h"
 
 namespace vordane::database {
 
@@ -34,13 +35,13 @@ TEST_F(DaoEngine, AsksForTheNewerVersionAndOnlyOnce) {
 
 TEST_F(DaoEngine, TakesTheOlderVersionWhereTheNewerIsMissing) {
   DaoWorkstation older(u"DAO.DBEngine.36");
-  dao::makeEngine(older)->open(file, false);
+  dao::makeEngine(startup::databases, older)->open(file, false);
   EXPECT_EQ(older.asked, (std::vector<std::u16string>{u"DAO.DBEngine.120", u"DAO.DBEngine.36"}));
 }
 
 TEST_F(DaoEngine, SaysWhenThereIsNone) {
   DaoWorkstation none(u"");
-  const auto engine = dao::makeEngine(none);
+  const auto engine = dao::makeEngine(startup::databases, none);
   EXPECT_EQ(numberOfError([&] { engine->open(file, false); }), 429);
 }
 

@@ -8,9 +8,10 @@
 
 #include "dao/dao_recordset.h"
 #include "platform/engine_choice.h"
-#include "platform/sqlite/table_reader.h"
+#include "startup/databases.h"
 #include "text/text.h"
 #include "text/utf8.h"
+#include "tools/sqlite/table_reader.h"
 
 namespace vordane::fakes {
 namespace {
@@ -154,8 +155,8 @@ class FakeDatabase : public DaoObject {
     file_->updatable = !readOnly && !world->writeProtected.contains(path_);
     inner_ = InnerFile::open(path_);
     inner_->changed |= file_->updatable;
-    file_->database = sqlite::makeEngine()->open(inner_->path(), !file_->updatable);
-    file_->tables = sqlite::describeTables(inner_->path());
+    file_->database = sqlite::makeEngine(startup::databases)->open(inner_->path(), !file_->updatable);
+    file_->tables = tools::describeTables(inner_->path());
     define();
   }
   ~FakeDatabase() override { close(); }

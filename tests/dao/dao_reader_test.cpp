@@ -6,7 +6,7 @@
 
 #include "access/recording_visitor.h"
 #include "dao/dao_under_test.h"
-#include "platform/sqlite/table_reader.h"
+#include "tools/sqlite/table_reader.h"
 
 namespace vordane::dao {
 namespace {

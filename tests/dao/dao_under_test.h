@@ -7,6 +7,7 @@
 #include "dao/dao_fake.h"
 #include "database/embedded.h"
 #include "platform/dao/dao_engine.h"
+#include "startup/databases.h"
 
 namespace vordane::fakes {
 
@@ -22,7 +23,8 @@ class DaoUnderTest : public database::EngineUnderTest {
 
  private:
   sqlite::EmbeddedUnderTest files_;
-  std::unique_ptr<database::Engine> engine_ = dao::makeEngine(workstation, std::chrono::milliseconds(40));
+  std::unique_ptr<database::Engine> engine_ =
+      dao::makeEngine(startup::databases, workstation, std::chrono::milliseconds(40));
 };
 
 }  // namespace vordane::fakes

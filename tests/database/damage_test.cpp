@@ -220,10 +220,10 @@ class Readable {
     sqlite3_open_v2(address.c_str(), &handle_,
                     logged ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI : SQLITE_OPEN_READONLY | SQLITE_OPEN_URI,
                     nullptr);
-    for (const TableDefinition& table : tablesOf(kind.layout)) {
+    for (const database::TableDefinition& table : tablesOf(kind.layout)) {
       const std::string name = text::toUtf8(std::u16string(table.name));
       std::string columns;
-      for (const ColumnDefinition& column : table.columns) {
+      for (const database::ColumnDefinition& column : table.columns) {
         // What a use changes on purpose is told apart by its table; the registration's version by its column.
         if (column.name == u"Version" || column.name == u"MJ") continue;
         columns +=

@@ -5,8 +5,12 @@
 #include <random>
 
 #include "database/maker.h"
+#include "language/language_databases.h"
 #include "platform/sqlite/engine.h"
-#include "platform/sqlite/schema.h"
+#include "settings/suite_databases.h"
+#include "startup/databases.h"
+#include "store/fault_database.h"
+#include "tools/sqlite/database_writer.h"
 
 namespace vordane::sqlite {
 
@@ -31,29 +35,30 @@ class TemporaryFolder {
   std::filesystem::path path_;
 };
 
-inline std::span<const TableDefinition> tablesOf(database::Layout layout) {
+inline std::span<const database::TableDefinition> tablesOf(database::Layout layout) {
   switch (layout) {
     case database::Layout::faults:
-      return schema::faultDatabase();
+      return store::faultTables;
     case database::Layout::ownLanguage:
-      return schema::ownLanguage();
+      return language::ownTables;
     case database::Layout::commonLanguage:
-      return schema::commonLanguage();
+      return language::commonTables;
     case database::Layout::registration:
-      return schema::registration();
+      return settings::registrationTables;
     case database::Layout::schedule:
-      return schema::schedule();
+      return settings::scheduleTables;
   }
   return {};
 }
 
 class EmbeddedUnderTest : public database::EngineUnderTest {
  public:
-  explicit EmbeddedUnderTest(Options options = {}) : engine_(makeEngine(std::move(options))) {}
+  explicit EmbeddedUnderTest(Options options = {})
+      : engine_(makeEngine(startup::databases, std::move(options))) {}
   database::Engine& engine() override { return *engine_; }
   std::u16string make(database::Layout layout, const std::vector<database::Row>& rows = {}) override {
     const auto path = (folder_ / ("file" + std::to_string(++made_)).c_str()).u16string();
-    DatabaseWriter writer(path);
+    tools::DatabaseWriter writer(path);
     writer.createTables(tablesOf(layout));
     for (const database::Row& row : rows) writer.insert(row.table, row.values);
     writer.finish();

@@ -150,7 +150,7 @@ TEST(TwoProcesses, ALockEndsInAnErrorAndNotInALoss) {
   ASSERT_EQ(pipe(ready), 0);
   ASSERT_EQ(pipe(done), 0);
   Child other([&] {
-    const auto second = makeEngine()->open(path, false);
+    const auto second = makeEngine(startup::databases)->open(path, false);
     second->beginBatch();
     addFault(*second, {1});
     char byte = 'x';
@@ -175,7 +175,7 @@ TEST(TwoProcesses, BothAddAndNothingIsLostOrTwice) {
   EmbeddedUnderTest under;
   const std::u16string path = under.make(Layout::faults);
   const auto work = [&] {
-    const auto database = makeEngine()->open(path, false);
+    const auto database = makeEngine(startup::databases)->open(path, false);
     for (int list = 0; list < 10; ++list) {
       database->beginBatch();
       for (int i = 0; i < 50; ++i) {

@@ -3,6 +3,7 @@
 
 #include "platform/database.h"
 #include "platform/jet.h"
+#include "startup/databases.h"
 
 namespace vordane::jet {
 namespace {
@@ -10,8 +11,7 @@ namespace {
 bool runs(std::u16string_view statement) {
   try {
     Lifted lifted;
-    lift(statement, lifted);
-    parse(lifted);
+    Documented(startup::databases).require(statement, lifted);
     return true;
   } catch (const database::DatabaseError& error) {
     EXPECT_EQ(error.number(), 3075);

@@ -9,7 +9,9 @@
 #include "devhost/fakes.h"
 #include "places.h"
 #include "platform/sqlite/engine.h"
-#include "platform/sqlite/schema.h"
+#include "startup/databases.h"
+#include "store/fault_database.h"
+#include "tools/sqlite/database_writer.h"
 #include "zulsim/core/files.h"
 
 namespace vordane::devhost {
@@ -113,8 +115,8 @@ TEST_F(ReportTest, AReportThatCannotBeWrittenIsNoReport) {
 
 TEST_F(ReportTest, ReadsARealDatabase) {
   const std::u16string file = (directory_ / "FAULT.MDB").u16string();
-  sqlite::DatabaseWriter writer(file);
-  writer.createTables(sqlite::schema::faultDatabase());
+  tools::DatabaseWriter writer(file);
+  writer.createTables(store::faultTables);
   const auto textValue = [](std::u16string_view text) { return database::Value(std::u16string(text)); };
   const database::Value exchange[] = {automation::Null{}, textValue(u"Büro \"2\""),
                                       textValue(u"2006-11-27 09:00:00"), true, false};
@@ -128,7 +130,7 @@ TEST_F(ReportTest, ReadsARealDatabase) {
   writer.finish();
   ReportRequest wanted = request(u"BÜRO \"2\"");
   wanted.database = file;
-  const auto engine = sqlite::makeEngine();
+  const auto engine = sqlite::makeEngine(startup::databases);
   const PrintedReport report = printReport(*engine, wanted, {{}, u"now"});
   EXPECT_EQ(report.reason, u"");
   const std::string text = page(report);

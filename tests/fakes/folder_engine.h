@@ -8,13 +8,14 @@
 #include <vector>
 
 #include "platform/sqlite/engine.h"
-#include "platform/sqlite/schema.h"
+#include "startup/databases.h"
+#include "tools/sqlite/database_writer.h"
 
 namespace vordane::fakes {
 
 class FolderEngine : public database::Engine {
  public:
-  FolderEngine() : folder_(makeFolder()), engine_(sqlite::makeEngine(options())) {}
+  FolderEngine() : folder_(makeFolder()), engine_(sqlite::makeEngine(startup::databases, options())) {}
   FolderEngine(const FolderEngine&) = delete;
   FolderEngine& operator=(const FolderEngine&) = delete;
   ~FolderEngine() override {
@@ -68,12 +69,12 @@ class FolderEngine : public database::Engine {
 // A new database in the folder with one table and its rows.
 using Row = std::vector<database::Value>;
 struct NewTable {
-  sqlite::TableDefinition definition;
+  database::TableDefinition definition;
   std::vector<Row> rows;
 };
 inline void makeDatabase(const FolderEngine& engine, std::u16string_view name,
                          const std::vector<NewTable>& tables) {
-  sqlite::DatabaseWriter writer(engine.file(name), true);
+  tools::DatabaseWriter writer(engine.file(name), true);
   for (const NewTable& table : tables) {
     writer.createTable(table.definition);
     for (const Row& row : table.rows) writer.insert(table.definition.name, row);
@@ -82,8 +83,8 @@ inline void makeDatabase(const FolderEngine& engine, std::u16string_view name,
 }
 
 // One of the documented tables, by name.
-inline const sqlite::TableDefinition& tableNamed(std::span<const sqlite::TableDefinition> tables,
-                                                 std::u16string_view name) {
+inline const database::TableDefinition& tableNamed(std::span<const database::TableDefinition> tables,
+                                                   std::u16string_view name) {
   for (const auto& table : tables)
     if (table.name == name) return table;
   throw std::out_of_range("no such table");

@@ -17,6 +17,7 @@
 #include "places.h"
 #include "platform/control_types.h"
 #include "platform/sqlite/engine.h"
+#include "startup/databases.h"
 #include "text/numbers.h"
 #include "tools/language_folder.h"
 
@@ -37,7 +38,7 @@ Texts shippedTexts(const std::string& language) {
   const std::filesystem::path file = folder.files.folder() / "VORDANE.LNG";
   tools::buildOwnLanguage(tools::readLanguage(folder.folder(), problems), file);
   EXPECT_TRUE(problems.empty());
-  const auto database = sqlite::makeEngine()->open(tools::toText(file), true);
+  const auto database = sqlite::makeEngine(startup::databases)->open(tools::toText(file), true);
 
   Texts texts;
   EXPECT_TRUE(comLanguage::LoadTextArray(texts.messages, u"tMessages", *database));

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "fakes/folder_engine.h"
+#include "language/language_databases.h"
 #include "platform/control_types.h"
 #include "platform/window.h"
 
@@ -18,9 +19,9 @@ inline const database::Value null = automation::Null{};
 class LanguageDatabase {
  public:
   LanguageDatabase& with(std::u16string_view table, std::vector<Row> rows) {
-    return with(tableNamed(sqlite::schema::ownLanguage(), table), std::move(rows));
+    return with(tableNamed(language::ownTables, table), std::move(rows));
   }
-  LanguageDatabase& with(const sqlite::TableDefinition& table, std::vector<Row> rows) {
+  LanguageDatabase& with(const database::TableDefinition& table, std::vector<Row> rows) {
     tables_.push_back({table, std::move(rows)});
     return *this;
   }

@@ -2,6 +2,7 @@
 
 #include "language/comDatabase.h"
 #include "language/comLanguage.h"
+#include "language/language_databases.h"
 #include "language_database.h"
 
 namespace vordane {
@@ -229,9 +230,9 @@ TEST_F(Loaders, AMissingMessageTableIsFalse) {
 TEST_F(Loaders, HelpTextsStandByControlAndMayBeAbsent) {
   language.with(u"tForms", {});
   EXPECT_TRUE(comLanguage::LoadHelpTexts(form, language.open()).empty());
-  constexpr sqlite::ColumnDefinition columns[] = {{u"FormName", sqlite::ColumnType::text},
-                                                  {u"ObjectName", sqlite::ColumnType::text},
-                                                  {u"HelpText", sqlite::ColumnType::text}};
+  constexpr database::ColumnDefinition columns[] = {{u"FormName", database::ColumnType::text},
+                                                    {u"ObjectName", database::ColumnType::text},
+                                                    {u"HelpText", database::ColumnType::text}};
   LanguageDatabase helped;
   helped.with({u"tHelp", columns}, {{t(form16), t(u"lblMJ"), t(u"A lamp.")}, {t(u"x"), t(u"y"), t(u"z")}});
   EXPECT_EQ(comLanguage::LoadHelpTexts(form, helped.open()),
@@ -240,7 +241,7 @@ TEST_F(Loaders, HelpTextsStandByControlAndMayBeAbsent) {
 
 TEST(OpenLanguage, SucceedsOrLeavesNothing) {
   FolderEngine engine;
-  makeDatabase(engine, u"VORDANE.LNG", {{tableNamed(sqlite::schema::ownLanguage(), u"tForms"), {}}});
+  makeDatabase(engine, u"VORDANE.LNG", {{tableNamed(language::ownTables, u"tForms"), {}}});
   std::unique_ptr<database::Database> database;
   EXPECT_TRUE(comDatabase::OpenLanguageDatabase(engine, u"C:\\X\\VORDANE.LNG", database, true));
   EXPECT_NE(database, nullptr);

@@ -4,6 +4,7 @@
 #include "fakes/memory_settings.h"
 #include "fakes/set_clock.h"
 #include "language/comTools.h"
+#include "language/language_databases.h"
 #include "language_database.h"
 
 namespace vordane {
@@ -35,7 +36,7 @@ class Boxes : public testing::Test {
                           {n(111), t(u"p"), t(u""), t(u"t"), fakes::null, t(u"-1")},
                           {n(107), t(u"gone&-1&now"), t(u""), t(u"t"), t(u"-1"), t(u"-1")}});
     common.with(
-        fakes::tableNamed(sqlite::schema::commonLanguage(), u"tMsgBox"),
+        fakes::tableNamed(language::commonTables, u"tMsgBox"),
         {{n(1), t(u"Common"), t(u"vbRetryCancel"), t(u"unused"), t(u"-1"), t(u"-1")},
          {n(2), t(u"Helped"), t(u"vbOKOnly"), t(u"unused"), t(u"..\\Quil32&%SP&Help\\C.hlp"), t(u"31")},
          {n(3), t(u"File"), t(u"vbOKOnly"), t(u"unused"), t(u"C.hlp"), t(u"-1")}});

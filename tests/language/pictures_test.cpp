@@ -2,6 +2,7 @@
 
 #include "fakes/memory_files.h"
 #include "language/comPicture.h"
+#include "language/language_databases.h"
 #include "language_database.h"
 
 namespace vordane {
@@ -38,7 +39,7 @@ class Backgrounds : public testing::Test {
   }
   bool apply(std::vector<Row> rows, std::int16_t set = 0, std::vector<Row> sets = {}) {
     own.with(u"tPicture", std::move(rows));
-    common.with(fakes::tableNamed(sqlite::schema::commonLanguage(), u"PictureFileName"), std::move(sets));
+    common.with(fakes::tableNamed(language::commonTables, u"PictureFileName"), std::move(sets));
     return comPicture::ApplyBackground(form, own.open(), common.open(), set, u"C:\\BACKGRND\\", files,
                                        loader);
   }
@@ -196,7 +197,7 @@ TEST_F(Backgrounds, OnlyTheWindowItselfIsMe) {
 // Its names stay unmapped; that the set is missing is told all the same.
 TEST_F(Backgrounds, WithoutItsTableASetRenamesNothingAndFails) {
   own.with(u"tPicture", {row(u"imgBackground", t(u"A.BMP"), u"me")});
-  common.with(fakes::tableNamed(sqlite::schema::commonLanguage(), u"tMsgBox"), {});
+  common.with(fakes::tableNamed(language::commonTables, u"tMsgBox"), {});
   const auto applied = [&](std::int16_t set) {
     return comPicture::ApplyBackground(form, own.open(), common.open(), set, u"C:\\BACKGRND\\", files,
                                        loader);
@@ -218,7 +219,7 @@ TEST_F(Backgrounds, AMissingBaseIsFalse) {
 
 TEST_F(Backgrounds, AMissingTableIsFalse) {
   own.with(u"tForms", {});
-  common.with(fakes::tableNamed(sqlite::schema::commonLanguage(), u"tMsgBox"), {});
+  common.with(fakes::tableNamed(language::commonTables, u"tMsgBox"), {});
   EXPECT_FALSE(comPicture::ApplyBackground(form, own.open(), common.open(), 0, u"", files, loader));
 }
 

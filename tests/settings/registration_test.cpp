@@ -3,6 +3,7 @@
 #include "fakes/folder_engine.h"
 #include "fakes/memory_settings.h"
 #include "settings/comRegQuil32.h"
+#include "settings/suite_databases.h"
 
 namespace vordane {
 namespace {
@@ -20,7 +21,7 @@ class Registration : public testing::Test {
       return fakes::Row{text16(name), text16(u"Menu"), text16(u"Item"), text16(u"Tip"), text16(u"old")};
     };
     fakes::makeDatabase(engine, u"Register.mdb",
-                        {{sqlite::schema::registration()[0], {row(u"OTHER.WRX"), row(u"VORDANE.WRX")}}});
+                        {{settings::registrationTables[0], {row(u"OTHER.WRX"), row(u"VORDANE.WRX")}}});
   }
   bool registerVersion(std::u16string_view name) {
     return comRegQuil32::RegisterVersion(installation, engine, u"Addins", name, u"1.0.12");
@@ -51,7 +52,7 @@ TEST_F(Registration, AMissingRowIsNotAdded) {
 
 TEST_F(Registration, AMissingDatabaseOrTableIsFalse) {
   EXPECT_FALSE(registerVersion(u"VORDANE.WRX"));
-  fakes::makeDatabase(engine, u"Register.mdb", {{sqlite::schema::schedule()[0], {}}});
+  fakes::makeDatabase(engine, u"Register.mdb", {{settings::scheduleTables[0], {}}});
   EXPECT_FALSE(registerVersion(u"VORDANE.WRX"));
 }
 

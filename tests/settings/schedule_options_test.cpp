@@ -5,6 +5,7 @@
 #include "fakes/memory_settings.h"
 #include "fakes/set_clock.h"
 #include "settings/comSchedule.h"
+#include "settings/suite_databases.h"
 #include "text/utf8.h"
 
 namespace vordane {
@@ -28,7 +29,7 @@ class ScheduleOptions : public testing::Test {
 
   // Key, Wait, ErrorStop, Count, Log, Log2, FileByte, File, Kind
   void makeSchedule(fakes::Row row) {
-    fakes::makeDatabase(engine, u"Schedule.mdb", {{sqlite::schema::schedule()[0], {std::move(row)}}});
+    fakes::makeDatabase(engine, u"Schedule.mdb", {{settings::scheduleTables[0], {std::move(row)}}});
   }
   static fakes::Row fullRow() {
     return {std::int32_t{7},   std::int32_t{30}, false,          std::int32_t{3}, false, false,
@@ -96,7 +97,7 @@ TEST_F(ScheduleOptions, DefaultsHoldWithoutRowTableOrFile) {
   expectDefaults();
   comSchedule::LoadScheduleOptions(environment, u"no number");
   expectDefaults();
-  fakes::makeDatabase(engine, u"Schedule.mdb", {{sqlite::schema::registration()[0], {}}});
+  fakes::makeDatabase(engine, u"Schedule.mdb", {{settings::registrationTables[0], {}}});
   comSchedule::LoadScheduleOptions(environment, u"7");
   expectDefaults();
 }
@@ -119,7 +120,7 @@ TEST_F(ScheduleOptions, AKindBeyond16BitsIsAnotherKind) {
 }
 
 TEST_F(ScheduleOptions, ADatabaseWithoutKindsIsRead) {
-  const sqlite::TableDefinition full = sqlite::schema::schedule()[0];
+  const database::TableDefinition full = settings::scheduleTables[0];
   fakes::Row row = fullRow();
   row.pop_back();
   fakes::makeDatabase(engine, u"Schedule.mdb", {{{full.name, full.columns.first(8)}, {row}}});

@@ -1,4 +1,5 @@
 // The start of the process: paths, language databases, the first failure ends it.
+#include "language/language_databases.h"
 #include "language/view_texts.h"
 #include "startup/story.h"
 
@@ -42,7 +43,7 @@ TEST_F(Start, AnUnwritableOwnLanguageServesAsWell) {
 }
 
 TEST_F(Start, MissingMessagesEndTheProcess) {
-  const auto own = sqlite::schema::ownLanguage();
+  const auto& own = language::ownTables;
   fakes::makeDatabase(
       engine, u"VORDANE.LNG",
       {{fakes::tableNamed(own, u"tProject"), {{u"VORDANE"_v, u"T"_v, u""_v, u""_v, u""_v, u""_v}}}});
@@ -50,7 +51,7 @@ TEST_F(Start, MissingMessagesEndTheProcess) {
 }
 
 TEST_F(Start, MissingProjectTextsEndTheProcess) {
-  const auto own = sqlite::schema::ownLanguage();
+  const auto& own = language::ownTables;
   fakes::makeDatabase(engine, u"VORDANE.LNG",
                       {{fakes::tableNamed(own, u"tMessages"), {{std::int32_t{0}, u"F"_v}}}});
   EXPECT_THROW(start(), ProcessEnded);

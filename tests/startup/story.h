@@ -14,11 +14,14 @@
 #include "fakes/memory_settings.h"
 #include "fakes/memory_view.h"
 #include "fakes/set_clock.h"
+#include "language/language_databases.h"
 #include "language/message_numbers.h"
+#include "settings/suite_databases.h"
 #include "startup/application.h"
 #include "startup/basMain.h"
 #include "startup/cOLELayer.h"
 #include "startup/dlgFaultDisplay.h"
+#include "store/fault_database.h"
 
 namespace vordane::startup {
 
@@ -131,12 +134,12 @@ class Story : public testing::Test {
  protected:
   Story() {
     makeLanguage();
-    sqlite::createDatabase(engine.file(u"Common.LNG"), sqlite::schema::commonLanguage());
-    sqlite::createDatabase(engine.file(u"FAULT.MDB"), sqlite::schema::faultDatabase());
-    const auto& registry = sqlite::schema::registration()[0];
+    tools::createDatabase(engine.file(u"Common.LNG"), language::commonTables);
+    tools::createDatabase(engine.file(u"FAULT.MDB"), store::faultTables);
+    const auto& registry = settings::registrationTables[0];
     fakes::makeDatabase(engine, u"Register.mdb",
                         {{registry, {{u"VORDANE.WRX"_v, u""_v, u""_v, u""_v, u"0.0.0"_v}}}});
-    fakes::makeDatabase(engine, u"Schedule.mdb", {{sqlite::schema::schedule()[0], jobRows()}});
+    fakes::makeDatabase(engine, u"Schedule.mdb", {{settings::scheduleTables[0], jobRows()}});
     program.directory = u"C:\\QUILMAR32\\30000\\ADDINS";
     program.startedByAutomation = true;
     program.major = 1;
@@ -146,7 +149,7 @@ class Story : public testing::Test {
   ~Story() override { view.tracePointer = false; }
 
   void makeLanguage() {
-    const auto own = sqlite::schema::ownLanguage();
+    const auto& own = language::ownTables;
     const auto table = [&](std::u16string_view name, std::vector<fakes::Row> rows) {
       return fakes::NewTable{fakes::tableNamed(own, name), std::move(rows)};
     };
@@ -193,9 +196,9 @@ class Story : public testing::Test {
   std::int16_t runSchedule(std::u16string key) {
     return callInteger(u"RunSchedule", {automation::byVal(key)});
   }
-  void createSchedule() {
-    automation::call(*layer, u"CreateSchedule",
-                     {automation::byVal(std::int32_t{5}), automation::byVal(std::int16_t{3})});
+  bool createSchedule() {
+    return automation::toBoolean(automation::call(
+        *layer, u"CreateSchedule", {automation::byVal(std::int32_t{5}), automation::byVal(std::int16_t{3})}));
   }
   dlgFaultDisplay& form() { return application->form(); }
   fakes::MemoryExchange& exchange() { return *host->exchange; }

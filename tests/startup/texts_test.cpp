@@ -2,6 +2,7 @@
 // of its boxes.
 #include <set>
 
+#include "language/language_databases.h"
 #include "startup/story.h"
 
 namespace vordane::startup {
@@ -11,7 +12,7 @@ using WindowTexts = Story;
 
 // A loader that stops is named, in the order in which they are called, and none keeps the next from its turn.
 TEST_F(WindowTexts, TheFourLoadersTakeTheirTurns) {
-  const auto own = sqlite::schema::ownLanguage();
+  const auto& own = language::ownTables;
   fakes::makeDatabase(
       engine, u"VORDANE.LNG",
       {{fakes::tableNamed(own, u"tProject"), {{u"VORDANE"_v, u"T"_v, u""_v, u""_v, u""_v, u""_v}}},
@@ -30,7 +31,7 @@ TEST_F(WindowTexts, TheHostChoosesAPictureSet) {
        std::int32_t{-1}},
       {u"dlgOther"_v, u"imgHeader"_v, std::int32_t{-1}, u"BACK.BMP"_v, u"imgHeader"_v, std::int32_t{-1}}};
   makeLanguage();
-  const auto shared = sqlite::schema::commonLanguage();
+  const auto& shared = language::commonTables;
   fakes::makeDatabase(
       engine, u"Common.LNG",
       {{fakes::tableNamed(shared, u"PictureFileName"),

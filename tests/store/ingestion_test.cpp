@@ -1,3 +1,4 @@
+#include "store/fault_database.h"
 #include "store/store_fixture.h"
 
 namespace vordane::store {
@@ -343,8 +344,8 @@ TEST_F(IngestionTest, StopsWhenTheFormWentAwayAtTheReportOfAMissingDatabase) {
 
 TEST_F(IngestionTest, AnIdBeyond16BitsIsAnError) {
   form.database.reset();
-  sqlite::DatabaseWriter writer(file.path(), true);
-  writer.createTables(sqlite::schema::faultDatabase());
+  tools::DatabaseWriter writer(file.path(), true);
+  writer.createTables(store::faultTables);
   writer.setLastAutoNumber(u"PBXList", 32767);
   writer.finish();
   form.database = file.open();

@@ -12,9 +12,11 @@
 #include "fakes/memory_store_form.h"
 #include "fakes/watched_database.h"
 #include "platform/sqlite/engine.h"
-#include "platform/sqlite/schema.h"
+#include "startup/databases.h"
+#include "store/fault_database.h"
 #include "store/fault_store.h"
 #include "store/statements.h"
+#include "tools/sqlite/database_writer.h"
 
 namespace vordane::store {
 
@@ -26,7 +28,7 @@ class FaultFile {
     directory_ = std::filesystem::temp_directory_path() /
                  ("vordane-store-" + std::to_string(::getpid()) + "-" + std::to_string(++number));
     std::filesystem::create_directory(directory_);
-    sqlite::createDatabase(path(), sqlite::schema::faultDatabase());
+    tools::createDatabase(path(), store::faultTables);
   }
   ~FaultFile() {
     std::error_code ignored;
@@ -40,7 +42,7 @@ class FaultFile {
 
  private:
   std::filesystem::path directory_;
-  std::unique_ptr<database::Engine> engine_ = sqlite::makeEngine();
+  std::unique_ptr<database::Engine> engine_ = sqlite::makeEngine(startup::databases);
 };
 
 class StoreTest : public testing::Test {

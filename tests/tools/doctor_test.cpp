@@ -5,8 +5,12 @@
 #include <fstream>
 
 #include "doctor_checks.h"
+#include "language/language_databases.h"
 #include "language_folder.h"
 #include "platform/sqlite/engine.h"
+#include "settings/suite_databases.h"
+#include "startup/databases.h"
+#include "store/fault_database.h"
 
 namespace vordane::tools {
 namespace {
@@ -32,7 +36,7 @@ class Doctor : public testing::Test {
     source = readLanguage(texts.folder(), problems);
     makeSuiteFiles(layout, source);
   }
-  std::vector<Finding> look() { return examineFiles(layout, *sqlite::makeEngine()); }
+  std::vector<Finding> look() { return examineFiles(layout, *sqlite::makeEngine(startup::databases)); }
   static void spoil(const std::filesystem::path& file) {
     std::ofstream(file, std::ios::binary) << "no database at all";
   }
@@ -44,9 +48,9 @@ class Doctor : public testing::Test {
     bytes << std::string(static_cast<std::size_t>(std::filesystem::file_size(file)) - page, 'x');
   }
   // The database at `file` with all but one of its documented tables.
-  static void makeWithout(const std::filesystem::path& file, std::span<const sqlite::TableDefinition> tables,
-                          std::u16string_view missing) {
-    sqlite::DatabaseWriter writer(toText(file), true);
+  static void makeWithout(const std::filesystem::path& file,
+                          std::span<const database::TableDefinition> tables, std::u16string_view missing) {
+    DatabaseWriter writer(toText(file), true);
     for (const auto& table : tables)
       if (table.name != missing) writer.createTable(table);
     writer.finish();
@@ -87,8 +91,8 @@ TEST_F(Doctor, SaysThatAnAccessFileNeedsItsEngine) {
 TEST_F(Doctor, NamesFaultsOfNoExchange) {
   const auto file = layout.ownDatabases() / "FAULT.MDB";
   const auto fill = [&](std::span<const std::int32_t> owners) {
-    sqlite::DatabaseWriter writer(toText(file), true);
-    writer.createTables(sqlite::schema::faultDatabase());
+    DatabaseWriter writer(toText(file), true);
+    writer.createTables(store::faultTables);
     const database::Value exchange[] = {std::int32_t{3}, std::u16string(u"PBX-1"),
                                         std::u16string(u"2006-11-27 09:00:00"), false, false};
     writer.insert(u"PBXList", exchange);
@@ -111,32 +115,32 @@ TEST_F(Doctor, NamesFaultsOfNoExchange) {
 }
 
 TEST_F(Doctor, NamesAMissingTable) {
-  makeWithout(layout.ownDatabases() / "FAULT.MDB", sqlite::schema::faultDatabase(), u"FaultDisplay");
+  makeWithout(layout.ownDatabases() / "FAULT.MDB", store::faultTables, u"FaultDisplay");
   EXPECT_THAT(look(), ElementsAre(finding(true, "FAULT.MDB: table FaultDisplay is missing")));
 }
 
 TEST_F(Doctor, KnowsWhichTablesTheStartNeeds) {
   const auto lng = layout.ownDatabases() / "VORDANE.LNG";
-  makeWithout(lng, sqlite::schema::ownLanguage(), u"tPicture");
+  makeWithout(lng, language::ownTables, u"tPicture");
   EXPECT_THAT(look(), Contains(finding(false, "VORDANE.LNG: table tPicture is missing")));
   EXPECT_THAT(look(), Contains(finding(true, "VORDANE.LNG: table tProject has no row for VORDANE")));
-  makeWithout(lng, sqlite::schema::ownLanguage(), u"tMessages");
+  makeWithout(lng, language::ownTables, u"tMessages");
   EXPECT_THAT(look(), Contains(finding(true, "VORDANE.LNG: table tMessages is missing")));
-  makeWithout(layout.sharedDatabases() / "Common.LNG", sqlite::schema::commonLanguage(), u"PictureFileName");
+  makeWithout(layout.sharedDatabases() / "Common.LNG", language::commonTables, u"PictureFileName");
   EXPECT_THAT(look(), Contains(finding(false, "Common.LNG: table PictureFileName is missing")));
 }
 
 TEST_F(Doctor, KnowsThatNoHostStartsItWithoutTheRegistration) {
   const auto file = layout.sharedDatabases() / "Register.mdb";
-  makeWithout(file, sqlite::schema::schedule(), {});  // another database under its name
+  makeWithout(file, settings::scheduleTables, {});  // another database under its name
   EXPECT_THAT(look(), ElementsAre(finding(true, "Register.mdb: table Registry is missing")));
   std::filesystem::remove(file);
   EXPECT_THAT(look(), ElementsAre(finding(true, "Register.mdb is missing: the program ends when a host")));
 }
 
 TEST_F(Doctor, NamesAMissingColumn) {
-  const auto& options = sqlite::schema::schedule()[0];
-  sqlite::DatabaseWriter writer(toText(layout.sharedDatabases() / "Schedule.mdb"), true);
+  const auto& options = settings::scheduleTables[0];
+  DatabaseWriter writer(toText(layout.sharedDatabases() / "Schedule.mdb"), true);
   writer.createTable({options.name, options.columns.first(7)});  // without File and Kind
   writer.finish();
   EXPECT_THAT(look(), ElementsAre(finding(false, "table Options lacks the column File")));
@@ -149,7 +153,7 @@ TEST_F(Doctor, NamesIncompleteTexts) {
 }
 
 TEST_F(Doctor, NamesAMissingRegistration) {
-  makeWithout(layout.sharedDatabases() / "Register.mdb", sqlite::schema::registration(), {});
+  makeWithout(layout.sharedDatabases() / "Register.mdb", settings::registrationTables, {});
   EXPECT_THAT(look(), ElementsAre(finding(false, "there is no row for VORDANE.WRX")));
 }
 

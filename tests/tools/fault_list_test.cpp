@@ -8,7 +8,9 @@
 #include "export_csv.h"
 #include "lines.h"
 #include "platform/sqlite/engine.h"
-#include "platform/sqlite/schema.h"
+#include "startup/databases.h"
+#include "store/fault_database.h"
+#include "tools/sqlite/database_writer.h"
 
 namespace vordane::tools {
 namespace {
@@ -18,8 +20,8 @@ using Form = ListOptions::Form;
 class FaultList : public testing::Test {
  protected:
   FaultList() {
-    sqlite::DatabaseWriter writer(file_.u16string(), true);
-    writer.createTables(sqlite::schema::faultDatabase());
+    DatabaseWriter writer(file_.u16string(), true);
+    writer.createTables(store::faultTables);
     addExchange(writer, 1, u"PBX-1", u"2006-11-27 09:00:00", true);
     addExchange(writer, 2, u"Büro\x1B[31m \u202E\"2\"", u"2006-11-26 09:00:00", false);
     addExchange(writer, 3, u"=HYPERLINK(\"x\")", u"2006-11-25 09:00:00", false);
@@ -33,12 +35,12 @@ class FaultList : public testing::Test {
   ~FaultList() override { std::filesystem::remove(file_); }
 
   static database::Value text(std::u16string_view words) { return std::u16string(words); }
-  static void addExchange(sqlite::DatabaseWriter& writer, std::int32_t id, std::u16string_view name,
+  static void addExchange(DatabaseWriter& writer, std::int32_t id, std::u16string_view name,
                           std::u16string_view time, bool major) {
     const database::Value row[] = {id, text(name), text(time), major, false};
     writer.insert(u"PBXList", row);
   }
-  static void addFault(sqlite::DatabaseWriter& writer, std::int32_t id, std::u16string_view kind,
+  static void addFault(DatabaseWriter& writer, std::int32_t id, std::u16string_view kind,
                        std::u16string_view processor, std::u16string_view date,
                        std::u16string_view description) {
     const database::Value row[] = {id,         text(kind),         text(u"MN"),      text(processor),
@@ -46,7 +48,7 @@ class FaultList : public testing::Test {
     writer.insert(u"FaultDisplay", row);
   }
   std::string list(Form form, std::optional<std::u16string> exchange = std::nullopt) {
-    const auto database = sqlite::makeEngine()->open(file_.u16string(), true);
+    const auto database = sqlite::makeEngine(startup::databases)->open(file_.u16string(), true);
     std::ostringstream out;
     listFaults(*database, "FAULT.MDB", {form, std::move(exchange)}, out);
     return out.str();
@@ -101,7 +103,7 @@ TEST_F(FaultList, AnUnknownExchangeIsAnErrorThatNamesTheKnownOnes) {
     EXPECT_EQ(refusal(form, u"PBX-9\x1B"),
               "FAULT.MDB: there is no exchange \"PBX-9\\x1B\". Name one of those stored there: \"PBX-1\", "
               "\"Büro\\x1B[31m \\u202E\"2\"\", \"=HYPERLINK(\"x\")\"");
-  sqlite::createDatabase(file_.u16string(), sqlite::schema::faultDatabase(), true);
+  createDatabase(file_.u16string(), store::faultTables, true);
   EXPECT_EQ(refusal(Form::count, u"PBX-1"),
             "FAULT.MDB: there is no exchange \"PBX-1\". No exchange is stored there");
   EXPECT_EQ(list(Form::count), "0\n");

@@ -14,6 +14,7 @@
 #include "places.h"
 #include "platform/control_types.h"
 #include "report_layout.h"
+#include "startup/databases.h"
 #include "suite_files.h"
 
 namespace vordane::tools {
@@ -26,7 +27,7 @@ class Suite : public testing::TestWithParam<const char*> {
     source = readLanguage(texts.folder(), problems);
   }
   std::unique_ptr<database::Database> open(const std::filesystem::path& file) {
-    return sqlite::makeEngine()->open(toText(file), true);
+    return sqlite::makeEngine(startup::databases)->open(toText(file), true);
   }
 
   fakes::LanguageFolder texts;
@@ -96,7 +97,7 @@ TEST(SuiteFiles, StandInTheInstalledLayout) {
         "QUIL32/DATABASE/Common.LNG", "QUIL32/DATABASE/Register.mdb", "QUIL32/DATABASE/Schedule.mdb",
         "BACKGRND/VORDBACK.BMP", "BACKGRND/MIST.BMP"})
     EXPECT_TRUE(std::filesystem::exists(layout.root / file)) << file;
-  const auto engine = sqlite::makeEngine();
+  const auto engine = sqlite::makeEngine(startup::databases);
   const auto registry = engine->open(toText(layout.sharedDatabases() / "Register.mdb"), true);
   EXPECT_FALSE(registry->openRecordset(u"SELECT * FROM Registry WHERE AppName = \"VORDANE.WRX\"")->isEmpty());
   const auto schedule = engine->open(toText(layout.sharedDatabases() / "Schedule.mdb"), true);
@@ -161,14 +162,16 @@ TEST(SuiteFiles, StoredFaultsStayWhenTheFilesAreMadeAgain) {
   const LanguageSource source = readLanguage(texts.folder(), problems);
   makeSuiteFiles(layout, source);
   {
-    const auto faults = sqlite::makeEngine()->open(toText(layout.ownDatabases() / "FAULT.MDB"), false);
+    const auto faults =
+        sqlite::makeEngine(startup::databases)->open(toText(layout.ownDatabases() / "FAULT.MDB"), false);
     const auto rows = faults->openRecordset(u"Select * FROM PBXList");
     rows->addNew();
     rows->set(u"PBXName", std::u16string(u"PBX-1"));
     rows->update();
   }
   makeSuiteFiles(layout, source);
-  const auto faults = sqlite::makeEngine()->open(toText(layout.ownDatabases() / "FAULT.MDB"), true);
+  const auto faults =
+      sqlite::makeEngine(startup::databases)->open(toText(layout.ownDatabases() / "FAULT.MDB"), true);
   EXPECT_FALSE(faults->openRecordset(u"Select * FROM PBXList WHERE PBXName = \"PBX-1\"")->isEmpty());
 }
 

@@ -4,6 +4,7 @@
 
 #include "devhost/core/report_order.h"
 #include "devhost/core/report_template.h"
+#include "store/statements.h"
 #include "text/numbers.h"
 #include "text/text.h"
 #include "zulsim/core/files.h"
@@ -40,7 +41,7 @@ bool sameName(std::u16string_view a, std::u16string_view b) {
 
 ExchangeRow findExchange(database::Database& database, std::u16string_view name) {
   // The whole list is read, so that a name may hold any character.
-  const auto rows = database.openRecordset(u"SELECT * FROM PBXList Order by [TimeStamp] Desc");
+  const auto rows = database.openRecordset(store::exchangesNewestFirst);
   for (; !rows->atEnd(); rows->moveNext()) {
     const std::u16string found = textOf(rows->get(u"PBXName")).value_or(std::u16string{});
     if (sameName(found, name))
@@ -52,9 +53,7 @@ ExchangeRow findExchange(database::Database& database, std::u16string_view name)
 }
 
 std::vector<Fault> faultsOf(database::Database& database, std::int32_t id) {
-  const auto rows = database.openRecordset(
-      u"SELECT * FROM FaultDisplay WHERE ID = " + text::decimal(id) +
-      u" Order by [Date] Desc, [Count] Desc, [Fault] Desc, [Alarm] Desc, [CPU] Desc, [Description] Desc");
+  const auto rows = database.openRecordset(store::faultsOfExchange(id, store::newestFirst));
   std::vector<Fault> faults;
   for (; !rows->atEnd(); rows->moveNext())
     faults.push_back({textOf(rows->get(u"Fault")), textOf(rows->get(u"Alarm")), textOf(rows->get(u"Date")),

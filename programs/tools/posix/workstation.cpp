@@ -1,6 +1,7 @@
 #include "doctor_checks.h"
 #include "platform/engine_choice.h"
 #include "platform/sqlite/engine.h"
+#include "startup/databases.h"
 
 namespace vordane::tools {
 
@@ -16,7 +17,8 @@ class NoAccessEngine : public database::Engine {
 }  // namespace
 
 std::unique_ptr<database::Engine> examiningEngine() {
-  return database::makeEngineChoice(std::make_unique<NoAccessEngine>(), sqlite::makeEngine());
+  return database::makeEngineChoice(std::make_unique<NoAccessEngine>(),
+                                    sqlite::makeEngine(startup::databases));
 }
 
 std::optional<Workstation> thisWorkstation() {

@@ -6,6 +6,7 @@
 #include "platform/dao/dao_reader.h"
 #include "platform/windows/com/apartment.h"
 #include "platform/windows/services/services.h"
+#include "startup/databases.h"
 
 namespace vordane::tools {
 namespace {
@@ -20,7 +21,7 @@ class AccessEngine : public database::Engine {
  public:
   std::unique_ptr<database::Database> open(std::u16string_view path, bool readOnly) override {
     if (!workplace_) workplace_ = std::make_unique<Workplace>();
-    if (!engine_) engine_ = dao::makeEngine(workplace_->creator);
+    if (!engine_) engine_ = dao::makeEngine(startup::databases, workplace_->creator);
     return engine_->open(path, readOnly);
   }
 

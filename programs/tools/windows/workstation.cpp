@@ -6,6 +6,7 @@
 #include "platform/sqlite/engine.h"
 #include "platform/windows/com/apartment.h"
 #include "platform/windows/services/services.h"
+#include "startup/databases.h"
 
 namespace vordane::tools {
 namespace {
@@ -40,7 +41,8 @@ struct ExaminingEngine : database::Engine {
   com::Apartment apartment;
   windows::ComObjectCreator creator;
   std::unique_ptr<database::Engine> engine = database::makeEngineChoice(
-      dao::makeEngine(creator), sqlite::makeEngine({windows::isOnNetworkDrive}), {windows::isHeldByOthers});
+      dao::makeEngine(startup::databases, creator),
+      sqlite::makeEngine(startup::databases, {windows::isOnNetworkDrive}), {windows::isHeldByOthers});
 };
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include "platform/windows/window/background.h"
 #include "platform/windows/window/win32_view.h"
 #include "startup/application.h"
+#include "startup/databases.h"
 #include "startup/dlgFaultDisplay.h"
 
 namespace vordane {
@@ -32,7 +33,8 @@ struct Parts {
   windows::ComObjectCreator creator;
   Pictures pictures;
   std::unique_ptr<database::Engine> engine = database::makeEngineChoice(
-      dao::makeEngine(creator), sqlite::makeEngine({windows::isOnNetworkDrive}), {windows::isHeldByOthers});
+      dao::makeEngine(startup::databases, creator),
+      sqlite::makeEngine(startup::databases, {windows::isOnNetworkDrive}), {windows::isHeldByOthers});
 
   SharedState state;
   MessageTexts viewTexts{state};

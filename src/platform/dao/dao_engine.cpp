@@ -92,7 +92,8 @@ class List : public database::RowList {
 // engine would run what they make of it, in other files too.
 class File : public database::Database {
  public:
-  explicit File(ObjectRef object) : object_(std::move(object)) {}
+  File(ObjectRef object, std::shared_ptr<const jet::Documented> documented)
+      : object_(std::move(object)), documented_(std::move(documented)) {}
   ~File() override { close(); }
   File(const File&) = delete;
   File& operator=(const File&) = delete;
@@ -115,17 +116,17 @@ class File : public database::Database {
   }
 
   std::unique_ptr<database::Recordset> openRecordset(std::u16string_view statement) override {
-    jet::requireKnown(statement, lifted_);
+    documented_->require(statement, lifted_);
     return std::make_unique<Rows>(getObject(object_, u"OpenRecordset", {byVal(text(statement))}));
   }
   std::unique_ptr<database::RowList> openRowList(std::u16string_view statement,
                                                  std::span<const std::u16string_view> columns) override {
-    jet::requireKnown(statement, lifted_);
+    documented_->require(statement, lifted_);
     return std::make_unique<List>(
         getObject(object_, u"OpenRecordset", {byVal(text(statement)), byVal(openDynaset)}), columns);
   }
   void execute(std::u16string_view statement) override {
-    jet::requireKnown(statement, lifted_);
+    documented_->require(statement, lifted_);
     call(object_, u"Execute", {byVal(text(statement)), byVal(failOnError)});
   }
 
@@ -146,7 +147,7 @@ class File : public database::Database {
   }
 
  private:
-  // Those under a documented name.
+  // Those under a described name.
   template <class Look>
   void forEach(std::u16string_view collection, const Look& look) const {
     const ObjectRef all = getObject(object_, collection);
@@ -154,7 +155,7 @@ class File : public database::Database {
     for (std::int32_t i = 0; i < count; ++i) {
       const ObjectRef one = getObject(all, u"Item", {byVal(i)});
       const std::u16string name = automation::toText(dao::get(one, u"Name"));
-      if (jet::isDocumentedTable(name)) look(one, name);
+      if (documented_->hasTable(name)) look(one, name);
     }
   }
   [[noreturn]] static void refuse(const std::u16string& name) {
@@ -162,18 +163,22 @@ class File : public database::Database {
   }
 
   ObjectRef object_;
+  std::shared_ptr<const jet::Documented> documented_;
   jet::Lifted lifted_;  // keeps its memory between statements
   bool closed_ = false;
 };
 
 class DaoEngine : public database::Engine {
  public:
-  DaoEngine(platform::ObjectCreator& creator, std::chrono::milliseconds lockWait)
-      : creator_(creator), lockWait_(lockWait) {}
+  DaoEngine(database::Descriptions descriptions, platform::ObjectCreator& creator,
+            std::chrono::milliseconds lockWait)
+      : documented_(std::make_shared<const jet::Documented>(descriptions)),
+        creator_(creator),
+        lockWait_(lockWait) {}
 
   std::unique_ptr<database::Database> open(std::u16string_view path, bool readOnly) override {
     if (!engine_) engine_ = createEngine(creator_);
-    auto file = std::make_unique<File>(openPatiently(path, readOnly));
+    auto file = std::make_unique<File>(openPatiently(path, readOnly), documented_);
     if (!readOnly) file->requireUpdatable();
     file->requireTablesOfItsOwn();
     return file;
@@ -196,6 +201,7 @@ class DaoEngine : public database::Engine {
     }
   }
 
+  std::shared_ptr<const jet::Documented> documented_;
   platform::ObjectCreator& creator_;
   std::chrono::milliseconds lockWait_;
   ObjectRef engine_;
@@ -203,9 +209,10 @@ class DaoEngine : public database::Engine {
 
 }  // namespace
 
-std::unique_ptr<database::Engine> makeEngine(platform::ObjectCreator& creator,
+std::unique_ptr<database::Engine> makeEngine(database::Descriptions descriptions,
+                                             platform::ObjectCreator& creator,
                                              std::chrono::milliseconds lockWait) {
-  return std::make_unique<DaoEngine>(creator, lockWait);
+  return std::make_unique<DaoEngine>(descriptions, creator, lockWait);
 }
 
 }  // namespace vordane::dao

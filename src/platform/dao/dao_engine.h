@@ -6,14 +6,17 @@
 #include <memory>
 
 #include "platform/database.h"
+#include "platform/description.h"
 #include "platform/services.h"
 
 namespace vordane::dao {
 
 // Asks for DAO.DBEngine.120 and then DAO.DBEngine.36 at the first opening, and keeps the object. Opening
-// fails with number 429 where neither is installed. `creator` must outlive the engine.
+// fails with number 429 where neither is installed. `creator` must outlive the engine. Only statements that
+// the descriptions name are sent.
 // A file that another program has opened exclusively is tried again for `lockWait`.
 std::unique_ptr<database::Engine> makeEngine(
-    platform::ObjectCreator& creator, std::chrono::milliseconds lockWait = std::chrono::milliseconds(5000));
+    database::Descriptions descriptions, platform::ObjectCreator& creator,
+    std::chrono::milliseconds lockWait = std::chrono::milliseconds(5000));
 
 }  // namespace vordane::dao

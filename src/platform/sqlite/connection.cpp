@@ -31,8 +31,10 @@ class Maintaining {
 
 }  // namespace
 
-Connection::Connection(Handle handle, bool readOnly, const Options& options)
+Connection::Connection(Handle handle, bool readOnly, const Options& options,
+                       database::Descriptions descriptions)
     : handle_(std::move(handle)),
+      descriptions_(descriptions),
       readOnly_(readOnly),
       lockWaitMilliseconds_(options.lockWaitMilliseconds),
       longestUnsaved_(options.longestUnsavedMilliseconds) {
@@ -126,7 +128,7 @@ void Connection::loadTables() {
       column.folded = text::toLower(column.name);
       column.quoted = quote(column.name);
       const std::u16string declared = columns.text(1);
-      column.kind = kindOf(table->name, column.name, declared);
+      column.kind = kindOf(descriptions_, table->name, column.name, declared);
       column.affinity = affinityOf(declared);
       if (columns.integer(2) != 0 && ++keys == 1 && text::equalIgnoringCase(declared, u"integer"))
         table->autoNumber = table->columns.size();

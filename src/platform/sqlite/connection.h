@@ -45,7 +45,7 @@ inline constexpr const char* wholeCache = "PRAGMA cache_size = -65536";
 
 class Connection {
  public:
-  Connection(Handle handle, bool readOnly, const Options& options);
+  Connection(Handle handle, bool readOnly, const Options& options, database::Descriptions descriptions);
   ~Connection();
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
@@ -114,6 +114,7 @@ class Connection {
   std::int64_t readNumber(Statement& statement);
 
   Handle handle_;
+  database::Descriptions descriptions_;
   bool readOnly_;
   bool utf8_ = false;
   bool damaged_ = false;

@@ -109,8 +109,8 @@ void requireEmbeddedFile(std::u16string_view path) {
 
 class EmbeddedDatabase final : public database::Database {
  public:
-  EmbeddedDatabase(Handle handle, bool readOnly, const Options& options, bool onNetwork = false)
-      : opened_(std::make_shared<Opened>(std::move(handle), readOnly, options)), onNetwork_(onNetwork) {}
+  explicit EmbeddedDatabase(std::shared_ptr<Opened> opened, bool onNetwork = false)
+      : opened_(std::move(opened)), onNetwork_(onNetwork) {}
 
   std::unique_ptr<database::Recordset> openRecordset(std::u16string_view statement) override {
     requireOpen();
@@ -175,15 +175,22 @@ class EmbeddedDatabase final : public database::Database {
 
 class EmbeddedEngine final : public database::Engine {
  public:
-  explicit EmbeddedEngine(Options options) : options_(std::move(options)) { sqlite3_initialize(); }
+  EmbeddedEngine(database::Descriptions descriptions, Options options)
+      : documented_(std::make_shared<const jet::Documented>(descriptions)), options_(std::move(options)) {
+    sqlite3_initialize();
+  }
 
   std::unique_ptr<database::Database> open(std::u16string_view path, bool readOnly) override {
     requireEmbeddedFile(path);
     if (!readOnly) return openToWrite(path);
-    return std::make_unique<EmbeddedDatabase>(openToRead(path, options_), true, options_);
+    return std::make_unique<EmbeddedDatabase>(opened(openToRead(path, options_), true));
   }
 
  private:
+  std::shared_ptr<Opened> opened(Handle handle, bool readOnly) const {
+    return std::make_shared<Opened>(std::move(handle), readOnly, options_, documented_);
+  }
+
   std::unique_ptr<database::Database> openToWrite(std::u16string_view path) {
     refuseSharedJournal(path);
     Handle handle = openFile(text::toUtf8(path), SQLITE_OPEN_READWRITE, options_);
@@ -195,20 +202,23 @@ class EmbeddedEngine final : public database::Engine {
     // Commits reach the disk before they are reported.
     sqlite::execute(handle.get(), "PRAGMA synchronous = FULL");
     const bool network = isOnNetwork(path);
-    if (holdsFaults(handle.get())) chooseJournal(handle.get(), network);
-    return std::make_unique<EmbeddedDatabase>(std::move(handle), false, options_, network);
+    if (holdsEvents(handle.get())) chooseJournal(handle.get(), network);
+    return std::make_unique<EmbeddedDatabase>(opened(std::move(handle), false), network);
   }
 
   bool isOnNetwork(std::u16string_view path) const {
     return options_.onNetwork ? options_.onNetwork(path) : platform::liesOnNetwork(path);
   }
 
-  static bool holdsFaults(sqlite3* handle) {
-    return returnsRow(
-        handle, "SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = 'FaultDisplay' COLLATE NOCASE");
+  bool holdsEvents(sqlite3* handle) const {
+    const database::EventTable* events = eventsOf(documented_->descriptions());
+    return events != nullptr &&
+           returnsRow(handle, ("SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = '" +
+                               text::toUtf8(events->table) + "' COLLATE NOCASE")
+                                  .c_str());
   }
 
-  // Faults are written while others read them: a write-ahead log, but not where its shared memory doesn't
+  // Events are written while others read them: a write-ahead log, but not where its shared memory doesn't
   // work. The other databases lie in folders that may be read-only and keep the plain rollback journal.
   void chooseJournal(sqlite3* handle, bool network) {
     const char* choice = network ? "PRAGMA journal_mode = DELETE" : "PRAGMA journal_mode = WAL";
@@ -225,6 +235,7 @@ class EmbeddedEngine final : public database::Engine {
     }
   }
 
+  std::shared_ptr<const jet::Documented> documented_;
   Options options_;
 };
 
@@ -250,8 +261,8 @@ Handle openToRead(std::u16string_view path, const Options& options) {
   return handle;
 }
 
-std::unique_ptr<database::Engine> makeEngine(Options options) {
-  return std::make_unique<EmbeddedEngine>(std::move(options));
+std::unique_ptr<database::Engine> makeEngine(database::Descriptions descriptions, Options options) {
+  return std::make_unique<EmbeddedEngine>(descriptions, std::move(options));
 }
 
 bool isEmbeddedFile(std::u16string_view path) {

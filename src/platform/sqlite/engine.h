@@ -1,5 +1,6 @@
-// The embedded database engine: plain SQLite 3 files with the documented tables, under statements in the
-// Access dialect. Everything an engine opened belongs to one thread; failures are DatabaseErrors.
+// The embedded database engine: plain SQLite 3 files under statements in the Access dialect. Which tables
+// and statements there are is described by those who use it. Everything an engine opened belongs to one
+// thread; failures are DatabaseErrors.
 #pragma once
 
 #include <functional>
@@ -8,6 +9,7 @@
 #include <string_view>
 
 #include "platform/database.h"
+#include "platform/description.h"
 
 namespace vordane::sqlite {
 
@@ -21,7 +23,8 @@ struct Options {
   std::string fileLayer = {};
 };
 
-std::unique_ptr<database::Engine> makeEngine(Options options = {});
+// What is described must outlive the engine and the databases it opens.
+std::unique_ptr<database::Engine> makeEngine(database::Descriptions descriptions, Options options = {});
 
 // True when the file begins as this engine's files do. False for anything else, a missing file included.
 bool isEmbeddedFile(std::u16string_view path);

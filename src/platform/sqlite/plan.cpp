@@ -129,7 +129,7 @@ void Plans::remember(std::u16string_view statement, const jet::Lifted& lifted, P
 std::unique_ptr<Plan> Plans::make(const jet::Lifted& lifted) {
   auto plan = std::make_unique<Plan>();
   plan->tablesChanged = tablesChanged_;
-  plan->shape = jet::parse(lifted);
+  plan->shape = documented_.shapeOf(lifted);
   plan->table = &connection_.table(plan->shape.table);
   // Rows are known by their number, which such a column hides.
   if (plan->table->find(u"rowid")) fail(number::invalidOperation);

@@ -38,7 +38,8 @@ struct Plan {
 // The plans of one connection, by shape.
 class Plans {
  public:
-  explicit Plans(Connection& connection) : connection_(connection) {}
+  Plans(Connection& connection, const jet::Documented& documented)
+      : connection_(connection), documented_(documented) {}
   // Takes a statement apart into `lifted`. Throws DatabaseError.
   Plan& find(std::u16string_view statement, jet::Lifted& lifted);
 
@@ -49,8 +50,10 @@ class Plans {
   };
   std::unique_ptr<Plan> make(const jet::Lifted& lifted);
   void remember(std::u16string_view statement, const jet::Lifted& lifted, Plan& plan);
-  Connection& connection_;
   void forgetIfTablesChanged();
+
+  Connection& connection_;
+  const jet::Documented& documented_;
   using ByShape = std::unordered_map<std::u16string, std::unique_ptr<Plan>>;
   ByShape plans_;
   std::vector<ByShape> former_;  // made for tables that were changed since; their rows may still be held
@@ -61,8 +64,12 @@ class Plans {
 // What a database and the recordsets and lists it gave out share: none of them is cut off by the end of
 // another.
 struct Opened {
-  Opened(Handle handle, bool readOnly, const Options& options)
-      : connection(std::move(handle), readOnly, options), plans(connection) {}
+  Opened(Handle handle, bool readOnly, const Options& options,
+         std::shared_ptr<const jet::Documented> whatIsDocumented)
+      : documented(std::move(whatIsDocumented)),
+        connection(std::move(handle), readOnly, options, documented->descriptions()),
+        plans(connection, *documented) {}
+  std::shared_ptr<const jet::Documented> documented;
   Connection connection;
   Plans plans;
   jet::Lifted lifted;  // of the statement at hand; keeps its memory for the next

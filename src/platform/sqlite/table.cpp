@@ -11,19 +11,6 @@
 namespace vordane::sqlite {
 namespace {
 
-struct NamedColumn {
-  std::u16string_view table, column;
-  Kind kind;
-};
-
-// Columns whose documented type a declaration in plain SQLite may not show.
-constexpr NamedColumn documentedKinds[] = {
-    {u"pbxlist", u"id", Kind::integer16},      {u"faultdisplay", u"id", Kind::integer16},
-    {u"pbxlist", u"mj", Kind::yesNo},          {u"pbxlist", u"mn", Kind::yesNo},
-    {u"tcomboboxdt", u"visible", Kind::yesNo}, {u"options", u"errorstop", Kind::yesNo},
-    {u"options", u"log", Kind::yesNo},         {u"options", u"log2", Kind::yesNo},
-};
-
 struct DeclaredWord {
   std::u16string_view word;
   Kind kind;
@@ -60,6 +47,30 @@ bool isMoment(std::u16string_view text) {
          });
 }
 
+// Of a type that a declaration in plain SQLite may not show.
+std::optional<Kind> kindOf(database::ColumnType type) {
+  switch (type) {
+    case database::ColumnType::shortInteger:
+    case database::ColumnType::shortAutoNumber:
+      return Kind::integer16;
+    case database::ColumnType::yesNo:
+      return Kind::yesNo;
+    default:
+      return std::nullopt;
+  }
+}
+
+std::optional<Kind> describedKind(database::Descriptions descriptions, std::u16string_view tableName,
+                                  std::u16string_view columnName) {
+  for (const database::Description& description : descriptions)
+    for (const database::TableDefinition& table : description.tables)
+      for (const database::ColumnDefinition& column : table.columns)
+        if (text::equalIgnoringCase(table.name, tableName) &&
+            text::equalIgnoringCase(column.name, columnName))
+          return kindOf(column.type);
+  return std::nullopt;
+}
+
 database::Value fitText(const Column& column, const database::Value& value, bool utf8File) {
   std::u16string text = automation::toText(value);
   if (utf8File && changesInUtf8(text)) fail(number::badValue, column.name);
@@ -82,14 +93,19 @@ std::size_t Table::column(std::u16string_view columnName, int errorNumber) const
   return *found;
 }
 
-Kind kindOf(std::u16string_view table, std::u16string_view column, std::u16string_view declared) {
-  const std::u16string foldedTable = text::toLower(table), foldedColumn = text::toLower(column);
-  for (const NamedColumn& documented : documentedKinds)
-    if (documented.table == foldedTable && documented.column == foldedColumn) return documented.kind;
+Kind kindOf(database::Descriptions descriptions, std::u16string_view table, std::u16string_view column,
+            std::u16string_view declared) {
+  if (const auto described = describedKind(descriptions, table, column)) return *described;
   const std::u16string folded = text::toLower(declared);
   for (const DeclaredWord& known : declaredKinds)
     if (text::contains(folded, known.word)) return known.kind;
   return Kind::other;
+}
+
+const database::EventTable* eventsOf(database::Descriptions descriptions) {
+  for (const database::Description& description : descriptions)
+    if (description.events != nullptr) return description.events;
+  return nullptr;
 }
 
 Affinity affinityOf(std::u16string_view declared) {

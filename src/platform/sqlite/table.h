@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/database.h"
+#include "platform/description.h"
 #include "platform/sqlite/statement.h"
 
 namespace vordane::sqlite {
@@ -41,7 +42,11 @@ struct Table {
   std::optional<std::size_t> find(std::u16string_view columnName) const;
 };
 
-Kind kindOf(std::u16string_view table, std::u16string_view column, std::u16string_view declared);
+// As it is described, else as it is declared: plain SQLite may not show a documented type.
+Kind kindOf(database::Descriptions descriptions, std::u16string_view table, std::u16string_view column,
+            std::u16string_view declared);
+// The table of events that one of them describes, if any.
+const database::EventTable* eventsOf(database::Descriptions descriptions);
 Affinity affinityOf(std::u16string_view declared);
 std::string quote(std::u16string_view name);
 

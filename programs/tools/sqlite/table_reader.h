@@ -6,7 +6,7 @@
 
 #include "platform/access/access_file.h"
 
-namespace vordane::sqlite {
+namespace vordane::tools {
 
 // The file's own tables by name, with columns, rows counted and the highest auto-number given; not those the
 // engine keeps for itself. Throws DatabaseError.
@@ -15,4 +15,4 @@ std::vector<access::Table> describeTables(std::u16string_view path);
 // The same tables with their rows, in the order of their keys. Dates come as "YYYY-MM-DD HH:MM:SS".
 void readTables(std::u16string_view path, access::Visitor& visitor);
 
-}  // namespace vordane::sqlite
+}  // namespace vordane::tools

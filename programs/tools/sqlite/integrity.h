@@ -4,10 +4,10 @@
 #include <string>
 #include <string_view>
 
-namespace vordane::sqlite {
+namespace vordane::tools {
 
 // Reads the whole file, changing nothing, and tells the first thing that is wrong with it in the engine's
 // words; empty for a sound one. A file that can't be opened is told like damage.
 std::string damageIn(std::u16string_view path);
 
-}  // namespace vordane::sqlite
+}  // namespace vordane::tools

@@ -1,10 +1,17 @@
-#include "platform/sqlite/table_reader.h"
+#include "tools/sqlite/table_reader.h"
 
 #include "platform/sqlite/connection.h"
+#include "startup/databases.h"
 #include "text/utf8.h"
 
-namespace vordane::sqlite {
+namespace vordane::tools {
 namespace {
+
+using sqlite::Column;
+using sqlite::Connection;
+using sqlite::Kind;
+using sqlite::Statement;
+using sqlite::Table;
 
 constexpr std::u16string_view ownPrefix = u"vordane";  // of the index the engine keeps beside the faults
 
@@ -69,14 +76,14 @@ void readRows(Connection& connection, const Table& table, access::Visitor& visit
 }  // namespace
 
 std::vector<access::Table> describeTables(std::u16string_view path) {
-  Connection connection(openToRead(path, {}), true, {});
+  Connection connection(sqlite::openToRead(path, {}), true, {}, startup::databases);
   std::vector<access::Table> descriptions;
   for (const Table* table : ownTables(connection)) descriptions.push_back(describe(connection, *table));
   return descriptions;
 }
 
 void readTables(std::u16string_view path, access::Visitor& visitor) {
-  Connection connection(openToRead(path, {}), true, {});
+  Connection connection(sqlite::openToRead(path, {}), true, {}, startup::databases);
   for (const Table* table : ownTables(connection)) {
     visitor.beginTable(describe(connection, *table));
     readRows(connection, *table, visitor);
@@ -84,4 +91,4 @@ void readTables(std::u16string_view path, access::Visitor& visitor) {
   }
 }
 
-}  // namespace vordane::sqlite
+}  // namespace vordane::tools

@@ -1,10 +1,10 @@
-#include "platform/sqlite/integrity.h"
+#include "tools/sqlite/integrity.h"
 
 #include "platform/sqlite/connection.h"
 #include "platform/sqlite/engine.h"
 #include "text/utf8.h"
 
-namespace vordane::sqlite {
+namespace vordane::tools {
 namespace {
 
 // One row comes: "ok", or a heading between asterisks with the complaint in the line below it.
@@ -17,7 +17,7 @@ int takeComplaint(void* complaint, int count, char** values, char**) {
 }  // namespace
 
 std::string damageIn(std::u16string_view path) try {
-  const Handle handle = openToRead(path, {});
+  const sqlite::Handle handle = sqlite::openToRead(path, {});
   std::string complaint;
   const int result =
       sqlite3_exec(handle.get(), "PRAGMA integrity_check(1)", takeComplaint, &complaint, nullptr);
@@ -26,4 +26,4 @@ std::string damageIn(std::u16string_view path) try {
   return text::toUtf8(error.description());
 }
 
-}  // namespace vordane::sqlite
+}  // namespace vordane::tools
