@@ -6,6 +6,8 @@
 
 #include "database/contract.h"
 #include "database/embedded.h"
+#include "platform/sqlite/text_rules.h"
+#include "text/text.h"
 #include "text/utf8.h"
 
 namespace vordane::sqlite {
@@ -87,6 +89,24 @@ TEST_F(SurveyTest, TellsWhatTheRowsSayInEveryOrderAndInPiecesOfAnySize) {
     const Told expected = fromRows(*rows);
     for (const std::size_t most : {1, 7, 64, 1000}) expectSame(told(*rows, most), expected);
   }
+}
+
+TEST(FoldedNeedles, AreFoundWhereverTheyStand) {
+  std::mt19937 random(11);
+  constexpr std::u16string_view letters = u"aAbBzZ[@жЖ日Ω";
+  const auto made = [&](std::size_t length) {
+    std::u16string text;
+    while (text.size() < length) text += letters[random() % letters.size()];
+    return text;
+  };
+  int found = 0;
+  for (int round = 0; round < 20000; ++round) {
+    const std::u16string text = made(random() % 20), needle = text::toLower(made(1 + random() % 3));
+    const bool expected = text::toLower(text).find(needle) != std::u16string::npos;
+    ASSERT_EQ(FoldedNeedle(needle).isIn(text), expected) << round;
+    found += expected ? 1 : 0;
+  }
+  EXPECT_GT(found, 1000);
 }
 
 TEST_F(SurveyTest, NumbersFarApartAreFoundAgain) {

@@ -180,6 +180,7 @@ bool ListWork::command(int id, int code) {
 }
 
 void ListWork::follow(const list::Filter& filter) {
+  if (around_.use() == ListUse::never) return;
   longWork_ = false;
   mistake_ = desk_.setFilter(filter);
   wake();
