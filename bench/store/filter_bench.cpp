@@ -5,7 +5,7 @@
 
 #include "common/measure.h"
 #include "list/desk.h"
-#include "platform/sqlite/fault_index.h"
+#include "platform/sqlite/event_index.h"
 
 namespace vordane::bench {
 namespace {
@@ -41,7 +41,7 @@ std::vector<std::string> keysOfCondition() {
   std::vector<std::string> keys;
   for (const char16_t* kind : {u"01", u"0A", u"58"})
     for (const char16_t* processor : {u"MP   ", u"LP 12"})
-      keys.push_back(sqlite::FaultIndex::kindKey({kind, u"MJ", processor, {}, {}}));
+      keys.push_back(sqlite::EventIndex::kindKey({kind, u"MJ", processor, {}, {}}));
   return keys;
 }
 
@@ -58,7 +58,8 @@ void measureFilter(database::RowList& rows, BareStore& bare, const std::string& 
   const std::u16string until = dateAt(rows, rows.size() / 4), since = dateAt(rows, rows.size() * 3 / 4);
   const list::Filter filter = condition(since, until);
   const std::vector<std::string> kinds = keysOfCondition();
-  const std::string from = sqlite::FaultIndex::momentKey(since), to = sqlite::FaultIndex::momentKey(until);
+  const std::string from = sqlite::EventIndex::momentKey({{}, {}, {}, since, {}}),
+                    to = sqlite::EventIndex::momentKey({{}, {}, {}, until, {}});
   const auto scan = [&] { return bare.filteredKeys(1, from, to, kinds); };
   Comparison facts("know class, kind and time of " + howMany, "bare walk along the index, every column",
                    noGoal);

@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "doctor_paths.h"
+#include "language/comLanguage.h"
 #include "language/form_controls.h"
 #include "language/language_databases.h"
 #include "language/row_values.h"
@@ -143,9 +144,9 @@ SourceRows projectRows(Database& own, const std::string& name) {
   const auto recordset = own.openRecordset(u"SELECT * FROM tProject");
   for (; !recordset->atEnd(); recordset->moveNext()) {
     if (language::textOf(recordset->get(u"EXEName")) != programName) continue;
-    for (const char16_t* property : {u"Title", u"OleServerBusyMsgTitle", u"OleServerBusyMsgText",
-                                     u"OleRequestPendingMsgTitle", u"OleRequestPendingMsgText"})
-      rows.push_back({name + " tProject", {property, language::textOf(recordset->get(property))}});
+    for (const comLanguage::ProjectText& text : comLanguage::projectTexts)
+      rows.push_back(
+          {name + " tProject", {std::u16string(text.column), language::textOf(recordset->get(text.column))}});
   }
   return rows;
 }

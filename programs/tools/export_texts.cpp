@@ -4,7 +4,9 @@
 #include <fstream>
 
 #include "faults/kind_lists.h"
+#include "language/comLanguage.h"
 #include "language/form_controls.h"
+#include "language/row_values.h"
 #include "lines.h"
 #include "settings/shared_state.h"
 #include "text/numbers.h"
@@ -38,16 +40,13 @@ const TextTable textTables[] = {
     {u"PictureFileName", "picture_sets.tsv", true, {u"ID", u"DefaultName", u"FileName"}},
 };
 
-constexpr std::u16string_view projectColumns[] = {u"Title", u"OleServerBusyMsgTitle", u"OleServerBusyMsgText",
-                                                  u"OleRequestPendingMsgTitle", u"OleRequestPendingMsgText"};
-
 std::string inUtf8(const fs::path& path) {
   return text::toUtf8(path.u16string());
 }
 
 // A hidden list of a kind has nothing to translate: the row that `language build` writes for it.
 bool saysNothing(const std::string& name, const SourceRow& row) {
-  const std::u16string_view keepDesigned = u"-1";
+  using language::keepDesigned;
   return name == "controls.tsv" && row.fields[1] == keepDesigned && row.fields[4] == keepDesigned &&
          std::any_of(kindLists.begin(), kindLists.end(),
                      [&](const KindList& list) { return list.name() == row.fields[0]; });
@@ -99,7 +98,7 @@ std::u16string TextExport::field(std::u16string_view column) {
                    [&](const access::Column& known) { return text::equalIgnoringCase(known.name, column); });
   if (found == table_.columns.end()) return {};
   const access::Value& value = values_.at(static_cast<std::size_t>(found - table_.columns.begin()));
-  std::u16string words = automation::isNull(value) ? std::u16string{} : automation::toText(value);
+  std::u16string words = database::textOf(value);
   for (char16_t& c : words) {
     if (c != u'\t' && c != u'\r' && c != u'\n') continue;
     c = u' ';
@@ -140,8 +139,8 @@ void TextExport::take(const std::string& name, bool shared,
 
 void TextExport::projectRow() {
   if (!text::equalIgnoringCase(field(u"EXEName"), programName)) return;
-  for (const auto column : projectColumns)
-    file("project.tsv", false).rows.push_back({{}, {std::u16string(column), field(column)}});
+  for (const comLanguage::ProjectText& text : comLanguage::projectTexts)
+    file("project.tsv", false).rows.push_back({{}, {std::u16string(text.column), field(text.column)}});
 }
 
 void TextExport::row(const std::vector<access::Value>& values) {

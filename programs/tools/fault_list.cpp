@@ -4,6 +4,7 @@
 
 #include "csv.h"
 #include "lines.h"
+#include "platform/stored_text.h"
 #include "store/statements.h"
 #include "terminal_text.h"
 #include "text/text.h"
@@ -22,8 +23,7 @@ struct Exchange {
 };
 
 std::u16string textOf(Recordset& rows, std::u16string_view column) {
-  const database::Value value = rows.get(column);
-  return automation::isNull(value) ? std::u16string{} : automation::toText(value);
+  return database::textOf(rows.get(column));
 }
 
 bool flagOf(Recordset& rows, std::u16string_view column) {

@@ -3,8 +3,10 @@
 #include <algorithm>
 
 #include "faults/kind_lists.h"
+#include "language/comLanguage.h"
 #include "language/form_controls.h"
 #include "language/language_databases.h"
+#include "language/row_values.h"
 #include "lines.h"
 #include "settings/shared_state.h"
 #include "text/numbers.h"
@@ -73,7 +75,7 @@ void insertKindLists(DatabaseWriter& out, const LanguageSource& source) {
                                    [&](const SourceRow& row) { return row.fields[0] == list.name(); });
     if (given || source.forms.empty()) continue;
     const SourceRow& window = source.forms.front();
-    const std::u16string keepDesigned = u"-1";
+    const std::u16string keepDesigned(language::keepDesigned);
     out.insert(u"tControls", Row{form(), std::u16string(list.name()), noIndex, keepDesigned, window.fields[2],
                                  static_cast<double>(number(window, 3)), keepDesigned});
   }
@@ -82,12 +84,11 @@ void insertKindLists(DatabaseWriter& out, const LanguageSource& source) {
 // The one row whose columns are the properties of the application.
 Row projectValues(const SourceRows& rows) {
   Row values{std::u16string(programName)};
-  for (const auto* property : {u"Title", u"OleServerBusyMsgTitle", u"OleServerBusyMsgText",
-                               u"OleRequestPendingMsgTitle", u"OleRequestPendingMsgText"}) {
-    std::u16string text;
+  for (const comLanguage::ProjectText& text : comLanguage::projectTexts) {
+    std::u16string words;
     for (const SourceRow& row : rows)
-      if (row.fields[0] == property) text = row.fields[1];
-    values.emplace_back(text);
+      if (row.fields[0] == text.column) words = row.fields[1];
+    values.emplace_back(words);
   }
   return values;
 }

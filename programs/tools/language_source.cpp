@@ -82,7 +82,7 @@ std::u16string toText(const std::filesystem::path& path) {
   return path.u16string();
 }
 
-LanguageSource readLanguage(const std::filesystem::path& folder, Problems& problems) {
+LanguageSource readLanguageSource(const std::filesystem::path& folder, Problems& problems) {
   const std::filesystem::path whole =
       folder.has_filename() ? folder : folder.parent_path();  // "data/language/en/" too
   LanguageSource source;

@@ -25,6 +25,7 @@ constexpr struct {
      "Says why the add-in would not start from a version directory, or start incomplete: files, tables, "
      "texts, "
      "damage, and on Windows settings and registration."},
+    {"guide", declareGuide, "Checks the guide for technicians and makes it ready for its pages."},
     {"language", declareLanguage, "Checks the texts of languages and makes language databases of them."},
     {"export", declareExport,
      "Writes the tables of a database, or the texts of a language database, into files."},

@@ -111,6 +111,17 @@ void makeSuiteFiles(const SuiteLayout& layout, const LanguageSource& language) {
   writeFile(layout.help() / "VORDANE.TXT", helpText(language));
 }
 
+void installGuide(const SuiteLayout& layout, const fs::path& folder, const std::string& language) {
+  const fs::path pages = folder / toPath(language);
+  if (!fs::is_regular_file(pages / "guide.html"))
+    throw ToolError(text::toUtf8(toText(pages)) + ": there is no guide in it. Make it with tools/guide");
+  fs::remove_all(layout.guide());
+  fs::create_directories(layout.guide());
+  for (const auto& page : fs::directory_iterator(pages))
+    if (page.path().extension() == ".html")
+      writeFile(layout.guide() / page.path().filename(), readFile(page.path()));
+}
+
 void installReportLayout(const SuiteLayout& layout, const fs::path& folder, const LanguageSource& language) {
   const fs::path shape = folder / "FAULT.RPT";
   const fs::path texts = folder / (language.name + ".tsv");

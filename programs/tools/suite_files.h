@@ -13,6 +13,7 @@ struct SuiteLayout {
   std::filesystem::path program() const { return root / "ADDINS" / "VORDANE.EXE"; }
   std::filesystem::path ownDatabases() const { return root / "ADDINS" / "DATABASE"; }
   std::filesystem::path help() const { return root / "ADDINS" / "HELP"; }
+  std::filesystem::path guide() const { return help() / "GUIDE"; }
   std::filesystem::path report() const { return root / "ADDINS" / "REPORT"; }
   std::filesystem::path sharedDatabases() const { return root / "QUIL32" / "DATABASE"; }
   std::filesystem::path pictures() const { return root / "BACKGRND"; }
@@ -31,5 +32,10 @@ void makeSuiteFiles(const SuiteLayout& layout, const LanguageSource& language);
 // (report_ layout.h), which stand beside it by the language's name. Throws ToolError.
 void installReportLayout(const SuiteLayout& layout, const std::filesystem::path& folder,
                          const LanguageSource& language);
+
+// The pages of the guide, as tools/guide makes them in a folder for each language: guide.html, which is all
+// of it, and one for each topic that the window opens. Those of another language go. Throws ToolError.
+void installGuide(const SuiteLayout& layout, const std::filesystem::path& folder,
+                  const std::string& language);
 
 }  // namespace vordane::tools

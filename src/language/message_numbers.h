@@ -128,39 +128,44 @@ inline constexpr std::size_t reasonTextCut = 240;  // longer than is kept
 inline constexpr std::size_t reasonNoMemory = 241;
 inline constexpr std::size_t statusNotDeleted = 242;  // {1} time; another exchange came to be shown
 
+// The guide: its entry of the window's system menu, and why it does not open; {1} is the file.
+inline constexpr std::size_t menuGuide = 243;  // with access key
+inline constexpr std::size_t statusGuideMissing = 244;
+inline constexpr std::size_t statusGuideNotShown = 245;
+
 // Of the filter.
-inline constexpr std::size_t filterText = 243;
-inline constexpr std::size_t filterMajor = 244;
-inline constexpr std::size_t filterMinor = 245;
-inline constexpr std::size_t filterKindsAll = 246;
-inline constexpr std::size_t filterKindsSome = 247;  // {1} of {2}
-inline constexpr std::size_t filterKindsName = 248;
-inline constexpr std::size_t filterProcessor = 249;
-inline constexpr std::size_t filterAnyProcessor = 250;
-inline constexpr std::size_t filterSince = 251;
-inline constexpr std::size_t filterUntil = 252;
-inline constexpr std::size_t filterDateStyle = 253;
-inline constexpr std::size_t filterClear = 254;
-inline constexpr std::size_t filterClose = 255;
-inline constexpr std::size_t filterOtherDates = 256;  // {1} faults
-inline constexpr std::size_t filterNote = 257;        // {1} faults
-inline constexpr std::size_t filterBadDate = 258;
-inline constexpr std::size_t filterBadOrder = 259;
-inline constexpr std::size_t filterAtWork = 260;    // {1} of {2}
-inline constexpr std::size_t filterFailed = 261;    // {1} the engine's text
-inline constexpr std::size_t filterHidesAll = 262;  // {1} faults
-inline constexpr std::size_t shownCount = 263;      // {1} of {2}
-inline constexpr std::size_t onlyKind = 264;        // {1} kind
-inline constexpr std::size_t withoutKind = 265;     // {1} kind
-inline constexpr std::size_t onlyProcessor = 266;   // {1} processor
-inline constexpr std::size_t onlyDay = 267;         // {1} day
+inline constexpr std::size_t filterText = 246;
+inline constexpr std::size_t filterMajor = 247;
+inline constexpr std::size_t filterMinor = 248;
+inline constexpr std::size_t filterKindsAll = 249;
+inline constexpr std::size_t filterKindsSome = 250;  // {1} of {2}
+inline constexpr std::size_t filterKindsName = 251;
+inline constexpr std::size_t filterProcessor = 252;
+inline constexpr std::size_t filterAnyProcessor = 253;
+inline constexpr std::size_t filterSince = 254;
+inline constexpr std::size_t filterUntil = 255;
+inline constexpr std::size_t filterDateStyle = 256;
+inline constexpr std::size_t filterClear = 257;
+inline constexpr std::size_t filterClose = 258;
+inline constexpr std::size_t filterOtherDates = 259;  // {1} faults
+inline constexpr std::size_t filterNote = 260;        // {1} faults
+inline constexpr std::size_t filterBadDate = 261;
+inline constexpr std::size_t filterBadOrder = 262;
+inline constexpr std::size_t filterAtWork = 263;    // {1} of {2}
+inline constexpr std::size_t filterFailed = 264;    // {1} the engine's text
+inline constexpr std::size_t filterHidesAll = 265;  // {1} faults
+inline constexpr std::size_t shownCount = 266;      // {1} of {2}
+inline constexpr std::size_t onlyKind = 267;        // {1} kind
+inline constexpr std::size_t withoutKind = 268;     // {1} kind
+inline constexpr std::size_t onlyProcessor = 269;   // {1} processor
+inline constexpr std::size_t onlyDay = 270;         // {1} day
 
 // The product's own numbers, as [first, end). Behind the last stand the titles and labels of fault kinds that
 // came later; own ones that come after those begin a range of their own.
 struct Range {
   std::size_t first, end;
 };
-inline constexpr std::array ownTexts{Range{165, 268}};
+inline constexpr std::array ownTexts{Range{165, 271}};
 inline constexpr std::size_t count = ownTexts.back().end;  // of all that are named here or stand before
 
 constexpr bool isOwn(std::size_t number) {
@@ -174,6 +179,7 @@ inline constexpr std::array windowKeys{lookUpLabel, lookUpNext,     filterText, 
                                        filterMinor, filterKindsAll, filterProcessor, filterSince,
                                        filterUntil, filterClear,    filterOtherDates};
 inline constexpr std::array paneMenuKeys{menuCopy};
+inline constexpr std::array frameMenuKeys{menuGuide};
 
 }  // namespace vordane::message
 

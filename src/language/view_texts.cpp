@@ -85,6 +85,8 @@ std::size_t messageNumber(window::ViewText which) {
       return message::onlyProcessor;
     case ViewText::onlyDay:
       return message::onlyDay;
+    case ViewText::openGuide:
+      return message::menuGuide;
   }
   return message::count;  // no text has this number
 }

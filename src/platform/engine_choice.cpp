@@ -7,14 +7,12 @@
 #include <thread>
 #include <utility>
 
+#include "platform/database_numbers.h"
+
 namespace vordane::database {
 namespace {
 
 using namespace std::string_view_literals;
-
-constexpr int fileNotFound = 3024;
-constexpr int unrecognisedFormat = 3343;
-constexpr int locked = 3260;
 
 class EngineChoice : public Engine {
  public:
@@ -28,11 +26,11 @@ class EngineChoice : public Engine {
       case FileKind::embedded:
         return embedded_->open(path, readOnly);
       case FileKind::missing:
-        throw DatabaseError(fileNotFound, std::u16string(path));
+        throw DatabaseError(number::fileNotFound, std::u16string(path));
       case FileKind::unknown:
         break;
     }
-    throw DatabaseError(unrecognisedFormat, std::u16string(path));
+    throw DatabaseError(number::notADatabase, std::u16string(path));
   }
 
  private:
@@ -42,7 +40,7 @@ class EngineChoice : public Engine {
       const FileKind kind = fileKind(path);
       if (kind != FileKind::unknown || !held_.isHeld || !held_.isHeld(path)) return kind;
       if (std::chrono::steady_clock::now() >= end)
-        throw DatabaseError(locked, u"The database is locked by another process.");
+        throw DatabaseError(number::locked, u"The database is locked by another process.");
       std::this_thread::sleep_for(held_.wait / 50);
     }
   }

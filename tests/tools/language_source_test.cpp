@@ -14,7 +14,7 @@ TEST(LanguageSource, RowsKeepTheirPlaceAndBlanks) {
   fakes::LanguageFolder texts;
   texts.write("messages.tsv", "\xEF\xBB\xBF# comment\r\n0\tTitle\r\n\n5\t padded \n6\t");
   Problems problems;
-  const LanguageSource source = readLanguage(texts.folder(), problems);
+  const LanguageSource source = readLanguageSource(texts.folder(), problems);
   EXPECT_THAT(problems, ElementsAre());
   EXPECT_EQ(source.name, "en");
   ASSERT_EQ(source.messages.size(), 3U);
@@ -30,7 +30,7 @@ TEST(LanguageSource, MissingFilesAndWrongColumnsAreNamed) {
   std::filesystem::remove(texts.folder() / "help.tsv");
   texts.write("headings.tsv", "grdDisplayFault\t0\n");
   Problems problems;
-  readLanguage(texts.folder() / "", problems);
+  readLanguageSource(texts.folder() / "", problems);
   EXPECT_THAT(problems, ElementsAre("en/headings.tsv:1: 2 columns instead of 3", "en/help.tsv: missing"));
 }
 

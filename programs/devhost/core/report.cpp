@@ -5,6 +5,7 @@
 #include "devhost/core/report_order.h"
 #include "devhost/core/report_template.h"
 #include "store/statements.h"
+#include "text/file_names.h"
 #include "text/numbers.h"
 #include "text/text.h"
 #include "zulsim/core/files.h"
@@ -152,18 +153,6 @@ Layout::Values valuesOf(const ExchangeRow& exchange, const std::vector<Fault>& f
   return values;
 }
 
-// A name that every file system takes.
-std::u16string fileNameOf(std::u16string_view exchange) {
-  std::u16string name = u"FAULT-";
-  for (const char16_t character : exchange) {
-    const bool plain = character > u'~' || text::isDecimalDigit(character) ||
-                       text::contains(u"-_ ", {&character, 1}) ||
-                       (text::lower(character) >= u'a' && text::lower(character) <= u'z');
-    name += plain ? character : u'_';
-  }
-  return name + u".html";
-}
-
 PrintedReport print(database::Engine& engine, const ReportRequest& request, const ReportOutput& output) {
   const auto name = parseSelectionFormula(request.selection);
   if (!name) throw Refusal{u"The selection formula " + request.selection + u" is not understood."};
@@ -175,8 +164,8 @@ PrintedReport print(database::Engine& engine, const ReportRequest& request, cons
   const ExchangeRow exchange = findExchange(*database, *name);
   std::vector<Fault> faults = faultsOf(*database, exchange.id);
   sortFaults(faults, keys);
-  const std::u16string file =
-      files::besideFile(request.reportFile, output.directory, fileNameOf(exchange.name));
+  const std::u16string file = files::besideFile(request.reportFile, output.directory,
+                                                u"FAULT-" + text::asFileName(exchange.name) + u".html");
   if (!files::writeFile(file, layout.render(valuesOf(exchange, faults, keys, output.printed))))
     throw Refusal{u"The report " + file + u" can't be written."};
   return {file, {}, faults.size()};

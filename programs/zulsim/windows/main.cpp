@@ -16,7 +16,6 @@
 #include "platform/windows/com/class_server.h"
 #include "platform/windows/com/objects.h"
 #include "platform/windows/services/services.h"
-#include "text/numbers.h"
 #include "text/utf8.h"
 #include "zulsim/core/exchange_server.h"
 #include "zulsim/core/files.h"
@@ -50,12 +49,7 @@ class WindowsServices : public Services {
   void log(std::u16string_view line) override {
     windows::SystemFiles files;
     if (!files.exists(logFile_)) return;  // whoever wants a log makes the file
-    SYSTEMTIME now;
-    GetLocalTime(&now);
-    const std::u16string time =
-        text::decimalPadded(now.wHour, 2) + u":" + text::decimalPadded(now.wMinute, 2) + u":" +
-        text::decimalPadded(now.wSecond, 2) + u"." + text::decimalPadded(now.wMilliseconds, 3);
-    files.append(logFile_, text::toUtf8(time + u" " + std::u16string(line) + u"\r\n"));
+    files.append(logFile_, text::toUtf8(windows::timeOfLine() + u" " + std::u16string(line) + u"\r\n"));
   }
 
  private:

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <limits>
 
-#include "platform/sqlite/fault_index.h"
-#include "platform/sqlite/fault_orders.h"
+#include "platform/sqlite/event_index.h"
+#include "platform/sqlite/event_orders.h"
 
 namespace vordane::sqlite {
 namespace {
@@ -64,24 +64,24 @@ std::u16string_view timeOf(std::string_view moment, std::u16string& text) {
 
 class SurveyOfIndex final : public database::Survey {
  public:
-  SurveyOfIndex(std::shared_ptr<Opened> opened, SharedCounts counts, bool backwards, std::int64_t exchange,
+  SurveyOfIndex(std::shared_ptr<Opened> opened, SharedKeys counts, bool backwards, std::int64_t owner,
                 std::uint64_t tablesChanged)
       : opened_(std::move(opened)),
         counts_(std::move(counts)),
         positions_(*counts_, backwards),
-        exchange_(exchange),
+        owner_(owner),
         tablesChanged_(tablesChanged) {}
 
   bool next(std::size_t most, Taker& taker) override {
     Connection& connection = opened_->connection;
     connection.beforeRead();
     connection.followTables();
-    if (tablesChanged_ != connection.tablesChanged() || !connection.faults().usable()) return false;
+    if (tablesChanged_ != connection.tablesChanged() || !connection.events().usable()) return false;
     if (!rows_) prepare(connection);
     const ReadScope reading(connection);
     const std::string from = lastMoment_;  // what is bound stays while the statement runs
     const Running running(rows_);
-    rows_.bind(1, exchange_);
+    rows_.bind(1, owner_);
     rows_.bindBlob(2, from);
     rows_.bind(3, lastHash_);
     rows_.bind(4, lastCount_);
@@ -113,9 +113,9 @@ class SurveyOfIndex final : public database::Survey {
   }
 
   std::shared_ptr<Opened> opened_;
-  SharedCounts counts_;
+  SharedKeys counts_;
   Positions positions_;
-  std::int64_t exchange_;
+  std::int64_t owner_;
   std::uint64_t tablesChanged_;
   Statement rows_;
   Kinds kinds_;
@@ -129,10 +129,10 @@ class SurveyOfIndex final : public database::Survey {
 
 }  // namespace
 
-std::unique_ptr<database::Survey> surveyIndex(std::shared_ptr<Opened> opened, SharedCounts counts,
-                                              bool backwards, std::int64_t exchange,
+std::unique_ptr<database::Survey> surveyIndex(std::shared_ptr<Opened> opened, SharedKeys counts,
+                                              bool backwards, std::int64_t owner,
                                               std::uint64_t tablesChanged) {
-  return std::make_unique<SurveyOfIndex>(std::move(opened), std::move(counts), backwards, exchange,
+  return std::make_unique<SurveyOfIndex>(std::move(opened), std::move(counts), backwards, owner,
                                          tablesChanged);
 }
 

@@ -1,4 +1,4 @@
-// A survey of an exchange's faults along the fault index, which holds all that a survey tells.
+// A survey of an owner's events along their index, which holds all that a survey tells.
 #pragma once
 
 #include <cstdint>
@@ -13,8 +13,8 @@ namespace vordane::sqlite {
 // `counts` are the rows of the list, which begins with the last of them where it goes `backwards`. Where the
 // index does not answer for the table any longer, or others have changed the tables since `tablesChanged`,
 // the rows that have not been told yet count as gone.
-std::unique_ptr<database::Survey> surveyIndex(std::shared_ptr<Opened> opened, SharedCounts counts,
-                                              bool backwards, std::int64_t exchange,
+std::unique_ptr<database::Survey> surveyIndex(std::shared_ptr<Opened> opened, SharedKeys counts,
+                                              bool backwards, std::int64_t owner,
                                               std::uint64_t tablesChanged);
 
 }  // namespace vordane::sqlite

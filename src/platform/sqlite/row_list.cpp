@@ -16,26 +16,28 @@ class EmbeddedRowList final : public database::RowList {
  public:
   using Keys = std::shared_ptr<const std::vector<Key>>;
 
-  // `exchange` is the one whose rows the index named, if it did; the row itself decides.
+  // `owner` is the one whose rows the index named, if it did; the row itself decides.
   EmbeddedRowList(std::shared_ptr<Opened> opened, const Plan& plan, Keys keys, bool backwards,
                   std::span<const std::u16string_view> columns,
-                  std::optional<std::int64_t> exchange = std::nullopt)
-      : names_(columns.begin(), columns.end()),
+                  std::optional<std::int64_t> owner = std::nullopt)
+      : table_(*plan.table),
         opened_(std::move(opened)),
         connection_(opened_->connection),
         tablesChanged_(plan.tablesChanged),
         keys_(std::move(keys)),
         backwards_(backwards),
-        exchange_(exchange) {
+        owner_(owner) {
     std::string sql;
     for (std::u16string_view name : columns) {
       const Column* column = plan.columns[plan.resultColumn(name)];
+      columns_.push_back(column);
       yesNo_.push_back(column->kind == Kind::yesNo);
       sql += (sql.empty() ? "SELECT " : ", ") + column->quoted;
     }
     if (sql.empty()) sql = "SELECT NULL";
-    row_ = Statement(connection_, sql + " FROM " + plan.table->quoted + " WHERE rowid = ?1" +
-                                      (exchange_ ? " AND ID = ?2" : ""));
+    sql += " FROM " + plan.table->quoted + " WHERE rowid = ?1";
+    if (owner_) sql += eventSql(*plan.table, " AND {owner} = ?2");
+    row_ = Statement(connection_, sql);
   }
 
   std::size_t size() const override { return keys_->size(); }
@@ -76,17 +78,24 @@ class EmbeddedRowList final : public database::RowList {
   }
 
   std::unique_ptr<database::Survey> survey(const database::SurveyedColumns& columns) override {
-    if constexpr (std::is_same_v<Key, std::uint32_t>) {
-      const bool indexed = names_[columns.kind[0]] == u"Fault" && names_[columns.kind[1]] == u"Alarm" &&
-                           names_[columns.kind[2]] == u"CPU" && names_[columns.time] == u"Date";
-      if (exchange_ && indexed) return surveyIndex(opened_, keys_, backwards_, *exchange_, tablesChanged_);
-    }
+    if constexpr (std::is_same_v<Key, std::uint32_t>)
+      if (owner_ && isIndexed(columns))
+        return surveyIndex(opened_, keys_, backwards_, *owner_, tablesChanged_);
     return RowList::survey(columns);
   }
 
  private:
   std::int64_t keyAt(std::size_t position) const {
     return (*keys_)[backwards_ ? keys_->size() - 1 - position : position];
+  }
+
+  // The index tells what these columns hold.
+  bool isIndexed(const database::SurveyedColumns& columns) const {
+    const auto is = [&](std::size_t mine, std::size_t indexed) {
+      return columns_.at(mine) == &table_.columns[table_.events->texts[indexed]];
+    };
+    return table_.events && is(columns.kind[0], 0) && is(columns.kind[1], 1) && is(columns.kind[2], 2) &&
+           is(columns.time, EventColumns::moment);
   }
 
   // The keys belong to the table as it was.
@@ -97,7 +106,7 @@ class EmbeddedRowList final : public database::RowList {
 
   void bindRow(std::size_t position) {
     row_.bind(1, keyAt(position));
-    if (exchange_) row_.bind(2, *exchange_);
+    if (owner_) row_.bind(2, *owner_);
   }
 
   // Looks at the texts where the engine holds them.
@@ -118,13 +127,14 @@ class EmbeddedRowList final : public database::RowList {
     return found;
   }
 
-  std::vector<std::u16string> names_;
+  const Table& table_;
+  std::vector<const Column*> columns_;
   std::shared_ptr<Opened> opened_;
   Connection& connection_;
   std::uint64_t tablesChanged_;
   Keys keys_;
   bool backwards_;
-  std::optional<std::int64_t> exchange_;
+  std::optional<std::int64_t> owner_;
   std::vector<bool> yesNo_;
   Statement row_;
   std::u16string copy_;
@@ -149,11 +159,11 @@ std::unique_ptr<database::RowList> makeRowList(std::shared_ptr<Opened> opened, P
   if (plan.isUnion() || plan.shape.verb == jet::Verb::remove) fail(number::invalidOperation);
   Connection& connection = opened->connection;
   connection.beforeRead();
-  if (plan.special == Plan::Special::faultsOfExchange && connection.faults().usable()) {
-    const std::int64_t exchange = literals.at(0).number;
-    if (auto counts = connection.faults().ordered(exchange, plan.order))
-      return std::make_unique<EmbeddedRowList<std::uint32_t>>(std::move(opened), plan, std::move(counts),
-                                                              plan.descending, columns, exchange);
+  if (plan.special == Plan::Special::eventsOfOwner && connection.events().usable()) {
+    const std::int64_t owner = literals.at(0).number;
+    if (auto keys = connection.events().ordered(owner, plan.order))
+      return std::make_unique<EmbeddedRowList<std::uint32_t>>(std::move(opened), plan, std::move(keys),
+                                                              plan.descending, columns, owner);
   }
   auto keys = std::make_shared<const std::vector<std::int64_t>>(readKeys(connection, plan, literals));
   return std::make_unique<EmbeddedRowList<std::int64_t>>(std::move(opened), plan, std::move(keys), false,

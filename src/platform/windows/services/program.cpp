@@ -91,12 +91,17 @@ bool stationIsVisible() {
   return (flags.dwFlags & WSF_VISIBLE) != 0;
 }
 
-bool openDocument(std::u16string_view path) {
+bool SystemDocuments::open(std::u16string_view path) {
   const std::wstring name(path.begin(), path.end());
-  if (GetFileAttributesW(name.c_str()) == INVALID_FILE_ATTRIBUTES) return false;
+  const DWORD attributes = GetFileAttributesW(name.c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return false;
+  return shell_(name);
+}
+
+bool SystemDocuments::openWithDesktop(const std::wstring& path) {
   constexpr INT_PTR firstSuccess = 33;  // up to 32 the answer is an error code
   return reinterpret_cast<INT_PTR>(
-             ShellExecuteW(nullptr, L"open", name.c_str(), nullptr, nullptr, SW_SHOWNORMAL)) >= firstSuccess;
+             ShellExecuteW(nullptr, L"open", path.c_str(), nullptr, nullptr, SW_SHOWNORMAL)) >= firstSuccess;
 }
 
 }  // namespace vordane::windows

@@ -59,6 +59,7 @@ class MainWindow final : public Win32View {
   // Creation.
   void createChildren();
   void createGridAndPane();
+  void createMenuEntry();
   void readSettings();
   void writeSettings();
   RECT placeFromSettings() const;
@@ -126,6 +127,7 @@ class MainWindow final : public Win32View {
   void showCount();
   void keepFocus();
   void giveFocusBack();
+  std::u16string focusedPart() const;
 
   // Looking up.
   void openLookUp();

@@ -104,6 +104,15 @@ LRESULT MainWindow::handleInput(UINT message, WPARAM wide, LPARAM low) {
       const int focused = GetDlgCtrlID(GetFocus());
       return focused >= idRequest && focused <= idClose ? MAKELRESULT(focused, DC_HASDEFID) : 0;
     }
+    case WM_SYSCOMMAND:
+      if (!isGuideCommand(wide)) return DefWindowProcW(window_, message, wide, low);
+      if (events_ != nullptr) events_->guideAsked(focusedPart());
+      return 0;
+    case WM_INITMENUPOPUP:
+      if (HIWORD(low) != FALSE && events_ != nullptr)
+        EnableMenuItem(reinterpret_cast<HMENU>(wide), guideCommand,
+                       events_->guideOffered() ? MF_ENABLED : MF_GRAYED);
+      return DefWindowProcW(window_, message, wide, low);
     case WM_CONTEXTMENU:
       contextMenu(reinterpret_cast<HWND>(wide), point);
       return 0;
@@ -295,6 +304,21 @@ void MainWindow::escape() {
   if (list_.escape()) return;
   if (lookUp_.open()) return closeLookUp();
   if (list_.bar().open()) list_.close();
+}
+
+// Of what the form and its drawing consist of; while the window is minimised or takes no input nothing has
+// the focus, and what had it last counts.
+std::u16string MainWindow::focusedPart() const {
+  const HWND now = GetFocus();
+  const HWND focused = now != nullptr && now != window_ && IsChild(window_, now) ? now : lastFocus_;
+  if (focused == nullptr || !IsWindow(focused)) return {};
+  const int id = GetDlgCtrlID(focused);
+  if (id >= idLookUpLabel && id <= idLookUpMessage) return std::u16string(lookUpBarPart);
+  if (id >= idFilterTextLabel && id <= idShowAll) return std::u16string(filterBarPart);
+  if (id == idPane) return std::u16string(panePart);
+  for (const auto& [shown, childId] : ids_)
+    if (childId == id) return shown->name();
+  return {};
 }
 
 void MainWindow::openLookUp() {

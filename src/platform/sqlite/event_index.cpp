@@ -1,4 +1,4 @@
-#include "platform/sqlite/fault_index.h"
+#include "platform/sqlite/event_index.h"
 
 #include <algorithm>
 #include <cstring>
@@ -13,8 +13,8 @@ namespace vordane::sqlite {
 namespace {
 
 constexpr int version = 2;
-// Where a row without a number for an exchange stands: no statement can ask for it.
-constexpr std::int64_t noExchange = -4294967296;
+// Where a row without a number for an owner stands: no statement can ask for it.
+constexpr std::int64_t noOwner = -4294967296;
 
 struct OwnObject {
   const char* type;
@@ -22,7 +22,8 @@ struct OwnObject {
   const char* sql;  // as the file's schema keeps it
 };
 
-// Plain SQL only: another tool must be able to fire the triggers and to check every table.
+// Plain SQL only: another tool must be able to fire the triggers and to check every table. {table} is the
+// described name of the table, as it stands.
 constexpr OwnObject ownObjects[] = {
     {"table", "VordaneFaultIndex",
      "CREATE TABLE VordaneFaultIndex (ID INTEGER NOT NULL, Moment BLOB NOT NULL, Hash INTEGER NOT NULL, "
@@ -31,24 +32,34 @@ constexpr OwnObject ownObjects[] = {
      "CREATE TABLE VordaneIndexState (Version INTEGER NOT NULL, Stale INTEGER NOT NULL, NewestMoment BLOB, "
      "NewestCount INTEGER, LastCount INTEGER)"},
     {"trigger", "VordaneFaultInserted",
-     "CREATE TRIGGER VordaneFaultInserted AFTER INSERT ON FaultDisplay BEGIN "
+     "CREATE TRIGGER VordaneFaultInserted AFTER INSERT ON {table} BEGIN "
      "UPDATE VordaneIndexState SET Stale = 1 WHERE Stale = 0; END"},
     {"trigger", "VordaneFaultUpdated",
-     "CREATE TRIGGER VordaneFaultUpdated AFTER UPDATE ON FaultDisplay BEGIN "
+     "CREATE TRIGGER VordaneFaultUpdated AFTER UPDATE ON {table} BEGIN "
      "UPDATE VordaneIndexState SET Stale = 1 WHERE Stale = 0; END"},
     {"trigger", "VordaneFaultDeleted",
-     "CREATE TRIGGER VordaneFaultDeleted AFTER DELETE ON FaultDisplay BEGIN "
+     "CREATE TRIGGER VordaneFaultDeleted AFTER DELETE ON {table} BEGIN "
      "UPDATE VordaneIndexState SET Stale = 1 WHERE Stale = 0; END"},
 };
 
-constexpr const char* filling =
-    "INSERT INTO VordaneFaultIndex(ID, Moment, Hash, Count, Kind) "
-    "SELECT iif(typeof(ID) = 'integer', ID, -4294967296), vordane_moment(Date) AS m, "
-    "vordane_hash(Fault, Alarm, CPU, Date, Description) AS h, Count, vordane_kind(Fault, Alarm, CPU) "
-    "FROM FaultDisplay ORDER BY 1, 2, 3, 4";
+std::string sqlOf(const OwnObject& own, const database::EventTable& events) {
+  constexpr std::string_view mark = "{table}";
+  std::string sql = own.sql;
+  const auto at = sql.find(mark);
+  return at == sql.npos ? sql : sql.replace(at, mark.size(), text::toUtf8(events.table));
+}
 
-constexpr std::u16string_view comparedColumns[] = {u"ID",    u"Fault", u"CPU",
-                                                   u"Alarm", u"Date",  u"Description"};
+// An event's row of the index, from the table itself; the first four columns are its key.
+std::string keyOfEvent() {
+  return "iif(typeof({owner}) = 'integer', {owner}, -4294967296), vordane_moment({moment}), "
+         "vordane_hash({kind0}, "
+         "{kind1}, {kind2}, {moment}, {description}), {key}";
+}
+
+std::string addEvents() {
+  return "INSERT INTO VordaneFaultIndex(ID, Moment, Hash, Count, Kind) SELECT " + keyOfEvent() +
+         ", vordane_kind({kind0}, {kind1}, {kind2}) FROM {table}";
+}
 
 bool isBlob(sqlite3_value* value) {
   return sqlite3_value_type(value) == SQLITE_BLOB;
@@ -103,9 +114,11 @@ void momentFunction(sqlite3_context* context, sqlite3_value** values) {
 }
 
 void hashFunction(sqlite3_context* context, sqlite3_value** values) {
-  const auto fault = textOf(values[0]), alarm = textOf(values[1]), cpu = textOf(values[2]),
-             date = textOf(values[3]), description = textOf(values[4]);
-  sqlite3_result_int64(context, FaultIndex::hashOf({fault, alarm, cpu, date, description}));
+  std::array<std::optional<std::u16string>, std::tuple_size_v<EventTexts>> texts;
+  for (std::size_t i = 0; i < texts.size(); ++i) texts[i] = textOf(values[i]);
+  EventTexts seen;
+  std::copy(texts.begin(), texts.end(), seen.begin());
+  sqlite3_result_int64(context, EventIndex::hashOf(seen));
 }
 
 void kindFunction(sqlite3_context* context, sqlite3_value** values) {
@@ -153,13 +166,9 @@ void registerFunctions(Connection& connection) {
   if (result != SQLITE_OK) connection.raise(result);
 }
 
-void hashField(std::optional<std::u16string_view> text, FoldedHash& hash) {
-  text ? hash.addText(*text) : hash.addNull();
-}
-
 }  // namespace
 
-FaultIndex::FaultIndex(Connection& connection) : connection_(connection), byDescription_(connection) {
+EventIndex::EventIndex(Connection& connection) : connection_(connection), byDescription_(connection) {
   registerFunctions(connection);
   registerCollect(connection, collecting_);
   findTable();
@@ -167,22 +176,17 @@ FaultIndex::FaultIndex(Connection& connection) : connection_(connection), byDesc
 
 // Other declarations make other values of what is stored, and other rows of what a statement asks for: only
 // the table itself can answer then.
-void FaultIndex::findTable() {
+void EventIndex::findTable() {
   table_ = nullptr;
-  Table* faults = connection_.findTable(u"FaultDisplay");
-  if (!faults || !faults->autoNumber || faults->columns[*faults->autoNumber].folded != u"count") return;
-  if (!faults->counted) return;
-  for (std::u16string_view column : comparedColumns) {
-    const auto found = faults->find(column);
-    const Affinity wanted = column == u"ID" ? Affinity::integer : Affinity::text;
-    if (!found || faults->columns[*found].affinity != wanted) return;
-  }
-  faults->isFaults = true;
-  table_ = faults;
+  const database::EventTable* described = connection_.eventTable();
+  Table* table = described != nullptr ? connection_.findTable(described->table) : nullptr;
+  if (table == nullptr) return;
+  table->events = findEvents(*table, *described);
+  if (table->events) table_ = table;
 }
 
 // What others may have done to the tables since.
-void FaultIndex::follow() {
+void EventIndex::follow() {
   connection_.followTables();
   if (tablesChanged_ != connection_.tablesChanged()) {
     tablesChanged_ = connection_.tablesChanged();
@@ -192,19 +196,20 @@ void FaultIndex::follow() {
   if (std::exchange(seenChanges_, connection_.seenChanges()) != seenChanges_) present_.reset();
 }
 
-Statement& FaultIndex::prepared(Statement& statement, const char* sql) {
-  if (!statement) statement = Statement(connection_, sql);
+// A statement that is prepared when it is first used.
+Statement& EventIndex::prepared(Statement& statement, std::string_view sql) {
+  if (!statement) statement = Statement(connection_, eventSql(*table_, sql));
   return statement;
 }
 
 // The index as this version makes it, and nothing else under its names.
-bool FaultIndex::isPresent() {
+bool EventIndex::isPresent() {
   Statement objects(connection_,
                     "SELECT count(*), sum(type = ?1 AND name = ?2 AND sql = ?3) FROM sqlite_schema WHERE "
                     "lower(name) = lower(?2)");
   return std::all_of(std::begin(ownObjects), std::end(ownObjects), [&](const OwnObject& own) {
     const std::u16string type = text::fromUtf8(own.type), name = text::fromUtf8(own.name),
-                         sql = text::fromUtf8(own.sql);
+                         sql = text::fromUtf8(sqlOf(own, *connection_.eventTable()));
     objects.bindText(1, type);
     objects.bindText(2, name);
     objects.bindText(3, sql);
@@ -214,7 +219,7 @@ bool FaultIndex::isPresent() {
 }
 
 // True when the state says that the index is good.
-bool FaultIndex::readState() {
+bool EventIndex::readState() {
   if (!present_) present_ = isPresent();
   if (!*present_) return false;
   const bool pending = connection_.inTransaction() && touched_;
@@ -229,12 +234,12 @@ bool FaultIndex::readState() {
       state.integer(0) == version && state.integer(1) == 0 && (pending || state.integer(4) != 0);
   if (pending && newestChanged_) return good;
   newest_ = {!state.isNull(3), std::string(state.blob(2)), {}};
-  if (!state.isNull(2)) newest_.count = state.integer(3);
+  if (!state.isNull(2)) newest_.key = state.integer(3);
   newestChanged_ = false;
   return good;
 }
 
-bool FaultIndex::usable() {
+bool EventIndex::usable() {
   if (connection_.inTransaction() && checked_) return true;
   connection_.beforeRead();
   follow();
@@ -248,7 +253,7 @@ bool FaultIndex::usable() {
   return good;
 }
 
-void FaultIndex::repair() {
+void EventIndex::repair() {
   WriteScope write(connection_);
   present_ = isPresent();  // another process may have been quicker
   if (!*present_) create();
@@ -256,16 +261,17 @@ void FaultIndex::repair() {
   write.done();
 }
 
-void FaultIndex::create() {
+void EventIndex::create() {
   madeAnew_ = true;
   removeOwn();
-  for (const OwnObject& own : ownObjects) connection_.runMaintenance(own.sql);
+  for (const OwnObject& own : ownObjects)
+    connection_.runMaintenance(sqlOf(own, *connection_.eventTable()).c_str());
   connection_.runMaintenance("INSERT INTO VordaneIndexState(Version, Stale) VALUES (2, 1)");
   present_ = true;
 }
 
 // What an earlier version or somebody else has left under the names of the index.
-void FaultIndex::removeOwn() {
+void EventIndex::removeOwn() {
   std::string removals;
   {
     Statement left(connection_, "SELECT type, name FROM sqlite_schema WHERE lower(name) = lower(?)");
@@ -280,77 +286,78 @@ void FaultIndex::removeOwn() {
   connection_.runMaintenance(removals.c_str());
 }
 
-void FaultIndex::rebuild() {
+void EventIndex::rebuild() {
   madeAnew_ = touched_ = true;
   connection_.run("DELETE FROM VordaneFaultIndex");
-  connection_.run(filling);
-  byTime_.forget();
+  connection_.run(eventSql(*table_, addEvents() + " ORDER BY 1, 2, 3, 4").c_str());
   connection_.run("UPDATE VordaneIndexState SET Version = 2, Stale = 0");
-  newest_.known = false;
-  newestChanged_ = true;
+  forgetRead();
 }
 
-void FaultIndex::transactionBegan() noexcept {
+void EventIndex::transactionBegan() noexcept {
   checked_ = madeAnew_ = touched_ = newestChanged_ = false;
 }
 
-void FaultIndex::undone() noexcept {
+// What was read of the index holds no longer.
+void EventIndex::forgetRead() noexcept {
   byTime_.forget();
   newest_.known = false;
   newestChanged_ = true;
+}
+
+void EventIndex::undone() noexcept {
+  forgetRead();
   if (connection_.inTransaction() && !madeAnew_) return;
   // The index itself may be among what was taken back.
   checked_ = false;
   present_.reset();
 }
 
-std::string FaultIndex::momentKey(std::optional<std::u16string_view> date) {
+std::string EventIndex::momentKey(const EventTexts& texts) {
   std::string key;
-  appendField(date, key);
+  appendField(texts[EventColumns::moment], key);
   return key;
 }
 
-std::int64_t FaultIndex::hashOf(const FaultFields& fields) {
+std::int64_t EventIndex::hashOf(const EventTexts& texts) {
   FoldedHash hash;
-  for (const auto& field : {fields.fault, fields.alarm, fields.cpu, fields.date, fields.description})
-    hashField(field, hash);
+  for (const auto& text : texts) text ? hash.addText(*text) : hash.addNull();
   return hash.value();
 }
 
-std::string FaultIndex::kindKey(const FaultFields& fields) {
+std::string EventIndex::kindKey(const EventTexts& texts) {
   std::string key;
-  appendField(fields.fault, key);
-  key.push_back('\xFF');
-  appendField(fields.alarm, key);
-  key.push_back('\xFF');
-  appendField(fields.cpu, key);
+  for (std::size_t kind = 0; kind < EventColumns::moment; ++kind) {
+    if (kind > 0) key.push_back('\xFF');
+    appendField(texts[kind], key);
+  }
   return key;
 }
 
-std::vector<std::int64_t> FaultIndex::findSame(std::int64_t id, const FaultFields& fields) {
+std::vector<std::int64_t> EventIndex::findSame(std::int64_t owner, const EventTexts& texts) {
   // The cross join fixes which table is read first; the row itself decides, the hash only finds it.
-  Statement& rows = prepared(
-      same_,
-      "SELECT x.Count FROM VordaneFaultIndex AS x CROSS JOIN FaultDisplay AS f ON f.Count = x.Count "
-      "WHERE x.ID = ?1 AND x.Moment = ?2 AND x.Hash = ?3 AND f.Fault = ?4 COLLATE vordane_text "
-      "AND f.CPU = ?5 COLLATE vordane_text AND f.Alarm = ?6 COLLATE vordane_text "
-      "AND f.Date = ?7 COLLATE vordane_text AND f.Description = ?8 COLLATE vordane_text AND f.ID = ?1");
+  Statement& rows =
+      prepared(same_,
+               "SELECT x.Count FROM VordaneFaultIndex AS x CROSS JOIN {table} AS f ON f.{key} = x.Count "
+               "WHERE x.ID = ?1 AND x.Moment = ?2 AND x.Hash = ?3 AND f.{kind0} = ?4 COLLATE vordane_text "
+               "AND f.{kind1} = ?5 COLLATE vordane_text AND f.{kind2} = ?6 COLLATE vordane_text "
+               "AND f.{moment} = ?7 COLLATE vordane_text AND f.{description} = ?8 COLLATE vordane_text "
+               "AND f.{owner} = ?1");
   const Running running(rows);
-  key_.clear();
-  appendField(fields.date, key_);
-  rows.bind(1, id);
-  rows.bindBlob(2, key_);
-  rows.bind(3, hashOf(fields));
+  momentKey_.clear();
+  appendField(texts[EventColumns::moment], momentKey_);
+  rows.bind(1, owner);
+  rows.bindBlob(2, momentKey_);
+  rows.bind(3, hashOf(texts));
   int parameter = 3;
-  for (const auto& field : {fields.fault, fields.cpu, fields.alarm, fields.date, fields.description})
-    rows.bindText(++parameter, *field);
-  std::vector<std::int64_t> counts;
-  while (rows.step()) counts.push_back(rows.integer(0));
-  return counts;
+  for (const auto& text : texts) rows.bindText(++parameter, *text);
+  std::vector<std::int64_t> keys;
+  while (rows.step()) keys.push_back(rows.integer(0));
+  return keys;
 }
 
-// One seek for each exchange: needed only after rows were changed or removed.
-void FaultIndex::findNewest() {
+// One seek for each owner: needed only after rows were changed or removed.
+void EventIndex::findNewest() {
   Statement last(
       connection_,
       "SELECT ID, Moment, Count FROM VordaneFaultIndex WHERE ID < ? ORDER BY ID DESC, Moment DESC LIMIT 1");
@@ -360,110 +367,100 @@ void FaultIndex::findNewest() {
     last.bind(1, below);
     if (!last.step()) return;
     below = last.integer(0);
-    if (!newest_.count || last.blob(1) > std::string_view(newest_.moment))
+    if (!newest_.key || last.blob(1) > std::string_view(newest_.moment))
       newest_ = {true, std::string(last.blob(1)), last.integer(2)};
     last.reset();
   }
 }
 
-std::optional<std::int64_t> FaultIndex::newest() {
+std::optional<std::int64_t> EventIndex::newest() {
   if (!newest_.known) findNewest();
-  return newest_.count;
+  return newest_.key;
 }
 
-std::vector<std::int64_t> FaultIndex::allNewestFirst() {
-  std::vector<std::int64_t> counts;
+std::vector<std::int64_t> EventIndex::allNewestFirst() {
+  std::vector<std::int64_t> keys;
   Statement rows(connection_, "SELECT Count FROM VordaneFaultIndex ORDER BY Moment DESC, Count");
-  while (rows.step()) counts.push_back(rows.integer(0));
+  while (rows.step()) keys.push_back(rows.integer(0));
   const auto first = newest();
-  const auto found = first ? std::find(counts.begin(), counts.end(), *first) : counts.end();
-  if (found != counts.end()) std::rotate(counts.begin(), found, found + 1);
-  return counts;
+  const auto found = first ? std::find(keys.begin(), keys.end(), *first) : keys.end();
+  if (found != keys.end()) std::rotate(keys.begin(), found, found + 1);
+  return keys;
 }
 
-SharedCounts FaultIndex::ordered(std::int64_t id, FaultOrder order) {
-  if (order == FaultOrder::date) return orderedByTime(id);
-  byTime_.forget();  // one order of a million faults at a time
-  if (order == FaultOrder::description) return byDescription_.of(id);
-  const CollectedFaults faults = collectFaults(connection_, collecting_, id, true);
-  if (faults.beyondKeys()) return {};
-  return std::make_shared<const std::vector<std::uint32_t>>(faults.byKind(order));
+SharedKeys EventIndex::ordered(std::int64_t owner, const EventOrder& order) {
+  if (order.isOfTime()) return orderedByTime(owner);
+  byTime_.forget();  // one order of a million events at a time
+  if (order.byDescription) return byDescription_.of(*table_, owner, order.kinds);
+  const CollectedEvents events = collectEvents(connection_, collecting_, owner, true);
+  if (events.beyondKeys()) return {};
+  return std::make_shared<const std::vector<std::uint32_t>>(events.byKind(order.kinds));
 }
 
-SharedCounts FaultIndex::orderedByTime(std::int64_t id) {
+SharedKeys EventIndex::orderedByTime(std::int64_t owner) {
   const std::int64_t version = connection_.changesByOthers();
-  if (auto kept = byTime_.of(id, version)) return kept;
-  const CollectedFaults faults = collectFaults(connection_, collecting_, id, false);
-  if (faults.beyondKeys()) return {};
-  byTime_.keep(id, version, faults.byDate(), faults.lastMoment());
-  return byTime_.of(id, version);
+  if (auto kept = byTime_.of(owner, version)) return kept;
+  const CollectedEvents events = collectEvents(connection_, collecting_, owner, false);
+  if (events.beyondKeys()) return {};
+  byTime_.keep(owner, version, events.byTime(), events.lastMoment());
+  return byTime_.of(owner, version);
 }
 
-void FaultIndex::added(std::int64_t count, std::optional<std::int64_t> id, const FaultFields& fields) {
-  const std::string moment = momentKey(fields.date), kind = kindKey(fields);
+void EventIndex::added(std::int64_t key, std::optional<std::int64_t> owner, const EventTexts& texts) {
+  const std::string moment = momentKey(texts), kind = kindKey(texts);
   Statement& insert = prepared(
       insert_, "INSERT INTO VordaneFaultIndex(ID, Moment, Hash, Count, Kind) VALUES (?, ?, ?, ?, ?)");
-  insert.bind(1, id.value_or(noExchange));
+  insert.bind(1, owner.value_or(noOwner));
   insert.bindBlob(2, moment);
-  insert.bind(3, hashOf(fields));
-  insert.bind(4, count);
+  insert.bind(3, hashOf(texts));
+  insert.bind(4, key);
   insert.bindBlob(5, kind);
   insert.run();
   touched_ = true;
-  byTime_.added(id.value_or(noExchange), moment, count);
-  if (newest_.known && (!newest_.count || moment > newest_.moment)) {
-    newest_ = {true, moment, count};
+  byTime_.added(owner.value_or(noOwner), moment, key);
+  if (newest_.known && (!newest_.key || moment > newest_.moment)) {
+    newest_ = {true, moment, key};
     newestChanged_ = true;
   }
 }
 
-void FaultIndex::changing(std::int64_t count) {
-  Statement& remove = prepared(
-      remove_,
-      "DELETE FROM VordaneFaultIndex WHERE (ID, Moment, Hash, Count) = (SELECT iif(typeof(ID) = 'integer', "
-      "ID, "
-      "-4294967296), vordane_moment(Date), vordane_hash(Fault, Alarm, CPU, Date, Description), Count FROM "
-      "FaultDisplay WHERE Count = ?)");
-  remove.bind(1, count);
+void EventIndex::changing(std::int64_t key) {
+  static const std::string sql = "DELETE FROM VordaneFaultIndex WHERE (ID, Moment, Hash, Count) = (SELECT " +
+                                 keyOfEvent() + " FROM {table} WHERE {key} = ?)";
+  Statement& remove = prepared(remove_, sql);
+  remove.bind(1, key);
   remove.run();
-  byTime_.forget();
-  newest_.known = false;
-  newestChanged_ = true;
+  forgetRead();
 }
 
-void FaultIndex::changed(std::int64_t count) {
-  Statement& insert = prepared(
-      read_,
-      "INSERT INTO VordaneFaultIndex(ID, Moment, Hash, Count, Kind) SELECT iif(typeof(ID) = 'integer', ID, "
-      "-4294967296), vordane_moment(Date), vordane_hash(Fault, Alarm, CPU, Date, Description), Count, "
-      "vordane_kind(Fault, Alarm, CPU) FROM FaultDisplay WHERE Count = ?");
-  insert.bind(1, count);
+void EventIndex::changed(std::int64_t key) {
+  static const std::string sql = addEvents() + " WHERE {key} = ?";
+  Statement& insert = prepared(read_, sql);
+  insert.bind(1, key);
   insert.run();
 }
 
-void FaultIndex::removeExchange(std::int64_t id) {
+void EventIndex::removeOwner(std::int64_t owner) {
   Statement all(connection_, "SELECT count(*) FROM VordaneFaultIndex WHERE ID = ?");
-  all.bind(1, id);
+  all.bind(1, owner);
   all.step();
   const auto of = static_cast<std::size_t>(all.integer(0));
   all.reset();
-  removeRows(id, of);
+  removeRows(owner, of);
   Statement entries(connection_, "DELETE FROM VordaneFaultIndex WHERE ID = ?");
-  entries.bind(1, id);
+  entries.bind(1, owner);
   entries.run();
-  byTime_.forget();
-  newest_.known = false;
-  newestChanged_ = true;
+  forgetRead();
 }
 
 // One by one, so that progress can be reported.
-void FaultIndex::removeRows(std::int64_t id, std::size_t of) {
+void EventIndex::removeRows(std::int64_t owner, std::size_t of) {
   constexpr std::size_t rowsBetweenProgress = 1024;
   Statement rows(connection_, "SELECT Count FROM VordaneFaultIndex WHERE ID = ?");
-  // The row itself decides: a damaged entry must not take another exchange's fault along.
-  Statement row(connection_, "DELETE FROM FaultDisplay WHERE Count = ?1 AND ID = ?2");
-  rows.bind(1, id);
-  row.bind(2, id);
+  // The row itself decides: a damaged entry must not take another owner's event along.
+  Statement row(connection_, eventSql(*table_, "DELETE FROM {table} WHERE {key} = ?1 AND {owner} = ?2"));
+  rows.bind(1, owner);
+  row.bind(2, owner);
   for (std::size_t done = 0; rows.step(); ++done) {
     if (done % rowsBetweenProgress == 0) connection_.progress(done, of);
     row.bind(1, rows.integer(0));
@@ -472,15 +469,15 @@ void FaultIndex::removeRows(std::int64_t id, std::size_t of) {
   rows.reset();
 }
 
-void FaultIndex::beforeCommit() {
+void EventIndex::beforeCommit() {
   if (!newestChanged_ && !touched_) return;
   if (!newest_.known) findNewest();
   Statement update(
       connection_,
       "UPDATE VordaneIndexState SET NewestMoment = ?1, NewestCount = ?2, LastCount = (SELECT seq "
       "FROM sqlite_sequence WHERE name = ?3)");
-  if (newest_.count) update.bindBlob(1, newest_.moment);
-  update.bind(2, newest_.count.value_or(0));
+  if (newest_.key) update.bindBlob(1, newest_.moment);
+  update.bind(2, newest_.key.value_or(0));
   update.bindText(3, table_->name);
   update.run();
   newestChanged_ = touched_ = false;
