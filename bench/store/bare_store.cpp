@@ -5,7 +5,7 @@
 #include <chrono>
 #include <stdexcept>
 
-#include "platform/sqlite/event_index.h"
+#include "platform/sqlite/event_keys.h"
 
 namespace vordane::bench {
 namespace {
@@ -36,8 +36,7 @@ std::vector<FaultKeys> keysOf(const std::vector<Fault>& faults) {
   std::vector<FaultKeys> keys;
   for (const Fault& fault : faults) {
     const sqlite::EventTexts texts{fault.fault, fault.alarm, fault.cpu, fault.date, fault.description};
-    keys.push_back({sqlite::EventIndex::momentKey(texts), sqlite::EventIndex::kindKey(texts),
-                    sqlite::EventIndex::hashOf(texts)});
+    keys.push_back({sqlite::momentKey(texts), sqlite::kindKey(texts), sqlite::hashOf(texts)});
   }
   return keys;
 }
@@ -132,6 +131,37 @@ std::vector<std::int64_t> BareStore::keysBy(const std::string& sql, std::int16_t
 
 std::vector<std::int64_t> BareStore::scanKeys(std::int16_t id) {
   return keysBy("SELECT Count FROM VordaneFaultIndex WHERE ID = ? ORDER BY Moment DESC", id);
+}
+
+std::size_t BareStore::walkIndex(std::int16_t id) {
+  sqlite3_stmt* rows =
+      prepare(state_->handle, "SELECT Moment, Hash, Count, Kind FROM VordaneFaultIndex WHERE ID = ?");
+  sqlite3_bind_int(rows, 1, id);
+  std::size_t bytes = 0;
+  while (sqlite3_step(rows) == SQLITE_ROW)
+    for (const int column : {0, 3}) {
+      sqlite3_column_blob(rows, column);
+      bytes += static_cast<std::size_t>(sqlite3_column_bytes(rows, column));
+    }
+  sqlite3_finalize(rows);
+  return bytes;
+}
+
+std::vector<std::int64_t> BareStore::filteredKeys(std::int16_t id, const std::string& since,
+                                                  const std::string& until,
+                                                  const std::vector<std::string>& kinds) {
+  std::string sql =
+      "SELECT Count FROM VordaneFaultIndex WHERE ID = ? AND Moment >= ? AND Moment <= ? AND Kind IN (";
+  for (std::size_t i = 0; i < kinds.size(); ++i) sql += i == 0 ? "?" : ", ?";
+  sqlite3_stmt* rows = prepare(state_->handle, (sql + ")").c_str());
+  sqlite3_bind_int(rows, 1, id);
+  bindBlob(rows, 2, since);
+  bindBlob(rows, 3, until);
+  for (std::size_t i = 0; i < kinds.size(); ++i) bindBlob(rows, static_cast<int>(i) + 4, kinds[i]);
+  std::vector<std::int64_t> keys;
+  while (sqlite3_step(rows) == SQLITE_ROW) keys.push_back(sqlite3_column_int64(rows, 0));
+  sqlite3_finalize(rows);
+  return keys;
 }
 
 std::vector<std::int64_t> BareStore::orderedKeys(std::int16_t id, const char* order) {

@@ -32,6 +32,12 @@ class BareStore {
   std::size_t lookUp(const std::vector<Fault>& faults, const std::vector<FaultKeys>& keys);
   // The keys of an exchange's rows, newest first, as the fault index holds them.
   std::vector<std::int64_t> scanKeys(std::int16_t id);
+  // Goes along the fault index of an exchange, every column of it; the bytes met.
+  std::size_t walkIndex(std::int16_t id);
+  // Of an exchange's rows those of these kinds within these times, by a scan of the fault index; bounds and
+  // kinds are keys as the index holds them.
+  std::vector<std::int64_t> filteredKeys(std::int16_t id, const std::string& since, const std::string& until,
+                                         const std::vector<std::string>& kinds);
   // The keys of an exchange's rows in an order, by the engine's own sorting.
   std::vector<std::int64_t> orderedKeys(std::int16_t id, const char* order);
   // Reads the columns of an exchange's rows, newest first, each by its key; returns the bytes of the texts.

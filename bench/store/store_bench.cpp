@@ -1,6 +1,7 @@
 // The embedded engine under the documented statements against its own bare statements in the same run.
 //
-//   store_bench [--quick] [more|sort|lookup|select|delete]     a tenth of the rows; one piece of work alone
+//   store_bench [--quick] [more|sort|lookup|filter|select|delete]     a tenth of the rows; one piece of work
+//   alone
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -11,6 +12,7 @@
 #include "startup/databases.h"
 #include "store/bare_store.h"
 #include "store/fault_database.h"
+#include "store/filter_bench.h"
 #include "store/made_faults.h"
 #include "tools/sqlite/database_writer.h"
 
@@ -217,6 +219,17 @@ void lookUp(const Folder& folder) {
   comparison.print();
 }
 
+void filter(const Folder& folder) {
+  const auto file = folder.fresh("filtered");
+  const auto database = sqlite::makeEngine(startup::databases)->open(file.u16string(), false);
+  ingest(*database, makeFaults(1, 1000000 / scale));
+  BareStore bare(file.string());
+  const std::u16string_view columns[] = {u"Fault", u"Alarm", u"Date", u"CPU", u"Description", u"Count"};
+  const auto rows = database->openRowList(
+      u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(sortings[5].clause), columns);
+  measureFilter(*rows, bare, thousands(rows->size()));
+}
+
 }  // namespace
 }  // namespace vordane::bench
 
@@ -234,6 +247,7 @@ int main(int count, char** values) {
   const std::pair<const char*, void (*)(const Folder&)> all[] = {{"more", oneMore},
                                                                  {"sort", sorting},
                                                                  {"lookup", lookUp},
+                                                                 {"filter", filter},
                                                                  {"select", selectAmongOthers},
                                                                  {"delete", deletion}};
   for (const auto& [name, work] : all)

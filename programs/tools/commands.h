@@ -11,8 +11,10 @@ void declareDoctor(options::Command& command);
 void declareExport(options::Command& command);
 void declareGuide(options::Command& command);
 void declareImport(options::Command& command);
+void declareInstall(options::Command& command);
 void declareLanguage(options::Command& command);
 void declareList(options::Command& command);
 void declareSuite(options::Command& command);
+void declareUninstall(options::Command& command);
 
 }  // namespace vordane::tools

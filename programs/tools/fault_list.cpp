@@ -4,7 +4,7 @@
 
 #include "csv.h"
 #include "lines.h"
-#include "platform/stored_text.h"
+#include "platform/stored_values.h"
 #include "store/statements.h"
 #include "terminal_text.h"
 #include "text/text.h"
@@ -27,8 +27,7 @@ std::u16string textOf(Recordset& rows, std::u16string_view column) {
 }
 
 bool flagOf(Recordset& rows, std::u16string_view column) {
-  const database::Value value = rows.get(column);
-  return !automation::isNull(value) && automation::toBoolean(value);
+  return database::flagOf(rows.get(column));
 }
 
 std::vector<Exchange> readExchanges(database::Database& database) {

@@ -51,7 +51,7 @@ int check(const ToCheck& given) {
   std::vector<GuideSource> guides;
   for (const fs::path& folder : languagesOf(toPath(given.guides))) {
     guides.push_back(readGuide(folder, problems));
-    const LanguageSource language = readLanguage(toPath(given.languages) / folder.filename(), problems);
+    const LanguageSource language = readLanguageSource(toPath(given.languages) / folder.filename(), problems);
     checkGuide(guides.back(), language, programs, problems);
   }
   compareGuides(guides, problems);
@@ -88,7 +88,7 @@ struct ToWrite {
 int write(const ToWrite& given) {
   Problems problems;
   const GuideSource guide = readGuide(toPath(given.guide), problems);
-  const LanguageSource language = readLanguage(toPath(given.language), problems);
+  const LanguageSource language = readLanguageSource(toPath(given.language), problems);
   const std::string text = filledGuide(guide, language, problems);
   if (!problems.empty()) return report(problems);
   const fs::path out = toPath(given.folder);

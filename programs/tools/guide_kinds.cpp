@@ -73,7 +73,7 @@ class Decoded {
   // The lines between the title and the data.
   Lines lines(const std::u16string& data, bool wide = true) const {
     Lines lines(1);
-    for (cFaultDisplay::Piece& piece : (wide ? wide_ : narrow_).Explain(record_, data, {})) {
+    for (cFaultDisplay::Piece& piece : (wide ? wide_ : narrow_).explain(record_, data, {})) {
       if (piece.sources.empty() && piece.text == text::crlf)
         lines.emplace_back();
       else

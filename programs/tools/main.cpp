@@ -33,10 +33,17 @@ constexpr struct {
      "Brings the Access files of a suite over to the embedded engine, all of them or none, and keeps each "
      "beside "
      "the new file with \".access\" behind its name."},
+    {"install", declareInstall,
+     "Puts what an installer has unpacked into a version directory, renews it, or repairs it: all of it or "
+     "none. Stored faults, jobs, and the words that faults are stored in stay. Ends with what the doctor "
+     "finds."},
     {"list", declareList, "Prints the stored faults, newest first."},
     {"suite", declareSuite,
      "Makes the data files of an installed suite that are missing; stored faults, registration and jobs "
      "stay."},
+    {"uninstall", declareUninstall,
+     "Takes the add-in away from a version directory, and its registration. Stored faults, logs, jobs and "
+     "settings stay."},
 };
 
 int run(const options::Words& words) {

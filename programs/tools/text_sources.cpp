@@ -12,7 +12,7 @@
 #include "language/language_databases.h"
 #include "lines.h"
 #include "platform/engine_choice.h"
-#include "platform/stored_text.h"
+#include "platform/stored_values.h"
 #include "text/numbers.h"
 #include "text/utf8.h"
 

@@ -15,7 +15,7 @@ struct FormControl {
 
 // Every control with texts or fonts besides the lists of the fault kinds (faults/kind_lists.h), in tab order.
 // The data controls and the timer have neither.
-inline constexpr std::array<FormControl, 19> formControls{{
+inline constexpr std::array<FormControl, 20> formControls{{
     {u"lblListups", u"Label"},     // labels the drop-down
     {u"drpPBXList", u"ComboBox"},  //
     {u"lblTimetag", u"Label"},     // labels the time of the last list
@@ -28,6 +28,7 @@ inline constexpr std::array<FormControl, 19> formControls{{
     {u"cmdPrint", u"CommandButton"},
     {u"cmdClear", u"CommandButton"},
     {u"cmdLookUp", u"CommandButton"},
+    {u"cmdFilter", u"CommandButton"},
     {u"cmdClose", u"CommandButton"},
     {u"grdDisplayFault", u"SSDBGrid"},
     {u"imgBackground", u"PictureBox"},  // behind the whole window

@@ -17,7 +17,7 @@ struct GuideTopic {
   std::u16string_view topic;
 };
 
-inline constexpr std::array<GuideTopic, 21> guideTopics{{
+inline constexpr std::array<GuideTopic, 23> guideTopics{{
     {u"lblListups", u"exchange"},
     {u"drpPBXList", u"exchange"},
     {u"lblTimetag", u"received"},
@@ -30,6 +30,7 @@ inline constexpr std::array<GuideTopic, 21> guideTopics{{
     {u"cmdPrint", u"print"},
     {u"cmdClear", u"delete"},
     {u"cmdLookUp", u"find"},
+    {u"cmdFilter", u"filter"},
     {u"cmdClose", u"close"},
     {u"grdDisplayFault", u"list"},
     {u"imgBackground", u"window"},
@@ -38,6 +39,7 @@ inline constexpr std::array<GuideTopic, 21> guideTopics{{
     {u"mnuWhatsThis", u"whats-this"},
     {u"itmWhatThis", u"whats-this"},
     {window::lookUpBarPart, u"find"},
+    {window::filterBarPart, u"filter"},
     {window::panePart, u"fault"},
 }};
 

@@ -7,9 +7,10 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <initializer_list>
 #include <string>
 #include <string_view>
+
+#include "text/fill.h"
 
 namespace vordane::message {
 
@@ -132,12 +133,39 @@ inline constexpr std::size_t menuGuide = 243;  // with access key
 inline constexpr std::size_t statusGuideMissing = 244;
 inline constexpr std::size_t statusGuideNotShown = 245;
 
+// Of the filter.
+inline constexpr std::size_t filterText = 246;
+inline constexpr std::size_t filterMajor = 247;
+inline constexpr std::size_t filterMinor = 248;
+inline constexpr std::size_t filterKindsAll = 249;
+inline constexpr std::size_t filterKindsSome = 250;  // {1} of {2}
+inline constexpr std::size_t filterKindsName = 251;
+inline constexpr std::size_t filterProcessor = 252;
+inline constexpr std::size_t filterAnyProcessor = 253;
+inline constexpr std::size_t filterSince = 254;
+inline constexpr std::size_t filterUntil = 255;
+inline constexpr std::size_t filterDateStyle = 256;
+inline constexpr std::size_t filterClear = 257;
+inline constexpr std::size_t filterClose = 258;
+inline constexpr std::size_t filterOtherDates = 259;  // {1} faults
+inline constexpr std::size_t filterNote = 260;        // {1} faults
+inline constexpr std::size_t filterBadDate = 261;
+inline constexpr std::size_t filterBadOrder = 262;
+inline constexpr std::size_t filterAtWork = 263;    // {1} of {2}
+inline constexpr std::size_t filterFailed = 264;    // {1} the engine's text
+inline constexpr std::size_t filterHidesAll = 265;  // {1} faults
+inline constexpr std::size_t shownCount = 266;      // {1} of {2}
+inline constexpr std::size_t onlyKind = 267;        // {1} kind
+inline constexpr std::size_t withoutKind = 268;     // {1} kind
+inline constexpr std::size_t onlyProcessor = 269;   // {1} processor
+inline constexpr std::size_t onlyDay = 270;         // {1} day
+
 // The product's own numbers, as [first, end). Behind the last stand the titles and labels of fault kinds that
 // came later; own ones that come after those begin a range of their own.
 struct Range {
   std::size_t first, end;
 };
-inline constexpr std::array ownTexts{Range{165, 246}};
+inline constexpr std::array ownTexts{Range{165, 271}};
 inline constexpr std::size_t count = ownTexts.back().end;  // of all that are named here or stand before
 
 constexpr bool isOwn(std::size_t number) {
@@ -147,7 +175,9 @@ constexpr bool isOwn(std::size_t number) {
 }
 
 // The texts with an access key. Within one window, captions of controls included, a key opens one thing.
-inline constexpr std::array windowKeys{lookUpLabel, lookUpNext};
+inline constexpr std::array windowKeys{lookUpLabel, lookUpNext,     filterText,      filterMajor,
+                                       filterMinor, filterKindsAll, filterProcessor, filterSince,
+                                       filterUntil, filterClear,    filterOtherDates};
 inline constexpr std::array paneMenuKeys{menuCopy};
 inline constexpr std::array frameMenuKeys{menuGuide};
 
@@ -169,11 +199,3 @@ inline constexpr std::int16_t helpNotFound = 901;  // substitution: the file
 inline constexpr std::array<std::int16_t, 8> all{102, 104, 105, 107, 108, 109, 900, 901};
 
 }  // namespace vordane::box
-
-namespace vordane {
-
-// `pattern` with {1} to {9} replaced by the values; a place without a value stays as it stands, so that a
-// wrong text shows.
-std::u16string fillText(std::u16string_view pattern, std::initializer_list<std::u16string_view> values);
-
-}  // namespace vordane

@@ -7,7 +7,7 @@
 
 #include "platform/automation.h"
 #include "platform/database.h"
-#include "platform/stored_text.h"
+#include "platform/stored_values.h"
 #include "platform/window.h"
 
 namespace vordane::language {

@@ -35,6 +35,56 @@ std::size_t messageNumber(window::ViewText which) {
       return message::paneEmpty;
     case ViewText::clipboardHeld:
       return message::clipboardHeld;
+    case ViewText::filterText:
+      return message::filterText;
+    case ViewText::filterMajor:
+      return message::filterMajor;
+    case ViewText::filterMinor:
+      return message::filterMinor;
+    case ViewText::filterKindsAll:
+      return message::filterKindsAll;
+    case ViewText::filterKindsSome:
+      return message::filterKindsSome;
+    case ViewText::filterKindsName:
+      return message::filterKindsName;
+    case ViewText::filterProcessor:
+      return message::filterProcessor;
+    case ViewText::filterAnyProcessor:
+      return message::filterAnyProcessor;
+    case ViewText::filterSince:
+      return message::filterSince;
+    case ViewText::filterUntil:
+      return message::filterUntil;
+    case ViewText::filterDateStyle:
+      return message::filterDateStyle;
+    case ViewText::filterClear:
+      return message::filterClear;
+    case ViewText::filterClose:
+      return message::filterClose;
+    case ViewText::filterOtherDates:
+      return message::filterOtherDates;
+    case ViewText::filterNote:
+      return message::filterNote;
+    case ViewText::filterBadDate:
+      return message::filterBadDate;
+    case ViewText::filterBadOrder:
+      return message::filterBadOrder;
+    case ViewText::filterAtWork:
+      return message::filterAtWork;
+    case ViewText::filterFailed:
+      return message::filterFailed;
+    case ViewText::filterHidesAll:
+      return message::filterHidesAll;
+    case ViewText::shownCount:
+      return message::shownCount;
+    case ViewText::onlyKind:
+      return message::onlyKind;
+    case ViewText::withoutKind:
+      return message::withoutKind;
+    case ViewText::onlyProcessor:
+      return message::onlyProcessor;
+    case ViewText::onlyDay:
+      return message::onlyDay;
     case ViewText::openGuide:
       return message::menuGuide;
   }

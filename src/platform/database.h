@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "platform/automation.h"
+#include "platform/survey.h"
 
 namespace vordane::database {
 
@@ -74,6 +75,13 @@ class RowList {
   using Progress = std::function<void(std::size_t done)>;
   virtual std::optional<std::size_t> find(std::u16string_view needle, std::size_t first,
                                           const Progress& progress, Walk walk = Walk::forwards);
+
+  // Appends those of `positions`, in their order, whose row has `needle` as `find` looks for it.
+  virtual void choose(std::u16string_view needle, std::span<const std::uint32_t> positions,
+                      std::vector<std::uint32_t>& chosen);
+  virtual std::unique_ptr<Survey> survey(const SurveyedColumns& columns) {
+    return surveyRows(*this, columns);
+  }
 
  protected:
   static constexpr std::size_t rowsBetweenProgress = 1024;

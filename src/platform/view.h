@@ -10,6 +10,10 @@
 
 #include "platform/window.h"
 
+namespace vordane::database {
+class RowList;
+}
+
 namespace vordane::window {
 
 // One fault as the grid shows it.
@@ -33,6 +37,9 @@ class GridSource {
   // Where the data part stands in the row's description; nothing when the source does not know, and the
   // view then takes the longest run of hexadecimal digits and blanks of the last line.
   virtual std::optional<Range> dataPart(std::size_t) { return std::nullopt; }
+  // For whoever has to look at all rows: its columns are the members of GridRow in their order. Null where
+  // there is none, and while a long step runs.
+  virtual database::RowList* list() { return nullptr; }
 };
 
 // The words that belong to the drawing and to no control. They come from the language database like all
@@ -53,6 +60,32 @@ enum class ViewText {
   noSelection,        // what the pane below says while no fault is selected
   clipboardHeld,      // nothing was copied, since another program holds the clipboard
   openGuide,          // entry of the window's system menu; with its access key
+  // The filter bar; labels, ticks and buttons with their access keys.
+  filterText,          // before the box for a text that shown faults hold
+  filterMajor,         // tick: major faults
+  filterMinor,         // tick: minor faults
+  filterKindsAll,      // the button that opens the list of kinds, all of them shown
+  filterKindsSome,     // {1} of {2} kinds are shown
+  filterKindsName,     // the name of that list, for screen readers
+  filterProcessor,     // before the list of processors
+  filterAnyProcessor,  // its entry for all of them
+  filterSince,         // before the box for the first date shown
+  filterUntil,         // before the box for the last
+  filterDateStyle,     // what an empty one of them says
+  filterClear,         // the button that shows all faults again
+  filterClose,         // tool tip of the button that closes the bar
+  filterOtherDates,    // tick: {1} faults whose date has another form
+  filterNote,          // while a filter is on: printing and deleting go by all {1} faults
+  filterBadDate,       // a date is written in another style
+  filterBadOrder,      // the first date is behind the last
+  filterAtWork,        // {1} of {2} faults looked at; Esc gives it up
+  filterFailed,        // the database said {1}
+  filterHidesAll,      // in the empty grid's place: none of {1} faults passes
+  shownCount,          // the status line's number: {1} of {2} shown
+  onlyKind,            // context menu of the grid: only faults of kind {1}
+  withoutKind,         // none of kind {1}
+  onlyProcessor,       // only of processor {1}
+  onlyDay,             // only of day {1}
 };
 
 class ViewTexts {
@@ -66,8 +99,13 @@ enum class NoticeKind { hint, waiting, failure };
 
 enum class LookUpWay { forwards, backwards };
 
+// Whether a person may look at the list in ways of the window's own now: never where nobody sits, and not
+// while an answer is waited for or a box stands.
+enum class ListUse { never, later, now };
+
 // What may have the focus besides the form's controls.
-inline constexpr std::u16string_view lookUpBarPart = u"lookUpBar", panePart = u"pane";
+inline constexpr std::u16string_view lookUpBarPart = u"lookUpBar", filterBarPart = u"filterBar",
+                                     panePart = u"pane";
 
 // What a person does.
 class ViewEvents {
@@ -90,6 +128,7 @@ class ViewEvents {
   // The row that holds `text` next after `from` (exclusive; -1: none is selected) or, backwards, before it,
   // without regard to case, wrapping round once; nothing when none does.
   virtual std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from, LookUpWay way) = 0;
+  virtual ListUse listUse() { return ListUse::never; }
   virtual void tick() = 0;  // tmrEvent
 };
 

@@ -6,6 +6,7 @@
 #include <limits>
 #include <new>
 
+#include "platform/stored_values.h"
 #include "settings/suite_databases.h"
 #include "text/dates.h"
 #include "text/file_names.h"
@@ -83,7 +84,7 @@ void readOptions(database::Recordset& row, std::u16string_view key, ScheduleStat
   state.LogLimited = automation::toBoolean(row.get(u"Log2"));
   state.LogLimitKB = automation::toLong(row.get(u"FileByte"));
   const Value file = row.get(u"File");
-  state.LogName = logName(automation::isNull(file) ? std::u16string{} : automation::toText(file), key);
+  state.LogName = logName(database::textOf(file), key);
   state.JobKind = jobKind(row, state.JobKind);
 }
 

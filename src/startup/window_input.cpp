@@ -82,6 +82,12 @@ void WindowInput::whatsThisChosen() {
   help_.whatsThisChosen();
 }
 
+window::ListUse WindowInput::listUse() {
+  if (!parts_.alive() || parts_.state().runMode != RunMode::interactive) return window::ListUse::never;
+  const bool waits = parts_.life.callUnderWay() || parts_.state().busy || parts_.timer.enabled();
+  return waits ? window::ListUse::later : window::ListUse::now;
+}
+
 void WindowInput::tick() {
   parts_.actions.tick();
 }

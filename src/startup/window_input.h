@@ -24,6 +24,7 @@ class WindowInput final : public window::ViewEvents {
   void guideAsked(std::u16string_view part) override { help_.openGuide(part); }
   std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from,
                                     window::LookUpWay way) override;
+  window::ListUse listUse() override;
   void tick() override;
 
  private:

@@ -37,6 +37,7 @@ class FaultRows : public window::GridSource {
   std::optional<window::GridRow> row(std::size_t position) override;
   std::vector<Range> provenance(std::size_t row, std::size_t position) override;
   std::optional<Range> dataPart(std::size_t row) override;
+  database::RowList* list() override { return held_ ? nullptr : rows_; }
 
   // The next row after `from` (-1: from the first) or before it (-1: from the last) with `text` in any of its
   // columns, without regard to case, going round the end once, the row `from` last; nothing for an empty

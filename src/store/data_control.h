@@ -8,7 +8,7 @@
 #include <string>
 
 #include "platform/database.h"
-#include "platform/stored_text.h"
+#include "platform/stored_values.h"
 
 namespace vordane::store {
 

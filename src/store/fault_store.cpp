@@ -17,8 +17,8 @@ namespace {
 constexpr int dateColumn = 2;
 
 // What acts on faults is dead while none are shown.
-constexpr std::array<std::u16string_view, 4> faultButtons = {u"cmdPrint", u"cmdClear", u"cmdLookUp",
-                                                             u"cmdReset"};
+constexpr std::array<std::u16string_view, 5> faultButtons = {u"cmdPrint", u"cmdClear", u"cmdLookUp",
+                                                             u"cmdFilter", u"cmdReset"};
 
 // While it lives, a choice in the drop-down comes from the program and shows nothing.
 class Filling {

@@ -1,6 +1,7 @@
 #include "database/contract.h"
 
 #include <filesystem>
+#include <map>
 
 #include "text/utf8.h"
 
@@ -327,6 +328,76 @@ TEST_P(DatabaseContract, RowsOfAWalkStayThoughTheyAreChangedOnTheWay) {
             (std::vector<std::string>{"2095/01/02", "202/1", "2006/11/28", "2006/11/27"}));
   EXPECT_TRUE(isStored(*database, {1, u"01", u"MJ", u"MP", u"2006/11/27"}));
   EXPECT_FALSE(isStored(*database, {1, u"01", u"MJ", u"MP", u"06/11/27"}));
+}
+
+// What a survey told, by position.
+struct Told : Survey::Taker {
+  void take(std::size_t position, std::uint32_t kind, std::u16string_view time) override {
+    EXPECT_TRUE(rows.try_emplace(position, kind, std::u16string(time)).second) << "told once";
+  }
+  std::map<std::size_t, std::pair<std::uint32_t, std::u16string>> rows;
+};
+
+const std::u16string newestOfFirst =
+    u"SELECT * FROM FaultDisplay WHERE ID = 1 Order by [Date] Desc, [Count] Desc, [Fault] Desc, [Alarm] "
+    u"Desc, "
+    u"[CPU] Desc, [Description] Desc";
+constexpr std::u16string_view gridColumns[] = {u"Fault", u"Alarm", u"Date", u"CPU", u"Description", u"Count"};
+constexpr SurveyedColumns surveyed{{0, 1, 3}, 2};
+
+TEST_P(DatabaseContract, ASurveyTellsEachRowsKindAndTime) {
+  const auto database = open(Layout::faults);
+  addFault(*database, {1, u"0A", u"MJ", u"MP   ", u"2026/11/20 10:00"});
+  addFault(*database, {1, u"01", u"MJ", u"MP   ", u"2026/11/20 10:01"});
+  addFault(*database, {2, u"0A", u"MJ", u"MP   ", u"2026/11/20 10:02"});
+  addFault(*database, {1, u"0a", u"mj ", u"MP", u"2026/11/20 10:03  "});
+  const auto rows = database->openRowList(newestOfFirst, gridColumns);
+  ASSERT_EQ(rows->size(), 3U);
+  for (const std::size_t most : {1, 2, 100}) {
+    Told told;
+    const auto survey = rows->survey(surveyed);
+    while (survey->next(most, told)) {
+    }
+    ASSERT_EQ(told.rows.size(), 3U);
+    EXPECT_EQ(told.rows[0].first, told.rows[2].first);
+    EXPECT_NE(told.rows[0].first, told.rows[1].first);
+    EXPECT_EQ(told.rows[0].second, u"2026/11/20 10:03");
+    EXPECT_EQ(told.rows[2].second, u"2026/11/20 10:00");
+  }
+}
+
+TEST_P(DatabaseContract, ASurveyLeavesOutWhatHasGoneAndWhatCameLater) {
+  const auto database = open(Layout::faults);
+  for (int i = 0; i < 5; ++i) addFault(*database, {1, u"0A", u"MJ", u"MP", u"2026/11/20 10:00"});
+  const auto rows = database->openRowList(newestOfFirst, gridColumns);
+  addFault(*database, {1, u"0A", u"MJ", u"MP", u"2026/11/20 10:00"});
+  Told told;
+  const auto survey = rows->survey(surveyed);
+  EXPECT_TRUE(survey->next(2, told));
+  const std::size_t before = told.rows.size();
+  EXPECT_LE(before, 2U);
+  database->execute(u"DELETE FROM FaultDisplay WHERE ID = 1");
+  while (survey->next(2, told)) {
+  }
+  EXPECT_EQ(told.rows.size(), before);
+}
+
+TEST_P(DatabaseContract, RowsAreChosenByTheTextThatTheyHold) {
+  const auto database = open(Layout::faults);
+  addFault(*database, {1, u"0A", u"MJ", u"MP", u"1", u"Door OPEN"});
+  addFault(*database, {1, u"0A", u"MJ", u"MP", u"2", u"door shut"});
+  addFault(*database, {1, u"0A", u"MJ", u"MP", u"3", u"open again"});
+  const auto rows = database->openRowList(newestOfFirst, gridColumns);
+  const auto chosen = [&](std::u16string_view needle, std::vector<std::uint32_t> from) {
+    std::vector<std::uint32_t> found{77};
+    rows->choose(needle, from, found);
+    return found;
+  };
+  EXPECT_EQ(chosen(u"open", {0, 1, 2}), (std::vector<std::uint32_t>{77, 0, 2}));
+  EXPECT_EQ(chosen(u"open", {2}), (std::vector<std::uint32_t>{77, 2}));
+  EXPECT_EQ(chosen(u"nowhere", {0, 1, 2}), (std::vector<std::uint32_t>{77}));
+  database->execute(u"DELETE FROM FaultDisplay WHERE ID = 1");
+  EXPECT_EQ(chosen(u"open", {0, 1, 2}), (std::vector<std::uint32_t>{77}));
 }
 
 TEST_P(DatabaseContract, ARowListFetchesWhatTheStatementOrders) {

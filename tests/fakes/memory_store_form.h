@@ -31,7 +31,7 @@ class MemoryStoreForm : public store::StoreForm {
     add(u"txtTimeTag", u"TextBox");
     for (const auto* label : {u"lblMJ", u"lblMN"}) add(label, u"Label");
     for (const auto* button :
-         {u"cmdRequest", u"cmdReset", u"cmdPrint", u"cmdClear", u"cmdLookUp", u"cmdClose"})
+         {u"cmdRequest", u"cmdReset", u"cmdPrint", u"cmdClear", u"cmdLookUp", u"cmdFilter", u"cmdClose"})
       add(button, u"CommandButton");
     fillMessages();
   }

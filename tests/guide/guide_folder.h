@@ -20,7 +20,7 @@ class GuideFolder {
     std::filesystem::copy(test::sourceFolder() / "docs/guide/en", folder(),
                           std::filesystem::copy_options::recursive);
     tools::Problems none;
-    language = tools::readLanguage(test::sourceFolder() / "data/language/en", none);
+    language = tools::readLanguageSource(test::sourceFolder() / "data/language/en", none);
   }
   std::filesystem::path folder() const { return files.folder() / "en"; }
 

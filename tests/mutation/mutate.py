@@ -26,8 +26,8 @@ import threading
 from pathlib import Path
 
 REPOSITORY = Path(__file__).resolve().parents[2]
-FOLDERS = ["text", "platform", "platform/sqlite", "platform/dao", "platform/access", "settings", "language", "faults", "pbx", "status",
-           "store", "startup"]
+FOLDERS = ["text", "platform", "platform/sqlite", "platform/dao", "platform/access", "list", "settings", "language", "faults",
+           "pbx", "status", "store", "startup"]
 # Test programs that say nothing about rules or take most of the time are asked last.
 LAST = ["hostile_tests", "reliability_tests", "crash_tests", "sorting_memory_tests", "import_tests"]
 # One counts what the engine does from outside of it, which shared libraries hide; one reads the sources alone.

@@ -407,7 +407,7 @@ TEST_F(Schedule, TheUsersButtonsLookDeadInARun) {
   runSchedule(u"3");
   const auto expectDead = [&] {
     for (const char16_t* name :
-         {u"cmdRequest", u"cmdReset", u"cmdPrint", u"cmdClear", u"cmdLookUp", u"cmdClose"})
+         {u"cmdRequest", u"cmdReset", u"cmdPrint", u"cmdClear", u"cmdLookUp", u"cmdFilter", u"cmdClose"})
       EXPECT_FALSE(enabled(name)) << text::toUtf8(name);
   };
   expectDead();
@@ -489,7 +489,7 @@ TEST_F(ScheduledRuns, CreationKeepsTheKeyAndTheButtons) {
   startWithHost();
   press(0);
   fetchOnce();
-  for (const char16_t* name : {u"cmdReset", u"cmdPrint", u"cmdClear", u"cmdLookUp"})
+  for (const char16_t* name : {u"cmdReset", u"cmdPrint", u"cmdClear", u"cmdLookUp", u"cmdFilter"})
     ASSERT_TRUE(form().form().control(name).flag(u"Enabled"));
   for (const char16_t* name : {u"cmdRequest", u"cmdClose"})
     form().form().control(name).set(u"Enabled", false);
@@ -497,7 +497,7 @@ TEST_F(ScheduledRuns, CreationKeepsTheKeyAndTheButtons) {
   EXPECT_EQ(form().job().Key(), u"5");
   EXPECT_EQ(state.RAction, 3);
   EXPECT_EQ(state.runMode, RunMode::creatingSchedule);
-  for (const char16_t* name : {u"cmdReset", u"cmdPrint", u"cmdClear", u"cmdLookUp"})
+  for (const char16_t* name : {u"cmdReset", u"cmdPrint", u"cmdClear", u"cmdLookUp", u"cmdFilter"})
     EXPECT_FALSE(form().form().control(name).flag(u"Enabled"));
   for (const char16_t* name : {u"cmdRequest", u"cmdClose"})
     EXPECT_TRUE(form().form().control(name).flag(u"Enabled"));

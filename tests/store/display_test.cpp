@@ -54,7 +54,7 @@ TEST_F(DisplayTest, AnEmptyListSelectsNothing) {
   EXPECT_EQ(store.datFaultDisplay().recordSource(), u"");
   EXPECT_THAT(database->statements,
               ElementsAre(std::u16string(exchangesNewestFirst), std::u16string(faultsNewestFirst)));
-  for (const auto* button : {u"cmdPrint", u"cmdClear", u"cmdLookUp", u"cmdReset"})
+  for (const auto* button : {u"cmdPrint", u"cmdClear", u"cmdLookUp", u"cmdFilter", u"cmdReset"})
     EXPECT_FALSE(form.enabled(button));
   EXPECT_TRUE(form.enabled(u"cmdRequest"));
   EXPECT_TRUE(form.enabled(u"cmdClose"));
@@ -179,7 +179,7 @@ TEST_F(DisplayTest, TheButtonsFollowAChoiceInTheDropDown) {
   addExchange(u"empty", u"2020-01-01 00:00:00");
   addFault(1, {});
   store.RefreshDisplay();
-  for (const auto* button : {u"cmdPrint", u"cmdClear", u"cmdLookUp", u"cmdReset"}) {
+  for (const auto* button : {u"cmdPrint", u"cmdClear", u"cmdLookUp", u"cmdFilter", u"cmdReset"}) {
     choose(1);
     EXPECT_FALSE(form.enabled(button));
     choose(0);

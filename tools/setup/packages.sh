@@ -17,6 +17,8 @@ packages=(
   libcli11-dev nlohmann-json3-dev
   # the kit for Windows workstations
   zip unzip
+  # the installer, and signing it
+  nsis osslsigncode openssl
   # the guide
   pandoc
   # running Windows programs without a screen, and looking at them

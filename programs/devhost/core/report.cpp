@@ -4,6 +4,7 @@
 
 #include "devhost/core/report_order.h"
 #include "devhost/core/report_template.h"
+#include "platform/stored_values.h"
 #include "store/statements.h"
 #include "text/file_names.h"
 #include "text/numbers.h"
@@ -29,10 +30,6 @@ std::optional<std::u16string> textOf(const database::Value& value) {
   return automation::toText(value);
 }
 
-bool flagOf(const database::Value& value) {
-  return !automation::isNull(value) && automation::toBoolean(value);
-}
-
 // Stored names are the same without regard to case and trailing blanks.
 bool sameName(std::u16string_view a, std::u16string_view b) {
   while (!a.empty() && a.back() == u' ') a.remove_suffix(1);
@@ -47,8 +44,8 @@ ExchangeRow findExchange(database::Database& database, std::u16string_view name)
     const std::u16string found = textOf(rows->get(u"PBXName")).value_or(std::u16string{});
     if (sameName(found, name))
       return {automation::toLong(rows->get(u"ID")), found,
-              textOf(rows->get(u"TimeStamp")).value_or(std::u16string{}), flagOf(rows->get(u"MJ")),
-              flagOf(rows->get(u"MN"))};
+              textOf(rows->get(u"TimeStamp")).value_or(std::u16string{}), database::flagOf(rows->get(u"MJ")),
+              database::flagOf(rows->get(u"MN"))};
   }
   throw Refusal{u"There is no exchange \"" + std::u16string(name) + u"\" in the fault database."};
 }

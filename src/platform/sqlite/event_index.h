@@ -12,7 +12,6 @@
 // A table that is not declared as this system's own files declare it is answered from the table alone.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -22,14 +21,11 @@
 
 #include "platform/sqlite/connection.h"
 #include "platform/sqlite/description_order.h"
+#include "platform/sqlite/event_keys.h"
 #include "platform/sqlite/event_orders.h"
 #include "platform/sqlite/time_order.h"
 
 namespace vordane::sqlite {
-
-// The texts of an event, as EventColumns has them; nothing stands for Null.
-using EventTexts =
-    std::array<std::optional<std::u16string_view>, std::tuple_size_v<decltype(EventColumns::texts)>>;
 
 class EventIndex {
  public:
@@ -41,9 +37,6 @@ class EventIndex {
 
   // Keys of the rows that agree in the owner and all texts, oldest first; no text is Null.
   std::vector<std::int64_t> findSame(std::int64_t owner, const EventTexts& texts);
-  static std::string momentKey(const EventTexts& texts);
-  static std::int64_t hashOf(const EventTexts& texts);
-  static std::string kindKey(const EventTexts& texts);
 
   // Key of the first row by moment descending, nothing when the table is empty.
   std::optional<std::int64_t> newest();

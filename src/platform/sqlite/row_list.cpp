@@ -1,6 +1,9 @@
 #include "platform/sqlite/row_list.h"
 
+#include <type_traits>
+
 #include "platform/sqlite/errors.h"
+#include "platform/sqlite/index_survey.h"
 #include "platform/sqlite/text_rules.h"
 
 namespace vordane::sqlite {
@@ -17,7 +20,8 @@ class EmbeddedRowList final : public database::RowList {
   EmbeddedRowList(std::shared_ptr<Opened> opened, const Plan& plan, Keys keys, bool backwards,
                   std::span<const std::u16string_view> columns,
                   std::optional<std::int64_t> owner = std::nullopt)
-      : opened_(std::move(opened)),
+      : table_(*plan.table),
+        opened_(std::move(opened)),
         connection_(opened_->connection),
         tablesChanged_(plan.tablesChanged),
         keys_(std::move(keys)),
@@ -26,6 +30,7 @@ class EmbeddedRowList final : public database::RowList {
     std::string sql;
     for (std::u16string_view name : columns) {
       const Column* column = plan.columns[plan.resultColumn(name)];
+      columns_.push_back(column);
       yesNo_.push_back(column->kind == Kind::yesNo);
       sql += (sql.empty() ? "SELECT " : ", ") + column->quoted;
     }
@@ -62,9 +67,35 @@ class EmbeddedRowList final : public database::RowList {
     return {};
   }
 
+  void choose(std::u16string_view needle, std::span<const std::uint32_t> positions,
+              std::vector<std::uint32_t>& chosen) override {
+    connection_.beforeRead();
+    if (tablesChanged()) return;
+    const ReadScope reading(connection_);
+    FoldedNeedle folded(needle);
+    for (const std::uint32_t position : positions)
+      if (holds(position, folded)) chosen.push_back(position);
+  }
+
+  std::unique_ptr<database::Survey> survey(const database::SurveyedColumns& columns) override {
+    if constexpr (std::is_same_v<Key, std::uint32_t>)
+      if (owner_ && isIndexed(columns))
+        return surveyIndex(opened_, keys_, backwards_, *owner_, tablesChanged_);
+    return RowList::survey(columns);
+  }
+
  private:
   std::int64_t keyAt(std::size_t position) const {
     return (*keys_)[backwards_ ? keys_->size() - 1 - position : position];
+  }
+
+  // The index tells what these columns hold.
+  bool isIndexed(const database::SurveyedColumns& columns) const {
+    const auto is = [&](std::size_t mine, std::size_t indexed) {
+      return columns_.at(mine) == &table_.columns[table_.events->texts[indexed]];
+    };
+    return table_.events && is(columns.kind[0], 0) && is(columns.kind[1], 1) && is(columns.kind[2], 2) &&
+           is(columns.time, EventColumns::moment);
   }
 
   // The keys belong to the table as it was.
@@ -96,6 +127,8 @@ class EmbeddedRowList final : public database::RowList {
     return found;
   }
 
+  const Table& table_;
+  std::vector<const Column*> columns_;
   std::shared_ptr<Opened> opened_;
   Connection& connection_;
   std::uint64_t tablesChanged_;

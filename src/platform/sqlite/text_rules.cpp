@@ -126,29 +126,29 @@ void appendField(std::optional<std::u16string_view> text, std::string& key) {
   appendSortKey(*text, key);
 }
 
-bool FoldedNeedle::isIn(std::u16string_view text) {
-  folded_.resize(text.size());
+// Looks for the first character in four places at once, and at the rest only where it stands.
+bool FoldedNeedle::isIn(std::u16string_view text) const {
+  if (text.size() < needle_.size()) return false;
+  const std::size_t last = text.size() - needle_.size();
+  const std::uint64_t wanted = needle_.front() * eachOfFour;
   std::size_t i = 0;
-  for (; i + together <= text.size(); i += together) {
+  for (; i + together <= text.size() && i <= last; i += together) {
     const std::uint64_t four = fourAt(text.data() + i);
-    if (areAscii(four)) {
-      const std::uint64_t folded = foldAscii(four);
-      std::memcpy(folded_.data() + i, &folded, sizeof folded);
-    } else {
-      for (std::size_t k = i; k < i + together; ++k) folded_[k] = fold(text[k]);
-    }
+    const std::uint64_t differs = foldAscii(four) ^ wanted;
+    const bool hit = ((differs - eachOfFour) & ~differs & (0x8000U * eachOfFour)) != 0;
+    if (!hit && areAscii(four)) continue;
+    for (std::size_t k = i; k < i + together && k <= last; ++k)
+      if (stands(text, k)) return true;
   }
-  for (; i < text.size(); ++i) folded_[i] = fold(text[i]);
-
-  std::u16string_view rest = folded_;
-  while (rest.size() >= needle_.size()) {
-    const std::size_t found = text::find(rest, needle_.front());
-    if (found == std::u16string_view::npos || rest.size() - found < needle_.size()) return false;
-    rest.remove_prefix(found);
-    if (std::memcmp(rest.data(), needle_.data(), needle_.size() * sizeof(char16_t)) == 0) return true;
-    rest.remove_prefix(1);
-  }
+  for (; i <= last; ++i)
+    if (stands(text, i)) return true;
   return false;
+}
+
+bool FoldedNeedle::stands(std::u16string_view text, std::size_t at) const {
+  for (std::size_t i = 0; i < needle_.size(); ++i)
+    if (fold(text[at + i]) != needle_[i]) return false;
+  return true;
 }
 
 void FoldedHash::mix(std::uint64_t word) {

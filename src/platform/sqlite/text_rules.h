@@ -25,10 +25,12 @@ void appendField(std::optional<std::u16string_view> text, std::string& key);
 class FoldedNeedle {
  public:
   explicit FoldedNeedle(std::u16string_view needle) : needle_(needle) {}
-  bool isIn(std::u16string_view text);
+  bool isIn(std::u16string_view text) const;
 
  private:
-  std::u16string needle_, folded_;  // `folded_` keeps its memory between searches
+  bool stands(std::u16string_view text, std::size_t at) const;
+
+  std::u16string needle_;
 };
 
 // A 64-bit hash that equal texts share, the same on every system.

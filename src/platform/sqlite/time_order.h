@@ -1,7 +1,7 @@
 // One owner's events by moment, then key, as they were read last: an owner that is shown again has mostly the
 // events it had, or newer ones behind them, and a million keys are not read once more for that.
 //
-// What this buys: a list of 1,000 events is taken in and shown in three quarters of the time
+// What this buys: reading the keys again after each list was a quarter of the time that taking lists in takes
 // (docs/performance.md).
 #pragma once
 

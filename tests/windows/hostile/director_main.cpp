@@ -143,8 +143,9 @@ class Director {
     std::fflush(stdout);
     ++rounds_;
     ++seed_;
-    deathsBefore_ = deaths();
+    deathsBefore_ = deaths() + watcher_.killed();
     ResetEvent(jobMade_.get());
+    ResetEvent(died_.get());
   }
   void attack(bool endings) {
     exchange_.order(u"Begin", {byVal(seed_), byVal(endings)});
@@ -155,6 +156,11 @@ class Director {
     }
     if (host_.alive()) host_.order(u"Rest");
   }
+  // Also one that was created beside the two that are ordered about.
+  bool somebodyDied() const {
+    return deaths() + watcher_.killed() > deathsBefore_ ||
+           WaitForSingleObject(died_.get(), 0) == WAIT_OBJECT_0;
+  }
   // Answers to what still waits for one, until the add-in has nothing to do. False where a program has died
   // and with it, it seems, the answer: that is waited for without an end.
   bool comesToRest() {
@@ -164,7 +170,7 @@ class Director {
         [&] {
           rests = right_.idle();
           // A death may show only at an order.
-          if (rests || (deaths() > deathsBefore_ && answers >= answersEnough)) return true;
+          if (rests || (somebodyDied() && answers >= answersEnough)) return true;
           ++answers;
           for (Evil* evil : {&host_, &exchange_})
             if (evil->alive()) evil->order(u"Answer");
@@ -265,6 +271,7 @@ class Director {
   // --- one process for all rounds
   void lasting() {
     end();
+    ResetEvent(mortal_.get());
     require(right_.take(), "the add-in could not load its window");
     const DWORD id = onlyAddIn();
     const com::Handle process = test::openProcess(id);
@@ -272,7 +279,7 @@ class Director {
     while (calls() < wanted_ || samples.size() < 6) {
       begin();
       attack(false);
-      require(deaths() == deathsBefore_, "a program died that was to live");
+      require(!somebodyDied(), "a program died that was to live");
       require(goesOn(), "the window's life is over, though nobody ended it");
       expectAsEver("in the process that lasts");
       answersThatComeLate();
@@ -315,6 +322,8 @@ class Director {
   std::int32_t seed_;
   const ULONGLONG begun_ = GetTickCount64();
   const com::Handle jobMade_{CreateEventW(nullptr, TRUE, FALSE, jobEvent)};
+  const com::Handle mortal_{CreateEventW(nullptr, TRUE, TRUE, mortalEvent)};
+  const com::Handle died_{CreateEventW(nullptr, TRUE, FALSE, diedEvent)};
   Watcher watcher_;
   RightHost right_;
   Evil host_{Role::host, L"EvilHost.exe"}, exchange_{Role::exchange, L"EvilExchange.exe"};

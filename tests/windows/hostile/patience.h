@@ -3,7 +3,8 @@
 
 namespace vordane::hostile {
 
-// Milliseconds: 120 s, or VORDANE_SUITE_PATIENCE seconds.
+// Milliseconds: two thirds of the test's own patience, 120 s or VORDANE_SUITE_PATIENCE seconds, so that the
+// test hears what was waited for.
 int patience();
 
 }  // namespace vordane::hostile

@@ -124,6 +124,11 @@ DWORD serveOnce(const automation::ClassTable& table, std::function<ObjectRef()> 
   return registration;
 }
 
+void set(const wchar_t* event) {
+  const com::Handle opened(OpenEventW(EVENT_MODIFY_STATE, FALSE, event));
+  SetEvent(opened.get());
+}
+
 registration::Class registered(const automation::ClassTable& table) {
   return {
       std::u16string(table.progId), text::fromUtf8(table.clsid), std::u16string(table.description), {}, {}};
@@ -147,6 +152,8 @@ Program::Program(Role role) : role_(role) {}
 // --- orders
 
 void Program::begin(std::int32_t seed, bool endings) {
+  const com::Handle mortal(OpenEventW(SYNCHRONIZE, FALSE, mortalEvent));
+  endings = endings && WaitForSingleObject(mortal.get(), 0) == WAIT_OBJECT_0;
   // Both programs have the same seed and must not do the same.
   plots_.push_back(std::make_unique<Conspiracy>(
       2 * static_cast<std::uint64_t>(seed) + (role_ == Role::host ? 0 : 1), calls_));
@@ -270,8 +277,7 @@ void Program::linger() {
 // Deaf, or serving other calls all the while.
 void Program::hang() {
   const bool deaf = plots_.back()->whims.once(2);
-  const com::Handle hangs(OpenEventW(EVENT_MODIFY_STATE, FALSE, hangingEvent(role_)));
-  SetEvent(hangs.get());
+  set(hangingEvent(role_));
   for (;;) {
     if (deaf)
       Sleep(INFINITE);
@@ -292,6 +298,7 @@ bool Program::tick() {
 }
 
 void Program::die() {
+  set(diedEvent);
   TerminateProcess(GetCurrentProcess(), diedInACall);
 }
 
@@ -314,8 +321,7 @@ void Program::closeWindow() {
 void Program::answerBoxesWith(int) {}
 
 void Program::makesAJob() {
-  const com::Handle made(OpenEventW(EVENT_MODIFY_STATE, FALSE, jobEvent));
-  SetEvent(made.get());
+  set(jobEvent);
 }
 
 void Program::wrong(const std::string& what) {

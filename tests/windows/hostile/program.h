@@ -27,6 +27,11 @@ inline constexpr UINT killedWhileItHung = 43;
 const wchar_t* hangingEvent(Role role);
 // Set from the first creation of a job on; also by a host that has died since.
 inline constexpr const wchar_t* jobEvent = L"VordaneHostileJob";
+// Set as long as the programs may die and hang; they look when a round begins. An exchange server that was
+// created beside the one that the director knows looks too.
+inline constexpr const wchar_t* mortalEvent = L"VordaneHostileMortal";
+// Set by one that dies in a call.
+inline constexpr const wchar_t* diedEvent = L"VordaneHostileDied";
 
 // The object that takes the director's orders.
 const automation::ClassTable& directorsTable(Role role);

@@ -42,6 +42,7 @@ constexpr Captioned captioned[] = {
     {u"cmdPrint", u"CommandButton", {u"&Print...", u"&Печать...", u"印刷(&P)..."}},
     {u"cmdClear", u"CommandButton", {u"&Delete...", u"&Удалить...", u"削除(&D)..."}},
     {u"cmdLookUp", u"CommandButton", {u"&Look up...", u"&Найти...", u"検索(&L)..."}},
+    {u"cmdFilter", u"CommandButton", {u"Fi&lter...", u"&Фильтр...", u"絞り込み(&L)..."}},
     {u"cmdClose", u"CommandButton", {u"&Close", u"За&крыть", u"閉じる(&C)"}},
     {u"itmWhatThis", u"Menu", {u"&What's this?", u"&Что это такое?", u"これは何?(&W)"}},
 };
@@ -197,6 +198,79 @@ std::u16string FakeTexts::text(ViewText which) {
       return pick(
           {u"Choose a fault to see all of it.", u"Выберите неисправность.", u"障害を選択してください。"},
           language_);
+    case ViewText::filterText:
+      return pick({u"&Words:", u"С&лова:", u"語句(&W):"}, language_);
+    case ViewText::filterMajor:
+      return pick({u"&Major", u"С&рочные", u"重大(&M)"}, language_);
+    case ViewText::filterMinor:
+      return pick({u"M&inor", u"Н&есрочные", u"軽微(&I)"}, language_);
+    case ViewText::filterKindsAll:
+      return pick({u"&Kinds: all", u"&Виды: все", u"種別: すべて(&K)"}, language_);
+    case ViewText::filterKindsSome:
+      return pick({u"&Kinds: {1} of {2}", u"&Виды: {1} из {2}", u"種別: {1} / {2} (&K)"}, language_);
+    case ViewText::filterKindsName:
+      return pick({u"Kinds of faults", u"Виды неисправностей", u"障害の種別"}, language_);
+    case ViewText::filterProcessor:
+      return pick({u"Pr&ocessor:", u"Про&цессор:", u"プロセッサ(&O):"}, language_);
+    case ViewText::filterAnyProcessor:
+      return pick({u"all", u"все", u"すべて"}, language_);
+    case ViewText::filterSince:
+      return pick({u"&Since:", u"На&чиная с:", u"開始(&S):"}, language_);
+    case ViewText::filterUntil:
+      return pick({u"&Until:", u"Д&о:", u"終了(&U):"}, language_);
+    case ViewText::filterDateStyle:
+      return pick({u"YYYY/MM/DD HH:MM", u"ГГГГ/ММ/ДД ЧЧ:ММ", u"YYYY/MM/DD HH:MM"}, language_);
+    case ViewText::filterClear:
+      return pick({u"Cl&ear filter", u"Убр&ать фильтр", u"絞り込み解除(&E)"}, language_);
+    case ViewText::filterClose:
+      return pick({u"Close the filter bar", u"Закрыть строку фильтра", u"絞り込みバーを閉じる"}, language_);
+    case ViewText::filterOtherDates:
+      return pick({u"Also s&how {1} with another form of date", u"Показать и {1} с &иной записью даты",
+                   u"日付の形式が異なる {1} 件も表示(&H)"},
+                  language_);
+    case ViewText::filterNote:
+      return pick({u"Print, Delete and Reset alarms go by all {1} faults of the exchange, shown or not.",
+                   u"Печать, удаление и сброс аварий касаются всех неисправностей станции ({1}), а не только "
+                   u"показанных.",
+                   u"印刷、削除、警報リセットは、表示中のものだけでなく交換機の全 {1} 件が対象です。"},
+                  language_);
+    case ViewText::filterBadDate:
+      return pick({u"Write a date as 2026/11/20 or 2026/11/20 14:05.",
+                   u"Дата пишется так: 2026/11/20 или 2026/11/20 14:05.",
+                   u"日付は 2026/11/20 または 2026/11/20 14:05 の形で入力してください。"},
+                  language_);
+    case ViewText::filterBadOrder:
+      return pick({u"The first date is later than the last one.", u"Начальная дата позже конечной.",
+                   u"開始の日付が終了より後です。"},
+                  language_);
+    case ViewText::filterAtWork:
+      return pick({u"Filtering: {1} of {2} ... Esc stops it.", u"Отбор: {1} из {2} ... Esc прекращает его.",
+                   u"絞り込み中: {1} / {2} … Esc で中止します。"},
+                  language_);
+    case ViewText::filterFailed:
+      return pick({u"The filter could not be worked out: {1}", u"Отобрать не удалось: {1}",
+                   u"絞り込みができませんでした: {1}"},
+                  language_);
+    case ViewText::filterHidesAll:
+      return pick({u"None of the {1} stored faults passes the filter.",
+                   u"Ни одна из записанных неисправностей ({1}) не проходит фильтр.",
+                   u"保存済みの {1} 件のうち、条件に合う障害はありません。"},
+                  language_);
+    case ViewText::shownCount:
+      return pick({u"{1} of {2} shown", u"Показано {1} из {2}", u"{2} 件中 {1} 件を表示"}, language_);
+    case ViewText::onlyKind:
+      return pick({u"&Only this kind ({1})", u"&Только этот вид ({1})", u"この種別だけ表示(&O) ({1})"},
+                  language_);
+    case ViewText::withoutKind:
+      return pick({u"&Without this kind ({1})", u"&Без этого вида ({1})", u"この種別を除く(&W) ({1})"},
+                  language_);
+    case ViewText::onlyProcessor:
+      return pick({u"Only this &processor ({1})", u"Только этот &процессор ({1})",
+                   u"このプロセッサだけ表示(&P) ({1})"},
+                  language_);
+    case ViewText::onlyDay:
+      return pick({u"Only this &day ({1})", u"Только этот &день ({1})", u"この日だけ表示(&D) ({1})"},
+                  language_);
   }
   return {};
 }
@@ -225,6 +299,15 @@ std::optional<GridRow> FakeRows::row(std::size_t position) {
   shown.description = pick(fault.title, language_) + u"\r\n" + detail + u"\r\n" +
                       pick({u"Data", u"Данные", u"データ"}, language_) + u" [" + fault.data + u"]";
   return shown;
+}
+
+bool FakeRows::fetch(std::size_t position, std::vector<database::Value>& out) {
+  const auto found = row(position);
+  out.clear();
+  if (found)
+    out = {found->fault, found->alarm,       found->date,
+           found->cpu,   found->description, static_cast<std::int32_t>(found->count)};
+  return found.has_value();
 }
 
 std::vector<GridSource::Range> FakeRows::provenance(std::size_t position, std::size_t character) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/database.h"
 #include "platform/services.h"
 #include "platform/view.h"
 
@@ -35,13 +36,15 @@ class FakeSettings : public platform::SettingsStore {
 };
 
 // `count` rows out of a handful of faults, newest first; counts what is asked of it.
-class FakeRows : public GridSource {
+class FakeRows : public GridSource, public database::RowList {
  public:
   FakeRows(Language language, std::size_t count) : language_(language), count_(count) {}
   std::size_t size() const override { return count_; }
   std::optional<GridRow> row(std::size_t position) override;
   // The equipment code C2D of the second fault came from the data characters 4 and 6 to 8.
   std::vector<Range> provenance(std::size_t row, std::size_t position) override;
+  database::RowList* list() override { return this; }
+  bool fetch(std::size_t position, std::vector<database::Value>& out) override;
   std::size_t fetched = 0;
   bool longTexts = false;
 

@@ -29,7 +29,9 @@ struct RecordedEvents : ViewEvents {
   std::vector<std::pair<std::u16string, std::ptrdiff_t>> lookUps;
   std::vector<LookUpWay> lookUpWays;
   std::optional<std::size_t> hit;
+  std::vector<std::size_t> hits;  // one after the other, before `hit`
   int closes = 0, ticks = 0, whatsThis = 0;
+  ListUse use = ListUse::now;
   std::function<void()> onButton;
   Control* exchangeList = nullptr;
   bool takesExchanges = true;
@@ -75,8 +77,12 @@ struct RecordedEvents : ViewEvents {
   std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from, LookUpWay way) override {
     lookUps.emplace_back(text, from);
     lookUpWays.push_back(way);
-    return hit;
+    if (hits.empty()) return hit;
+    const std::size_t next = hits.front();
+    hits.erase(hits.begin());
+    return next;
   }
+  ListUse listUse() override { return use; }
   void tick() override {
     ++ticks;
     happened();
@@ -113,6 +119,15 @@ class ViewTest : public ::testing::Test {
       }
       if (milliseconds > 0) Sleep(2);
     } while (GetTickCount64() < end);
+  }
+  // Serves messages until it holds; false when it does not within a minute.
+  bool pumpUntil(const std::function<bool()>& holds) {
+    const ULONGLONG end = GetTickCount64() + 60000;
+    for (pump(); !holds(); pump()) {
+      if (GetTickCount64() > end) return false;
+      MsgWaitForMultipleObjects(0, nullptr, FALSE, 1000, QS_ALLINPUT);
+    }
+    return true;
   }
   void key(HWND window, WPARAM code) {
     PostMessageW(window, WM_KEYDOWN, code, 1);

@@ -78,6 +78,13 @@ void loadFromSystemOnly();
 platform::Program thisProgram();
 std::u16string executablePath();
 
+// What the version resource of a program says; nothing when there is no such program, or it says nothing.
+// Nothing of the program is run.
+struct FileVersion {
+  int major, minor, revision;
+};
+std::optional<FileVersion> versionOfFile(std::u16string_view program);
+
 // "HH:MM:SS.mmm", now: the beginning of a line that tells what happened.
 std::u16string timeOfLine();
 

@@ -27,12 +27,30 @@ enum Id : int {
   idPrint,
   idClear,
   idLookUp,
+  idFilter,
   idClose,
   idLookUpLabel,
   idLookUpText,
   idLookUpNext,
   idLookUpClose,
   idLookUpMessage,
+  idFilterTextLabel,
+  idFilterText,
+  idFilterMajor,
+  idFilterMinor,
+  idFilterKinds,
+  idFilterProcessorLabel,
+  idFilterProcessor,
+  idFilterSinceLabel,
+  idFilterSince,
+  idFilterUntilLabel,
+  idFilterUntil,
+  idFilterClear,
+  idFilterClose,
+  idFilterOtherDates,
+  idFilterMessage,
+  idKindList,
+  idShowAll,  // in the place of an empty grid
   idNotice,
   idGrid,
   idPane,
@@ -67,10 +85,12 @@ inline constexpr Child children[] = {
     {idPrint, u"cmdPrint", WC_BUTTONW, buttonStyle, 0},
     {idClear, u"cmdClear", WC_BUTTONW, buttonStyle, 0},
     {idLookUp, u"cmdLookUp", WC_BUTTONW, buttonStyle, 0},
+    {idFilter, u"cmdFilter", WC_BUTTONW, buttonStyle, 0},
     {idClose, u"cmdClose", WC_BUTTONW, buttonStyle, 0},
 };
 
-// The action a button stands for; the look-up button has none, since it only moves in the shown faults.
+// The action a button stands for; looking up and filtering have none, since they are the
+// window's own.
 struct ButtonAction {
   Id id;
   Action action;

@@ -24,8 +24,8 @@ void Grid::create(HWND parent, int id, Events events) {
   events_ = std::move(events);
   takesInput_ = true;
   window_ = CreateWindowExW(0, WC_LISTVIEWW, L"",
-                            WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA |
-                                LVS_OWNERDRAWFIXED | LVS_SINGLESEL | LVS_SHOWSELALWAYS,
+                            WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_TABSTOP | LVS_REPORT |
+                                LVS_OWNERDATA | LVS_OWNERDRAWFIXED | LVS_SINGLESEL | LVS_SHOWSELALWAYS,
                             0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
                             GetModuleHandleW(nullptr), nullptr);
   ListView_SetExtendedListViewStyle(window_,
@@ -108,6 +108,35 @@ void Grid::refresh() {
   rows_.forget();
   if (static_cast<std::size_t>(ListView_GetItemCount(window_)) != size()) return setRows(rows_.source());
   InvalidateRect(window_, nullptr, FALSE);
+}
+
+void Grid::rowsChanged(std::optional<std::size_t> row) {
+  const int top = ListView_GetTopIndex(window_), page = std::max(1, ListView_GetCountPerPage(window_));
+  const int line = selected_ ? std::clamp(static_cast<int>(*selected_) - top, 0, page - 1) : 0;
+  rows_.forget();
+  filling_ = true;
+  unselect();
+  selected_.reset();
+  ListView_SetItemCountEx(window_, static_cast<int>(size()), LVSICF_NOSCROLL);
+  if (row) {
+    const int item = static_cast<int>(*row);
+    ListView_SetItemState(window_, item, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+    scrollTo(*row, line);
+  }
+  filling_ = false;
+  fit();
+  InvalidateRect(window_, nullptr, FALSE);
+  events_.selectionChanged();
+}
+
+// Scrolls so that the row stands in that line of the page, as far as there are rows for it.
+void Grid::scrollTo(std::size_t row, int line) {
+  const int page = std::max(1, ListView_GetCountPerPage(window_));
+  const int last = std::max(0, static_cast<int>(size()) - page);
+  const int wanted = std::clamp(static_cast<int>(row) - line, 0, last);
+  const int by = wanted - ListView_GetTopIndex(window_);
+  if (by != 0) ListView_Scroll(window_, 0, by * look_.rowHeight());
+  ListView_EnsureVisible(window_, static_cast<int>(row), FALSE);
 }
 
 void Grid::setSortMark(int column, bool descending) {

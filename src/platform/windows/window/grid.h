@@ -37,7 +37,9 @@ class Grid {
   const ShownRow* selectedRow();
   GridSource* source() const { return rows_.source(); }
   void select(std::size_t row);  // and brings it into sight
-  POINT menuPlace() const;       // of the selected row, in screen coordinates
+  // The source shows other rows now: `row` becomes selected and stands where the selected one stood.
+  void rowsChanged(std::optional<std::size_t> row);
+  POINT menuPlace() const;  // of the selected row, in screen coordinates
   // For a menu that opens while the press that selects is still under way: whoever shows the selected row is
   // told now.
   void settleSelection();
@@ -65,6 +67,7 @@ class Grid {
   bool headingNotified(const NMHDR& header, LPARAM message);
   void widthChanged(int column);
   void unselect();
+  void scrollTo(std::size_t row, int line);
   LRESULT moveSelection(UINT message, WPARAM wide, LPARAM low);
   LRESULT rowsHeard(UINT message, WPARAM wide, LPARAM low);
   LRESULT headingHeard(UINT message, WPARAM wide, LPARAM low);

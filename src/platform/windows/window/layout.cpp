@@ -21,6 +21,7 @@ class Stacker {
     placeHeader();
     placeButtons();
     placeBar(out_.lookUp, in_.lookUpHeight);
+    placeBar(out_.filter, in_.filterHeight);
     out_.panel = {0, 0, in_.width, y_};
     placeBar(out_.notice, in_.noticeHeight);
     placeGridAndPane();

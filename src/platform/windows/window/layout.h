@@ -17,6 +17,7 @@ struct LayoutInput {
   std::array<int, 2> lamps{};                                  // the longest words of each lamp
   std::vector<int> buttons;  // caption widths from the left; the last one stands at the right
   int lookUpHeight = 0;      // 0: the look-up bar is closed
+  int filterHeight = 0;      // likewise the filter bar
   int noticeHeight = 0;      // 0: no notice above the grid
   int statusHeight = 0;
   int paneHeight = 0;  // as the user wants it
@@ -27,7 +28,7 @@ struct Layout {
   RECT frame{};
   std::array<RECT, 2> lamps{};
   std::vector<RECT> buttons;
-  RECT panel{}, lookUp{}, notice{}, grid{}, splitter{}, pane{}, status{};
+  RECT panel{}, lookUp{}, filter{}, notice{}, grid{}, splitter{}, pane{}, status{};
 };
 
 Layout arrange(const LayoutInput& input);

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/windows/window/child_window.h"
 #include "platform/windows/window/fonts.h"
 #include "platform/windows/window/geometry.h"
 
@@ -16,22 +17,18 @@ namespace {
 constexpr int margin = 12, gap = 8, boxWidth = 260, smallestBox = 90, messageWidth = 230;
 constexpr wchar_t crossSign[] = L"\u00D7";
 
-HWND child(HWND parent, int id, const wchar_t* type, const std::u16string& text, DWORD style) {
-  return CreateWindowExW(0, type, wide(text), WS_CHILD | WS_CLIPSIBLINGS | style, 0, 0, 0, 0, parent,
-                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr),
-                         nullptr);
-}
-
 }  // namespace
 
 void LookUpBar::create(HWND parent, const Ids& ids, ViewTexts& texts) {
-  label_ = child(parent, ids.label, WC_STATICW, texts.text(ViewText::lookUpLabel), SS_LEFT | SS_CENTERIMAGE);
-  text_ = child(parent, ids.text, WC_EDITW, {}, WS_TABSTOP | WS_BORDER | ES_AUTOHSCROLL);
-  next_ = child(parent, ids.next, WC_BUTTONW, texts.text(ViewText::lookUpNext), WS_TABSTOP | BS_PUSHBUTTON);
-  close_ = child(parent, ids.close, WC_BUTTONW, {}, WS_TABSTOP | BS_PUSHBUTTON);
+  label_ =
+      makeChild(parent, ids.label, WC_STATICW, texts.text(ViewText::lookUpLabel), SS_LEFT | SS_CENTERIMAGE);
+  text_ = makeChild(parent, ids.text, WC_EDITW, {}, WS_TABSTOP | WS_BORDER | ES_AUTOHSCROLL);
+  next_ =
+      makeChild(parent, ids.next, WC_BUTTONW, texts.text(ViewText::lookUpNext), WS_TABSTOP | BS_PUSHBUTTON);
+  close_ = makeChild(parent, ids.close, WC_BUTTONW, {}, WS_TABSTOP | BS_PUSHBUTTON);
   SetWindowTextW(close_, crossSign);
   message_ =
-      child(parent, ids.message, WC_STATICW, {}, SS_LEFT | SS_CENTERIMAGE | SS_NOPREFIX | SS_ENDELLIPSIS);
+      makeChild(parent, ids.message, WC_STATICW, {}, SS_LEFT | SS_CENTERIMAGE | SS_NOPREFIX | SS_ENDELLIPSIS);
 }
 
 void LookUpBar::setFont(HFONT font) {

@@ -5,6 +5,7 @@
 
 #include "platform/windows/window/children.h"
 #include "platform/windows/window/geometry.h"
+#include "text/numbers.h"
 
 namespace vordane::window::win32 {
 namespace {
@@ -147,6 +148,7 @@ void MainWindow::detach() {
   help_.close();
   timer_.stop(window_);
   grid_.forgetRows();
+  list_.forgetRows();
   exchangeBox_ = nullptr;
   shownExchanges_ = 0;
   status_ = {};
@@ -175,6 +177,9 @@ void MainWindow::createChildren() {
                  texts_);
   SendMessageW(tips_, TTM_SETMAXTIPWIDTH, 0, scaled(tipWidth, dpi_));
   setTip(item(idLookUpClose), texts_.text(ViewText::lookUpClose));
+  list_.create(window_, {[this] { return events_ != nullptr ? events_->listUse() : ListUse::never; },
+                         [this] { place(); }, [this] { showCount(); }});
+  setTip(item(idFilterClose), texts_.text(ViewText::filterClose));
 }
 
 void MainWindow::createGridAndPane() {
@@ -281,7 +286,14 @@ void MainWindow::setHourglass(bool on) {
 }
 
 void MainWindow::setRows(GridSource* rows) {
-  grid_.setRows(rows);
+  const Control* list = control(u"drpPBXList");
+  const bool chosen = list != nullptr && list->listIndex() >= 0;
+  std::u16string exchange;
+  if (chosen) {
+    const auto& entry = list->items().at(static_cast<std::size_t>(list->listIndex()));
+    exchange = entry.text + u'\n' + text::decimal(entry.itemData);
+  }
+  list_.setRows(rows, exchange);
   place();
 }
 
@@ -294,13 +306,23 @@ void MainWindow::setLamp(bool major, bool lit) {
 
 void MainWindow::setStatus(int part, std::u16string_view text) {
   if (part < 0 || part >= StatusLine::parts || window_ == nullptr) return;
-  status_.setText(part, std::u16string(text));
+  if (part != countPart) {
+    status_.setText(part, std::u16string(text));
+    return placeStatus();
+  }
+  countText_ = text;
+  showCount();
+}
+
+void MainWindow::showCount() {
+  if (window_ == nullptr || status_.window() == nullptr) return;
+  status_.setText(countPart, list_.count().value_or(countText_));
   placeStatus();
 }
 
 void MainWindow::setNotice(std::u16string_view text) {
   noticeText_ = text;
-  setWindowText(notice_, noticeText_);
+  setWindowText(notice_, noticeWords());
   place();
   InvalidateRect(notice_, nullptr, FALSE);
 }

@@ -13,6 +13,7 @@
 #include "platform/windows/window/grid.h"
 #include "platform/windows/window/help_popup.h"
 #include "platform/windows/window/layout.h"
+#include "platform/windows/window/list_work.h"
 #include "platform/windows/window/look_up_bar.h"
 #include "platform/windows/window/status_line.h"
 #include "platform/windows/window/tick_timer.h"
@@ -89,6 +90,8 @@ class MainWindow final : public Win32View {
   // Place and ground.
   LayoutInput layoutInput() const;
   void place();
+  std::u16string noticeWords() const;
+  void placeShowAll(const RECT& rows);
   bool noticeInRowsPlace() const;  // no rows: it stands below the headings, else above them
   int headingHeight() const;
   void placeNotice(const Layout& layout);
@@ -116,9 +119,12 @@ class MainWindow final : public Win32View {
   bool systemKeyDown(WPARAM key);
   void contextMenu(HWND source, POINT place);
   void gridMenu(POINT place);
+  void appendFilters(HMENU menu, const GridRow& row);
   void copySelected();
   void drawItem(const DRAWITEMSTRUCT& item);
   void densityChanged(int dpi, const RECT& place);
+  void escape();
+  void showCount();
   void keepFocus();
   void giveFocusBack();
   std::u16string focusedPart() const;
@@ -141,6 +147,7 @@ class MainWindow final : public Win32View {
   Grid grid_;
   DetailPane pane_;
   LookUpBar lookUp_;
+  ListWork list_{grid_, texts_};
   StatusLine status_;
   HelpPopup help_;
   Background background_;
@@ -151,7 +158,7 @@ class MainWindow final : public Win32View {
   Font font_, bold_;
   LOGFONTW workstation_{};  // what the faces were made from
   std::array<bool, 2> lit_{};
-  std::u16string noticeText_;
+  std::u16string noticeText_, countText_;  // as the form says them
   NoticeKind noticeKind_ = NoticeKind::hint;
   Layout layout_;
   int paneHeight_ = 0;

@@ -8,6 +8,7 @@
 namespace vordane::window::win32 {
 namespace {
 
+constexpr int showAllPadding = 28;
 constexpr int lookUpBarHeight = 38, paneLeft = 12, paneTop = 8;
 constexpr int mostOfTheWindow = 3;  // a part of its height that the status line may take
 
@@ -59,6 +60,7 @@ LayoutInput MainWindow::layoutInput() const {
   in.dropDownHeight = std::max(height(box), in.textHeight + scaled(8, dpi_));
   in.lookUpHeight =
       lookUp_.open() ? std::max(scaled(lookUpBarHeight, dpi_), in.textHeight + scaled(18, dpi_)) : 0;
+  in.filterHeight = list_.bar().heightFor(in.width);
   if (!noticeText_.empty() && grid_.size() > 0)
     in.noticeHeight = noticeBarHeight(noticeText_, in.width, font_.get(), dpi_);
   in.statusHeight = status_.heightFor(in.width, in.height / mostOfTheWindow);
@@ -87,6 +89,7 @@ void MainWindow::place() {
         next < layout_.buttons.size())
       put(item(child.id), layout_.buttons[next++]);
   if (lookUp_.open()) lookUp_.place(layout_.lookUp, dpi_);
+  list_.bar().place(layout_.filter);
   RECT rows = layout_.grid;
   if (noticeInRowsPlace()) rows.bottom = std::min(rows.bottom, rows.top + headingHeight());
   put(grid_.window(), rows);
@@ -106,8 +109,15 @@ void MainWindow::place() {
   tellModelOfPlaces();
 }
 
+// What the form says, and that no row passes the filter.
+std::u16string MainWindow::noticeWords() const {
+  const std::u16string hidden = list_.notice();
+  if (hidden.empty() || noticeText_.empty()) return noticeText_ + hidden;
+  return noticeText_ + u"\r\n" + hidden;
+}
+
 bool MainWindow::noticeInRowsPlace() const {
-  return !noticeText_.empty() && grid_.size() == 0;
+  return grid_.size() == 0 && !noticeWords().empty();
 }
 
 int MainWindow::headingHeight() const {
@@ -117,10 +127,14 @@ int MainWindow::headingHeight() const {
 }
 
 void MainWindow::placeNotice(const Layout& layout) {
-  if (noticeText_.empty()) {
+  const std::u16string words = noticeWords();
+  const HWND showAll = list_.showAllButton();
+  if (list_.notice().empty()) ShowWindow(showAll, SW_HIDE);
+  if (words.empty()) {
     ShowWindow(notice_, SW_HIDE);
     return;
   }
+  setWindowText(notice_, words);
   RECT where = layout.notice;
   if (noticeInRowsPlace()) {
     where = layout.grid;
@@ -128,6 +142,18 @@ void MainWindow::placeNotice(const Layout& layout) {
   }
   put(notice_, where);
   ShowWindow(notice_, SW_SHOWNA);
+  if (!list_.notice().empty()) placeShowAll(where);
+}
+
+// Below the card of the notice.
+void MainWindow::placeShowAll(const RECT& rows) {
+  const HWND button = list_.showAllButton();
+  const int w = captionWidth(font_.get(), windowText(button)) + scaled(showAllPadding, dpi_);
+  const int h = std::max(lineHeight(font_.get()) + scaled(12, dpi_), scaled(29, dpi_));
+  const int x = static_cast<int>(rows.left + rows.right - w) / 2;
+  const int y = static_cast<int>(rows.top) + scaled(12, dpi_) +
+                noticeCardBottom(noticeWords(), {width(rows), height(rows)}, font_.get(), dpi_);
+  SetWindowPos(button, HWND_TOP, x, y, w, h, SWP_NOACTIVATE | SWP_SHOWWINDOW);
 }
 
 // Its texts may want another number of lines now.

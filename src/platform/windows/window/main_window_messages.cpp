@@ -14,7 +14,9 @@ namespace vordane::window::win32 {
 namespace {
 
 constexpr int rightButton = 2, leftButton = 1;
-enum GridCommand : UINT { copyCommand = 1, lookUpCommand };
+enum GridCommand : UINT { copyCommand = 1, lookUpCommand, onlyCommand };
+using Only = ListWork::Only;
+constexpr Only onlyEntries[] = {Only::kind, Only::otherKinds, Only::processor, Only::day};
 
 bool controlHeld() {
   return GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0;
@@ -57,6 +59,7 @@ LRESULT MainWindow::handle(UINT message, WPARAM wide, LPARAM low) {
       if (events_ != nullptr) events_->closeAsked();
       return 0;
     case WM_TIMER:
+      if (list_.timer(wide)) return 0;
       return timer_.expired(window_, wide) ? 0 : DefWindowProcW(window_, message, wide, low);
     case WM_DPICHANGED:
       densityChanged(LOWORD(wide), *reinterpret_cast<RECT*>(low));
@@ -75,6 +78,8 @@ LRESULT MainWindow::handle(UINT message, WPARAM wide, LPARAM low) {
     case nameMessage:  // after the start: the libraries that this needs take their time
       nameForScreenReaders(pane_.window(), texts_.text(ViewText::selectedFault));
       nameForScreenReaders(lookUp_.closeButton(), texts_.text(ViewText::lookUpClose));
+      nameForScreenReaders(list_.bar().closeButton(), texts_.text(ViewText::filterClose));
+      nameForScreenReaders(list_.bar().kindWindow(), texts_.text(ViewText::filterKindsName));
       return 0;
     case WM_COMMAND:
       return command(LOWORD(wide), HIWORD(wide));
@@ -172,7 +177,9 @@ LRESULT MainWindow::handleDrawing(UINT message, WPARAM wide, LPARAM low) {
 LRESULT MainWindow::command(int id, int code) {
   if (!inputAllowed() || events_ == nullptr) return 0;
   if (id == IDOK && GetFocus() == lookUp_.box()) lookUpNext(wayOfShift());
-  if (id == IDCANCEL && lookUp_.open()) closeLookUp();
+  if (id == IDOK && list_.bar().listOpen()) list_.bar().closeList();
+  if (id == IDCANCEL) escape();
+  if (list_.command(id, code)) return 0;
   if (id == idExchange) exchangeNotified(code);
   const bool button = id >= idRequest && id <= idClose;
   if (button && code == BN_CLICKED && IsWindowEnabled(item(id))) buttonClicked(id);
@@ -183,6 +190,7 @@ LRESULT MainWindow::command(int id, int code) {
 
 void MainWindow::buttonClicked(int id) {
   if (id == idLookUp) return openLookUp();
+  if (id == idFilter) return list_.open();
   for (const ButtonAction& button : buttonActions)
     if (button.id == id) return events_->buttonPressed(static_cast<int>(button.action));
 }
@@ -210,6 +218,7 @@ LRESULT MainWindow::notify(LPARAM low) {
   const NMHDR& header = *reinterpret_cast<NMHDR*>(low);
   LRESULT answer = 0;
   if (grid_.window() != nullptr && grid_.notified(header, low, answer)) return answer;
+  if (list_.bar().notified(header, low)) return 0;
   pane_.notified(header);
   return 0;
 }
@@ -221,15 +230,30 @@ void MainWindow::contextMenu(HWND source, POINT place) {
 }
 
 void MainWindow::gridMenu(POINT place) {
-  if (!grid_.selected()) return;
+  const ShownRow* selected = grid_.selectedRow();
+  if (selected == nullptr) return;
   const Menu menu(CreatePopupMenu());
   AppendMenuW(menu.get(), MF_STRING, copyCommand, wide(texts_.text(ViewText::copyFault)));
   if (IsWindowEnabled(item(idLookUp)))
     AppendMenuW(menu.get(), MF_STRING, lookUpCommand, wide(windowText(item(idLookUp))));
+  const GridRow row = selected->fault;  // the menu serves messages meanwhile
+  if (IsWindowEnabled(item(idFilter))) appendFilters(menu.get(), row);
   const BOOL chosen =
       TrackPopupMenu(menu.get(), TPM_RETURNCMD | TPM_RIGHTBUTTON, place.x, place.y, 0, window_, nullptr);
   if (chosen == copyCommand) copySelected();
   if (chosen == lookUpCommand) openLookUp();
+  if (chosen >= static_cast<BOOL>(onlyCommand) && inputAllowed())
+    list_.show(onlyEntries[chosen - static_cast<BOOL>(onlyCommand)], row);
+}
+
+void MainWindow::appendFilters(HMENU menu, const GridRow& row) {
+  bool first = true;
+  for (UINT i = 0; i < std::size(onlyEntries); ++i) {
+    const std::u16string words = list_.menuText(onlyEntries[i], row);
+    if (words.empty()) continue;
+    if (std::exchange(first, false)) AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+    AppendMenuW(menu, MF_STRING, onlyCommand + i, wide(words));
+  }
 }
 
 void MainWindow::copySelected() {
@@ -246,7 +270,7 @@ void MainWindow::drawItem(const DRAWITEMSTRUCT& item) {
   if (id == idGrid) return grid_.draw(item);
   if (id == idNotice) {
     const bool bar = grid_.size() > 0;
-    return drawNotice({item.hDC, item.rcItem, noticeText_, noticeKind_, bar, font_.get(), dpi_}, palette_);
+    return drawNotice({item.hDC, item.rcItem, noticeWords(), noticeKind_, bar, font_.get(), dpi_}, palette_);
   }
   const bool lit = lit_[id == idMajor ? 0 : 1];
   const auto font = fonts_.find(id);
@@ -274,6 +298,14 @@ void MainWindow::giveFocusBack() {
   SetFocus(usable ? lastFocus_ : first);
 }
 
+// Ends the first of what there is to end: the open list of kinds, a choice under way, the bar with the focus,
+// the other bar.
+void MainWindow::escape() {
+  if (list_.escape()) return;
+  if (lookUp_.open()) return closeLookUp();
+  if (list_.bar().open()) list_.close();
+}
+
 // Of what the form and its drawing consist of; while the window is minimised or takes no input nothing has
 // the focus, and what had it last counts.
 std::u16string MainWindow::focusedPart() const {
@@ -282,6 +314,7 @@ std::u16string MainWindow::focusedPart() const {
   if (focused == nullptr || !IsWindow(focused)) return {};
   const int id = GetDlgCtrlID(focused);
   if (id >= idLookUpLabel && id <= idLookUpMessage) return std::u16string(lookUpBarPart);
+  if (id >= idFilterTextLabel && id <= idShowAll) return std::u16string(filterBarPart);
   if (id == idPane) return std::u16string(panePart);
   for (const auto& [shown, childId] : ids_)
     if (childId == id) return shown->name();
@@ -305,7 +338,7 @@ void MainWindow::lookUpNext(LookUpWay way) {
   if (wanted.empty() || grid_.size() == 0) return openLookUp();
   const bool back = way == LookUpWay::backwards;
   const auto from = grid_.selected();
-  const auto hit = events_->lookUp(wanted, from ? static_cast<std::ptrdiff_t>(*from) : -1, way);
+  const auto hit = list_.lookUp(*events_, wanted, way);
   if (events_ == nullptr) return;  // the window went away meanwhile
   const bool wrapped = hit && from && (back ? *hit >= *from : *hit <= *from);
   lookUp_.tell(!hit      ? texts_.text(ViewText::lookUpNotFound)
@@ -342,6 +375,10 @@ bool MainWindow::served(MSG& message) {
 bool MainWindow::keyDown(WPARAM key) {
   if (key == 'F' && controlHeld()) {
     openLookUp();
+    return true;
+  }
+  if (key == 'L' && controlHeld()) {
+    if (IsWindowEnabled(item(idFilter))) list_.open();
     return true;
   }
   const WPARAM column = key - '1';  // headings by keyboard

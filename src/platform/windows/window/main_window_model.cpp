@@ -115,6 +115,7 @@ void MainWindow::updateInput() {
   }
   for (const auto& [shown, id] : ids_) applyEnabled(*shown, id);
   lookUp_.enable(allowed);
+  list_.bar().enable(allowed);
   grid_.takeInput(allowed);
   pane_.takeInput(allowed);
   if (allowed) giveFocusBack();
@@ -185,6 +186,8 @@ void MainWindow::restyle() {
   const FontChoice own = fontOf(&form_->self());
   Font plain = makeFont(own, dpi_);
   lookUp_.setFont(plain.get());
+  list_.bar().setFont(plain.get(), dpi_);
+  SendMessageW(list_.showAllButton(), WM_SETFONT, reinterpret_cast<WPARAM>(plain.get()), TRUE);
   status_.setFont(plain.get(), dpi_);
   for (HWND window : {notice_, tips_})
     SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(plain.get()), TRUE);
@@ -193,6 +196,7 @@ void MainWindow::restyle() {
   SendMessageW(item(idExchange), CB_SETITEMHEIGHT, static_cast<WPARAM>(-1),
                lineHeight(font_.get()) + scaled(4, dpi_));
   grid_.setLook(control(gridName), dpi_, palette_);
+  list_.bar().setColours(palette_.surface, palette_.text);
   dressPane();
   background_.changed();
   place();
@@ -201,6 +205,7 @@ void MainWindow::restyle() {
 }
 
 void MainWindow::recolour() {
+  list_.bar().setColours(palette_.surface, palette_.text);
   grid_.setColours(palette_);
   dressPane();
   background_.changed();

@@ -149,6 +149,16 @@ void drawNotice(const NoticeDrawing& notice, const Palette& palette) {
   DrawTextW(notice.dc, wide(notice.words), static_cast<int>(notice.words.size()), &words, wrapped);
 }
 
+int noticeCardBottom(const std::u16string& words, SIZE place, HFONT font, int dpi) {
+  const WindowDc dc(nullptr);
+  const Selected with(dc.get(), font);
+  const int room = std::min(static_cast<int>(place.cx) - scaled(2 * noticeEdge + signSize + signGap, dpi),
+                            scaled(widestNotice, dpi));
+  const int tall = std::max(height(wordsBox(dc.get(), words, std::max(room, 1))), scaled(signSize, dpi)) +
+                   4 * scaled(noticePadding, dpi);
+  return std::max(0, (static_cast<int>(place.cy) - tall) / 3) + tall;
+}
+
 int noticeBarHeight(const std::u16string& words, int barWidth, HFONT font, int dpi) {
   const WindowDc dc(nullptr);
   const Selected with(dc.get(), font);

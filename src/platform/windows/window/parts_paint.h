@@ -36,6 +36,8 @@ struct NoticeDrawing {
 void drawNotice(const NoticeDrawing& notice, const Palette& palette);
 // What a notice bar of this width needs.
 int noticeBarHeight(const std::u16string& words, int width, HFONT font, int dpi);
+// Where the card of a notice that is no bar ends, from the top of a place of this size.
+int noticeCardBottom(const std::u16string& words, SIZE place, HFONT font, int dpi);
 
 void fillRect(HDC dc, const RECT& rect, COLORREF colour);
 

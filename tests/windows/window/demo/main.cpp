@@ -1,6 +1,7 @@
 // Shows the window over rows in memory and prints every event that reaches the form, so that a person (or a
 // program that presses its buttons) can see what the window does. Words on the command line: ru, ja; empty,
-// waiting, failure, busy, million, long; size=WIDTHxHEIGHT in pixels at 96 dots an inch; picture=PATH.
+// waiting, failure, busy, million, long; filter, kinds, nothing; size=WIDTHxHEIGHT in pixels at 96 dots an
+// inch; picture=PATH.
 #include <windows.h>
 
 #include <objbase.h>
@@ -8,6 +9,7 @@
 #include <cstdio>
 #include <string>
 
+#include "platform/windows/window/children.h"
 #include "platform/windows/window/geometry.h"
 #include "platform/windows/window/handles.h"
 #include "platform/windows/window/win32_view.h"
@@ -24,6 +26,8 @@ struct Options {
   Language language = Language::english;
   std::size_t rows = 1204;
   bool empty = false, waiting = false, failure = false, busy = false, longTexts = false;
+  bool filter = false, kinds = false,
+       nothing = false;  // the bar open, its list too, and no fault that passes
   int width = 0, height = 0;
   std::u16string picture;
 };
@@ -75,6 +79,7 @@ class PrintingEvents : public ViewEvents {
     }
     return std::nullopt;
   }
+  ListUse listUse() override { return ListUse::now; }
   void tick() override { say("tick"); }
 
  private:
@@ -98,6 +103,9 @@ Options readOptions(int count, char** words) {
     if (word == "waiting") options.waiting = true;
     if (word == "failure") options.failure = true;
     if (word == "busy") options.busy = true;
+    if (word == "filter") options.filter = true;
+    if (word == "kinds") options.filter = options.kinds = true;
+    if (word == "nothing") options.filter = options.nothing = true;
     if (word == "long") options.longTexts = true;
     if (word == "million") options.rows = 1'000'000;
     if (word.rfind("size=", 0) == 0) std::sscanf(word.c_str(), "size=%dx%d", &options.width, &options.height);
@@ -122,7 +130,7 @@ void showState(View& view, Form& form, const Options& options, FakeRows& rows) {
   view.setStatus(2, u"Processor texts: wide");
   view.setSortMark(2, true);
   if (options.empty)
-    for (const char16_t* name : {u"cmdReset", u"cmdPrint", u"cmdClear", u"cmdLookUp"})
+    for (const char16_t* name : {u"cmdReset", u"cmdPrint", u"cmdClear", u"cmdLookUp", u"cmdFilter"})
       form.control(name).set(u"Enabled", false);
   view.setRows(options.empty ? nullptr : &rows);
   view.setNoticeKind(options.failure   ? NoticeKind::failure
@@ -137,6 +145,24 @@ void showState(View& view, Form& form, const Options& options, FakeRows& rows) {
   if (!options.picture.empty()) {
     Control& back = form.control(u"imgBackground");
     back.set(u"Picture", options.picture);
+  }
+}
+
+// As a person opens and uses it.
+void showFilter(HWND window, const Options& options) {
+  MSG message;
+  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);  // the first look
+  const auto press = [&](int id) { SendMessageW(GetDlgItem(window, id), BM_CLICK, 0, 0); };
+  press(win32::idFilter);
+  if (options.nothing) SetWindowTextW(GetDlgItem(window, win32::idFilterText), L"no such text");
+  if (options.kinds) {
+    press(win32::idFilterMinor);
+    SetWindowTextW(GetDlgItem(window, win32::idFilterSince), L"2026/11/20");
+    SetTimer(nullptr, 0, 1000, [](HWND, UINT, UINT_PTR timer, DWORD) {
+      KillTimer(nullptr, timer);
+      SendMessageW(GetDlgItem(FindWindowW(win32::windowClassName, nullptr), win32::idFilterKinds), BM_CLICK,
+                   0, 0);
+    });
   }
 }
 
@@ -163,6 +189,7 @@ int main(int count, char** words) {
   }
   view->setVisible(true);
   if (options.busy) view->setInputEnabled(false);
+  if (options.filter) showFilter(view->window(), options);
   MSG message;
   while (GetMessageW(&message, nullptr, 0, 0) > 0) {
     if (view->translate(message)) continue;

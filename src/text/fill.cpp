@@ -1,7 +1,6 @@
-#include "language/message_numbers.h"
+#include "text/fill.h"
 
 #include "text/numbers.h"
-#include "text/text.h"
 
 namespace vordane {
 

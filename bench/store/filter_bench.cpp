@@ -1,0 +1,93 @@
+#include "store/filter_bench.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "common/measure.h"
+#include "list/desk.h"
+#include "platform/sqlite/event_index.h"
+
+namespace vordane::bench {
+namespace {
+
+// Rows of which nobody reads a line.
+class Rows final : public window::GridSource {
+ public:
+  explicit Rows(database::RowList& rows) : rows_(rows) {}
+  std::size_t size() const override { return rows_.size(); }
+  std::optional<window::GridRow> row(std::size_t) override { return std::nullopt; }
+  std::vector<Range> provenance(std::size_t, std::size_t) override { return {}; }
+  database::RowList* list() override { return &rows_; }
+
+ private:
+  database::RowList& rows_;
+};
+
+void finish(list::Desk& desk) {
+  while (desk.busy()) desk.work([] { return true; });
+}
+
+// Major faults of three kinds in the middle half of the time.
+list::Filter condition(const std::u16string& since, const std::u16string& until) {
+  list::Filter filter;
+  filter.minor = false;
+  filter.kinds = {list::KindRule::Way::only, {u"01", u"0a", u"58"}};
+  filter.since = since;
+  filter.until = until;
+  return filter;
+}
+
+std::vector<std::string> keysOfCondition() {
+  std::vector<std::string> keys;
+  for (const char16_t* kind : {u"01", u"0A", u"58"})
+    for (const char16_t* processor : {u"MP   ", u"LP 12"})
+      keys.push_back(sqlite::EventIndex::kindKey({kind, u"MJ", processor, {}, {}}));
+  return keys;
+}
+
+std::u16string dateAt(database::RowList& rows, std::size_t position) {
+  std::vector<database::Value> row;
+  if (!rows.fetch(position, row)) throw std::runtime_error("a row has gone");
+  return automation::toText(row.at(list::date));
+}
+
+}  // namespace
+
+void measureFilter(database::RowList& rows, BareStore& bare, const std::string& howMany) {
+  Rows source(rows);
+  const std::u16string until = dateAt(rows, rows.size() / 4), since = dateAt(rows, rows.size() * 3 / 4);
+  const list::Filter filter = condition(since, until);
+  const std::vector<std::string> kinds = keysOfCondition();
+  const std::string from = sqlite::EventIndex::momentKey({{}, {}, {}, since, {}}),
+                    to = sqlite::EventIndex::momentKey({{}, {}, {}, until, {}});
+  const auto scan = [&] { return bare.filteredKeys(1, from, to, kinds); };
+  Comparison facts("know class, kind and time of " + howMany, "bare walk along the index, every column",
+                   noGoal);
+  Comparison known("filter " + howMany + " by them, known", "the engine's own scan with the condition",
+                   timeAtMost(1.3));
+  Comparison anew("know and filter", "the same scan", noGoal);
+  Comparison text("filter " + howMany + " by a text", "bare reading of the same rows", timeAtMost(1.3));
+  for (int run = 0; run < runs; ++run) {
+    list::Desk desk;
+    desk.setStored(&source, u"1");
+    desk.wantFacts(true);
+    const double knowing = processorSeconds([&] { finish(desk); });
+    facts.add(knowing, processorSeconds([&] { bare.walkIndex(1); }));
+    desk.setFilter(filter);
+    const double filtering = processorSeconds([&] { finish(desk); });
+    std::size_t found = 0;
+    const double scanning = processorSeconds([&] { found = scan().size(); });
+    if (found == 0 || found != desk.size())
+      throw std::runtime_error("the filter and the scan find different rows");
+    known.add(filtering, scanning);
+    anew.add(knowing + filtering, processorSeconds(scan));
+    list::Desk texts;
+    texts.setStored(&source, u"1");
+    texts.setFilter({u"nowhere"});
+    const double reading = processorSeconds([&] { finish(texts); });
+    text.add(reading, processorSeconds([&] { bare.readAll(1); }));
+  }
+  for (const Comparison* comparison : {&facts, &known, &anew, &text}) comparison->print();
+}
+
+}  // namespace vordane::bench

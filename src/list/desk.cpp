@@ -1,0 +1,166 @@
+#include "list/desk.h"
+
+#include <algorithm>
+
+#include "text/text.h"
+
+namespace vordane::list {
+namespace {
+
+// Rows in a piece: few where their texts are read.
+constexpr std::size_t rowsSurveyed = 4096, groupsNamed = 16, rowsSifted = 16384, rowsRead = 256;
+
+}  // namespace
+
+void Desk::setStored(window::GridSource* rows, const std::optional<std::u16string>& exchange) {
+  stored_ = rows;
+  exchange_ = rows == nullptr ? std::nullopt : exchange;
+  forget();
+  applied_ = {};
+  const auto kept = exchange_ ? kept_.find(*exchange_) : kept_.end();
+  filter_ = kept != kept_.end() ? kept->second : Filter{};
+  begin();
+}
+
+// All that was known of the rows.
+void Desk::forget() {
+  chosen_.reset();
+  otherDates_ = 0;
+  factsKnown_ = surveyed_ = choosing_ = false;
+  survey_.reset();
+  sieve_.reset();
+  facts_.reset();
+  failure_.clear();
+}
+
+Mistake Desk::setFilter(const Filter& filter) {
+  const Mistake mistake = mistakeIn(filter);
+  if (mistake != Mistake::none || !exchange_) return mistake;
+  if (filter == filter_ && failure_.empty()) return mistake;
+  filter_ = filter;
+  kept_[*exchange_] = filter;
+  begin();
+  return mistake;
+}
+
+void Desk::begin() {
+  failure_.clear();
+  sieve_.reset();
+  found_.clear();
+  foundOtherDates_ = 0;
+  next_ = 0;
+  needle_ = text::toLower(filter_.text);
+  choosing_ = !(filter_ == applied_);
+}
+
+void Desk::giveUp() {
+  if (!choosing_) return;
+  filter_ = applied_;
+  if (exchange_) kept_[*exchange_] = applied_;
+  begin();
+}
+
+bool Desk::busy() const {
+  return stored_ != nullptr && exchange_ && (choosing_ || (factsWanted_ && !factsKnown_ && failure_.empty()));
+}
+
+bool Desk::needsFacts() const {
+  Filter rest = filter_;
+  rest.text.clear();
+  return isOn(rest);
+}
+
+Desk::Did Desk::work(const std::function<bool()>& again) {
+  Did did;
+  database::RowList* rows = list();
+  if (!busy() || rows == nullptr) return did;
+  try {
+    do {
+      did.worked = true;
+      piece(*rows, did);
+    } while (busy() && again());
+  } catch (const database::DatabaseError& error) {
+    giveUp();
+    survey_.reset();
+    facts_.reset();
+    surveyed_ = false;
+    failure_ = error.description();
+  }
+  return did;
+}
+
+void Desk::piece(database::RowList& rows, Did& did) {
+  if (choosing_ && !isOn(filter_)) return complete(did);
+  surveyFirst() ? survey(rows, did) : choose(rows, did);
+}
+
+void Desk::survey(database::RowList& rows, Did& did) {
+  if (!surveyed_) {
+    if (survey_ == nullptr) {
+      facts_.emplace(storedSize());
+      survey_ = rows.survey(surveyedColumns);
+    }
+    surveyed_ = !survey_->next(rowsSurveyed, *facts_);
+    if (surveyed_) survey_.reset();
+  } else if (!facts_->name(rows, groupsNamed)) {
+    factsKnown_ = did.facts = true;
+  }
+}
+
+void Desk::choose(database::RowList& rows, Did& did) {
+  if (factsKnown_ && sieve_ == nullptr) sieve_ = std::make_unique<Sieve>(filter_, *facts_);
+  const std::size_t end = std::min(storedSize(), next_ + (needle_.empty() ? rowsSifted : rowsRead));
+  candidates_.clear();
+  for (; next_ < end; ++next_)
+    if (sieve_ == nullptr || sieve_->of(next_) != Sieve::Verdict::hidden)
+      candidates_.push_back(static_cast<std::uint32_t>(next_));
+  const std::size_t before = found_.size();
+  if (needle_.empty())
+    found_.insert(found_.end(), candidates_.begin(), candidates_.end());
+  else
+    rows.choose(needle_, candidates_, found_);
+  const auto dated = std::stable_partition(
+      found_.begin() + static_cast<std::ptrdiff_t>(before), found_.end(), [&](std::uint32_t position) {
+        return sieve_ == nullptr || sieve_->of(position) == Sieve::Verdict::shown;
+      });
+  foundOtherDates_ += static_cast<std::size_t>(found_.end() - dated);
+  if (filter_.otherDates)
+    std::sort(found_.begin() + static_cast<std::ptrdiff_t>(before), found_.end());
+  else
+    found_.erase(dated, found_.end());
+  if (next_ == storedSize()) complete(did);
+}
+
+void Desk::complete(Did& did) {
+  choosing_ = false;
+  applied_ = filter_;
+  sieve_.reset();
+  otherDates_ = foundOtherDates_;
+  chosen_.reset();
+  if (isOn(filter_)) chosen_ = std::move(found_);
+  found_ = {};
+  did.shown = true;
+}
+
+std::optional<std::size_t> Desk::shownPosition(std::size_t stored) const {
+  if (size() == 0) return {};
+  if (!chosen_) return std::min(stored, size() - 1);
+  const auto place = std::lower_bound(chosen_->begin(), chosen_->end(), stored);
+  return std::min(static_cast<std::size_t>(place - chosen_->begin()), size() - 1);
+}
+
+std::optional<window::GridRow> Desk::row(std::size_t position) {
+  if (position >= size()) return {};
+  return stored_->row(storedPosition(position));
+}
+
+std::vector<window::GridSource::Range> Desk::provenance(std::size_t row, std::size_t position) {
+  if (row >= size()) return {};
+  return stored_->provenance(storedPosition(row), position);
+}
+
+std::optional<window::GridSource::Range> Desk::dataPart(std::size_t row) {
+  return row < size() ? stored_->dataPart(storedPosition(row)) : std::nullopt;
+}
+
+}  // namespace vordane::list

@@ -1,0 +1,94 @@
+#include "list/facts.h"
+
+#include <algorithm>
+#include <map>
+
+#include "text/text.h"
+
+namespace vordane::list {
+namespace {
+
+std::u16string textOf(const database::Value& value) {
+  return automation::isNull(value) ? std::u16string{} : automation::toText(value);
+}
+
+std::u16string firstLine(std::u16string_view description) {
+  return std::u16string(text::trim(description.substr(0, description.find_first_of(u"\r\n"))));
+}
+
+std::vector<Tally> tallied(std::map<std::u16string, Tally>&& byKey) {
+  std::vector<Tally> tallies;
+  for (auto& [key, tally] : byKey)
+    if (tally.rows > 0) tallies.push_back(std::move(tally));
+  // Numbers stand in front of longer ones.
+  std::stable_sort(tallies.begin(), tallies.end(),
+                   [](const Tally& a, const Tally& b) { return a.key.size() < b.key.size(); });
+  return tallies;
+}
+
+}  // namespace
+
+void Facts::take(std::size_t position, std::uint32_t kind, std::u16string_view time) {
+  if (position >= size()) return;
+  if (kind >= groups_.size()) groups_.resize(kind + std::size_t{1});
+  Group& group = groups_[kind];
+  if (group.rows++ == 0 || position < group.first) group.first = static_cast<std::uint32_t>(position);
+  groupOf_[position] = kind;
+  if (time != lastTime_) {
+    lastTime_ = time;
+    lastMinute_ = list::minuteOf(time);
+  }
+  minuteOf_[position] = lastMinute_;
+}
+
+bool Facts::name(database::RowList& rows, std::size_t most) {
+  for (const std::size_t end = named_ + most; named_ < groups_.size() && named_ < end; ++named_)
+    read(groups_[named_], static_cast<std::uint32_t>(named_), rows);
+  return named_ < groups_.size();
+}
+
+// The row that was met first may have gone since: then another one speaks for its group.
+bool Facts::read(Group& group, std::uint32_t number, database::RowList& rows) {
+  for (std::size_t position = group.first; position < size(); ++position) {
+    if (groupOf_[position] != number || !rows.fetch(position, buffer_)) continue;
+    group.fault = textOf(buffer_.at(fault));
+    group.alarm = textOf(buffer_.at(alarm));
+    group.cpu = textOf(buffer_.at(cpu));
+    group.description = textOf(buffer_.at(description));
+    return true;
+  }
+  return false;
+}
+
+std::vector<Tally> kindsOf(const Facts& facts) {
+  std::map<std::u16string, Tally> byKey;
+  for (const Group& group : facts.groups()) {
+    Tally& tally = byKey[keyOf(group.fault)];
+    if (tally.rows == 0)
+      tally = {keyOf(group.fault), std::u16string(text::trim(group.fault)), firstLine(group.description)};
+    tally.rows += group.rows;
+  }
+  return tallied(std::move(byKey));
+}
+
+std::vector<Tally> processorsOf(const Facts& facts) {
+  std::map<std::u16string, Tally> byKey;
+  for (const Group& group : facts.groups()) {
+    Tally& tally = byKey[keyOf(group.cpu)];
+    if (tally.rows == 0) tally = {keyOf(group.cpu), std::u16string(text::trim(group.cpu)), {}};
+    tally.rows += group.rows;
+  }
+  return tallied(std::move(byKey));
+}
+
+Sieve::Sieve(const Filter& filter, const Facts& facts)
+    : facts_(facts),
+      since_(readMinute(filter.since, End::since).value_or(0)),
+      until_(readMinute(filter.until, End::until).value_or(noMinute - 1)) {
+  limited_ = !text::trim(filter.since).empty() || !text::trim(filter.until).empty();
+  for (const Group& group : facts.groups())
+    groups_.push_back(showsClass(filter, group.alarm) && filter.kinds.shows(keyOf(group.fault)) &&
+                      (!filter.processor || *filter.processor == keyOf(group.cpu)));
+}
+
+}  // namespace vordane::list

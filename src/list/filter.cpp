@@ -1,0 +1,81 @@
+#include "list/filter.h"
+
+#include "text/text.h"
+
+namespace vordane::list {
+namespace {
+
+constexpr std::u16string_view pattern = u"0000/00/00 00:00";
+constexpr std::u16string_view first = u"0000/00/00 00:00", last = u"9999/99/99 99:99";
+constexpr std::u16string_view major = u"mj", minor = u"mn";
+
+bool isDigit(char16_t character) {
+  return character >= u'0' && character <= u'9';
+}
+
+bool fits(std::u16string_view text) {
+  for (std::size_t i = 0; i < text.size(); ++i)
+    if (pattern[i] == u'0' ? !isDigit(text[i]) : text[i] != pattern[i]) return false;
+  return true;
+}
+
+Minute numberOf(std::u16string_view whole) {
+  Minute number = 0;
+  for (const char16_t character : whole)
+    if (isDigit(character)) number = number * 10 + (character - u'0');
+  return number;
+}
+
+}  // namespace
+
+Minute minuteOf(std::u16string_view stored) {
+  while (!stored.empty() && stored.back() == u' ') stored.remove_suffix(1);
+  return stored.size() == pattern.size() && fits(stored) ? numberOf(stored) : noMinute;
+}
+
+std::optional<Minute> readMinute(std::u16string_view written, End end) {
+  const std::u16string_view text = text::trim(written);
+  const bool whole = text.size() == 4 || text.size() == 7 || text.size() == 10 || text.size() == 13 ||
+                     text.size() == pattern.size();
+  if (!whole || !fits(text)) return {};
+  return numberOf(std::u16string(text).append((end == End::since ? first : last).substr(text.size())));
+}
+
+std::u16string keyOf(std::u16string_view text) {
+  return text::toLower(text::trim(text));
+}
+
+bool KindRule::shows(const std::u16string& key) const {
+  return way == Way::all || kinds.contains(key) == (way == Way::only);
+}
+
+void KindRule::set(const std::u16string& key, bool shown) {
+  if (way == Way::all && !shown) way = Way::without;
+  if (way == Way::all) return;
+  if (shown == (way == Way::only))
+    kinds.insert(key);
+  else
+    kinds.erase(key);
+  if (way == Way::without && kinds.empty()) way = Way::all;
+}
+
+Mistake mistakeIn(const Filter& filter) {
+  const auto since = readMinute(filter.since, End::since), until = readMinute(filter.until, End::until);
+  const bool noSince = text::trim(filter.since).empty(), noUntil = text::trim(filter.until).empty();
+  if (!noSince && !since) return Mistake::since;
+  if (!noUntil && !until) return Mistake::until;
+  return since && until && *since > *until ? Mistake::order : Mistake::none;
+}
+
+bool isOn(const Filter& filter) {
+  return !filter.text.empty() || !filter.major || !filter.minor || filter.kinds.way != KindRule::Way::all ||
+         filter.processor || !text::trim(filter.since).empty() || !text::trim(filter.until).empty();
+}
+
+bool showsClass(const Filter& filter, std::u16string_view alarm) {
+  if (filter.major && filter.minor) return true;
+  const std::u16string key = keyOf(alarm);
+  return (filter.major && key == major) || (filter.minor && key == minor);
+}
+
+}  // namespace vordane::list

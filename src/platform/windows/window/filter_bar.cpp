@@ -1,0 +1,340 @@
+#include "platform/windows/window/filter_bar.h"
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <algorithm>
+
+#include "platform/windows/window/child_window.h"
+#include "platform/windows/window/children.h"
+#include "platform/windows/window/fonts.h"
+#include "platform/windows/window/geometry.h"
+#include "platform/windows/window/handles.h"
+#include "text/fill.h"
+#include "text/numbers.h"
+
+namespace vordane::window::win32 {
+namespace {
+
+constexpr int margin = 12, gap = 8, smallGap = 4, lineGap = 6, textBox = 110, processorBox = 84, boxRoom = 9,
+              boxPadding = 14;
+constexpr int buttonPadding = 28, tickRoom = 22, dropDown = 240;
+constexpr std::u16string_view longestDate = u"0000/00/00 00:00";
+constexpr wchar_t crossSign[] = L"\u00D7";
+
+std::u16string number(std::size_t value) {
+  return text::decimal(static_cast<std::int64_t>(value));
+}
+
+bool isTicked(HWND box) {
+  return SendMessageW(box, BM_GETCHECK, 0, 0) == BST_CHECKED;
+}
+
+void tick(HWND box, bool on) {
+  SendMessageW(box, BM_SETCHECK, on ? BST_CHECKED : BST_UNCHECKED, 0);
+}
+
+}  // namespace
+
+void FilterBar::create(HWND parent, ViewTexts& texts, std::function<void()> changed) {
+  texts_ = &texts;
+  changed_ = std::move(changed);
+  open_ = false;
+  const DWORD label = SS_LEFT | SS_CENTERIMAGE, box = WS_TABSTOP | WS_BORDER | ES_AUTOHSCROLL;
+  const DWORD ticked = WS_TABSTOP | BS_AUTOCHECKBOX, button = WS_TABSTOP | BS_PUSHBUTTON;
+  const auto make = [&](Part which, int id, const wchar_t* type, const std::u16string& text, DWORD style) {
+    parts_[which] = makeChild(parent, id, type, text, style);
+  };
+  make(partTextLabel, idFilterTextLabel, WC_STATICW, texts.text(ViewText::filterText), label);
+  make(partText, idFilterText, WC_EDITW, {}, box);
+  make(partMajor, idFilterMajor, WC_BUTTONW, texts.text(ViewText::filterMajor), ticked);
+  make(partMinor, idFilterMinor, WC_BUTTONW, texts.text(ViewText::filterMinor), ticked);
+  make(partKinds, idFilterKinds, WC_BUTTONW, texts.text(ViewText::filterKindsAll), button);
+  make(partProcessorLabel, idFilterProcessorLabel, WC_STATICW, texts.text(ViewText::filterProcessor), label);
+  make(partProcessor, idFilterProcessor, WC_COMBOBOXW, {}, WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST);
+  make(partSinceLabel, idFilterSinceLabel, WC_STATICW, texts.text(ViewText::filterSince), label);
+  make(partSince, idFilterSince, WC_EDITW, {}, box);
+  make(partUntilLabel, idFilterUntilLabel, WC_STATICW, texts.text(ViewText::filterUntil), label);
+  make(partUntil, idFilterUntil, WC_EDITW, {}, box);
+  make(partClear, idFilterClear, WC_BUTTONW, texts.text(ViewText::filterClear), button);
+  make(partClose, idFilterClose, WC_BUTTONW, fromWide(crossSign, 1), button);
+  make(partOtherDates, idFilterOtherDates, WC_BUTTONW, {}, ticked);
+  make(partMessage, idFilterMessage, WC_STATICW, {}, label | SS_NOPREFIX | SS_ENDELLIPSIS);
+  const std::u16string style = texts.text(ViewText::filterDateStyle);
+  for (const Part date : {partSince, partUntil})
+    SendMessageW(part(date), EM_SETCUEBANNER, FALSE, reinterpret_cast<LPARAM>(wide(style)));
+  kindList_.create(parent, idKindList, texts.text(ViewText::filterAnyProcessor),
+                   {[this] {
+                      showKindsCaption();
+                      told();
+                    },
+                    [this] {
+                      if (GetFocus() != part(partKinds)) kindList_.hide();
+                    }});
+  fill({});
+}
+
+void FilterBar::setFont(HFONT font, int dpi) {
+  font_ = font;
+  dpi_ = dpi;
+  for (HWND window : parts_) SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+  kindList_.setFont(font, dpi);
+  SendMessageW(part(partProcessor), CB_SETITEMHEIGHT, static_cast<WPARAM>(-1),
+               lineHeight(font_) + scaled(4, dpi_));
+}
+
+int FilterBar::px(int length) const {
+  return scaled(length, dpi_);
+}
+
+int FilterBar::widthOf(Part which) const {
+  const auto caption = [&](int room) { return captionWidth(font_, windowText(part(which))) + px(room); };
+  switch (which) {
+    case partText:
+      return px(textBox);
+    case partProcessor:
+      return px(processorBox);
+    case partSince:
+    case partUntil:
+      return std::max(textWidth(font_, longestDate),
+                      textWidth(font_, texts_->text(ViewText::filterDateStyle))) +
+             px(boxPadding);
+    case partMajor:
+    case partMinor:
+    case partOtherDates:
+      return caption(tickRoom);
+    case partKinds:
+    case partClear:
+      return caption(buttonPadding);
+    case partClose:
+      return lineTall();
+    default:
+      return caption(0);
+  }
+}
+
+// A label and its box stay together where the row breaks.
+std::vector<FilterBar::Placed> FilterBar::arranged(int width, int& height) const {
+  static constexpr Part rows[][2] = {
+      {partTextLabel, partText},           {partMajor, partMinor},      {partKinds, partCount},
+      {partProcessorLabel, partProcessor}, {partSinceLabel, partSince}, {partUntilLabel, partUntil},
+  };
+  const int end = width - px(margin);
+  std::vector<Placed> placed;
+  int x = px(margin), y = px(lineGap);
+  for (const auto& [first, second] : rows) {
+    const int w = widthOf(first) + (second == partCount ? 0 : px(smallGap) + widthOf(second));
+    if (x > px(margin) && x + w > end) {
+      x = px(margin);
+      y += lineTall() + px(lineGap);
+    }
+    put(placed, first, x, y);
+    if (second != partCount) put(placed, second, x + widthOf(first) + px(smallGap), y);
+    x += w + px(gap);
+  }
+  y += lineTall() + px(smallGap);
+  arrangeWords(placed, end, y);
+  height = y + lineTall() + px(lineGap);
+  return placed;
+}
+
+// What is said of the filter, and at the right of it the buttons that end it.
+void FilterBar::arrangeWords(std::vector<Placed>& placed, int end, int& y) const {
+  const int buttons = widthOf(partClear) + px(smallGap) + widthOf(partClose);
+  int x = px(margin), last = end - buttons - px(gap);
+  if (otherDates_ > 0) {
+    placed.push_back({partOtherDates, {x, y, std::min(end, x + widthOf(partOtherDates)), y + lineTall()}});
+    x += widthOf(partOtherDates) + px(gap);
+  }
+  if (last - x < px(textBox)) {
+    x = px(margin);
+    if (otherDates_ > 0) y += lineTall();
+    if (last - x < px(textBox)) {
+      placed.push_back({partMessage, {x, y, std::max(x, end), y + lineTall()}});
+      y += lineTall();
+      x = last;
+    }
+  }
+  if (x < last) placed.push_back({partMessage, {x, y, last, y + lineTall()}});
+  put(placed, partClear, end - buttons, y);
+  put(placed, partClose, end - widthOf(partClose), y);
+}
+
+int FilterBar::lineTall() const {
+  return lineHeight(font_) + px(lineGap) * 2;
+}
+
+// In a line that begins at `y`; boxes are as tall as their words want.
+void FilterBar::put(std::vector<Placed>& placed, Part which, int x, int y) const {
+  const bool box = which == partText || which == partSince || which == partUntil;
+  const int tall = box ? lineHeight(font_) + px(boxRoom) : lineTall();
+  const int top = y + (lineTall() - tall) / 2;
+  placed.push_back({which, {x, top, x + widthOf(which), top + tall}});
+}
+
+int FilterBar::heightFor(int width) const {
+  int height = 0;
+  if (open_) arranged(width, height);
+  return height;
+}
+
+void FilterBar::place(const RECT& bar) {
+  if (!open_) return;
+  int height = 0;
+  for (const Placed& placed : arranged(width(bar), height)) {
+    RECT at = placed.at;
+    OffsetRect(&at, bar.left, bar.top);
+    const int dropped = placed.part == partProcessor ? px(dropDown) : 0;
+    SetWindowPos(part(placed.part), nullptr, at.left, at.top, win32::width(at), win32::height(at) + dropped,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+  }
+  if (kindList_.open()) placeList();
+}
+
+void FilterBar::show(bool focus) {
+  open_ = true;
+  for (std::size_t which = 0; which < partCount; ++which)
+    ShowWindow(parts_[which], which != partOtherDates || otherDates_ > 0 ? SW_SHOWNA : SW_HIDE);
+  if (!focus) return;
+  SetFocus(part(partText));
+  SendMessageW(part(partText), EM_SETSEL, 0, -1);
+}
+
+void FilterBar::hide() {
+  open_ = false;
+  kindList_.hide();
+  for (HWND window : parts_) ShowWindow(window, SW_HIDE);
+}
+
+void FilterBar::enable(bool enabled) {
+  if (!enabled) kindList_.hide();
+  for (std::size_t which = 0; which < partCount; ++which)
+    if (which != partMessage) EnableWindow(parts_[which], enabled);
+}
+
+void FilterBar::fill(const list::Filter& filter) {
+  filling_ = true;
+  setWindowText(part(partText), filter.text);
+  tick(part(partMajor), filter.major);
+  tick(part(partMinor), filter.minor);
+  setWindowText(part(partSince), filter.since);
+  setWindowText(part(partUntil), filter.until);
+  tick(part(partOtherDates), filter.otherDates);
+  const std::vector<list::Tally> kinds = kindList_.tallies();
+  kindList_.fill(kinds, filter.kinds);
+  fillProcessors(filter.processor);
+  filling_ = false;
+  showKindsCaption();
+}
+
+list::Filter FilterBar::wanted() const {
+  list::Filter filter;
+  filter.text = windowText(part(partText));
+  filter.major = isTicked(part(partMajor));
+  filter.minor = isTicked(part(partMinor));
+  filter.kinds = kindList_.rule();
+  filter.since = windowText(part(partSince));
+  filter.until = windowText(part(partUntil));
+  filter.otherDates = isTicked(part(partOtherDates));
+  const auto chosen = SendMessageW(part(partProcessor), CB_GETCURSEL, 0, 0);
+  if (chosen > 0 && static_cast<std::size_t>(chosen) <= processors_.size())
+    filter.processor = processors_[static_cast<std::size_t>(chosen) - 1].key;
+  return filter;
+}
+
+void FilterBar::setKinds(const std::vector<list::Tally>& kinds, const std::vector<list::Tally>& processors) {
+  const std::optional<std::u16string> chosen = wanted().processor;
+  processors_ = processors;
+  kindList_.fill(kinds, kindList_.rule());
+  fillProcessors(chosen);
+  showKindsCaption();
+}
+
+// A processor of which nothing is stored any more stays in the list while the filter names it.
+void FilterBar::fillProcessors(const std::optional<std::u16string>& chosen) {
+  const HWND box = part(partProcessor);
+  const auto is = [&](const list::Tally& tally) { return tally.key == *chosen; };
+  if (chosen && std::none_of(processors_.begin(), processors_.end(), is))
+    processors_.push_back({*chosen, *chosen, {}});
+  SendMessageW(box, CB_RESETCONTENT, 0, 0);
+  const std::u16string any = texts_->text(ViewText::filterAnyProcessor);
+  SendMessageW(box, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(wide(any)));
+  WPARAM place = 0;
+  for (std::size_t i = 0; i < processors_.size(); ++i) {
+    SendMessageW(box, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(wide(processors_[i].shown)));
+    if (chosen && processors_[i].key == *chosen) place = i + 1;
+  }
+  SendMessageW(box, CB_SETCURSEL, place, 0);
+}
+
+void FilterBar::showKindsCaption() {
+  const bool all = kindList_.rule().way == list::KindRule::Way::all;
+  const std::u16string some = fillText(texts_->text(ViewText::filterKindsSome),
+                                       {number(kindList_.shownKinds()), number(kindList_.kinds())});
+  setWindowText(part(partKinds), all ? texts_->text(ViewText::filterKindsAll) : some);
+}
+
+void FilterBar::setOtherDates(std::size_t rows) {
+  otherDates_ = rows;
+  setWindowText(part(partOtherDates), fillText(texts_->text(ViewText::filterOtherDates), {number(rows)}));
+  ShowWindow(part(partOtherDates), open_ && rows > 0 ? SW_SHOWNA : SW_HIDE);
+}
+
+void FilterBar::tell(const std::u16string& message) {
+  setWindowText(part(partMessage), message);
+}
+
+bool FilterBar::has(HWND window) const {
+  return window != nullptr &&
+         (window == kindList_.window() || std::find(parts_.begin(), parts_.end(), window) != parts_.end());
+}
+
+void FilterBar::closeList() {
+  kindList_.hide();
+  SetFocus(part(partKinds));
+}
+
+void FilterBar::toggleList() {
+  if (kindList_.open()) return closeList();
+  placeList();
+  kindList_.show();
+}
+
+void FilterBar::placeList() {
+  RECT button, client;
+  GetWindowRect(part(partKinds), &button);
+  const HWND parent = GetParent(part(partKinds));
+  MapWindowPoints(nullptr, parent, reinterpret_cast<POINT*>(&button), 2);
+  GetClientRect(parent, &client);
+  kindList_.place(button, client);
+}
+
+void FilterBar::told() {
+  if (!filling_) changed_();
+}
+
+bool FilterBar::command(int id, int code) {
+  switch (id) {
+    case idFilterText:
+    case idFilterSince:
+    case idFilterUntil:
+      if (code == EN_CHANGE) told();
+      return true;
+    case idFilterMajor:
+    case idFilterMinor:
+    case idFilterOtherDates:
+      if (code == BN_CLICKED) told();
+      return true;
+    case idFilterProcessor:
+      if (code == CBN_SELCHANGE) told();
+      return true;
+    case idFilterKinds:
+      if (code == BN_CLICKED) toggleList();
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace vordane::window::win32

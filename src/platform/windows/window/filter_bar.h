@@ -1,0 +1,96 @@
+// The bar with what a person wants to see of the stored faults: boxes, ticks and lists in a row that breaks
+// where the window is narrow, and a line below them for a word about it. It says what was asked for; what
+// comes of it is not its business. One thread.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "list/filter.h"
+#include "platform/view.h"
+#include "platform/windows/window/kind_list.h"
+
+namespace vordane::window::win32 {
+
+class FilterBar {
+ public:
+  void create(HWND parent, ViewTexts& texts, std::function<void()> changed);
+  void setFont(HFONT font, int dpi);
+  void setColours(COLORREF ground, COLORREF text) { kindList_.setColours(ground, text); }
+
+  // What it needs in a window of this width.
+  int heightFor(int width) const;
+  void place(const RECT& bar);
+
+  bool open() const { return open_; }
+  void show(bool focus);  // with the focus in the box for the text, if wanted
+  void hide();
+  void enable(bool enabled);
+
+  void fill(const list::Filter& filter);  // shows it; nothing is told
+  list::Filter wanted() const;            // as it stands in the boxes
+  void setKinds(const std::vector<list::Tally>& kinds, const std::vector<list::Tally>& processors);
+  // Rows whose date has another form; 0 takes the tick away.
+  void setOtherDates(std::size_t rows);
+  void tell(const std::u16string& message);
+
+  bool has(HWND window) const;  // it or one of its parts
+  bool listOpen() const { return kindList_.open(); }
+  void closeList();  // the focus goes back to its button
+
+  // What the parent hands on; true when it was the bar's.
+  bool command(int id, int code);
+  bool notified(const NMHDR& header, LPARAM message) { return kindList_.notified(header, message); }
+  HWND closeButton() const { return part(partClose); }
+  HWND kindWindow() const { return kindList_.window(); }
+
+ private:
+  enum Part : std::size_t {
+    partTextLabel,
+    partText,
+    partMajor,
+    partMinor,
+    partKinds,
+    partProcessorLabel,
+    partProcessor,
+    partSinceLabel,
+    partSince,
+    partUntilLabel,
+    partUntil,
+    partClear,
+    partClose,
+    partOtherDates,
+    partMessage,
+    partCount,
+  };
+  struct Placed {
+    Part part;
+    RECT at;
+  };
+  HWND part(Part which) const { return parts_[which]; }
+  std::vector<Placed> arranged(int width, int& height) const;
+  void arrangeWords(std::vector<Placed>& placed, int end, int& y) const;
+  void put(std::vector<Placed>& placed, Part which, int x, int y) const;
+  int lineTall() const;
+  int widthOf(Part which) const;
+  int px(int length) const;
+  void toggleList();
+  void placeList();
+  void showKindsCaption();
+  void fillProcessors(const std::optional<std::u16string>& chosen);
+  void told();
+
+  ViewTexts* texts_ = nullptr;
+  std::function<void()> changed_;
+  std::vector<HWND> parts_ = std::vector<HWND>(partCount);
+  KindList kindList_;
+  std::vector<list::Tally> processors_;
+  std::size_t otherDates_ = 0;
+  HFONT font_ = nullptr;  // not owned
+  int dpi_ = 96;
+  bool open_ = false, filling_ = false;
+};
+
+}  // namespace vordane::window::win32

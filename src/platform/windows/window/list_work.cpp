@@ -1,0 +1,243 @@
+#include "platform/windows/window/list_work.h"
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include "platform/windows/window/child_window.h"
+#include "platform/windows/window/children.h"
+#include "platform/windows/window/handles.h"
+#include "text/fill.h"
+#include "text/numbers.h"
+#include "text/text.h"
+
+namespace vordane::window::win32 {
+namespace {
+
+constexpr UINT_PTR sliceTimer = 1;
+constexpr UINT pause = USER_TIMER_MINIMUM, rest = 100;  // milliseconds between slices, and while it rests
+constexpr ULONGLONG sliceLength = 25;
+constexpr std::size_t dayLength = 10;
+
+std::u16string number(std::size_t value) {
+  return text::decimal(static_cast<std::int64_t>(value));
+}
+
+// A caption that opens nothing by a key of its own.
+std::u16string withoutKey(std::u16string caption) {
+  const auto mark = caption.find(u'&');
+  if (mark == caption.npos) return caption;
+  const bool behind =
+      mark > 0 && caption[mark - 1] == u'(' && mark + 2 < caption.size() && caption[mark + 2] == u')';
+  return behind ? caption.erase(mark - 1, 4) : caption.erase(mark, 1);
+}
+
+}  // namespace
+
+void ListWork::create(HWND parent, Around around) {
+  parent_ = parent;
+  around_ = std::move(around);
+  opened_ = false;
+  bar_.create(parent, texts_, [this] { follow(bar_.wanted()); });
+  showAll_ = makeChild(parent, idShowAll, WC_BUTTONW, withoutKey(texts_.text(ViewText::filterClear)),
+                       WS_TABSTOP | BS_PUSHBUTTON);
+}
+
+void ListWork::setRows(GridSource* rows, const std::u16string& exchange) {
+  const bool used = around_.use() != ListUse::never;
+  desk_.setStored(rows, used ? std::optional(exchange) : std::nullopt);
+  lastSelected_ = 0;
+  const bool another = std::exchange(exchange_, exchange) != exchange;
+  if (another || !bar_.open()) {  // else what is being typed stays
+    bar_.fill(desk_.filter());
+    mistake_ = list::Mistake::none;
+  }
+  grid_.setRows(rows != nullptr ? &desk_ : nullptr);
+  if (used && rows != nullptr && (opened_ || isOn(desk_.filter()))) {
+    if (!bar_.open()) bar_.show(false);
+  } else {
+    bar_.hide();
+  }
+  wake();
+  tell();
+}
+
+std::optional<std::u16string> ListWork::count() {
+  if (!desk_.filtered() || desk_.list() == nullptr) return {};
+  return fillText(texts_.text(ViewText::shownCount), {number(desk_.size()), number(desk_.storedSize())});
+}
+
+std::u16string ListWork::notice() const {
+  if (!desk_.filtered() || desk_.size() > 0) return {};
+  return fillText(texts_.text(ViewText::filterHidesAll), {number(desk_.storedSize())});
+}
+
+std::optional<std::size_t> ListWork::lookUp(ViewEvents& events, const std::u16string& text, LookUpWay way) {
+  const std::size_t rows = desk_.storedSize();
+  const auto selected = grid_.selected();
+  std::ptrdiff_t from = selected ? static_cast<std::ptrdiff_t>(desk_.storedPosition(*selected)) : -1;
+  // The hits go once round all stored rows; the first that is shown is the one.
+  for (std::size_t walked = 0; walked < rows;) {
+    const auto hit = events.lookUp(text, from, way);
+    if (!hit || *hit >= rows || desk_.storedSize() != rows) return {};
+    const auto place = desk_.shownPosition(*hit);
+    if (place && desk_.storedPosition(*place) == *hit) return place;
+    const std::size_t before =
+        from < 0 ? (way == LookUpWay::forwards ? rows - 1 : 0) : static_cast<std::size_t>(from);
+    const std::size_t step = way == LookUpWay::forwards ? *hit + rows - before : before + rows - *hit;
+    walked += step % rows == 0 ? rows : step % rows;
+    from = static_cast<std::ptrdiff_t>(*hit);
+  }
+  return {};
+}
+
+void ListWork::showBar(bool focus) {
+  opened_ = true;
+  bar_.show(focus);
+  wake();
+  tell();
+  around_.placeAgain();
+}
+
+void ListWork::open() {
+  if (around_.use() != ListUse::now || desk_.storedSize() == 0) return;
+  if (!bar_.open()) bar_.fill(desk_.filter());
+  showBar(true);
+}
+
+void ListWork::close() {
+  const bool focused = bar_.has(GetFocus());
+  opened_ = false;
+  mistake_ = list::Mistake::none;
+  bar_.fill({});
+  follow({});
+  bar_.hide();
+  if (focused) SetFocus(grid_.window());
+  around_.placeAgain();
+}
+
+bool ListWork::escape() {
+  if (bar_.listOpen()) {
+    bar_.closeList();
+    return true;
+  }
+  if (desk_.choosing()) {
+    desk_.giveUp();
+    bar_.fill(desk_.filter());
+    wake();
+    tell();
+    return true;
+  }
+  if (!bar_.has(GetFocus())) return false;
+  close();
+  return true;
+}
+
+std::u16string ListWork::menuText(Only what, const GridRow& row) const {
+  const auto filled = [&](ViewText which, std::u16string_view value) {
+    const auto word = text::trim(value);
+    return word.empty() ? std::u16string{} : fillText(texts_.text(which), {word});
+  };
+  switch (what) {
+    case Only::kind:
+      return filled(ViewText::onlyKind, row.fault);
+    case Only::otherKinds:
+      return filled(ViewText::withoutKind, row.fault);
+    case Only::processor:
+      return filled(ViewText::onlyProcessor, row.cpu);
+    case Only::day:
+      return list::minuteOf(row.date) == list::noMinute
+                 ? std::u16string{}
+                 : filled(ViewText::onlyDay, std::u16string_view(row.date).substr(0, dayLength));
+  }
+  return {};
+}
+
+void ListWork::show(Only what, const GridRow& row) {
+  if (around_.use() != ListUse::now) return;
+  list::Filter filter = desk_.filter();
+  if (what == Only::kind) filter.kinds = {list::KindRule::Way::only, {list::keyOf(row.fault)}};
+  if (what == Only::otherKinds) filter.kinds.set(list::keyOf(row.fault), false);
+  if (what == Only::processor) filter.processor = list::keyOf(row.cpu);
+  if (what == Only::day) filter.since = filter.until = row.date.substr(0, dayLength);
+  bar_.fill(filter);
+  follow(filter);
+  showBar(false);
+}
+
+bool ListWork::command(int id, int code) {
+  if (code == BN_CLICKED && (id == idFilterClear || id == idShowAll)) {
+    bar_.fill({});
+    follow({});
+    SetFocus(grid_.window());
+    return true;
+  }
+  if (code == BN_CLICKED && id == idFilterClose) {
+    close();
+    return true;
+  }
+  return bar_.command(id, code);
+}
+
+void ListWork::follow(const list::Filter& filter) {
+  if (around_.use() == ListUse::never) return;
+  longWork_ = false;
+  mistake_ = desk_.setFilter(filter);
+  wake();
+  tell();
+}
+
+// The timer runs while there is work.
+void ListWork::wake() {
+  desk_.wantFacts(bar_.open());
+  if (desk_.busy())
+    SetTimer(parent_, sliceTimer, around_.use() == ListUse::now ? pause : rest, nullptr);
+  else
+    KillTimer(parent_, sliceTimer);
+}
+
+bool ListWork::timer(WPARAM id) {
+  if (id != sliceTimer) return false;
+  if (around_.use() == ListUse::now) slice();
+  wake();
+  return true;
+}
+
+void ListWork::slice() {
+  if (const auto selected = grid_.selected()) lastSelected_ = desk_.storedPosition(*selected);
+  const ULONGLONG end = GetTickCount64() + sliceLength;
+  const bool failedBefore = !desk_.failure().empty();
+  const list::Desk::Did did = desk_.work([end] { return GetTickCount64() < end; });
+  if (did.facts) bar_.setKinds(list::kindsOf(*desk_.facts()), list::processorsOf(*desk_.facts()));
+  if (did.shown) grid_.rowsChanged(desk_.shownPosition(lastSelected_));
+  if (!desk_.failure().empty() && !failedBefore) bar_.fill(desk_.filter());
+  longWork_ = desk_.choosing();
+  tell();
+  if (did.shown) around_.placeAgain();
+}
+
+int ListWork::barHeight() const {
+  RECT client{};
+  GetClientRect(parent_, &client);
+  return bar_.heightFor(static_cast<int>(client.right));
+}
+
+void ListWork::tell() {
+  const int before = barHeight();
+  bar_.setOtherDates(desk_.otherDates());
+  bar_.tell(message());
+  around_.countAgain();
+  if (barHeight() != before) around_.placeAgain();
+}
+
+std::u16string ListWork::message() const {
+  const std::u16string stored = number(desk_.storedSize());
+  if (mistake_ == list::Mistake::order) return texts_.text(ViewText::filterBadOrder);
+  if (mistake_ != list::Mistake::none) return texts_.text(ViewText::filterBadDate);
+  if (desk_.choosing() && longWork_)
+    return fillText(texts_.text(ViewText::filterAtWork), {number(desk_.progress().done), stored});
+  if (!desk_.failure().empty()) return fillText(texts_.text(ViewText::filterFailed), {desk_.failure()});
+  return isOn(desk_.filter()) ? fillText(texts_.text(ViewText::filterNote), {stored}) : std::u16string{};
+}
+
+}  // namespace vordane::window::win32

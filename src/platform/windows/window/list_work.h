@@ -1,0 +1,76 @@
+// The window's own ways of looking at the stored faults: the desk with the rows shown, the bar with the
+// filter, and the timer by which the desk's work goes on between messages. While an answer is waited for or a
+// box stands it rests; where nobody looks there is nothing of it. One thread.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "list/desk.h"
+#include "platform/windows/window/filter_bar.h"
+#include "platform/windows/window/grid.h"
+
+namespace vordane::window::win32 {
+
+class ListWork {
+ public:
+  struct Around {
+    std::function<ListUse()> use;      // what the form allows now
+    std::function<void()> placeAgain;  // the bar needs another place, the empty grid another notice
+    std::function<void()> countAgain;  // `count` says something else
+  };
+
+  ListWork(Grid& grid, ViewTexts& texts) : grid_(grid), texts_(texts) {}
+  void create(HWND parent, Around around);
+  void forgetRows() { desk_.setStored(nullptr, {}); }  // the window goes; the source may go first
+
+  // The rows that the form gives; what is shown of them is the desk's business.
+  void setRows(GridSource* rows, const std::u16string& exchange);
+  // What the status line says instead of the number of rows.
+  std::optional<std::u16string> count();
+  // What stands in the empty grid's place since no row passes the filter; empty otherwise.
+  std::u16string notice() const;
+  HWND showAllButton() const { return showAll_; }
+  // The next row shown that holds the text, by its place; as ViewEvents::lookUp, which knows of no filter.
+  std::optional<std::size_t> lookUp(ViewEvents& events, const std::u16string& text, LookUpWay way);
+
+  FilterBar& bar() { return bar_; }
+  const FilterBar& bar() const { return bar_; }
+  void open();   // by the person: with the focus in it
+  void close();  // and shows every row again
+  // The key Esc: true when there was something to end.
+  bool escape();
+  // The person's choice in the menu of the selected row.
+  enum class Only { kind, otherKinds, processor, day };
+  // What the menu says of it; empty where the row has no such value.
+  std::u16string menuText(Only what, const GridRow& row) const;
+  void show(Only what, const GridRow& row);
+
+  // What the parent hands on; true when it was the list's.
+  bool command(int id, int code);
+  bool timer(WPARAM id);
+
+ private:
+  void follow(const list::Filter& filter);
+  void wake();
+  void slice();
+  void showBar(bool focus);
+  void tell();
+  int barHeight() const;
+  std::u16string message() const;
+
+  Grid& grid_;
+  ViewTexts& texts_;
+  Around around_;
+  HWND parent_ = nullptr, showAll_ = nullptr;
+  list::Desk desk_;
+  FilterBar bar_;
+  std::u16string exchange_;  // that the bar speaks of
+  bool opened_ = false;      // by the person
+  bool longWork_ = false;    // more than a slice: progress is told
+  list::Mistake mistake_ = list::Mistake::none;
+  std::size_t lastSelected_ = 0;  // among the stored rows, also while no row is shown
+};
+
+}  // namespace vordane::window::win32

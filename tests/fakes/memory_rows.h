@@ -1,0 +1,55 @@
+// Rows in memory, as a database's row list and as the grid's source: what a list that a person works with
+// stands on.
+#pragma once
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/database.h"
+#include "platform/view.h"
+
+namespace vordane::fakes {
+
+struct MemoryRow {
+  std::u16string fault = u"01", alarm = u"MJ", date = u"2026/11/20 10:00", cpu = u"MP   ",
+                 description = u"text";
+  std::int64_t count = 0;
+  bool gone = false;
+};
+
+class MemoryRows final : public window::GridSource, public database::RowList {
+ public:
+  explicit MemoryRows(std::vector<MemoryRow> given = {}) : rows(std::move(given)) {}
+
+  std::size_t size() const override { return rows.size(); }
+  std::optional<window::GridRow> row(std::size_t position) override {
+    if (position >= rows.size() || rows[position].gone) return {};
+    const MemoryRow& row = rows[position];
+    return window::GridRow{row.fault, row.alarm, row.date, row.cpu, row.description, row.count};
+  }
+  std::vector<Range> provenance(std::size_t row, std::size_t position) override {
+    return {{row, position}};  // what was asked for
+  }
+  std::optional<Range> dataPart(std::size_t row) override { return Range{row, row + 1}; }
+  database::RowList* list() override { return held ? nullptr : this; }
+
+  bool fetch(std::size_t position, std::vector<database::Value>& out) override {
+    if (failAtFetch && fetched == *failAtFetch) throw database::DatabaseError(3049, u"damaged");
+    ++fetched;
+    out.clear();
+    if (position >= rows.size() || rows[position].gone) return false;
+    const MemoryRow& row = rows[position];
+    out = {row.fault, row.alarm, row.date, row.cpu, row.description, static_cast<std::int32_t>(row.count)};
+    return true;
+  }
+
+  std::vector<MemoryRow> rows;
+  bool held = false;  // a long step runs
+  std::size_t fetched = 0;
+  std::optional<std::size_t> failAtFetch;
+};
+
+}  // namespace vordane::fakes

@@ -1,0 +1,176 @@
+// A filter stands beside what the window is asked to do: with it and without it the same statements run in
+// the same order, and hosts notice the same.
+#include "fakes/watched_database.h"
+#include "list/desk.h"
+#include "startup/story.h"
+
+namespace vordane::startup {
+namespace {
+
+// The rows go through a desk, as the drawn window's do; between any two steps a person has time for its work.
+class DeskView : public StoryView {
+ public:
+  using StoryView::StoryView;
+  void setRows(window::GridSource* source) override {
+    desk.setStored(source, use && use() != window::ListUse::never ? std::optional<std::u16string>(u"any")
+                                                                  : std::nullopt);
+    StoryView::setRows(source != nullptr ? &desk : nullptr);
+  }
+  // What the timer does: a slice when it may, so often as there is work.
+  void haveTime() {
+    while (desk.busy() && use() == window::ListUse::now) desk.work([] { return false; });
+  }
+  list::Desk desk;
+  std::function<window::ListUse()> use;
+};
+
+class ListStory : public Story {
+ protected:
+  struct Seen {
+    std::vector<std::u16string> statements;
+    Lines trace;
+    std::vector<std::u16string> rows;
+  };
+
+  void begin() {
+    engine.between = [this](std::u16string_view path, auto database) -> std::unique_ptr<database::Database> {
+      if (!path.ends_with(u"FAULT.MDB")) return database;
+      auto watched = std::make_unique<fakes::WatchedDatabase>(std::move(database));
+      watched->before = [this](std::u16string_view step) { seen.statements.emplace_back(step); };
+      return watched;
+    };
+    start();
+    deskView.use = [this] { return form().input().listUse(); };
+    layer = createLayer();
+  }
+  void start() {
+    application = std::make_unique<Application>(
+        Workstation{settings, clock, files, creator, boxes, engine, deskView, pictures, process, program},
+        state);
+    started = basMain::Main(*application);
+  }
+  void filter(bool wanted) {
+    if (!wanted) return;
+    list::Filter only;
+    only.kinds = {list::KindRule::Way::only, {u"15"}};
+    only.text = u"15";
+    deskView.desk.setFilter(only);
+    deskView.desk.wantFacts(true);
+    deskView.haveTime();
+  }
+  bool tickOnce() {
+    if (deskView.timer == 0) return false;
+    deskView.timer = 0;
+    form().input().tick();
+    return true;
+  }
+
+  // A list is requested, shown, sorted, another exchange is chosen, the first deleted.
+  Seen live(bool filtered) {
+    begin();
+    for (const char16_t* name : {u"PBX-2", u"PBX-1"}) {
+      registerPbx(name);
+      filter(filtered);
+      form().input().buttonPressed(0);
+      tickOnce();
+      exchange().answer(0, twoFaults());
+      while (tickOnce()) deskView.haveTime();
+      exchange().answerLamps(u"10");
+      while (tickOnce()) deskView.haveTime();
+      filter(filtered);
+    }
+    EXPECT_EQ(deskView.rows->size(), filtered ? 1U : 2U);
+    for (const int column : {0, 4, 2, 2}) {
+      form().input().headingClicked(column);
+      deskView.haveTime();
+    }
+    form().input().exchangeChosen(1);
+    deskView.haveTime();
+    EXPECT_EQ(deskView.rows->size(), filtered ? 1U : 2U);
+    EXPECT_TRUE(form().form().control(u"cmdPrint").flag(u"Enabled"));
+    boxes.answer = 6;
+    for (const int action : {2, 3}) {
+      form().input().buttonPressed(action);
+      while (tickOnce()) deskView.haveTime();
+    }
+    seen.trace = taken();
+    Seen result = std::move(seen);
+    seen = {};
+    return result;
+  }
+  static const std::vector<std::u16string>& twoFaults() {
+    static const std::vector<std::u16string> entries{u"15 MJ MP000", u"26/11/20 10:15", u"00", u"",
+                                                     u"02 MN MP000", u"26/11/20 10:16", u"00", u""};
+    return entries;
+  }
+
+  Seen seen;
+  DeskView deskView{trace};
+};
+
+struct Unfiltered : ListStory {
+  Seen run() { return live(false); }
+  void TestBody() override {}
+};
+struct Filtered : ListStory {
+  Seen run() { return live(true); }
+  void TestBody() override {}
+};
+
+TEST(ListStories, TheSameStatementsRunWithAFilterAndWithout) {
+  Unfiltered without;
+  const auto expected = without.run();
+  Filtered with;
+  const auto found = with.run();
+  EXPECT_EQ(found.statements, expected.statements);
+  EXPECT_EQ(found.trace, expected.trace);
+  EXPECT_GT(expected.statements.size(), 20U);
+}
+
+using ListUses = Story;
+
+TEST_F(ListUses, TheListIsAPersonsOnlyBetweenRequests) {
+  using window::ListUse;
+  startWithHost();
+  EXPECT_EQ(form().input().listUse(), ListUse::now);
+  press(0);
+  EXPECT_EQ(form().input().listUse(), ListUse::later) << "the press waits for its tick";
+  tick();
+  EXPECT_EQ(form().input().listUse(), ListUse::later) << "an answer is waited for";
+  {
+    const auto call = form().enter();
+    EXPECT_EQ(form().input().listUse(), ListUse::later);
+  }
+}
+
+TEST_F(ListUses, WhereNobodySitsThereIsNone) {
+  using window::ListUse;
+  startWithHost();
+  state.runMode = RunMode::scheduledRun;
+  EXPECT_EQ(form().input().listUse(), ListUse::never);
+  state.runMode = RunMode::creatingSchedule;
+  EXPECT_EQ(form().input().listUse(), ListUse::never);
+  state.runMode = RunMode::interactive;
+  EXPECT_EQ(form().input().listUse(), ListUse::now);
+  layer.reset();
+  EXPECT_EQ(form().input().listUse(), ListUse::never) << "the window is gone";
+}
+
+TEST_F(ListUses, ABoxMakesItWait) {
+  using window::ListUse;
+  startWithHost();
+  pressAndTick(0);
+  exchange().answer(0, oneFault());
+  while (tick()) {
+  }
+  exchange().answerLamps(u"10");
+  while (tick()) {
+  }
+  std::optional<ListUse> meanwhile;
+  boxes.meanwhile = [&] { meanwhile = form().input().listUse(); };
+  pressAndTick(3);
+  EXPECT_EQ(meanwhile, ListUse::later);
+}
+
+}  // namespace
+}  // namespace vordane::startup
