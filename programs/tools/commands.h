@@ -1,16 +1,17 @@
-// The subcommands, each in a file of its own.
+// The subcommands, each in a file of its own: it declares what it takes and what it does. Exit codes: 0 done,
+// 1 failed, 2 wrong usage. Command-line tools speak English of their own.
 #pragma once
 
-#include "command.h"
+#include "options/options.h"
 
 namespace vordane::tools {
 
-int decode(const Arguments& arguments);
-int doctor(const Arguments& arguments);
-int exportTables(const Arguments& arguments);
-int import(const Arguments& arguments);
-int language(const Arguments& arguments);
-int list(const Arguments& arguments);
-int suite(const Arguments& arguments);
+void declareDecode(options::Command& command);
+void declareDoctor(options::Command& command);
+void declareExport(options::Command& command);
+void declareImport(options::Command& command);
+void declareLanguage(options::Command& command);
+void declareList(options::Command& command);
+void declareSuite(options::Command& command);
 
 }  // namespace vordane::tools

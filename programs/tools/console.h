@@ -6,12 +6,12 @@
 #include <string>
 #include <string_view>
 
-#include "command.h"
+#include "options/options.h"
 
 namespace vordane::tools {
 
 // The program's arguments as UTF-8, without its own name.
-Arguments programArguments(int count, char** values);
+options::Words programWords(int count, char** values);
 
 // Bytes pass standard input and output as they are, line ends included.
 void useBinaryStandardStreams();

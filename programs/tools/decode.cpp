@@ -1,5 +1,6 @@
 // vordane-tools decode: recorded faults in, one message a line out.
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -20,39 +21,6 @@ struct Options {
   bool narrow = false;
   bool explain = false;
 };
-
-std::string* fileOption(Options& options, std::string_view name) {
-  if (name == "--language") return &options.language;
-  if (name == "--messages") return &options.messages;
-  if (name == "--lists") return &options.lists;
-  return nullptr;
-}
-
-// Either a language database, or messages with or without lists.
-void requireSource(const Options& options) {
-  if (!options.language.empty() && !(options.messages.empty() && options.lists.empty()))
-    throw Misuse("--language excludes --messages and --lists");
-  if (options.language.empty() && options.messages.empty())
-    throw Misuse("the texts are missing: --language or --messages");
-}
-
-Options parse(const Arguments& arguments) {
-  Options options;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    if (std::string* const file = fileOption(options, arguments[i])) {
-      if (++i == arguments.size()) throw Misuse(arguments[i - 1] + " needs a file behind it");
-      *file = arguments[i];
-    } else if (arguments[i] == "--narrow") {
-      options.narrow = true;
-    } else if (arguments[i] == "--explain") {
-      options.explain = true;
-    } else {
-      throw Misuse("unknown argument " + arguments[i]);
-    }
-  }
-  requireSource(options);
-  return options;
-}
 
 void readTexts(const Options& options, FaultTextTable& texts) {
   if (!options.language.empty())
@@ -140,13 +108,24 @@ void decodeStream(const FaultTextTable& texts, const Options& options, std::FILE
 
 }  // namespace
 
-int decode(const Arguments& arguments) {
-  const Options options = parse(arguments);
-  FaultTextTable texts;
-  readTexts(options, texts);
-  useBinaryStandardStreams();
-  decodeStream(texts, options, stdin, stdout);
-  return 0;
+void declareDecode(options::Command& command) {
+  const auto given = std::make_shared<Options>();
+  command.option("--language", "FILE", given->language, "the texts of a language database (VORDANE.LNG)");
+  command.option("--messages", "FILE", given->messages, "the texts of a source file: number, TAB, text");
+  command.option("--lists", "FILE", given->lists,
+                 "the kinds' lists of a source file: list, TAB, place, TAB, text");
+  command.flag("--narrow", given->narrow, "module numbers of 6 bits, as older exchanges send them");
+  command.flag("--explain", given->explain,
+               "behind each message its values with the characters they came from");
+  command.exactlyOne({"--language", "--messages"});
+  command.needs("--lists", "--messages");
+  command.runs([given] {
+    FaultTextTable texts;
+    readTexts(*given, texts);
+    useBinaryStandardStreams();
+    decodeStream(texts, *given, stdin, stdout);
+    return 0;
+  });
 }
 
 }  // namespace vordane::tools

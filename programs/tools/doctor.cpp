@@ -1,15 +1,16 @@
 #include <algorithm>
 #include <iostream>
+#include <memory>
 
 #include "commands.h"
 #include "doctor_checks.h"
 
 namespace vordane::tools {
+namespace {
 
 // 0: nothing to say; 1: something is incomplete or stops the program.
-int doctor(const Arguments& arguments) {
-  if (arguments.size() != 1) throw Misuse("the version directory of a suite is needed, and nothing else");
-  const SuiteLayout layout{suiteDirectory(arguments.front())};
+int doctor(const std::string& directory) {
+  const SuiteLayout layout{suiteDirectory(directory)};
   std::vector<Finding> findings = examineFiles(layout, *examiningEngine());
   if (const auto workstation = thisWorkstation())
     for (Finding& finding : examineWorkstation(layout, *workstation)) findings.push_back(std::move(finding));
@@ -21,6 +22,15 @@ int doctor(const Arguments& arguments) {
                                  [](const Finding& finding) { return finding.weight == Weight::unsafe; });
   if (whole) std::cout << "nothing is missing\n";
   return findings.empty() ? 0 : 1;
+}
+
+}  // namespace
+
+void declareDoctor(options::Command& command) {
+  const auto directory = std::make_shared<std::string>();
+  command.argument("SUITE_DIR", *directory, "the version directory of a suite");
+  command.notes("Exit code: 0 nothing is missing or unsafe, 1 there is something to say, 2 wrong usage.");
+  command.runs([directory] { return doctor(*directory); });
 }
 
 }  // namespace vordane::tools

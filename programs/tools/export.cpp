@@ -1,4 +1,7 @@
 #include <iostream>
+#include <memory>
+#include <optional>
+#include <string>
 
 #include "access_reading.h"
 #include "commands.h"
@@ -52,15 +55,34 @@ int exportTexts(const std::string& file, const std::string& folder) {
   return texts.problems().empty() ? 0 : 1;
 }
 
+struct Options {
+  std::string file;
+  std::optional<std::string> csv, texts;  // the directory to write to
+  bool spreadsheet = false;
+};
+
+int run(const Options& given) {
+  if (given.texts) return exportTexts(given.file, *given.texts);
+  return exportCsv(given.file, *given.csv, given.spreadsheet ? CsvUse::spreadsheet : CsvUse::readBack);
+}
+
 }  // namespace
 
-int exportTables(const Arguments& arguments) {
-  if (arguments.size() == 3 && arguments[1] == "--csv")
-    return exportCsv(arguments[0], arguments[2], CsvUse::readBack);
-  if (arguments.size() == 4 && arguments[1] == "--csv" && arguments[3] == "--spreadsheet")
-    return exportCsv(arguments[0], arguments[2], CsvUse::spreadsheet);
-  if (arguments.size() == 3 && arguments[1] == "--texts") return exportTexts(arguments[0], arguments[2]);
-  throw Misuse("export needs a file, --csv or --texts, and a directory");
+void declareExport(options::Command& command) {
+  const auto given = std::make_shared<Options>();
+  command.argument("FILE", given->file, "the database");
+  command.option(
+      "--csv", "DIR", given->csv,
+      "one CSV file (UTF-8) there for each table of an embedded or Access database. They hold every "
+      "value as it stands, so that they can be read back; a spreadsheet runs a text that begins "
+      "with =, +, - or @ as a formula");
+  command.option("--texts", "DIR", given->texts,
+                 "the sources of 'language build' there, of a language database (FILE.LNG)");
+  command.flag("--spreadsheet", given->spreadsheet,
+               "an apostrophe before such texts, for CSV files that a spreadsheet shall open");
+  command.exactlyOne({"--csv", "--texts"});
+  command.needs("--spreadsheet", "--csv");
+  command.runs([given] { return run(*given); });
 }
 
 }  // namespace vordane::tools

@@ -1,4 +1,5 @@
 #include <iostream>
+#include <memory>
 
 #include "access_reading.h"
 #include "commands.h"
@@ -7,18 +8,26 @@
 #include "text/utf8.h"
 
 namespace vordane::tools {
+namespace {
 
-int import(const Arguments& arguments) {
-  if (arguments.size() != 1) throw Misuse("the version directory of a suite is needed, and nothing else");
-  const auto files = importSuite(suiteDirectory(arguments.front()), accessReading());
+int import(const std::string& directory) {
+  const auto files = importSuite(suiteDirectory(directory), accessReading());
   for (const ImportedFile& file : files) {
     std::cout << text::toUtf8(file.path.u16string()) << ": brought over, the Access file is kept as "
               << text::toUtf8(file.kept.filename().u16string()) << '\n';
     for (const ImportedTable& table : file.tables)
       std::cout << "  " << table.name << ": " << table.rows << " rows\n";
   }
-  if (files.empty()) std::cout << "no Access files of the suite below " << arguments.front() << '\n';
+  if (files.empty()) std::cout << "no Access files of the suite below " << directory << '\n';
   return 0;
+}
+
+}  // namespace
+
+void declareImport(options::Command& command) {
+  const auto directory = std::make_shared<std::string>();
+  command.argument("SUITE_DIR", *directory, "the version directory of a suite");
+  command.runs([directory] { return import(*directory); });
 }
 
 }  // namespace vordane::tools

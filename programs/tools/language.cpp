@@ -1,4 +1,5 @@
 #include <iostream>
+#include <memory>
 #include <vector>
 
 #include "commands.h"
@@ -14,7 +15,7 @@ int report(const Problems& problems) {
   return problems.empty() ? 0 : 1;
 }
 
-int check(const Arguments& folders) {
+int check(const options::Words& folders) {
   Problems problems;
   std::vector<LanguageSource> sources;
   for (const std::string& folder : folders) sources.push_back(readLanguage(toPath(folder), problems));
@@ -24,25 +25,36 @@ int check(const Arguments& folders) {
   return report(problems);
 }
 
-int build(Arguments arguments) {
-  const bool common = arguments.front() == "--common";
-  if (common) arguments.erase(arguments.begin());
-  if (arguments.size() != 2) throw Misuse("language build needs a folder and the file to make");
+struct ToBuild {
+  std::string folder, file;
+  bool common = false;
+};
+
+int build(const ToBuild& given) {
   Problems problems;
-  const LanguageSource source = readLanguage(toPath(arguments[0]), problems);
+  const LanguageSource source = readLanguage(toPath(given.folder), problems);
   checkLanguage(source, problems);
   if (!problems.empty()) return report(problems);
-  (common ? buildCommonLanguage : buildOwnLanguage)(source, toPath(arguments[1]));
+  (given.common ? buildCommonLanguage : buildOwnLanguage)(source, toPath(given.file));
   return 0;
 }
 
 }  // namespace
 
-int language(const Arguments& arguments) {
-  if (arguments.size() < 2) throw Misuse("language needs check or build and a folder");
-  if (arguments[0] == "check") return check({arguments.begin() + 1, arguments.end()});
-  if (arguments[0] == "build") return build({arguments.begin() + 1, arguments.end()});
-  throw Misuse("language does not know " + arguments[0]);
+void declareLanguage(options::Command& command) {
+  options::Command& checking = command.command(
+      "check", "Compares the texts of languages with what the program needs and with one another.");
+  const auto folders = std::make_shared<options::Words>();
+  checking.arguments("FOLDER", *folders, "the folder of a language");
+  checking.runs([folders] { return check(*folders); });
+
+  options::Command& building =
+      command.command("build", "Makes a language database of the texts of a language.");
+  const auto given = std::make_shared<ToBuild>();
+  building.flag("--common", given->common, "Common.LNG instead of VORDANE.LNG");
+  building.argument("FOLDER", given->folder, "the folder of a language");
+  building.argument("OUT.LNG", given->file, "the file to make");
+  building.runs([given] { return build(*given); });
 }
 
 }  // namespace vordane::tools

@@ -1,5 +1,6 @@
 // vordane-tools list: prints the faults that a suite has stored.
 #include <iostream>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -17,53 +18,44 @@
 namespace vordane::tools {
 namespace {
 
-using Form = ListOptions::Form;
-
 struct Options {
   std::string file;
-  ListOptions list;
+  std::optional<std::string> exchange;
+  bool csv = false, count = false;
+
+  ListOptions list() const {
+    using Form = ListOptions::Form;
+    ListOptions all{csv ? Form::csv : count ? Form::count : Form::lines, {}};
+    if (exchange) all.exchange = text::fromUtf8(*exchange);
+    return all;
+  }
 };
 
-void choose(Form form, Options& options) {
-  if (options.list.form != Form::lines) throw Misuse("--csv and --count exclude each other");
-  options.list.form = form;
-}
-
-Options parse(const Arguments& arguments) {
-  Options options;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    if (arguments[i] == "--csv") {
-      choose(Form::csv, options);
-    } else if (arguments[i] == "--count") {
-      choose(Form::count, options);
-    } else if (arguments[i] == "--exchange") {
-      if (++i == arguments.size()) throw Misuse("--exchange needs the name of an exchange behind it");
-      options.list.exchange = text::fromUtf8(arguments[i]);
-    } else if (arguments[i].starts_with("--")) {
-      throw Misuse("unknown option " + arguments[i]);
-    } else if (options.file.empty()) {
-      options.file = arguments[i];
-    } else {
-      throw Misuse("one database at a time: " + options.file + " or " + arguments[i]);
-    }
+int list(const Options& given) {
+  const auto engine = database::makeEngineChoice(accessEngine(), sqlite::makeEngine(startup::databases));
+  const auto database = openDatabase(*engine, given.file);
+  if (given.csv) useBinaryStandardStreams();  // its lines have their ends
+  try {
+    listFaults(*database, given.file, given.list(), std::cout);
+  } catch (const database::DatabaseError& failure) {
+    throw ToolError(failureText(given.file, failure));
   }
-  if (options.file.empty()) throw Misuse("the fault database is missing");
-  return options;
+  return 0;
 }
 
 }  // namespace
 
-int list(const Arguments& arguments) {
-  const Options options = parse(arguments);
-  const auto engine = database::makeEngineChoice(accessEngine(), sqlite::makeEngine(startup::databases));
-  const auto database = openDatabase(*engine, options.file);
-  if (options.list.form == Form::csv) useBinaryStandardStreams();  // its lines have their ends
-  try {
-    listFaults(*database, options.file, options.list, std::cout);
-  } catch (const database::DatabaseError& failure) {
-    throw ToolError(failureText(options.file, failure));
-  }
-  return 0;
+void declareList(options::Command& command) {
+  const auto given = std::make_shared<Options>();
+  command.argument("FAULT.MDB", given->file, "the fault database");
+  command.option("--exchange", "NAME", given->exchange,
+                 "those of one exchange; upper and lower case are the same");
+  command.flag(
+      "--csv", given->csv,
+      "every column, for a spreadsheet (UTF-8; an apostrophe stands before texts that would be formulas)");
+  command.flag("--count", given->count, "only how many they are");
+  command.oneAtMost({"--csv", "--count"});
+  command.runs([given] { return list(*given); });
 }
 
 }  // namespace vordane::tools

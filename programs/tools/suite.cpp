@@ -1,4 +1,5 @@
 #include <iostream>
+#include <memory>
 #include <string>
 
 #include "commands.h"
@@ -8,48 +9,35 @@
 namespace vordane::tools {
 namespace {
 
-struct SuiteOptions {
+struct Options {
   std::string directory, language = "en", source = "data";
 };
 
-SuiteOptions parse(const Arguments& arguments) {
-  SuiteOptions options;
-  for (std::size_t at = 0; at < arguments.size(); ++at) {
-    const std::string& argument = arguments[at];
-    const bool named = argument == "--language" || argument == "--source";
-    if (named && at + 1 == arguments.size()) throw Misuse(argument + " needs a value behind it");
-    if (argument == "--language")
-      options.language = arguments[++at];
-    else if (argument == "--source")
-      options.source = arguments[++at];
-    else if (argument.starts_with("--"))
-      throw Misuse("unknown option " + argument);
-    else if (!options.directory.empty())
-      throw Misuse("one directory at a time: " + options.directory + " or " + argument);
-    else
-      options.directory = argument;
-  }
-  if (options.directory.empty()) throw Misuse("the directory of the suite is missing");
-  return options;
-}
-
-}  // namespace
-
-int suite(const Arguments& arguments) {
-  const SuiteOptions options = parse(arguments);
+int suite(const Options& given) {
   Problems problems;
   const LanguageSource source =
-      readLanguage(toPath(options.source) / "language" / toPath(options.language), problems);
+      readLanguage(toPath(given.source) / "language" / toPath(given.language), problems);
   checkLanguage(source, problems);
   if (!problems.empty()) {
     for (const std::string& problem : problems) std::cerr << problem << '\n';
     return 1;
   }
-  const SuiteLayout layout{toPath(options.directory)};
+  const SuiteLayout layout{toPath(given.directory)};
   makeSuiteFiles(layout, source);
-  installReportLayout(layout, toPath(options.source) / "report", source);
-  std::cout << "made the data files of " << options.directory << '\n';
+  installReportLayout(layout, toPath(given.source) / "report", source);
+  std::cout << "made the data files of " << given.directory << '\n';
   return 0;
+}
+
+}  // namespace
+
+void declareSuite(options::Command& command) {
+  const auto given = std::make_shared<Options>();
+  command.argument("DIR", given->directory, "the directory of the suite");
+  command.option("--language", "NAME", given->language,
+                 "the language of its texts and of its report: a folder of SOURCE/language, else en");
+  command.option("--source", "SOURCE", given->source, "where texts and report stand, else data");
+  command.runs([given] { return suite(*given); });
 }
 
 }  // namespace vordane::tools

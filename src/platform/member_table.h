@@ -46,6 +46,14 @@ consteval std::size_t positionOf(std::span<const Member> members, std::u16string
   throw "no such member";
 }
 
+// Whether each member has a number of its own, for a static_assert beside its table.
+consteval bool numbersDiffer(std::span<const Member> members) {
+  for (std::size_t i = 0; i < members.size(); ++i)
+    for (std::size_t k = 0; k < i; ++k)
+      if (members[i].dispid == members[k].dispid) return false;
+  return true;
+}
+
 // Position in the table, without regard to case; -1 for an unknown name.
 int findMember(const ClassTable& table, std::u16string_view name);
 

@@ -108,6 +108,7 @@ constexpr auto members = [] {
   for (std::size_t i = 0; i < table.size(); ++i) table[i] = formMembers[i].member;
   return table;
 }();
+static_assert(automation::numbersDiffer(members));
 
 }  // namespace
 

@@ -24,6 +24,7 @@ constexpr Member members[] = {
     {u"CancelSchedule", 5, MemberKind::method, Type::integer},
     {u"SetBackGround", 6, MemberKind::method, Type::none, setBackGround},
 };
+static_assert(automation::numbersDiffer(members));
 }  // namespace
 
 const automation::ClassTable& layerTable() {

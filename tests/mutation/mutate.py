@@ -1,12 +1,15 @@
 #!/usr/bin/env python3
 """Changes one line of the portable sources at a time and asks the native tests whether they notice.
 
-    tests/mutation/mutate.py [--count N] [--seed S] [--only FOLDER ...] [--workers N] [--out FILE.tsv]
+    tests/mutation/mutate.py [--count N] [--seed S] [--only FOLDER ...] [--workers N] [--out FILE.tsv] [--quick]
+                             [--resume]
 
 Each mutant is one small change of one line: an operator, a constant, a truth, a statement left out, or two
 statements in the other order. A worker has a copy of the repository and a build tree of shared libraries of its
 own (below build/mutation), so that a mutant costs one compilation and one link. The test programs run nearest
-folder first and stop at the first failure. What the compiler refuses isn't counted.
+folder first and stop at the first failure. What the compiler refuses isn't counted. With --quick the programs
+that take most of the time aren't asked, so that a survivor may be one that only they would notice. With --resume
+the verdicts that FILE.tsv holds already count, and the run goes on behind them.
 
 Writes one line a mutant: killed, survived or refused; the place; the change; the test that noticed it. Survivors
 are printed with their change, to be judged: equivalent, or a rule without a test.
@@ -23,10 +26,10 @@ import threading
 from pathlib import Path
 
 REPOSITORY = Path(__file__).resolve().parents[2]
-FOLDERS = ["text", "platform", "platform/sqlite", "platform/dao", "settings", "language", "faults", "pbx", "status", "store",
-           "startup"]
+FOLDERS = ["text", "platform", "platform/sqlite", "platform/dao", "platform/access", "settings", "language", "faults", "pbx", "status",
+           "store", "startup"]
 # Test programs that say nothing about rules or take most of the time are asked last.
-LAST = ["reliability_tests", "crash_tests", "sorting_memory_tests", "import_tests"]
+LAST = ["hostile_tests", "reliability_tests", "crash_tests", "sorting_memory_tests", "import_tests"]
 # One counts what the engine does from outside of it, which shared libraries hide; one reads the sources alone.
 LEFT_OUT = ["work_tests", "house_tests"]
 TEST_SECONDS = 180
@@ -85,7 +88,7 @@ def mutants(folders):
 
 
 class Worker:
-    def __init__(self, number):
+    def __init__(self, number, quick=False):
         self.root = REPOSITORY / "build" / "mutation" / f"worker{number}"
         self.build = self.root / "build" / "tree"
         # Every account may go there, since some tests become an ordinary user.
@@ -97,7 +100,8 @@ class Worker:
         self.run(["cmake", "--build", str(self.build)], check=True)
         self.programs = {}
         for program in sorted(self.build.glob("tests/**/*_tests")):
-            if os.access(program, os.X_OK) and program.is_file() and program.name not in LEFT_OUT:
+            if os.access(program, os.X_OK) and program.is_file() and program.name not in LEFT_OUT and not (
+                    quick and program.name in LAST):
                 self.programs[program.name] = program
         # A program that fails without a change would seem to notice every one.
         noticed = self.judge("text")
@@ -167,19 +171,29 @@ def main():
     parser.add_argument("--only", nargs="*", default=FOLDERS, metavar="FOLDER")
     parser.add_argument("--workers", type=int, default=os.cpu_count())
     parser.add_argument("--out", default=str(REPOSITORY / "build" / "mutation" / "result.tsv"))
+    parser.add_argument("--quick", action="store_true")
+    parser.add_argument("--resume", action="store_true")
     given = parser.parse_args()
     every = list(mutants(given.only))
     random.Random(given.seed).shuffle(every)
     print(f"{len(every)} possible changes; trying until {given.count} compile", flush=True)
     waiting, counts = queue.Queue(), {"killed": 0, "survived": 0, "refused": 0}
     lock, building = threading.Lock(), threading.Lock()
-    for mutant in every:
-        waiting.put(mutant)
     Path(given.out).parent.mkdir(parents=True, exist_ok=True)
+    known = set()
+    if given.resume and Path(given.out).exists():
+        for row in Path(given.out).read_text(encoding="utf-8").splitlines():
+            verdict, place, what, _, new = row.split("\t", 4)
+            counts[verdict] += 1
+            known.add((place, what, new))
+    for mutant in every:
+        _, file, number, what, new, _ = mutant
+        if (f"{file}:{number + 1}", what, "".join(new).strip()) not in known:
+            waiting.put(mutant)
 
     def work(number, out):
         with building:  # one after the other: the second finds its objects in the compiler cache
-            worker = Worker(number)
+            worker = Worker(number, given.quick)
         while True:
             with lock:
                 if counts["killed"] + counts["survived"] >= given.count or waiting.empty():
@@ -187,13 +201,14 @@ def main():
                 mutant = waiting.get()
             verdict, noticed = worker.take(mutant)
             _, file, line, what, new, _ = mutant
+            old = (REPOSITORY / file).read_text(encoding="utf-8").split("\n")[line].strip()
             with lock:
                 counts[verdict] += 1
                 print(verdict, f"{file}:{line + 1}", what, noticed, "".join(new).strip(), sep="\t", file=out, flush=True)
                 if verdict == "survived":
-                    print(f"survived: {file}:{line + 1}: {what}: {''.join(new).strip()}", flush=True)
+                    print(f"survived: {file}:{line + 1}: {what}: {''.join(new).strip() or old}", flush=True)
 
-    with open(given.out, "w", encoding="utf-8") as out:
+    with open(given.out, "a" if given.resume else "w", encoding="utf-8") as out:
         threads = [threading.Thread(target=work, args=(n, out)) for n in range(given.workers)]
         for thread in threads:
             thread.start()

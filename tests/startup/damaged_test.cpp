@@ -77,6 +77,7 @@ TEST_F(Damaged, FaultsThatOpenAndCantBeReadAreToldOnceToWhoStartsByHand) {
   EXPECT_TRUE(view.shown);
   EXPECT_FALSE(form().life().CheckLoadError()) << "the load goes on";
   EXPECT_EQ(view.notice, u"database: The database file is damaged.");
+  EXPECT_EQ(view.status[0], u"no list yet");
 }
 
 // Only the exchanges are read by the load itself: what fails behind it is told as at any other time.

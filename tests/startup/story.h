@@ -196,9 +196,9 @@ class Story : public testing::Test {
   std::int16_t runSchedule(std::u16string key) {
     return callInteger(u"RunSchedule", {automation::byVal(key)});
   }
-  void createSchedule() {
-    automation::call(*layer, u"CreateSchedule",
-                     {automation::byVal(std::int32_t{5}), automation::byVal(std::int16_t{3})});
+  bool createSchedule() {
+    return automation::toBoolean(automation::call(
+        *layer, u"CreateSchedule", {automation::byVal(std::int32_t{5}), automation::byVal(std::int16_t{3})}));
   }
   dlgFaultDisplay& form() { return application->form(); }
   fakes::MemoryExchange& exchange() { return *host->exchange; }

@@ -46,6 +46,21 @@ TEST_F(RowsTest, NothingIsMarkedInADescriptionThatDecodesOtherwise) {
   EXPECT_TRUE(form.memoryView.rows->dataPart(0).has_value());
 }
 
+TEST_F(RowsTest, OneDescriptionIsExplainedForEachKindAnew) {
+  form.receive(u"01 MJ MP", u"2026/11/20 20:58", u"02 FF");
+  ingest();
+  const auto description = form.memoryView.rows->row(0)->description;
+  addFault(1, {u"02", u"MJ", u"MP   ", u"2026/11/19 20:58", description});
+  store.RefreshDisplay();
+  ASSERT_EQ(form.memoryView.rows->row(1)->description, description);
+  const auto explained = [&](std::size_t row) {
+    return form.memoryView.rows->provenance(row, at(u"code 2")).size();
+  };
+  EXPECT_EQ(explained(0), 1U);
+  EXPECT_EQ(explained(1), 0U);
+  EXPECT_EQ(explained(0), 1U);
+}
+
 TEST_F(RowsTest, ADescriptionWithoutATrailerHasNoDataPart) {
   addExchange(u"PBX-1", u"2021-01-01 00:00:00");
   addFault(1, {u"01", u"MJ", u"MP   ", u"2026", u"just text"});

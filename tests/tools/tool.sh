@@ -28,21 +28,23 @@ run 0 --version; silent errors
 for command in decode doctor language export import list suite; do
   run 0 $command --help; silent errors; says out "usage: vordane-tools $command "
 done
-run 0 export --help; says out 'vordane-tools export FILE.LNG --texts DIR'; says out 'hold every value as it stands'; says out '--spreadsheet'
+run 0 export --help; says out 'vordane-tools export FILE (--csv DIR | --texts DIR) [--spreadsheet]'; says out 'hold every value as it stands'; says out '--spreadsheet '
+run 0 language build --help; silent errors; says out 'usage: vordane-tools language build [--common] FOLDER OUT.LNG'; says out '--common '
+run 0 list --csv -h; silent errors; says out 'usage: vordane-tools list FAULT.MDB [--exchange NAME] [--csv | --count]'
 
 run 2; silent out; says errors 'a command is missing'
 run 2 lst; silent out; says errors 'there is no command lst'
 run 2 list; silent out; says errors 'the fault database is missing'; says errors 'usage: vordane-tools list FAULT.MDB'
 run 2 list x --csv --count; silent out; says errors '--csv and --count exclude each other'
-run 2 list x --exchange; says errors '--exchange needs the name'
-run 2 list x y; says errors 'one database at a time: x or y'
+run 2 list x --exchange; says errors '--exchange needs NAME behind it'
+run 2 list x y; says errors 'vordane-tools list: y is one argument too many'
 run 2 list x --cvs; says errors 'unknown option --cvs'
 run 2 doctor; says errors 'vordane-tools doctor: the version directory'
-run 2 import a b; says errors 'usage: vordane-tools import SUITE_DIR'
+run 2 import a b; says errors 'b is one argument too many'; says errors 'usage: vordane-tools import SUITE_DIR'
 run 2 language; says errors 'vordane-tools language check FOLDER'
-run 2 language chek x; says errors 'does not know chek'
-run 2 export x; says errors 'vordane-tools export FILE --csv DIR'
-run 2 suite x --language; says errors '--language needs a value'
+run 2 language chek x; says errors 'vordane-tools language: there is no command chek'
+run 2 export x; says errors 'vordane-tools export: --csv or --texts is missing'
+run 2 suite x --language; says errors '--language needs NAME behind it'
 run 2 suite; says errors 'the directory of the suite is missing'
 
 none=none.mdb

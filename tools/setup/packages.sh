@@ -12,9 +12,11 @@ packages=(
   # importing Access files
   mdbtools mdbtools-dev libglib2.0-dev libseccomp-dev pkg-config
   # testing; clang builds what is sanitized, and looks at the form of every file
-  googletest libgtest-dev libgmock-dev clang libclang-rt-14-dev clang-format-14 nlohmann-json3-dev
+  googletest libgtest-dev libgmock-dev clang libclang-rt-14-dev clang-format-14
   # a server for the tests of the shared store, made and removed by each of them, and the driver for it
   postgresql-15 odbc-postgresql
+  # libraries that are headers alone
+  libcli11-dev nlohmann-json3-dev
   # the kit for Windows workstations
   zip unzip
   # running Windows programs without a screen, and looking at them

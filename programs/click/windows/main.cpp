@@ -1,65 +1,27 @@
-// What a person's hand and eye do to the running fault display, from outside and in its real window:
-//
-//   click [--wait SECONDS] CONTROL           prints the middle of the control on the screen as "x y" (pixels)
-//   click [--wait SECONDS] --press CONTROL   the same, and presses it with the mouse
-//   click [--wait SECONDS] --right CONTROL   the same with the right button
-//   click [--wait SECONDS] --text CONTROL    prints the control's text
-//   click [--wait SECONDS] --close           asks the window to close, as its title bar does
-//   click [--wait SECONDS] --heading COLUMN  presses that heading of the grid (0 is the first)
-//   click [--wait SECONDS] --key NUMBER      brings the window to the front and presses that key (112 is F1)
-//   click [--wait SECONDS] --help            prints the text of the pop-up that explains a control
-//   click [--wait SECONDS] --box [ANSWER]    prints a message box's title and text; answers it with that
-//   button
-//
-// Controls go by their names in the form; ANSWER is 1 (OK), 2 (cancel), 6 (yes), 7 (no). Ends with 1 when
-// what was waited for did not come.
+// What a person's hand and eye do to the running fault display, from outside and in its real window; click
+// --help tells what.
 #include <windows.h>
 
-#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <cwchar>
+#include <optional>
 #include <string>
 
 #include "click/windows/eye.h"
 #include "click/windows/hand.h"
+#include "options/options.h"
 
 namespace vordane::click {
 namespace {
 
-enum class Deed { find, press, rightPress, text, close, heading, key, help, box };
-constexpr struct {
-  const wchar_t* option;
-  Deed deed;
-} deeds[] = {{L"--press", Deed::press},     {L"--right", Deed::rightPress}, {L"--text", Deed::text},
-             {L"--heading", Deed::heading}, {L"--key", Deed::key},          {L"--help", Deed::help},
-             {L"--close", Deed::close},     {L"--box", Deed::box}};
+constexpr int notFound = 1, wrongUsage = 2;
 
+// What is wanted of the window; controls go by their names in the form.
 struct Wish {
-  long wait = 0;
-  Deed deed = Deed::find;
-  const wchar_t* word = nullptr;  // the control, the number, or the answer to a box
+  std::optional<long> wait;  // seconds
+  std::optional<std::string> find, press, rightPress, text;
+  std::optional<long> heading, key, answer;
+  bool close = false, popUp = false, box = false;
 };
-
-long number(const Wish& wish) {
-  return std::wcstol(wish.word, nullptr, 10);
-}
-
-Wish parse(int count, wchar_t** values) {
-  Wish wish;
-  for (int i = 1; i < count; ++i) {
-    const auto* known = std::find_if(std::begin(deeds), std::end(deeds), [&](const auto& entry) {
-      return std::wcscmp(entry.option, values[i]) == 0;
-    });
-    if (std::wcscmp(values[i], L"--wait") == 0 && i + 1 < count)
-      wish.wait = std::wcstol(values[++i], nullptr, 10);
-    else if (known != std::end(deeds))
-      wish.deed = known->deed;
-    else
-      wish.word = values[i];
-  }
-  return wish;
-}
 
 const Eye& eye() {
   static const Eye everywhere;
@@ -70,104 +32,131 @@ void print(HWND window) {
   std::puts(utf8(textOf(window)).c_str());
 }
 
+// The first thing that is found; null when the time that the wish gives it is over.
 template <class Find>
-HWND waitFor(long seconds, Find find) {
+HWND waitFor(const Wish& wish, Find find) {
   HWND found = find();
-  for (long tries = seconds * 10; found == nullptr && tries > 0; --tries) {
+  for (long tries = wish.wait.value_or(0) * 10; found == nullptr && tries > 0; --tries) {
     Sleep(100);
     found = find();
   }
   return found;
 }
 
-HWND waitForFrame(const Wish& wish) {
-  return waitFor(wish.wait, [] { return eye().frame(); });
-}
-
 int box(const Wish& wish) {
-  const HWND found = waitFor(wish.wait, [] { return eye().box(); });
-  if (found == nullptr) return 1;
+  const HWND found = waitFor(wish, [] { return eye().box(); });
+  if (found == nullptr) return notFound;
   print(found);
   std::puts(utf8(messageOf(found)).c_str());
-  if (wish.word != nullptr) answerBox(found, static_cast<int>(number(wish)));
+  if (wish.answer) answerBox(found, static_cast<int>(*wish.answer));
   return 0;
 }
 
 int heading(const Wish& wish) {
-  const HWND found = waitFor(wish.wait, [] { return eye().heading(); });
-  if (found == nullptr) return 1;
-  const RECT place = placeOfHeading(found, static_cast<int>(number(wish)));
-  if (place.right <= place.left) return 1;
-  return pressOn(found, {(place.left + place.right) / 2, (place.top + place.bottom) / 2}) ? 0 : 1;
+  const HWND found = waitFor(wish, [] { return eye().heading(); });
+  if (found == nullptr) return notFound;
+  const RECT place = placeOfHeading(found, static_cast<int>(*wish.heading));
+  if (place.right <= place.left) return notFound;
+  return pressOn(found, {(place.left + place.right) / 2, (place.top + place.bottom) / 2}) ? 0 : notFound;
 }
 
 int key(const Wish& wish) {
-  const HWND frame = waitForFrame(wish);
-  if (frame == nullptr) return 1;
-  pressKey(frame, static_cast<WORD>(number(wish)));
+  const HWND frame = waitFor(wish, [] { return eye().frame(); });
+  if (frame == nullptr) return notFound;
+  pressKey(frame, static_cast<WORD>(*wish.key));
   return 0;
 }
 
-int help(const Wish& wish) {
-  const HWND found = waitFor(wish.wait, [] { return eye().help(); });
-  if (found == nullptr) return 1;
+int popUp(const Wish& wish) {
+  const HWND found = waitFor(wish, [] { return eye().help(); });
+  if (found == nullptr) return notFound;
   print(found);
   return 0;
 }
 
 int close(const Wish& wish) {
-  const HWND frame = waitForFrame(wish);
-  return frame != nullptr && askToClose(frame) ? 0 : 1;
+  const HWND frame = waitFor(wish, [] { return eye().frame(); });
+  return frame != nullptr && askToClose(frame) ? 0 : notFound;
 }
 
-int control(const Wish& wish) {
-  // What can't be pressed yet, since a box is still about to go, is waited for.
-  const bool presses = wish.deed == Deed::press || wish.deed == Deed::rightPress;
-  const HWND found = waitFor(wish.wait, [&] {
-    const HWND child = eye().control(wish.word);
-    return !presses || takesInput(child) ? child : nullptr;
+// A control by its name, which has no letters but English ones. What is to be pressed and can't be yet, since
+// a box is still about to go, is waited for.
+HWND control(const Wish& wish, const std::string& name, bool toPress) {
+  const HWND found = waitFor(wish, [&] {
+    const HWND child = eye().control(std::wstring(name.begin(), name.end()));
+    return !toPress || takesInput(child) ? child : nullptr;
   });
-  if (found == nullptr) return std::fputs("click: no such control\n", stderr), 1;
-  if (wish.deed == Deed::text) return print(found), 0;
-  if (presses) awaitRest(found);
-  const POINT middle = middleOf(found);
-  std::printf("%ld %ld\n", middle.x, middle.y);
-  if (wish.deed == Deed::press) return pressOn(found, middle) ? 0 : 1;
-  if (presses) pressAt(middle, MouseButton::right);
+  if (found == nullptr) std::fputs("click: no such control\n", stderr);
+  return found;
+}
+
+int text(const Wish& wish) {
+  const HWND found = control(wish, *wish.text, false);
+  if (found == nullptr) return notFound;
+  print(found);
   return 0;
 }
 
-int run(const Wish& wish) {
-  switch (wish.deed) {
-    case Deed::box:
-      return box(wish);
-    case Deed::close:
-      return close(wish);
-    case Deed::help:
-      return help(wish);
-    case Deed::heading:
-      return heading(wish);
-    case Deed::key:
-      return key(wish);
-    default:
-      return control(wish);
-  }
+// Prints the control's middle, and presses it there when it is to be pressed.
+int point(const Wish& wish) {
+  const bool toPress = !wish.find;
+  const std::string& name = wish.find ? *wish.find : wish.press ? *wish.press : *wish.rightPress;
+  const HWND found = control(wish, name, toPress);
+  if (found == nullptr) return notFound;
+  if (toPress) awaitRest(found);
+  const POINT middle = middleOf(found);
+  std::printf("%ld %ld\n", middle.x, middle.y);
+  if (wish.press) return pressOn(found, middle) ? 0 : notFound;
+  if (wish.rightPress) pressAt(middle, MouseButton::right);
+  return 0;
+}
+
+int fulfil(const Wish& wish) {
+  SetProcessDPIAware();
+  if (wish.box) return box(wish);
+  if (wish.close) return close(wish);
+  if (wish.popUp) return popUp(wish);
+  if (wish.heading) return heading(wish);
+  if (wish.key) return key(wish);
+  return wish.text ? text(wish) : point(wish);
+}
+
+int run(const options::Words& words) {
+  options::Program program(
+      "click", "Does to the window of the fault display what a person's hand and eye do.", wrongUsage);
+  Wish wish;
+  program.option("--wait", "SECONDS", wish.wait, "how long to wait for the thing, else not at all");
+  program.option("--find", "CONTROL", wish.find,
+                 "prints the control's middle on the screen as \"x y\" (pixels)");
+  program.option("--press", "CONTROL", wish.press, "the same, and presses it with the mouse");
+  program.option("--right", "CONTROL", wish.rightPress, "the same with the right button");
+  program.option("--text", "CONTROL", wish.text, "prints the control's text");
+  program.option("--heading", "COLUMN", wish.heading, "presses that heading of the grid (0 is the first)");
+  program.option("--key", "NUMBER", wish.key,
+                 "brings the window to the front and presses that key (112 is F1)");
+  program.flag("--close", wish.close, "asks the window to close, as its title bar does");
+  program.flag("--pop-up", wish.popUp, "prints the text of the pop-up that explains a control");
+  program.flag("--box", wish.box, "prints a message box's title and text");
+  program.option("--answer", "NUMBER", wish.answer, "answers the box: 1 (OK), 2 (cancel), 6 (yes), 7 (no)");
+  program.exactlyOne(
+      {"--find", "--press", "--right", "--text", "--heading", "--key", "--close", "--pop-up", "--box"});
+  program.needs("--answer", "--box");
+  program.notes(
+      "Controls go by their names in the form.\n"
+      "Exit code: 0 done, 1 what was waited for did not come, 2 wrong usage.");
+  program.runs([&] { return fulfil(wish); });
+  const auto ending = program.read(words);
+  if (!ending) return program.perform();
+  std::fputs(ending->output.c_str(), stdout);
+  std::fputs(ending->errors.c_str(), stderr);
+  return ending->code;
 }
 
 }  // namespace
 }  // namespace vordane::click
 
 int wmain(int count, wchar_t** values) {
-  using namespace vordane::click;
-  const Wish wish = parse(count, values);
-  const bool wordless = wish.deed == Deed::box || wish.deed == Deed::close || wish.deed == Deed::help;
-  if (!wordless && wish.word == nullptr)
-    return std::fputs(
-               "usage: click [--wait SECONDS] [--press | --right | --text] CONTROL\n"
-               "                             | --heading COLUMN | --key NUMBER | --close | --help | --box "
-               "[ANSWER]\n",
-               stderr),
-           2;
-  SetProcessDPIAware();
-  return run(wish);
+  vordane::options::Words words;
+  for (int i = 1; i < count; ++i) words.push_back(vordane::click::utf8(values[i]));
+  return vordane::click::run(words);
 }

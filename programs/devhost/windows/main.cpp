@@ -1,22 +1,16 @@
-// devhost.exe: runs one script of the development host and prints what happens.
-//
-//   devhost.exe [--reports DIRECTORY] [--times] SCRIPT
-//   devhost.exe --help | --version
-//
-// Exit code: 0 the script ran to its end, 1 wrong usage, 2 the script or its scenario is wrong, 3 a call
-// failed, 4 a notification that was waited for did not come (or one came that should not have).
+// devhost.exe: runs one script of the development host and prints what happens. devhost --help tells
+// what it takes and what its exit codes mean.
 #include <windows.h>
-// shellapi.h needs windows.h before it.
+
 #include <fcntl.h>
 #include <io.h>
-#include <shellapi.h>
 
 #include <cstdio>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "devhost/core/interpreter.h"
+#include "options/options.h"
 #include "platform/dao/dao_engine.h"
 #include "platform/engine_choice.h"
 #include "platform/sqlite/engine.h"
@@ -33,22 +27,10 @@
 namespace vordane::devhost {
 namespace {
 
-constexpr const char* usage =
-    "usage: devhost [--reports DIRECTORY] [--times] SCRIPT\n"
-    "       devhost --help | --version\n";
-constexpr const char* help =
-    "usage: devhost [--reports DIRECTORY] [--times] SCRIPT\n"
-    "       devhost --help | --version\n\n"
-    "Hosts the fault display as SCRIPT says and prints every notification.\n"
-    "  --reports DIRECTORY  printed reports go there, else beside their layout\n"
-    "  --times              each line begins with its time\n\n"
-    "Exit code: 0 done, 1 wrong usage, 2 wrong script, 3 a call failed, 4 a wait was not met.";
+constexpr int wrongUsage = 1;
 
 void printLine(std::string_view line) {
-  const std::string whole = std::string(line) + '\n';
-  if (windows::isConsole(stdout)) return windows::writeConsole(stdout, whole);
-  std::fwrite(whole.data(), 1, whole.size(), stdout);
-  std::fflush(stdout);  // whoever follows sees each line as it comes
+  windows::write(stdout, std::string(line) + '\n');
 }
 
 class WindowsEnvironment : public Environment {
@@ -105,46 +87,19 @@ class WindowsEnvironment : public Environment {
 
 struct Options {
   std::u16string script, reports;
-  bool times = false, good = true;
+  bool times = false;
 };
-
-Options optionsOf(const std::vector<std::u16string>& arguments) {
-  Options options;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    if (arguments[i] == u"--times")
-      options.times = true;
-    else if (arguments[i] == u"--reports" && i + 1 < arguments.size())
-      options.reports = arguments[++i];
-    else if (options.script.empty() && !arguments[i].starts_with(u"--"))
-      options.script = arguments[i];
-    else
-      options.good = false;
-  }
-  options.good = options.good && !options.script.empty();
-  return options;
-}
-
-std::vector<std::u16string> programArguments() {
-  int count = 0;
-  LPWSTR* const values = CommandLineToArgvW(GetCommandLineW(), &count);
-  std::vector<std::u16string> arguments;
-  for (int i = 1; values != nullptr && i < count; ++i) arguments.emplace_back(com::fromWide(values[i]));
-  LocalFree(values);
-  return arguments;
-}
 
 int runScript(const Options& options) {
   const auto bytes = files::readFile(options.script);
   if (!bytes) {
-    std::fputs(
-        ("devhost: " + text::toUtf8(options.script) + ": can't be read. Check the path of the script\n")
-            .c_str(),
-        stderr);
+    windows::write(stderr, "devhost: " + text::toUtf8(options.script) +
+                               ": can't be read. Check the path of the script\n");
     return static_cast<int>(Outcome::scriptWrong);
   }
   const ParsedScript parsed = parseScript(*bytes);
   if (!parsed.problems.empty()) {
-    std::fputs(text::toUtf8(lines::listing(options.script, parsed.problems)).c_str(), stderr);
+    windows::write(stderr, text::toUtf8(lines::listing(options.script, parsed.problems)));
     return static_cast<int>(Outcome::scriptWrong);
   }
   com::Apartment apartment;
@@ -157,22 +112,32 @@ int runScript(const Options& options) {
   return static_cast<int>(interpreter.run(parsed.statements));
 }
 
+int run(const options::Words& words) {
+  options::Program program("devhost", "Hosts the fault display as SCRIPT says and prints every notification.",
+                           wrongUsage);
+  std::string script, reports;
+  bool times = false;
+  program.option("--reports", "DIRECTORY", reports, "printed reports go there, else beside their layout");
+  program.flag("--times", times, "each line begins with its time");
+  program.argument("SCRIPT", script, "the script");
+  program.notes("Exit code: 0 done, 1 wrong usage, 2 wrong script, 3 a call failed, 4 a wait was not met.");
+  program.runs([&] { return runScript({text::fromUtf8(script), text::fromUtf8(reports), times}); });
+  const auto ending = program.read(words);
+  if (!ending) return program.perform();
+  windows::write(stdout, ending->output);
+  windows::write(stderr, ending->errors);
+  return ending->code;
+}
+
 }  // namespace
 }  // namespace vordane::devhost
 
 int main() {
-  using namespace vordane::devhost;
-  vordane::windows::loadFromSystemOnly();
+  using namespace vordane;
+  windows::loadFromSystemOnly();
   _setmode(_fileno(stdout), _O_BINARY);
   try {
-    const auto arguments = programArguments();
-    if (arguments.size() == 1 && arguments[0] == u"--help") return printLine(help), 0;
-    if (arguments.size() == 1 && arguments[0] == u"--version")
-      return printLine("devhost " VORDANE_VERSION), 0;
-    const Options options = optionsOf(arguments);
-    if (options.good) return runScript(options);
-    std::fputs("devhost: a script, and nothing but the options it knows, is needed\n", stderr);
-    std::fputs(usage, stderr);
+    return devhost::run(windows::programWords());
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "devhost: %s\n", failure.what());
   }

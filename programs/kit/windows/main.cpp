@@ -1,14 +1,6 @@
 // kit.exe: runs the kit's tests on this workstation and writes the report. Started by run-all.cmd, with its
-// arguments:
-//
-//   run-all.cmd [--only PROGRAM[:TESTS]] ... [--report FOLDER]
-//   run-all.cmd --list | --put-back | --help
-//
-// Exit code: 0 everything that can run here passed, 1 it did not, 2 wrong usage, 3 refused (it says why), 4
-// what was registered before could not be put back.
+// arguments; run-all.cmd --help tells what they are and what the exit codes mean.
 #include <windows.h>
-// shellapi.h needs windows.h before it.
-#include <shellapi.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -20,6 +12,7 @@
 #include "kit/windows/places.h"
 #include "kit/windows/registry.h"
 #include "kit/windows/workstation.h"
+#include "options/options.h"
 #include "platform/windows/services/console_output.h"
 #include "platform/windows/services/services.h"
 #include "text/utf8.h"
@@ -29,22 +22,8 @@ namespace {
 
 enum Outcome { passed = 0, notPassed = 1, wrongUsage = 2, refused = 3, notPutBack = 4 };
 
-constexpr const char* usage =
-    "usage: run-all.cmd [--only PROGRAM[:TESTS]] ... [--report FOLDER]\n"
-    "       run-all.cmd --list | --put-back | --help\n";
-constexpr const char* help =
-    "\nRuns the tests of Vordane on this workstation and writes report.html and report.json.\n"
-    "  --only PROGRAM[:TESTS]  some of them: x64/com_tests, window*, suite_tests:Starts.*\n"
-    "  --report FOLDER         where the report goes, else beside run-all.cmd\n"
-    "  --list                  what there is\n"
-    "  --put-back              only puts back what a run that was broken off has left\n\n"
-    "Exit code: 0 everything that can run here passed, 1 it did not, 2 wrong usage, 3 refused, 4 what was\n"
-    "registered before could not be put back.\n";
-
 void say(const std::string& words) {
-  if (windows::isConsole(stdout)) return windows::writeConsole(stdout, words);
-  std::fwrite(words.data(), 1, words.size(), stdout);
-  std::fflush(stdout);
+  windows::write(stdout, words);
 }
 
 std::string narrow(const Path& path) {
@@ -83,36 +62,8 @@ Path stateFile() {
 struct Options {
   std::vector<std::string> only{};
   Path report{};
-  bool list = false, putBack = false, help = false, good = true;
+  bool list = false, putBack = false;
 };
-
-Options parse(const std::vector<std::wstring>& words) {
-  Options options;
-  for (std::size_t i = 0; i < words.size(); ++i) {
-    const bool hasNext = i + 1 < words.size();
-    if (words[i] == L"--only" && hasNext)
-      options.only.push_back(narrow(words[++i]));
-    else if (words[i] == L"--report" && hasNext)
-      options.report = std::filesystem::absolute(words[++i]);
-    else if (words[i] == L"--list")
-      options.list = true;
-    else if (words[i] == L"--put-back")
-      options.putBack = true;
-    else if (words[i] == L"--help")
-      options.help = true;
-    else
-      options.good = false;
-  }
-  return options;
-}
-
-std::vector<std::wstring> commandLineWords() {
-  int count = 0;
-  LPWSTR* const values = CommandLineToArgvW(GetCommandLineW(), &count);
-  std::vector<std::wstring> words(values + 1, values + count);
-  LocalFree(values);
-  return words;
-}
 
 // The program stands in x64 or x86 of the kit.
 Folders findFolders() {
@@ -137,7 +88,7 @@ class Kit {
     programs_ = parsePrograms(read(folders_.kit / "programs.tsv"));
     held_ = parseHeldBack(read(folders_.kit / "left-out.tsv"));
     report_.checklist = parseChecklist(read(folders_.kit / "sources" / "docs" / "windows-checklist.md"));
-    report_.version = VORDANE_VERSION;
+    report_.version = options::version();
   }
 
   Outcome run() {
@@ -249,23 +200,50 @@ class Kit {
   Report report_;
 };
 
+Outcome runKit(Options options) {
+  finished = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  SetConsoleCtrlHandler(breakOff, TRUE);
+  const Outcome outcome = Kit(std::move(options)).run();
+  SetEvent(finished);
+  return outcome;
+}
+
+int run(const options::Words& words) {
+  options::Program program(
+      "run-all.cmd", "Runs the tests of Vordane on this workstation and writes report.html and report.json.",
+      wrongUsage);
+  Options given;
+  std::string report;
+  program.options("--only", "PROGRAM[:TESTS]", given.only,
+                  "some of them: x64/com_tests, window*, suite_tests:Starts.*");
+  program.option("--report", "FOLDER", report, "where the report goes, else beside run-all.cmd");
+  program.flag("--list", given.list, "what there is");
+  program.flag("--put-back", given.putBack, "only puts back what a run that was broken off has left");
+  program.oneAtMost({"--list", "--put-back"});
+  program.notes(
+      "Exit code: 0 everything that can run here passed, 1 it did not, 2 wrong usage, 3 refused, 4 what was "
+      "registered before could not be put back.");
+  program.runs([&] {
+    if (!report.empty()) given.report = std::filesystem::absolute(com::wide(text::fromUtf8(report).c_str()));
+    return runKit(std::move(given));
+  });
+  const auto ending = program.read(words);
+  if (!ending) return program.perform();
+  say(ending->output);
+  windows::write(stderr, ending->errors);
+  return ending->code;
+}
+
 }  // namespace
 }  // namespace vordane::kit
 
 int main() {
-  using namespace vordane::kit;
-  vordane::windows::loadFromSystemOnly();
+  using namespace vordane;
+  windows::loadFromSystemOnly();
   try {
-    Options options = parse(commandLineWords());
-    if (options.help) return say(std::string(usage) + help), 0;
-    if (!options.good) return std::fputs(usage, stderr), wrongUsage;
-    finished = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    SetConsoleCtrlHandler(breakOff, TRUE);
-    const int outcome = Kit(std::move(options)).run();
-    SetEvent(finished);
-    return outcome;
+    return kit::run(windows::programWords());
   } catch (const std::exception& failure) {
-    say(std::string("Nothing was run: ") + failure.what() + '\n');
-    return refused;
+    kit::say(std::string("Nothing was run: ") + failure.what() + '\n');
+    return kit::refused;
   }
 }

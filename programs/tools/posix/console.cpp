@@ -4,7 +4,7 @@
 
 namespace vordane::tools {
 
-Arguments programArguments(int count, char** values) {
+options::Words programWords(int count, char** values) {
   if (count < 1) return {};
   return {values + 1, values + count};
 }

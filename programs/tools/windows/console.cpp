@@ -2,35 +2,17 @@
 
 #include <fcntl.h>
 #include <io.h>
-#include <windows.h>
-// shellapi.h needs windows.h before it.
-#include <shellapi.h>
 
 #include "platform/windows/services/console_output.h"
 #include "platform/windows/services/services.h"
 #include "text/utf8.h"
 
 namespace vordane::tools {
-namespace {
 
-static_assert(sizeof(wchar_t) == sizeof(char16_t));
-
-std::string utf8(const wchar_t* text) {
-  return text::toUtf8(std::u16string(reinterpret_cast<const char16_t*>(text)));
-}
-
-}  // namespace
-
-// The arguments that main receives have been forced into the system's code page; the command line has not.
 // The first that the program does on this system.
-Arguments programArguments(int, char**) {
+options::Words programWords(int, char**) {
   windows::loadFromSystemOnly();
-  int count = 0;
-  LPWSTR* const values = CommandLineToArgvW(GetCommandLineW(), &count);
-  Arguments arguments;
-  for (int i = 1; values != nullptr && i < count; ++i) arguments.push_back(utf8(values[i]));
-  LocalFree(values);
-  return arguments;
+  return windows::programWords();
 }
 
 void useBinaryStandardStreams() {

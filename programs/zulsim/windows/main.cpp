@@ -1,16 +1,15 @@
 // Zulsim.exe: the simulated exchange as an automation server of its own.
 //
-//   Zulsim.exe /RegServer | /UnregServer
-//   Zulsim.exe [SCENARIO]       started by hand: serves until it is ended
-//
-// Without SCENARIO (and when automation starts it) the scenario is Zulsim.zul beside the program, else
-// scenarios\demo.zul below it. It writes a log when a file Zulsim.log lies beside it.
+//   Zulsim.exe /RegServer | /UnregServer     as every automation server
+//   Zulsim.exe [SCENARIO]                    started by hand: serves until it is ended; --help tells more
 #include <windows.h>
 
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <string>
 
+#include "options/options.h"
 #include "platform/command_line.h"
 #include "platform/registration.h"
 #include "platform/windows/com/apartment.h"
@@ -26,6 +25,8 @@
 
 namespace vordane::zulsim {
 namespace {
+
+constexpr int wrongUsage = 2;
 
 std::u16string directoryOf(const std::u16string& path) {
   return path.substr(0, path.find_last_of(u"\\/") + 1);
@@ -101,18 +102,18 @@ registration::Server registrationOf(const std::u16string& path) {
           std::nullopt};
 }
 
-int serve(const std::u16string& directory, const platform::CommandLine& commandLine) {
-  const bool byHand = commandLine.start == platform::Start::byHand;
+// `byHand`: started by a person, who may name the scenario and ends the program.
+int serve(const std::u16string& directory, bool byHand, const std::u16string& scenario) {
   com::Apartment apartment;
   com::setErrorSource(u"Zulsim");
-  const std::u16string file = scenarioFile(directory, byHand ? commandLine.text : std::u16string{});
+  const std::u16string file = scenarioFile(directory, scenario);
   WindowsServices services(directory + u"Zulsim.log", directoryOf(file));
   const ParsedScenario parsed = load(file);
   const std::u16string problems = lines::listing(file, parsed.problems);
   if (!problems.empty()) services.log(problems);
   if (!problems.empty() && byHand) {
     MessageBoxW(nullptr, com::wide(problems.c_str()), L"Zulsim", MB_OK | MB_ICONERROR);
-    return 2;
+    return wrongUsage;
   }
   const auto simulation = std::make_shared<Simulation>(parsed.scenario, services);
   com::ClassServer server(apartment);
@@ -124,12 +125,38 @@ int serve(const std::u16string& directory, const platform::CommandLine& commandL
   return com::runMessageLoop();
 }
 
+void printLines(const std::string& utf8, void (*print)(std::u16string_view line)) {
+  std::istringstream lines(utf8);
+  for (std::string line; std::getline(lines, line);) print(text::fromUtf8(line));
+}
+
+int runByHand(const std::u16string& directory) {
+  options::Program program("Zulsim", "Simulates the exchanges of a maintenance suite, as a scenario says.",
+                           wrongUsage);
+  std::string scenario;
+  program.optionalArgument(
+      "SCENARIO", scenario,
+      "the file of the scenario, else Zulsim.zul beside the program, else scenarios\\demo.zul below it");
+  program.notes(
+      "It serves until it is ended, and writes a log when a file Zulsim.log lies beside it. Zulsim "
+      "/RegServer "
+      "registers it, so that automation starts it; Zulsim /UnregServer takes it away.\n"
+      "Exit code: 0 ended, 1 failed, 2 wrong usage or a scenario that can't be used.");
+  program.runs([&] { return serve(directory, true, text::fromUtf8(scenario)); });
+  const auto ending = program.read(windows::programWords());
+  if (!ending) return program.perform();
+  printLines(ending->output, windows::printLine);
+  printLines(ending->errors, windows::printMistake);
+  return ending->code;
+}
+
 int run() {
   const std::u16string path = windows::executablePath();
   const std::u16string_view whole = com::fromWide(GetCommandLineW());
   const platform::CommandLine commandLine = platform::parseCommandLine(platform::withoutProgramName(whole));
   if (const auto asked = windows::registerAsAsked(commandLine, registrationOf(path))) return *asked;
-  return serve(directoryOf(path), commandLine);
+  if (commandLine.start == platform::Start::byHand) return runByHand(directoryOf(path));
+  return serve(directoryOf(path), false, {});
 }
 
 }  // namespace

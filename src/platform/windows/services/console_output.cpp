@@ -36,4 +36,10 @@ void writeConsole(std::FILE* file, std::string_view utf8) {
   }
 }
 
+void write(std::FILE* file, std::string_view utf8) {
+  if (isConsole(file)) return writeConsole(file, utf8);
+  std::fwrite(utf8.data(), 1, utf8.size(), file);
+  std::fflush(file);
+}
+
 }  // namespace vordane::windows

@@ -12,4 +12,7 @@ bool isConsole(std::FILE* file);
 // `utf8` holds whole characters; what was written through `file` before stands before it.
 void writeConsole(std::FILE* file, std::string_view utf8);
 
+// The same wherever `file` leads, at once: whoever follows it sees each text as it comes.
+void write(std::FILE* file, std::string_view utf8);
+
 }  // namespace vordane::windows

@@ -26,10 +26,7 @@ HANDLE startersConsole() {
   return console.get();
 }
 
-}  // namespace
-
-void printLine(std::u16string_view line) {
-  HANDLE out = GetStdHandle(STD_OUTPUT_HANDLE);
+void print(HANDLE out, std::u16string_view line) {
   if (out == nullptr || out == INVALID_HANDLE_VALUE) out = startersConsole();
   const std::u16string whole = std::u16string(line) + u"\r\n";
   DWORD written = 0;
@@ -39,6 +36,16 @@ void printLine(std::u16string_view line) {
   }
   const std::string bytes = text::toUtf8(whole);
   WriteFile(out, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+}
+
+}  // namespace
+
+void printLine(std::u16string_view line) {
+  print(GetStdHandle(STD_OUTPUT_HANDLE), line);
+}
+
+void printMistake(std::u16string_view line) {
+  print(GetStdHandle(STD_ERROR_HANDLE), line);
 }
 
 }  // namespace vordane::windows

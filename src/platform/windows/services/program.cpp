@@ -9,6 +9,7 @@
 #include "platform/command_line.h"
 #include "platform/windows/com/owned.h"
 #include "platform/windows/services/services.h"
+#include "text/utf8.h"
 
 namespace vordane::windows {
 namespace {
@@ -70,6 +71,16 @@ platform::Program thisProgram() {
   readVersion(program);
   program.interactive = stationIsVisible();
   return program;
+}
+
+std::vector<std::string> programWords() {
+  int count = 0;
+  LPWSTR* const values = CommandLineToArgvW(GetCommandLineW(), &count);
+  std::vector<std::string> words;
+  for (int i = 1; values != nullptr && i < count; ++i)
+    words.push_back(text::toUtf8(com::fromWide(values[i])));
+  LocalFree(values);
+  return words;
 }
 
 bool stationIsVisible() {

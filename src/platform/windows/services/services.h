@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "platform/command_line.h"
@@ -76,9 +77,15 @@ void loadFromSystemOnly();
 platform::Program thisProgram();
 std::u16string executablePath();
 
-// Writes a line to wherever whoever started this program reads: as UTF-8 to a file or pipe, as text of any
-// script to a console, also that of the command prompt that a program with windows was started from.
+// The words of the command line behind the program's name, as UTF-8. What main receives has been forced into
+// the system's code page; the command line has not.
+std::vector<std::string> programWords();
+
+// Writes a line, of output or about a mistake, to wherever whoever started this program reads: as UTF-8 to a
+// file or pipe, as text of any script to a console, also that of the command prompt that a program with
+// windows was started from.
 void printLine(std::u16string_view line);
+void printMistake(std::u16string_view line);
 
 // Registers a program, or takes it away, as its command line asks, and prints what became of it. A program
 // for everybody that others than administrators may replace is named with them. The exit code (0 done, 1 not
