@@ -29,7 +29,17 @@ if(VORDANE_FUZZ)
   add_link_options(-fsanitize=address,undefined)
 endif()
 
+# What is shipped: with the information for debuggers, which tools/release takes out into files of its own, and with
+# nothing of the folder, the day or the machine that it is built in.
+option(VORDANE_RELEASE "Build as it is shipped" OFF)
+if(VORDANE_RELEASE)
+  add_compile_options(-g -ffile-prefix-map=${PROJECT_BINARY_DIR}=build -ffile-prefix-map=${PROJECT_SOURCE_DIR}=vordane
+    -ffile-prefix-map=$ENV{HOME}=home)
+endif()
+
 if(WIN32)
+  # No time of linking in the programs: the same sources give the same bytes.
+  add_link_options(-Wl,--no-insert-timestamp)
   # One file to copy: no run-time libraries beside the programs.
   add_link_options(-static)
   add_compile_definitions(UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0A00)

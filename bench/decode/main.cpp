@@ -39,7 +39,7 @@ class ReadyPieces {
  public:
   ReadyPieces(const cFaultDisplay& display, const std::vector<RandomRecord>& all) {
     for (const RandomRecord& record : all) {
-      for (const cFaultDisplay::Piece& piece : display.Explain(record.kind, record.first, record.second))
+      for (const cFaultDisplay::Piece& piece : display.explain(record.kind, record.first, record.second))
         pieces_.push_back(*texts_.insert(piece.text).first);
       ends_.push_back(pieces_.size());
     }

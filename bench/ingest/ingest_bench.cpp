@@ -118,7 +118,7 @@ class Lists {
       BenchFile ourFile("ours"), bareFile("bare");
       form_.database = ourFile.open();
       store::FaultStore store(form_, form_.around());
-      store.SetSortFlags();
+      store.setSortFlags();
       BareStore bare(bareFile.path());
       compare(takeIn(store), lookUpAndInsert(bare), added, addedAndShown);
       compare(takeIn(store), lookUp(bare), known, knownAndShown);

@@ -5,7 +5,7 @@
 #include <chrono>
 #include <stdexcept>
 
-#include "platform/sqlite/fault_index.h"
+#include "platform/sqlite/event_keys.h"
 
 namespace vordane::bench {
 namespace {
@@ -35,9 +35,8 @@ sqlite3_stmt* prepare(sqlite3* handle, const char* sql) {
 std::vector<FaultKeys> keysOf(const std::vector<Fault>& faults) {
   std::vector<FaultKeys> keys;
   for (const Fault& fault : faults) {
-    const sqlite::FaultFields fields{fault.fault, fault.alarm, fault.cpu, fault.date, fault.description};
-    keys.push_back({sqlite::FaultIndex::momentKey(fields.date), sqlite::FaultIndex::kindKey(fields),
-                    sqlite::FaultIndex::hashOf(fields)});
+    const sqlite::EventTexts texts{fault.fault, fault.alarm, fault.cpu, fault.date, fault.description};
+    keys.push_back({sqlite::momentKey(texts), sqlite::kindKey(texts), sqlite::hashOf(texts)});
   }
   return keys;
 }

@@ -9,9 +9,12 @@ namespace vordane::tools {
 void declareDecode(options::Command& command);
 void declareDoctor(options::Command& command);
 void declareExport(options::Command& command);
+void declareGuide(options::Command& command);
 void declareImport(options::Command& command);
+void declareInstall(options::Command& command);
 void declareLanguage(options::Command& command);
 void declareList(options::Command& command);
 void declareSuite(options::Command& command);
+void declareUninstall(options::Command& command);
 
 }  // namespace vordane::tools

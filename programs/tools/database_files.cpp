@@ -4,10 +4,13 @@
 #include <iterator>
 
 #include "lines.h"
+#include "platform/database_numbers.h"
 #include "text/utf8.h"
 
 namespace vordane::tools {
 namespace {
+
+namespace number = database::number;
 
 // By the numbers that both engines use.
 struct Advice {
@@ -15,18 +18,19 @@ struct Advice {
   std::string_view text;
 };
 constexpr Advice advices[] = {
-    {3024, "there is no such file. Check the path"},
-    {3343, "this is no database. Name a database of the suite, of the embedded engine or of Access"},
-    {3260, "it is in use by another program. End that program, then try again"},
-    {3027, "it may not be written. Check the rights of the file and of its folder"},
-    {3051, "it may not be opened or written. Check the rights of the file and of its folder"},
-    {3026, "there is no room on its disk. Make room, then try again"},
-    {3043, "its disk or the network failed. Check them, then try again"},
-    {3049, "it is damaged. Bring back a copy that is whole"},
-    {3035, "there is not enough memory for it. End other programs, then try again"},
-    {3061,
+    {number::fileNotFound, "there is no such file. Check the path"},
+    {number::notADatabase,
+     "this is no database. Name a database of the suite, of the embedded engine or of Access"},
+    {number::locked, "it is in use by another program. End that program, then try again"},
+    {number::readOnly, "it may not be written. Check the rights of the file and of its folder"},
+    {number::noPermission, "it may not be opened or written. Check the rights of the file and of its folder"},
+    {number::diskFull, "there is no room on its disk. Make room, then try again"},
+    {number::diskError, "its disk or the network failed. Check them, then try again"},
+    {number::damaged, "it is damaged. Bring back a copy that is whole"},
+    {number::outOfMemory, "there is not enough memory for it. End other programs, then try again"},
+    {number::unknownName,
      "it lacks a column that is needed. Check that it is the right file; 'vordane-tools doctor' says more"},
-    {3078,
+    {number::unknownTable,
      "it lacks a table that is needed. Check that it is the right file; 'vordane-tools doctor' says more"},
 };
 

@@ -24,7 +24,7 @@ struct Options {
 
 void readTexts(const Options& options, FaultTextTable& texts) {
   if (!options.language.empty())
-    return readLanguage(*sqlite::makeEngine(startup::databases), options.language, texts);
+    return readLanguageDatabase(*sqlite::makeEngine(startup::databases), options.language, texts);
   readMessages(options.messages, texts);
   if (!options.lists.empty()) readLists(options.lists, texts);
 }
@@ -59,7 +59,7 @@ class Decode {
   void explained(const Record& record) {
     plain(record);
     const std::u16string data = record.first + u" " + record.second;
-    for (const cFaultDisplay::Piece& piece : decoder_.Explain(record.record, record.first, record.second))
+    for (const cFaultDisplay::Piece& piece : decoder_.explain(record.record, record.first, record.second))
       if (!piece.sources.empty()) proof(piece, data);
   }
 
@@ -94,7 +94,7 @@ class Decode {
 
 void decodeStream(const FaultTextTable& texts, const Options& options, std::FILE* in, std::FILE* out) {
   const bool wide = !options.narrow;
-  LineReader lines(in);
+  FileLines lines(in);
   BlockWriter writer(out, isTerminal(out));
   Decode decode(texts, wide, writer.buffer());
   Record record;

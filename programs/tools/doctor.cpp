@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <iostream>
 #include <memory>
 
@@ -16,11 +15,7 @@ int doctor(const std::string& directory) {
     for (Finding& finding : examineWorkstation(layout, *workstation)) findings.push_back(std::move(finding));
   else
     std::cout << "settings and registration are examined on Windows only\n";
-  for (const Finding& finding : findings)
-    std::cout << wordFor(finding.weight) << ": " << finding.text << '\n';
-  const bool whole = std::all_of(findings.begin(), findings.end(),
-                                 [](const Finding& finding) { return finding.weight == Weight::unsafe; });
-  if (whole) std::cout << "nothing is missing\n";
+  for (const std::string& line : linesOf(findings)) std::cout << line << '\n';
   return findings.empty() ? 0 : 1;
 }
 

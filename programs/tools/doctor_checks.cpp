@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "doctor_paths.h"
+#include "installed_language.h"
 #include "language/form_controls.h"
 #include "language/language_databases.h"
 #include "language/row_values.h"
@@ -54,13 +55,6 @@ std::u16string columnList(const database::TableDefinition& table) {
   for (const auto& column : table.columns)
     columns += (columns.empty() ? u"[" : u",[") + std::u16string(column.name) + u"]";
   return columns;
-}
-
-bool canRun(Database& database, const std::u16string& statement) try {
-  database.openRecordset(statement)->close();
-  return true;
-} catch (const database::DatabaseError&) {
-  return false;
 }
 
 // A schedule may lack the job kind, and of the suite's registration only the add-in's own row is used.
@@ -124,59 +118,6 @@ std::unique_ptr<Database> openForLook(database::Engine& engine, const SuiteFile&
   }
 }
 
-// A row of a table as its source would stand in a text file.
-SourceRows rowsOf(Database& database, const std::string& name, std::u16string_view table,
-                  std::initializer_list<std::u16string_view> columns, std::u16string_view formColumn = {}) {
-  SourceRows rows;
-  const auto recordset = database.openRecordset(u"SELECT * FROM " + std::u16string(table));
-  for (int number = 1; !recordset->atEnd(); recordset->moveNext(), ++number) {
-    if (!formColumn.empty() && language::textOf(recordset->get(formColumn)) != formName) continue;
-    SourceRow row{name + " " + text::toUtf8(table) + " row " + std::to_string(number), {}};
-    for (const auto column : columns) row.fields.push_back(language::textOf(recordset->get(column)));
-    rows.push_back(std::move(row));
-  }
-  return rows;
-}
-
-SourceRows projectRows(Database& own, const std::string& name) {
-  SourceRows rows;
-  const auto recordset = own.openRecordset(u"SELECT * FROM tProject");
-  for (; !recordset->atEnd(); recordset->moveNext()) {
-    if (language::textOf(recordset->get(u"EXEName")) != programName) continue;
-    for (const char16_t* property : {u"Title", u"OleServerBusyMsgTitle", u"OleServerBusyMsgText",
-                                     u"OleRequestPendingMsgTitle", u"OleRequestPendingMsgText"})
-      rows.push_back({name + " tProject", {property, language::textOf(recordset->get(property))}});
-  }
-  return rows;
-}
-
-// The texts of the installed database, in the shape of their sources, so that one check serves both.
-LanguageSource installedLanguage(Database& own, Database* common, const std::string& name) {
-  LanguageSource source;
-  source.name = name;
-  source.messages = rowsOf(own, name, u"tMessages", {u"ID", u"Caption"});
-  source.lists = rowsOf(own, name, u"tComboBoxDT", {u"ObjectName", u"ListIndex", u"List"}, u"FormName");
-  source.forms =
-      rowsOf(own, name, u"tForms", {u"ObjectName", u"Caption", u"FontName", u"FontSize"}, u"ObjectName");
-  source.controls =
-      rowsOf(own, name, u"tControls", {u"ObjectName", u"Caption", u"FontName", u"FontSize", u"ToolTipText"},
-             u"FormName");
-  source.headings = rowsOf(own, name, u"tSSGridsHD", {u"ObjectName", u"ColIndex", u"Caption"}, u"FormName");
-  source.project = projectRows(own, name);
-  source.boxes =
-      rowsOf(own, name, u"tMsgBox", {u"MsgNo", u"Prompt", u"Buttons", u"Title", u"HelpFile", u"Context"});
-  source.pictures = rowsOf(own, name, u"tPicture",
-                           {u"ObjectName", u"FileName", u"BasePanel", u"BasePanelIndex"}, u"FormName");
-  if (common != nullptr) {
-    source.common_boxes = rowsOf(*common, name, u"tMsgBox",
-                                 {u"MsgNo", u"Prompt", u"Buttons", u"Title", u"HelpFile", u"Context"});
-    source.picture_sets = rowsOf(*common, name, u"PictureFileName", {u"ID", u"DefaultName", u"FileName"});
-  }
-  if (canRun(own, u"select * from tHelp"))
-    source.help = rowsOf(own, name, u"tHelp", {u"ObjectName", u"HelpText"}, u"FormName");
-  return source;
-}
-
 std::map<std::int32_t, std::int64_t> countById(Database& faults, std::u16string_view table) {
   std::map<std::int32_t, std::int64_t> counts;
   const auto rows = faults.openRecordset(u"select [ID] from " + std::u16string(table));
@@ -238,14 +179,6 @@ void examinePictures(const SuiteLayout& layout, Database& own, Findings& finding
                           nameOf(layout.pictures() / row.fields[0]) + " is missing: no background there"});
 } catch (const database::DatabaseError&) {
   // Named already.
-}
-
-// A directory that ends in a separator is not found by every system's look at it.
-bool samePlace(const fs::path& a, const fs::path& b) {
-  const auto bare = [](const fs::path& path) { return path.has_filename() ? path : path.parent_path(); };
-  std::error_code failure;
-  return text::equalIgnoringCase(toText(bare(a)), toText(bare(b))) ||
-         fs::equivalent(bare(a), bare(b), failure);
 }
 
 // The program of a command, whose path stands in quotes unless somebody left them out.
@@ -312,6 +245,16 @@ std::string_view wordFor(Weight weight) {
       break;
   }
   return "unsafe";
+}
+
+std::vector<std::string> linesOf(const Findings& findings) {
+  std::vector<std::string> lines;
+  for (const Finding& finding : findings)
+    lines.push_back(std::string(wordFor(finding.weight)) + ": " + finding.text);
+  const bool whole = std::all_of(findings.begin(), findings.end(),
+                                 [](const Finding& finding) { return finding.weight == Weight::unsafe; });
+  if (whole) lines.emplace_back("nothing is missing");
+  return lines;
 }
 
 std::vector<Finding> examineFiles(const SuiteLayout& layout, database::Engine& engine) {

@@ -26,6 +26,9 @@ struct Finding {
 };
 std::string_view wordFor(Weight weight);  // "stops the program"
 
+// What the doctor says, one line each.
+std::vector<std::string> linesOf(const std::vector<Finding>& findings);
+
 // Opens the databases as the program does on this machine. Only on Windows can that be Access files too.
 std::unique_ptr<database::Engine> examiningEngine();
 

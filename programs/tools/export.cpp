@@ -10,6 +10,7 @@
 #include "export_texts.h"
 #include "language_source.h"
 #include "lines.h"
+#include "platform/database_numbers.h"
 #include "platform/engine_choice.h"
 #include "text/utf8.h"
 #include "tools/sqlite/table_reader.h"
@@ -26,9 +27,9 @@ void readAnyFile(const std::string& name, access::Visitor& visitor) {
       case database::FileKind::embedded:
         return readTables(path.u16string(), visitor);
       case database::FileKind::missing:
-        throw database::DatabaseError(3024, path.u16string());
+        throw database::DatabaseError(database::number::fileNotFound, path.u16string());
       case database::FileKind::unknown:
-        throw database::DatabaseError(3343, path.u16string());
+        throw database::DatabaseError(database::number::notADatabase, path.u16string());
     }
   } catch (const database::DatabaseError& failure) {
     throw ToolError(failureText(name, failure));

@@ -3,6 +3,7 @@
 #include "csv.h"
 #include "lines.h"
 #include "platform/file_moves.h"
+#include "text/file_names.h"
 #include "text/utf8.h"
 
 namespace vordane::tools {
@@ -11,13 +12,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t enough = std::size_t{1} << 18;
-
-// A table's name as a file's: what no system takes in one stands as "_".
-std::u16string fileName(std::u16string name) {
-  for (char16_t& c : name)
-    if (c < u' ' || std::u16string_view(u"<>:\"/\\|?*").find(c) != std::u16string_view::npos) c = u'_';
-  return name + u".csv";
-}
 
 }  // namespace
 
@@ -49,7 +43,7 @@ CsvExport::~CsvExport() {
 }
 
 void CsvExport::beginTable(const access::Table& table) {
-  target_ = folder_ / fileName(table.name);
+  target_ = folder_ / (text::asFileName(table.name) + u".csv");
   pending_ = target_;
   pending_ += ".part";
   out_.open(pending_, std::ios::binary | std::ios::trunc);

@@ -4,7 +4,9 @@
 #include <fstream>
 
 #include "faults/kind_lists.h"
+#include "language/comLanguage.h"
 #include "language/form_controls.h"
+#include "language/row_values.h"
 #include "lines.h"
 #include "settings/shared_state.h"
 #include "text/numbers.h"
@@ -16,38 +18,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct TextTable {
-  std::u16string_view table;
-  const char* file;
-  bool shared;
-  std::initializer_list<std::u16string_view> columns;
-};
-
-const TextTable textTables[] = {
-    {u"tMessages", "messages.tsv", false, {u"ID", u"Caption"}},
-    {u"tForms", "forms.tsv", false, {u"ObjectName", u"Caption", u"FontName", u"FontSize"}},
-    {u"tControls",
-     "controls.tsv",
-     false,
-     {u"ObjectName", u"Caption", u"FontName", u"FontSize", u"ToolTipText"}},
-    {u"tComboBoxDT", "lists.tsv", false, {u"ObjectName", u"ListIndex", u"List"}},
-    {u"tSSGridsHD", "headings.tsv", false, {u"ObjectName", u"ColIndex", u"Caption"}},
-    {u"tMsgBox", "boxes.tsv", false, {u"MsgNo", u"Prompt", u"Buttons", u"Title", u"HelpFile", u"Context"}},
-    {u"tHelp", "help.tsv", false, {u"ObjectName", u"HelpText"}},
-    {u"tPicture", "pictures.tsv", true, {u"ObjectName", u"FileName", u"BasePanel", u"BasePanelIndex"}},
-    {u"PictureFileName", "picture_sets.tsv", true, {u"ID", u"DefaultName", u"FileName"}},
-};
-
-constexpr std::u16string_view projectColumns[] = {u"Title", u"OleServerBusyMsgTitle", u"OleServerBusyMsgText",
-                                                  u"OleRequestPendingMsgTitle", u"OleRequestPendingMsgText"};
-
 std::string inUtf8(const fs::path& path) {
   return text::toUtf8(path.u16string());
 }
 
 // A hidden list of a kind has nothing to translate: the row that `language build` writes for it.
 bool saysNothing(const std::string& name, const SourceRow& row) {
-  const std::u16string_view keepDesigned = u"-1";
+  using language::keepDesigned;
   return name == "controls.tsv" && row.fields[1] == keepDesigned && row.fields[4] == keepDesigned &&
          std::any_of(kindLists.begin(), kindLists.end(),
                      [&](const KindList& list) { return list.name() == row.fields[0]; });
@@ -99,7 +76,7 @@ std::u16string TextExport::field(std::u16string_view column) {
                    [&](const access::Column& known) { return text::equalIgnoringCase(known.name, column); });
   if (found == table_.columns.end()) return {};
   const access::Value& value = values_.at(static_cast<std::size_t>(found - table_.columns.begin()));
-  std::u16string words = automation::isNull(value) ? std::u16string{} : automation::toText(value);
+  std::u16string words = database::textOf(value);
   for (char16_t& c : words) {
     if (c != u'\t' && c != u'\r' && c != u'\n') continue;
     c = u' ';
@@ -131,25 +108,26 @@ bool TextExport::isOwnForm() {
   return true;
 }
 
-void TextExport::take(const std::string& name, bool shared,
-                      std::initializer_list<std::u16string_view> columns) {
+void TextExport::take(const LanguageTable& table) {
   SourceRow row;
-  for (const auto column : columns) row.fields.push_back(field(column));
-  if (!saysNothing(name, row)) file(name, shared).rows.push_back(std::move(row));
+  for (const auto column : columnsInFile(table)) row.fields.push_back(field(column));
+  if (!saysNothing(table.file, row)) file(table.file, table.shared).rows.push_back(std::move(row));
 }
 
-void TextExport::projectRow() {
+void TextExport::takeProject(const LanguageTable& table) {
   if (!text::equalIgnoringCase(field(u"EXEName"), programName)) return;
-  for (const auto column : projectColumns)
-    file("project.tsv", false).rows.push_back({{}, {std::u16string(column), field(column)}});
+  for (const comLanguage::ProjectText& text : comLanguage::projectTexts)
+    file(table.file, table.shared).rows.push_back({{}, {std::u16string(text.column), field(text.column)}});
 }
 
 void TextExport::row(const std::vector<access::Value>& values) {
   values_ = values;
-  if (text::equalIgnoringCase(table_.name, u"tProject")) return projectRow();
-  for (const TextTable& known : textTables)
-    if (text::equalIgnoringCase(known.table, table_.name) && isOwnForm())
-      take(known.file, known.shared, known.columns);
+  const auto* const table = std::find_if(
+      std::begin(languageTables), std::end(languageTables),
+      [&](const LanguageTable& known) { return text::equalIgnoringCase(known.table.name, table_.name); });
+  if (table == std::end(languageTables)) return;
+  if (hasLineForEachColumn(*table)) return takeProject(*table);
+  if (isOwnForm()) take(*table);
 }
 
 std::vector<fs::path> TextExport::write(const fs::path& folder) const {

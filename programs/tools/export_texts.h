@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "language_source.h"
+#include "language_tables.h"
 #include "platform/access/access_file.h"
 
 namespace vordane::tools {
@@ -29,10 +30,10 @@ class TextExport : public access::Visitor {
     SourceRows rows;
   };
   File& file(const std::string& name, bool shared);
-  void take(const std::string& name, bool shared, std::initializer_list<std::u16string_view> columns);
+  void take(const LanguageTable& table);
   std::u16string field(std::u16string_view column);
   bool isOwnForm();
-  void projectRow();
+  void takeProject(const LanguageTable& table);
 
   bool common_ = false;
   access::Table table_;

@@ -4,6 +4,7 @@
 
 #include "csv.h"
 #include "lines.h"
+#include "platform/stored_values.h"
 #include "store/statements.h"
 #include "terminal_text.h"
 #include "text/text.h"
@@ -22,13 +23,11 @@ struct Exchange {
 };
 
 std::u16string textOf(Recordset& rows, std::u16string_view column) {
-  const database::Value value = rows.get(column);
-  return automation::isNull(value) ? std::u16string{} : automation::toText(value);
+  return database::textOf(rows.get(column));
 }
 
 bool flagOf(Recordset& rows, std::u16string_view column) {
-  const database::Value value = rows.get(column);
-  return !automation::isNull(value) && automation::toBoolean(value);
+  return database::flagOf(rows.get(column));
 }
 
 std::vector<Exchange> readExchanges(database::Database& database) {

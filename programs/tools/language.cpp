@@ -18,7 +18,7 @@ int report(const Problems& problems) {
 int check(const options::Words& folders) {
   Problems problems;
   std::vector<LanguageSource> sources;
-  for (const std::string& folder : folders) sources.push_back(readLanguage(toPath(folder), problems));
+  for (const std::string& folder : folders) sources.push_back(readLanguageSource(toPath(folder), problems));
   for (const LanguageSource& source : sources) checkLanguage(source, problems);
   compareLanguages(sources, problems);
   if (problems.empty()) std::cout << sources.size() << " language(s) complete\n";
@@ -32,7 +32,7 @@ struct ToBuild {
 
 int build(const ToBuild& given) {
   Problems problems;
-  const LanguageSource source = readLanguage(toPath(given.folder), problems);
+  const LanguageSource source = readLanguageSource(toPath(given.folder), problems);
   checkLanguage(source, problems);
   if (!problems.empty()) return report(problems);
   (given.common ? buildCommonLanguage : buildOwnLanguage)(source, toPath(given.file));

@@ -3,8 +3,11 @@
 #include <algorithm>
 
 #include "faults/kind_lists.h"
+#include "language/comLanguage.h"
 #include "language/form_controls.h"
 #include "language/language_databases.h"
+#include "language/row_values.h"
+#include "language_tables.h"
 #include "lines.h"
 #include "settings/shared_state.h"
 #include "text/numbers.h"
@@ -29,40 +32,41 @@ Value form() {
   return std::u16string(formName);
 }
 
-void insertAll(DatabaseWriter& out, std::u16string_view table, const SourceRows& rows,
-               Row (*valuesOf)(const SourceRow&)) {
-  for (const SourceRow& row : rows) out.insert(table, valuesOf(row));
+// The code of a list's item is its place in the list.
+std::int32_t codeOf(const LanguageTable& table, const SourceRow& row) {
+  const auto columns = columnsInFile(table);
+  const auto place = std::find(columns.begin(), columns.end(), u"ListIndex");
+  return number(row, static_cast<std::size_t>(place - columns.begin()));
 }
 
-Row messageValues(const SourceRow& row) {
-  return {number(row, 0), row.fields[1]};
+Value givenValue(Given given, const LanguageTable& table, const SourceRow& row) {
+  switch (given) {
+    case Given::window:
+      return form();
+    case Given::noIndex:
+      return noIndex;
+    case Given::itsCode:
+      return codeOf(table, row);
+    case Given::no:
+      break;
+  }
+  return false;
 }
-Row formValues(const SourceRow& row) {
-  return {row.fields[0], row.fields[1], row.fields[2], static_cast<double>(number(row, 3))};
+
+Value valueOf(database::ColumnType type, const SourceRow& row, std::size_t field) {
+  if (type == database::ColumnType::integer) return number(row, field);
+  if (type == database::ColumnType::number) return static_cast<double>(number(row, field));
+  return row.fields[field];
 }
-Row controlValues(const SourceRow& row) {
-  return {form(),        row.fields[0], noIndex,
-          row.fields[1], row.fields[2], static_cast<double>(number(row, 3)),
-          row.fields[4]};
-}
-Row listValues(const SourceRow& row) {
-  const std::int32_t code = number(row, 1);
-  return {form(), row.fields[0], noIndex, code, row.fields[2], code, false};
-}
-Row headingValues(const SourceRow& row) {
-  return {form(), row.fields[0], noIndex, number(row, 1), row.fields[2]};
-}
-Row boxValues(const SourceRow& row) {
-  return {number(row, 0), row.fields[1], row.fields[2], row.fields[3], row.fields[4], row.fields[5]};
-}
-Row helpValues(const SourceRow& row) {
-  return {form(), row.fields[0], row.fields[1]};
-}
-Row pictureValues(const SourceRow& row) {
-  return {form(), row.fields[0], noIndex, row.fields[1], row.fields[2], number(row, 3)};
-}
-Row pictureSetValues(const SourceRow& row) {
-  return {number(row, 0), row.fields[1], row.fields[2]};
+
+Row valuesOf(const LanguageTable& table, const SourceRow& row) {
+  Row values;
+  std::size_t field = 0;
+  for (const database::ColumnDefinition& column : table.table.columns) {
+    const auto filled = given(column.name);
+    values.push_back(filled ? givenValue(*filled, table, row) : valueOf(column.type, row, field++));
+  }
+  return values;
 }
 
 // The hidden lists of the kinds: nobody sees their fonts, but the add-in's table names every control. A
@@ -73,7 +77,7 @@ void insertKindLists(DatabaseWriter& out, const LanguageSource& source) {
                                    [&](const SourceRow& row) { return row.fields[0] == list.name(); });
     if (given || source.forms.empty()) continue;
     const SourceRow& window = source.forms.front();
-    const std::u16string keepDesigned = u"-1";
+    const std::u16string keepDesigned(language::keepDesigned);
     out.insert(u"tControls", Row{form(), std::u16string(list.name()), noIndex, keepDesigned, window.fields[2],
                                  static_cast<double>(number(window, 3)), keepDesigned});
   }
@@ -82,14 +86,23 @@ void insertKindLists(DatabaseWriter& out, const LanguageSource& source) {
 // The one row whose columns are the properties of the application.
 Row projectValues(const SourceRows& rows) {
   Row values{std::u16string(programName)};
-  for (const auto* property : {u"Title", u"OleServerBusyMsgTitle", u"OleServerBusyMsgText",
-                               u"OleRequestPendingMsgTitle", u"OleRequestPendingMsgText"}) {
-    std::u16string text;
+  for (const comLanguage::ProjectText& text : comLanguage::projectTexts) {
+    std::u16string words;
     for (const SourceRow& row : rows)
-      if (row.fields[0] == property) text = row.fields[1];
-    values.emplace_back(text);
+      if (row.fields[0] == text.column) words = row.fields[1];
+    values.emplace_back(words);
   }
   return values;
+}
+
+void insertTexts(DatabaseWriter& out, const LanguageSource& source, Holder holder) {
+  for (const LanguageTable& table : languageTables) {
+    if (table.holder != holder) continue;
+    if (hasLineForEachColumn(table))
+      out.insert(table.table.name, projectValues(source.*table.rows));
+    else
+      for (const SourceRow& row : source.*table.rows) out.insert(table.table.name, valuesOf(table, row));
+  }
 }
 
 }  // namespace
@@ -98,24 +111,15 @@ void buildOwnLanguage(const LanguageSource& source, const std::filesystem::path&
   DatabaseWriter writer(toText(out), true);
   writer.createTables(language::ownTables);
   writer.createTable(language::helpTable);
-  insertAll(writer, u"tMessages", source.messages, messageValues);
-  insertAll(writer, u"tForms", source.forms, formValues);
-  insertAll(writer, u"tControls", source.controls, controlValues);
+  insertTexts(writer, source, Holder::own);
   insertKindLists(writer, source);
-  insertAll(writer, u"tComboBoxDT", source.lists, listValues);
-  insertAll(writer, u"tSSGridsHD", source.headings, headingValues);
-  writer.insert(u"tProject", projectValues(source.project));
-  insertAll(writer, u"tMsgBox", source.boxes, boxValues);
-  insertAll(writer, u"tPicture", source.pictures, pictureValues);
-  insertAll(writer, u"tHelp", source.help, helpValues);
   writer.finish();
 }
 
 void buildCommonLanguage(const LanguageSource& source, const std::filesystem::path& out) {
   DatabaseWriter writer(toText(out), true);
   writer.createTables(language::commonTables);
-  insertAll(writer, u"tMsgBox", source.common_boxes, boxValues);
-  insertAll(writer, u"PictureFileName", source.picture_sets, pictureSetValues);
+  insertTexts(writer, source, Holder::common);
   writer.finish();
 }
 

@@ -7,9 +7,11 @@
 #include <string_view>
 
 #include "faults/kind_lists.h"
+#include "language/comLanguage.h"
 #include "language/comTools.h"
 #include "language/form_controls.h"
 #include "language/message_numbers.h"
+#include "language/row_values.h"
 #include "platform/control_types.h"
 #include "text/numbers.h"
 #include "text/text.h"
@@ -20,7 +22,7 @@ namespace {
 
 using text::toUtf8;
 
-constexpr std::u16string_view keepDesigned = u"-1";
+using language::keepDesigned;
 
 // Titles and labels of later kinds stand behind the product's own texts.
 constexpr bool leavesOwnTexts(const faults::FaultKind& row) {
@@ -33,10 +35,6 @@ constexpr bool avoidsUnusedTexts(const faults::FaultKind& row) {
   return !message::isUnused(row.title) && !message::isUnused(row.label);
 }
 static_assert(faults::all(avoidsUnusedTexts), "faultKinds: a title or label is a number that stays empty");
-
-constexpr std::u16string_view projectProperties[] = {u"Title", u"OleServerBusyMsgTitle",
-                                                     u"OleServerBusyMsgText", u"OleRequestPendingMsgTitle",
-                                                     u"OleRequestPendingMsgText"};
 
 std::string inQuotes(std::u16string_view text) {
   return "\"" + toUtf8(text) + "\"";
@@ -197,15 +195,16 @@ class Checker {
   }
 
   void accessKeys() {
-    Keys window, paneMenu;
+    Keys window, paneMenu, frameMenu;
     for (const SourceRow& row : source_.controls)
       if (typeOf(row.fields[0]) != u"Menu") takeKey(window, row, toUtf8(row.fields[0]));
     for (const SourceRow& row : source_.messages)
-      if (const auto id = text::parseInteger(row.fields[0])) messageKey(window, paneMenu, row, *id);
+      if (const auto id = text::parseInteger(row.fields[0]))
+        messageKey(window, paneMenu, frameMenu, row, *id);
   }
 
-  // Some messages are captions: of the main window's controls, or of the menu over the pane.
-  void messageKey(Keys& window, Keys& paneMenu, const SourceRow& row, std::int32_t id) {
+  // Some messages are captions: of the main window's controls, of the menu over the pane, or of the frame's.
+  void messageKey(Keys& window, Keys& paneMenu, Keys& frameMenu, const SourceRow& row, std::int32_t id) {
     const auto isOneOf = [id](const auto& numbers) {
       return std::any_of(numbers.begin(), numbers.end(),
                          [id](std::size_t number) { return static_cast<std::int32_t>(number) == id; });
@@ -213,6 +212,7 @@ class Checker {
     const std::string owner = "message " + std::to_string(id);
     if (isOneOf(message::windowKeys)) return needKey(window, row, owner);
     if (isOneOf(message::paneMenuKeys)) return needKey(paneMenu, row, owner);
+    if (isOneOf(message::frameMenuKeys)) return needKey(frameMenu, row, owner);
     if (accessKey(row.fields[1]) != 0) complain(row, owner + " is no caption: it takes no access key");
   }
 
@@ -239,14 +239,15 @@ class Checker {
   void project() {
     std::set<std::u16string> found;
     for (const SourceRow& row : source_.project) {
-      const bool known = std::find(std::begin(projectProperties), std::end(projectProperties),
-                                   row.fields[0]) != std::end(projectProperties);
+      const bool known =
+          std::any_of(comLanguage::projectTexts.begin(), comLanguage::projectTexts.end(),
+                      [&](const comLanguage::ProjectText& text) { return text.column == row.fields[0]; });
       if (!known) complain(row, "there is no property " + inQuotes(row.fields[0]));
       if (!found.insert(row.fields[0]).second) complain(row, toUtf8(row.fields[0]) + " stands twice");
       if (row.fields[1].empty()) complain(row, "the text is empty");
     }
-    for (const auto name : projectProperties)
-      if (found.count(std::u16string(name)) == 0) missing("project", toUtf8(name));
+    for (const comLanguage::ProjectText& text : comLanguage::projectTexts)
+      if (found.count(std::u16string(text.column)) == 0) missing("project", toUtf8(text.column));
   }
 
   void boxes(const SourceRows& rows, std::span<const std::int16_t> wanted) {

@@ -3,6 +3,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "language_tables.h"
 #include "text/text.h"
 #include "text/utf8.h"
 
@@ -10,27 +11,6 @@ namespace vordane::tools {
 namespace {
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
-struct FileLayout {
-  const char* file;
-  std::size_t columns;
-  bool shared;
-  SourceRows LanguageSource::*rows;
-};
-
-constexpr FileLayout layouts[] = {
-    {"messages.tsv", 2, false, &LanguageSource::messages},
-    {"lists.tsv", 3, false, &LanguageSource::lists},
-    {"forms.tsv", 4, false, &LanguageSource::forms},
-    {"controls.tsv", 5, false, &LanguageSource::controls},
-    {"headings.tsv", 3, false, &LanguageSource::headings},
-    {"project.tsv", 2, false, &LanguageSource::project},
-    {"boxes.tsv", 6, false, &LanguageSource::boxes},
-    {"common_boxes.tsv", 6, false, &LanguageSource::common_boxes},
-    {"help.tsv", 2, false, &LanguageSource::help},
-    {"pictures.tsv", 4, true, &LanguageSource::pictures},
-    {"picture_sets.tsv", 3, true, &LanguageSource::picture_sets},
-};
 
 // The columns of a line; the last one may be empty, which a plain split at an end would lose.
 std::vector<std::u16string> columnsOf(std::string_view line) {
@@ -43,19 +23,19 @@ std::vector<std::u16string> columnsOf(std::string_view line) {
   }
 }
 
-void readLine(std::string_view line, const std::string& place, const FileLayout& layout, SourceRows& rows,
+void readLine(std::string_view line, const std::string& place, std::size_t columns, SourceRows& rows,
               Problems& problems) {
   if (line.ends_with('\r')) line.remove_suffix(1);
   if (line.empty() || line.starts_with('#')) return;
   SourceRow row{place, columnsOf(line)};
-  if (row.fields.size() == layout.columns)
+  if (row.fields.size() == columns)
     rows.push_back(std::move(row));
   else
     problems.push_back(place + ": " + std::to_string(row.fields.size()) + " columns instead of " +
-                       std::to_string(layout.columns));
+                       std::to_string(columns));
 }
 
-void readFile(const std::filesystem::path& file, const std::string& name, const FileLayout& layout,
+void readFile(const std::filesystem::path& file, const std::string& name, std::size_t columns,
               SourceRows& rows, Problems& problems) {
   std::ifstream in(file, std::ios::binary);
   if (!in) {
@@ -67,7 +47,7 @@ void readFile(const std::filesystem::path& file, const std::string& name, const 
   if (rest.starts_with(byteOrderMark)) rest.remove_prefix(byteOrderMark.size());
   for (int line = 1; !rest.empty(); ++line) {
     const auto end = rest.find('\n');
-    readLine(rest.substr(0, end), name + ":" + std::to_string(line), layout, rows, problems);
+    readLine(rest.substr(0, end), name + ":" + std::to_string(line), columns, rows, problems);
     rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
   }
 }
@@ -82,15 +62,15 @@ std::u16string toText(const std::filesystem::path& path) {
   return path.u16string();
 }
 
-LanguageSource readLanguage(const std::filesystem::path& folder, Problems& problems) {
+LanguageSource readLanguageSource(const std::filesystem::path& folder, Problems& problems) {
   const std::filesystem::path whole =
       folder.has_filename() ? folder : folder.parent_path();  // "data/language/en/" too
   LanguageSource source;
   source.name = text::toUtf8(whole.filename().u16string());
-  for (const FileLayout& layout : layouts) {
-    const std::filesystem::path place = layout.shared ? whole.parent_path() / "shared" : whole;
-    const std::string name = (layout.shared ? "shared" : source.name) + "/" + layout.file;
-    readFile(place / layout.file, name, layout, source.*layout.rows, problems);
+  for (const LanguageTable& table : languageTables) {
+    const std::filesystem::path place = table.shared ? whole.parent_path() / "shared" : whole;
+    const std::string name = (table.shared ? "shared" : source.name) + "/" + table.file;
+    readFile(place / table.file, name, columnsInFile(table).size(), source.*table.rows, problems);
   }
   return source;
 }

@@ -25,7 +25,7 @@ struct LanguageSource {
 using Problems = std::vector<std::string>;
 
 // Missing files and rows with a wrong number of columns are reported and left out.
-LanguageSource readLanguage(const std::filesystem::path& folder, Problems& problems);
+LanguageSource readLanguageSource(const std::filesystem::path& folder, Problems& problems);
 
 // A path given on the command line, which is UTF-8 on every system.
 std::filesystem::path toPath(const std::string& utf8);

@@ -11,7 +11,7 @@ constexpr std::size_t blockSize = std::size_t{1} << 18;
 }  // namespace
 
 // Drops what was taken and reads one block more; false at the end.
-bool LineReader::fill() {
+bool FileLines::fill() {
   buffer_.erase(0, position_);
   position_ = 0;
   const std::size_t kept = buffer_.size();
@@ -22,14 +22,14 @@ bool LineReader::fill() {
   return count > 0;
 }
 
-std::string_view LineReader::take(std::size_t length, std::size_t skip) {
+std::string_view FileLines::take(std::size_t length, std::size_t skip) {
   const std::string_view line(buffer_.data() + position_, length);
   position_ += length + skip;
   ++number_;
   return line;
 }
 
-std::optional<std::string_view> LineReader::next() {
+std::optional<std::string_view> FileLines::next() {
   std::size_t searched = 0;  // so that a line of many blocks is searched once
   for (;;) {
     const std::size_t end = buffer_.find('\n', position_ + searched);

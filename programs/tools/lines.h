@@ -17,9 +17,9 @@ class ToolError : public std::runtime_error {
 };
 
 // A line ends at LF, or at the end; what stands before it is kept, a CR included.
-class LineReader {
+class FileLines {
  public:
-  explicit LineReader(std::FILE* file) : file_(file) {}
+  explicit FileLines(std::FILE* file) : file_(file) {}
 
   // Valid until the next call; nothing at the end. Throws ToolError when the file can't be read.
   std::optional<std::string_view> next();

@@ -25,6 +25,7 @@ constexpr struct {
      "Says why the add-in would not start from a version directory, or start incomplete: files, tables, "
      "texts, "
      "damage, and on Windows settings and registration."},
+    {"guide", declareGuide, "Checks the guide for technicians and makes it ready for its pages."},
     {"language", declareLanguage, "Checks the texts of languages and makes language databases of them."},
     {"export", declareExport,
      "Writes the tables of a database, or the texts of a language database, into files."},
@@ -32,10 +33,17 @@ constexpr struct {
      "Brings the Access files of a suite over to the embedded engine, all of them or none, and keeps each "
      "beside "
      "the new file with \".access\" behind its name."},
+    {"install", declareInstall,
+     "Puts what an installer has unpacked into a version directory, renews it, or repairs it: all of it or "
+     "none. Stored faults, jobs, and the words that faults are stored in stay. Ends with what the doctor "
+     "finds."},
     {"list", declareList, "Prints the stored faults, newest first."},
     {"suite", declareSuite,
      "Makes the data files of an installed suite that are missing; stored faults, registration and jobs "
      "stay."},
+    {"uninstall", declareUninstall,
+     "Takes the add-in away from a version directory, and its registration. Stored faults, logs, jobs and "
+     "settings stay."},
 };
 
 int run(const options::Words& words) {

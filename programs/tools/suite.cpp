@@ -11,12 +11,13 @@ namespace {
 
 struct Options {
   std::string directory, language = "en", source = "data";
+  std::string guide;  // empty: none
 };
 
 int suite(const Options& given) {
   Problems problems;
   const LanguageSource source =
-      readLanguage(toPath(given.source) / "language" / toPath(given.language), problems);
+      readLanguageSource(toPath(given.source) / "language" / toPath(given.language), problems);
   checkLanguage(source, problems);
   if (!problems.empty()) {
     for (const std::string& problem : problems) std::cerr << problem << '\n';
@@ -25,6 +26,7 @@ int suite(const Options& given) {
   const SuiteLayout layout{toPath(given.directory)};
   makeSuiteFiles(layout, source);
   installReportLayout(layout, toPath(given.source) / "report", source);
+  if (!given.guide.empty()) installGuide(layout, toPath(given.guide), source.name);
   std::cout << "made the data files of " << given.directory << '\n';
   return 0;
 }
@@ -37,6 +39,8 @@ void declareSuite(options::Command& command) {
   command.option("--language", "NAME", given->language,
                  "the language of its texts and of its report: a folder of SOURCE/language, else en");
   command.option("--source", "SOURCE", given->source, "where texts and report stand, else data");
+  command.option("--guide", "GUIDES", given->guide,
+                 "where the pages of the guide stand, a folder for each language; without it there is none");
   command.runs([given] { return suite(*given); });
 }
 

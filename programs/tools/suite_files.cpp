@@ -11,6 +11,7 @@
 #include "report_layout.h"
 #include "settings/suite_databases.h"
 #include "store/fault_database.h"
+#include "text/text.h"
 #include "text/utf8.h"
 #include "tools/sqlite/database_writer.h"
 
@@ -57,9 +58,9 @@ std::string readFile(const fs::path& path) {
 void makeRegistration(const fs::path& path) {
   DatabaseWriter writer(toText(path));
   writer.createTables(settings::registrationTables);
-  writer.insert(u"Registry", Row{std::u16string(u"VORDANE.WRX"), std::u16string(u"Maintenance"),
-                                 std::u16string(u"Fault Display"),
-                                 std::u16string(u"Shows the faults of an exchange"), std::u16string{}});
+  Row row;
+  for (const auto& [column, value] : registryRow) row.emplace_back(std::u16string(value));
+  writer.insert(u"Registry", row);
   writer.finish();
 }
 
@@ -80,8 +81,18 @@ std::string helpText(const LanguageSource& language) {
   return out;
 }
 
-void makeOnce(const fs::path& path, void (*make)(const fs::path&)) {
-  if (!fs::exists(path)) make(path);
+void makeFaults(const fs::path& path) {
+  createDatabase(toText(path), store::faultTables);
+}
+
+void makeReport(const fs::path& folder, const LanguageSource& language, const fs::path& path) {
+  const fs::path shape = folder / "FAULT.RPT";
+  const fs::path texts = folder / (language.name + ".tsv");
+  writeFile(path, reportLayout(readFile(shape), language, readFile(texts), text::toUtf8(toText(shape))));
+}
+
+bool isMadeOnce(Keeper keeper) {
+  return keeper == Keeper::faults || keeper == Keeper::jobs;
 }
 
 }  // namespace
@@ -96,28 +107,56 @@ fs::path suiteDirectory(const std::string& named) {
   return whole.has_filename() ? whole : whole.parent_path();
 }
 
-void makeSuiteFiles(const SuiteLayout& layout, const LanguageSource& language) {
-  for (const fs::path& folder :
-       {layout.ownDatabases(), layout.help(), layout.report(), layout.sharedDatabases(), layout.pictures()})
-    fs::create_directories(folder);
-  makeOnce(layout.ownDatabases() / "FAULT.MDB",
-           [](const fs::path& path) { createDatabase(toText(path), store::faultTables); });
-  makeOnce(layout.sharedDatabases() / "Register.mdb", makeRegistration);
-  makeOnce(layout.sharedDatabases() / "Schedule.mdb", makeSchedule);
-  buildOwnLanguage(language, layout.ownDatabases() / "VORDANE.LNG");
-  buildCommonLanguage(language, layout.sharedDatabases() / "Common.LNG");
+bool samePlace(const fs::path& a, const fs::path& b) {
+  const auto bare = [](const fs::path& path) { return path.has_filename() ? path : path.parent_path(); };
+  std::error_code failure;
+  return text::equalIgnoringCase(toText(bare(a)), toText(bare(b))) ||
+         fs::equivalent(bare(a), bare(b), failure);
+}
+
+std::vector<DataFile> dataFiles(const LanguageSource& language, const fs::path& report) {
+  const SuiteLayout below{{}};
+  std::vector<DataFile> files{{below.ownDatabases() / "FAULT.MDB", Keeper::faults, makeFaults},
+                              {below.sharedDatabases() / "Register.mdb", Keeper::jobs, makeRegistration},
+                              {below.sharedDatabases() / "Schedule.mdb", Keeper::jobs, makeSchedule},
+                              {below.ownDatabases() / "VORDANE.LNG", Keeper::texts,
+                               [&](const fs::path& path) { buildOwnLanguage(language, path); }},
+                              {below.sharedDatabases() / "Common.LNG", Keeper::shared,
+                               [&](const fs::path& path) { buildCommonLanguage(language, path); }},
+                              {below.help() / "VORDANE.TXT", Keeper::release,
+                               [&](const fs::path& path) { writeFile(path, helpText(language)); }}};
   for (const BackgroundPicture& picture : backgroundPictures())
-    writeFile(layout.pictures() / picture.file, drawPicture(picture));
-  writeFile(layout.help() / "VORDANE.TXT", helpText(language));
+    files.push_back({below.pictures() / picture.file, Keeper::shared,
+                     [&picture](const fs::path& path) { writeFile(path, drawPicture(picture)); }});
+  if (!report.empty())
+    files.push_back({below.report() / "FAULT.RPT", Keeper::release,
+                     [&language, report](const fs::path& path) { makeReport(report, language, path); }});
+  return files;
+}
+
+void makeSuiteFiles(const SuiteLayout& layout, const LanguageSource& language) {
+  fs::create_directories(layout.report());
+  for (const DataFile& file : dataFiles(language)) {
+    const fs::path path = layout.root / file.place;
+    fs::create_directories(path.parent_path());
+    if (!isMadeOnce(file.keeper) || !fs::exists(path)) file.make(path);
+  }
+}
+
+void installGuide(const SuiteLayout& layout, const fs::path& folder, const std::string& language) {
+  const fs::path pages = folder / toPath(language);
+  if (!fs::is_regular_file(pages / "guide.html"))
+    throw ToolError(text::toUtf8(toText(pages)) + ": there is no guide in it. Make it with tools/guide");
+  fs::remove_all(layout.guide());
+  fs::create_directories(layout.guide());
+  for (const auto& page : fs::directory_iterator(pages))
+    if (page.path().extension() == ".html")
+      writeFile(layout.guide() / page.path().filename(), readFile(page.path()));
 }
 
 void installReportLayout(const SuiteLayout& layout, const fs::path& folder, const LanguageSource& language) {
-  const fs::path shape = folder / "FAULT.RPT";
-  const fs::path texts = folder / (language.name + ".tsv");
-  const std::string report =
-      reportLayout(readFile(shape), language, readFile(texts), text::toUtf8(toText(shape)));
   fs::create_directories(layout.report());
-  writeFile(layout.report() / "FAULT.RPT", report);
+  makeReport(folder, language, layout.report() / "FAULT.RPT");
 }
 
 }  // namespace vordane::tools

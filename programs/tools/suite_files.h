@@ -1,7 +1,12 @@
 // The data files of an installed suite.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "language_source.h"
 
@@ -13,6 +18,7 @@ struct SuiteLayout {
   std::filesystem::path program() const { return root / "ADDINS" / "VORDANE.EXE"; }
   std::filesystem::path ownDatabases() const { return root / "ADDINS" / "DATABASE"; }
   std::filesystem::path help() const { return root / "ADDINS" / "HELP"; }
+  std::filesystem::path guide() const { return help() / "GUIDE"; }
   std::filesystem::path report() const { return root / "ADDINS" / "REPORT"; }
   std::filesystem::path sharedDatabases() const { return root / "QUIL32" / "DATABASE"; }
   std::filesystem::path pictures() const { return root / "BACKGRND"; }
@@ -21,6 +27,42 @@ struct SuiteLayout {
 // The directory that a person names, which may end in a separator, as "InstallPath" does, or be "." or "..":
 // absolute, without any of these. Throws ToolError when there is none.
 std::filesystem::path suiteDirectory(const std::string& named);
+
+// The add-in's row of the suite's registration database, in the order of the table: what the suite's menu
+// shows. The version comes when a host first creates the add-in.
+struct RegistryValue {
+  std::u16string_view column, value;
+};
+inline constexpr RegistryValue registryRow[] = {{u"AppName", u"VORDANE.WRX"},
+                                                {u"MenuName", u"Maintenance"},
+                                                {u"ItemName", u"Fault Display"},
+                                                {u"ToolTip", u"Shows the faults of an exchange"},
+                                                {u"Version", u""}};
+
+// Whose a file is, and so what becomes of it when the suite's files are made, renewed or removed.
+enum class Keeper : std::uint8_t {
+  release,  // this release's: made anew, and removed with it
+  texts,    // VORDANE.LNG: its language decides which faults count as the same, so it stays where faults stay
+  faults,   // FAULT.MDB, a user's work: made once, never overwritten
+  shared,   // the suite's, for all its add-ins: only a set that stands alone renews and removes it
+  jobs      // the suite's, and a user's work: made once
+};
+
+// One data file of an installed suite. Programs are not among them.
+struct DataFile {
+  std::filesystem::path place;  // below the version directory
+  Keeper keeper;
+  std::function<void(const std::filesystem::path& path)> make;  // ToolError, database::DatabaseError
+};
+
+// Every data file, in the order in which they are made: the one description of the installed layout. With
+// `report`, the folder of the report's layout and texts, FAULT.RPT is among them. `language` must live as
+// long as the list.
+std::vector<DataFile> dataFiles(const LanguageSource& language, const std::filesystem::path& report = {});
+
+// Whether two paths lead to the same file or directory, also where one ends in a separator, which not every
+// system's look at it bears.
+bool samePlace(const std::filesystem::path& a, const std::filesystem::path& b);
 
 // Makes every data file that is missing. What a user's work may have changed (stored faults, registration,
 // jobs) stays when it is there; texts, pictures and help are made anew. Throws ToolError or
@@ -31,5 +73,10 @@ void makeSuiteFiles(const SuiteLayout& layout, const LanguageSource& language);
 // (report_ layout.h), which stand beside it by the language's name. Throws ToolError.
 void installReportLayout(const SuiteLayout& layout, const std::filesystem::path& folder,
                          const LanguageSource& language);
+
+// The pages of the guide, as tools/guide makes them in a folder for each language: guide.html, which is all
+// of it, and one for each topic that the window opens. Those of another language go. Throws ToolError.
+void installGuide(const SuiteLayout& layout, const std::filesystem::path& folder,
+                  const std::string& language);
 
 }  // namespace vordane::tools

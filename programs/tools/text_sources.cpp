@@ -11,8 +11,8 @@
 #include "language/form_controls.h"
 #include "language/language_databases.h"
 #include "lines.h"
-#include "platform/automation.h"
 #include "platform/engine_choice.h"
+#include "platform/stored_values.h"
 #include "text/numbers.h"
 #include "text/utf8.h"
 
@@ -21,11 +21,11 @@ namespace {
 
 constexpr int highestNumber = 32767;  // the message array is counted with 16 bits, and so are list items
 
-[[noreturn]] void complain(const std::string& path, const LineReader& lines, const std::string& what) {
+[[noreturn]] void complain(const std::string& path, const FileLines& lines, const std::string& what) {
   throw ToolError(path + ":" + std::to_string(lines.number()) + ": " + what);
 }
 
-int number(std::string_view field, const std::string& path, const LineReader& lines) {
+int number(std::string_view field, const std::string& path, const FileLines& lines) {
   const auto value = text::parseInteger(text::fromUtf8(field));
   if (!value || *value < 0 || *value > highestNumber)
     complain(path, lines, std::string(field) + " is no number from 0 to 32767");
@@ -37,7 +37,7 @@ template <class Take>
 void forEachLine(const std::string& path, Take take) {
   const File file = openForReading(path);
   if (!file) throw ToolError(path + ": can't be opened. Check the path and the rights of the file");
-  LineReader lines(file.get());
+  FileLines lines(file.get());
   while (const auto line = lines.next()) {
     std::string_view text = *line;
     if (lines.number() == 1 && text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
@@ -48,7 +48,7 @@ void forEachLine(const std::string& path, Take take) {
 }  // namespace
 
 void readMessages(const std::string& path, FaultTextTable& texts) {
-  forEachLine(path, [&](std::string_view line, const LineReader& lines) {
+  forEachLine(path, [&](std::string_view line, const FileLines& lines) {
     const int id = number(takeField(line), path, lines);
     if (texts.message(id) != nullptr)
       complain(path, lines, "message " + std::to_string(id) + " stands twice");
@@ -58,7 +58,7 @@ void readMessages(const std::string& path, FaultTextTable& texts) {
 
 void readLists(const std::string& path, FaultTextTable& texts) {
   std::map<int, std::map<int, std::u16string>> lists;
-  forEachLine(path, [&](std::string_view line, const LineReader& lines) {
+  forEachLine(path, [&](std::string_view line, const FileLines& lines) {
     const std::string_view name = takeField(line);
     const int index = number(takeField(line), path, lines);
     const auto kind = listKind(text::fromUtf8(name));
@@ -79,10 +79,7 @@ void readLists(const std::string& path, FaultTextTable& texts) {
 
 namespace {
 
-// A Null text is the empty text.
-std::u16string textOf(const database::Value& value) {
-  return automation::isNull(value) ? std::u16string{} : automation::toText(value);
-}
+using database::textOf;
 
 // An item's place in its list is its place in this order.
 void readWindowLists(database::Database& database, FaultTextTable& texts) {
@@ -95,7 +92,7 @@ void readWindowLists(database::Database& database, FaultTextTable& texts) {
 
 }  // namespace
 
-void readLanguage(database::Engine& engine, const std::string& path, FaultTextTable& texts) {
+void readLanguageDatabase(database::Engine& engine, const std::string& path, FaultTextTable& texts) {
   if (database::fileKind(text::fromUtf8(path)) == database::FileKind::access)
     throw ToolError(path + ": is an Access file and has to be imported first (vordane-tools import)");
   try {

@@ -17,6 +17,6 @@ void readLists(const std::string& path, FaultTextTable& texts);
 
 // The messages and the window's lists of a language database, as the program itself loads them. Throws
 // ToolError, also when the file can't be opened.
-void readLanguage(database::Engine& engine, const std::string& path, FaultTextTable& texts);
+void readLanguageDatabase(database::Engine& engine, const std::string& path, FaultTextTable& texts);
 
 }  // namespace vordane::tools

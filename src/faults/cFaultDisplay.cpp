@@ -110,8 +110,8 @@ void cFaultDisplay::GetFaultMessage(std::u16string_view record, std::u16string_v
   compose(texts_, wideFaultFields_, kindOf(record), DataText(firstData, secondData), sink);
 }
 
-cFaultDisplay::Pieces cFaultDisplay::explain(std::u16string_view record, std::u16string_view first,
-                                             std::u16string_view second, bool wide) const {
+cFaultDisplay::Pieces cFaultDisplay::explainWith(std::u16string_view record, std::u16string_view first,
+                                                 std::u16string_view second, bool wide) const {
   Pieces pieces;
   const DataText data(first, second);
   ExplainingSink sink(pieces, data);
@@ -119,13 +119,13 @@ cFaultDisplay::Pieces cFaultDisplay::explain(std::u16string_view record, std::u1
   return pieces;
 }
 
-cFaultDisplay::Pieces cFaultDisplay::Explain(std::u16string_view record, std::u16string_view firstData,
+cFaultDisplay::Pieces cFaultDisplay::explain(std::u16string_view record, std::u16string_view firstData,
                                              std::u16string_view secondData) const {
-  return explain(record, firstData, secondData, wideFaultFields_);
+  return explainWith(record, firstData, secondData, wideFaultFields_);
 }
 
 // The data stands between the last opening bracket under the heading and the closing bracket at the end.
-cFaultDisplay::Pieces cFaultDisplay::ExplainStored(std::u16string_view kind, std::u16string_view description,
+cFaultDisplay::Pieces cFaultDisplay::explainStored(std::u16string_view kind, std::u16string_view description,
                                                    std::u16string& dataText) const {
   dataText.clear();
   const std::u16string *heading = texts_.message(rawDataHeading), *open = texts_.message(openBracket),
@@ -140,7 +140,7 @@ cFaultDisplay::Pieces cFaultDisplay::ExplainStored(std::u16string_view kind, std
   const auto blank = bytes.find(u' ');  // the two data texts were joined by one, so there is one
   if (blank == std::u16string_view::npos) return {};
   for (const bool wide : {wideFaultFields_, !wideFaultFields_}) {
-    Pieces pieces = explain(kind, bytes.substr(0, blank), bytes.substr(blank + 1), wide);
+    Pieces pieces = explainWith(kind, bytes.substr(0, blank), bytes.substr(blank + 1), wide);
     if (joined(pieces) != description) continue;
     dataText = bytes;
     return pieces;

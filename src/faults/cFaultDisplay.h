@@ -41,18 +41,18 @@ class cFaultDisplay {
 
   // The same decoding with its proof: the texts of the pieces, joined, are the description. No pieces
   // where the description is empty.
-  Pieces Explain(std::u16string_view record, std::u16string_view firstData,
+  Pieces explain(std::u16string_view record, std::u16string_view firstData,
                  std::u16string_view secondData) const;
 
   // The pieces of a stored fault, decoded again from its kind and the data in its trailer. Nothing unless
   // exactly the stored description comes out (with either width of the fields): texts may have changed
   // since it was stored. `dataText` receives the data text that the sources count in.
-  Pieces ExplainStored(std::u16string_view kind, std::u16string_view description,
+  Pieces explainStored(std::u16string_view kind, std::u16string_view description,
                        std::u16string& dataText) const;
 
  private:
-  Pieces explain(std::u16string_view record, std::u16string_view first, std::u16string_view second,
-                 bool wide) const;
+  Pieces explainWith(std::u16string_view record, std::u16string_view first, std::u16string_view second,
+                     bool wide) const;
 
   const FaultTextTable& texts_;
   const bool& wideFaultFields_;

@@ -114,14 +114,8 @@ bool LocaliseGridHeadings(window::Form& form, database::Database& database) {
 bool LoadProjectTexts(std::u16string_view executableName, database::Database& database, ProjectTexts& texts) {
   return trapped([&] {
     const auto rows = database.openRecordset(statement::project.with({executableName}));
-    const auto apply = [&](std::u16string_view column, std::u16string& to) {
-      if (auto text = newText(rows->get(column))) to = std::move(*text);
-    };
-    apply(u"Title", texts.Title);
-    apply(u"OleServerBusyMsgTitle", texts.OleServerBusyMsgTitle);
-    apply(u"OleServerBusyMsgText", texts.OleServerBusyMsgText);
-    apply(u"OleRequestPendingMsgTitle", texts.OleRequestPendingMsgTitle);
-    apply(u"OleRequestPendingMsgText", texts.OleRequestPendingMsgText);
+    for (const ProjectText& text : projectTexts)
+      if (auto words = newText(rows->get(text.column))) texts.*text.text = std::move(*words);
     rows->close();
   });
 }
@@ -143,7 +137,7 @@ bool LoadTextArray(std::vector<std::u16string>& array, std::u16string_view table
   });
 }
 
-std::map<std::u16string, std::u16string> LoadHelpTexts(const window::Form& form,
+std::map<std::u16string, std::u16string> loadHelpTexts(const window::Form& form,
                                                        database::Database& database) {
   std::map<std::u16string, std::u16string> texts;
   static_cast<void>(trapped([&] {

@@ -1,6 +1,7 @@
 // Copies the texts of a language database onto the window, its controls and the application.
 #pragma once
 
+#include <array>
 #include <map>
 #include <memory>
 #include <string>
@@ -19,6 +20,18 @@ struct ProjectTexts {
   std::u16string OleRequestPendingMsgTitle, OleRequestPendingMsgText;
 };
 
+// Each with its column.
+struct ProjectText {
+  std::u16string_view column;
+  std::u16string ProjectTexts::*text;
+};
+inline constexpr std::array<ProjectText, 5> projectTexts{
+    {{u"Title", &ProjectTexts::Title},
+     {u"OleServerBusyMsgTitle", &ProjectTexts::OleServerBusyMsgTitle},
+     {u"OleServerBusyMsgText", &ProjectTexts::OleServerBusyMsgText},
+     {u"OleRequestPendingMsgTitle", &ProjectTexts::OleRequestPendingMsgTitle},
+     {u"OleRequestPendingMsgText", &ProjectTexts::OleRequestPendingMsgText}}};
+
 // Each returns true when its whole table was applied, false when an error stopped it; what was applied
 // before stays.
 bool LocaliseForm(window::Form& form, database::Database& database);
@@ -31,7 +44,7 @@ bool LoadTextArray(std::vector<std::u16string>& array, std::u16string_view table
 
 // The help texts of the window's controls by control name, for What's This; empty where the database holds
 // none. Its table is the product's own ("tHelp"), so a database without it is in order.
-std::map<std::u16string, std::u16string> LoadHelpTexts(const window::Form& form,
+std::map<std::u16string, std::u16string> loadHelpTexts(const window::Form& form,
                                                        database::Database& database);
 
 // A stored text in escape notation, expanded. `substitution` keeps the pieces not yet consumed.

@@ -4,6 +4,7 @@
 
 #include "language/language_databases.h"
 #include "language/row_values.h"
+#include "text/file_names.h"
 #include "text/numbers.h"
 #include "text/text.h"
 
@@ -29,11 +30,11 @@ bool takesBackground(const window::Control& control) {
   return control.typeName() == u"SSTree" || control.typeName() == u"SSListBar";
 }
 
-// The picture file of a row; empty when the row names none or it does not exist.
+// The picture file of a row; empty when the row names none, one of another folder, or it does not exist.
 std::u16string pictureFile(const Decoration& decoration, std::u16string name) {
   if (name.empty() || name == noPicture) return {};
   if (decoration.set != 0) name = MapPictureName(decoration.pictures, name);
-  if (name.empty()) return {};
+  if (!text::isPlainFileName(name)) return {};
   std::u16string path = std::u16string(decoration.directory) + name;
   return decoration.files.exists(path) ? path : std::u16string{};
 }

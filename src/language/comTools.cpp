@@ -7,6 +7,7 @@
 #include "language/comLanguage.h"
 #include "language/language_databases.h"
 #include "language/row_values.h"
+#include "platform/database_numbers.h"
 #include "text/numbers.h"
 #include "text/text.h"
 
@@ -80,7 +81,8 @@ class BoxBuilder {
   std::unique_ptr<database::Recordset> openRow() {
     auto* database =
         request_.selector == commonMessage ? environment_.commonLanguage : environment_.ownLanguage;
-    if (database == nullptr) throw database::DatabaseError(3024, u"no language database");
+    if (database == nullptr)
+      throw database::DatabaseError(database::number::fileNotFound, u"no language database");
     using namespace language::statement;
     const auto& statement = request_.selector == shortForm ? shortBox : box;
     return database->openRecordset(statement.with({text::decimal(request_.number)}));

@@ -127,12 +127,17 @@ inline constexpr std::size_t reasonTextCut = 240;  // longer than is kept
 inline constexpr std::size_t reasonNoMemory = 241;
 inline constexpr std::size_t statusNotDeleted = 242;  // {1} time; another exchange came to be shown
 
+// The guide: its entry of the window's system menu, and why it does not open; {1} is the file.
+inline constexpr std::size_t menuGuide = 243;  // with access key
+inline constexpr std::size_t statusGuideMissing = 244;
+inline constexpr std::size_t statusGuideNotShown = 245;
+
 // The product's own numbers, as [first, end). Behind the last stand the titles and labels of fault kinds that
 // came later; own ones that come after those begin a range of their own.
 struct Range {
   std::size_t first, end;
 };
-inline constexpr std::array ownTexts{Range{165, 243}};
+inline constexpr std::array ownTexts{Range{165, 246}};
 inline constexpr std::size_t count = ownTexts.back().end;  // of all that are named here or stand before
 
 constexpr bool isOwn(std::size_t number) {
@@ -144,6 +149,7 @@ constexpr bool isOwn(std::size_t number) {
 // The texts with an access key. Within one window, captions of controls included, a key opens one thing.
 inline constexpr std::array windowKeys{lookUpLabel, lookUpNext};
 inline constexpr std::array paneMenuKeys{menuCopy};
+inline constexpr std::array frameMenuKeys{menuGuide};
 
 }  // namespace vordane::message
 

@@ -7,6 +7,7 @@
 
 #include "platform/automation.h"
 #include "platform/database.h"
+#include "platform/stored_values.h"
 #include "platform/window.h"
 
 namespace vordane::language {
@@ -14,10 +15,7 @@ namespace vordane::language {
 // The stored text that leaves a property as it was designed.
 inline constexpr std::u16string_view keepDesigned = u"-1";
 
-// Null is the empty text.
-inline std::u16string textOf(const database::Value& value) {
-  return automation::isNull(value) ? std::u16string{} : automation::toText(value);
-}
+using database::textOf;
 
 // What to set, or nothing when the designed value stays.
 inline std::optional<std::u16string> newText(const database::Value& value) {

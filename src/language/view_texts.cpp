@@ -35,6 +35,8 @@ std::size_t messageNumber(window::ViewText which) {
       return message::paneEmpty;
     case ViewText::clipboardHeld:
       return message::clipboardHeld;
+    case ViewText::openGuide:
+      return message::menuGuide;
   }
   return message::count;  // no text has this number
 }

@@ -87,7 +87,7 @@ void reading(std::optional<Failure>& unreadable, const Step& step) {
 
 // --- the server object
 
-void PbxSession::CreateServer(platform::Files& files, platform::SettingsStore& settings,
+void PbxSession::createServer(platform::Files& files, platform::SettingsStore& settings,
                               platform::ObjectCreator& creator) {
   std::u16string progId(simulatorServer);
   if (!files.exists(simulator))
@@ -156,7 +156,7 @@ bool PbxSession::send(std::int16_t kind, std::u16string_view secondData, Action 
   if (kind == step::alarmStateRequest) record->ShowBusy = false;
   record->AddToList(list ? u"LEA0" : u"EA1", list ? u"" : u"00", secondData);
   record->Tag = tagOf(answer);
-  return LogInAndSend(*record, record);
+  return logInAndSend(*record, record);
 } catch (const std::bad_alloc&) {
   return endWithoutMemory();
 }
@@ -182,7 +182,7 @@ bool PbxSession::refuse(Failure failure, std::int32_t errorCode) {
   return false;
 }
 
-bool PbxSession::LogInAndSend(cListRequest& record, const ObjectRef& reference) {
+bool PbxSession::logInAndSend(cListRequest& record, const ObjectRef& reference) {
   form_.waitingFor(request_.kind, request_.pbxName);
   form_.setHourglass(true);
   if (state_.runMode == RunMode::scheduledRun) {

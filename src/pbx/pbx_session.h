@@ -52,7 +52,7 @@ class PbxSession {
 
   // Stand-alone only: creates the exchange server, the simulator's when it lies in the current directory.
   // One that can't be created leaves the object unset.
-  void CreateServer(platform::Files& files, platform::SettingsStore& settings,
+  void createServer(platform::Files& files, platform::SettingsStore& settings,
                     platform::ObjectCreator& creator);
 
   // True when the request was sent (its answer may have come already). The acknowledgement keeps the
@@ -111,7 +111,7 @@ class PbxSession {
 
   void takeRegistered();
   bool send(std::int16_t kind, std::u16string_view secondData, Action answer, bool list);
-  bool LogInAndSend(cListRequest& record, const automation::ObjectRef& reference);
+  bool logInAndSend(cListRequest& record, const automation::ObjectRef& reference);
   bool endWithoutMemory();
   void accepted(const std::u16string& result);
   bool refuse(Failure failure, std::int32_t errorCode = 0);

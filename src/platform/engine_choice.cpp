@@ -8,14 +8,12 @@
 #include <thread>
 #include <utility>
 
+#include "platform/database_numbers.h"
+
 namespace vordane::database {
 namespace {
 
 using namespace std::string_view_literals;
-
-constexpr int fileNotFound = 3024;
-constexpr int unrecognisedFormat = 3343;
-constexpr int locked = 3260;
 
 // A data source is a text that a person may have written: a mark before it, and any case.
 bool beginsDataSource(std::string_view bytes) {
@@ -46,11 +44,11 @@ class EngineChoice : public Engine {
         if (server_) return server_->open(path, readOnly);
         break;
       case FileKind::missing:
-        throw DatabaseError(fileNotFound, std::u16string(path));
+        throw DatabaseError(number::fileNotFound, std::u16string(path));
       case FileKind::unknown:
         break;
     }
-    throw DatabaseError(unrecognisedFormat, std::u16string(path));
+    throw DatabaseError(number::notADatabase, std::u16string(path));
   }
 
  private:
@@ -60,7 +58,7 @@ class EngineChoice : public Engine {
       const FileKind kind = fileKind(path);
       if (kind != FileKind::unknown || !held_.isHeld || !held_.isHeld(path)) return kind;
       if (std::chrono::steady_clock::now() >= end)
-        throw DatabaseError(locked, u"The database is locked by another process.");
+        throw DatabaseError(number::locked, u"The database is locked by another process.");
       std::this_thread::sleep_for(held_.wait / 50);
     }
   }

@@ -231,8 +231,7 @@ class Parser {
     if (name() != shape_.table || !shape_.columns.empty()) syntaxError();
     expect(u"order");
     orders();
-    if (shape_.orders.size() != 1 || shape_.orders[0].column != u"id" || shape_.orders[0].descending)
-      syntaxError();
+    if (shape_.orders.size() != 1 || shape_.orders[0].descending) syntaxError();
   }
 
   void conditions() {

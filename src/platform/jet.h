@@ -44,7 +44,8 @@ struct Order {
   bool descending = false;
 };
 
-// `columns` empty means all. A counted union is the whole table behind a row (-1, number of rows), by ID.
+// `columns` empty means all. A counted union is the whole table behind a row (-1, number of rows), by one
+// column.
 struct Shape {
   Verb verb = Verb::select;
   std::u16string table;

@@ -144,10 +144,11 @@ std::optional<Request> parseRequest(std::u16string_view arguments) {
   const std::u16string_view whole = withoutQuotes(text::trim(arguments));
   if (whole.empty()) return Request{};
   if (whole.front() != u'/' && whole.front() != u'-') return std::nullopt;
+  if (text::equalIgnoringCase(whole.substr(1), u"ThisUser")) return Request{{}, true};
   if (!text::equalIgnoringCase(whole.substr(1, option.size()), option)) return std::nullopt;
   const std::u16string_view name = text::trim(withoutQuotes(whole.substr(1 + option.size())));
   if (name.empty() || name.find(u'"') != std::u16string_view::npos) return std::nullopt;
-  return Request{std::u16string(name)};
+  return Request{std::u16string(name), false};
 }
 
 }  // namespace vordane::registration

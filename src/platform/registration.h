@@ -61,10 +61,12 @@ std::vector<Removal> removals(const Server& server);
 // Whether a registered value names the same program: quotes and case do not count.
 bool samePath(std::u16string_view registered, std::u16string_view path);
 
-// What may stand behind /RegServer: nothing, or /JobAccount:NAME, the account or group whose jobs may start
-// the program without anybody being logged on. Quotes around the whole or around the name do not count.
+// What may stand behind /RegServer: nothing; /JobAccount:NAME, the account or group whose jobs may start
+// the program without anybody being logged on; or /ThisUser. Quotes around the whole or around the name do
+// not count.
 struct Request {
   std::u16string jobAccount;  // empty: none named
+  bool thisUser = false;      // for nobody else, also where it could be registered for everybody
 };
 // Nothing for anything else.
 std::optional<Request> parseRequest(std::u16string_view arguments);

@@ -80,4 +80,13 @@ class MessageBoxes {
   virtual int show(const MessageBoxRequest& request) = 0;
 };
 
+// Shows documents with the program that the workstation has for them. Whoever calls has made sure that the
+// path is one of the suite's documents.
+class Documents {
+ public:
+  virtual ~Documents() = default;
+  // False when there is no such file or no program for it; true says that a program took it, no more.
+  virtual bool open(std::u16string_view path) = 0;
+};
+
 }  // namespace vordane::platform

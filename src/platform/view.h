@@ -52,6 +52,7 @@ enum class ViewText {
   selectedFault,      // the name of the pane below the grid, for screen readers
   noSelection,        // what the pane below says while no fault is selected
   clipboardHeld,      // nothing was copied, since another program holds the clipboard
+  openGuide,          // entry of the window's system menu; with its access key
 };
 
 class ViewTexts {
@@ -64,6 +65,9 @@ class ViewTexts {
 enum class NoticeKind { hint, waiting, failure };
 
 enum class LookUpWay { forwards, backwards };
+
+// What may have the focus besides the form's controls.
+inline constexpr std::u16string_view lookUpBarPart = u"lookUpBar", panePart = u"pane";
 
 // What a person does.
 class ViewEvents {
@@ -78,6 +82,11 @@ class ViewEvents {
   virtual void keyPressed(int keyCode) = 0;                     // F1 is 112
   virtual void mousePressed(Control& control, int button) = 0;  // 2 is the right one
   virtual void whatsThisChosen() = 0;                           // itmWhatThis of the pop-up menu
+  // The guide's entry of the window's system menu: whether it can be chosen, asked whenever the menu opens,
+  // and the choice. `part` is the name of what has the focus, a control or one of the parts above; empty when
+  // nothing of the window has.
+  virtual bool guideOffered() = 0;
+  virtual void guideAsked(std::u16string_view part) = 0;
   // The row that holds `text` next after `from` (exclusive; -1: none is selected) or, backwards, before it,
   // without regard to case, wrapping round once; nothing when none does.
   virtual std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from, LookUpWay way) = 0;

@@ -105,7 +105,7 @@ std::u16string GetInstallPath(const Installation& installation, std::u16string_v
   return text::toUpperPath(productDirectory(lookup, wanted));
 }
 
-std::u16string SuiteDirectory(const Installation& installation) {
+std::u16string suiteDirectory(const Installation& installation) {
   const Lookup lookup = lookupFor(installation, u"ADDINS");
   if (auto stored = readSetting(installation, lookup.application, lookup.section, u"InstallPath"))
     return std::move(*stored);

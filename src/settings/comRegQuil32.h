@@ -26,7 +26,7 @@ std::u16string GetInstallPath(const Installation& installation, std::u16string_v
 // The suite's install directory of the running version: the one that the settings name, else the one above
 // the add-ins that the program runs in. Outside a suite, and without a setting, it is the program's own
 // directory.
-std::u16string SuiteDirectory(const Installation& installation);
+std::u16string suiteDirectory(const Installation& installation);
 
 // Writes `version` into the row of Register.mdb whose AppName is `application`. True when done, also when
 // there is no such row; false when the database or the table is missing.

@@ -6,7 +6,10 @@
 #include <limits>
 #include <new>
 
+#include "platform/stored_values.h"
 #include "settings/suite_databases.h"
+#include "text/dates.h"
+#include "text/file_names.h"
 #include "text/numbers.h"
 #include "text/text.h"
 #include "text/utf8.h"
@@ -66,28 +69,11 @@ std::int16_t jobKind(database::Recordset& row, std::int16_t otherwise) try {
   return noKind;
 }
 
-// Names that mean a device, whatever ending they have.
-constexpr std::u16string_view devices[] = {u"CON", u"PRN", u"AUX", u"NUL", u"CONIN$", u"CONOUT$"};
-constexpr std::u16string_view numberedDevices[] = {u"COM", u"LPT"};  // and one digit, as 1 or superscript
-
-bool namesDevice(std::u16string_view name) {
-  const std::u16string stem = text::toUpper(text::trim(name.substr(0, name.find(u'.'))));
-  if (std::find(std::begin(devices), std::end(devices), stem) != std::end(devices)) return true;
-  constexpr std::u16string_view digits = u"0123456789\u00B9\u00B2\u00B3";
-  return stem.size() == 4 && digits.find(stem[3]) != digits.npos &&
-         std::find(std::begin(numberedDevices), std::end(numberedDevices), text::left(stem, 3)) !=
-             std::end(numberedDevices);
-}
-
 // A base name that leads out of the log's folder, to a device or to a stream beside a file counts as none.
 std::u16string logName(const std::u16string& file, std::u16string_view key) {
-  constexpr std::u16string_view forbidden = u"\\/:*?\"<>|";
-  const bool plain = std::none_of(file.begin(), file.end(), [&](char16_t character) {
-    return character < 0x20 || forbidden.find(character) != forbidden.npos;
-  });
   std::u16string name = file;
   name += key;
-  return plain && !namesDevice(name) ? name : std::u16string(key);
+  return text::isPlainFileName(name) ? name : std::u16string(key);
 }
 
 void readOptions(database::Recordset& row, std::u16string_view key, ScheduleState& state) {
@@ -98,14 +84,12 @@ void readOptions(database::Recordset& row, std::u16string_view key, ScheduleStat
   state.LogLimited = automation::toBoolean(row.get(u"Log2"));
   state.LogLimitKB = automation::toLong(row.get(u"FileByte"));
   const Value file = row.get(u"File");
-  state.LogName = logName(automation::isNull(file) ? std::u16string{} : automation::toText(file), key);
+  state.LogName = logName(database::textOf(file), key);
   state.JobKind = jobKind(row, state.JobKind);
 }
 
 std::u16string timeStamp(const platform::LocalTime& now) {
-  const auto two = [](int value) { return text::decimalPadded(value, 2); };
-  return text::decimalPadded(now.year, 4) + u"-" + two(now.month) + u"-" + two(now.day) + u" " +
-         two(now.hour) + u":" + two(now.minute) + u":" + two(now.second);
+  return text::isoText(now.year, now.month, now.day, now.hour, now.minute, now.second);
 }
 
 // Control characters, among them next line, and the two separators that some readers take for line ends.
@@ -167,7 +151,7 @@ void writeResponse(Environment& environment, const LoggedAnswer& answer) {
   if (keepsNothing(environment.state)) return;
   std::u16string path;
   skipWithoutMemory([&] {
-    path = LogPath(environment);
+    path = logPath(environment);
     const auto code = answer.errorCode ? text::decimal(*answer.errorCode) : std::u16string{};
     writeLine(environment, path, u"ErrCode = " + code, false);
   });
@@ -195,27 +179,27 @@ void LoadScheduleOptions(Environment& environment, std::u16string_view key) {
   }
 }
 
-std::u16string LogPath(const Environment& environment) {
+std::u16string logPath(const Environment& environment) {
   return databaseDirectory(environment) + u"\\" + environment.state.LogName + u".tlg";
 }
 
 void WriteRunLog(Environment& environment, std::u16string_view text, bool forced, bool ignoreLimit) {
   if (!forced && environment.state.LogAlways != 1) return;
   if (keepsNothing(environment.state)) return;
-  skipWithoutMemory([&] { writeLine(environment, LogPath(environment), text, ignoreLimit); });
+  skipWithoutMemory([&] { writeLine(environment, logPath(environment), text, ignoreLimit); });
 }
 
-void WriteRunLine(Environment& environment, std::u16string_view text) {
+void writeRunLine(Environment& environment, std::u16string_view text) {
   WriteRunLog(environment, text, true, false);
 }
 
-void CloseRunLog(ScheduleState& state) {
+void closeRunLog(ScheduleState& state) {
   state.LogName.clear();
 }
 
-void EndRunLog(Environment& environment) {
-  if (environment.state.LogEnabled) WriteRunLine(environment, logEndMark);
-  CloseRunLog(environment.state);
+void endRunLog(Environment& environment) {
+  if (environment.state.LogEnabled) writeRunLine(environment, logEndMark);
+  closeRunLog(environment.state);
   environment.state.RunState = 0;
 }
 

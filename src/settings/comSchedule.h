@@ -36,12 +36,12 @@ inline constexpr std::size_t longestLine = 4096;  // characters, its time includ
 void WriteRunLog(Environment& environment, std::u16string_view text, bool forced, bool ignoreLimit);
 
 // A line of the run's own, which is forced.
-void WriteRunLine(Environment& environment, std::u16string_view text);
+void writeRunLine(Environment& environment, std::u16string_view text);
 
 // Behind the last line of a run: nothing more is written until the next job is loaded.
-void CloseRunLog(ScheduleState& state);
+void closeRunLog(ScheduleState& state);
 // The run is over: behind its end mark stands no line of it, whoever calls or waits from here on.
-void EndRunLog(Environment& environment);
+void endRunLog(Environment& environment);
 
 // An answer as it was copied: the exchange server's own record is not read for the log.
 struct LoggedEntry {
@@ -62,6 +62,6 @@ void WaitSeconds(platform::Clock& clock, std::int16_t seconds);
 void CancelScheduleCount(ScheduleState& state);
 
 // The run log of the loaded job.
-std::u16string LogPath(const Environment& environment);
+std::u16string logPath(const Environment& environment);
 
 }  // namespace vordane::comSchedule

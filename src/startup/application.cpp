@@ -38,7 +38,11 @@ std::u16string Application::installPath(std::u16string_view item) const {
 
 std::optional<std::u16string> Application::helpDocument(std::u16string_view boxHelp) const {
   return language::openableHelp(boxHelp, installation_.runningDirectory,
-                                comRegQuil32::SuiteDirectory(installation_));
+                                comRegQuil32::suiteDirectory(installation_));
+}
+
+std::optional<std::u16string> Application::guidePage(std::u16string_view topic) const {
+  return helpDocument(installPath(u"Help") + u"GUIDE\\" + std::u16string(topic) + u".html");
 }
 
 int Application::showBox(std::int16_t number, std::u16string_view substitution) {
@@ -57,7 +61,7 @@ bool Application::unattended() {
 
 bool Application::askWhileBusy() {
   if (unattended()) {
-    comSchedule::WriteRunLine(runLog_, texts.OleServerBusyMsgText);
+    comSchedule::writeRunLine(runLog_, texts.OleServerBusyMsgText);
     return false;
   }
   return station_.boxes.show(
@@ -67,7 +71,7 @@ bool Application::askWhileBusy() {
 
 void Application::tellPending() {
   if (unattended())
-    comSchedule::WriteRunLine(runLog_, texts.OleRequestPendingMsgText);
+    comSchedule::writeRunLine(runLog_, texts.OleRequestPendingMsgText);
   else
     station_.boxes.show(
         {texts.OleRequestPendingMsgText, texts.OleRequestPendingMsgTitle, exclamation, {}, {}});

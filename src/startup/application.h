@@ -30,6 +30,7 @@ struct Workstation {
   platform::Files& files;
   platform::ObjectCreator& creator;
   platform::MessageBoxes& boxes;
+  platform::Documents& documents;
   database::Engine& engine;
   window::View& view;
   comPicture::PictureLoader& pictures;
@@ -72,6 +73,9 @@ class Application final : public platform::CallQuestions {
   // What a person who asks a box for help is shown: the document of the box's help file, when it is one of
   // the suite's. Nothing counts as a help file that is missing.
   std::optional<std::u16string> helpDocument(std::u16string_view boxHelp) const;
+  // The page of the installed guide that begins at the topic, wherever the settings say that help stands;
+  // nothing when that is no place of the suite's. Looks at names only.
+  std::optional<std::u16string> guidePage(std::u16string_view topic) const;
   std::unique_ptr<database::Database> CommonLangDB, LangDB;
 
  private:

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "platform/run_time_errors.h"
 #include "startup/basMain.h"
 #include "startup/dlgFaultDisplay.h"
 #include "startup/library.h"
@@ -19,22 +20,16 @@ constexpr std::int16_t runStarted = 0;
 constexpr std::int16_t runError = 10000;
 constexpr std::int16_t runBusy = 10001;
 
-// What a kind of host that numbers its errors expects: 0x800A0000 + number.
-constexpr std::pair<std::int32_t, int> errorNumbers[] = {
-    {automation::error::unknownName, 438},       {automation::error::memberNotFound, 438},
-    {automation::error::typeMismatch, 13},       {automation::error::overflow, 6},
-    {automation::error::badParameterCount, 450}, {automation::error::parameterNotOptional, 449},
-};
 constexpr int objectNotSet = 91;
 
 [[noreturn]] void raise(std::int32_t code, const std::u16string& description) {
   throw AutomationError(code, description, u"Vordane10013");
 }
 
+// A kind of host that numbers its errors expects 0x800A0000 + number.
 [[noreturn]] void raiseHostError(const AutomationError& failure) {
-  for (const auto& [code, number] : errorNumbers)
-    if (failure.code() == code) raise(automation::error::runTime(number), failure.description());
-  raise(failure.code(), failure.description());
+  const auto number = automation::refusedCallNumber(failure.code());
+  raise(number ? automation::error::runTime(*number) : failure.code(), failure.description());
 }
 
 }  // namespace

@@ -41,7 +41,7 @@ dlgFaultDisplay::dlgFaultDisplay(startup::Application& application)
       end_(parts_),
       runs_(parts_),
       actions_(parts_),
-      help_(application, life_, host_),
+      help_(application, life_, host_, status_),
       input_(parts_, help_) {}
 
 dlgFaultDisplay::~dlgFaultDisplay() {
@@ -71,7 +71,7 @@ void dlgFaultDisplay::loadSteps() {
     if (parts_.state().StandAlone) Unload();
     return;
   }
-  store_.SetSortFlags();
+  store_.setSortFlags();
   if (!showExchanges() || !alive()) return;
   localise();
   life_.endLoad();
@@ -94,7 +94,7 @@ bool dlgFaultDisplay::showExchanges() {
   }
   if (!alive()) return false;
   const auto& station = application_.station();
-  session_.CreateServer(station.files, station.settings, station.creator);
+  session_.createServer(station.files, station.settings, station.creator);
   usePBXName(station.program.commandLine, shown ? Report::box : Report::quiet);
   return true;
 }

@@ -46,7 +46,7 @@ std::int16_t ScheduledRuns::CancelSchedule() {
   if (!parts_.alive()) return 0;
   parts_.job.cancel();
   if (parts_.state().runMode == RunMode::scheduledRun)
-    comSchedule::WriteRunLine(parts_.application.runLog(), parts_.text(message::runCancelled));
+    comSchedule::writeRunLine(parts_.application.runLog(), parts_.text(message::runCancelled));
   QueryCancelRun();  // a run's pending request is given up; that it "may not close" is not heeded here
   if (parts_.alive()) parts_.end.Unload();
   return 0;
@@ -64,7 +64,7 @@ void ScheduledRuns::step() {
   if (parts_.job.nextIteration(options)) {
     const std::int32_t iteration = parts_.job.iteration();
     if (options.ScheduleCount > 1)
-      comSchedule::WriteRunLine(parts_.application.runLog(),
+      comSchedule::writeRunLine(parts_.application.runLog(),
                                 parts_.text(message::runNumber) + u" " + text::decimal(iteration));
     parts_.state().runMode = RunMode::scheduledRun;
     parts_.status.runs(iteration, options.ScheduleCount);
@@ -79,11 +79,11 @@ bool ScheduledRuns::startJob() {
   comSchedule::Environment& log = parts_.application.runLog();
   switch (parts_.job.start(parts_.state().schedule, !parts_.host.PBXName().empty())) {
     case ScheduledJob::Start::otherKind:
-      comSchedule::WriteRunLine(log, parts_.text(message::runOtherKind));
+      comSchedule::writeRunLine(log, parts_.text(message::runOtherKind));
       parts_.timer.enable(Action::runStep);
       return true;
     case ScheduledJob::Start::noExchange:
-      comSchedule::WriteRunLine(
+      comSchedule::writeRunLine(
           log, fillText(parts_.text(message::runListFailed), {parts_.text(message::reasonNoExchange)}));
       return false;
     case ScheduledJob::Start::request:

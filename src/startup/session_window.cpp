@@ -53,7 +53,7 @@ void SessionWindow::attemptFailed(std::int16_t request, std::u16string_view exch
   status::showConversation(view(), status_);
   if (state.runMode != RunMode::scheduledRun) return;
   const auto pattern = request == step::alarmStateRequest ? message::runAckFailed : message::runListFailed;
-  comSchedule::WriteRunLine(application_.runLog(), fillText(messageText(state, pattern), {reason}));
+  comSchedule::writeRunLine(application_.runLog(), fillText(messageText(state, pattern), {reason}));
 }
 
 }  // namespace vordane::startup

@@ -56,7 +56,7 @@ void StoreWindow::listTaken(const status::ListAccount& account) {
   status_.listTaken(account);
   status::showLine(application_.station().view, status_);
   if (application_.state().runMode == RunMode::scheduledRun)
-    comSchedule::WriteRunLine(application_.runLog(), status::runLogText(application_.state(), account));
+    comSchedule::writeRunLine(application_.runLog(), status::runLogText(application_.state(), account));
 }
 
 void StoreWindow::deletionGivenUp() {

@@ -49,7 +49,7 @@ void WindowEnd::notifyUnload() {
     return;
   }
   if (mode == RunMode::scheduledRun) {
-    attempt([&] { comSchedule::EndRunLog(parts_.application.runLog()); });
+    attempt([&] { comSchedule::endRunLog(parts_.application.runLog()); });
     parts_.state().schedule.RunState = 0;
     host.call(u"EndProcess", {byRef(parts_.job.Key()), byRef(parts_.state().stepCode)});
   }
@@ -60,7 +60,7 @@ void WindowEnd::userReleased() noexcept {
   const WindowLife::Entry entry(parts_.life);
   if (parts_.life.DecrementCount() >= 1) return;
   if (parts_.alive() && parts_.state().runMode == RunMode::scheduledRun)
-    attempt([&] { comSchedule::WriteRunLine(parts_.application.runLog(), parts_.text(message::runLetGo)); });
+    attempt([&] { comSchedule::writeRunLine(parts_.application.runLog(), parts_.text(message::runLetGo)); });
   attempt([&] { beginEnding(); });
   attempt([&] { parts_.place.FrmPositionSave(); });
   parts_.host.letGo();
@@ -86,7 +86,7 @@ void WindowEnd::notifyEnding() {
     host.call(u"UnloadChild2", {byRef(host.ID())});
     parts_.life.hostTold();
   } else if (parts_.state().runMode == RunMode::scheduledRun) {
-    comSchedule::EndRunLog(parts_.application.runLog());
+    comSchedule::endRunLog(parts_.application.runLog());
     parts_.state().runMode = RunMode::interactive;
     host.call(u"EndProcess", {byRef(parts_.job.Key()), byRef(parts_.job.result())});
   }

@@ -4,6 +4,7 @@
 
 #include "language/comLanguage.h"
 #include "language/form_controls.h"
+#include "language/guide_topics.h"
 #include "language/message_numbers.h"
 
 namespace vordane::startup {
@@ -15,7 +16,7 @@ constexpr std::u16string_view helpFile = u"VORDANE.HLP";
 }  // namespace
 
 void WindowHelp::load(window::Form& form, database::Database& language) {
-  texts_ = comLanguage::LoadHelpTexts(form, language);
+  texts_ = comLanguage::loadHelpTexts(form, language);
 }
 
 void WindowHelp::askHost() {
@@ -43,6 +44,25 @@ void WindowHelp::whatsThisChosen() {
   const auto help = texts_.find(target_->name());
   application_.station().view.showWhatsThis(
       *target_, help == texts_.end() ? messageText(application_.state(), message::noHelpText) : help->second);
+}
+
+bool WindowHelp::guideOffered() {
+  return life_.alive() && !application_.unattended();
+}
+
+void WindowHelp::openGuide(std::u16string_view part) {
+  const WindowLife::Entry entry(life_);
+  if (!guideOffered()) return;
+  const Workstation& station = application_.station();
+  const std::u16string_view topic = guideTopicOf(part);
+  const auto page = application_.guidePage(topic);
+  if (!page || !station.files.exists(*page))
+    status_.guideMissing(page.value_or(std::u16string(topic) + u".html"));
+  else if (station.documents.open(*page))
+    status_.guideShown();
+  else
+    status_.guideNotShown(*page);
+  if (life_.alive()) status::showLine(station.view, status_);
 }
 
 }  // namespace vordane::startup

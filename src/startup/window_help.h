@@ -1,4 +1,5 @@
-// Help: F1 asks the host for the program's document, What's This shows the control's own text. One thread.
+// Help: F1 asks the host for the program's document, What's This shows the control's own text, the system
+// menu opens the installed guide. One thread.
 #pragma once
 
 #include <map>
@@ -8,24 +9,29 @@
 #include "platform/window.h"
 #include "startup/host_link.h"
 #include "startup/window_life.h"
+#include "status/window_status.h"
 
 namespace vordane::startup {
 
 class WindowHelp {
  public:
-  WindowHelp(Application& application, WindowLife& life, HostLink& host)
-      : application_(application), life_(life), host_(host) {}
+  WindowHelp(Application& application, WindowLife& life, HostLink& host, status::WindowStatus& status)
+      : application_(application), life_(life), host_(host), status_(status) {}
 
   void load(window::Form& form, database::Database& language);
   void askHost();
   void mousePressed(window::Control& control, int button);
   void ShowWhatsThis(window::Control& control);
   void whatsThisChosen();
+  bool guideOffered();  // not where nobody would see it
+  // Opens the guide at the topic of that part of the window; the status line says why it does not open.
+  void openGuide(std::u16string_view part);
 
  private:
   Application& application_;
   WindowLife& life_;
   HostLink& host_;
+  status::WindowStatus& status_;
   std::map<std::u16string, std::u16string> texts_;
   window::Control* target_ = nullptr;  // while its menu is open
 };

@@ -20,6 +20,8 @@ class WindowInput final : public window::ViewEvents {
   void keyPressed(int keyCode) override;
   void mousePressed(window::Control& control, int button) override;
   void whatsThisChosen() override;
+  bool guideOffered() override { return help_.guideOffered(); }
+  void guideAsked(std::u16string_view part) override { help_.openGuide(part); }
   std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from,
                                     window::LookUpWay way) override;
   void tick() override;

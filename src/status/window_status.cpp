@@ -77,6 +77,7 @@ void WindowStatus::loaded() {
 void WindowStatus::waits(std::int16_t request, std::u16string_view exchange) {
   // The acknowledgement belongs to the list before it, whose failure stays.
   if (request != step::alarmStateRequest) failure_.clear();
+  guideLine_.clear();
   waiting_ = fillText(text(sentencesOf(request).waiting), {exchange});
 }
 
@@ -105,6 +106,16 @@ void WindowStatus::deletionGivenUp(std::u16string_view when) {
   attemptLine_ = fillText(text(message::statusNotDeleted), {when});
 }
 
+// --- the guide
+
+void WindowStatus::guideMissing(std::u16string_view file) {
+  guideLine_ = fillText(text(message::statusGuideMissing), {file});
+}
+
+void WindowStatus::guideNotShown(std::u16string_view file) {
+  guideLine_ = fillText(text(message::statusGuideNotShown), {file});
+}
+
 // --- the display
 
 void WindowStatus::exchangeShown(std::u16string_view name, std::u16string_view received) {
@@ -128,6 +139,7 @@ std::u16string WindowStatus::line() const {
   if (quiet && !textsIncomplete_.empty())
     line = fillText(text(message::statusTextsIncomplete), {textsIncomplete_});
   if (quiet && onNetwork_) line = text(message::statusNetworkDrive) + u" " + line;
+  if (!guideLine_.empty()) line = guideLine_ + u"\n" + line;
   return line;
 }
 

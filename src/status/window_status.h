@@ -45,8 +45,16 @@ class WindowStatus {
   void listTaken(const ListAccount& account);
   void deletionGivenUp(std::u16string_view when);
 
+  // --- the guide: where it was looked for
+  void guideMissing(std::u16string_view file);
+  void guideNotShown(std::u16string_view file);
+  void guideShown() { guideLine_.clear(); }
+
   // --- the display
-  void otherExchange() { failure_.clear(); }  // the failure was about what was shown before
+  void otherExchange() {  // the failure was about what was shown before
+    failure_.clear();
+    guideLine_.clear();
+  }
   // The exchange now shown, empty without one, and when its stored list came, empty when that is not known.
   void exchangeShown(std::u16string_view name, std::u16string_view received);
   void displayFailed(std::u16string_view engineText);
@@ -70,6 +78,7 @@ class WindowStatus {
   std::u16string waiting_, failure_, displayFailure_;   // the notice
   std::u16string storedLine_, listLine_, attemptLine_;  // the status line
   std::u16string textsIncomplete_;                      // the tables of loaders that stopped
+  std::u16string guideLine_;                            // above all others
 };
 
 inline void show(window::View& view, const Notice& notice) {

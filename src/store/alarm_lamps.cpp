@@ -1,6 +1,7 @@
 // The lamps: what the exchange answered, kept with its row and painted from there.
 #include "language/message_numbers.h"
 #include "pbx/response_codes.h"
+#include "platform/stored_values.h"
 #include "store/fault_store.h"
 #include "store/statements.h"
 #include "store/trap.h"
@@ -27,10 +28,6 @@ bool clearConfirmed(const cListRequest& answer) {
   for (std::int32_t i = 0; i < answer.Count(); ++i)
     if (pbx::GetResponseCode(text::toUpper(answer.ExtraData(i))) != pbx::responseOk) return false;
   return true;
-}
-
-bool lit(const database::Value& value) {
-  return !automation::isNull(value) && automation::toBoolean(value);
 }
 
 }  // namespace
@@ -79,7 +76,7 @@ void FaultStore::paintLamps(database::Database& database) {
   if (!shown) return showLamps(false, false);
   const auto exchange = database.openRecordset(findExchange(shown->name));
   const bool found = exchange->recordCount() > 0;
-  showLamps(found && lit(exchange->get(u"MJ")), found && lit(exchange->get(u"MN")));
+  showLamps(found && database::flagOf(exchange->get(u"MJ")), found && database::flagOf(exchange->get(u"MN")));
   exchange->close();
 }
 

@@ -93,7 +93,7 @@ std::vector<window::GridSource::Range> FaultRows::provenance(std::size_t positio
 const cFaultDisplay::Pieces& FaultRows::explanation(const window::GridRow& row) {
   if (row.fault == explainedKind_ && row.description == explainedText_) return explained_;
   std::u16string dataText;
-  explained_ = form_.faultDecoder(state_.WideFaultFields).ExplainStored(row.fault, row.description, dataText);
+  explained_ = form_.faultDecoder(state_.WideFaultFields).explainStored(row.fault, row.description, dataText);
   explainedKind_ = row.fault;
   explainedText_ = row.description;
   return explained_;

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "platform/database_numbers.h"
 #include "text/numbers.h"
 
 namespace vordane::store {
@@ -10,24 +11,19 @@ namespace {
 // The order in which the rows of the grid read their columns.
 constexpr std::array<std::u16string_view, 6> gridFields = {u"Fault", u"Alarm",       u"Date",
                                                            u"CPU",   u"Description", u"Count"};
-constexpr int overflowNumber = 6;
 
 }  // namespace
-
-std::u16string textOf(const database::Value& value) {
-  return automation::isNull(value) ? std::u16string{} : automation::toText(value);
-}
 
 std::int16_t exchangeIdOf(const database::Value& value) {
   try {
     return automation::toInteger(value);
   } catch (const automation::AutomationError&) {
     const auto shown = automation::isNull(value) ? std::u16string(u"Null") : automation::toText(value);
-    throw database::DatabaseError(overflowNumber, u"PBXList.ID: " + shown);
+    throw database::DatabaseError(automation::error::overflowNumber, u"PBXList.ID: " + shown);
   }
 }
 
-void DataControl::Refresh(database::Database& database) {
+void DataControl::refresh(database::Database& database) {
   drop();
   if (!recordSource_.empty()) read(database);
 }
@@ -39,12 +35,12 @@ void DataControl::clear() {
 
 const ExchangeControl::Row& ExchangeControl::row() const {
   if (row_ == nullptr && noRow_ != nullptr) std::rethrow_exception(noRow_);
-  if (row_ == nullptr) throw database::DatabaseError(noCurrentRow, u"PBXList");
+  if (row_ == nullptr) throw database::DatabaseError(database::number::noCurrentRecord, u"PBXList");
   return *row_;
 }
 
 void ExchangeControl::read(database::Database& database) {
-  const auto records = database.openRecordset(RecordSource());
+  const auto records = database.openRecordset(recordSource());
   try {
     Row row{records->get(u"ID"), records->get(u"PBXName"), textOf(records->get(u"TimeStamp")),
             records->isDate(u"TimeStamp")};
@@ -62,7 +58,7 @@ void ExchangeControl::drop() noexcept {
 }
 
 void FaultControl::read(database::Database& database) {
-  rows_ = database.openRowList(RecordSource(), gridFields);
+  rows_ = database.openRowList(recordSource(), gridFields);
 }
 
 }  // namespace vordane::store

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "platform/database.h"
+#include "platform/stored_values.h"
 
 namespace vordane::store {
 
@@ -15,11 +16,11 @@ class DataControl {
  public:
   virtual ~DataControl() = default;
 
-  const std::u16string& RecordSource() const { return recordSource_; }
+  const std::u16string& recordSource() const { return recordSource_; }
   void setRecordSource(std::u16string statement) { recordSource_ = std::move(statement); }
 
   // Throws DatabaseError, and is empty then; an empty record source empties it too.
-  void Refresh(database::Database& database);
+  void refresh(database::Database& database);
   // Lets go of the rows and the record source.
   void clear();
 
@@ -30,8 +31,6 @@ class DataControl {
  private:
   std::u16string recordSource_;
 };
-
-inline constexpr int noCurrentRow = 3021;
 
 // datPBXList: the row of the selected exchange.
 class ExchangeControl : public DataControl {
@@ -67,8 +66,7 @@ class FaultControl : public DataControl {
   std::unique_ptr<database::RowList> rows_;
 };
 
-// A column of a date type, or a text one, as text; Null is the empty text.
-std::u16string textOf(const database::Value& value);
+using database::textOf;
 
 // PBXList.ID as the 16-bit number it is. Throws DatabaseError on any other, never wraps.
 std::int16_t exchangeIdOf(const database::Value& value);

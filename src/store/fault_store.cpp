@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "language/message_numbers.h"
+#include "platform/database_numbers.h"
 #include "store/long_step.h"
 #include "store/statements.h"
 #include "store/stored_years.h"
@@ -13,7 +14,6 @@
 namespace vordane::store {
 namespace {
 
-constexpr std::int32_t databaseNotOpenCode = 3024;
 constexpr int dateColumn = 2;
 
 // What acts on faults is dead while none are shown.
@@ -37,7 +37,7 @@ class Filling {
 FaultStore::FaultStore(StoreForm& form, const Surroundings& around)
     : form_(form), around_(around), grid_(form, around.state) {}
 
-void FaultStore::SetSortFlags() {
+void FaultStore::setSortFlags() {
   for (int column = 0; column < sortableColumns; ++column)
     ascending_[static_cast<std::size_t>(column)] = true;
   ascending_[dateColumn] = false;
@@ -53,7 +53,7 @@ database::Database* FaultStore::openDatabase() {
   database::Database* database = form_.faultDatabase();
   if (database != nullptr) return database;
   form_.hostMessage(messageText(around_.state, message::databaseNotOpen));
-  if (form_.alive()) form_.hostCode(databaseNotOpenCode);
+  if (form_.alive()) form_.hostCode(database::number::fileNotFound);
   return nullptr;
 }
 
@@ -212,7 +212,7 @@ void FaultStore::SelectExchange(database::Database& database) {
 void FaultStore::refreshExchange(database::Database& database) {
   const auto exchange = chosen();
   datPBXList_.setRecordSource(exchange ? selectExchange(exchange->name, exchange->id) : std::u16string{});
-  datPBXList_.Refresh(database);
+  datPBXList_.refresh(database);
   std::u16string received;
   if (datPBXList_.hasRow())
     received = shownTimeStamp(datPBXList_.row().timeStamp, datPBXList_.row().dated, around_.clock);
@@ -236,7 +236,7 @@ void FaultStore::SortFaultGrid(database::Database& database, int column) {
 void FaultStore::refreshFaults(database::Database& database) {
   {
     const LongStep step(around_, grid_, database, LongStep::reading);
-    datFaultDisplay_.Refresh(database);
+    datFaultDisplay_.refresh(database);
   }
   around_.status.displayed();
   grid_.show(datFaultDisplay_.rows());

@@ -32,7 +32,7 @@ class FaultStore {
   FaultStore& operator=(const FaultStore&) = delete;
 
   // --- the form's load and unload
-  void SetSortFlags();  // 0, 1, 3 and 4 ascending first, 2 descending; 5 is not touched
+  void setSortFlags();  // 0, 1, 3 and 4 ascending first, 2 descending; 5 is not touched
   // Refills drpPBXList, newest list first, and selects the form's exchange or the first. False when that
   // failed, which the display shows, and box 102 unless `report` is quiet.
   bool FillExchangeList(Report report = Report::box);

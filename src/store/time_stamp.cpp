@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "text/dates.h"
 #include "text/numbers.h"
 #include "text/text.h"
 
@@ -12,15 +13,7 @@ constexpr std::u16string_view column = u"TimeStamp";
 constexpr std::u16string_view datePattern = u"0000-00-00 00:00:00";
 
 std::u16string dateText(const platform::LocalTime& time) {
-  struct Part {
-    int value, digits;
-    std::u16string_view after;
-  };
-  std::u16string result;
-  for (const Part& part : {Part{time.year, 4, u"-"}, Part{time.month, 2, u"-"}, Part{time.day, 2, u" "},
-                           Part{time.hour, 2, u":"}, Part{time.minute, 2, u":"}, Part{time.second, 2, u""}})
-    result.append(text::decimalPadded(part.value, part.digits)).append(part.after);
-  return result;
+  return text::isoText(time.year, time.month, time.day, time.hour, time.minute, time.second);
 }
 
 bool isDateText(std::u16string_view text) {

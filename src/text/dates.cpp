@@ -1,5 +1,6 @@
 #include "text/dates.h"
 
+#include <chrono>
 #include <cmath>
 #include <cstdint>
 
@@ -8,34 +9,20 @@
 namespace vordane::text {
 namespace {
 
+using namespace std::chrono_literals;
+using std::chrono::sys_days;
+using std::chrono::year_month_day;
+
 constexpr std::int64_t secondsOfDay = 86400;
-constexpr std::int64_t epoch = 693899;  // 1899-12-30 counted from 0000-03-01
-
-struct Day {
-  std::int64_t year, month, day;
-};
-
-// The civil date of a day counted from 0000-03-01, by the proleptic Gregorian calendar: eras of 400 years,
-// years that begin in March so that the leap day comes last.
-Day civil(std::int64_t count) {
-  constexpr std::int64_t daysOfEra = 146097;
-  const std::int64_t era = (count >= 0 ? count : count - (daysOfEra - 1)) / daysOfEra;
-  const std::int64_t inEra = count - era * daysOfEra;
-  const std::int64_t yearOfEra = (inEra - inEra / 1460 + inEra / 36524 - inEra / 146096) / 365;
-  const std::int64_t inYear = inEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-  const std::int64_t fromMarch = (5 * inYear + 2) / 153;
-  const std::int64_t month = fromMarch < 10 ? fromMarch + 3 : fromMarch - 9;
-  return {yearOfEra + era * 400 + (month <= 2 ? 1 : 0), month, inYear - (153 * fromMarch + 2) / 5 + 1};
-}
-
-// The other way round.
-std::int64_t countOf(const Day& date) {
-  const std::int64_t year = date.month <= 2 ? date.year - 1 : date.year;
-  const std::int64_t fromMarch = date.month <= 2 ? date.month + 9 : date.month - 3;
-  return 365 * year + year / 4 - year / 100 + year / 400 + (153 * fromMarch + 2) / 5 + date.day - 1;
-}
+constexpr sys_days epoch = 1899y / 12 / 30;
 
 }  // namespace
+
+std::u16string isoText(int year, int month, int day, int hour, int minute, int second) {
+  const auto two = [](int value) { return decimalPadded(value, 2); };
+  return decimalPadded(year, 4) + u"-" + two(month) + u"-" + two(day) + u" " + two(hour) + u":" +
+         two(minute) + u":" + two(second);
+}
 
 std::u16string isoMoment(double days) {
   constexpr double first = -657434, last = 2958466;   // year 100, year 10000
@@ -48,10 +35,10 @@ std::u16string isoMoment(double days) {
     seconds = 0;
     whole += 1;
   }
-  const Day date = civil(static_cast<std::int64_t>(whole) + epoch);
-  const auto two = [](std::int64_t value) { return decimalPadded(value, 2); };
-  return decimalPadded(date.year, 4) + u"-" + two(date.month) + u"-" + two(date.day) + u" " +
-         two(seconds / 3600) + u":" + two(seconds / 60 % 60) + u":" + two(seconds % 60);
+  const year_month_day date(epoch + std::chrono::days(static_cast<int>(whole)));
+  const auto time = static_cast<int>(seconds);
+  return isoText(int{date.year()}, static_cast<int>(unsigned{date.month()}),
+                 static_cast<int>(unsigned{date.day()}), time / 3600, time / 60 % 60, time % 60);
 }
 
 std::optional<double> momentOf(std::u16string_view text) {
@@ -60,7 +47,11 @@ std::optional<double> momentOf(std::u16string_view text) {
   const auto part = [&](std::size_t at, std::size_t count) {
     return std::int64_t{decimalField(text.substr(at, count))};
   };
-  const auto days = static_cast<double>(countOf({part(0, 4), part(5, 2), part(8, 2)}) - epoch);
+  const year_month_day date(std::chrono::year(static_cast<int>(part(0, 4))),
+                            std::chrono::month(static_cast<unsigned>(part(5, 2))),
+                            std::chrono::day(static_cast<unsigned>(part(8, 2))));
+  if (!date.ok()) return std::nullopt;
+  const auto days = static_cast<double>((sys_days(date) - epoch).count());
   const auto seconds = static_cast<double>(part(11, 2) * 3600 + part(14, 2) * 60 + part(17, 2));
   const double time = seconds / static_cast<double>(secondsOfDay);
   const double moment = days < 0 ? days - time : days + time;

@@ -7,7 +7,11 @@
 
 namespace vordane::text {
 
-// "YYYY-MM-DD HH:MM:SS", rounded to the second; the empty text outside the years 100 to 9999.
+// "YYYY-MM-DD HH:MM:SS": the form of dates in databases, of a moment's text and of the lines of a run's log.
+// The parts are taken as they are.
+std::u16string isoText(int year, int month, int day, int hour, int minute, int second);
+
+// The same of a moment, rounded to the second; the empty text outside the years 100 to 9999.
 std::u16string isoMoment(double days);
 
 // The way back; nothing for a text that isoMoment never gives (30 February, another form).

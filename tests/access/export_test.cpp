@@ -78,7 +78,7 @@ std::vector<std::vector<std::u16string>> plain(const SourceRows& rows) {
 TEST_F(Export, ALanguageGoesThereAndBackAgain) {
   for (const char* language : {"en", "ja"}) {
     Problems problems;
-    const auto source = readLanguage(test::sourceFolder() / "data" / "language" / language, problems);
+    const auto source = readLanguageSource(test::sourceFolder() / "data" / "language" / language, problems);
     buildOwnLanguage(source, folder / "VORDANE.LNG");
     buildCommonLanguage(source, folder / "Common.LNG");
     const fs::path texts = folder / language / "texts";
@@ -88,7 +88,7 @@ TEST_F(Export, ALanguageGoesThereAndBackAgain) {
       out.write(texts);
       EXPECT_EQ(out.problems(), Problems{});
     }
-    const auto again = readLanguage(texts, problems);
+    const auto again = readLanguageSource(texts, problems);
     EXPECT_EQ(problems, Problems{});
     for (const auto rows : {&LanguageSource::messages, &LanguageSource::lists, &LanguageSource::forms,
                             &LanguageSource::controls, &LanguageSource::headings, &LanguageSource::project,

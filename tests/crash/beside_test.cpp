@@ -20,7 +20,7 @@ class Beside : public testing::TestWithParam<bool> {
  protected:
   Beside() {
     form.database = under.engine().open(file, false);
-    faults.SetSortFlags();
+    faults.setSortFlags();
     receiveList(form, 0);
   }
   ~Beside() override { faults.close(); }
@@ -96,7 +96,7 @@ TEST(BesideOnDisk, AnIngestionIsNotHeldUpByAReader) {
   fakes::MemoryStoreForm form;
   form.database = under.engine().open(file, false);
   store::FaultStore faults(form, form.around());
-  faults.SetSortFlags();
+  faults.setSortFlags();
   receiveList(form, 0);
   form.ingest(faults);
   const auto reader = under.engine().open(file, true);

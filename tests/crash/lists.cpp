@@ -98,7 +98,7 @@ void takeLists(const Order& order) {
   form.meanwhile = [&](const std::string& line) { report << line << std::endl; };
   form.database = engine->open(text::fromUtf8(order.file), false);
   store::FaultStore faults(form, form.around());
-  faults.SetSortFlags();
+  faults.setSortFlags();
   for (int list = order.firstList; list < order.firstList + order.lists; ++list) {
     receiveList(form, list);
     form.ingest(faults);

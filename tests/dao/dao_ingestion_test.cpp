@@ -15,7 +15,7 @@ class DaoIngestion : public testing::Test {
  protected:
   DaoIngestion() {
     form.database = under.engine().open(file, false);
-    store.SetSortFlags();
+    store.setSortFlags();
   }
   ~DaoIngestion() override { store.close(); }
 

@@ -85,7 +85,7 @@ TEST_F(ReportTest, AnExchangeWithoutFaultsIsPrintedToo) {
   const PrintedReport report = print(request(u"Empty & <quiet>"));
   EXPECT_THAT(page(report), HasSubstr("Empty &amp; &lt;quiet&gt;|"));
   EXPECT_THAT(page(report), HasSubstr("|0|2006-11-27 10:15|-\nnothing\n"));
-  EXPECT_EQ(std::filesystem::path(report.file).filename(), "FAULT-Empty _ _quiet_.html");
+  EXPECT_EQ(std::filesystem::path(report.file).filename(), "FAULT-Empty & %3Cquiet%3E.html");
 }
 
 TEST_F(ReportTest, SaysWhyNothingWasPrinted) {

@@ -31,7 +31,7 @@ using Values = std::vector<std::pair<std::u16string, Sources>>;
 class Explain : public testing::Test {
  protected:
   Values explain(std::u16string_view record, std::u16string_view data) {
-    return values(decode.display.Explain(record, data, u""));
+    return values(decode.display.explain(record, data, u""));
   }
   Decoder decode;
 };
@@ -41,7 +41,7 @@ TEST_F(Explain, ThePiecesJoinedAreTheDescription) {
   for (int i = 0; i < 60000; ++i) {
     const RandomRecord record = records.next();
     decode.wide = (i & 1) != 0;
-    ASSERT_EQ(joined(decode.display.Explain(record.kind, record.first, record.second)),
+    ASSERT_EQ(joined(decode.display.explain(record.kind, record.first, record.second)),
               decode(record.kind, record.first, record.second));
   }
 }
@@ -51,7 +51,7 @@ TEST_F(Explain, NoSourceLiesOutsideTheData) {
   for (int i = 0; i < 60000; ++i) {
     const RandomRecord record = records.next();
     const std::size_t size = record.first.size() + 1 + record.second.size();
-    for (const auto& piece : decode.display.Explain(record.kind, record.first, record.second))
+    for (const auto& piece : decode.display.explain(record.kind, record.first, record.second))
       for (const Source& source : piece.sources) {
         ASSERT_LT(source.begin, source.end);
         ASSERT_LE(source.end, size);
@@ -106,7 +106,7 @@ TEST_F(Explain, ShortDataIsNoSource) {
 }
 
 TEST_F(Explain, TheTrailerNamesTheWholeData) {
-  const auto pieces = decode.display.Explain(u"02", u"01", u"02");
+  const auto pieces = decode.display.explain(u"02", u"01", u"02");
   ASSERT_EQ(pieces.size(), 8u);
   EXPECT_EQ(pieces[6].text, u"01 02");
   EXPECT_EQ(pieces[6].sources, (Sources{{0, 5}}));
@@ -115,7 +115,7 @@ TEST_F(Explain, TheTrailerNamesTheWholeData) {
 TEST_F(Explain, NothingIsExplainedWhereNothingIsShown) {
   const FaultTextTable texts = textsWithoutMessage(7);
   const bool wide = true;
-  EXPECT_TRUE(cFaultDisplay(texts, wide).Explain(u"02", u"01", u"02").empty());
+  EXPECT_TRUE(cFaultDisplay(texts, wide).explain(u"02", u"01", u"02").empty());
 }
 
 class ExplainStored : public Explain {
@@ -124,7 +124,7 @@ class ExplainStored : public Explain {
 };
 
 TEST_F(ExplainStored, FindsTheDataInTheTrailer) {
-  const auto pieces = decode.display.ExplainStored(u"12", decode(u"12", u"05 00", u"01 28"), data);
+  const auto pieces = decode.display.explainStored(u"12", decode(u"12", u"05 00", u"01 28"), data);
   EXPECT_EQ(data, u"05 00 01 28");
   EXPECT_EQ(values(pieces), (Values{{u"K12.5", {{0, 2}}}, {u"128", {{6, 8}, {9, 11}}}}));
 }
@@ -136,29 +136,29 @@ TEST_F(ExplainStored, ExplainsWhateverWasDecoded) {
     decode.wide = (i & 1) != 0;
     const std::u16string description = decode(record.kind, record.first, record.second);
     decode.wide = (i & 2) != 0;  // the exchange shown now need not be the one that sent the fault
-    ASSERT_EQ(joined(decode.display.ExplainStored(record.kind, description, data)), description);
+    ASSERT_EQ(joined(decode.display.explainStored(record.kind, description, data)), description);
     ASSERT_EQ(data, record.first + u" " + record.second);
   }
 }
 
 TEST_F(ExplainStored, MarksNothingInADescriptionThatComesOutDifferently) {
   const std::u16string description = decode(u"21", u"05");
-  EXPECT_TRUE(decode.display.ExplainStored(u"22", description, data).empty());
-  EXPECT_TRUE(decode.display.ExplainStored(u"21", description + u" ", data).empty());
-  EXPECT_TRUE(decode.display.ExplainStored(u"21", u"", data).empty());
-  EXPECT_TRUE(decode.display.ExplainStored(u"21", u"M5 M6M7", data).empty());
-  EXPECT_TRUE(decode.display.ExplainStored(u"21", u"M40\r\n M6M41 5M7\r\nM5 M605M7", data).empty());
+  EXPECT_TRUE(decode.display.explainStored(u"22", description, data).empty());
+  EXPECT_TRUE(decode.display.explainStored(u"21", description + u" ", data).empty());
+  EXPECT_TRUE(decode.display.explainStored(u"21", u"", data).empty());
+  EXPECT_TRUE(decode.display.explainStored(u"21", u"M5 M6M7", data).empty());
+  EXPECT_TRUE(decode.display.explainStored(u"21", u"M40\r\n M6M41 5M7\r\nM5 M605M7", data).empty());
   decode.texts.setMessage(41, u"another text");
-  EXPECT_TRUE(decode.display.ExplainStored(u"21", description, data).empty());
+  EXPECT_TRUE(decode.display.explainStored(u"21", description, data).empty());
   EXPECT_EQ(data, u"");
 }
 
 TEST_F(ExplainStored, SurvivesTextsThatOverlap) {
   decode.texts.setMessage(6, u"x");
   decode.texts.setMessage(7, u"x");
-  EXPECT_TRUE(decode.display.ExplainStored(u"21", u"\r\nM5 x", data).empty());
+  EXPECT_TRUE(decode.display.explainStored(u"21", u"\r\nM5 x", data).empty());
   const std::u16string description = decode(u"21", u"05");
-  EXPECT_EQ(joined(decode.display.ExplainStored(u"21", description, data)), description);
+  EXPECT_EQ(joined(decode.display.explainStored(u"21", description, data)), description);
 }
 
 }  // namespace

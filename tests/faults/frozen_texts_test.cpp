@@ -36,7 +36,7 @@ Texts shippedTexts(const std::string& language) {
   fakes::LanguageFolder folder(language);
   tools::Problems problems;
   const std::filesystem::path file = folder.files.folder() / "VORDANE.LNG";
-  tools::buildOwnLanguage(tools::readLanguage(folder.folder(), problems), file);
+  tools::buildOwnLanguage(tools::readLanguageSource(folder.folder(), problems), file);
   EXPECT_TRUE(problems.empty());
   const auto database = sqlite::makeEngine(startup::databases)->open(tools::toText(file), true);
 

@@ -23,7 +23,7 @@ void check(const FaultTextTable& texts, bool wide, std::u16string_view record, s
   const cFaultDisplay display(texts, wide);
   const std::u16string description = display.GetFaultMessage(record, first, second);
   const std::u16string data = std::u16string(first) + u" " + std::u16string(second);
-  const cFaultDisplay::Pieces pieces = display.Explain(record, first, second);
+  const cFaultDisplay::Pieces pieces = display.explain(record, first, second);
   fuzz::require(joined(pieces) == description);
   for (const cFaultDisplay::Piece& piece : pieces)
     for (const cFaultDisplay::Source& source : piece.sources)
@@ -31,7 +31,7 @@ void check(const FaultTextTable& texts, bool wide, std::u16string_view record, s
   if (description.empty()) return;
   fuzz::require(description.ends_with(u"\r\nM5 M6" + data + u"M7"));
   std::u16string found;
-  const std::u16string again = joined(display.ExplainStored(record, description, found));
+  const std::u16string again = joined(display.explainStored(record, description, found));
   fuzz::require(again.empty() || again == description);
 }
 

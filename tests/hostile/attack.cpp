@@ -94,7 +94,7 @@ void Attack::callLayer() {
       return attempt([&] { automation::call(*held, u"SetBackGround", {byVal(whims.value())}); });
     case 5:
       if (!whims.once(8) || !endings) return;
-      madeAJob = true;
+      scene_.makesAJob();
       return attempt([&] {
         automation::call(*held, u"CreateSchedule", {byVal(whims.number()), byVal(std::int16_t{1})});
       });

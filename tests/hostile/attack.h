@@ -32,6 +32,8 @@ class Scene {
   virtual void closeWindow() = 0;
   virtual void answerBoxesWith(int answer) = 0;
 
+  // CreateSchedule is about to be called: from now on a person may be defining a job.
+  virtual void makesAJob() {}
   // An answer that no host or server may get, or an error where there must be none.
   virtual void wrong(const std::string& what) = 0;
   // Whether an error only says that the add-in's process is gone.
@@ -66,7 +68,6 @@ class Attack {
 
   bool endings = true;    // the window's own end may be asked for: jobs, their end, the title bar
   bool faithful = false;  // each layer is registered with this host alone, whose death can be noticed by it
-  bool madeAJob = false;  // CreateSchedule was called
   std::vector<automation::ObjectRef> layers;
   automation::ObjectRef host;
 

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "places.h"
+#include "startup/databases.h"
 
 namespace vordane::test {
 namespace {
@@ -159,6 +160,51 @@ TEST(WindowsCode, StaysInTheWindowsFolders) {
           << file.generic_string() << ":" << number << ": " << line;
     }
   }
+}
+
+// --- tables and statements
+
+// The names of the described tables, one or the other.
+std::string anyTable() {
+  std::string names;
+  for (const database::Description& description : startup::databases)
+    for (const database::TableDefinition& table : description.tables)
+      names += (names.empty() ? "" : "|") + std::string(table.name.begin(), table.name.end());
+  return names;
+}
+
+// Every line below these folders in which the pattern is found, but for those of the files that may hold it.
+std::vector<std::string> linesWith(const std::regex& pattern, const std::vector<std::string>& folders,
+                                   const std::set<std::string>& except) {
+  std::vector<std::string> found;
+  for (const fs::path& file : sourcesBelow(folders)) {
+    if (except.contains(file.generic_string())) continue;
+    int number = 0;
+    for (const std::string& line : linesOf(sourceFolder() / file)) {
+      ++number;
+      if (std::regex_search(line, pattern))
+        found.push_back(file.generic_string() + ":" + std::to_string(number) + ": " + line);
+    }
+  }
+  return found;
+}
+
+// Some of the names are words of C++ and Windows too: as a table's they stand in quotes or behind a key word.
+TEST(Statements, TheEnginesNameNoTable) {
+  const std::regex named("(\"|\\bfrom |\\bON )(" + anyTable() + ")\\b", std::regex::icase);
+  EXPECT_EQ(linesWith(named, {"src/platform"}, {}), std::vector<std::string>{});
+}
+
+TEST(Statements, EachStandsOnce) {
+  static const std::regex statement(R"re("(select|delete)\b[^"]*\bfrom +[a-z]+ +(where|order))re",
+                                    std::regex::icase);
+  const std::set<std::string> homes{"src/store/fault_database.h", "src/language/language_databases.h",
+                                    "src/settings/suite_databases.h"};
+  for (const std::string& home : homes) EXPECT_TRUE(fs::exists(sourceFolder() / home)) << home;
+  std::vector<std::string> copies = linesWith(statement, {"src", "programs"}, homes);
+  // Those on the engine's own tables.
+  std::erase_if(copies, [](const std::string& line) { return line.find("Vordane") != line.npos; });
+  EXPECT_EQ(copies, std::vector<std::string>{});
 }
 
 // --- the form of files

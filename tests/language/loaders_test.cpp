@@ -229,13 +229,13 @@ TEST_F(Loaders, AMissingMessageTableIsFalse) {
 
 TEST_F(Loaders, HelpTextsStandByControlAndMayBeAbsent) {
   language.with(u"tForms", {});
-  EXPECT_TRUE(comLanguage::LoadHelpTexts(form, language.open()).empty());
+  EXPECT_TRUE(comLanguage::loadHelpTexts(form, language.open()).empty());
   constexpr database::ColumnDefinition columns[] = {{u"FormName", database::ColumnType::text},
                                                     {u"ObjectName", database::ColumnType::text},
                                                     {u"HelpText", database::ColumnType::text}};
   LanguageDatabase helped;
   helped.with({u"tHelp", columns}, {{t(form16), t(u"lblMJ"), t(u"A lamp.")}, {t(u"x"), t(u"y"), t(u"z")}});
-  EXPECT_EQ(comLanguage::LoadHelpTexts(form, helped.open()),
+  EXPECT_EQ(comLanguage::loadHelpTexts(form, helped.open()),
             (std::map<std::u16string, std::u16string>{{u"lblMJ", u"A lamp."}}));
 }
 

@@ -52,7 +52,7 @@ class Boxes : public testing::Test {
     request.logOnly = logOnly;
     return comTools::ShowMsgBox(environment, request);
   }
-  std::string log() { return files.content[comSchedule::LogPath(runLog)]; }
+  std::string log() { return files.content[comSchedule::logPath(runLog)]; }
 
   fakes::LanguageDatabase own, common;
   fakes::MemorySettings settings;

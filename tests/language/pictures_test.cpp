@@ -106,6 +106,19 @@ TEST_F(Backgrounds, RowsWithoutAPictureAreSkipped) {
   EXPECT_EQ(image.number(u"Left"), 50);
 }
 
+// A language file may have been made by anybody.
+TEST_F(Backgrounds, APictureOfAnotherFolderIsNotLookedAt) {
+  for (const char16_t* elsewhere : {u"..\\A.WMF", u"C:\\A.WMF", u"\\\\server\\A.WMF", u"A.BMP:x", u"NUL.BMP"})
+    files.content[std::u16string(u"C:\\BACKGRND\\") + elsewhere] = "picture";
+  EXPECT_TRUE(apply(
+      {row(u"imgBackground", t(u"..\\A.WMF"), u"me"), row(u"lstBar", t(u"C:\\A.WMF"), u"me"),
+       row(u"imgBackground", t(u"\\\\server\\A.WMF"), u"me"), row(u"imgBackground", t(u"A.BMP:x"), u"me"),
+       row(u"lstBar", t(u"NUL.BMP"), u"me"), row(u"imgBackground", t(u"A.BMP"), u"me")},
+      1, {{n(1), t(u"A.BMP"), t(u"..\\A.WMF")}}));
+  EXPECT_EQ(pictureOf(image), u"");
+  EXPECT_TRUE(loader.asked.empty());
+}
+
 TEST_F(Backgrounds, ASetRenamesThePictures) {
   const std::vector<Row> sets{{n(1), t(u"a.bmp"), t(u"SET.BMP")},
                               {n(1), t(u"A.BMP"), t(u"B.BMP")},  // the first of doubles wins

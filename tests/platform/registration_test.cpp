@@ -62,6 +62,11 @@ TEST(Registration, AllClassesShareTheFirstOnesRights) {
 
 TEST(Registration, OnlyAnAccountMayBeNamedBehindTheSwitch) {
   EXPECT_EQ(parseRequest(u"")->jobAccount, u"");
+  EXPECT_FALSE(parseRequest(u"")->thisUser);
+  for (const char16_t* text : {u"/ThisUser", u" -thisuser ", u"\"/THISUSER\""})
+    EXPECT_TRUE(parseRequest(text).value_or(Request{}).thisUser) << text::toUtf8(text);
+  EXPECT_FALSE(parseRequest(u"/ThisUser:x"));
+  EXPECT_FALSE(parseRequest(u"/ThisUser /JobAccount:x"));
   EXPECT_EQ(parseRequest(u"  ")->jobAccount, u"");
   for (const char16_t* text :
        {u"/JobAccount:NT AUTHORITY\\jobs", u"-jobaccount:NT AUTHORITY\\jobs",

@@ -110,11 +110,11 @@ TEST_F(InstallPaths, StoredNoneIsAbsentAndStoredEmptyIsFound) {
 }
 
 TEST_F(InstallPaths, TheSuitesDirectoryIsThatOfTheRunningVersion) {
-  EXPECT_EQ(comRegQuil32::SuiteDirectory(installation), u"D:\\QUILMAR32\\30000");
+  EXPECT_EQ(comRegQuil32::suiteDirectory(installation), u"D:\\QUILMAR32\\30000");
   settings.write(u"QUILMAR32", u"30000", u"InstallPath", u"E:\\q\\");
-  EXPECT_EQ(comRegQuil32::SuiteDirectory(installation), u"E:\\q\\");
+  EXPECT_EQ(comRegQuil32::suiteDirectory(installation), u"E:\\q\\");
   installation.runningDirectory = u"C:\\Tools\\Vordane";
-  EXPECT_EQ(comRegQuil32::SuiteDirectory(installation), u"C:\\Tools\\Vordane");
+  EXPECT_EQ(comRegQuil32::suiteDirectory(installation), u"C:\\Tools\\Vordane");
 }
 
 // A capital may name another directory: the file system keeps these letters apart from their capitals.

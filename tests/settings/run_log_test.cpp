@@ -28,7 +28,7 @@ class RunLog : public testing::Test {
   void write(std::u16string_view text, bool forced = true, bool ignoreLimit = false) {
     comSchedule::WriteRunLog(environment, text, forced, ignoreLimit);
   }
-  std::string& log() { return files.content[comSchedule::LogPath(environment)]; }
+  std::string& log() { return files.content[comSchedule::logPath(environment)]; }
 };
 
 TEST_F(RunLog, ALineHasDateTimeAndText) {
@@ -216,7 +216,7 @@ TEST_F(RunLog, AnEntryOfAnyLengthIsOneLine) {
 
 TEST_F(RunLog, AClosedLogTakesNoMoreLines) {
   write(u"...");
-  comSchedule::CloseRunLog(state);
+  comSchedule::closeRunLog(state);
   write(u"late", true, true);
   EXPECT_EQ(files.content.size(), 1U);
   EXPECT_EQ(files.content.begin()->second, "2026-11-20 21:14:05 ...\r\n");

@@ -61,7 +61,7 @@ TEST_F(ScheduleOptions, AreThoseOfTheJobsRow) {
   EXPECT_EQ(state.LogLimitKB, 250);
   EXPECT_EQ(state.LogName, u"NIGHT7");
   EXPECT_EQ(state.JobKind, 5);
-  EXPECT_EQ(comSchedule::LogPath(environment), u"C:\\QUILMAR32\\30000\\Quil32\\Database\\NIGHT7.tlg");
+  EXPECT_EQ(comSchedule::logPath(environment), u"C:\\QUILMAR32\\30000\\Quil32\\Database\\NIGHT7.tlg");
   EXPECT_EQ(pointer, (std::vector<bool>{true, false}));
 }
 

@@ -104,6 +104,18 @@ class StoryBoxes : public platform::MessageBoxes {
   fakes::Trace& trace_;
 };
 
+class StoryDocuments : public platform::Documents {
+ public:
+  bool open(std::u16string_view path) override {
+    opened.push_back(text::toUtf8(path));
+    if (meanwhile) meanwhile();
+    return hasProgram;
+  }
+  Lines opened;
+  bool hasProgram = true;
+  std::function<void()> meanwhile;
+};
+
 class StoryCreator : public platform::ObjectCreator {
  public:
   automation::ObjectRef create(std::u16string_view progId) override {
@@ -166,8 +178,9 @@ class Story : public testing::Test {
 
   // --- what happens
   void start() {
-    application = std::make_unique<Application>(
-        Workstation{settings, clock, files, creator, boxes, engine, view, pictures, process, program}, state);
+    application = std::make_unique<Application>(Workstation{settings, clock, files, creator, boxes, documents,
+                                                            engine, view, pictures, process, program},
+                                                state);
     started = basMain::Main(*application);
   }
   void startStandAlone(std::u16string commandLine) {
@@ -240,6 +253,7 @@ class Story : public testing::Test {
   StoryClock clock;
   StoryView view{trace};
   StoryBoxes boxes{trace};
+  StoryDocuments documents;
   StoryCreator creator;
   StoryPictures pictures;
   StoryProcess process{trace};
@@ -286,6 +300,8 @@ class Story : public testing::Test {
         {message::runCancelled, u"cancelled"},
         {message::runLetGo, u"let go"},
         {message::noticeWaitingList, u"waiting for {1}"},
+        {message::statusGuideMissing, u"no guide at {1}"},
+        {message::statusGuideNotShown, u"nothing shows {1}"},
         {message::noticeWaitingAlarms, u"alarms of {1}"},
         {message::noticeNoFaults, u"{1} has no faults"},
         {message::noticeFirstList, u"press to ask {1}"},

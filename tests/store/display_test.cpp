@@ -26,11 +26,11 @@ class DisplayTest : public StoreTest {
     store.exchangeListClicked();
   }
   std::u16string clause(SortKey key) {
-    return store.datFaultDisplay().RecordSource().substr(faultsOfExchange(1, 0).size() -
+    return store.datFaultDisplay().recordSource().substr(faultsOfExchange(1, 0).size() -
                                                          sortClauses[0].size()) ==
                    std::u16string(sortClauses[static_cast<std::size_t>(key)])
                ? u"as asked"
-               : store.datFaultDisplay().RecordSource();
+               : store.datFaultDisplay().recordSource();
   }
 };
 
@@ -50,8 +50,8 @@ TEST_F(DisplayTest, AnEmptyListSelectsNothing) {
   EXPECT_EQ(list().listIndex(), -1);
   EXPECT_EQ(form.memoryView.rows, nullptr);
   EXPECT_EQ(form.memoryView.notice, u"no exchange");
-  EXPECT_EQ(store.datPBXList().RecordSource(), u"");
-  EXPECT_EQ(store.datFaultDisplay().RecordSource(), u"");
+  EXPECT_EQ(store.datPBXList().recordSource(), u"");
+  EXPECT_EQ(store.datFaultDisplay().recordSource(), u"");
   EXPECT_THAT(database->statements,
               ElementsAre(std::u16string(exchangesNewestFirst), std::u16string(faultsNewestFirst)));
   for (const auto* button : {u"cmdPrint", u"cmdClear", u"cmdLookUp", u"cmdReset"})
@@ -66,7 +66,7 @@ TEST_F(DisplayTest, KeepsTheFormsExchangeSelected) {
   store.setExchangeName(u"mine");
   EXPECT_EQ(list().listIndex(), 1);
   EXPECT_EQ(store.exchangeId(), 1);
-  EXPECT_EQ(store.datPBXList().RecordSource(), u"SELECT * FROM PBXList WHERE PBXName = 'mine' AND ID = 1");
+  EXPECT_EQ(store.datPBXList().recordSource(), u"SELECT * FROM PBXList WHERE PBXName = 'mine' AND ID = 1");
 }
 
 TEST_F(DisplayTest, ANameWithoutARowSelectsTheFirst) {
@@ -224,10 +224,10 @@ TEST_F(DisplayTest, TheLastColumnHasNoOrder) {
   addFault(1, {});
   store.RefreshDisplay();
   store.headingClicked(0);
-  const auto source = store.datFaultDisplay().RecordSource();
+  const auto source = store.datFaultDisplay().recordSource();
   const int set = form.memoryView.rowsSet;
   store.headingClicked(5);
-  EXPECT_EQ(store.datFaultDisplay().RecordSource(), source);
+  EXPECT_EQ(store.datFaultDisplay().recordSource(), source);
   EXPECT_EQ(store.sortKey(), 0);
   EXPECT_EQ(form.memoryView.rowsSet, set + 1);
 }

@@ -70,7 +70,7 @@ TEST_F(IngestionTest, TheExchangeThatIsStoredAlreadyBecomesTheForms) {
   form.ingest(store);
   EXPECT_EQ(store.exchangeId(), mine);
   EXPECT_EQ(stored(u"ID"), Texts{u"2"});
-  EXPECT_EQ(store.datPBXList().RecordSource(), u"SELECT * FROM PBXList WHERE PBXName = 'PBX-1' AND ID = 2");
+  EXPECT_EQ(store.datPBXList().recordSource(), u"SELECT * FROM PBXList WHERE PBXName = 'PBX-1' AND ID = 2");
 }
 
 TEST_F(IngestionTest, SaysThatAnEmptyListBroughtNothing) {

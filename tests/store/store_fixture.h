@@ -51,7 +51,7 @@ class StoreTest : public testing::Test {
     auto watched = std::make_unique<fakes::WatchedDatabase>(file.open());
     database = watched.get();
     form.database = std::move(watched);
-    store.SetSortFlags();
+    store.setSortFlags();
   }
   ~StoreTest() override { store.close(); }
 

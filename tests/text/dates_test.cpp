@@ -2,8 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include "text/numbers.h"
+
 namespace vordane::text {
 namespace {
+
+TEST(IsoText, FillsEachPartUpToItsDigits) {
+  EXPECT_EQ(isoText(2026, 11, 22, 21, 14, 59), u"2026-11-22 21:14:59");
+  EXPECT_EQ(isoText(100, 1, 2, 3, 4, 5), u"0100-01-02 03:04:05");
+}
 
 TEST(IsoMoment, CountsFromTheEndOf1899) {
   EXPECT_EQ(isoMoment(0), u"1899-12-30 00:00:00");
@@ -14,6 +21,25 @@ TEST(IsoMoment, CountsFromTheEndOf1899) {
 
 TEST(IsoMoment, RoundsToTheSecondIntoTheNextDay) {
   EXPECT_EQ(isoMoment(59.9999999), u"1900-02-28 00:00:00");
+}
+
+// A day more each time, through leap years, years of a century and both ends.
+TEST(IsoMoment, KnowsTheLengthOfEveryMonth) {
+  constexpr int lengths[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  const auto two = [](int value) { return decimalPadded(value, 2); };
+  double day = -657434;
+  for (int year = 100; year <= 9999; ++year)
+    for (int month = 1; month <= 12; ++month) {
+      const bool leap = month == 2 && year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+      const int length = lengths[month - 1] + (leap ? 1 : 0);
+      const std::u16string begin = decimalPadded(year, 4) + u"-" + two(month) + u"-";
+      ASSERT_EQ(isoMoment(day), begin + u"01 00:00:00");
+      ASSERT_EQ(isoMoment(day + length - 1), begin + two(length) + u" 00:00:00");
+      ASSERT_EQ(momentOf(begin + two(length) + u" 00:00:00"), day + length - 1);
+      ASSERT_EQ(momentOf(begin + two(length + 1) + u" 00:00:00"), std::nullopt);
+      day += length;
+    }
+  EXPECT_EQ(day, 2958466);
 }
 
 TEST(IsoMoment, BeforeTheFirstDayTheTimeStillRunsForward) {

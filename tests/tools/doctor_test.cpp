@@ -33,7 +33,7 @@ class Doctor : public testing::Test {
  protected:
   Doctor() : layout{texts.files.folder() / "30000"} {
     Problems problems;
-    source = readLanguage(texts.folder(), problems);
+    source = readLanguageSource(texts.folder(), problems);
     makeSuiteFiles(layout, source);
   }
   std::vector<Finding> look() { return examineFiles(layout, *sqlite::makeEngine(startup::databases)); }

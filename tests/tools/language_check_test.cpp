@@ -15,7 +15,7 @@ using testing::IsEmpty;
 
 Problems check(const fakes::LanguageFolder& texts) {
   Problems problems;
-  checkLanguage(readLanguage(texts.folder(), problems), problems);
+  checkLanguage(readLanguageSource(texts.folder(), problems), problems);
   return problems;
 }
 
@@ -156,8 +156,8 @@ TEST(LanguageComparison, DifferencesAreNamedOnce) {
   second.replace("messages.tsv", "Faults: {1}", "Faults");
   second.replace("boxes.tsv", "vbYesNo+vbQuestion+vbDefaultButton2", "vbYesNo+vbQuestion");
   second.append("lists.tsv", "cboFK58\t8\tmore");
-  const LanguageSource sources[] = {readLanguage(first.folder(), problems),
-                                    readLanguage(second.folder(), problems)};
+  const LanguageSource sources[] = {readLanguageSource(first.folder(), problems),
+                                    readLanguageSource(second.folder(), problems)};
   compareLanguages(sources, problems);
   EXPECT_THAT(problems,
               ElementsAre(HasSubstr("box 105 has"), HasSubstr("message 175 has \"1\" in one and \"\""),

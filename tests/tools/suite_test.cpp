@@ -24,7 +24,7 @@ class Suite : public testing::TestWithParam<const char*> {
  protected:
   Suite() : texts(GetParam()), layout{texts.files.folder() / "30000"} {
     Problems problems;
-    source = readLanguage(texts.folder(), problems);
+    source = readLanguageSource(texts.folder(), problems);
   }
   std::unique_ptr<database::Database> open(const std::filesystem::path& file) {
     return sqlite::makeEngine(startup::databases)->open(toText(file), true);
@@ -60,7 +60,7 @@ TEST_P(Suite, ItsLanguageLoadsWhole) {
   EXPECT_TRUE(comLanguage::LoadTextArray(messages, u"tMessages", *language));
   EXPECT_EQ(static_cast<std::int32_t>(messages.size()), messageCount);
   EXPECT_FALSE(messages[message::noHelpText].empty());
-  EXPECT_GE(comLanguage::LoadHelpTexts(form, *language).size(), 5U);
+  EXPECT_GE(comLanguage::loadHelpTexts(form, *language).size(), 5U);
   for (const KindList& list : kindLists) {
     const auto items = static_cast<int>(form.control(list.name()).items().size());
     EXPECT_TRUE(list.atLeast ? items >= list.items : items == list.items);
@@ -91,7 +91,7 @@ TEST(SuiteFiles, StandInTheInstalledLayout) {
   fakes::LanguageFolder texts;
   Problems problems;
   const SuiteLayout layout{texts.files.folder() / "30000"};
-  makeSuiteFiles(layout, readLanguage(texts.folder(), problems));
+  makeSuiteFiles(layout, readLanguageSource(texts.folder(), problems));
   for (const char* file :
        {"ADDINS/DATABASE/FAULT.MDB", "ADDINS/DATABASE/VORDANE.LNG", "ADDINS/HELP/VORDANE.TXT",
         "QUIL32/DATABASE/Common.LNG", "QUIL32/DATABASE/Register.mdb", "QUIL32/DATABASE/Schedule.mdb",
@@ -109,7 +109,7 @@ TEST(SuiteFiles, StandInTheInstalledLayout) {
 std::string layoutIn(const char* language) {
   fakes::LanguageFolder texts(language);
   Problems problems;
-  LanguageSource source = readLanguage(texts.folder(), problems);
+  LanguageSource source = readLanguageSource(texts.folder(), problems);
   source.name = language;
   const SuiteLayout layout{texts.files.folder() / "30000"};
   for (int time = 0; time < 2; ++time)
@@ -159,7 +159,7 @@ TEST(SuiteFiles, StoredFaultsStayWhenTheFilesAreMadeAgain) {
   fakes::LanguageFolder texts;
   Problems problems;
   const SuiteLayout layout{texts.files.folder() / "30000"};
-  const LanguageSource source = readLanguage(texts.folder(), problems);
+  const LanguageSource source = readLanguageSource(texts.folder(), problems);
   makeSuiteFiles(layout, source);
   {
     const auto faults =
@@ -178,7 +178,7 @@ TEST(SuiteFiles, StoredFaultsStayWhenTheFilesAreMadeAgain) {
 TEST(BackgroundPictures, EveryNameOfTheSetsIsDrawn) {
   Problems problems;
   fakes::LanguageFolder texts;
-  const LanguageSource source = readLanguage(texts.folder(), problems);
+  const LanguageSource source = readLanguageSource(texts.folder(), problems);
   const auto drawn = [](std::u16string_view file) {
     for (const BackgroundPicture& picture : backgroundPictures())
       if (picture.file == file) return true;

@@ -25,7 +25,7 @@ for help in --help -h; do
 done
 run 0 --version; silent errors
 [ "$(cat "$work/out")" = "vordane-tools $version" ] || { echo "FAILED: the version is $(cat "$work/out")"; failed=1; }
-for command in decode doctor language export import list suite; do
+for command in decode doctor guide language export import install list suite uninstall; do
   run 0 $command --help; silent errors; says out "usage: vordane-tools $command "
 done
 run 0 export --help; says out 'vordane-tools export FILE (--csv DIR | --texts DIR) [--spreadsheet]'; says out 'hold every value as it stands'; says out '--spreadsheet '
@@ -47,6 +47,14 @@ run 2 export x; says errors 'vordane-tools export: --csv or --texts is missing'
 run 2 suite x --language; says errors '--language needs NAME behind it'
 run 2 suite; says errors 'the directory of the suite is missing'
 
+run 2 install x; silent out; says errors '--package is missing'
+run 2 install --package x; says errors 'the version directory is missing'
+run 1 install x --package y --words x65; says errors '--words is x64 or x86, not x65'
+run 2 install x --package y --wait long; silent out; says errors '--wait'
+run 2 uninstall; says errors 'the version directory is missing'
+run 2 uninstall x --all; says errors 'unknown option --all'
+run 17 uninstall no-such-folder; says out 'the add-in is not installed there'
+
 none=none.mdb
 run 1 list $none; silent out; says errors "$none: there is no such file. Check the path"
 run 1 export $none --csv "$work/csv"; says errors "$none: there is no such file. Check the path"
@@ -66,6 +74,12 @@ printf 'Exchange,Fault,Alarm,Date,CPU,Description,Count\r\n' | cmp - out.raw || 
 run 0 list made/ADDINS/DATABASE/FAULT.MDB --count; [ "$(cat out)" = 0 ] || failed=1
 run 1 list made/ADDINS/DATABASE/FAULT.MDB --exchange PBX-1; silent out; says errors 'there is no exchange "PBX-1"'
 if [ "${tool[0]}" != wine ]; then run 0 doctor made/; says out 'nothing is missing'; silent errors; fi
+# A guide of its language comes along when there is one, and takes the place of another language's.
+mkdir -p pages/ru made/ADDINS/HELP/GUIDE
+echo '<p>все</p>' > pages/ru/guide.html; echo '<p>тема</p>' > pages/ru/request.html; echo old > made/ADDINS/HELP/GUIDE/old.html
+run 0 suite made/ --language ru --source "$data" --guide pages; silent errors
+diff -r pages/ru made/ADDINS/HELP/GUIDE || { echo 'FAILED: the guide did not come along'; failed=1; }
+run 1 suite made/ --language en --source "$data" --guide pages; says errors 'there is no guide in it. Make it with tools/guide'
 run 1 suite other --language xx --source "$data"; says errors 'xx/messages.tsv: missing'
 if [ -e /dev/full ] && [ "${tool[0]}" != wine ]; then
   "${tool[@]}" --help > /dev/full 2> errors && { echo 'FAILED: a full disk goes unnoticed'; failed=1; }

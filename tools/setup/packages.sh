@@ -19,6 +19,10 @@ packages=(
   libcli11-dev nlohmann-json3-dev
   # the kit for Windows workstations
   zip unzip
+  # the installer, and signing it
+  nsis osslsigncode openssl
+  # the guide
+  pandoc
   # running Windows programs without a screen, and looking at them
   wine wine64 xvfb xauth xdotool openbox imagemagick fonts-dejavu-core fonts-noto-core fonts-vlgothic
   # the root for the newer Wine

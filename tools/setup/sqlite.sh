@@ -8,8 +8,11 @@ set -euo pipefail
 upstream_sha256=aaa776260ab4dc976db34aa7891819484c8676b5b2783123ebc6301e2ca5d655
 out="$cache/sqlite-${upstream_sha256:0:12}"
 
+# What lies in the cache is what was made there.
+is_whole() { (cd "$out" 2>/dev/null && sha256sum --check --quiet --strict SHA256SUMS) >/dev/null 2>&1; }
+
 make_amalgamation() {
-  [ -f "$out/sqlite3.c" ] && return 0
+  is_whole && return 0
   local work; work=$(mktemp -d)
   mkdir -p "$work/sources.d" "$work/lists/partial"
   local mirror security
@@ -32,8 +35,9 @@ make_amalgamation() {
     cd sqlite3-*/
     ./configure --disable-tcl --disable-readline
     make sqlite3.c
-    mkdir -p "$out.new"
+    rm -rf "$out.new"; mkdir -p "$out.new"
     cp sqlite3.c sqlite3.h sqlite3ext.h "$out.new/"
+    (cd "$out.new" && sha256sum sqlite3.c sqlite3.h sqlite3ext.h > SHA256SUMS)
   ) >"$cache/sqlite.log" 2>&1 || { tail -n 20 "$cache/sqlite.log" >&2; fail "SQLite could not be made"; }
   rm -rf "$out"; mv "$out.new" "$out"
   rm -rf "$work"

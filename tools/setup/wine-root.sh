@@ -18,7 +18,8 @@ make_root() {
   umount "$out/proc" 2>/dev/null || true
   rm -rf "$out"
   {
-    debootstrap --variant=minbase --arch=amd64 "$release" "$out" "$mirror"
+    debootstrap --force-check-gpg --keyring=/usr/share/keyrings/debian-archive-keyring.gpg --variant=minbase \
+      --arch=amd64 "$release" "$out" "$mirror"
     mount -t proc proc "$out/proc"
     apt_settings > "$out/etc/apt/apt.conf.d/90machine"
     rm -f "$out/etc/apt/sources.list"

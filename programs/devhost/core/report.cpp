@@ -4,7 +4,9 @@
 
 #include "devhost/core/report_order.h"
 #include "devhost/core/report_template.h"
+#include "platform/stored_values.h"
 #include "store/statements.h"
+#include "text/file_names.h"
 #include "text/numbers.h"
 #include "text/text.h"
 #include "zulsim/core/files.h"
@@ -28,10 +30,6 @@ std::optional<std::u16string> textOf(const database::Value& value) {
   return automation::toText(value);
 }
 
-bool flagOf(const database::Value& value) {
-  return !automation::isNull(value) && automation::toBoolean(value);
-}
-
 // Stored names are the same without regard to case and trailing blanks.
 bool sameName(std::u16string_view a, std::u16string_view b) {
   while (!a.empty() && a.back() == u' ') a.remove_suffix(1);
@@ -46,8 +44,8 @@ ExchangeRow findExchange(database::Database& database, std::u16string_view name)
     const std::u16string found = textOf(rows->get(u"PBXName")).value_or(std::u16string{});
     if (sameName(found, name))
       return {automation::toLong(rows->get(u"ID")), found,
-              textOf(rows->get(u"TimeStamp")).value_or(std::u16string{}), flagOf(rows->get(u"MJ")),
-              flagOf(rows->get(u"MN"))};
+              textOf(rows->get(u"TimeStamp")).value_or(std::u16string{}), database::flagOf(rows->get(u"MJ")),
+              database::flagOf(rows->get(u"MN"))};
   }
   throw Refusal{u"There is no exchange \"" + std::u16string(name) + u"\" in the fault database."};
 }
@@ -152,18 +150,6 @@ Layout::Values valuesOf(const ExchangeRow& exchange, const std::vector<Fault>& f
   return values;
 }
 
-// A name that every file system takes.
-std::u16string fileNameOf(std::u16string_view exchange) {
-  std::u16string name = u"FAULT-";
-  for (const char16_t character : exchange) {
-    const bool plain = character > u'~' || text::isDecimalDigit(character) ||
-                       text::contains(u"-_ ", {&character, 1}) ||
-                       (text::lower(character) >= u'a' && text::lower(character) <= u'z');
-    name += plain ? character : u'_';
-  }
-  return name + u".html";
-}
-
 PrintedReport print(database::Engine& engine, const ReportRequest& request, const ReportOutput& output) {
   const auto name = parseSelectionFormula(request.selection);
   if (!name) throw Refusal{u"The selection formula " + request.selection + u" is not understood."};
@@ -175,8 +161,8 @@ PrintedReport print(database::Engine& engine, const ReportRequest& request, cons
   const ExchangeRow exchange = findExchange(*database, *name);
   std::vector<Fault> faults = faultsOf(*database, exchange.id);
   sortFaults(faults, keys);
-  const std::u16string file =
-      files::besideFile(request.reportFile, output.directory, fileNameOf(exchange.name));
+  const std::u16string file = files::besideFile(request.reportFile, output.directory,
+                                                u"FAULT-" + text::asFileName(exchange.name) + u".html");
   if (!files::writeFile(file, layout.render(valuesOf(exchange, faults, keys, output.printed))))
     throw Refusal{u"The report " + file + u" can't be written."};
   return {file, {}, faults.size()};

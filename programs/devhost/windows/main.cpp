@@ -19,7 +19,7 @@
 #include "platform/windows/services/console_output.h"
 #include "platform/windows/services/services.h"
 #include "startup/databases.h"
-#include "text/numbers.h"
+#include "text/dates.h"
 #include "text/utf8.h"
 #include "zulsim/core/files.h"
 #include "zulsim/windows/timers.h"
@@ -28,6 +28,7 @@ namespace vordane::devhost {
 namespace {
 
 constexpr int wrongUsage = 1;
+constexpr std::size_t toTheMinute = 16;  // of the letters of a moment
 
 void printLine(std::string_view line) {
   windows::write(stdout, std::string(line) + '\n');
@@ -60,20 +61,13 @@ class WindowsEnvironment : public Environment {
 
   void print(std::string_view line) override {
     if (!times_) return printLine(line);
-    SYSTEMTIME now;
-    GetLocalTime(&now);
-    const std::u16string time =
-        text::decimalPadded(now.wHour, 2) + u":" + text::decimalPadded(now.wMinute, 2) + u":" +
-        text::decimalPadded(now.wSecond, 2) + u"." + text::decimalPadded(now.wMilliseconds, 3);
-    printLine(text::toUtf8(time) + " " + std::string(line));
+    printLine(text::toUtf8(windows::timeOfLine()) + " " + std::string(line));
   }
 
   std::u16string now() override {
-    SYSTEMTIME time;
-    GetLocalTime(&time);
-    return text::decimalPadded(time.wYear, 4) + u"-" + text::decimalPadded(time.wMonth, 2) + u"-" +
-           text::decimalPadded(time.wDay, 2) + u" " + text::decimalPadded(time.wHour, 2) + u":" +
-           text::decimalPadded(time.wMinute, 2);
+    const platform::LocalTime now = windows::SystemClock().now();
+    return text::isoText(now.year, now.month, now.day, now.hour, now.minute, now.second)
+        .substr(0, toTheMinute);
   }
 
   platform::ObjectCreator& creator() { return creator_; }

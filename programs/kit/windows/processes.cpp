@@ -1,12 +1,11 @@
 #include "kit/windows/processes.h"
 
-#include <tlhelp32.h>
-
 #include <cwchar>
 #include <fstream>
 #include <iterator>
 #include <map>
 
+#include "kit/windows/running_programs.h"
 #include "text/utf8.h"
 
 namespace vordane::kit {
@@ -20,36 +19,9 @@ std::wstring wide(const std::string& utf8) {
   return {text.begin(), text.end()};
 }
 
-std::wstring fileOf(DWORD processId) {
-  const com::Handle process(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, processId));
-  std::wstring path(4096, L'\0');
-  auto length = static_cast<DWORD>(path.size());
-  if (!process || !QueryFullProcessImageNameW(process.get(), 0, path.data(), &length)) return {};
-  path.resize(length);
-  return path;
-}
-
-template <class Take>
-void eachProcess(Take take) {
-  const com::File all(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
-  PROCESSENTRY32W entry{};
-  entry.dwSize = sizeof entry;
-  for (BOOL more = Process32FirstW(all.get(), &entry); more; more = Process32NextW(all.get(), &entry))
-    if (entry.th32ProcessID != GetCurrentProcessId()) take(entry);
-}
-
 std::string readFile(const Path& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
-}
-
-// Asks a program to leave its message loop, so that it takes back what it has registered with the system.
-void askToEnd(DWORD processId) {
-  const com::File all(CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
-  THREADENTRY32 entry{};
-  entry.dwSize = sizeof entry;
-  for (BOOL more = Thread32First(all.get(), &entry); more; more = Thread32Next(all.get(), &entry))
-    if (entry.th32OwnerProcessID == processId) PostThreadMessageW(entry.th32ThreadID, WM_QUIT, 0, 0);
 }
 
 struct LessIgnoringCase {
@@ -97,29 +69,24 @@ bool runsHere(const Program& program) {
 
 }  // namespace
 
-bool liesBelow(const std::wstring& file, const Path& folder) {
-  const std::wstring beginning = folder.wstring() + L"\\";
-  return _wcsnicmp(file.c_str(), beginning.c_str(), beginning.size()) == 0;
-}
-
 std::vector<std::pair<DWORD, std::wstring>> processesBelow(const Path& folder) {
   std::vector<std::pair<DWORD, std::wstring>> found;
-  eachProcess([&](const PROCESSENTRY32W& entry) {
-    std::wstring file = fileOf(entry.th32ProcessID);
-    if (liesBelow(file, folder)) found.emplace_back(entry.th32ProcessID, std::move(file));
-  });
+  for (const auto& [number, running] : runningPrograms()) {
+    std::wstring file = fileOf(number);
+    if (number != GetCurrentProcessId() && liesBelow(file, folder))
+      found.emplace_back(number, std::move(file));
+  }
   return found;
 }
 
 std::vector<std::pair<DWORD, std::wstring>> processesNamed(const std::vector<std::wstring>& names) {
   std::vector<std::pair<DWORD, std::wstring>> found;
-  eachProcess([&](const PROCESSENTRY32W& entry) {
+  for (const auto& [number, running] : runningPrograms())
     for (const std::wstring& name : names)
-      if (_wcsicmp(entry.szExeFile, name.c_str()) == 0) {
-        const std::wstring file = fileOf(entry.th32ProcessID);
-        found.emplace_back(entry.th32ProcessID, file.empty() ? std::wstring(entry.szExeFile) : file);
+      if (number != GetCurrentProcessId() && _wcsicmp(running.c_str(), name.c_str()) == 0) {
+        const std::wstring file = fileOf(number);
+        found.emplace_back(number, file.empty() ? running : file);
       }
-  });
   return found;
 }
 
@@ -201,14 +168,8 @@ Ended WindowsProcesses::run(const Program& program, const std::vector<std::strin
 // Servers are started by the system, not by the test that uses them.
 void WindowsProcesses::endLeftOvers() const {
   for (const Path& folder : {folders_.work, folders_.kit / "x64", folders_.kit / "x86"})
-    for (const auto& [number, file] : processesBelow(folder)) {
-      const com::Handle process(OpenProcess(SYNCHRONIZE | PROCESS_TERMINATE, FALSE, number));
-      if (!process) continue;
-      askToEnd(number);
-      if (WaitForSingleObject(process.get(), politeEndingTakes) == WAIT_OBJECT_0) continue;
-      TerminateProcess(process.get(), 1);
-      WaitForSingleObject(process.get(), endingTakes);
-    }
+    for (const auto& [number, file] : processesBelow(folder))
+      endProgram(number, politeEndingTakes, endingTakes);
 }
 
 void WindowsProcesses::cleanUp() {

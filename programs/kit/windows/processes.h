@@ -20,7 +20,6 @@ struct Folders {
   Path section;  // the suite's version: QUILMAR32\SECTION stands in the work folder
 };
 
-bool liesBelow(const std::wstring& file, const Path& folder);
 // The processes, this one left out, whose file lies below the folder, by number and file.
 std::vector<std::pair<DWORD, std::wstring>> processesBelow(const Path& folder);
 // Every running process of one of those names.

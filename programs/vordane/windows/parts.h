@@ -33,6 +33,7 @@ struct Parts {
   windows::SystemClock clock;
   windows::SystemFiles files;
   windows::ComObjectCreator creator;
+  windows::SystemDocuments documents;
   Pictures pictures;
   std::unique_ptr<database::Engine> engine = database::makeEngineChoice(
       dao::makeEngine(startup::databases, creator),
@@ -44,15 +45,15 @@ struct Parts {
   std::unique_ptr<window::win32::Win32View> view = window::win32::makeWin32View(viewTexts, settings);
   windows::SystemMessageBoxes boxes{[this] { return view->window(); },
                                     [this](std::u16string_view file) { showHelp(file); }};
-  startup::Application application{
-      {settings, clock, files, creator, boxes, *engine, *view, pictures, process, windows::thisProgram()},
-      state};
+  startup::Application application{{settings, clock, files, creator, boxes, documents, *engine, *view,
+                                    pictures, process, windows::thisProgram()},
+                                   state};
 
   Parts() { apartment.filterCalls(application); }
 
   void showHelp(std::u16string_view file) {
     const auto document = application.helpDocument(file);
-    if (!document || !windows::openDocument(*document)) application.showBox(box::helpNotFound, file);
+    if (!document || !documents.open(*document)) application.showBox(box::helpNotFound, file);
   }
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <string>
 
 #include "text/numbers.h"
@@ -187,30 +188,8 @@ std::vector<std::int64_t> minutesOf(const Generation& generation, Random& random
   return minutes;
 }
 
-// Days since 1970-01-01 of a day in the proleptic Gregorian calendar, and back.
-std::int64_t daysOf(std::int64_t year, std::int64_t month, std::int64_t day) {
-  year -= month <= 2 ? 1 : 0;
-  const std::int64_t era = year / 400, yearOfEra = year % 400;
-  const std::int64_t dayOfYear = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
-  return era * 146097 + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear - 719468;
-}
-
-struct Day {
-  std::int64_t year, month, day;
-};
-
-Day dayOf(std::int64_t days) {
-  days += 719468;
-  const std::int64_t era = days / 146097, ofEra = days % 146097;
-  const std::int64_t yearOfEra = (ofEra - ofEra / 1460 + ofEra / 36524 - ofEra / 146096) / 365;
-  const std::int64_t ofYear = ofEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-  const std::int64_t shifted = (5 * ofYear + 2) / 153;
-  const std::int64_t month = shifted + (shifted < 10 ? 3 : -9);
-  return {yearOfEra + era * 400 + (month <= 2 ? 1 : 0), month, ofYear - (153 * shifted + 2) / 5 + 1};
-}
-
 // Two digits at `position` within a range; nothing when they are anything else.
-std::optional<std::int64_t> twoDigits(std::u16string_view text, std::size_t position, int low, int high) {
+std::optional<int> twoDigits(std::u16string_view text, std::size_t position, int low, int high) {
   if (position + 2 > text.size()) return std::nullopt;
   const char16_t tens = text[position], ones = text[position + 1];
   if (!text::isDecimalDigit(tens) || !text::isDecimalDigit(ones)) return std::nullopt;
@@ -264,8 +243,11 @@ std::optional<std::int64_t> parseMinute(std::u16string_view text) {
   const auto year = twoDigits(text, 0, 0, 99), month = twoDigits(text, 3, 1, 12),
              day = twoDigits(text, 6, 1, 31);
   if (!year || !month || !day) return std::nullopt;
-  const std::int64_t days = daysOf(*year + (*year < 80 ? 2000 : 1900), *month, *day);
-  if (dayOf(days).day != *day) return std::nullopt;  // the 31st of a short month
+  const std::chrono::year_month_day date(std::chrono::year(*year + (*year < 80 ? 2000 : 1900)),
+                                         std::chrono::month(static_cast<unsigned>(*month)),
+                                         std::chrono::day(static_cast<unsigned>(*day)));
+  if (!date.ok()) return std::nullopt;  // the 31st of a short month
+  const std::int64_t days = std::chrono::sys_days(date).time_since_epoch().count();
   if (!withTime) return days * minutesOfDay;
   const auto hour = twoDigits(text, 9, 0, 23), minute = twoDigits(text, 12, 0, 59);
   if (!hour || !minute || text[8] != u' ' || text[11] != u':') return std::nullopt;
@@ -273,10 +255,12 @@ std::optional<std::int64_t> parseMinute(std::u16string_view text) {
 }
 
 std::u16string formatMinute(std::int64_t minute) {
-  const Day day = dayOf(minute / minutesOfDay);
+  const std::chrono::days days(static_cast<int>(minute / minutesOfDay));
+  const std::chrono::year_month_day date{std::chrono::sys_days(days)};
   const std::int64_t ofDay = minute % minutesOfDay;
-  return text::decimalPadded(day.year % 100, 2) + u"/" + text::decimalPadded(day.month, 2) + u"/" +
-         text::decimalPadded(day.day, 2) + u" " + text::decimalPadded(ofDay / 60, 2) + u":" +
+  return text::decimalPadded(int{date.year()} % 100, 2) + u"/" +
+         text::decimalPadded(unsigned{date.month()}, 2) + u"/" +
+         text::decimalPadded(unsigned{date.day()}, 2) + u" " + text::decimalPadded(ofDay / 60, 2) + u":" +
          text::decimalPadded(ofDay % 60, 2);
 }
 

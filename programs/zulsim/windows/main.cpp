@@ -16,7 +16,6 @@
 #include "platform/windows/com/class_server.h"
 #include "platform/windows/com/objects.h"
 #include "platform/windows/services/services.h"
-#include "text/numbers.h"
 #include "text/utf8.h"
 #include "zulsim/core/exchange_server.h"
 #include "zulsim/core/files.h"
@@ -50,12 +49,7 @@ class WindowsServices : public Services {
   void log(std::u16string_view line) override {
     windows::SystemFiles files;
     if (!files.exists(logFile_)) return;  // whoever wants a log makes the file
-    SYSTEMTIME now;
-    GetLocalTime(&now);
-    const std::u16string time =
-        text::decimalPadded(now.wHour, 2) + u":" + text::decimalPadded(now.wMinute, 2) + u":" +
-        text::decimalPadded(now.wSecond, 2) + u"." + text::decimalPadded(now.wMilliseconds, 3);
-    files.append(logFile_, text::toUtf8(time + u" " + std::u16string(line) + u"\r\n"));
+    files.append(logFile_, text::toUtf8(windows::timeOfLine() + u" " + std::u16string(line) + u"\r\n"));
   }
 
  private:
@@ -139,8 +133,8 @@ int runByHand(const std::u16string& directory) {
       "the file of the scenario, else Zulsim.zul beside the program, else scenarios\\demo.zul below it");
   program.notes(
       "It serves until it is ended, and writes a log when a file Zulsim.log lies beside it. Zulsim "
-      "/RegServer "
-      "registers it, so that automation starts it; Zulsim /UnregServer takes it away.\n"
+      "/RegServer [/JobAccount:NAME] registers it, so that automation starts it; Zulsim /UnregServer takes "
+      "it away.\n"
       "Exit code: 0 ended, 1 failed, 2 wrong usage or a scenario that can't be used.");
   program.runs([&] { return serve(directory, true, text::fromUtf8(scenario)); });
   const auto ending = program.read(windows::programWords());

@@ -5,25 +5,22 @@
 #include <utility>
 
 #include "platform/dao/dao_objects.h"
+#include "platform/database_numbers.h"
 #include "platform/jet.h"
 
 namespace vordane::dao {
 namespace {
 
 using automation::byVal;
+namespace number = database::number;
 
 constexpr std::int16_t openDynaset = 2;    // dbOpenDynaset: holds the rows' keys and fetches the rows
 constexpr std::int32_t failOnError = 128;  // dbFailOnError: a statement that fails half way changes nothing
 
 // The engine's numbers that callers of this interface know by another one, or act upon here.
 constexpr int pathNotValid = 3044;
-constexpr int fileNotFound = 3024;
 constexpr int openedExclusively = 3356;
 constexpr int inUse = 3045;
-constexpr int locked = 3260;
-constexpr int noPermission = 3051;
-constexpr int recordDeleted = 3167;
-constexpr int unknownFormat = 3343;
 
 Value text(std::u16string_view value) {
   return std::u16string(value);
@@ -75,7 +72,7 @@ class List : public database::RowList {
       put(rows_.object(), u"AbsolutePosition", static_cast<std::int32_t>(position));
       for (const Value& column : columns_) out.push_back(rows_.read(column));
     } catch (const database::DatabaseError& error) {
-      if (error.number() != recordDeleted) throw;
+      if (error.number() != number::recordGone) throw;
       out.clear();
       return false;
     }
@@ -101,7 +98,7 @@ class File : public database::Database {
   // A file that may not be changed opens all the same, and says so here.
   void requireUpdatable() const {
     if (!automation::toBoolean(dao::get(object_, u"Updatable")))
-      throw database::DatabaseError(noPermission, u"The database is read-only.");
+      throw database::DatabaseError(number::noPermission, u"The database is read-only.");
   }
 
   // A table that lies in another file, or a query that stands for one, would be read and changed in its
@@ -159,7 +156,8 @@ class File : public database::Database {
     }
   }
   [[noreturn]] static void refuse(const std::u16string& name) {
-    throw database::DatabaseError(unknownFormat, u"Not a table of the database's own: '" + name + u"'.");
+    throw database::DatabaseError(number::notADatabase,
+                                  u"Not a table of the database's own: '" + name + u"'.");
   }
 
   ObjectRef object_;
@@ -192,10 +190,11 @@ class DaoEngine : public database::Engine {
       try {
         return openDatabase(engine_, path, readOnly);
       } catch (const database::DatabaseError& error) {
-        if (error.number() == pathNotValid) throw database::DatabaseError(fileNotFound, error.description());
+        if (error.number() == pathNotValid)
+          throw database::DatabaseError(number::fileNotFound, error.description());
         if (error.number() != inUse && error.number() != openedExclusively) throw;
         if (std::chrono::steady_clock::now() >= end)
-          throw database::DatabaseError(locked, error.description());
+          throw database::DatabaseError(number::locked, error.description());
       }
       std::this_thread::sleep_for(lockWait_ / 20);
     }

@@ -3,36 +3,21 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/database_numbers.h"
+#include "platform/run_time_errors.h"
 #include "text/dates.h"
 
 namespace vordane::dao {
 namespace {
 
 using automation::AutomationError;
+namespace number = database::number;
 
-constexpr std::uint32_t runTimeFacility = 0x800A0000U;
-constexpr int objectGone = 3420;  // the number of a call on an object that is no longer there
-
-struct PlainFailure {
-  std::int32_t code;
-  int number;
-};
-// What automation itself turns down, before DAO has a say, under the run-time errors' numbers.
-constexpr PlainFailure plainFailures[] = {
-    {automation::error::typeMismatch, 13},
-    {automation::error::overflow, automation::error::overflowNumber},
-    {automation::error::unknownName, 438},
-    {automation::error::memberNotFound, 438},
-    {automation::error::badParameterCount, 450},
-    {automation::error::parameterNotOptional, 449},
-};
-
+// DAO's own number, or that of a call which automation itself has turned down before DAO had a say; any other
+// failure is that of a call on an object that is no longer there.
 int numberOf(std::int32_t code) {
-  const auto bits = static_cast<std::uint32_t>(code);
-  if ((bits & 0xFFFF0000U) == runTimeFacility) return static_cast<int>(bits & 0xFFFFU);
-  for (const PlainFailure& plain : plainFailures)
-    if (plain.code == code) return plain.number;
-  return objectGone;
+  const auto own = automation::runTimeNumber(code);
+  return own ? *own : automation::refusedCallNumber(code).value_or(number::closed);
 }
 
 std::u16string inHexadecimal(std::int32_t code) {
@@ -52,7 +37,7 @@ std::u16string inHexadecimal(std::int32_t code) {
 
 Value invoke(const ObjectRef& object, std::u16string_view member, automation::CallKind kind,
              std::initializer_list<Argument> arguments) {
-  if (!object) throw database::DatabaseError(objectGone, {});
+  if (!object) throw database::DatabaseError(number::closed, {});
   std::vector<Argument> copy(arguments);
   try {
     return object->invoke(member, kind, copy);
@@ -75,7 +60,7 @@ ObjectRef getObject(const ObjectRef& object, std::u16string_view member,
                     std::initializer_list<Argument> arguments) {
   Value value = get(object, member, arguments);
   if (auto* reference = std::get_if<ObjectRef>(&value); reference != nullptr && *reference) return *reference;
-  throw database::DatabaseError(objectGone, {});
+  throw database::DatabaseError(number::closed, {});
 }
 
 void put(const ObjectRef& object, std::u16string_view member, const Value& value) {
@@ -114,7 +99,7 @@ DaoRecordset::~DaoRecordset() {
 }
 
 DaoRecordset::KnownField& DaoRecordset::field(const Value& nameOrPosition) {
-  if (!object_) throw database::DatabaseError(objectGone, {});
+  if (!object_) throw database::DatabaseError(number::closed, {});
   const auto found = std::find_if(known_.begin(), known_.end(),
                                   [&](const KnownField& known) { return known.key == nameOrPosition; });
   if (found != known_.end()) return *found;

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "platform/sqlite/errors.h"
-#include "platform/sqlite/fault_index.h"
+#include "platform/sqlite/event_index.h"
 #include "text/text.h"
 #include "text/utf8.h"
 
@@ -44,7 +44,7 @@ Connection::Connection(Handle handle, bool readOnly, const Options& options,
   utf8_ = encoding.step() && encoding.text(0) == u"UTF-8";
   encoding.reset();
   loadTables();
-  faults_ = std::make_unique<FaultIndex>(*this);
+  events_ = std::make_unique<EventIndex>(*this);
   maintaining_ = true;
   savepoint_ = Statement(*this, "SAVEPOINT step");
   release_ = Statement(*this, "RELEASE step");
@@ -207,7 +207,7 @@ void Connection::runMaintenance(const char* sql) {
 void Connection::raise(int resultCode) {
   const int number = numberOf(resultCode);
   if (number == number::damaged || number == number::notADatabase) damaged_ = true;
-  if (faults_) faults_->undone();
+  if (events_) events_->undone();
   failWith(resultCode);
 }
 
@@ -232,7 +232,7 @@ void Connection::begin() {
     throw;
   }
   begun_ = std::chrono::steady_clock::now();
-  faults_->transactionBegan();
+  events_->transactionBegan();
 }
 
 std::int64_t Connection::pragma(const char* sql) {
@@ -292,7 +292,7 @@ void Connection::keepNumber(const Table& table, std::int64_t last) {
 
 // Takes back what the step under way has done so far.
 void Connection::undoStep() noexcept {
-  faults_->undone();
+  events_->undone();
   try {
     rollbackTo_.run();
     release_.run();
@@ -303,12 +303,12 @@ void Connection::undoStep() noexcept {
 
 void Connection::commit() {
   if (!inTransaction()) return;
-  faults_->beforeCommit();
+  events_->beforeCommit();
   run("COMMIT");
 }
 
 void Connection::rollback() noexcept {
-  if (faults_) faults_->undone();
+  if (events_) events_->undone();
   if (inTransaction()) sqlite3_exec(handle_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
 }
 

@@ -1,5 +1,5 @@
 // Ownership of SQLite's handles, and what every part of the engine shares: prepared statements, the write
-// transaction, the tables of the file. Only this folder includes it.
+// transaction, the tables of the file. Only this folder and the tools' one for whole files include it.
 #pragma once
 
 #include <sqlite3.h>
@@ -38,9 +38,9 @@ class Reader {
   ~Reader() = default;
 };
 
-class FaultIndex;
+class EventIndex;
 
-// Reading a file is slow on some systems: the keys of a million faults fit into this many kilobytes.
+// Reading a file is slow on some systems: the keys of a million events fit into this many kilobytes.
 inline constexpr const char* wholeCache = "PRAGMA cache_size = -65536";
 
 class Connection {
@@ -53,7 +53,9 @@ class Connection {
   sqlite3* handle() const { return handle_.get(); }
   bool readOnly() const { return readOnly_; }
   bool utf8() const { return utf8_; }
-  FaultIndex& faults() { return *faults_; }
+  EventIndex& events() { return *events_; }
+  // Which of the file's tables holds events, by name; null: none is described.
+  const database::EventTable* eventTable() const { return eventsOf(descriptions_); }
 
   // Case does not matter; throws DatabaseError (unknownTable).
   Table& table(std::u16string_view name);
@@ -135,7 +137,7 @@ class Connection {
   std::vector<Reader*> readers_;
   database::Database::Progress progress_;
   std::size_t done_ = 0, of_ = 0;
-  std::unique_ptr<FaultIndex> faults_;
+  std::unique_ptr<EventIndex> events_;
   Statement savepoint_, release_, rollbackTo_, changes_, schema_;
 };
 

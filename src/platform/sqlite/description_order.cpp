@@ -10,16 +10,19 @@ namespace {
 
 constexpr std::size_t stepsBetweenProgress = 2048;
 
-// An exchange that has more than this part of all faults is found by reading the whole table.
+// An owner that has more than this part of all events is found by reading the whole table.
 constexpr std::int64_t fewOfAll = 4;
 
 constexpr const char* amongOthers =
-    "SELECT f.Count FROM VordaneFaultIndex AS x CROSS JOIN FaultDisplay AS f ON f.Count = x.Count WHERE x.ID "
-    "= ? ORDER BY vordane_sorted(f.Description), vordane_key(f.Fault), vordane_key(f.Alarm), x.Moment, "
-    "f.Count";
+    "SELECT f.{key} FROM VordaneFaultIndex AS x CROSS JOIN {table} AS f ON f.{key} = x.Count WHERE x.ID = ?";
 constexpr const char* mostOfAll =
-    "SELECT Count FROM FaultDisplay WHERE ID = ? AND typeof(ID) = 'integer' ORDER BY "
-    "vordane_sorted(Description), vordane_key(Fault), vordane_key(Alarm), vordane_moment(Date), Count";
+    "SELECT f.{key} FROM {table} AS f WHERE f.{owner} = ? AND typeof(f.{owner}) = 'integer'";
+
+std::string orderOf(const std::vector<std::size_t>& kinds, const char* moment) {
+  std::string order = " ORDER BY vordane_sorted(f.{description}), ";
+  for (const std::size_t kind : kinds) order += "vordane_key(f.{kind" + std::to_string(kind) + "}), ";
+  return order + moment + ", f.{key}";
+}
 
 // The sorter takes as much memory as the cache may: together they keep to the cache's size.
 class HalfTheCache {
@@ -41,16 +44,16 @@ class HalfTheCache {
   Connection& connection_;
 };
 
-std::int64_t answerOf(Connection& connection, const char* sql, std::int64_t id) {
+std::int64_t answerOf(Connection& connection, std::string_view sql, std::int64_t value) {
   Statement statement(connection, sql);
-  statement.bind(1, id);
+  statement.bind(1, value);
   return statement.step() ? statement.integer(0) : 0;
 }
 
 }  // namespace
 
-bool hasShortKey(std::int64_t count) {
-  return count >= 0 && count <= std::numeric_limits<std::uint32_t>::max();
+bool hasShortKey(std::int64_t key) {
+  return key >= 0 && key <= std::numeric_limits<std::uint32_t>::max();
 }
 
 DescriptionOrder::DescriptionOrder(Connection& connection) : connection_(connection) {
@@ -85,22 +88,25 @@ void DescriptionOrder::keyFunction(sqlite3_context* context, int, sqlite3_value*
   }
 }
 
-SharedCounts DescriptionOrder::of(std::int64_t id) {
+SharedKeys DescriptionOrder::of(const Table& table, std::int64_t owner,
+                                const std::vector<std::size_t>& kinds) {
   const ReadScope reading(connection_);
-  const auto mine = answerOf(connection_, "SELECT count(*) FROM VordaneFaultIndex WHERE ID = ?", id);
-  const auto all = answerOf(connection_, "SELECT coalesce(max(Count), ?) FROM FaultDisplay", 0);
+  const auto mine = answerOf(connection_, "SELECT count(*) FROM VordaneFaultIndex WHERE ID = ?", owner);
+  const auto all = answerOf(connection_, eventSql(table, "SELECT coalesce(max({key}), ?) FROM {table}"), 0);
   rows_ = static_cast<std::size_t>(mine);
   steps_ = 0;
-  const auto counts = std::make_shared<std::vector<std::uint32_t>>();
-  counts->reserve(rows_);
+  const auto keys = std::make_shared<std::vector<std::uint32_t>>();
+  keys->reserve(rows_);
   const HalfTheCache half(connection_);
-  Statement rows(connection_, mine > all / fewOfAll ? mostOfAll : amongOthers);
-  rows.bind(1, id);
+  const std::string sql = mine > all / fewOfAll ? mostOfAll + orderOf(kinds, "vordane_moment(f.{moment})")
+                                                : amongOthers + orderOf(kinds, "x.Moment");
+  Statement rows(connection_, eventSql(table, sql));
+  rows.bind(1, owner);
   for (; rows.step(); step()) {
     if (!hasShortKey(rows.integer(0))) return {};
-    counts->push_back(static_cast<std::uint32_t>(rows.integer(0)));
+    keys->push_back(static_cast<std::uint32_t>(rows.integer(0)));
   }
-  return counts;
+  return keys;
 }
 
 }  // namespace vordane::sqlite

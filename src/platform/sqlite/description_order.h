@@ -1,4 +1,4 @@
-// The order of an exchange's faults by Description. The texts of a million faults are too long to be held at
+// The order of an owner's events by description. The texts of a million events are too long to be held at
 // once: SQLite's own sorter puts them in order, in half of the engine's cache and a file of its own, by the
 // texts' sort keys, which are half as long as the texts and are compared without rules.
 #pragma once
@@ -19,9 +19,9 @@ class DescriptionOrder {
   DescriptionOrder(const DescriptionOrder&) = delete;
   DescriptionOrder& operator=(const DescriptionOrder&) = delete;
 
-  // `Count` of the exchange's rows by Description, Fault, Alarm, Date, Count; null when one of them has no
-  // short key. The fault index must be good. Throws DatabaseError.
-  SharedCounts of(std::int64_t id);
+  // The keys of the owner's rows by description, these texts of the kind, moment, key; null when one of them
+  // is not short. The index must be good. Throws DatabaseError.
+  SharedKeys of(const Table& table, std::int64_t owner, const std::vector<std::size_t>& kinds);
 
  private:
   static void keyFunction(sqlite3_context* context, int, sqlite3_value** values) noexcept;
@@ -33,8 +33,8 @@ class DescriptionOrder {
   std::u16string copy_;
 };
 
-// Whether `Count` is a row's key of four bytes. Access gives numbers of any size and sign where its
-// auto-number is set to random.
-bool hasShortKey(std::int64_t count);
+// Whether a row's key fits into four bytes. Access gives numbers of any size and sign where its auto-number
+// is set to random.
+bool hasShortKey(std::int64_t key);
 
 }  // namespace vordane::sqlite

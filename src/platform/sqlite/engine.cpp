@@ -135,8 +135,8 @@ class EmbeddedDatabase final : public database::Database {
     Connection& connection = opened_->connection;
     if (plan.shape.verb != jet::Verb::remove) fail(number::invalidOperation);
     WriteScope write(connection);
-    if (plan.table->isFaults && connection.faults().usable()) {
-      connection.faults().removeExchange(lifted.literals.at(0).number);
+    if (plan.special == Plan::Special::eventsOfOwner && connection.events().usable()) {
+      connection.events().removeOwner(lifted.literals.at(0).number);
     } else {
       Statement rows = plan.rows.take(connection);
       rows.bind(1, lifted.literals.at(0));

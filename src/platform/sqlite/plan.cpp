@@ -10,16 +10,6 @@
 namespace vordane::sqlite {
 namespace {
 
-struct NamedOrder {
-  std::u16string_view column;
-  FaultOrder order;
-};
-constexpr NamedOrder faultOrders[] = {{u"fault", FaultOrder::fault},
-                                      {u"alarm", FaultOrder::alarm},
-                                      {u"date", FaultOrder::date},
-                                      {u"cpu", FaultOrder::cpu},
-                                      {u"description", FaultOrder::description}};
-
 std::string conditionsOf(const Plan& plan) {
   std::string sql;
   for (std::size_t i = 0; i < plan.shape.conditions.size(); ++i) {
@@ -60,7 +50,7 @@ void chooseColumns(Plan& plan) {
 }
 
 void planUnion(Plan& plan) {
-  const std::size_t key = plan.table->column(u"ID", number::unknownName);
+  const std::size_t key = plan.table->column(plan.shape.orders.front().column, number::unknownName);
   if (plan.table->columns.size() != 2) fail(number::columnCount);
   for (const Column& column : plan.table->columns) plan.names.push_back(column.name);
   const std::string& table = plan.table->quoted;
@@ -68,23 +58,74 @@ void planUnion(Plan& plan) {
                             " ORDER BY " + std::to_string(key + 1));
 }
 
-void planFaults(Plan& plan) {
-  const jet::Shape& shape = plan.shape;
-  if (!plan.table->isFaults || !shape.columns.empty() || shape.verb != jet::Verb::select) return;
-  if (shape.conditions.size() == 6) {
-    plan.special = Plan::Special::sameFault;
-  } else if (shape.conditions.empty() && shape.orders.size() == 1 && shape.orders[0].column == u"date" &&
-             shape.orders[0].descending) {
-    plan.special = Plan::Special::newestFaults;
-  } else if (shape.conditions.size() == 1 && !shape.orders.empty()) {
-    const auto* found =
-        std::find_if(std::begin(faultOrders), std::end(faultOrders),
-                     [&](const NamedOrder& named) { return named.column == shape.orders[0].column; });
-    if (found == std::end(faultOrders)) return;
-    plan.special = Plan::Special::faultsOfExchange;
-    plan.order = found->order;
-    plan.descending = shape.orders[0].descending;
+// The condition or order on a column; nothing when it has none.
+template <class Terms>
+std::optional<std::size_t> termOn(const Terms& terms, const Column& column) {
+  for (std::size_t i = 0; i < terms.size(); ++i)
+    if (terms[i].column == column.folded) return i;
+  return std::nullopt;
+}
+
+// One owner's rows: the one condition compares its number.
+bool asksForOwner(const Plan& plan) {
+  const auto& conditions = plan.shape.conditions;
+  return conditions.size() == 1 && !conditions[0].isText &&
+         conditions[0].column == plan.table->columns[plan.table->events->owner].folded;
+}
+
+// The duplicate test compares the owner and every text.
+bool planSame(Plan& plan) {
+  const EventColumns& events = *plan.table->events;
+  const auto& conditions = plan.shape.conditions;
+  const auto& columns = plan.table->columns;
+  const auto owner = termOn(conditions, columns[events.owner]);
+  if (conditions.size() != events.texts.size() + 1 || !owner || conditions[*owner].isText) return false;
+  plan.ownerValue = *owner;
+  for (std::size_t i = 0; i < events.texts.size(); ++i) {
+    const auto text = termOn(conditions, columns[events.texts[i]]);
+    if (!text || !conditions[*text].isText) return false;
+    plan.textValues[i] = *text;
   }
+  return true;
+}
+
+bool asksForNewest(const Plan& plan) {
+  const auto& orders = plan.shape.orders;
+  return plan.shape.conditions.empty() && orders.size() == 1 && orders[0].descending &&
+         termOn(orders, plan.table->columns[plan.table->events->texts[EventColumns::moment]]);
+}
+
+// An order by description or not, then some of the kind's texts, then moment, then key, in one direction, can
+// be read forwards or backwards; what follows the key never decides.
+bool planOrder(Plan& plan) {
+  const EventColumns& events = *plan.table->events;
+  const auto& columns = plan.table->columns;
+  const auto& orders = plan.shape.orders;
+  std::size_t at = 0;
+  const auto takes = [&](std::size_t column) {
+    const bool taken = at < orders.size() && orders[at].column == columns[column].folded &&
+                       orders[at].descending == orders[0].descending;
+    if (taken) ++at;
+    return taken;
+  };
+  plan.order.byDescription = takes(events.texts[EventColumns::description]);
+  for (std::size_t kind = 0; kind < EventColumns::moment;) {
+    const bool taken = takes(events.texts[kind]);
+    if (taken) plan.order.kinds.push_back(kind);
+    kind = taken ? 0 : kind + 1;
+  }
+  plan.descending = !orders.empty() && orders[0].descending;
+  return takes(events.texts[EventColumns::moment]) && takes(*plan.table->autoNumber);
+}
+
+Plan::Special specialOf(Plan& plan) {
+  using Special = Plan::Special;
+  if (!plan.table->events || !plan.shape.columns.empty()) return Special::none;
+  if (plan.shape.verb == jet::Verb::remove)
+    return asksForOwner(plan) ? Special::eventsOfOwner : Special::none;
+  if (plan.shape.orders.empty()) return planSame(plan) ? Special::sameEvent : Special::none;
+  if (asksForNewest(plan)) return Special::newestEvents;
+  return asksForOwner(plan) && planOrder(plan) ? Special::eventsOfOwner : Special::none;
 }
 
 }  // namespace
@@ -118,12 +159,11 @@ Plan& Plans::find(std::u16string_view statement, jet::Lifted& lifted) {
   return plan;
 }
 
-// The statements of an ingestion find room; the language tables' are asked once each.
+// The statements that are asked over and over find room; the oldest leaves for a new one.
 void Plans::remember(std::u16string_view statement, const jet::Lifted& lifted, Plan& plan) {
-  constexpr std::size_t room = 6;
-  for (std::u16string_view name : {u"PBXList", u"FaultDisplay"})
-    if (text::equalIgnoringCase(plan.table->name, name) && known_.size() < room)
-      known_.push_back({jet::Skeleton(statement, lifted), &plan});
+  constexpr std::size_t room = 12;
+  if (known_.size() == room) known_.erase(known_.begin());
+  known_.push_back({jet::Skeleton(statement, lifted), &plan});
 }
 
 std::unique_ptr<Plan> Plans::make(const jet::Lifted& lifted) {
@@ -139,6 +179,7 @@ std::unique_ptr<Plan> Plans::make(const jet::Lifted& lifted) {
   }
   if (plan->shape.verb == jet::Verb::remove) {
     plan->rows = StatementPool("DELETE FROM " + plan->table->quoted + conditionsOf(*plan));
+    plan->special = specialOf(*plan);
     return plan;
   }
   chooseColumns(*plan);
@@ -146,7 +187,7 @@ std::unique_ptr<Plan> Plans::make(const jet::Lifted& lifted) {
   plan->rows = StatementPool(select + rest);
   plan->keys = StatementPool("SELECT rowid FROM " + plan->table->quoted + rest);
   plan->byKey = StatementPool(select + " WHERE rowid = ?");
-  planFaults(*plan);
+  plan->special = specialOf(*plan);
   return plan;
 }
 

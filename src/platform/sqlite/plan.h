@@ -1,6 +1,7 @@
 // How each statement shape is run: worked out once for a shape, kept with its prepared statements.
 #pragma once
 
+#include <array>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -9,12 +10,14 @@
 
 #include "platform/jet.h"
 #include "platform/sqlite/connection.h"
-#include "platform/sqlite/fault_index.h"
+#include "platform/sqlite/event_index.h"
 
 namespace vordane::sqlite {
 
 struct Plan {
-  enum class Special { none, sameFault, newestFaults, faultsOfExchange };
+  // Statements on a table of events that its index answers: the duplicate test, every event newest first, and
+  // an owner's events in order, or their deletion.
+  enum class Special { none, sameEvent, newestEvents, eventsOfOwner };
 
   jet::Shape shape;
   Table* table = nullptr;
@@ -24,7 +27,9 @@ struct Plan {
   StatementPool keys;                  // the key alone
   StatementPool byKey;                 // one row
   Special special = Special::none;
-  FaultOrder order = FaultOrder::date;
+  std::size_t ownerValue = 0;               // of the duplicate test: which value is compared with the owner
+  std::array<std::size_t, 5> textValues{};  // and which with the texts, as EventColumns has them
+  EventOrder order;
   bool descending = false;
 
   std::uint64_t tablesChanged = 0;  // the connection's count when it was made

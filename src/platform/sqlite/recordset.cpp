@@ -25,14 +25,14 @@ EmbeddedRecordset::EmbeddedRecordset(std::shared_ptr<Opened> opened, Plan& plan,
   connection_.add(*this);
 }
 
-// The duplicate test is made once for each fault received: answered at once, from the statement's own
+// The duplicate test is made once for each event received: answered at once, from the statement's own
 // values, and only the key of what was found is kept.
 bool EmbeddedRecordset::findSame(const std::vector<jet::Literal>& literals) {
-  if (plan_.special != Plan::Special::sameFault || !connection_.faults().usable()) return false;
+  if (plan_.special != Plan::Special::sameEvent || !connection_.events().usable()) return false;
   connection_.beforeRead();
-  keepKeys(connection_.faults().findSame(
-      literals[0].number,
-      {literals[1].text, literals[3].text, literals[2].text, literals[4].text, literals[5].text}));
+  EventTexts texts;
+  for (std::size_t i = 0; i < texts.size(); ++i) texts[i] = literals[plan_.textValues[i]].text;
+  keepKeys(connection_.events().findSame(literals[plan_.ownerValue].number, texts));
   hadRows_ = place_ == Place::onRow;
   return true;
 }
@@ -61,8 +61,8 @@ void EmbeddedRecordset::start() {
 }
 
 void EmbeddedRecordset::startRows() {
-  if (plan_.special == Plan::Special::newestFaults && connection_.faults().usable()) {
-    const auto newest = connection_.faults().newest();
+  if (plan_.special == Plan::Special::newestEvents && connection_.events().usable()) {
+    const auto newest = connection_.events().newest();
     keepKeys(newest ? std::vector{*newest} : std::vector<std::int64_t>{});
     onlyNewest_ = newest.has_value();
     return;
@@ -108,7 +108,7 @@ void EmbeddedRecordset::finishReading() {
   if (place_ == Place::before || plan_.isUnion()) return;
   if (onlyNewest_) {
     onlyNewest_ = false;
-    keys_ = connection_.faults().allNewestFirst();
+    keys_ = connection_.events().allNewestFirst();
   }
   if (keyed_) return;
   if (place_ == Place::onRow) {
@@ -315,16 +315,15 @@ void EmbeddedRecordset::updateFields() {
 void EmbeddedRecordset::insertRow() {
   Table& table = *plan_.table;
   WriteScope write(connection_);
-  const bool indexed = table.isFaults && connection_.faults().usable();
+  const bool indexed = table.events && connection_.events().usable();
   const auto number = table.autoNumber;
   // A number in its documented range is taken beforehand; a long one is left to the engine, which is quicker.
   if (number && !fields_[*number] && table.columns[*number].kind == Kind::integer16) reserveNumber();
   const std::int64_t key = insertFields();
   if (indexed) {
-    const auto field = [&](std::u16string_view name) { return textOf(fields_[*table.find(name)]); };
-    connection_.faults().added(
-        key, numberOf(fields_[*table.find(u"ID")]),
-        {field(u"Fault"), field(u"Alarm"), field(u"CPU"), field(u"Date"), field(u"Description")});
+    EventTexts texts;
+    for (std::size_t i = 0; i < texts.size(); ++i) texts[i] = textOf(fields_[table.events->texts[i]]);
+    connection_.events().added(key, numberOf(fields_[table.events->owner]), texts);
   }
   write.done();
   if (place_ != Place::before) hadRows_ = true;
@@ -333,10 +332,10 @@ void EmbeddedRecordset::insertRow() {
 void EmbeddedRecordset::updateRow() {
   if (setColumns() == 0) return;
   WriteScope write(connection_);
-  const bool indexed = plan_.table->isFaults && connection_.faults().usable();
-  if (indexed) connection_.faults().changing(key_);
+  const bool indexed = plan_.table->events && connection_.events().usable();
+  if (indexed) connection_.events().changing(key_);
   updateFields();
-  if (indexed) connection_.faults().changed(key_);
+  if (indexed) connection_.events().changed(key_);
   write.done();
   loaded_ = false;
 }

@@ -13,16 +13,16 @@ class EmbeddedRowList final : public database::RowList {
  public:
   using Keys = std::shared_ptr<const std::vector<Key>>;
 
-  // `exchange` is the one whose rows the index named, if it did; the row itself decides.
+  // `owner` is the one whose rows the index named, if it did; the row itself decides.
   EmbeddedRowList(std::shared_ptr<Opened> opened, const Plan& plan, Keys keys, bool backwards,
                   std::span<const std::u16string_view> columns,
-                  std::optional<std::int64_t> exchange = std::nullopt)
+                  std::optional<std::int64_t> owner = std::nullopt)
       : opened_(std::move(opened)),
         connection_(opened_->connection),
         tablesChanged_(plan.tablesChanged),
         keys_(std::move(keys)),
         backwards_(backwards),
-        exchange_(exchange) {
+        owner_(owner) {
     std::string sql;
     for (std::u16string_view name : columns) {
       const Column* column = plan.columns[plan.resultColumn(name)];
@@ -30,8 +30,9 @@ class EmbeddedRowList final : public database::RowList {
       sql += (sql.empty() ? "SELECT " : ", ") + column->quoted;
     }
     if (sql.empty()) sql = "SELECT NULL";
-    row_ = Statement(connection_, sql + " FROM " + plan.table->quoted + " WHERE rowid = ?1" +
-                                      (exchange_ ? " AND ID = ?2" : ""));
+    sql += " FROM " + plan.table->quoted + " WHERE rowid = ?1";
+    if (owner_) sql += eventSql(*plan.table, " AND {owner} = ?2");
+    row_ = Statement(connection_, sql);
   }
 
   std::size_t size() const override { return keys_->size(); }
@@ -74,7 +75,7 @@ class EmbeddedRowList final : public database::RowList {
 
   void bindRow(std::size_t position) {
     row_.bind(1, keyAt(position));
-    if (exchange_) row_.bind(2, *exchange_);
+    if (owner_) row_.bind(2, *owner_);
   }
 
   // Looks at the texts where the engine holds them.
@@ -100,7 +101,7 @@ class EmbeddedRowList final : public database::RowList {
   std::uint64_t tablesChanged_;
   Keys keys_;
   bool backwards_;
-  std::optional<std::int64_t> exchange_;
+  std::optional<std::int64_t> owner_;
   std::vector<bool> yesNo_;
   Statement row_;
   std::u16string copy_;
@@ -125,11 +126,11 @@ std::unique_ptr<database::RowList> makeRowList(std::shared_ptr<Opened> opened, P
   if (plan.isUnion() || plan.shape.verb == jet::Verb::remove) fail(number::invalidOperation);
   Connection& connection = opened->connection;
   connection.beforeRead();
-  if (plan.special == Plan::Special::faultsOfExchange && connection.faults().usable()) {
-    const std::int64_t exchange = literals.at(0).number;
-    if (auto counts = connection.faults().ordered(exchange, plan.order))
-      return std::make_unique<EmbeddedRowList<std::uint32_t>>(std::move(opened), plan, std::move(counts),
-                                                              plan.descending, columns, exchange);
+  if (plan.special == Plan::Special::eventsOfOwner && connection.events().usable()) {
+    const std::int64_t owner = literals.at(0).number;
+    if (auto keys = connection.events().ordered(owner, plan.order))
+      return std::make_unique<EmbeddedRowList<std::uint32_t>>(std::move(opened), plan, std::move(keys),
+                                                              plan.descending, columns, owner);
   }
   auto keys = std::make_shared<const std::vector<std::int64_t>>(readKeys(connection, plan, literals));
   return std::make_unique<EmbeddedRowList<std::int64_t>>(std::move(opened), plan, std::move(keys), false,

@@ -126,6 +126,45 @@ std::string quote(std::u16string_view name) {
   return quoted;
 }
 
+std::optional<EventColumns> findEvents(const Table& table, const database::EventTable& description) {
+  if (!table.autoNumber || !table.counted || table.find(description.key) != table.autoNumber)
+    return std::nullopt;
+  const auto find = [&](std::u16string_view name, Affinity affinity) {
+    const auto found = table.find(name);
+    return found && table.columns[*found].affinity == affinity ? found : std::nullopt;
+  };
+  const auto owner = find(description.owner, Affinity::integer);
+  if (!owner) return std::nullopt;
+  EventColumns columns{*owner, {}};
+  const auto& kind = description.kind;
+  const std::u16string_view texts[] = {kind[0], kind[1], kind[2], description.moment,
+                                       description.description};
+  for (std::size_t i = 0; i < columns.texts.size(); ++i) {
+    const auto text = find(texts[i], Affinity::text);
+    if (!text) return std::nullopt;
+    columns.texts[i] = *text;
+  }
+  return columns;
+}
+
+std::string eventSql(const Table& table, std::string_view sql) {
+  constexpr std::string_view textNames[] = {"kind0", "kind1", "kind2", "moment", "description"};
+  const auto nameOf = [&](std::string_view mark) -> const std::string& {
+    if (mark == "table") return table.quoted;
+    if (mark == "key") return table.columns[*table.autoNumber].quoted;
+    if (mark == "owner") return table.columns[table.events->owner].quoted;
+    const auto* text = std::find(std::begin(textNames), std::end(textNames), mark);
+    return table.columns[table.events->texts.at(static_cast<std::size_t>(text - textNames))].quoted;
+  };
+  std::string result;
+  for (auto begin = sql.find('{'); begin != sql.npos; begin = sql.find('{')) {
+    const auto end = sql.find('}', begin);
+    result.append(sql.substr(0, begin)).append(nameOf(sql.substr(begin + 1, end - begin - 1)));
+    sql.remove_prefix(end + 1);
+  }
+  return result.append(sql);
+}
+
 database::Value fit(const Column& column, const database::Value& value, bool utf8File) {
   if (automation::isNull(value) || automation::isEmpty(value))
     return column.kind == Kind::yesNo ? database::Value(false) : database::Value(automation::Null{});

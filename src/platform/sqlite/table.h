@@ -1,6 +1,7 @@
 // A table of the file, as its columns are declared.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -26,6 +27,14 @@ struct Column {
   Affinity affinity = Affinity::other;
 };
 
+// The columns of events, where a table is declared as such tables are in files of our own: what else each of
+// them is for says `database::EventTable`. The key is the auto-number.
+struct EventColumns {
+  static constexpr std::size_t moment = 3, description = 4;  // behind those of the kind
+  std::size_t owner = 0;
+  std::array<std::size_t, 5> texts{};
+};
+
 struct Table {
   std::u16string name;
   std::u16string folded;
@@ -35,7 +44,7 @@ struct Table {
   bool counted = false;                   // its numbers are never used again
   // INSERT and UPDATE statements, by the columns they set (a bit for each).
   std::unordered_map<std::uint64_t, StatementPool> inserts, updates;
-  bool isFaults = false;  // FaultDisplay with its documented columns
+  std::optional<EventColumns> events;
 
   // Throws DatabaseError with `number` when there is none.
   std::size_t column(std::u16string_view columnName, int errorNumber) const;
@@ -49,6 +58,13 @@ Kind kindOf(database::Descriptions descriptions, std::u16string_view table, std:
 const database::EventTable* eventsOf(database::Descriptions descriptions);
 Affinity affinityOf(std::u16string_view declared);
 std::string quote(std::u16string_view name);
+
+// What `description` says of the table's columns; nothing where they are declared otherwise, since their
+// values compare otherwise then.
+std::optional<EventColumns> findEvents(const Table& table, const database::EventTable& description);
+// `sql` with the quoted names of the table and its columns for {table}, {key}, {owner}, {kind0} to {kind2},
+// {moment} and {description}.
+std::string eventSql(const Table& table, std::string_view sql);
 
 // `value` as the column keeps it. Throws DatabaseError (badValue).
 database::Value fit(const Column& column, const database::Value& value, bool utf8File);

@@ -1,6 +1,6 @@
 // How stored texts compare in a statement: trailing blanks dropped, each character folded to lower case by
 // the program's own table, order by code point. The encodings below are part of the files: never change
-// them without a new version of the fault index.
+// them without a new version of the index of events.
 #pragma once
 
 #include <cstdint>

@@ -174,6 +174,18 @@ bool says(const com::RegistrarAnswer& answer, std::u16string_view words) {
   return false;
 }
 
+TEST(Registrar, ServesOneUserAloneWhereItIsAskedTo) {
+  std::string printed;
+  ASSERT_EQ(runServer(L"/RegServer /ThisUser", &printed), 0);
+  EXPECT_EQ(printed.substr(0, 29), "Registered for this user only");
+  for (const REGSAM view : views) {
+    EXPECT_FALSE(machineKeyExists(clsidKey(), view));
+    EXPECT_EQ(userValue(clsidKey() + L"\\LocalServer32", view), L"\"" + serverPath() + L"\"");
+  }
+  ASSERT_EQ(runServer(L"/UnregServer", &printed), 0);
+  for (const REGSAM view : views) EXPECT_FALSE(userKeyExists(clsidKey(), view));
+}
+
 TEST(Registrar, ServesOneUserWhereTheMachineCantBeWritten) {
   std::string printed;
   {

@@ -217,8 +217,38 @@ TEST(ObjectCreator, SaysWhatIsMissing) {
   }
 }
 
-TEST(OpenDocument, SaysWhenThereIsNone) {
-  EXPECT_FALSE(openDocument(u"C:\\no\\such\\help.hlp"));
+class Documents : public testing::Test {
+ protected:
+  Documents() {
+    path_ = folder_ + u"\\vordane page.html";
+    SystemFiles().append(path_, "<p>a page</p>");
+  }
+  ~Documents() override { DeleteFileW(com::wide(path_.c_str())); }
+
+  std::u16string folder_ = thisProgram().directory, path_;
+  std::vector<std::wstring> handed_;
+  bool taken_ = true;
+  SystemDocuments documents_{[this](const std::wstring& path) {
+    handed_.push_back(path);
+    return taken_;
+  }};
+};
+
+TEST_F(Documents, AreHandedToTheDesktopByTheirPathAlone) {
+  EXPECT_TRUE(documents_.open(path_));
+  EXPECT_EQ(handed_, std::vector<std::wstring>{com::wide(path_.c_str())});
+}
+
+TEST_F(Documents, TellWhenNoProgramTakesThem) {
+  taken_ = false;
+  EXPECT_FALSE(documents_.open(path_));
+}
+
+TEST_F(Documents, ThatAreNoFilesAreNeverHandedOver) {
+  EXPECT_FALSE(documents_.open(u"C:\\no\\such\\help.hlp"));
+  EXPECT_FALSE(documents_.open(folder_));
+  EXPECT_FALSE(documents_.open(path_ + u"#topic"));
+  EXPECT_TRUE(handed_.empty());
 }
 
 }  // namespace

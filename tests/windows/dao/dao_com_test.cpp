@@ -49,7 +49,7 @@ TEST(DaoAcrossProcesses, AFaultListIsStoredOnce) {
   fakes::MemoryStoreForm form;
   form.database = server.engine().open(server.make(database::Layout::faults), false);
   store::FaultStore store(form, form.around());
-  store.SetSortFlags();
+  store.setSortFlags();
   form.receive(u"01 MJ MP   ", u"2026/11/20 20:58", u"01 00", u"");
   form.receive(u"0A MN AB 0C", u"06/11/27 10:15", u"0C", u"0D");
   for (int round = 0; round < 2; ++round) form.ingest(store);

@@ -3,10 +3,9 @@
 // find everything as ever, in the same process where it goes on, else in the next one. In the second half one
 // process goes through all rounds: it must be there at the end, with no more handles and memory.
 //
-//   director SUITE CALLS [SEED]   in an installed suite (its version directory); ends when the add-in has
-//   made
-//                                 that many calls
+//   director SUITE CALLS [SEED]   in an installed suite (its version directory)
 //
+// Goes on until the hostile programs have answered that many calls of the add-in.
 // Ends with 1 and a line that begins with FAILED when something is not as it should be.
 #include <windows.h>
 
@@ -17,8 +16,9 @@
 #include <string>
 
 #include "desk.h"
+#include "evil.h"
+#include "patience.h"
 #include "platform/windows/com/apartment.h"
-#include "program.h"
 #include "right_host.h"
 #include "stored.h"
 #include "text/utf8.h"
@@ -30,97 +30,15 @@ namespace {
 
 using automation::AutomationError;
 using automation::byVal;
-using automation::ObjectRef;
 
 const std::wstring addIn = L"VORDANE.EXE";
-constexpr int endsInTime = 40000;  // milliseconds; a dead host is noticed after some seconds
-constexpr int restsInTime = 90000;
-constexpr std::int32_t stepsOfARound = 200, stepsByHand = 40;
+constexpr std::int32_t stepsOfARound = 120, stepsAtOnce = 40, stepsByHand = 40;
+// Where a program has died: more answers than these will not help.
+constexpr int answersEnough = 100;
 
 void require(bool good, const std::string& otherwise) {
   if (!good) throw std::runtime_error(otherwise);
 }
-
-// One of the two hostile programs, started when it is needed.
-class Evil {
- public:
-  Evil(Role role, const wchar_t* program) : role_(role), program_(program) {}
-
-  // False when it died in the middle, as it may.
-  bool order(std::u16string_view member, std::initializer_list<automation::Argument> given = {}) {
-    take();
-    try {
-      automation::call(*object_, member, given);
-      keepCalls();
-      return true;
-    } catch (const AutomationError& failure) {
-      died(member, failure);
-      return false;
-    }
-  }
-  bool alive() const { return object_ != nullptr; }
-  bool madeAJob() {
-    if (!object_) return madeAJob_;
-    try {
-      madeAJob_ = automation::toBoolean(automation::get(*object_, u"MadeAJob"));
-    } catch (const AutomationError& failure) {
-      died(u"MadeAJob", failure);
-    }
-    return madeAJob_;
-  }
-  std::int64_t calls() const { return calls_; }
-  int deaths() const { return deaths_; }
-  void end() {
-    if (object_) order(u"End");
-    object_ = nullptr;
-    if (process_) test::endsWithin(process_.get(), 3000);
-    endAll();
-  }
-
- private:
-  void endAll() {
-    for (const DWORD id : test::processesOf(program_)) {
-      const com::Handle left(OpenProcess(SYNCHRONIZE | PROCESS_TERMINATE, FALSE, id));
-      if (left && TerminateProcess(left.get(), 0)) WaitForSingleObject(left.get(), 5000);
-    }
-  }
-  void take() {
-    if (object_) return;
-    endAll();  // an exchange server that others created in place of a dead one
-    object_ = createPatiently(directorsTable(role_).progId);
-    const auto running = test::processesOf(program_);
-    require(running.size() == 1, std::to_string(running.size()) + " hostile programs of one kind");
-    process_ = test::openProcess(running.front());
-    counted_ = 0;
-    madeAJob_ = false;
-  }
-  void keepCalls() {
-    const auto now = automation::toLong(automation::get(*object_, u"Calls"));
-    calls_ += now - std::exchange(counted_, now);
-    const std::u16string problem = automation::toText(automation::get(*object_, u"Problem"));
-    require(problem.empty(), text::toUtf8(problem));
-  }
-  // It may be gone, by its own hand or the watcher's; anything else is a failure.
-  void died(std::u16string_view member, const AutomationError& failure) {
-    DWORD code = 0;
-    const bool ended = process_ && test::endsWithin(process_.get(), 5000);
-    GetExitCodeProcess(process_.get(), &code);
-    require(ended && (code == diedInACall || code == killedWhileItHung),
-            text::toUtf8(member) + " of a hostile program failed: " + failure.what() +
-                ", it ended: " + std::to_string(ended) + " with " + std::to_string(code));
-    object_ = nullptr;
-    ++deaths_;
-  }
-
-  Role role_;
-  const wchar_t* program_;
-  ObjectRef object_;
-  com::Handle process_;
-  std::int64_t calls_ = 0;
-  std::int32_t counted_ = 0;
-  int deaths_ = 0;
-  bool madeAJob_ = false;
-};
 
 struct Seen {
   Lines calls, boxes, rows;
@@ -144,13 +62,22 @@ class Director {
     for (Evil* evil : {&host_, &exchange_}) evil->end();
     std::printf(
         "%lld calls in %d rounds, %d of them by hand, and %d add-ins; %d times it went on in the same "
-        "process; hosts died %d times, exchange servers %d times, %d of them killed while they hung\n",
-        static_cast<long long>(calls()), rounds_, byHand_, watcher_.addIns(), sameProcess_, host_.deaths(),
-        exchange_.deaths(), watcher_.killed());
+        "process, %d times a wait was given up whose answer had died; hosts died %d times, exchange servers "
+        "%d times, %d of them killed while they hung; %d creations were tried again\n",
+        static_cast<long long>(calls()), rounds_, byHand_, watcher_.addIns(), sameProcess_, givenUp_,
+        host_.deaths(), exchange_.deaths(), watcher_.killed(), right_.creationsTriedAgain());
   }
 
  private:
   std::int64_t calls() const { return host_.calls() + exchange_.calls(); }
+  int deaths() const { return host_.deaths() + exchange_.deaths(); }
+  void tell(const char* what) const {
+    std::printf("  %.1f s: %s; host %lld calls, %d deaths; exchange server %lld calls, %d deaths\n",
+                static_cast<double>(GetTickCount64() - begun_) / 1000, what,
+                static_cast<long long>(host_.calls()), host_.deaths(),
+                static_cast<long long>(exchange_.calls()), exchange_.deaths());
+    std::fflush(stdout);
+  }
 
   // --- what is always so
   void checkEnds() {
@@ -159,12 +86,12 @@ class Director {
   }
   // Everybody has let go.
   void expectGone() {
-    require(right_.waitUntil([] { return test::processesOf(addIn).empty(); }, endsInTime),
+    require(right_.waitUntil([] { return test::processesOf(addIn).empty(); }, patience()),
             "a process stays after its last release");
     checkEnds();
   }
   DWORD onlyAddIn() {
-    require(right_.waitUntil([] { return test::processesOf(addIn).size() == 1; }, endsInTime),
+    require(right_.waitUntil([] { return test::processesOf(addIn).size() == 1; }, patience()),
             std::to_string(test::processesOf(addIn).size()) + " add-ins run");
     return test::processesOf(addIn).front();
   }
@@ -186,10 +113,10 @@ class Director {
     expect(converse(), "at first");
     end();
   }
-  // The first conversation may meet what the hostile ones stored, deleted or pressed.
+  // The first conversation may meet what the hostile ones stored, deleted or pressed, the second may not.
   void expectAsEver(const char* where) {
-    converse();
-    expect(converse(), where);
+    if (!(converse() == reference_)) expect(converse(), where);
+    tell(where);
   }
   void expect(const Seen& now, const char* where) {
     if (now == reference_) return;
@@ -216,26 +143,41 @@ class Director {
     std::fflush(stdout);
     ++rounds_;
     ++seed_;
+    deathsBefore_ = deaths() + watcher_.killed();
+    ResetEvent(jobMade_.get());
+    ResetEvent(died_.get());
   }
   void attack(bool endings) {
     exchange_.order(u"Begin", {byVal(seed_), byVal(endings)});
-    if (host_.order(u"Begin", {byVal(seed_), byVal(endings)})) host_.order(u"Steps", {byVal(stepsOfARound)});
+    bool lives = host_.order(u"Begin", {byVal(seed_), byVal(endings)});
+    for (std::int32_t done = 0; lives && done < stepsOfARound; done += stepsAtOnce) {
+      lives = host_.order(u"Steps", {byVal(stepsAtOnce)});
+      tell("attacked");
+    }
     if (host_.alive()) host_.order(u"Rest");
-    std::printf("  host %lld calls, %d deaths; exchange server %lld calls, %d deaths\n",
-                static_cast<long long>(host_.calls()), host_.deaths(),
-                static_cast<long long>(exchange_.calls()), exchange_.deaths());
-    std::fflush(stdout);
   }
-  // Answers to what still waits for one, until the add-in has nothing to do.
+  // Also one that was created beside the two that are ordered about.
+  bool somebodyDied() const {
+    return deaths() + watcher_.killed() > deathsBefore_ ||
+           WaitForSingleObject(died_.get(), 0) == WAIT_OBJECT_0;
+  }
+  // Answers to what still waits for one, until the add-in has nothing to do. False where a program has died
+  // and with it, it seems, the answer: that is waited for without an end.
   bool comesToRest() {
-    const bool rests = right_.waitUntil(
-        [this] {
-          if (right_.idle()) return true;
+    bool rests = false;
+    int answers = 0;
+    const bool looked = right_.waitUntil(
+        [&] {
+          rests = right_.idle();
+          // A death may show only at an order.
+          if (rests || (somebodyDied() && answers >= answersEnough)) return true;
+          ++answers;
           for (Evil* evil : {&host_, &exchange_})
             if (evil->alive()) evil->order(u"Answer");
           return false;
         },
-        restsInTime);
+        patience());
+    require(looked, "it still waits, though everything was answered");
     if (exchange_.alive()) exchange_.order(u"Rest");
     return rests;
   }
@@ -250,12 +192,17 @@ class Director {
     if (!right_.take()) return false;
     leaveTheOldOne();
     if (!right_.registerIt()) return false;
-    if (host_.madeAJob()) {
-      right_.cancel();
-      return false;
+    if (WaitForSingleObject(jobMade_.get(), 0) == WAIT_OBJECT_0) return giveUp();
+    if (!comesToRest()) {
+      ++givenUp_;
+      return giveUp();
     }
-    require(comesToRest(), "it still waits, though everything was answered");
     return right_.registerIt();
+  }
+  // What a host has to end a job, and a wait that has no end.
+  bool giveUp() {
+    right_.cancel();
+    return false;
   }
   void answersThatComeLate() {
     right_.takeLines();
@@ -289,7 +236,7 @@ class Director {
     ++byHand_;
     exchange_.order(u"Begin", {byVal(seed_), byVal(true)});
     const com::Handle process = startByHand();
-    require(right_.waitUntil([] { return addInWindow() != nullptr; }, endsInTime), "no window by hand");
+    require(right_.waitUntil([] { return addInWindow() != nullptr; }, patience()), "no window by hand");
     Whims whims(static_cast<std::uint64_t>(seed_));
     for (int i = 0; i < stepsByHand; ++i) {
       const std::size_t deed = whims.below(6);
@@ -297,16 +244,15 @@ class Director {
         pressButton(addInWindow(), deed == 0 ? static_cast<Action>(whims.below(4)) : Action::request);
       if (deed == 3) clickHeading(addInWindow(), static_cast<int>(whims.below(6)));
       if (deed == 4) chooseExchange(addInWindow(), whims.next());
-      right_.pause(static_cast<int>(20 + whims.below(150)));
+      right_.pause(static_cast<int>(whims.below(40)));
     }
     if (exchange_.alive()) exchange_.order(u"Answer");
-    const ULONGLONG begun = GetTickCount64();
-    while (WaitForSingleObject(process.get(), 0) != WAIT_OBJECT_0) {
-      require(GetTickCount64() - begun < endsInTime, "a window that was started by hand does not close");
-      askToClose(addInWindow());
-      right_.pause(500);
-    }
+    const ULONGLONG since = GetTickCount64();
+    const auto left = static_cast<ULONGLONG>(patience());
+    for (askToClose(addInWindow()); !test::endsWithin(process.get(), 200); askToClose(addInWindow()))
+      require(GetTickCount64() - since < left, "a window that was started by hand does not close");
     expectGone();
+    tell("closed by hand");
     if (exchange_.alive()) exchange_.order(u"Rest");
     next();
   }
@@ -325,6 +271,7 @@ class Director {
   // --- one process for all rounds
   void lasting() {
     end();
+    ResetEvent(mortal_.get());
     require(right_.take(), "the add-in could not load its window");
     const DWORD id = onlyAddIn();
     const com::Handle process = test::openProcess(id);
@@ -332,10 +279,11 @@ class Director {
     while (calls() < wanted_ || samples.size() < 6) {
       begin();
       attack(false);
+      require(!somebodyDied(), "a program died that was to live");
       require(goesOn(), "the window's life is over, though nobody ended it");
       expectAsEver("in the process that lasts");
       answersThatComeLate();
-      if (host_.alive()) host_.order(u"LetGo");
+      letGo();
       ++sameProcess_;
       require(onlyAddIn() == id, "the add-in is another one");
       samples.push_back(test::holdingOf(process.get()));
@@ -372,11 +320,15 @@ class Director {
   const std::u16string suite_;
   const std::int64_t wanted_;
   std::int32_t seed_;
+  const ULONGLONG begun_ = GetTickCount64();
+  const com::Handle jobMade_{CreateEventW(nullptr, TRUE, FALSE, jobEvent)};
+  const com::Handle mortal_{CreateEventW(nullptr, TRUE, TRUE, mortalEvent)};
+  const com::Handle died_{CreateEventW(nullptr, TRUE, FALSE, diedEvent)};
   Watcher watcher_;
   RightHost right_;
   Evil host_{Role::host, L"EvilHost.exe"}, exchange_{Role::exchange, L"EvilExchange.exe"};
   Seen reference_;
-  int rounds_ = 0, byHand_ = 0, sameProcess_ = 0;
+  int rounds_ = 0, byHand_ = 0, sameProcess_ = 0, givenUp_ = 0, deathsBefore_ = 0;
 };
 
 int direct(std::u16string suite, std::int64_t calls, std::int32_t seed) {

@@ -29,7 +29,7 @@ using automation::Value;
 constexpr Parameter beginning[] = {{u"Seed", Type::longInteger}, {u"Endings", Type::boolean}};
 constexpr Parameter counted[] = {{u"Count", Type::longInteger}};
 
-enum Order : std::size_t { begin, steps, answer, late, rest, letGo, calls, madeAJob, problem, end };
+enum Order : std::size_t { begin, steps, answer, late, rest, letGo, calls, problem, end };
 constexpr Member orders[] = {
     {u"Begin", 1, MemberKind::method, Type::none, beginning},
     {u"Steps", 2, MemberKind::method, Type::none, counted},
@@ -38,9 +38,8 @@ constexpr Member orders[] = {
     {u"Rest", 5, MemberKind::method, Type::none},
     {u"LetGo", 6, MemberKind::method, Type::none},
     {u"Calls", 7, MemberKind::readOnly, Type::longInteger},
-    {u"MadeAJob", 8, MemberKind::readOnly, Type::boolean},
-    {u"Problem", 9, MemberKind::readOnly, Type::text},
-    {u"End", 10, MemberKind::method, Type::none},
+    {u"Problem", 8, MemberKind::readOnly, Type::text},
+    {u"End", 9, MemberKind::method, Type::none},
 };
 constexpr automation::ClassTable hostTable{u"cHost",
                                            u"VordaneHostile.cHost",
@@ -87,8 +86,6 @@ class DirectorsObject : public automation::TableObject {
         break;
       case calls:
         return program_.calls();
-      case madeAJob:
-        return program_.madeAJob();
       case problem:
         return program_.problem();
       default:
@@ -127,6 +124,11 @@ DWORD serveOnce(const automation::ClassTable& table, std::function<ObjectRef()> 
   return registration;
 }
 
+void set(const wchar_t* event) {
+  const com::Handle opened(OpenEventW(EVENT_MODIFY_STATE, FALSE, event));
+  SetEvent(opened.get());
+}
+
 registration::Class registered(const automation::ClassTable& table) {
   return {
       std::u16string(table.progId), text::fromUtf8(table.clsid), std::u16string(table.description), {}, {}};
@@ -150,14 +152,16 @@ Program::Program(Role role) : role_(role) {}
 // --- orders
 
 void Program::begin(std::int32_t seed, bool endings) {
+  const com::Handle mortal(OpenEventW(SYNCHRONIZE, FALSE, mortalEvent));
+  endings = endings && WaitForSingleObject(mortal.get(), 0) == WAIT_OBJECT_0;
   // Both programs have the same seed and must not do the same.
   plots_.push_back(std::make_unique<Conspiracy>(
       2 * static_cast<std::uint64_t>(seed) + (role_ == Role::host ? 0 : 1), calls_));
   Conspiracy& plot = *plots_.back();
   plot.longAnswers = false;
-  plot.others = 40;
+  plot.others = 100;
   plot.oneDeathIn = 6;
-  plot.mortal = role_ == Role::exchange || plot.whims.once(2);
+  plot.mortal = endings && (role_ == Role::exchange || plot.whims.once(2));
   plot.faceOf = [&plot](const std::shared_ptr<Peer>& peer) { return makeFace(plot, peer); };
   plot.linger = [this] { linger(); };
   auto next = std::make_unique<Attack>(plot, *this);
@@ -179,14 +183,32 @@ void Program::begin(std::int32_t seed, bool endings) {
 }
 
 void Program::steps(std::int32_t count) {
-  for (std::int32_t i = 0; i < count; ++i) attack_->step();
+  for (std::int32_t i = 0; i < count; ++i) {
+    attack_->step();
+    if (takeRequest()) attack_->answer();
+  }
+}
+
+// Whether there is one that was sent and not dealt with yet.
+bool Program::takeRequest() {
+  if (answered_ >= plots_.back()->sent.size()) return false;
+  ++answered_;
+  return true;
+}
+
+// A log-in may have met a peer of an earlier round.
+void Program::findTheWindow() {
+  ObjectRef& window = plots_.back()->caller;
+  for (auto plot = plots_.rbegin(); plot != plots_.rend() && !window; ++plot) window = (*plot)->caller;
 }
 
 void Program::answer() {
+  findTheWindow();
   attack_->answer();
 }
 
 void Program::answerLate() {
+  findTheWindow();
   attack_->answerLate();
 }
 
@@ -200,9 +222,11 @@ void Program::rest() {
 void Program::letGo() {
   if (!attack_) return;
   attack_->keepLayers(0);
-  plots_.back()->caller = nullptr;
-  plots_.back()->sent.clear();
-  plots_.back()->late.clear();
+  for (const auto& plot : plots_) {
+    plot->caller = nullptr;
+    plot->sent.clear();
+    plot->late.clear();
+  }
 }
 
 // The same one as long as it lives, or dead for a while.
@@ -233,10 +257,7 @@ void Program::byItself() {
     if (!active_) return;
     byItself();
     if (acting_) return;
-    if (answered_ < plots_.back()->sent.size()) {
-      ++answered_;
-      tries_ = 8;
-    }
+    if (takeRequest()) tries_ = 8;
     if (tries_ == 0) return;
     --tries_;
     acting_ = true;
@@ -250,14 +271,13 @@ void Program::byItself() {
 void Program::linger() {
   Whims& whims = plots_.back()->whims;
   if (whims.once(12) && plots_.back()->mortal && attack_->isWatched()) hang();
-  com::serveMessagesUntil([] { return false; }, static_cast<int>(1 + whims.below(100)));
+  com::serveMessagesUntil([] { return false; }, static_cast<int>(1 + whims.below(60)));
 }
 
 // Deaf, or serving other calls all the while.
 void Program::hang() {
   const bool deaf = plots_.back()->whims.once(2);
-  const com::Handle hangs(OpenEventW(EVENT_MODIFY_STATE, FALSE, hangingEvent(role_)));
-  SetEvent(hangs.get());
+  set(hangingEvent(role_));
   for (;;) {
     if (deaf)
       Sleep(INFINITE);
@@ -273,11 +293,12 @@ ObjectRef Program::createLayer() {
 }
 
 bool Program::tick() {
-  com::serveMessagesUntil([] { return false; }, static_cast<int>(2 + plots_.back()->whims.below(40)));
+  com::serveMessagesUntil([] { return false; }, static_cast<int>(1 + plots_.back()->whims.below(12)));
   return true;
 }
 
 void Program::die() {
+  set(diedEvent);
   TerminateProcess(GetCurrentProcess(), diedInACall);
 }
 
@@ -299,6 +320,10 @@ void Program::closeWindow() {
 // The director answers them.
 void Program::answerBoxesWith(int) {}
 
+void Program::makesAJob() {
+  set(jobEvent);
+}
+
 void Program::wrong(const std::string& what) {
   if (problem_.empty()) problem_ = text::fromUtf8(what);
 }
@@ -307,13 +332,14 @@ bool Program::isGone(std::int32_t code) {
   return pbx::isServerGone(code);
 }
 
-ObjectRef createPatiently(std::u16string_view progId) {
+ObjectRef createPatiently(std::u16string_view progId, int* triedAgain) {
   constexpr int tries = 10;
   for (int i = 1;; ++i) {
     try {
       return windows::ComObjectCreator().create(progId);
     } catch (const AutomationError& failure) {
       if (i == tries || !pbx::isServerGone(failure.code())) throw;
+      if (triedAgain != nullptr) ++*triedAgain;
       com::serveMessagesUntil([] { return false; }, 100 * i);
     }
   }

@@ -6,9 +6,11 @@
 #include <utility>
 
 #include "desk.h"
+#include "patience.h"
 #include "platform/windows/com/apartment.h"
 #include "platform/windows/services/services.h"
 #include "program.h"
+#include "text/utf8.h"
 #include "zulsim/core/exchange_server.h"
 
 namespace vordane::hostile {
@@ -18,7 +20,6 @@ using automation::AutomationError;
 using automation::byVal;
 using automation::ObjectRef;
 
-constexpr int conversationTakes = 60000;  // milliseconds at most, on a busy machine
 constexpr std::int16_t runError = 10000;
 
 constexpr std::string_view scenario = R"(
@@ -75,27 +76,33 @@ bool RightHost::waitUntil(const std::function<bool()>& done, int milliseconds) {
 }
 
 bool RightHost::take() {
-  if (!layer_) layer_ = createPatiently(u"Vordane10013.cOLELayer");
+  try {
+    if (!layer_) layer_ = createPatiently(u"Vordane10013.cOLELayer", &creationsTriedAgain_);
+  } catch (const AutomationError& failure) {
+    throw std::runtime_error("a creation by the host that behaves failed: " + std::string(failure.what()));
+  }
   return registerIt();
 }
 
-bool RightHost::registerIt() {
+automation::Value RightHost::call(std::u16string_view member, std::vector<automation::Argument> given) {
   try {
-    return !automation::toBoolean(automation::call(
-        *layer_, u"RegisterPBX", {byVal(std::u16string(u"RIGHT")), byVal(host_), byVal(std::int16_t{7})}));
+    return layer_->invoke(member, automation::CallKind::method, given);
   } catch (const AutomationError& failure) {
-    throw std::runtime_error("RegisterPBX of the host that behaves failed: " + std::string(failure.what()));
+    throw std::runtime_error(text::toUtf8(member) + " of the host that behaves failed: " + failure.what());
   }
 }
 
+bool RightHost::registerIt() {
+  return !automation::toBoolean(
+      call(u"RegisterPBX", {byVal(std::u16string(u"RIGHT")), byVal(host_), byVal(std::int16_t{7})}));
+}
+
 bool RightHost::idle() {
-  const auto answer =
-      automation::toInteger(automation::call(*layer_, u"RunSchedule", {byVal(std::u16string(u"no key"))}));
-  return answer == runError;
+  return automation::toInteger(call(u"RunSchedule", {byVal(std::u16string(u"no key"))})) == runError;
 }
 
 void RightHost::cancel() {
-  automation::call(*layer_, u"CancelSchedule");
+  call(u"CancelSchedule");
 }
 
 // The list, then the alarm state: each ends with the flow turned off.
@@ -106,7 +113,7 @@ Lines RightHost::converse() {
     if (lines_.empty()) pressButton(addInWindow(), Action::request);
     return std::count(lines_.begin(), lines_.end(), "TurnOffFlow") >= 2 && idle();
   };
-  if (!waitUntil(ends, conversationTakes))
+  if (!waitUntil(ends, patience()))
     throw std::runtime_error("the conversation does not end:" + joined(lines_));
   return takeLines();
 }

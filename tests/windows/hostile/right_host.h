@@ -1,4 +1,5 @@
-// The host that behaves: what it sees of a whole conversation with a simulated exchange of its own.
+// The host that behaves: what it sees of a whole conversation with a simulated exchange of its own. Whatever
+// fails of its calls is a std::runtime_error that names the call.
 #pragma once
 
 #include <memory>
@@ -26,6 +27,7 @@ class RightHost final : public devhost::Environment {
   // Whether nothing keeps a run from beginning. Starts none: the key is no number.
   bool idle();
   void cancel();
+  int creationsTriedAgain() const { return creationsTriedAgain_; }
   // Asks for the fault list as a person does and waits for the conversation's end; the calls it got, one line
   // each, identifiers masked. Throws std::runtime_error when the end does not come.
   Lines converse();
@@ -48,6 +50,7 @@ class RightHost final : public devhost::Environment {
 
  private:
   void told(std::string_view line);
+  automation::Value call(std::u16string_view member, std::vector<automation::Argument> given = {});
 
   const zulsim::ParsedScenario scenario_;
   zulsim::Timers timers_;
@@ -56,6 +59,7 @@ class RightHost final : public devhost::Environment {
   devhost::Trace trace_;
   std::shared_ptr<devhost::HostState> state_;
   automation::ObjectRef host_, layer_;
+  int creationsTriedAgain_ = 0;
 };
 
 }  // namespace vordane::hostile

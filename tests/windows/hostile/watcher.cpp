@@ -9,7 +9,8 @@
 namespace vordane::hostile {
 namespace {
 
-constexpr DWORD betweenLooks = 30;   // milliseconds
+constexpr DWORD betweenLooks = 50;   // milliseconds, for boxes
+constexpr int looksAtProcesses = 8;  // one in so many: all processes are much to ask the system for
 constexpr DWORD hangsAtLeast = 300;  // before it is ended: what comes meanwhile meets it
 constexpr int textId = 0xFFFF;       // of a message box's text
 constexpr int buttons[] = {IDYES, IDOK, IDNO, IDRETRY, IDCANCEL};
@@ -38,10 +39,14 @@ Watcher::~Watcher() {
 }
 
 void Watcher::run() {
-  while (WaitForSingleObject(over_.get(), betweenLooks) == WAIT_TIMEOUT) {
+  const HANDLE events[] = {over_.get(), hostHangs_.get(), exchangeHangs_.get()};
+  const wchar_t* const programs[] = {L"", L"EvilHost.exe", L"EvilExchange.exe"};
+  for (int look = 0;; ++look) {
+    const DWORD came = WaitForMultipleObjects(3, events, FALSE, betweenLooks);
+    if (came == WAIT_OBJECT_0) return;
+    if (came != WAIT_TIMEOUT) endHanging(programs[came - WAIT_OBJECT_0]);
     lookAtBoxes();
-    lookAtAddIns();
-    lookForHanging();
+    if (look % looksAtProcesses == 0) lookAtAddIns();
   }
 }
 
@@ -75,44 +80,40 @@ void Watcher::lookAtAddIns() {
   });
 }
 
-// One button after another: whatever a person might press.
-BOOL CALLBACK Watcher::eachWindow(HWND window, LPARAM self) {
-  auto& watcher = *reinterpret_cast<Watcher*>(self);
+// One of the add-in's, also of one that has not been seen yet.
+bool Watcher::isAddIns(HWND window) {
   DWORD process = 0;
-  wchar_t name[16] = L"";
   GetWindowThreadProcessId(window, &process);
-  GetClassNameW(window, name, 16);
-  if (std::wstring(name) == L"#32768" && watcher.running_.count(process) != 0)
-    PostMessageW(addInWindow(), WM_CANCELMODE, 0, 0);
-  if (std::wstring(name) != L"#32770" || watcher.running_.count(process) == 0 || !IsWindowVisible(window))
-    return TRUE;
+  if (running_.count(process) == 0) lookAtAddIns();
+  return running_.count(process) != 0;
+}
+
+// One button after another: whatever a person might press.
+void Watcher::answer(HWND box) {
   for (unsigned tried = 0; tried < std::size(buttons); ++tried) {
-    const int button = buttons[watcher.next_++ % std::size(buttons)];
-    if (GetDlgItem(window, button) == nullptr) continue;
+    const int button = buttons[next_++ % std::size(buttons)];
+    if (GetDlgItem(box, button) == nullptr) continue;
     {
-      const std::lock_guard lock(watcher.mutex_);
-      watcher.boxes_.push_back(textOf(window) + L": " + textOf(GetDlgItem(window, textId)));
+      const std::lock_guard lock(mutex_);
+      boxes_.push_back(textOf(box) + L": " + textOf(GetDlgItem(box, textId)));
     }
-    PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(button), 0);
-    break;
+    PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(button), 0);
+    return;
   }
-  return TRUE;
 }
 
 void Watcher::lookAtBoxes() {
-  EnumWindows(eachWindow, reinterpret_cast<LPARAM>(this));
+  for (HWND box = nullptr; (box = FindWindowExW(nullptr, box, L"#32770", nullptr)) != nullptr;)
+    if (IsWindowVisible(box) && isAddIns(box)) answer(box);
+  if (const HWND menu = FindWindowW(L"#32768", nullptr); menu != nullptr && isAddIns(menu))
+    PostMessageW(addInWindow(), WM_CANCELMODE, 0, 0);
 }
 
-void Watcher::lookForHanging() {
-  const std::pair<const com::Handle*, const wchar_t*> programs[] = {{&hostHangs_, L"EvilHost.exe"},
-                                                                    {&exchangeHangs_, L"EvilExchange.exe"}};
-  for (const auto& [hangs, name] : programs) {
-    if (WaitForSingleObject(hangs->get(), 0) != WAIT_OBJECT_0) continue;
-    Sleep(hangsAtLeast);
-    for (const DWORD id : test::processesOf(name)) {
-      const com::Handle process(OpenProcess(PROCESS_TERMINATE, FALSE, id));
-      if (process && TerminateProcess(process.get(), killedWhileItHung)) ++killed_;
-    }
+void Watcher::endHanging(const wchar_t* program) {
+  Sleep(hangsAtLeast);
+  for (const DWORD id : test::processesOf(program)) {
+    const com::Handle process(OpenProcess(PROCESS_TERMINATE, FALSE, id));
+    if (process && TerminateProcess(process.get(), killedWhileItHung)) ++killed_;
   }
 }
 

@@ -33,8 +33,9 @@ class Watcher {
   void run();
   void lookAtBoxes();
   void lookAtAddIns();
-  void lookForHanging();
-  static BOOL CALLBACK eachWindow(HWND window, LPARAM self);
+  bool isAddIns(HWND window);
+  void answer(HWND box);
+  void endHanging(const wchar_t* program);
 
   std::mutex mutex_;
   std::vector<std::wstring> boxes_;

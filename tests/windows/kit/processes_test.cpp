@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "child.h"
+#include "kit/windows/running_programs.h"
 #include "platform/windows/services/services.h"
 
 namespace vordane::kit {

@@ -1,11 +1,11 @@
 #include "measuring.h"
 
 #include <psapi.h>
-#include <tlhelp32.h>
 #include <winternl.h>
 
 #include <cstddef>
 
+#include "kit/windows/running_programs.h"
 #include "platform/windows/com/apartment.h"
 
 namespace vordane::test {
@@ -53,11 +53,8 @@ Holding holdingOf(HANDLE process) {
 
 std::vector<DWORD> processesOf(const std::wstring& program) {
   std::vector<DWORD> found;
-  const com::File all(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
-  PROCESSENTRY32W entry{};
-  entry.dwSize = sizeof entry;
-  for (BOOL more = Process32FirstW(all.get(), &entry); more; more = Process32NextW(all.get(), &entry))
-    if (_wcsicmp(entry.szExeFile, program.c_str()) == 0) found.push_back(entry.th32ProcessID);
+  for (const auto& [number, running] : kit::runningPrograms())
+    if (_wcsicmp(running.c_str(), program.c_str()) == 0) found.push_back(number);
   return found;
 }
 

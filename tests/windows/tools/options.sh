@@ -3,6 +3,7 @@
 # exit code, and names in every letter.
 set -u
 export LC_ALL=C.UTF-8  # the arguments below are UTF-8
+root=$(cd "$(dirname "$0")/../../.." && pwd)
 programs="$VORDANE_BUILD/programs"
 version=$1
 work="$WINEPREFIX/drive_c/work"
@@ -30,9 +31,13 @@ for row in 'devhost/devhost.exe;devhost;1;[--reports DIRECTORY] [--times] SCRIPT
   'kit/kit.exe;run-all.cmd;2;[--only PROGRAM[:TESTS]] ... [--report FOLDER] [--list | --put-back]'; do
   IFS=';' read -r program name mistaken usage <<< "$row"
   run 0 "$program" --help; silent errors; says out "usage: $name $usage"; says out "       $name --help | --version"; says out 'Exit code: 0'
+  cp out "$name.txt"
   run 0 "$program" --version; silent errors; [ "$(cat out)" = "$name $version" ] || fail "the version of $name"
   run "$mistaken" "$program" --Ошибка; silent out; says errors "$name: unknown option --Ошибка"; says errors "usage: $name $usage"
 done
+# The guide describes the options of those that technicians get.
+run 0 tools/vordane-tools.exe guide check "Z:$root/docs/guide" "Z:$root/data/language" --described-by devhost.txt \
+  --described-by Zulsim.txt; silent errors
 run 1 devhost/devhost.exe; silent out; says errors 'devhost: the script is missing'
 run 1 devhost/devhost.exe a b; silent out; says errors 'devhost: b is one argument too many'
 run 2 zulsim/Zulsim.exe a b; silent out; says errors 'Zulsim: b is one argument too many'

@@ -187,6 +187,8 @@ std::u16string FakeTexts::text(ViewText which) {
     case ViewText::clipboardHeld:
       return pick({u"Another program holds the clipboard.", u"Буфер обмена занят.", u"コピーできません。"},
                   language_);
+    case ViewText::openGuide:
+      return pick({u"&Guide", u"&Руководство", u"ガイド(&G)"}, language_);
     case ViewText::copyFault:
       return pick({u"&Copy\tCtrl+C", u"&Копировать\tCtrl+C", u"コピー(&C)\tCtrl+C"}, language_);
     case ViewText::selectedFault:

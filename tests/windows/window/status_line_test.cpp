@@ -59,6 +59,9 @@ std::vector<std::u16string> accounts(const Messages& m, const std::u16string& ti
   std::vector<std::u16string> all = lists;
   all.push_back(fillText(m.at(message::statusTextsIncomplete), {u"tForms, tControls, tMessages, tList"}));
   all.push_back(m.at(message::clipboardHeld));
+  for (const std::size_t guide : {message::statusGuideMissing, message::statusGuideNotShown})
+    all.push_back(fillText(m.at(guide), {u"C:\\QUILMAR32\\30000\\ADDINS\\HELP\\GUIDE\\request.html"}) +
+                  u"\n" + lists[1]);
   all.push_back(m.at(message::statusNetworkDrive) + u" " + lists[1]);
   for (const std::size_t attempt :
        {message::statusAttemptFailed, message::statusAckFailed, message::statusResetFailed})

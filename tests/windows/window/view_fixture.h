@@ -65,6 +65,13 @@ struct RecordedEvents : ViewEvents {
     happened();
   }
   void whatsThisChosen() override { ++whatsThis; }
+  bool offersGuide = true;
+  std::vector<std::u16string> guides;  // the parts it was asked for
+  bool guideOffered() override { return offersGuide; }
+  void guideAsked(std::u16string_view part) override {
+    guides.emplace_back(part);
+    happened();
+  }
   std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from, LookUpWay way) override {
     lookUps.emplace_back(text, from);
     lookUpWays.push_back(way);

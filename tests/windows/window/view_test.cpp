@@ -450,6 +450,40 @@ TEST_F(ViewTest, helpGoesWithTheNextKey) {
   EXPECT_EQ(FindWindowW(L"VordaneHelp", nullptr), nullptr);
 }
 
+TEST_F(ViewTest, theSystemMenuOpensTheGuideAtWhatHasTheFocus) {
+  const HMENU menu = GetSystemMenu(view->window(), FALSE);
+  wchar_t caption[64] = {};
+  GetMenuStringW(menu, guideCommand, caption, 64, MF_BYCOMMAND);
+  EXPECT_STREQ(caption, L"&Guide");
+  const auto ask = [&] { SendMessageW(view->window(), WM_SYSCOMMAND, guideCommand, 0); };
+  for (const int id : {idRequest, idGrid, idPane, idExchange, idReceived}) {
+    SetFocus(item(id));
+    ask();
+  }
+  press(idLookUp);
+  ask();
+  EXPECT_EQ(events.guides, (std::vector<std::u16string>{u"cmdRequest", u"grdDisplayFault", u"pane",
+                                                        u"drpPBXList", u"txtTimeTag", u"lookUpBar"}));
+}
+
+TEST_F(ViewTest, theGuideIsThereWhileNoInputIsTaken) {
+  SetFocus(item(idGrid));
+  view->setInputEnabled(false);
+  SendMessageW(view->window(), WM_SYSCOMMAND, guideCommand, 0);
+  EXPECT_EQ(events.guides, std::vector<std::u16string>{u"grdDisplayFault"});
+}
+
+TEST_F(ViewTest, theGuideIsGreyWhereItIsNotOffered) {
+  const HMENU menu = GetSystemMenu(view->window(), FALSE);
+  const auto greyWhen = [&](bool offered) {
+    events.offersGuide = offered;
+    SendMessageW(view->window(), WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(menu), MAKELPARAM(0, TRUE));
+    return (GetMenuState(menu, guideCommand, MF_BYCOMMAND) & MF_GRAYED) != 0;
+  };
+  EXPECT_TRUE(greyWhen(false));
+  EXPECT_FALSE(greyWhen(true));
+}
+
 TEST_F(ViewTest, theFormKnowsItsSizeForThePictures) {
   RECT client;
   GetClientRect(view->window(), &client);

@@ -1,10 +1,10 @@
 #include "platform/windows/com/errors.h"
 
-#include <array>
 #include <new>
 
 #include "platform/automation.h"
 #include "platform/database.h"
+#include "platform/run_time_errors.h"
 #include "platform/windows/com/values.h"
 #include "text/utf8.h"
 
@@ -15,24 +15,11 @@ using automation::AutomationError;
 
 // What a caller of ours may not take for its own mistake: an unknown member of the host is no unknown
 // member of ours, so the codes of failed calls become the run-time errors that hosts know.
-struct RunTimeError {
-  std::int32_t code;
-  int number;
-};
-constexpr std::array runTimeErrors{
-    RunTimeError{automation::error::unknownName, 438},
-    RunTimeError{automation::error::memberNotFound, 438},
-    RunTimeError{automation::error::typeMismatch, 13},
-    RunTimeError{automation::error::overflow, 6},
-    RunTimeError{automation::error::badParameterCount, 450},
-    RunTimeError{automation::error::parameterNotOptional, 449},
-    RunTimeError{automation::error::exception, 440},
-};
-
 std::int32_t asRunTimeError(std::int32_t code) {
-  for (const RunTimeError& known : runTimeErrors)
-    if (known.code == code) return automation::error::runTime(known.number);
-  return code;
+  constexpr int objectFailed = 440;
+  if (code == automation::error::exception) return automation::error::runTime(objectFailed);
+  const auto number = automation::refusedCallNumber(code);
+  return number ? automation::error::runTime(*number) : code;
 }
 
 // The same story for callers that ask for error information instead of an EXCEPINFO.

@@ -218,6 +218,7 @@ RegistrarAnswer registerServer(const Server& server, const registration::Request
                      u" stands for anybody; name the jobs' own account.");
     launch = launchPermission(account);
   }
+  if (request.thisUser) return registerForUser(server);
   if (writeAll(HKEY_LOCAL_MACHINE, server)) return registerForEverybody(server, request, launch);
   removeAll(HKEY_LOCAL_MACHINE, server);  // what was written before it failed
   if (!launch.empty())

@@ -16,11 +16,11 @@ struct RegistrarAnswer {
   bool forEverybody = false;  // the classes stand in the machine's part
 };
 
-// Writes per machine when it may, per user otherwise; the last one to register a class owns it in both views.
-// A registration for everybody takes away this user's own one of the same classes, whatever program it names,
-// since it would go first; those of other users that are logged on are told of. `server.path` is this
-// program's own (see services/program.h). A job account needs the machine's part: without it nothing is
-// registered.
+// Writes per machine when it may, per user otherwise or when it is asked to; the last one to register a class
+// owns it in both views. A registration for everybody takes away this user's own one of the same classes,
+// whatever program it names, since it would go first; those of other users that are logged on are told of.
+// `server.path` is this program's own (see services/program.h). A job account needs the machine's part:
+// without it nothing is registered.
 RegistrarAnswer registerServer(const registration::Server& server, const registration::Request& request = {});
 
 // Removes what carries this program's path, per machine and per user, and nothing else.

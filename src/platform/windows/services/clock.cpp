@@ -2,6 +2,7 @@
 
 #include "platform/windows/com/owned.h"
 #include "platform/windows/services/services.h"
+#include "text/numbers.h"
 
 namespace vordane::windows {
 namespace {
@@ -25,6 +26,13 @@ platform::LocalTime SystemClock::now() {
   SYSTEMTIME time;
   GetLocalTime(&time);
   return {time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute, time.wSecond};
+}
+
+std::u16string timeOfLine() {
+  SYSTEMTIME now;
+  GetLocalTime(&now);
+  return text::decimalPadded(now.wHour, 2) + u":" + text::decimalPadded(now.wMinute, 2) + u":" +
+         text::decimalPadded(now.wSecond, 2) + u"." + text::decimalPadded(now.wMilliseconds, 3);
 }
 
 double SystemClock::secondsSinceMidnight() {

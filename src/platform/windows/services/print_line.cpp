@@ -16,7 +16,8 @@ bool isConsole(HANDLE out) {
 // for such a program: its own next line stands there already, so that ours begins below it.
 HANDLE startersConsole() {
   static const com::File console = [] {
-    if (!AttachConsole(ATTACH_PARENT_PROCESS)) return com::File();
+    // It may be this program's already: not every system takes it away from a program with windows.
+    if (!AttachConsole(ATTACH_PARENT_PROCESS) && GetLastError() != ERROR_ACCESS_DENIED) return com::File();
     com::File out(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
                               nullptr, OPEN_EXISTING, 0, nullptr));
     DWORD written = 0;

@@ -29,21 +29,28 @@ std::wstring longName(const std::wstring& path) {
   return length == 0 || length >= buffer.size() ? path : std::wstring(buffer.data(), length);
 }
 
-// The numbers of the program's own version resource; zeros without one. The system's reader of other files'
+// The numbers of a module's version resource; nothing without one. The system's reader of files'
 // versions stands in a library that a program's folder could hold too, so the resource is read as it lies:
 // its length, two more numbers, its name, and at the next multiple of four the numbers.
-void readVersion(platform::Program& program) {
+std::optional<FileVersion> versionIn(HMODULE module) {
   constexpr std::size_t fixedAt = 40;
-  const HRSRC found = FindResourceW(nullptr, MAKEINTRESOURCEW(1), RT_VERSION);
-  if (found == nullptr || SizeofResource(nullptr, found) < fixedAt + sizeof(VS_FIXEDFILEINFO)) return;
-  const auto* bytes = static_cast<const BYTE*>(LockResource(LoadResource(nullptr, found)));
-  if (bytes == nullptr) return;
+  const HRSRC found = FindResourceW(module, MAKEINTRESOURCEW(1), RT_VERSION);
+  if (found == nullptr || SizeofResource(module, found) < fixedAt + sizeof(VS_FIXEDFILEINFO)) return {};
+  const auto* bytes = static_cast<const BYTE*>(LockResource(LoadResource(module, found)));
+  if (bytes == nullptr) return {};
   VS_FIXEDFILEINFO fixed{};
   std::memcpy(&fixed, bytes + fixedAt, sizeof fixed);
-  if (fixed.dwSignature != VS_FFI_SIGNATURE) return;
-  program.major = HIWORD(fixed.dwFileVersionMS);
-  program.minor = LOWORD(fixed.dwFileVersionMS);
-  program.revision = HIWORD(fixed.dwFileVersionLS);
+  if (fixed.dwSignature != VS_FFI_SIGNATURE) return {};
+  return FileVersion{HIWORD(fixed.dwFileVersionMS), LOWORD(fixed.dwFileVersionMS),
+                     HIWORD(fixed.dwFileVersionLS)};
+}
+
+void readVersion(platform::Program& program) {
+  const auto version = versionIn(nullptr);
+  if (!version) return;
+  program.major = version->major;
+  program.minor = version->minor;
+  program.revision = version->revision;
 }
 
 }  // namespace
@@ -53,6 +60,15 @@ void loadFromSystemOnly() {
   const HMODULE kernel = GetModuleHandleW(L"kernel32.dll");
   const FARPROC found = GetProcAddress(kernel, "SetDefaultDllDirectories");
   if (found != nullptr) reinterpret_cast<Set>(reinterpret_cast<void*>(found))(LOAD_LIBRARY_SEARCH_SYSTEM32);
+}
+
+std::optional<FileVersion> versionOfFile(std::u16string_view program) {
+  const std::wstring path(program.begin(), program.end());
+  const HMODULE module = LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+  if (module == nullptr) return {};
+  const auto version = versionIn(module);
+  FreeLibrary(module);
+  return version;
 }
 
 std::u16string executablePath() {
@@ -91,12 +107,17 @@ bool stationIsVisible() {
   return (flags.dwFlags & WSF_VISIBLE) != 0;
 }
 
-bool openDocument(std::u16string_view path) {
+bool SystemDocuments::open(std::u16string_view path) {
   const std::wstring name(path.begin(), path.end());
-  if (GetFileAttributesW(name.c_str()) == INVALID_FILE_ATTRIBUTES) return false;
+  const DWORD attributes = GetFileAttributesW(name.c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return false;
+  return shell_(name);
+}
+
+bool SystemDocuments::openWithDesktop(const std::wstring& path) {
   constexpr INT_PTR firstSuccess = 33;  // up to 32 the answer is an error code
   return reinterpret_cast<INT_PTR>(
-             ShellExecuteW(nullptr, L"open", name.c_str(), nullptr, nullptr, SW_SHOWNORMAL)) >= firstSuccess;
+             ShellExecuteW(nullptr, L"open", path.c_str(), nullptr, nullptr, SW_SHOWNORMAL)) >= firstSuccess;
 }
 
 }  // namespace vordane::windows

@@ -12,7 +12,7 @@ using registration::Server;
 constexpr int wrongUsage = 2;
 
 int usage() {
-  printLine(u"usage: /RegServer [/JobAccount:NAME] or /UnregServer");
+  printLine(u"usage: /RegServer [/JobAccount:NAME | /ThisUser] or /UnregServer");
   return wrongUsage;
 }
 

@@ -7,6 +7,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/command_line.h"
@@ -77,6 +78,16 @@ void loadFromSystemOnly();
 platform::Program thisProgram();
 std::u16string executablePath();
 
+// What the version resource of a program says; nothing when there is no such program, or it says nothing.
+// Nothing of the program is run.
+struct FileVersion {
+  int major, minor, revision;
+};
+std::optional<FileVersion> versionOfFile(std::u16string_view program);
+
+// "HH:MM:SS.mmm", now: the beginning of a line that tells what happened.
+std::u16string timeOfLine();
+
 // The words of the command line behind the program's name, as UTF-8. What main receives has been forced into
 // the system's code page; the command line has not.
 std::vector<std::string> programWords();
@@ -106,7 +117,18 @@ bool isOnNetworkDrive(std::u16string_view path);
 // True when another program has opened a file exclusively, or keeps its beginning locked.
 bool isHeldByOthers(std::u16string_view path);
 
-// Opens a document with what the workstation has for it; false when there is nothing.
-bool openDocument(std::u16string_view path);
+// What the desktop opens a file of that type with.
+class SystemDocuments : public platform::Documents {
+ public:
+  // Hands a file to the desktop: true when a program took it.
+  using Shell = std::function<bool(const std::wstring& path)>;
+  explicit SystemDocuments(Shell shell = openWithDesktop) : shell_(std::move(shell)) {}
+  bool open(std::u16string_view path) override;
+
+ private:
+  static bool openWithDesktop(const std::wstring& path);
+
+  Shell shell_;
+};
 
 }  // namespace vordane::windows

@@ -41,6 +41,12 @@ enum Id : int {
   idCopy,
 };
 
+// The guide's entry of the system menu: the system keeps the four lowest bits and what is above 0xF000.
+inline constexpr UINT guideCommand = 0x0010;
+constexpr bool isGuideCommand(WPARAM command) {
+  return (command & 0xFFF0U) == guideCommand;
+}
+
 struct Child {
   Id id;
   std::u16string_view control;  // of the form

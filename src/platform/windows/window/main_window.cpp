@@ -129,6 +129,7 @@ void MainWindow::attach(Form& form, ViewEvents& events) {
   palette_ = currentPalette();
   createChildren();
   createGridAndPane();
+  createMenuEntry();
   applyWhole();
   readSettings();
   wantRestyle();  // once, after all that the load changes
@@ -194,6 +195,13 @@ void MainWindow::createGridAndPane() {
   if (Control* grid = control(gridName)) ids_[grid] = idGrid;
   pane_.create(window_, idPane);
   status_.create(window_, idStatus, idAccount);
+}
+
+// Below the entries of the frame, which the system words in its own language.
+void MainWindow::createMenuEntry() {
+  const HMENU menu = GetSystemMenu(window_, FALSE);
+  AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+  AppendMenuW(menu, MF_STRING, guideCommand, wide(texts_.text(ViewText::openGuide)));
 }
 
 RECT MainWindow::placeFromSettings() const {

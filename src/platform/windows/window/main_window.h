@@ -58,6 +58,7 @@ class MainWindow final : public Win32View {
   // Creation.
   void createChildren();
   void createGridAndPane();
+  void createMenuEntry();
   void readSettings();
   void writeSettings();
   RECT placeFromSettings() const;
@@ -120,6 +121,7 @@ class MainWindow final : public Win32View {
   void densityChanged(int dpi, const RECT& place);
   void keepFocus();
   void giveFocusBack();
+  std::u16string focusedPart() const;
 
   // Looking up.
   void openLookUp();

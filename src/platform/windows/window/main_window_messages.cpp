@@ -99,6 +99,15 @@ LRESULT MainWindow::handleInput(UINT message, WPARAM wide, LPARAM low) {
       const int focused = GetDlgCtrlID(GetFocus());
       return focused >= idRequest && focused <= idClose ? MAKELRESULT(focused, DC_HASDEFID) : 0;
     }
+    case WM_SYSCOMMAND:
+      if (!isGuideCommand(wide)) return DefWindowProcW(window_, message, wide, low);
+      if (events_ != nullptr) events_->guideAsked(focusedPart());
+      return 0;
+    case WM_INITMENUPOPUP:
+      if (HIWORD(low) != FALSE && events_ != nullptr)
+        EnableMenuItem(reinterpret_cast<HMENU>(wide), guideCommand,
+                       events_->guideOffered() ? MF_ENABLED : MF_GRAYED);
+      return DefWindowProcW(window_, message, wide, low);
     case WM_CONTEXTMENU:
       contextMenu(reinterpret_cast<HWND>(wide), point);
       return 0;
@@ -263,6 +272,20 @@ void MainWindow::giveFocusBack() {
   const HWND first = IsWindowEnabled(item(idRequest)) ? item(idRequest) : grid_.window();
   const bool usable = lastFocus_ != nullptr && IsWindowEnabled(lastFocus_) && IsWindowVisible(lastFocus_);
   SetFocus(usable ? lastFocus_ : first);
+}
+
+// Of what the form and its drawing consist of; while the window is minimised or takes no input nothing has
+// the focus, and what had it last counts.
+std::u16string MainWindow::focusedPart() const {
+  const HWND now = GetFocus();
+  const HWND focused = now != nullptr && now != window_ && IsChild(window_, now) ? now : lastFocus_;
+  if (focused == nullptr || !IsWindow(focused)) return {};
+  const int id = GetDlgCtrlID(focused);
+  if (id >= idLookUpLabel && id <= idLookUpMessage) return std::u16string(lookUpBarPart);
+  if (id == idPane) return std::u16string(panePart);
+  for (const auto& [shown, childId] : ids_)
+    if (childId == id) return shown->name();
+  return {};
 }
 
 void MainWindow::openLookUp() {

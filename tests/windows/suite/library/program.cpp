@@ -1,11 +1,10 @@
 #include "library/program.h"
 
-#include <tlhelp32.h>
-
 #include <cwchar>
 
 #include <algorithm>
 
+#include "kit/windows/running_programs.h"
 #include "library/text_files.h"
 #include "library/waiting.h"
 
@@ -63,40 +62,12 @@ std::wstring unseenDesktop() {
   return made;
 }
 
-std::wstring fileOf(DWORD processId) {
-  const com::Handle process(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, processId));
-  std::wstring path(4096, L'\0');
-  DWORD length = static_cast<DWORD>(path.size());
-  if (!process || !QueryFullProcessImageNameW(process.get(), 0, path.data(), &length)) return {};
-  path.resize(length);
-  return path;
-}
-
-bool liesBelow(const std::wstring& file, const Path& folder) {
-  const std::wstring beginning = folder.wstring() + L"\\";
-  return _wcsnicmp(file.c_str(), beginning.c_str(), beginning.size()) == 0;
-}
-
 bool isOurs(const std::wstring& file) {
-  return liesBelow(file, layout().root) || liesBelow(file, layout().exchange) ||
-         liesBelow(file, layout().elsewhere);
+  return kit::liesBelow(file, layout().root) || kit::liesBelow(file, layout().exchange) ||
+         kit::liesBelow(file, layout().elsewhere);
 }
 
 constexpr DWORD endsWhenAsked = 10000;
-
-// Its message loop ends, and it withdraws its classes; of a server that is killed the system may go on to
-// believe that it serves.
-void askToEnd(DWORD processId) {
-  const com::File all(CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
-  THREADENTRY32 entry{};
-  entry.dwSize = sizeof entry;
-  for (BOOL more = Thread32First(all.get(), &entry); more; more = Thread32Next(all.get(), &entry))
-    if (entry.th32OwnerProcessID == processId) PostThreadMessageW(entry.th32ThreadID, WM_QUIT, 0, 0);
-}
-
-com::Handle openEnding(DWORD processId) {
-  return com::Handle(OpenProcess(SYNCHRONIZE | PROCESS_TERMINATE, FALSE, processId));
-}
 
 }  // namespace
 
@@ -153,34 +124,24 @@ Ended run(const Path& file, const Program::Arguments& arguments, const Path& fol
 }
 
 bool isSuiteProgram(DWORD processId) {
-  return isOurs(fileOf(processId));
+  return isOurs(kit::fileOf(processId));
 }
 
 std::vector<DWORD> suitePrograms(const std::wstring& name) {
   std::vector<DWORD> found;
-  const com::File all(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
-  PROCESSENTRY32W entry{};
-  entry.dwSize = sizeof entry;
-  for (BOOL more = Process32FirstW(all.get(), &entry); more; more = Process32NextW(all.get(), &entry))
-    if ((name.empty() || _wcsicmp(entry.szExeFile, name.c_str()) == 0) && isSuiteProgram(entry.th32ProcessID))
-      found.push_back(entry.th32ProcessID);
+  for (const auto& [number, running] : kit::runningPrograms())
+    if ((name.empty() || _wcsicmp(running.c_str(), name.c_str()) == 0) && isSuiteProgram(number))
+      found.push_back(number);
   return found;
 }
 
 void endSuitePrograms(const std::wstring& name) {
-  for (const DWORD number : suitePrograms(name)) {
-    const com::Handle process = openEnding(number);
-    if (!process) continue;
-    askToEnd(number);
-    if (WaitForSingleObject(process.get(), endsWhenAsked) == WAIT_OBJECT_0) continue;
-    TerminateProcess(process.get(), 1);
-    WaitForSingleObject(process.get(), patience());
-  }
+  for (const DWORD number : suitePrograms(name)) kit::endProgram(number, endsWhenAsked, patience());
 }
 
 void awaitGone(const std::wstring& name) {
   for (const DWORD number : suitePrograms(name)) {
-    const com::Handle process = openEnding(number);
+    const com::Handle process(OpenProcess(SYNCHRONIZE, FALSE, number));
     if (process && WaitForSingleObject(process.get(), patience()) != WAIT_OBJECT_0)
       throw Failure(utf8(name) + " still runs");
   }

@@ -61,6 +61,8 @@ class PrintingEvents : public ViewEvents {
                         u"The lamp shows the stored major alarm of the exchange chosen in the list. "
                         u"Request the list to bring it up to date.");
   }
+  bool guideOffered() override { return true; }
+  void guideAsked(std::u16string_view part) override { say("guide " + text::toUtf8(part)); }
   std::optional<std::size_t> lookUp(std::u16string_view wanted, std::ptrdiff_t after,
                                     LookUpWay way) override {
     say("look up " + text::toUtf8(wanted) + " from " + std::to_string(after));

@@ -1,0 +1,118 @@
+#include <fstream>
+
+#include "setup.h"
+#include "setup_stage.h"
+#include "text/text.h"
+#include "text/utf8.h"
+
+namespace vordane::tools {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* addin = "ADDINS/VORDANE.EXE";
+constexpr const char* simulator = "SIM/Zulsim.exe";
+constexpr const char* journalEndings[] = {"-wal", "-shm", "-journal"};
+
+// What a set without its record consists of: the add-in itself, and what every set has.
+SetupRecord usualRecord(const SuiteLayout& layout) {
+  SetupRecord record;
+  record.situation = suiteStands(layout) ? Situation::suite : Situation::alone;
+  for (const char* place :
+       {addin, "ADDINS/devhost.exe", "ADDINS/vordane-tools.exe", "ADDINS/HELP/VORDANE.TXT",
+        "ADDINS/REPORT/FAULT.RPT", recordPlace, "ADDINS/SETUP/remove.exe"})
+    record.files.emplace_back(place);
+  for (const char* place : {"ADDINS/DATABASE/FAULT.MDB", "ADDINS/DATABASE/VORDANE.LNG"})
+    record.made.emplace_back(place);
+  return record;
+}
+
+// With the journals that an engine has left beside a database.
+void dropWork(Stage& stage, const fs::path& place) {
+  stage.drop(place);
+  for (const char* ending : journalEndings) {
+    fs::path journal = place;
+    journal += ending;
+    stage.drop(journal);
+  }
+}
+
+// The logs of unattended runs, which stand beside the suite's databases. In a suite they are those of every
+// add-in.
+void dropLogs(Stage& stage, const SuiteLayout& layout) {
+  std::error_code failure;
+  for (const fs::directory_entry& entry : fs::directory_iterator(layout.sharedDatabases(), failure))
+    if (text::equalIgnoringCase(toText(entry.path().extension()), u".tlg"))
+      stage.drop(entry.path().lexically_relative(layout.root));
+}
+
+// Only empty ones go, and only those that the installation made.
+void removeFolders(const SuiteLayout& layout, const SetupRecord& record) {
+  std::error_code ignored;
+  for (auto place = record.folders.rbegin(); place != record.folders.rend(); ++place)
+    fs::remove(layout.root / *place, ignored);
+  if (record.situation == Situation::suite) return;
+  if (fs::remove(layout.root, ignored)) fs::remove(layout.root.parent_path(), ignored);
+}
+
+void dropEverything(Stage& stage, const SuiteLayout& layout, const SetupRecord& record) {
+  for (const fs::path& place : record.made) dropWork(stage, place);
+  for (const char* place : {"ADDINS/DATABASE/VORDANE.LNG.damaged", "ADDINS/DATABASE/VORDANE.LNG.access"})
+    stage.drop(place);
+  if (record.situation == Situation::alone) dropLogs(stage, layout);
+}
+
+// A later installation goes on from it, and a later removal of everything.
+void keepRecord(Stage& stage, SetupRecord record) {
+  record.files = {recordPlace};
+  record.removed = true;
+  std::ofstream out(stage.fresh(recordPlace), std::ios::binary);
+  out << recordText(record);
+}
+
+void removeSettings(const SuiteLayout& layout, const SetupRecord& record, SetupSystem& system) {
+  system.removeOwnSettings();
+  if (record.situation == Situation::suite) return;
+  for (const char16_t* key : {u"InstallPath", u"QUILMAR32", u"ZUL"})
+    system.set(toText(layout.root.filename()), key, std::nullopt);
+}
+
+}  // namespace
+
+void uninstall(const RemovalRequest& request, SetupSystem& system, const Tell& tell) try {
+  const SuiteLayout layout{request.root};
+  if (putBack(request.root)) tell("an installation that was broken off has been put back");
+  const auto found = readRecord(layout);
+  if (!fs::exists(layout.program()) && !(request.everything && found))
+    throw SetupFailure(Outcome::nothingThere, pathText(request.root) + ": the add-in is not installed there");
+  const SetupRecord record = found ? *found : usualRecord(layout);
+  waitUntilFree(usedFiles(layout), request.wait, system, tell);
+
+  Stage stage(layout.root);
+  for (const fs::path& place : record.files) stage.drop(place);
+  if (request.everything)
+    dropEverything(stage, layout, record);
+  else
+    keepRecord(stage, record);
+  stage.prepare();
+  // By the programs themselves, so before they go.
+  for (const char* program : {addin, simulator})
+    if (fs::exists(layout.root / program)) system.unregisterProgram(layout.root / program);
+  try {
+    stage.swap();
+    stage.keep();
+  } catch (...) {
+    putBack(layout.root);
+    for (const char* program : {simulator, addin})
+      if (fs::exists(layout.root / program)) system.registerProgram(layout.root / program, record.everybody);
+    throw;
+  }
+  if (request.everything) removeSettings(layout, record, system);
+  removeFolders(layout, record);
+  tell("removed from " + pathText(layout.root) +
+       (request.everything ? std::string() : ": stored faults, logs, jobs and settings stay"));
+} catch (const fs::filesystem_error& failure) {
+  failAt(failure.path1(), failure.code());
+}
+
+}  // namespace vordane::tools

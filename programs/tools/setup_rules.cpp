@@ -1,0 +1,63 @@
+#include "setup_rules.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+#include "platform/engine_choice.h"
+
+namespace vordane::tools {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::array<const char*, 3> suiteDatabases{"Common.LNG", "Register.mdb", "Schedule.mdb"};
+
+std::vector<fs::path> databasesOf(const SuiteLayout& layout) {
+  std::vector<fs::path> files{layout.ownDatabases() / "FAULT.MDB", layout.ownDatabases() / "VORDANE.LNG"};
+  for (const char* name : suiteDatabases) files.push_back(layout.sharedDatabases() / name);
+  return files;
+}
+
+}  // namespace
+
+std::string_view nameOf(Words words) {
+  return words == Words::x64 ? "x64" : "x86";
+}
+
+std::optional<Words> wordsNamed(std::string_view name) {
+  for (const Words words : {Words::x64, Words::x86})
+    if (nameOf(words) == name) return words;
+  return std::nullopt;
+}
+
+std::string_view nameOf(Situation situation) {
+  return situation == Situation::suite ? "suite" : "alone";
+}
+
+bool suiteStands(const SuiteLayout& layout) {
+  return std::any_of(suiteDatabases.begin(), suiteDatabases.end(),
+                     [&](const char* name) { return fs::exists(layout.sharedDatabases() / name); });
+}
+
+Words wordsFor(const SuiteLayout& layout, Words system) {
+  for (const fs::path& file : databasesOf(layout))
+    if (database::fileKind(toText(file)) == database::FileKind::access) return Words::x86;
+  return system;
+}
+
+std::optional<Version> versionOf(std::string_view text) {
+  Version version;
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  for (int* const part : {&version.major, &version.minor, &version.revision}) {
+    const auto [rest, failure] = std::from_chars(at, end, *part);
+    if (failure != std::errc{} || *part < 0) return std::nullopt;
+    const bool last = part == &version.revision;
+    if (last ? rest != end : rest == end || *rest != '.') return std::nullopt;
+    at = last ? rest : rest + 1;
+  }
+  return version;
+}
+
+}  // namespace vordane::tools

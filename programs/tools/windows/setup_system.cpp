@@ -1,0 +1,130 @@
+#include "setup_system.h"
+
+#include <windows.h>
+
+#include <aclapi.h>
+
+#include "platform/file_moves.h"
+#include "platform/windows/com/accounts.h"
+#include "platform/windows/com/owned.h"
+#include "platform/windows/services/services.h"
+
+namespace vordane::tools {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr DWORD longestRegistration = 60000;
+constexpr std::u16string_view suite = u"QUILMAR32";
+constexpr const wchar_t* allSettings = L"Software\\VB and VBA Program Settings\\";
+
+std::wstring wide(std::u16string_view text) {
+  return {text.begin(), text.end()};
+}
+
+// Runs a program to its end, its output where ours goes. False unless it ends with 0 in time.
+bool run(const fs::path& program, const wchar_t* switches) {
+  std::wstring command = L"\"" + program.wstring() + L"\" " + switches;
+  STARTUPINFOW start{};
+  start.cb = sizeof start;
+  start.dwFlags = STARTF_USESTDHANDLES;
+  start.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
+  start.hStdOutput = GetStdHandle(STD_OUTPUT_HANDLE);
+  start.hStdError = GetStdHandle(STD_ERROR_HANDLE);
+  PROCESS_INFORMATION started{};
+  if (!CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start,
+                      &started))
+    return false;
+  const com::Handle process(started.hProcess), thread(started.hThread);
+  if (WaitForSingleObject(process.get(), longestRegistration) != WAIT_OBJECT_0) {
+    TerminateProcess(process.get(), 1);  // it registers, and nothing else: nobody's work is lost
+    return false;
+  }
+  DWORD code = 1;
+  return GetExitCodeProcess(process.get(), &code) && code == 0;
+}
+
+class WindowsSetup : public SetupSystem {
+ public:
+  Words words() override {
+    SYSTEM_INFO info{};
+    GetNativeSystemInfo(&info);
+    return info.wProcessorArchitecture == PROCESSOR_ARCHITECTURE_INTEL ? Words::x86 : Words::x64;
+  }
+  std::unique_ptr<database::Engine> engine() override { return examiningEngine(); }
+  // Nobody can have a file for himself that another has opened or runs.
+  bool inUse(const fs::path& file) override {
+    const com::File alone(CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr));
+    return !alone && GetLastError() == ERROR_SHARING_VIOLATION;
+  }
+  std::optional<Version> versionOf(const fs::path& program) override {
+    const auto found = windows::versionOfFile(toText(program));
+    if (!found) return std::nullopt;
+    return Version{found->major, found->minor, found->revision};
+  }
+  bool registerProgram(const fs::path& program, bool everybody) override {
+    return run(program, everybody ? L"/RegServer" : L"/RegServer /ThisUser");
+  }
+  bool unregisterProgram(const fs::path& program) override { return run(program, L"/UnregServer"); }
+  std::optional<std::u16string> setting(std::u16string_view version, std::u16string_view key) override {
+    return windows::RegistrySettings().read(suite, version, key);
+  }
+  void set(std::u16string_view version, std::u16string_view name,
+           const std::optional<std::u16string>& value) override {
+    if (value) return windows::RegistrySettings().write(suite, version, name, *value);
+    const std::wstring place = allSettings + wide(suite) + L"\\" + wide(version);
+    RegDeleteKeyValueW(HKEY_CURRENT_USER, place.c_str(), wide(name).c_str());
+    for (const std::wstring& key : {place, allSettings + wide(suite)})
+      if (isEmpty(key)) RegDeleteKeyW(HKEY_CURRENT_USER, key.c_str());
+  }
+  void removeOwnSettings() override {
+    RegDeleteTreeW(HKEY_CURRENT_USER, (std::wstring(allSettings) + L"VORDANE").c_str());
+  }
+  void letUsersWrite(const fs::path& folder) override;
+  std::vector<Finding> examine(const SuiteLayout& layout) override {
+    std::vector<Finding> findings = examineFiles(layout, *engine());
+    for (Finding& finding : examineWorkstation(layout, *thisWorkstation()))
+      findings.push_back(std::move(finding));
+    return findings;
+  }
+  void pause(std::chrono::milliseconds time) override { platform::sleepFor(time); }
+
+ private:
+  static bool isEmpty(const std::wstring& place) {
+    com::RegistryKey key;
+    DWORD keys = 1, values = 1;
+    return RegOpenKeyExW(HKEY_CURRENT_USER, place.c_str(), 0, KEY_READ, key.put()) == ERROR_SUCCESS &&
+           RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values, nullptr,
+                            nullptr, nullptr, nullptr) == ERROR_SUCCESS &&
+           keys == 0 && values == 0;
+  }
+};
+
+void WindowsSetup::letUsersWrite(const fs::path& folder) {
+  com::Sid users = com::accountOf(L"S-1-5-32-545");
+  if (users.empty()) return;
+  std::wstring name = folder.wstring();
+  PACL before = nullptr;
+  com::LocalMemory descriptor;
+  if (GetNamedSecurityInfoW(name.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &before,
+                            nullptr, descriptor.put()) != ERROR_SUCCESS)
+    return;
+  EXPLICIT_ACCESSW access{};
+  access.grfAccessPermissions = FILE_GENERIC_READ | FILE_GENERIC_WRITE | FILE_GENERIC_EXECUTE | DELETE;
+  access.grfAccessMode = GRANT_ACCESS;
+  access.grfInheritance = SUB_CONTAINERS_AND_OBJECTS_INHERIT;
+  BuildTrusteeWithSidW(&access.Trustee, users.data());
+  com::LocalMemory list;
+  if (SetEntriesInAclW(1, &access, before, reinterpret_cast<PACL*>(list.put())) != ERROR_SUCCESS) return;
+  SetNamedSecurityInfoW(name.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr,
+                        static_cast<PACL>(list.get()), nullptr);
+}
+
+}  // namespace
+
+std::unique_ptr<SetupSystem> setupSystem() {
+  return std::make_unique<WindowsSetup>();
+}
+
+}  // namespace vordane::tools

@@ -1,0 +1,359 @@
+#include "platform/sqlite/event_index.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include "platform/sqlite/errors.h"
+#include "platform/sqlite/text_rules.h"
+#include "text/utf8.h"
+
+namespace vordane::sqlite {
+namespace {
+
+constexpr int version = 2;
+// Where a row without a number for an owner stands: no statement can ask for it.
+constexpr std::int64_t noOwner = -4294967296;
+
+struct OwnObject {
+  const char* type;
+  const char* name;
+  const char* sql;  // as the file's schema keeps it
+};
+
+// Plain SQL only: another tool must be able to fire the triggers and to check every table. {table} is the
+// described name of the table, as it stands.
+constexpr OwnObject ownObjects[] = {
+    {"table", "VordaneFaultIndex",
+     "CREATE TABLE VordaneFaultIndex (ID INTEGER NOT NULL, Moment BLOB NOT NULL, Hash INTEGER NOT NULL, "
+     "Count INTEGER NOT NULL, Kind BLOB NOT NULL, PRIMARY KEY (ID, Moment, Hash, Count)) WITHOUT ROWID"},
+    {"table", "VordaneIndexState",
+     "CREATE TABLE VordaneIndexState (Version INTEGER NOT NULL, Stale INTEGER NOT NULL, NewestMoment BLOB, "
+     "NewestCount INTEGER, LastCount INTEGER)"},
+    {"trigger", "VordaneFaultInserted",
+     "CREATE TRIGGER VordaneFaultInserted AFTER INSERT ON {table} BEGIN "
+     "UPDATE VordaneIndexState SET Stale = 1 WHERE Stale = 0; END"},
+    {"trigger", "VordaneFaultUpdated",
+     "CREATE TRIGGER VordaneFaultUpdated AFTER UPDATE ON {table} BEGIN "
+     "UPDATE VordaneIndexState SET Stale = 1 WHERE Stale = 0; END"},
+    {"trigger", "VordaneFaultDeleted",
+     "CREATE TRIGGER VordaneFaultDeleted AFTER DELETE ON {table} BEGIN "
+     "UPDATE VordaneIndexState SET Stale = 1 WHERE Stale = 0; END"},
+};
+
+std::string sqlOf(const OwnObject& own, const database::EventTable& events) {
+  constexpr std::string_view mark = "{table}";
+  std::string sql = own.sql;
+  const auto at = sql.find(mark);
+  return at == sql.npos ? sql : sql.replace(at, mark.size(), text::toUtf8(events.table));
+}
+
+// An event's row of the index, from the table itself; the first four columns are its key.
+std::string keyOfEvent() {
+  return "iif(typeof({owner}) = 'integer', {owner}, -4294967296), vordane_moment({moment}), "
+         "vordane_hash({kind0}, "
+         "{kind1}, {kind2}, {moment}, {description}), {key}";
+}
+
+std::string addEvents() {
+  return "INSERT INTO VordaneFaultIndex(ID, Moment, Hash, Count, Kind) SELECT " + keyOfEvent() +
+         ", vordane_kind({kind0}, {kind1}, {kind2}) FROM {table}";
+}
+
+}  // namespace
+
+EventIndex::EventIndex(Connection& connection) : connection_(connection), byDescription_(connection) {
+  registerEventFunctions(connection);
+  registerCollect(connection, collecting_);
+  findTable();
+}
+
+// Other declarations make other values of what is stored, and other rows of what a statement asks for: only
+// the table itself can answer then.
+void EventIndex::findTable() {
+  table_ = nullptr;
+  const database::EventTable* described = connection_.eventTable();
+  Table* table = described != nullptr ? connection_.findTable(described->table) : nullptr;
+  if (table == nullptr) return;
+  table->events = findEvents(*table, *described);
+  if (table->events) table_ = table;
+}
+
+// What others may have done to the tables since.
+void EventIndex::follow() {
+  connection_.followTables();
+  if (tablesChanged_ != connection_.tablesChanged()) {
+    tablesChanged_ = connection_.tablesChanged();
+    byTime_.forget();
+    findTable();
+  }
+  if (std::exchange(seenChanges_, connection_.seenChanges()) != seenChanges_) present_.reset();
+}
+
+// A statement that is prepared when it is first used.
+Statement& EventIndex::prepared(Statement& statement, std::string_view sql) {
+  if (!statement) statement = Statement(connection_, eventSql(*table_, sql));
+  return statement;
+}
+
+// The index as this version makes it, and nothing else under its names.
+bool EventIndex::isPresent() {
+  Statement objects(connection_,
+                    "SELECT count(*), sum(type = ?1 AND name = ?2 AND sql = ?3) FROM sqlite_schema WHERE "
+                    "lower(name) = lower(?2)");
+  return std::all_of(std::begin(ownObjects), std::end(ownObjects), [&](const OwnObject& own) {
+    const std::u16string type = text::fromUtf8(own.type), name = text::fromUtf8(own.name),
+                         sql = text::fromUtf8(sqlOf(own, *connection_.eventTable()));
+    objects.bindText(1, type);
+    objects.bindText(2, name);
+    objects.bindText(3, sql);
+    const Running running(objects);
+    return objects.step() && objects.integer(0) == 1 && objects.integer(1) == 1;
+  });
+}
+
+// True when the state says that the index is good.
+bool EventIndex::readState() {
+  if (!present_) present_ = isPresent();
+  if (!*present_) return false;
+  const bool pending = connection_.inTransaction() && touched_;
+  Statement& state =
+      prepared(state_,
+               "SELECT Version, Stale, NewestMoment, NewestCount, LastCount IS (SELECT seq FROM "
+               "sqlite_sequence WHERE name = ?1) FROM VordaneIndexState");
+  const Running running(state);
+  state.bindText(1, table_->name);
+  if (!state.step()) return false;
+  const bool good =
+      state.integer(0) == version && state.integer(1) == 0 && (pending || state.integer(4) != 0);
+  if (pending && newestChanged_) return good;
+  newest_ = {!state.isNull(3), std::string(state.blob(2)), {}};
+  if (!state.isNull(2)) newest_.key = state.integer(3);
+  newestChanged_ = false;
+  return good;
+}
+
+bool EventIndex::usable() {
+  if (connection_.inTransaction() && checked_) return true;
+  connection_.beforeRead();
+  follow();
+  if (!table_) return false;
+  bool good = readState();
+  if (!good && !connection_.readOnly()) {
+    repair();
+    good = true;
+  }
+  checked_ = good && connection_.inTransaction();
+  return good;
+}
+
+void EventIndex::repair() {
+  WriteScope write(connection_);
+  present_ = isPresent();  // another process may have been quicker
+  if (!*present_) create();
+  if (!readState()) rebuild();
+  write.done();
+}
+
+void EventIndex::create() {
+  madeAnew_ = true;
+  removeOwn();
+  for (const OwnObject& own : ownObjects)
+    connection_.runMaintenance(sqlOf(own, *connection_.eventTable()).c_str());
+  connection_.runMaintenance("INSERT INTO VordaneIndexState(Version, Stale) VALUES (2, 1)");
+  present_ = true;
+}
+
+// What an earlier version or somebody else has left under the names of the index.
+void EventIndex::removeOwn() {
+  std::string removals;
+  {
+    Statement left(connection_, "SELECT type, name FROM sqlite_schema WHERE lower(name) = lower(?)");
+    for (const OwnObject& own : ownObjects) {
+      const std::u16string name = text::fromUtf8(own.name);
+      left.bindText(1, name);
+      const Running running(left);
+      while (left.step())
+        removals += "DROP " + text::toUtf8(left.text(0)) + " IF EXISTS " + quote(left.text(1)) + ";";
+    }
+  }
+  connection_.runMaintenance(removals.c_str());
+}
+
+void EventIndex::rebuild() {
+  madeAnew_ = touched_ = true;
+  connection_.run("DELETE FROM VordaneFaultIndex");
+  connection_.run(eventSql(*table_, addEvents() + " ORDER BY 1, 2, 3, 4").c_str());
+  connection_.run("UPDATE VordaneIndexState SET Version = 2, Stale = 0");
+  forgetRead();
+}
+
+void EventIndex::transactionBegan() noexcept {
+  checked_ = madeAnew_ = touched_ = newestChanged_ = false;
+}
+
+// What was read of the index holds no longer.
+void EventIndex::forgetRead() noexcept {
+  byTime_.forget();
+  newest_.known = false;
+  newestChanged_ = true;
+}
+
+void EventIndex::undone() noexcept {
+  forgetRead();
+  if (connection_.inTransaction() && !madeAnew_) return;
+  // The index itself may be among what was taken back.
+  checked_ = false;
+  present_.reset();
+}
+
+std::vector<std::int64_t> EventIndex::findSame(std::int64_t owner, const EventTexts& texts) {
+  // The cross join fixes which table is read first; the row itself decides, the hash only finds it.
+  Statement& rows =
+      prepared(same_,
+               "SELECT x.Count FROM VordaneFaultIndex AS x CROSS JOIN {table} AS f ON f.{key} = x.Count "
+               "WHERE x.ID = ?1 AND x.Moment = ?2 AND x.Hash = ?3 AND f.{kind0} = ?4 COLLATE vordane_text "
+               "AND f.{kind1} = ?5 COLLATE vordane_text AND f.{kind2} = ?6 COLLATE vordane_text "
+               "AND f.{moment} = ?7 COLLATE vordane_text AND f.{description} = ?8 COLLATE vordane_text "
+               "AND f.{owner} = ?1");
+  const Running running(rows);
+  momentKey_.clear();
+  appendField(texts[EventColumns::moment], momentKey_);
+  rows.bind(1, owner);
+  rows.bindBlob(2, momentKey_);
+  rows.bind(3, hashOf(texts));
+  int parameter = 3;
+  for (const auto& text : texts) rows.bindText(++parameter, *text);
+  std::vector<std::int64_t> keys;
+  while (rows.step()) keys.push_back(rows.integer(0));
+  return keys;
+}
+
+// One seek for each owner: needed only after rows were changed or removed.
+void EventIndex::findNewest() {
+  Statement last(
+      connection_,
+      "SELECT ID, Moment, Count FROM VordaneFaultIndex WHERE ID < ? ORDER BY ID DESC, Moment DESC LIMIT 1");
+  newest_ = {true, {}, {}};
+  std::int64_t below = std::numeric_limits<std::int64_t>::max();
+  for (;;) {
+    last.bind(1, below);
+    if (!last.step()) return;
+    below = last.integer(0);
+    if (!newest_.key || last.blob(1) > std::string_view(newest_.moment))
+      newest_ = {true, std::string(last.blob(1)), last.integer(2)};
+    last.reset();
+  }
+}
+
+std::optional<std::int64_t> EventIndex::newest() {
+  if (!newest_.known) findNewest();
+  return newest_.key;
+}
+
+std::vector<std::int64_t> EventIndex::allNewestFirst() {
+  std::vector<std::int64_t> keys;
+  Statement rows(connection_, "SELECT Count FROM VordaneFaultIndex ORDER BY Moment DESC, Count");
+  while (rows.step()) keys.push_back(rows.integer(0));
+  const auto first = newest();
+  const auto found = first ? std::find(keys.begin(), keys.end(), *first) : keys.end();
+  if (found != keys.end()) std::rotate(keys.begin(), found, found + 1);
+  return keys;
+}
+
+SharedKeys EventIndex::ordered(std::int64_t owner, const EventOrder& order) {
+  if (order.isOfTime()) return orderedByTime(owner);
+  byTime_.forget();  // one order of a million events at a time
+  if (order.byDescription) return byDescription_.of(*table_, owner, order.kinds);
+  const CollectedEvents events = collectEvents(connection_, collecting_, owner, true);
+  if (events.beyondKeys()) return {};
+  return std::make_shared<const std::vector<std::uint32_t>>(events.byKind(order.kinds));
+}
+
+SharedKeys EventIndex::orderedByTime(std::int64_t owner) {
+  const std::int64_t version = connection_.changesByOthers();
+  if (auto kept = byTime_.of(owner, version)) return kept;
+  const CollectedEvents events = collectEvents(connection_, collecting_, owner, false);
+  if (events.beyondKeys()) return {};
+  byTime_.keep(owner, version, events.byTime(), events.lastMoment());
+  return byTime_.of(owner, version);
+}
+
+void EventIndex::added(std::int64_t key, std::optional<std::int64_t> owner, const EventTexts& texts) {
+  const std::string moment = momentKey(texts), kind = kindKey(texts);
+  Statement& insert = prepared(
+      insert_, "INSERT INTO VordaneFaultIndex(ID, Moment, Hash, Count, Kind) VALUES (?, ?, ?, ?, ?)");
+  insert.bind(1, owner.value_or(noOwner));
+  insert.bindBlob(2, moment);
+  insert.bind(3, hashOf(texts));
+  insert.bind(4, key);
+  insert.bindBlob(5, kind);
+  insert.run();
+  touched_ = true;
+  byTime_.added(owner.value_or(noOwner), moment, key);
+  if (newest_.known && (!newest_.key || moment > newest_.moment)) {
+    newest_ = {true, moment, key};
+    newestChanged_ = true;
+  }
+}
+
+void EventIndex::changing(std::int64_t key) {
+  static const std::string sql = "DELETE FROM VordaneFaultIndex WHERE (ID, Moment, Hash, Count) = (SELECT " +
+                                 keyOfEvent() + " FROM {table} WHERE {key} = ?)";
+  Statement& remove = prepared(remove_, sql);
+  remove.bind(1, key);
+  remove.run();
+  forgetRead();
+}
+
+void EventIndex::changed(std::int64_t key) {
+  static const std::string sql = addEvents() + " WHERE {key} = ?";
+  Statement& insert = prepared(read_, sql);
+  insert.bind(1, key);
+  insert.run();
+}
+
+void EventIndex::removeOwner(std::int64_t owner) {
+  Statement all(connection_, "SELECT count(*) FROM VordaneFaultIndex WHERE ID = ?");
+  all.bind(1, owner);
+  all.step();
+  const auto of = static_cast<std::size_t>(all.integer(0));
+  all.reset();
+  removeRows(owner, of);
+  Statement entries(connection_, "DELETE FROM VordaneFaultIndex WHERE ID = ?");
+  entries.bind(1, owner);
+  entries.run();
+  forgetRead();
+}
+
+// One by one, so that progress can be reported.
+void EventIndex::removeRows(std::int64_t owner, std::size_t of) {
+  constexpr std::size_t rowsBetweenProgress = 1024;
+  Statement rows(connection_, "SELECT Count FROM VordaneFaultIndex WHERE ID = ?");
+  // The row itself decides: a damaged entry must not take another owner's event along.
+  Statement row(connection_, eventSql(*table_, "DELETE FROM {table} WHERE {key} = ?1 AND {owner} = ?2"));
+  rows.bind(1, owner);
+  row.bind(2, owner);
+  for (std::size_t done = 0; rows.step(); ++done) {
+    if (done % rowsBetweenProgress == 0) connection_.progress(done, of);
+    row.bind(1, rows.integer(0));
+    row.run();
+  }
+  rows.reset();
+}
+
+void EventIndex::beforeCommit() {
+  if (!newestChanged_ && !touched_) return;
+  if (!newest_.known) findNewest();
+  Statement update(
+      connection_,
+      "UPDATE VordaneIndexState SET NewestMoment = ?1, NewestCount = ?2, LastCount = (SELECT seq "
+      "FROM sqlite_sequence WHERE name = ?3)");
+  if (newest_.key) update.bindBlob(1, newest_.moment);
+  update.bind(2, newest_.key.value_or(0));
+  update.bindText(3, table_->name);
+  update.run();
+  newestChanged_ = touched_ = false;
+}
+
+}  // namespace vordane::sqlite

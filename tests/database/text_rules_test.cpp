@@ -1,0 +1,46 @@
+// How stored texts compare: the encodings are part of the files.
+#include "database/fault_index.h"
+
+namespace vordane::sqlite {
+namespace {
+
+TEST(TextRules, OrderGoesByCodePointOfTheFoldedText) {
+  EXPECT_EQ(compareTexts(u"ABC  ", u"abc"), 0);
+  EXPECT_LT(compareTexts(u"a", u"b"), 0);
+  EXPECT_LT(compareTexts(u"\uFFFD", u"\xD83D\xDE00"), 0);  // a pair stands behind the whole plane
+  EXPECT_LT(compareTexts(u"\xD800", u"\uE000"), 0);
+  EXPECT_LT(compareTexts(u"_", u"Z"), 0);  // 'z' is what 'Z' counts as
+  EXPECT_FALSE(equalTexts(u"ａ", u"a"));
+  EXPECT_FALSE(equalTexts(u" a", u"a"));
+}
+
+TEST(TextRules, TheKeysOrderAsTheTextsDo) {
+  std::mt19937 random(9);
+  for (int i = 0; i < 20000; ++i) {
+    const std::u16string a = randomText(random), b = randomText(random);
+    std::string x, y;
+    appendSortKey(a, x);
+    appendSortKey(b, y);
+    const int order = compareTexts(a, b);
+    ASSERT_EQ(order < 0, x < y);
+    ASSERT_EQ(order == 0, x == y);
+    ASSERT_EQ(order == 0, equalTexts(a, b));
+  }
+}
+
+// The hash is part of the files: it is the same on every system.
+TEST(TextRules, TheHashIsFixed) {
+  FoldedHash hash;
+  hash.addText(u"Fault LINE 0A  ");
+  hash.addNull();
+  hash.addText(u"");
+  FoldedHash same;
+  same.addText(u"fault line 0a");
+  same.addNull();
+  same.addText(u" ");
+  EXPECT_EQ(hash.value(), same.value());
+  EXPECT_EQ(hash.value(), INT64_C(1967629999871058178));
+}
+
+}  // namespace
+}  // namespace vordane::sqlite

@@ -1,0 +1,13 @@
+#!/usr/bin/env bash
+# The programs tell neither when nor where they were built: programs.sh PROGRAMS SOURCES (two folders).
+set -euo pipefail
+fail() { echo "FAILED: $*"; exit 1; }
+number() { od -An -tu4 -j "$2" -N 4 "$1" | tr -d ' '; }
+for program in vordane/VORDANE.EXE zulsim/Zulsim.exe devhost/devhost.exe tools/vordane-tools.exe; do
+  file="$1/$program"
+  [ -s "$file" ] || fail "$file is not built"
+  header=$(number "$file" 60)
+  [ "$(number "$file" $((header + 8)))" = 0 ] || fail "$program tells when it was linked"
+  ! grep -qaF -- "$2/" "$file" || fail "$program tells where it was built: $(grep -aoF -m1 -- "$2/" "$file")"
+done
+echo "programs: everything passed"
