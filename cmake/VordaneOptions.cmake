@@ -109,9 +109,10 @@ endfunction()
 
 # A test program under CTest, one ctest entry for each of its cases. Rules are tested natively; with
 # ALSO_WINDOWS the program is built for Windows too and run there as one entry, with its own TIMEOUT; with
-# BOTH_WINES that entry is run under both Wines.
+# BOTH_WINES that entry is run under both Wines. With ONE_ENTRY it is one entry natively too: for cases that share what
+# is dear to make.
 function(vordane_test name)
-  cmake_parse_arguments(ARG "ALSO_WINDOWS;BOTH_WINES" "TIMEOUT" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "ALSO_WINDOWS;BOTH_WINES;ONE_ENTRY" "TIMEOUT" "SOURCES;LINKS" ${ARGN})
   if(CMAKE_CROSSCOMPILING AND NOT ARG_ALSO_WINDOWS)
     return()
   endif()
@@ -130,6 +131,9 @@ function(vordane_test name)
       set(both BOTH_WINES)
     endif()
     vordane_windows_test(${name} ${both} COMMAND $<TARGET_FILE:${name}> TIMEOUT ${ARG_TIMEOUT} LABEL ${name})
+  elseif(ARG_ONE_ENTRY)
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 600 COST 600 LABELS ${name})
   else()
     gtest_discover_tests(${name} DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 300 LABELS ${name})
   endif()

@@ -1,5 +1,6 @@
 // The engine for a database file, chosen by the file's own first bytes: an Access file goes to the Access
-// engine, an embedded one to the embedded engine; anything else is refused.
+// engine, an embedded one to the embedded engine, a file data source to the engine for servers; anything else
+// is refused.
 #pragma once
 
 #include <chrono>
@@ -11,7 +12,7 @@
 
 namespace vordane::database {
 
-enum class FileKind { missing, access, embedded, unknown };
+enum class FileKind { missing, access, embedded, dataSource, unknown };
 
 FileKind fileKind(std::u16string_view path);
 
@@ -22,9 +23,9 @@ struct Held {
   std::chrono::milliseconds wait{5000};
 };
 
-// Opens with one of the two, or throws DatabaseError: 3024 without the file, 3343 for a file of neither kind,
-// 3260 for one that somebody else still holds when the wait is over.
+// Opens with one of them, or throws DatabaseError: 3024 without the file, 3343 for a file of no such kind or
+// without an engine for it, 3260 for one that somebody else still holds when the wait is over.
 std::unique_ptr<Engine> makeEngineChoice(std::unique_ptr<Engine> access, std::unique_ptr<Engine> embedded,
-                                         Held held = {});
+                                         Held held = {}, std::unique_ptr<Engine> server = nullptr);
 
 }  // namespace vordane::database

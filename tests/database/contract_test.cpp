@@ -271,10 +271,14 @@ TEST_P(DatabaseContract, ADoubledQuoteIsOneQuote) {
       database->openRecordset(u"SELECT * FROM PBXList WHERE PBXName = 'c''d' AND ID = 2")->recordCount(), 1);
 }
 
-TEST_P(DatabaseContract, TextsKeepEveryCharacter) {
+TEST_P(DatabaseContract, TextsKeepEveryCharacterOrAreRefused) {
   const auto database = open(Layout::faults);
   const std::u16string odd = {u'a',   u'\0',  u'b',  0xD800, u'c',   0xDC00,
                               0xD83D, 0xDE00, u'\r', u'\n',  0x65E5, u'd'};
+  if (!under_->keepsEveryCharacter()) {
+    EXPECT_EQ(numberOfError([&] { addFault(*database, {1, u"01", u"MJ", u"MP", u"d", odd}); }), 3421);
+    return;
+  }
   addFault(*database, {1, u"01", u"MJ", u"MP", u"d", odd});
   EXPECT_EQ(database->openRecordset(u"Select * from FaultDisplay")->get(u"Description"), Value(odd));
   EXPECT_TRUE(isStored(*database, {1, u"01", u"MJ", u"MP", u"d", odd}));
@@ -282,6 +286,35 @@ TEST_P(DatabaseContract, TextsKeepEveryCharacter) {
   Fault other{1, u"01", u"MJ", u"MP", u"d", odd};
   other.description[3] = 0xFFFD;
   EXPECT_FALSE(isStored(*database, other));
+}
+
+TEST_P(DatabaseContract, TextsKeepEveryCharacterThatCanTravel) {
+  const auto database = open(Layout::faults);
+  const std::u16string odd = u" \t\r\n\\ {\"a\",NULL} '' \u00E9\u0416\u65E5\uFFFD\uFFFF \U0001F600 ";
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"d", odd});
+  EXPECT_EQ(database->openRecordset(u"Select * from FaultDisplay")->get(u"Description"), Value(odd));
+  const std::u16string lengthy = std::u16string(20000, u'\u0416') + u"!";
+  addFault(*database, {2, u"01", u"MJ", u"MP", u"d", lengthy});
+  EXPECT_TRUE(isStored(*database, {2, u"01", u"MJ", u"MP", u"d", lengthy}));
+  EXPECT_FALSE(isStored(*database, {2, u"01", u"MJ", u"MP", u"d", lengthy + u"!"}));
+}
+
+TEST_P(DatabaseContract, ATextThatCannotTravelIsRefusedAndNotChanged) {
+  const auto database = open(Layout::faults);
+  for (const std::u16string& odd :
+       {std::u16string(u"a\0b", 3), std::u16string{u'a', 0xD800, u'c'}, std::u16string{0xDC00, u'd'}}) {
+    const Fault fault{1, u"01", u"MJ", u"MP", u"d", odd};
+    if (under_->keepsEveryCharacter()) {
+      addFault(*database, fault);
+    } else {
+      EXPECT_EQ(numberOfError([&] { addFault(*database, fault); }), 3421);
+    }
+    EXPECT_EQ(isStored(*database, fault), under_->keepsEveryCharacter());
+    EXPECT_FALSE(isStored(*database, {1, u"01", u"MJ", u"MP", u"d", u"a"}));
+    addFault(*database, {1, u"01", u"MJ", u"MP", u"d", u"the next one"});
+  }
+  const auto met = column(*database, u"Select * from FaultDisplay", u"Description");
+  EXPECT_EQ(met.size(), under_->keepsEveryCharacter() ? 6U : 3U);
 }
 
 TEST_P(DatabaseContract, DeletingAnExchangeTakesItsFaultsAndNoOthers) {

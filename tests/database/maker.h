@@ -26,6 +26,8 @@ class EngineUnderTest {
   virtual Engine& engine() = 0;
   // A new file with the documented tables of `layout` and these rows; its path.
   virtual std::u16string make(Layout layout, const std::vector<Row>& rows = {}) = 0;
+  // False for one that refuses texts with U+0000 or half a pair, as servers must.
+  virtual bool keepsEveryCharacter() const { return true; }
 };
 
 struct EngineFactory {

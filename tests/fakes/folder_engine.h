@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/engine_choice.h"
 #include "platform/sqlite/engine.h"
 #include "startup/databases.h"
 #include "tools/sqlite/database_writer.h"
@@ -27,7 +28,9 @@ class FolderEngine : public database::Engine {
     opened.push_back({std::u16string(path), readOnly});
     if (!readOnly && !unwritable.empty() && path.ends_with(unwritable))
       throw database::DatabaseError(3051, std::u16string(path));
-    return between(path, engine_->open(file(path.substr(path.rfind(u'\\') + 1)), readOnly));
+    const std::u16string found = file(path.substr(path.rfind(u'\\') + 1));
+    const bool isServer = server != nullptr && database::fileKind(found) == database::FileKind::dataSource;
+    return between(path, (isServer ? *server : *engine_).open(found, readOnly));
   }
 
   std::u16string file(std::u16string_view name) const { return (folder_ / name).u16string(); }
@@ -39,6 +42,8 @@ class FolderEngine : public database::Engine {
   };
   std::vector<Opened> opened;
   bool onNetwork = false;
+  std::unique_ptr<database::Engine>
+      server;                 // for files that are data sources, where a test has such an engine
   std::u16string unwritable;  // the name of a file that opens for reading only
   // What stands between a database and whoever opens it: nothing, or something that watches it.
   std::function<std::unique_ptr<database::Database>(std::u16string_view path,

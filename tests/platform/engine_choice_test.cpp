@@ -30,7 +30,7 @@ class NamedEngine : public Engine {
 
 class EngineChoice : public testing::Test {
  protected:
-  static constexpr int access = 1, embedded = 2;
+  static constexpr int access = 1, embedded = 2, server = 3;
 
   EngineChoice() { fs::create_directory(folder); }
   ~EngineChoice() override { fs::remove_all(folder); }
@@ -41,9 +41,11 @@ class EngineChoice : public testing::Test {
     return path.u16string();
   }
   // The engine that was asked, or the choice's own error.
-  int answer(const std::u16string& path, bool readOnly = false) {
-    const auto choice = makeEngineChoice(std::make_unique<NamedEngine>(access, askedReadOnly),
-                                         std::make_unique<NamedEngine>(embedded, askedReadOnly));
+  int answer(const std::u16string& path, bool readOnly = false, bool withServer = true) {
+    const auto choice =
+        makeEngineChoice(std::make_unique<NamedEngine>(access, askedReadOnly),
+                         std::make_unique<NamedEngine>(embedded, askedReadOnly), {},
+                         withServer ? std::make_unique<NamedEngine>(server, askedReadOnly) : nullptr);
     try {
       choice->open(path, readOnly);
     } catch (const DatabaseError& error) {
@@ -70,6 +72,16 @@ TEST_F(EngineChoice, EmbeddedFilesGoToTheEmbeddedEngine) {
   EXPECT_TRUE(askedReadOnly);
 }
 
+TEST_F(EngineChoice, DataSourcesGoToTheEngineForServers) {
+  for (const std::string& bytes : {"[ODBC]\r\nDRIVER=x"s, "[odbc]"s, "\xEF\xBB\xBF[Odbc]\n"s}) {
+    EXPECT_EQ(answer(file(bytes)), server) << bytes;
+    EXPECT_EQ(fileKind(file(bytes)), FileKind::dataSource);
+  }
+  EXPECT_EQ(answer(file("[ODBC]"), true), server);
+  EXPECT_TRUE(askedReadOnly);
+  EXPECT_EQ(answer(file("[ODBC]"), false, false), 3343) << "a program without such an engine";
+}
+
 TEST_F(EngineChoice, AMissingFileIsNotFound) {
   EXPECT_EQ(answer((folder / "missing.mdb").u16string()), 3024);
   EXPECT_EQ(answer(folder.u16string()), 3024);
@@ -78,7 +90,7 @@ TEST_F(EngineChoice, AMissingFileIsNotFound) {
 TEST_F(EngineChoice, AnythingElseIsOfNoKnownFormat) {
   for (const std::string& bytes :
        {""s, "S"s, "SQLite format 3"s, "SQLite format 2\0"s, "\0\1\0\0Standard Jet D"s, "Standard Jet DB"s,
-        "PK\3\4"s, std::string(5000, '\0')})
+        "PK\3\4"s, "[ODBC"s, "{ODBC]"s, " [ODBC]"s, "\xEF\xBB[ODBC]"s, std::string(5000, '\0')})
     EXPECT_EQ(answer(file(bytes)), 3343) << bytes;
 }
 

@@ -13,6 +13,8 @@ packages=(
   mdbtools mdbtools-dev libglib2.0-dev libseccomp-dev pkg-config
   # testing; clang builds what is sanitized, and looks at the form of every file
   googletest libgtest-dev libgmock-dev clang libclang-rt-14-dev clang-format-14
+  # a server for the tests of the shared store, made and removed by each of them, and the driver for it
+  postgresql-15 odbc-postgresql
   # libraries that are headers alone
   libcli11-dev nlohmann-json3-dev
   # the kit for Windows workstations
@@ -35,8 +37,13 @@ done
 
 [ "$(id -u)" = 0 ] || fail "these packages are missing, run as root or install them: ${missing[*]}"
 say "installing ${missing[*]}"
+# The tests make servers of their own: no other one is to be made and started by the package.
+if [ ! -e /etc/postgresql-common ]; then
+  mkdir /etc/postgresql-common
+  echo 'create_main_cluster = false' >/etc/postgresql-common/createcluster.conf
+fi
 export DEBIAN_FRONTEND=noninteractive
 {
   apt-get update
-  apt-get install -y --no-install-recommends "${missing[@]}"
+  apt-get install -y --no-install-recommends -o Dpkg::Options::=--force-confold "${missing[@]}"
 } >"$cache/packages.log" 2>&1 || { tail -n 20 "$cache/packages.log" >&2; fail "packages could not be installed"; }

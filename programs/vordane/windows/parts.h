@@ -8,6 +8,8 @@
 #include "language/view_texts.h"
 #include "platform/dao/dao_engine.h"
 #include "platform/engine_choice.h"
+#include "platform/odbc/engine.h"
+#include "platform/odbc/library.h"
 #include "platform/sqlite/engine.h"
 #include "platform/windows/com/class_server.h"
 #include "platform/windows/services/services.h"
@@ -35,7 +37,8 @@ struct Parts {
   Pictures pictures;
   std::unique_ptr<database::Engine> engine = database::makeEngineChoice(
       dao::makeEngine(startup::databases, creator),
-      sqlite::makeEngine(startup::databases, {windows::isOnNetworkDrive}), {windows::isHeldByOthers});
+      sqlite::makeEngine(startup::databases, {windows::isOnNetworkDrive}), {windows::isHeldByOthers},
+      odbc::makeEngine(startup::databases, odbc::systemLibrary()));
 
   SharedState state;
   MessageTexts viewTexts{state};

@@ -1,0 +1,26 @@
+// The database on a server that many workstations share, through the workstation's ODBC driver manager. A
+// file data source stands where a file would. Everything an engine opened belongs to one thread; failures are
+// DatabaseErrors.
+#pragma once
+
+#include <memory>
+
+#include "platform/database.h"
+#include "platform/description.h"
+#include "platform/odbc/api.h"
+
+namespace vordane::odbc {
+
+struct Options {
+  int connectSeconds = 8;
+  int lockWaitMilliseconds = 5000;
+  // A batch that has held changes for this long is saved in between.
+  int longestUnsavedMilliseconds = 500;
+};
+
+// What is described must outlive the engine and the databases it opens. `lookup` is asked when the first
+// database is opened.
+std::unique_ptr<database::Engine> makeEngine(database::Descriptions descriptions, Lookup lookup,
+                                             Options options = {});
+
+}  // namespace vordane::odbc

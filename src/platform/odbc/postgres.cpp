@@ -1,0 +1,361 @@
+// PostgreSQL, from version 15 on.
+#include <array>
+
+#include "platform/odbc/dialect.h"
+#include "text/text.h"
+#include "text/utf8.h"
+
+namespace vordane::odbc {
+namespace {
+
+using database::ColumnDefinition;
+using database::ColumnType;
+using database::EventTable;
+using database::TableDefinition;
+
+constexpr std::string_view schema = "vordane";
+constexpr std::u16string_view eventIndex = u"VordaneEventIndex";
+constexpr std::u16string_view ownerIndex = u"VordaneOwnerIndex";
+
+// Advisory locks are known by two numbers, within a database: whose it is, and what it locks.
+constexpr std::string_view numbersLock = "1987014244, 1";
+constexpr std::string_view ownersLock = "1987014244, 2";
+constexpr std::string_view ownerLock = "1987014245";
+
+std::string join(const std::vector<std::string>& pieces, std::string_view between) {
+  std::string all;
+  for (const std::string& piece : pieces) {
+    if (!all.empty()) all += between;
+    all += piece;
+  }
+  return all;
+}
+
+bool isAutoNumber(ColumnType type) {
+  return type == ColumnType::autoNumber || type == ColumnType::shortAutoNumber;
+}
+
+std::string_view typeOf(ColumnType type) {
+  switch (type) {
+    case ColumnType::text:
+      return "text";
+    case ColumnType::integer:
+    case ColumnType::autoNumber:
+      return "integer";
+    case ColumnType::shortInteger:
+    case ColumnType::shortAutoNumber:
+    case ColumnType::yesNo:
+      return "smallint";
+    case ColumnType::number:
+      return "double precision";
+    case ColumnType::dateTime:
+      return "timestamp(0) without time zone";
+  }
+  return "text";
+}
+
+// The capitals beyond ASCII and their small letters, as they are folded one for one.
+struct Letters {
+  std::u16string capitals, small;
+};
+Letters lettersToFold() {
+  Letters letters;
+  constexpr char16_t firstBeyondAscii = 0x80;
+  for (char16_t c = firstBeyondAscii; c != 0xFFFF; ++c) {
+    if (text::lower(c) == c) continue;
+    letters.capitals.push_back(c);
+    letters.small.push_back(text::lower(c));
+  }
+  return letters;
+}
+
+class Postgres final : public Dialect {
+ public:
+  std::vector<DataSource::Entry> driverSettings() const override {
+    // The driver would turn line ends into others and a -1 into a 1, and save before each statement; a
+    // network that has gone is noticed within seconds.
+    return {{u"PORT", u"5432"},
+            {u"Protocol", u"7.4-0"},
+            {u"LFConversion", u"0"},
+            {u"TrueIsMinus1", u"0"},
+            {u"UseDeclareFetch", u"0"},
+            {u"UseServerSidePrepare", u"1"},
+            {u"TextAsLongVarchar", u"1"},
+            {u"UnknownsAsLongVarchar", u"1"},
+            {u"KeepaliveTime", u"4"},
+            {u"KeepaliveInterval", u"2"},
+            {u"pqopt", u"tcp_user_timeout=8000 connect_timeout=8"}};
+  }
+  std::string begin(int lockWaitMilliseconds, bool readOnly) const override {
+    return "select pg_catalog.set_config('lock_timeout', '" + std::to_string(lockWaitMilliseconds) +
+           "', false), pg_catalog.set_config('search_path', 'pg_catalog', false), "
+           "pg_catalog.set_config('default_transaction_read_only', '" +
+           (readOnly ? "on" : "off") +
+           "', false), pg_catalog.set_config('default_transaction_isolation', 'read committed', false), "
+           "pg_catalog.set_config('client_min_messages', 'error', false), "
+           "pg_catalog.set_config('application_name', 'Vordane', false)";
+  }
+  std::string listColumns() const override {
+    return "select t.relname::text, c.attname::text from pg_catalog.pg_class t join pg_catalog.pg_attribute "
+           "c on "
+           "c.attrelid = t.oid where t.relnamespace = (select n.oid from pg_catalog.pg_namespace n where "
+           "n.nspname "
+           "= '" +
+           std::string(schema) +
+           "') and t.relkind in ('r', 'p') and c.attnum > 0 and not c.attisdropped order by t.relname, "
+           "c.attnum";
+  }
+  std::string whyReadOnly() const override {
+    return "select case when pg_catalog.pg_is_in_recovery() then 'a replica' when exists (select 1 from "
+           "pg_catalog.pg_class t where t.relkind in ('r', 'p') and t.relname not like 'Vordane%' and "
+           "t.relnamespace "
+           "= '" +
+           std::string(schema) +
+           "'::regnamespace and not pg_catalog.has_table_privilege(t.oid, 'INSERT, UPDATE, DELETE')) then "
+           "'no right to write' else '' end";
+  }
+
+  std::string name(std::u16string_view table) const override {
+    return std::string(schema) + "." + quoted(table);
+  }
+  std::string quoted(std::u16string_view name) const override {
+    std::string result = "\"";
+    for (const char c : text::toUtf8(name)) result.append(c == '"' ? 2 : 1, c);
+    return result + "\"";
+  }
+  std::string parameter(ColumnType type) const override {
+    return "cast(? as " + std::string(typeOf(type)) + ")";
+  }
+  std::string number() const override { return "cast(? as bigint)"; }
+  std::string read(std::string_view column, ColumnType type) const override {
+    const std::string it(column);
+    return type == ColumnType::dateTime ? "to_char(" + it + ", 'YYYY-MM-DD HH24:MI:SS')" : it + "::text";
+  }
+  std::string folded(std::string_view text) const override {
+    return std::string(schema) + ".fold(" + std::string(text) + ")";
+  }
+  std::string ordered(std::string_view column, ColumnType type, bool descending) const override {
+    const std::string key =
+        type == ColumnType::text ? folded(column) + " collate \"C\"" : std::string(column);
+    return key + (descending ? " desc nulls last" : " asc nulls first");
+  }
+  std::string lastOrder() const override { return "ctid"; }
+  std::string oneOf(std::string_view column) const override {
+    return std::string(column) + " = any(cast(? as bigint[]))";
+  }
+  std::string joined(const std::string& keys) const override {
+    return "select coalesce(string_agg(k::text, ','), '') from (" + keys + ") as q(k)";
+  }
+  std::string limited(const std::string& query, int rows) const override {
+    return query + " limit " + std::to_string(rows);
+  }
+
+  std::string nextNumber(const TableDefinition& table) const override {
+    for (const ColumnDefinition& column : table.columns)
+      if (isAutoNumber(column.type)) return "select nextval(" + sequenceOf(table, column) + ")::text";
+    return {};
+  }
+  std::string insert(const TableDefinition& table, const std::vector<std::size_t>& columns,
+                     const std::string& keyColumn) const override {
+    std::vector<std::string> names, values;
+    for (const std::size_t i : columns) {
+      names.push_back(quoted(table.columns[i].name));
+      values.push_back(parameter(table.columns[i].type));
+    }
+    std::string statement = "insert into " + name(table.name);
+    statement += names.empty() ? " default values"
+                               : " (" + join(names, ", ") + ") values (" + join(values, ", ") + ")";
+    return keyColumn.empty() ? statement : statement + " returning " + keyColumn + "::text";
+  }
+  std::string insertMany(const TableDefinition& table,
+                         const std::vector<std::size_t>& columns) const override {
+    std::vector<std::string> names, arrays, places;
+    for (const std::size_t i : columns) {
+      names.push_back(quoted(table.columns[i].name));
+      arrays.push_back("cast(? as " + std::string(typeOf(table.columns[i].type)) + "[])");
+      places.push_back("c" + std::to_string(i));
+    }
+    return "insert into " + name(table.name) + " (" + join(names, ", ") + ") select " + join(places, ", ") +
+           " from unnest(" + join(arrays, ", ") + ") with ordinality as rows(" + join(places, ", ") +
+           ", place) order by place";
+  }
+
+  std::string indexTable() const override { return name(eventIndex); }
+  std::string hash(const std::vector<std::string>& texts) const override {
+    return std::string(schema) + ".hash(" + join(texts, ", ") + ")";
+  }
+  // An owner's newest is one seek; the owners are found by seeking too, since an index of time over all of
+  // them would have to be written with each fault.
+  std::string newest() const override {
+    return "with recursive owners(o) as ((select \"Owner\" from " + indexTable() +
+           " order by \"Owner\" limit 1) union all select (select i.\"Owner\" from " + indexTable() +
+           " i where i.\"Owner\" > owners.o order by i.\"Owner\" limit 1) from owners where owners.o is not "
+           "null), "
+           "newest(m) as (select max(l.m collate \"C\") from owners, lateral (select i.\"Moment\" as m "
+           "from " +
+           indexTable() +
+           " i where i.\"Owner\" = owners.o order by i.\"Moment\" desc nulls last limit 1) l) "
+           "select min(i.\"Key\")::text from owners join " +
+           indexTable() + " i on i.\"Owner\" = owners.o and i.\"Moment\" = (select m from newest)";
+  }
+
+  std::string holdOwner(const std::optional<Owners>& owners) const override {
+    const std::string lock =
+        "select pg_advisory_xact_lock(" + std::string(ownerLock) + ", cast(? as integer))";
+    if (!owners) return "with lock as materialized (" + lock + ") select '' from lock";
+    return "with lock as materialized (" + lock + ") select (select o." + quoted(owners->key) +
+           "::text from " + name(owners->table) + " o where o." + quoted(owners->key) +
+           " = cast(? as bigint) for no key update) from lock";
+  }
+  std::string holdOwners() const override {
+    return "select pg_advisory_xact_lock(" + std::string(ownersLock) + ")::text";
+  }
+  std::string savepoint() const override { return "savepoint step"; }
+  std::string backToSavepoint() const override { return "rollback to savepoint step"; }
+
+  std::vector<std::string> create(const database::Description& description) const override;
+
+ private:
+  std::string sequenceOf(const TableDefinition& table, const ColumnDefinition& column) const {
+    return "pg_get_serial_sequence('" + name(table.name) + "', '" + text::toUtf8(column.name) + "')";
+  }
+  std::string createTable(const TableDefinition& table) const;
+  std::vector<std::string> createFold() const;
+  std::vector<std::string> createEvents(const EventTable& events) const;
+  std::vector<std::string> createOwners(const Owners& owners) const;
+  std::string createTrigger(std::string_view trigger, std::string_view when, std::string_view function,
+                            std::u16string_view table) const;
+};
+
+std::string Postgres::createTable(const TableDefinition& table) const {
+  std::vector<std::string> columns;
+  for (const ColumnDefinition& column : table.columns) {
+    std::string one = quoted(column.name) + " " + std::string(typeOf(column.type));
+    if (isAutoNumber(column.type)) one += " generated by default as identity primary key";
+    if (column.type == ColumnType::yesNo) one += " not null default 0";
+    columns.push_back(std::move(one));
+  }
+  return "create table " + name(table.name) + " (" + join(columns, ", ") + ")";
+}
+
+// Texts are equal without trailing blanks and case, letter by letter by the product's own table. Most hold no
+// capital beyond ASCII, so a text is only looked at for one before the slow step.
+std::vector<std::string> Postgres::createFold() const {
+  const Letters letters = lettersToFold();
+  const std::string capitals = text::toUtf8(letters.capitals), small = text::toUtf8(letters.small);
+  const std::string prefix = std::string(schema) + ".";
+  return {"create function " + prefix +
+              "fold(value text) returns text language sql immutable parallel safe as $$ select case when "
+              "octet_length(value) = char_length(value) or (value collate \"C\") !~ '[" +
+              capitals +
+              "]' then lower(rtrim(value, ' ') collate \"C\") else translate(lower(rtrim(value, ' ') collate "
+              "\"C\"), '" +
+              capitals + "', '" + small + "') end collate \"C\" $$",
+          "create function " + prefix +
+              "hash(a text, b text, c text, d text) returns bytea language sql immutable parallel safe as $$ "
+              "select "
+              "substr(sha256(convert_to(concat_ws(E'\\x01', " +
+              prefix + "fold(a), " + prefix + "fold(b), " + prefix + "fold(c), " + prefix +
+              "fold(d)), 'UTF8')), 1, 8) $$"};
+}
+
+std::string Postgres::createTrigger(std::string_view trigger, std::string_view when,
+                                    std::string_view function, std::u16string_view table) const {
+  const auto at = when.find('@');
+  return "create trigger " + std::string(trigger) + " " + std::string(when.substr(0, at)) + " on " +
+         name(table) + " " + std::string(when.substr(at + 1)) + " for each statement execute function " +
+         std::string(schema) + "." + std::string(function) + "()";
+}
+
+namespace {
+std::string functionHead(std::string_view name) {
+  return "create function " + std::string(schema) + "." + std::string(name) +
+         "() returns trigger language plpgsql security definer set search_path = pg_catalog, pg_temp as $$ "
+         "begin ";
+}
+constexpr std::string_view functionEnd = " return null; end $$";
+}  // namespace
+
+std::vector<std::string> Postgres::createEvents(const EventTable& events) const {
+  const auto of = [&](std::string_view row, std::u16string_view column) {
+    return std::string(row) + "." + quoted(column);
+  };
+  const auto values = [&](std::string_view row) {
+    return std::array<std::string, 4>{of(row, events.owner), folded(of(row, events.moment)),
+                                      hash({of(row, events.kind[0]), of(row, events.kind[1]),
+                                            of(row, events.kind[2]), of(row, events.description)}),
+                                      of(row, events.key)};
+  };
+  const auto added = values("added"), removed = values("removed");
+  const std::string add =
+      "insert into " + indexTable() + " select " + join({added.begin(), added.end()}, ", ") + " from added;";
+  const std::string remove =
+      "delete from " + indexTable() + " i using removed where i.\"Owner\" = " + removed[0] +
+      " and i.\"Moment\" = " + removed[1] + " and i.\"Hash\" = " + removed[2] +
+      " and i.\"Key\" = " + removed[3] + "; if exists (select 1 from removed where " + removed[0] +
+      " is null or " + of("removed", events.moment) + " is null) then delete from " + indexTable() +
+      " i using removed where (i.\"Owner\" is null or i.\"Moment\" is "
+      "null) and i.\"Key\" = " +
+      removed[3] + "; end if;";
+  return {
+      "create table " + indexTable() +
+          " (\"Owner\" integer, \"Moment\" text collate \"C\", \"Hash\" bytea, \"Key\" integer)",
+      "create index \"VordaneEventOrder\" on " + indexTable() +
+          " (\"Owner\", \"Moment\" nulls first, \"Hash\", \"Key\")",
+      functionHead("number_events") + "perform pg_advisory_xact_lock(" + std::string(numbersLock) + ");" +
+          std::string(functionEnd),
+      functionHead("events_added") + add + std::string(functionEnd),
+      functionHead("events_removed") + remove + std::string(functionEnd),
+      functionHead("events_changed") + remove + add + std::string(functionEnd),
+      functionHead("events_emptied") + "delete from " + indexTable() + ";" + std::string(functionEnd),
+      createTrigger("vordane_number", "before insert @", "number_events", events.table),
+      createTrigger("vordane_added", "after insert @ referencing new table as added", "events_added",
+                    events.table),
+      createTrigger("vordane_removed", "after delete @ referencing old table as removed", "events_removed",
+                    events.table),
+      createTrigger("vordane_changed", "after update @ referencing old table as removed new table as added",
+                    "events_changed", events.table),
+      createTrigger("vordane_emptied", "after truncate @", "events_emptied", events.table)};
+}
+
+// Of each name there is one row, whatever its case: the names are kept once more, folded.
+std::vector<std::string> Postgres::createOwners(const Owners& owners) const {
+  const std::string table = name(ownerIndex), key = quoted(owners.key), named = quoted(owners.name);
+  const std::string add = "insert into " + table + " select " + folded("added." + named) + ", added." + key +
+                          " from added where added." + named + " is not null;";
+  const std::string remove =
+      "delete from " + table + " i using removed where i.\"Key\" = removed." + key + ";";
+  return {
+      "create table " + table + " (\"Name\" text collate \"C\" primary key, \"Key\" integer not null unique)",
+      functionHead("owners_added") + add + std::string(functionEnd),
+      functionHead("owners_removed") + remove + std::string(functionEnd),
+      functionHead("owners_changed") + remove + add + std::string(functionEnd),
+      functionHead("owners_emptied") + "delete from " + table + ";" + std::string(functionEnd),
+      createTrigger("vordane_added", "after insert @ referencing new table as added", "owners_added",
+                    owners.table),
+      createTrigger("vordane_removed", "after delete @ referencing old table as removed", "owners_removed",
+                    owners.table),
+      createTrigger("vordane_changed", "after update @ referencing old table as removed new table as added",
+                    "owners_changed", owners.table),
+      createTrigger("vordane_emptied", "after truncate @", "owners_emptied", owners.table)};
+}
+
+std::vector<std::string> Postgres::create(const database::Description& description) const {
+  std::vector<std::string> all{"create schema " + std::string(schema)};
+  const auto append = [&](std::vector<std::string> more) { all.insert(all.end(), more.begin(), more.end()); };
+  append(createFold());
+  for (const TableDefinition& table : description.tables) all.push_back(createTable(table));
+  if (description.events == nullptr) return all;
+  append(createEvents(*description.events));
+  if (const auto owners = ownersOf(description)) append(createOwners(*owners));
+  return all;
+}
+
+}  // namespace
+
+const Dialect& postgres() {
+  static const Postgres dialect;
+  return dialect;
+}
+
+}  // namespace vordane::odbc

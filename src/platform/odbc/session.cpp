@@ -1,0 +1,441 @@
+#include "platform/odbc/session.h"
+
+#include <charconv>
+#include <utility>
+
+#include "platform/odbc/errors.h"
+#include "text/numbers.h"
+#include "text/text.h"
+#include "text/utf8.h"
+
+namespace vordane::odbc {
+namespace {
+
+constexpr std::size_t mostRowsTogether = 1000;
+constexpr std::size_t mostCharactersTogether = 4 << 20;
+
+// Stands between the parts of an identity; no text that can travel holds it.
+constexpr char16_t between = u'\0';
+
+Field toField(const jet::Literal& literal) {
+  return literal.isText ? literal.text : text::decimal(literal.number);
+}
+
+bool canBeStored(const std::vector<jet::Literal>& values) {
+  for (const jet::Literal& value : values)
+    if (value.isText && !canTravel(value.text)) return false;
+  return true;
+}
+
+void appendPart(std::u16string& identity, std::u16string_view part) {
+  while (!part.empty() && part.back() == u' ') part.remove_suffix(1);
+  identity.append(text::toLower(part)).push_back(between);
+}
+
+std::vector<std::int64_t> numbersFrom(std::u16string_view joined) {
+  std::vector<std::int64_t> numbers;
+  std::int64_t number = 0;
+  for (const char16_t c : joined) {
+    if (c == u',') {
+      numbers.push_back(number);
+      number = 0;
+    } else if (c != u'-') {
+      number = number * 10 + (c - u'0');
+    }
+  }
+  if (!joined.empty()) numbers.push_back(number);
+  return numbers;
+}
+
+std::int64_t numberFrom(const Field& field) {
+  return std::stoll(text::toUtf8(field.value()));
+}
+
+}  // namespace
+
+Session::Session(const Api& api, const Dialect& dialect, std::u16string connection, bool readOnly,
+                 const Options& options, std::shared_ptr<const jet::Documented> documented)
+    : api_(api),
+      dialect_(dialect),
+      connection_(std::move(connection)),
+      readOnly_(readOnly),
+      options_(options),
+      documented_(std::move(documented)) {
+  connect();
+  tables_ = std::make_unique<Tables>(link_->query(dialect_.listColumns()), documented_->descriptions());
+  if (!readOnly_) {
+    const auto reason = link_->query(dialect_.whyReadOnly());
+    if (!reason.empty() && reason[0].at(0).value_or(u"") != u"")
+      database::fail(number::noPermission, *reason[0][0]);
+  }
+  plans_ = std::make_unique<Plans>(dialect_, *tables_, *documented_);
+}
+
+Session::~Session() = default;
+
+void Session::setProgress(const database::Database::Progress& progress) {
+  if (!progress) return waiter_.setMeanwhile({});
+  waiter_.setMeanwhile([progress] {
+    try {
+      progress(0, 0);
+    } catch (...) {
+      // Painting failed; the step goes on.
+    }
+  });
+}
+
+void Session::connect() {
+  link_.reset();
+  link_ = std::make_unique<Link>(api_, connection_, std::chrono::seconds(options_.connectSeconds), waiter_);
+  link_->query(dialect_.begin(options_.lockWaitMilliseconds, readOnly_));
+}
+
+// The one that is open, or after a loss a new one.
+Link& Session::link() {
+  if (!link_ || link_->lost()) connect();
+  return *link_;
+}
+
+// Nothing of the transaction under way stays.
+void Session::lose() noexcept {
+  if (link_) link_->rollback();
+  pending_ = {};
+  held_.clear();
+  dirty_ = false;
+  ++changes_;
+}
+
+// A step against the server. What fails in a transaction has ended it.
+template <typename Step>
+auto Session::guarded(Step step) {
+  try {
+    return step();
+  } catch (...) {
+    lose();
+    throw;
+  }
+}
+
+void Session::needTransaction() {
+  if (!inBatch_ || link().inTransaction()) return;
+  link().begin();
+  begun_ = std::chrono::steady_clock::now();
+  held_.clear();
+}
+
+bool Session::ownerExists(const Table& table, std::int64_t owner) {
+  const Field number = text::decimal(owner);
+  const Field both[] = {number, number};
+  const auto found =
+      link_->query(dialect_.holdOwner(table.owners), std::span(both).first(table.owners ? 2 : 1));
+  held_.insert(owner);
+  return !table.owners || (!found.empty() && found[0].at(0).has_value());
+}
+
+void Session::holdOwner(const Table& table, std::int64_t owner) {
+  needTransaction();
+  if (held_.contains(owner)) return;
+  if (!ownerExists(table, owner) && batchOwner_ == owner) database::fail(number::recordGone);
+}
+
+std::vector<Fields> Session::ask(const Plan& plan, const std::string& statement,
+                                 const std::vector<jet::Literal>& values) {
+  Fields fields;
+  if (plan.values.empty() && !plan.isUnion()) {
+    for (const jet::Literal& value : values) fields.push_back(toField(value));
+  }
+  for (const std::size_t i : plan.values) fields.push_back(toField(values.at(i)));
+  return link_->query(statement, fields);
+}
+
+// Events that wait to travel are among the rows that somebody reads now.
+void Session::beforeReading(const Plan& plan) {
+  if (plan.table->events != nullptr && !pending_.rows.empty()) save();
+  link();
+  needTransaction();
+}
+
+std::vector<Fields> Session::rows(const Plan& plan, const std::string& statement,
+                                  const std::vector<jet::Literal>& values) {
+  if (!canBeStored(values)) return {};
+  return guarded([&] {
+    beforeReading(plan);
+    const bool byName = !plan.shape.conditions.empty() && plan.shape.conditions[0].isText;
+    if (inBatch_ && plan.table->isOwners && byName) return ownersByName(plan, values);
+    return ask(plan, statement, values);
+  });
+}
+
+// Whoever adds events of an owner holds it from here on, and whoever finds none by this name may add one:
+// nobody else may meanwhile. An owner is never waited for with the list of them in hand.
+std::vector<Fields> Session::ownersByName(const Plan& plan, const std::vector<jet::Literal>& values) {
+  for (bool listHeld = false;;) {
+    auto found = ask(plan, plan.rows, values);
+    if (found.empty()) {
+      if (listHeld) return found;
+      link_->query(dialect_.holdOwners());
+      listHeld = true;
+      continue;
+    }
+    const std::int64_t owner = numberFrom(found[0].at(0));
+    if (held_.contains(owner)) return found;
+    if (listHeld) {
+      save();
+      needTransaction();
+      listHeld = false;
+    }
+    if (ownerExists(*plan.table, owner)) return found;
+  }
+}
+
+std::vector<std::int64_t> Session::keys(const Plan& plan, const std::vector<jet::Literal>& values) {
+  if (!canBeStored(values)) return {};
+  return guarded([&] {
+    beforeReading(plan);
+    const auto rows = ask(plan, plan.keys, values);
+    return rows.empty() ? std::vector<std::int64_t>{} : numbersFrom(rows[0].at(0).value_or(u""));
+  });
+}
+
+std::vector<Fields> Session::rowsByKey(const Plan& plan, std::span<const std::int64_t> keys) {
+  return guarded([&] {
+    beforeReading(plan);
+    const Field array = text::fromUtf8(arrayOf(keys));
+    return link_->query(plan.byKey, {&array, 1});
+  });
+}
+
+Session::Same Session::findSame(const Plan& plan, const std::vector<jet::Literal>& values,
+                                std::vector<Fields>& found) {
+  if (!canBeStored(values)) return Same::none;
+  return guarded([&] {
+    link();
+    if (inBatch_) {
+      holdOwner(*plan.table, values.at(plan.values.at(0)).number);
+      if (pending_.known.contains(identityOf(plan, values))) return Same::waiting;
+    }
+    found = ask(plan, plan.rows, values);
+    return found.empty() ? Same::none : Same::stored;
+  });
+}
+
+std::int64_t Session::takeNumber(const Table& table) {
+  const std::int64_t next = guarded([&] {
+    link();
+    needTransaction();
+    return numberFrom(link_->query(dialect_.nextNumber(table.definition())).at(0).at(0));
+  });
+  if (next > limitOf(table.columns[*table.key].type))
+    database::fail(number::badValue, table.columns[*table.key].name);
+  return next;
+}
+
+void Session::add(const Table& table, const NewRow& row) {
+  ++changes_;
+  guarded([&] {
+    link();
+    needTransaction();
+  });
+  if (inBatch_ && table.events != nullptr && !row.at(*table.key)) return addToPending(table, row);
+  if (inBatch_ && table.events != nullptr) save();
+  addNow(table, row);
+}
+
+void Session::addToPending(const Table& table, const NewRow& row) {
+  const auto owner = row.at(table.column(table.events->owner, number::unknownName));
+  if (owner && !automation::isNull(*owner)) guarded([&] { holdOwner(table, automation::toLong(*owner)); });
+  pending_.table = &table;
+  pending_.rows.push_back(row);
+  if (std::u16string identity = identityOf(table, row); !identity.empty()) {
+    pending_.characters += identity.size();
+    pending_.known.insert(std::move(identity));
+  }
+  saveIfDue();
+}
+
+void Session::addNow(const Table& table, const NewRow& row) {
+  guarded([&] {
+    needTransaction();
+    const std::int64_t key = insert(table, row);
+    dirty_ = inBatch_;
+    if (!table.isOwners || !inBatch_) return;
+    batchOwner_ = key;
+    save();  // nobody else may add a name until then
+  });
+}
+
+std::int64_t Session::insert(const Table& table, const NewRow& row) {
+  std::vector<std::size_t> columns;
+  Fields fields;
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    if (!row[i]) continue;
+    columns.push_back(i);
+    fields.push_back(odbc::toField(*row[i]));
+  }
+  const std::string key = table.key ? dialect_.quoted(table.columns[*table.key].name) : std::string{};
+  const auto added = link_->query(dialect_.insert(table.definition(), columns, key), fields);
+  return added.empty() ? 0 : numberFrom(added[0].at(0));
+}
+
+void Session::change(const Table& table, std::int64_t key, const NewRow& fields) {
+  ++changes_;
+  std::string statement;
+  Fields values;
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    if (!fields[i]) continue;
+    statement += (statement.empty() ? "update " + dialect_.name(table.name) + " set " : ", ") +
+                 dialect_.quoted(table.columns[i].name) + " = " + dialect_.parameter(table.columns[i].type);
+    values.push_back(odbc::toField(*fields[i]));
+  }
+  if (values.empty()) return;
+  statement += " where " + dialect_.quoted(table.columns[*table.key].name) + " = " + dialect_.number();
+  values.emplace_back(text::decimal(key));
+  const std::int64_t changed = guarded([&] {
+    if (table.events != nullptr && !pending_.rows.empty()) save();
+    link();
+    needTransaction();
+    return link_->change(statement, values);
+  });
+  if (changed == 0) database::fail(number::recordGone);
+  dirty_ = inBatch_;
+  if (table.isOwners && inBatch_) batchOwner_ = key;
+  saveIfDue();
+}
+
+void Session::remove(const Plan& plan, const std::vector<jet::Literal>& values) {
+  ++changes_;
+  if (!canBeStored(values)) return;
+  guarded([&] {
+    beforeReading(plan);
+    Fields fields;
+    for (const std::size_t i : plan.values) fields.push_back(toField(values.at(i)));
+    link_->change(plan.rows, fields);
+    dirty_ = inBatch_;
+  });
+  saveIfDue();
+}
+
+void Session::beginBatch() {
+  if (inBatch_) database::fail(number::invalidOperation);
+  inBatch_ = true;
+  batchOwner_.reset();
+}
+
+void Session::checkpoint() {
+  if (inBatch_) save();
+}
+
+void Session::endBatch() {
+  if (!inBatch_) return;
+  const auto leave = [&] {
+    inBatch_ = false;
+    batchOwner_.reset();
+  };
+  try {
+    save();
+  } catch (...) {
+    leave();
+    throw;
+  }
+  leave();
+}
+
+void Session::saveIfDue() {
+  if (!inBatch_) return;
+  const auto passed = std::chrono::steady_clock::now() - begun_;
+  if (pending_.rows.size() >= mostRowsTogether || pending_.characters >= mostCharactersTogether ||
+      passed >= std::chrono::milliseconds(options_.longestUnsavedMilliseconds))
+    save();
+}
+
+void Session::save() {
+  if (!link_ || !link_->inTransaction()) return;
+  flush();
+  guarded([&] {
+    link_->commit();
+    held_.clear();
+    dirty_ = false;
+  });
+}
+
+// All rows at once; where the server refuses, one after the other up to the one that it does not take, so
+// that what was reported as added before is stored.
+void Session::flush() {
+  if (pending_.rows.empty()) return;
+  Pending pending = std::exchange(pending_, {});
+  const Table& table = *pending.table;
+  std::vector<std::size_t> columns;
+  for (std::size_t i = 0; i < table.columns.size(); ++i)
+    if (i != *table.key) columns.push_back(i);
+  Fields arrays(columns.size());
+  for (std::size_t k = 0; k < columns.size(); ++k) {
+    std::u16string array;
+    for (const NewRow& row : pending.rows)
+      appendToArray(array, row[columns[k]] ? odbc::toField(*row[columns[k]]) : std::nullopt);
+    array.push_back(u'}');
+    arrays[k] = std::move(array);
+  }
+  guarded([&] { link_->query(dialect_.savepoint()); });
+  try {
+    link_->change(dialect_.insertMany(table.definition(), columns), arrays);
+  } catch (const database::DatabaseError& failure) {
+    if (link_->lost() || failure.number() == number::locked) {
+      lose();
+      throw;
+    }
+    guarded([&] { link_->query(dialect_.backToSavepoint()); });
+    flushOneByOne(std::move(pending));
+  }
+}
+
+void Session::flushOneByOne(Pending pending) {
+  for (const NewRow& row : pending.rows) {
+    guarded([&] { link_->query(dialect_.savepoint()); });
+    try {
+      insert(*pending.table, row);
+    } catch (const database::DatabaseError&) {
+      if (link_->lost()) {
+        lose();
+        throw;
+      }
+      guarded([&] {
+        link_->query(dialect_.backToSavepoint());
+        link_->commit();
+      });
+      lose();
+      throw;
+    }
+  }
+}
+
+// What equal events share, as long as they are not stored; empty for one that equals none.
+std::u16string Session::identityOf(const Table& table, const NewRow& row) {
+  const database::EventTable& events = *table.events;
+  std::u16string identity;
+  const auto owner = row[table.column(events.owner, number::unknownName)];
+  if (!owner || automation::isNull(*owner)) return {};
+  appendPart(identity, automation::toText(*owner));
+  for (const auto name :
+       {events.kind[0], events.kind[1], events.kind[2], events.moment, events.description}) {
+    const auto& value = row[table.column(name, number::unknownName)];
+    if (!value || automation::isNull(*value)) return {};
+    appendPart(identity, automation::toText(*value));
+  }
+  return identity;
+}
+
+std::u16string Session::identityOf(const Plan& plan, const std::vector<jet::Literal>& values) const {
+  const database::EventTable& events = *plan.table->events;
+  std::u16string identity;
+  const auto part = [&](std::u16string_view name) {
+    for (std::size_t i = 0; i < plan.shape.conditions.size(); ++i)
+      if (text::equalIgnoringCase(plan.shape.conditions[i].column, name))
+        appendPart(identity, *toField(values.at(i)));
+  };
+  part(events.owner);
+  for (const auto name : {events.kind[0], events.kind[1], events.kind[2], events.moment, events.description})
+    part(name);
+  return identity;
+}
+
+}  // namespace vordane::odbc

@@ -1,0 +1,121 @@
+// One opened store: its connection, which it makes again by itself after a loss, and the transactions of its
+// steps and batches.
+//
+// A batch's transaction begins with the first statement that needs one and ends with the next saving. What it
+// holds meanwhile: the rows of the owners whose events it adds, so that two stations never look for the same
+// event at once and no owner is deleted under it; the numbers are locked only from the giving of the first to
+// the commit, which follows at once.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "platform/database.h"
+#include "platform/odbc/engine.h"
+#include "platform/odbc/link.h"
+#include "platform/odbc/tables.h"
+#include "platform/odbc/values.h"
+
+namespace vordane::odbc {
+
+// A row to be added: a value for each column of the table that is set.
+using NewRow = std::vector<std::optional<Value>>;
+
+class Session {
+ public:
+  Session(const Api& api, const Dialect& dialect, std::u16string connection, bool readOnly,
+          const Options& options, std::shared_ptr<const jet::Documented> documented);
+  ~Session();
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  Plans& plans() { return *plans_; }
+  const Dialect& dialect() const { return dialect_; }
+  bool readOnly() const { return readOnly_; }
+
+  // Rows of one of the plan's statements; none when a value can't have been stored.
+  std::vector<Fields> rows(const Plan& plan, const std::string& statement,
+                           const std::vector<jet::Literal>& values);
+  // The keys of a plan's rows, in their order.
+  std::vector<std::int64_t> keys(const Plan& plan, const std::vector<jet::Literal>& values);
+  // Each of them behind its key, in any order; those that have gone are missing.
+  std::vector<Fields> rowsByKey(const Plan& plan, std::span<const std::int64_t> keys);
+
+  // Whether an event is stored already. One that only waits to travel with others is not among `found` yet.
+  enum class Same { none, stored, waiting };
+  Same findSame(const Plan& plan, const std::vector<jet::Literal>& values, std::vector<Fields>& found);
+
+  std::int64_t takeNumber(const Table& table);
+  // An event without a number of its own that is added in a batch travels with others later.
+  void add(const Table& table, const NewRow& row);
+  // Throws DatabaseError (recordGone) when there is no such row.
+  void change(const Table& table, std::int64_t key, const NewRow& fields);
+  void remove(const Plan& plan, const std::vector<jet::Literal>& values);
+
+  void beginBatch();
+  void checkpoint();
+  void endBatch();
+
+  // Grows with whatever may have changed rows that somebody remembers.
+  std::uint64_t changes() const { return changes_; }
+
+  // Called while the server is waited for, with nothing known of how far it is.
+  void setProgress(const database::Database::Progress& progress);
+  jet::Lifted lifted;  // of the statement at hand; keeps its memory for the next
+
+ private:
+  struct Pending {
+    const Table* table = nullptr;
+    std::vector<NewRow> rows;
+    std::unordered_set<std::u16string> known;  // what equal rows share
+    std::size_t characters = 0;
+  };
+  Link& link();
+  void connect();
+  template <typename Step>
+  auto guarded(Step step);
+  void needTransaction();
+  void holdOwner(const Table& table, std::int64_t owner);
+  bool ownerExists(const Table& table, std::int64_t owner);
+  void beforeReading(const Plan& plan);
+  void flush();
+  void flushOneByOne(Pending pending);
+  std::int64_t insert(const Table& table, const NewRow& row);
+  void addToPending(const Table& table, const NewRow& row);
+  void addNow(const Table& table, const NewRow& row);
+  std::vector<Fields> ask(const Plan& plan, const std::string& statement,
+                          const std::vector<jet::Literal>& values);
+  std::vector<Fields> ownersByName(const Plan& plan, const std::vector<jet::Literal>& values);
+  void save();
+  void saveIfDue();
+  void lose() noexcept;
+  static std::u16string identityOf(const Table& table, const NewRow& row);
+  std::u16string identityOf(const Plan& plan, const std::vector<jet::Literal>& values) const;
+
+  const Api& api_;
+  const Dialect& dialect_;
+  std::u16string connection_;
+  bool readOnly_;
+  Options options_;
+  std::shared_ptr<const jet::Documented> documented_;
+  Waiter waiter_;
+  std::unique_ptr<Link> link_;
+  std::unique_ptr<Tables> tables_;
+  std::unique_ptr<Plans> plans_;
+
+  bool inBatch_ = false;
+  std::set<std::int64_t> held_;             // owners, by this transaction
+  std::optional<std::int64_t> batchOwner_;  // whose row this batch has written: it must not go meanwhile
+  Pending pending_;
+  bool dirty_ = false;                           // the transaction holds changes that were made already
+  std::chrono::steady_clock::time_point begun_;  // when the transaction did
+  std::uint64_t changes_ = 0;
+};
+
+}  // namespace vordane::odbc

@@ -1,0 +1,272 @@
+#include "platform/odbc/tables.h"
+
+#include "platform/odbc/errors.h"
+#include "text/text.h"
+
+namespace vordane::odbc {
+namespace {
+
+using database::ColumnDefinition;
+using database::ColumnType;
+using database::EventTable;
+
+const database::TableDefinition* describe(database::Descriptions descriptions, std::u16string_view name) {
+  for (const database::Description& description : descriptions)
+    for (const database::TableDefinition& table : description.tables)
+      if (text::equalIgnoringCase(table.name, name)) return &table;
+  return nullptr;
+}
+
+const database::Description* withEvents(database::Descriptions descriptions) {
+  for (const database::Description& description : descriptions)
+    if (description.events != nullptr) return &description;
+  return nullptr;
+}
+
+ColumnType typeOf(const database::TableDefinition& table, std::u16string_view column) {
+  for (const ColumnDefinition& each : table.columns)
+    if (text::equalIgnoringCase(each.name, column)) return each.type;
+  return ColumnType::text;
+}
+
+bool isAutoNumber(ColumnType type) {
+  return type == ColumnType::autoNumber || type == ColumnType::shortAutoNumber;
+}
+
+}  // namespace
+
+std::optional<std::size_t> Table::find(std::u16string_view column) const {
+  for (std::size_t i = 0; i < columns.size(); ++i)
+    if (text::equalIgnoringCase(columns[i].name, column)) return i;
+  return std::nullopt;
+}
+
+std::size_t Table::column(std::u16string_view name_, int errorNumber) const {
+  const auto found = find(name_);
+  if (!found) database::fail(errorNumber, name_);
+  return *found;
+}
+
+std::size_t Plan::resultColumn(std::u16string_view name) const {
+  for (std::size_t i = 0; i < names.size(); ++i)
+    if (text::equalIgnoringCase(names[i], name)) return i;
+  database::fail(number::unknownItem, name);
+}
+
+Tables::Tables(const std::vector<Fields>& columns, database::Descriptions descriptions) {
+  const database::Description* events = withEvents(descriptions);
+  const auto owners = events == nullptr ? std::nullopt : ownersOf(*events);
+  for (const Fields& row : columns) {
+    const std::u16string& name = row.at(0).value();
+    if (describe(descriptions, name) == nullptr) continue;
+    auto& table = tables_[text::toLower(name)];
+    if (!table) table = std::make_unique<Table>();
+    table->name = name;
+    table->columnNames.push_back(row.at(1).value());
+  }
+  if (tables_.empty()) database::fail(number::notADatabase);
+  for (auto& [folded, table] : tables_) {
+    for (const std::u16string& column : table->columnNames) {
+      const ColumnType type = typeOf(*describe(descriptions, folded), column);
+      if (isAutoNumber(type)) table->key = table->columns.size();
+      table->columns.push_back({column, type});
+    }
+    if (events == nullptr) continue;
+    if (text::equalIgnoringCase(events->events->table, folded)) {
+      table->events = events->events;
+      table->owners = owners;
+    }
+    table->isOwners = owners && text::equalIgnoringCase(owners->table, folded);
+    if (table->isOwners) table->owners = owners;
+  }
+}
+
+const Table& Tables::table(std::u16string_view name) const {
+  const auto found = tables_.find(text::toLower(name));
+  if (found == tables_.end()) database::fail(number::unknownTable, name);
+  return *found->second;
+}
+
+const Plan& Plans::find(std::u16string_view statement, jet::Lifted& lifted) {
+  jet::lift(statement, lifted);
+  auto found = plans_.find(lifted.shape);
+  if (found == plans_.end()) found = plans_.emplace(lifted.shape, make(lifted)).first;
+  if (found->second->isUnion() && lifted.literals.at(0).number != -1) database::fail(number::syntax);
+  return *found->second;
+}
+
+std::unique_ptr<Plan> Plans::make(const jet::Lifted& lifted) const {
+  auto plan = std::make_unique<Plan>();
+  plan->shape = documented_.shapeOf(lifted);
+  plan->table = &tables_.table(plan->shape.table);
+  if (plan->isUnion()) {
+    planUnion(*plan);
+    return plan;
+  }
+  if (plan->shape.columns.empty())
+    for (const ColumnDefinition& column : plan->table->columns) plan->shape.columns.emplace_back(column.name);
+  for (const std::u16string& name : plan->shape.columns) {
+    const ColumnDefinition& column = plan->table->columns[plan->table->column(name, number::unknownName)];
+    plan->names.emplace_back(column.name);
+    plan->types.push_back(column.type);
+  }
+  if (!planEvents(*plan)) planRows(*plan);
+  return plan;
+}
+
+std::string Plans::columnsOf(const Plan& plan, std::string_view prefix) const {
+  const std::string before(prefix);
+  std::string all;
+  if (plan.table->key)
+    all = dialect_.read(before + dialect_.quoted(plan.table->columns[*plan.table->key].name),
+                        ColumnType::integer);
+  for (std::size_t i = 0; i < plan.names.size(); ++i)
+    all += (all.empty() ? "" : ", ") + dialect_.read(before + dialect_.quoted(plan.names[i]), plan.types[i]);
+  return all;
+}
+
+std::string Plans::conditionsOf(Plan& plan) const {
+  std::string all;
+  for (const jet::Condition& condition : plan.shape.conditions) {
+    const ColumnDefinition& column =
+        plan.table->columns[plan.table->column(condition.column, number::unknownName)];
+    const std::string name = dialect_.quoted(column.name);
+    const bool asText = condition.isText || column.type == ColumnType::text;
+    all += all.empty() ? " where " : " and ";
+    if (asText) {
+      all += dialect_.folded(dialect_.read(name, column.type)) + " = " +
+             dialect_.folded(dialect_.parameter(ColumnType::text));
+    } else {
+      all += name + " = " + dialect_.number();
+    }
+    plan.values.push_back(plan.values.size());
+  }
+  return all;
+}
+
+// What follows the key never decides; where no key is among them it decides last, so that an order is always
+// the same.
+std::string Plans::ordersOf(const Plan& plan, std::string_view prefix) const {
+  const std::string before(prefix);
+  std::string all;
+  for (const jet::Order& order : plan.shape.orders) {
+    const std::size_t position = plan.table->column(order.column, number::unknownName);
+    const ColumnDefinition& column = plan.table->columns[position];
+    all += (all.empty() ? "" : ", ") +
+           dialect_.ordered(before + dialect_.quoted(column.name), column.type, order.descending);
+    if (plan.table->key == position) return " order by " + all;
+  }
+  if (!all.empty()) all += ", ";
+  if (plan.table->key)
+    return " order by " + all + before + dialect_.quoted(plan.table->columns[*plan.table->key].name);
+  return " order by " + all + before + dialect_.lastOrder();
+}
+
+void Plans::planUnion(Plan& plan) const {
+  const std::size_t key = plan.table->column(plan.shape.orders.at(0).column, number::unknownName);
+  if (plan.table->columns.size() != 2) database::fail(number::columnCount);
+  std::string columns, whole;
+  for (std::size_t i = 0; i < plan.table->columns.size(); ++i) {
+    const ColumnDefinition& column = plan.table->columns[i];
+    plan.names.emplace_back(column.name);
+    plan.types.push_back(i == key ? column.type : ColumnType::text);
+    columns += (i == 0 ? "" : ", ") + dialect_.read(dialect_.quoted(column.name), column.type);
+  }
+  const std::string table = dialect_.name(plan.table->name);
+  const std::string counted = dialect_.read("count(*)", ColumnType::integer);
+  plan.rows = "select * from (select a.*, a.k::integer as n from (select " + columns + " from " + table +
+              " union select " + (key == 0 ? "'-1', " + counted : counted + ", '-1'") + " from " + table +
+              ") as a(" + (key == 0 ? "k, v" : "v, k") + ")) as b order by n nulls first";
+}
+
+void Plans::planRows(Plan& plan) const {
+  const std::string table = dialect_.name(plan.table->name);
+  const std::string conditions = conditionsOf(plan);
+  if (plan.shape.verb == jet::Verb::remove) {
+    plan.rows = "delete from " + table + conditions;
+    return;
+  }
+  const std::string rest = " from " + table + conditions + ordersOf(plan, "");
+  const std::string select = "select " + columnsOf(plan, "");
+  plan.rows = select + rest;
+  if (!plan.table->key) return;
+  const std::string key = dialect_.quoted(plan.table->columns[*plan.table->key].name);
+  plan.keys = dialect_.joined("select " + key + rest);
+  plan.byKey = select + " from " + table + " where " + dialect_.oneOf(key);
+}
+
+// What the index beside the events answers. False for any other shape.
+bool Plans::planEvents(Plan& plan) const {
+  const EventTable* events = plan.table->events;
+  if (events == nullptr) return false;
+  const jet::Shape& shape = plan.shape;
+  const std::string table = dialect_.name(plan.table->name), index = dialect_.indexTable();
+  const std::string key = dialect_.quoted(events->key);
+  const std::string owner = dialect_.number();
+  const auto parameter = [&] { return dialect_.parameter(ColumnType::text); };
+  const auto place = [&](std::u16string_view column) {
+    for (std::size_t i = 0; i < shape.conditions.size(); ++i)
+      if (text::equalIgnoringCase(shape.conditions[i].column, column)) return i;
+    return shape.conditions.size();
+  };
+  const std::string select = "select " + columnsOf(plan, "f.");
+  const std::string joined = " from " + index + " i join " + table + " f on f." + key + " = i.\"Key\"";
+  plan.byKey = select + " from " + table + " f where " + dialect_.oneOf("f." + key);
+  const bool ofOwner = shape.conditions.size() == 1 && place(events->owner) == 0;
+  if (ofOwner && shape.verb == jet::Verb::remove) {
+    plan.values = {0};
+    plan.rows = "delete from " + table + " where " + key + " in (select i.\"Key\" from " + index +
+                " i where i.\"Owner\" = " + owner + ")";
+    return true;
+  }
+  if (shape.verb != jet::Verb::select) return false;
+  if (ofOwner) {
+    plan.values = {0};
+    const bool byTime =
+        !shape.orders.empty() && text::equalIgnoringCase(shape.orders[0].column, events->moment) &&
+        shape.orders.size() > 1 && text::equalIgnoringCase(shape.orders[1].column, events->key) &&
+        shape.orders[0].descending == shape.orders[1].descending;
+    const std::string_view way =
+        byTime && shape.orders[0].descending ? " desc nulls last" : " asc nulls first";
+    const std::string order = " order by i.\"Moment\"" + std::string(way) + ", i.\"Key\"" +
+                              (byTime && shape.orders[0].descending ? " desc" : "");
+    const std::string where = " where i.\"Owner\" = " + owner;
+    plan.keys = dialect_.joined(byTime ? "select i.\"Key\" from " + index + " i" + where + order
+                                       : "select i.\"Key\"" + joined + where + ordersOf(plan, "f."));
+    plan.rows = select + joined + where + (byTime ? order : ordersOf(plan, "f."));
+    return true;
+  }
+  if (shape.conditions.empty() && shape.orders.size() == 1 && shape.orders[0].descending &&
+      text::equalIgnoringCase(shape.orders[0].column, events->moment)) {
+    plan.special = Plan::Special::newestEvents;
+    plan.rows = dialect_.newest();
+    plan.keys = dialect_.joined("select i.\"Key\" from " + index +
+                                " i order by i.\"Moment\" desc nulls last, i.\"Key\"");
+    return true;
+  }
+  if (shape.conditions.size() != 6) return false;
+  plan.special = Plan::Special::sameEvent;
+  const std::size_t kinds[] = {place(events->kind[0]), place(events->kind[1]), place(events->kind[2]),
+                               place(events->description)};
+  plan.values = {place(events->owner), place(events->moment)};
+  plan.rows = select + joined + " where i.\"Owner\" = " + owner +
+              " and i.\"Moment\" = " + dialect_.folded(parameter()) +
+              " and i.\"Hash\" = " + dialect_.hash({parameter(), parameter(), parameter(), parameter()});
+  for (const std::size_t kind : kinds) plan.values.push_back(kind);
+  for (const std::size_t kind : kinds) {
+    plan.values.push_back(kind);
+    plan.rows +=
+        " and " +
+        dialect_.folded(
+            "f." +
+            dialect_.quoted(
+                plan.table->columns[plan.table->column(shape.conditions[kind].column, number::unknownName)]
+                    .name)) +
+        " = " + dialect_.folded(parameter());
+  }
+  plan.rows += " order by i.\"Key\"";
+  plan.keys = dialect_.joined("select 0 where false");
+  return true;
+}
+
+}  // namespace vordane::odbc

@@ -1,0 +1,120 @@
+// The window over a store on a server: a data source stands where FAULT.MDB would.
+#include <algorithm>
+#include <fstream>
+
+#include "odbc/server_store.h"
+#include "platform/odbc/library.h"
+#include "startup/story.h"
+
+namespace vordane::startup {
+namespace {
+
+class ServerStory : public Story {
+ protected:
+  ServerStory() : store_(odbc::makeStore(database::Layout::faults)) {
+    engine.server = odbc::makeEngine(databases, odbc::systemLibrary());
+    std::filesystem::copy_file(sources_.write(store_), engine.file(u"FAULT.MDB"),
+                               std::filesystem::copy_options::overwrite_existing);
+  }
+  ~ServerStory() override { layer.reset(); }
+
+  // Asks for the list, gets it, and tells the lamps.
+  void fetch(const std::vector<std::u16string>& entries, std::u16string lamps = u"00") {
+    pressAndTick(0);
+    exchange().answer(0, entries);
+    tick();
+    exchange().answerLamps(lamps);
+    tick();
+  }
+  std::vector<std::u16string> faults(int first, int count) {
+    std::vector<std::u16string> entries;
+    for (int i = first; i < first + count; ++i)
+      for (const std::u16string& entry :
+           {std::u16string(u"15 MJ MP000"), u"26/11/20 10:" + text::decimalPadded(i % 60, 2),
+            u"0" + text::decimal(i % 10) + u" " + text::decimalPadded(i / 10, 2), std::u16string()})
+        entries.push_back(entry);
+    return entries;
+  }
+  std::string ask(const std::string& question) {
+    return text::toUtf8(odbc::connectTo(store_)->query(question).at(0).at(0).value_or(u"Null"));
+  }
+
+  odbc::DataSources sources_;
+  std::string store_;
+};
+
+TEST_F(ServerStory, AListIsStoredShownAndKnownAgain) {
+  startWithHost();
+  fetch(faults(0, 40), u"10");
+  EXPECT_EQ(view.rows->size(), 40U);
+  EXPECT_THAT(text::toUtf8(view.status[0]), testing::HasSubstr("40 received, 40 new, 0 stored, 0 refused"));
+  EXPECT_EQ(ask("select \"MJ\" || ' ' || \"MN\" || ' ' || \"PBXName\" from vordane.\"PBXList\""),
+            "-1 0 PBX-1");
+  fetch(faults(20, 40));
+  EXPECT_EQ(view.rows->size(), 60U);
+  EXPECT_THAT(text::toUtf8(view.status[0]), testing::HasSubstr("40 received, 20 new, 20 stored, 0 refused"));
+  EXPECT_EQ(ask("select count(*) from vordane.\"FaultDisplay\" where \"Date\" like '2026/11/20 10:__'"),
+            "60");
+}
+
+TEST_F(ServerStory, AnotherStationSeesWhatOneHasFetched) {
+  startWithHost();
+  fetch(faults(0, 5));
+  const auto other = odbc::makeEngine(databases, odbc::systemLibrary());
+  const auto database = other->open(engine.file(u"FAULT.MDB"), true);
+  const std::u16string_view columns[] = {u"Date"};
+  EXPECT_EQ(
+      database
+          ->openRowList(u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(store::sortClauses[7]),
+                        columns)
+          ->size(),
+      5U);
+}
+
+TEST_F(ServerStory, DeletingAnExchangeDeletesItForAll) {
+  startWithHost();
+  fetch(faults(0, 5));
+  boxes.answer = 6;
+  pressAndTick(3);
+  EXPECT_EQ(ask("select count(*) from vordane.\"FaultDisplay\""), "0");
+  EXPECT_EQ(ask("select count(*) from vordane.\"PBXList\""), "0");
+}
+
+TEST_F(ServerStory, AServerThatCannotBeReachedIsADatabaseThatDidNotOpen) {
+  std::ofstream(std::filesystem::path(engine.file(u"FAULT.MDB")))
+      << "[ODBC]\nDRIVER=PostgreSQL Unicode\nSERVER=" << engine.folder().string() << "\nDATABASE=none\n";
+  startWithHost();
+  pressAndTick(0);
+  exchange().answer(0, oneFault());
+  trace.clear();
+  tick();
+  EXPECT_THAT(taken(),
+              testing::IsSupersetOf({std::string("ShowMessage not open"), std::string("ShowCode 3024")}));
+}
+
+TEST_F(ServerStory, AServerLostInTheMiddleIsToldOnceAndTheNextFetchCompletesTheList) {
+  startWithHost();
+  fetch(faults(0, 5));
+  pressAndTick(0);
+  exchange().answer(0, faults(0, 10));
+  ask("select pg_terminate_backend(pid) from pg_stat_activity where application_name = 'Vordane' and datname "
+      "= "
+      "current_database()");
+  trace.clear();
+  tick();
+  const Lines lines = taken();
+  EXPECT_EQ(std::count_if(lines.begin(), lines.end(),
+                          [](const std::string& line) {
+                            return line.starts_with("Box 102") &&
+                                   line.find("No connection to the database server") != line.npos;
+                          }),
+            1);
+  EXPECT_FALSE(state.busy);
+  EXPECT_EQ(ask("select count(*) from vordane.\"FaultDisplay\""), "5");
+  fetch(faults(0, 10));
+  EXPECT_THAT(text::toUtf8(view.status[0]), testing::HasSubstr("10 received, 5 new, 5 stored, 0 refused"));
+  EXPECT_EQ(view.rows->size(), 10U);
+}
+
+}  // namespace
+}  // namespace vordane::startup

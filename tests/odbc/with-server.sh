@@ -1,0 +1,77 @@
+#!/usr/bin/env bash
+# Runs a command beside a database server of its own, and with an administrator's data source for it:
+#
+#   with-server.sh COMMAND [ARGUMENT ...]
+#
+# The server lives in a folder under /tmp, listens on a Unix socket in it and on nothing else, and runs as a user
+# without rights. The command finds in VORDANE_SERVER that folder: `socket` is where to connect, `driver` what to set
+# ODBCSYSINI to (set already), `data/postmaster.pid` begins with the server's process, `start` starts it again after
+# its end. VORDANE_SERVER_OPTIONS are further options of the server; `-c fsync=on` where durability is the subject.
+#
+# Whatever ends the command, or this script (a signal that nobody can catch included), the server ends and the
+# folder goes: a keeper in a session of its own waits for the end of a pipe that only this script holds.
+# Ends with the command's exit code, or 125 with a reason when the server can't be had.
+set -euo pipefail
+
+programs=/usr/lib/postgresql/15/bin
+driver=/usr/lib/x86_64-linux-gnu/odbc/psqlodbcw.so
+unavailable() { printf 'the server can not start: %s\n' "$*" >&2; exit 125; }
+
+# The server refuses to run as root.
+as_server=()
+[ "$(id -u)" != 0 ] || as_server=(setpriv --reuid=postgres --regid=postgres --init-groups)
+
+if [ "${1:-}" = --keep ]; then
+  folder=$2
+  cat >/dev/null || true # until nobody holds the other end
+  # A server that is just being started again has no file yet, or another one soon.
+  exec 8>"$folder/starting" && flock 8
+  if read -r server <"$folder/data/postmaster.pid" 2>/dev/null; then
+    kill -QUIT "$server" 2>/dev/null || true
+    timeout 20 tail --pid="$server" -s 0.05 -f /dev/null || kill -KILL "$server" 2>/dev/null || true
+  fi
+  rm -rf "$folder"
+  exit
+fi
+
+if [ "${1:-}" = --start ]; then
+  folder=$2
+  exec 8>"$folder/starting" && flock 8
+  rm -f "$folder/data/postmaster.pid" # of a server that was killed
+  "${as_server[@]}" setsid "$programs/postgres" -D "$folder/data" -k "$folder/socket" -c listen_addresses= \
+    -c fsync=off -c full_page_writes=off -c max_connections=200 -c shared_buffers=64MB ${VORDANE_SERVER_OPTIONS:-} \
+    >>"$folder/log" 2>&1 </dev/null 8>&- &
+  server=$!
+  until [ "$(sed -n 8p "$folder/data/postmaster.pid" 2>/dev/null | tr -d ' ')" = ready ]; do
+    kill -0 "$server" 2>/dev/null || unavailable "$(tail -n 5 "$folder/log")"
+    sleep 0.02
+  done
+  exit
+fi
+
+[ $# -gt 0 ] || { echo "usage: with-server.sh COMMAND [ARGUMENT ...]" >&2; exit 2; }
+[ -x "$programs/initdb" ] && [ -e "$driver" ] || unavailable "PostgreSQL 15 and its ODBC driver are not installed"
+
+folder=$(mktemp -d /tmp/vordane-server-XXXXXX)
+exec {life}> >(exec setsid "$0" --keep "$folder" >/dev/null 2>&1)
+mkdir "$folder/data" "$folder/socket" "$folder/driver"
+[ ${#as_server[@]} = 0 ] || chown postgres: "$folder" "$folder/data" "$folder/socket"
+chmod 755 "$folder"
+# Wine hands on to this machine's driver manager, which looks the driver's name up here.
+printf '[PostgreSQL Unicode]\nDriver=%s\n' "$(basename "$driver")" >"$folder/driver/odbcinst.ini"
+: >"$folder/driver/odbc.ini"
+printf '#!/bin/sh\nexec %q --start %q\n' "$(readlink -f "$0")" "$folder" >"$folder/start"
+chmod +x "$folder/start"
+# Texts are ordered by the rules of English here, which are not those of the stored faults.
+"${as_server[@]}" "$programs/initdb" -D "$folder/data" -U administrator --auth=trust --no-sync -E UTF8 \
+  --locale=C.UTF-8 --locale-provider=icu --icu-locale=en >"$folder/log" 2>&1 {life}>&- ||
+  unavailable "$(tail -n 5 "$folder/log")"
+"$folder/start" {life}>&- || exit 125
+
+set +e
+VORDANE_SERVER="$folder" ODBCSYSINI="$folder/driver" setpriv --pdeathsig KILL "$@" {life}>&-
+code=$?
+# The keeper is waited for, so that nothing is left when the caller goes on.
+exec {life}>&-
+timeout 30 bash -c 'while [ -e "$1" ]; do sleep 0.02; done' - "$folder"
+exit "$code"
