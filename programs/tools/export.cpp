@@ -28,6 +28,7 @@ void readAnyFile(const std::string& name, access::Visitor& visitor) {
         return readTables(path.u16string(), visitor);
       case database::FileKind::missing:
         throw database::DatabaseError(database::number::fileNotFound, path.u16string());
+      case database::FileKind::dataSource:  // its tables are the server's
       case database::FileKind::unknown:
         throw database::DatabaseError(database::number::notADatabase, path.u16string());
     }

@@ -6,6 +6,7 @@
 #include "installed_language.h"
 #include "platform/engine_choice.h"
 #include "settings/comRegQuil32.h"
+#include "settings/suite_databases.h"
 #include "setup_files.h"
 #include "setup_language.h"
 #include "setup_stage.h"
@@ -220,7 +221,7 @@ void makeFiles(const Plan& plan, Stage& stage) {
 void addRow(const SuiteLayout& layout, SetupSystem& system) {
   const auto engine = system.engine();
   const auto registry = engine->open(toText(layout.sharedDatabases() / "Register.mdb"), false);
-  const auto rows = registry->openRecordset(u"SELECT * FROM Registry WHERE AppName = \"VORDANE.WRX\"");
+  const auto rows = registry->openRecordset(settings::statement::registration.with({u"VORDANE.WRX"}));
   if (rows->recordCount() > 0) return;
   rows->addNew();
   for (const auto& [column, value] : registryRow) rows->set(column, std::u16string(value));

@@ -45,7 +45,7 @@ class ListStory : public Story {
   }
   void start() {
     application = std::make_unique<Application>(
-        Workstation{settings, clock, files, creator, boxes, engine, deskView, pictures, process, program},
+        Workstation{settings, clock, files, creator, boxes, documents, engine, deskView, pictures, process, program},
         state);
     started = basMain::Main(*application);
   }
