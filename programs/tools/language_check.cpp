@@ -195,25 +195,37 @@ class Checker {
   }
 
   void accessKeys() {
-    Keys window, paneMenu, frameMenu;
+    KeysByPlace keys;
     for (const SourceRow& row : source_.controls)
-      if (typeOf(row.fields[0]) != u"Menu") takeKey(window, row, toUtf8(row.fields[0]));
+      if (typeOf(row.fields[0]) != u"Menu") takeKey(keys.window, row, toUtf8(row.fields[0]));
     for (const SourceRow& row : source_.messages)
-      if (const auto id = text::parseInteger(row.fields[0]))
-        messageKey(window, paneMenu, frameMenu, row, *id);
+      if (const auto id = text::parseInteger(row.fields[0])) messageKey(keys, row, *id);
   }
 
-  // Some messages are captions: of the main window's controls, of the menu over the pane, or of the frame's.
-  void messageKey(Keys& window, Keys& paneMenu, Keys& frameMenu, const SourceRow& row, std::int32_t id) {
+  // Some messages are captions: of the main window's controls, or of a menu.
+  struct KeysByPlace {
+    Keys window, paneMenu, listMenu, frameMenu;
+  };
+  void messageKey(KeysByPlace& keys, const SourceRow& row, std::int32_t id) {
     const auto isOneOf = [id](const auto& numbers) {
       return std::any_of(numbers.begin(), numbers.end(),
                          [id](std::size_t number) { return static_cast<std::int32_t>(number) == id; });
     };
-    const std::string owner = "message " + std::to_string(id);
-    if (isOneOf(message::windowKeys)) return needKey(window, row, owner);
-    if (isOneOf(message::paneMenuKeys)) return needKey(paneMenu, row, owner);
-    if (isOneOf(message::frameMenuKeys)) return needKey(frameMenu, row, owner);
+    const auto nameOf = [](std::size_t number) { return "message " + std::to_string(number); };
+    const std::string owner = nameOf(static_cast<std::size_t>(id));
+    for (const auto& [first, other] : message::captionsInTurn)
+      if (static_cast<std::int32_t>(other) == id) return sameKey(keys.window, row, owner, nameOf(first));
+    if (isOneOf(message::windowKeys)) return needKey(keys.window, row, owner);
+    if (isOneOf(message::paneMenuKeys)) return needKey(keys.paneMenu, row, owner);
+    if (isOneOf(message::listMenuKeys)) return needKey(keys.listMenu, row, owner);
+    if (isOneOf(message::frameMenuKeys)) return needKey(keys.frameMenu, row, owner);
     if (accessKey(row.fields[1]) != 0) complain(row, owner + " is no caption: it takes no access key");
+  }
+
+  void sameKey(const Keys& keys, const SourceRow& row, const std::string& owner, const std::string& first) {
+    const auto found = keys.find(accessKey(row.fields[1]));
+    if (found == keys.end() || found->second != first)
+      complain(row, owner + " has another access key than " + first);
   }
 
   void needKey(Keys& keys, const SourceRow& row, const std::string& owner) {

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "text/fill.h"
 
@@ -178,7 +179,10 @@ constexpr bool isOwn(std::size_t number) {
 inline constexpr std::array windowKeys{lookUpLabel, lookUpNext,     filterText,      filterMajor,
                                        filterMinor, filterKindsAll, filterProcessor, filterSince,
                                        filterUntil, filterClear,    filterOtherDates};
+// The captions that a control takes in turn: the second has the first one's key.
+inline constexpr std::array captionsInTurn{std::pair{filterKindsAll, filterKindsSome}};
 inline constexpr std::array paneMenuKeys{menuCopy};
+inline constexpr std::array listMenuKeys{onlyKind, withoutKind, onlyProcessor, onlyDay};
 inline constexpr std::array frameMenuKeys{menuGuide};
 
 }  // namespace vordane::message

@@ -101,10 +101,10 @@ TEST_F(LanguageCheck, AnAccessKeyOfAMessageIsThatOfNoControl) {
   texts.replace("messages.tsv", "214\t&Text:", "214\tFin&d:");
   expectOnly("messages.tsv:");
   expectOnly("the access key \"D\" is that of cmdClear");
-  texts.replace("messages.tsv", "214\tFin&d:", "214\tF&ind:");
+  texts.replace("messages.tsv", "214\tFin&d:", "214\tFind &by:");
   EXPECT_THAT(check(texts), IsEmpty());
-  texts.replace("messages.tsv", "215\tFind &next", "215\tF&ind next");
-  expectOnly("the access key \"I\" is that of message 214");
+  texts.replace("messages.tsv", "215\tFind &next", "215\tFind &by next");
+  expectOnly("the access key \"B\" is that of message 214");
 }
 
 // The menu over the pane is a window of its own: its C is not the button's.
@@ -112,6 +112,16 @@ TEST_F(LanguageCheck, AMenuHasKeysOfItsOwn) {
   EXPECT_NE(texts.read("messages.tsv").find("221\t&Copy"), std::string::npos);
   EXPECT_NE(texts.read("controls.tsv").find("cmdClose\t&Close"), std::string::npos);
   EXPECT_THAT(check(texts), IsEmpty());
+}
+
+TEST_F(LanguageCheck, EntriesOfOneMenuHaveDifferentKeys) {
+  texts.replace("messages.tsv", "Only this &processor ({1})", "Only this pr&ocessor ({1})");
+  expectOnly("the access key \"O\" is that of message 267");
+}
+
+TEST_F(LanguageCheck, ACaptionInTurnHasTheKeyOfTheFirst) {
+  texts.replace("messages.tsv", "&Kinds: {1} of {2}", "Ki&nds: {1} of {2}");
+  expectOnly("message 250 has another access key than message 249");
 }
 
 TEST_F(LanguageCheck, CaptionsAmongTheMessagesHaveAKeyAndNoOthers) {

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 
+#include "kit/windows/running_programs.h"
 #include "platform/windows/services/services.h"
 #include "text/utf8.h"
 
