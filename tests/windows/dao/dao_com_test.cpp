@@ -6,6 +6,7 @@
 #include "platform/dao/dao_engine.h"
 #include "platform/dao/dao_reader.h"
 #include "platform/windows/services/services.h"
+#include "startup/databases.h"
 #include "store/fault_store.h"
 #include "store/statements.h"
 
@@ -26,7 +27,8 @@ class DaoServer : public database::EngineUnderTest {
   windows::ComObjectCreator creator_;
   automation::ObjectRef witness_ = creator_.create(u"DAO.DBEngine.120");
   sqlite::EmbeddedUnderTest files_;
-  std::unique_ptr<database::Engine> engine_ = makeEngine(creator_, std::chrono::milliseconds(40));
+  std::unique_ptr<database::Engine> engine_ =
+      makeEngine(startup::databases, creator_, std::chrono::milliseconds(40));
 };
 
 }  // namespace
