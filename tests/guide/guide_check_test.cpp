@@ -118,7 +118,8 @@ TEST_F(GuideCheck, HoldsTheOptionsAgainstWhatTheProgramSays) {
               ElementsAre("en: the option --quiet of devhost is not described"));
   EXPECT_THAT(guide.check({{"devhost", "usage: devhost [--times] SCRIPT"}}),
               ElementsAre("en: devhost does not know the option --reports that is described"));
-  EXPECT_THAT(guide.check({{"VORDANE", "/RegServer [/JobAccount:NAME | /ThisUser] or /UnregServer"}}), IsEmpty());
+  EXPECT_THAT(guide.check({{"VORDANE", "/RegServer [/JobAccount:NAME | /ThisUser] or /UnregServer"}}),
+              IsEmpty());
   EXPECT_THAT(guide.check({{"newtool", ""}}), ElementsAre("en: newtool is not described (a topic newtool)"));
 }
 
