@@ -14,6 +14,8 @@ constexpr const char* demonstrationFolder = "SIM";
 void copyFile(const fs::path& from, const fs::path& to) {
   std::error_code failure;
   fs::copy_file(from, to, fs::copy_options::overwrite_existing, failure);
+  // The library says no more of bytes that could not be written than this; nearly always there is no room.
+  if (failure == std::errc::io_error) failure = std::make_error_code(std::errc::no_space_on_device);
   if (failure) failAt(to, failure);
 }
 
