@@ -148,6 +148,12 @@ void showState(View& view, Form& form, const Options& options, FakeRows& rows) {
   }
 }
 
+void CALLBACK pressKinds(HWND, UINT, UINT_PTR timer, DWORD) {
+  KillTimer(nullptr, timer);
+  SendMessageW(GetDlgItem(FindWindowW(win32::windowClassName, nullptr), win32::idFilterKinds), BM_CLICK, 0,
+               0);
+}
+
 // As a person opens and uses it.
 void showFilter(HWND window, const Options& options) {
   MSG message;
@@ -158,11 +164,7 @@ void showFilter(HWND window, const Options& options) {
   if (options.kinds) {
     press(win32::idFilterMinor);
     SetWindowTextW(GetDlgItem(window, win32::idFilterSince), L"2026/11/20");
-    SetTimer(nullptr, 0, 1000, [](HWND, UINT, UINT_PTR timer, DWORD) {
-      KillTimer(nullptr, timer);
-      SendMessageW(GetDlgItem(FindWindowW(win32::windowClassName, nullptr), win32::idFilterKinds), BM_CLICK,
-                   0, 0);
-    });
+    SetTimer(nullptr, 0, 1000, pressKinds);
   }
 }
 
