@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <random>
 
 #include "devhost/fakes.h"
 #include "places.h"
@@ -24,7 +25,8 @@ class InterpreterTest : public testing::Test {
     };
     directory_ =
         std::filesystem::temp_directory_path() /
-        ("vordane-devhost-" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
+        ("vordane-devhost-" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) +
+         std::to_string(std::random_device()()));
     std::filesystem::create_directories(directory_);
   }
   ~InterpreterTest() override { std::filesystem::remove_all(directory_); }

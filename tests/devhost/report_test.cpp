@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <random>
 
 #include "devhost/fakes.h"
 #include "places.h"
@@ -57,7 +58,8 @@ class ReportTest : public testing::Test {
 
   std::filesystem::path directory_ =
       std::filesystem::temp_directory_path() /
-      ("vordane-report-" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
+      ("vordane-report-" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) +
+       std::to_string(std::random_device()()));
   FakeFaultDatabase content_;
   FakeEngine engine_{content_};
 };

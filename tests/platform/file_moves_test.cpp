@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <random>
 
 namespace vordane::platform {
 namespace {
@@ -61,7 +62,8 @@ TEST(TryPatiently, WhatNoWaitingMendsFailsAtOnce) {
 }
 
 TEST(MoveFile, TakesTheNameOver) {
-  const fs::path folder = fs::temp_directory_path() / "vordane-file-moves";
+  const fs::path folder =
+      fs::temp_directory_path() / ("vordane-file-moves-" + std::to_string(std::random_device()()));
   fs::create_directories(folder);
   std::ofstream(folder / "new") << "new";
   std::ofstream(folder / "name") << "an older one";

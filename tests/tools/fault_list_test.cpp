@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <sstream>
 
 #include "csv.h"
@@ -61,7 +62,8 @@ class FaultList : public testing::Test {
     }
   }
 
-  std::filesystem::path file_ = std::filesystem::temp_directory_path() / "vordane-fault-list.mdb";
+  std::filesystem::path file_ = std::filesystem::temp_directory_path() /
+                                ("vordane-fault-list-" + std::to_string(std::random_device()()) + ".mdb");
 };
 
 TEST_F(FaultList, LinesForAPerson) {
