@@ -181,6 +181,16 @@ TEST_P(DatabaseContract, AReadOnlyDatabaseRefusesChanges) {
   EXPECT_EQ(numberOfError([&] { database->execute(u"DELETE FROM PBXList WHERE ID = 1"); }), 3027);
 }
 
+TEST_P(DatabaseContract, AWalkGoesOnAfterAChangeInItsMiddle) {
+  const auto database = open(Layout::faults);
+  for (const char16_t* kind : {u"01", u"02", u"03"}) addFault(*database, {7, kind});
+  const auto rows = database->openRecordset(u"Select * from FaultDisplay");
+  std::vector<std::string> kinds{shown(rows->get(u"Fault"))};
+  addExchange(*database, u"A");
+  for (rows->moveNext(); !rows->atEnd(); rows->moveNext()) kinds.push_back(shown(rows->get(u"Fault")));
+  EXPECT_EQ(kinds, (std::vector<std::string>{"01", "02", "03"}));
+}
+
 TEST_P(DatabaseContract, AnIdenticalFaultIsFound) {
   const auto database = open(Layout::faults);
   const Fault fault{1, u"01", u"MJ", u"MP   ", u"2006/11/27 10:15", u"Title\r\nLine [1]; it's 5 % -- #1 |"};
