@@ -162,6 +162,10 @@ TEST_P(DatabaseContract, AnEditChangesWhatItSetAndNothingElse) {
   EXPECT_EQ(again->get(u"MJ"), Value(true));
   EXPECT_EQ(again->get(u"MN"), Value(false));
   EXPECT_EQ(shown(again->get(u"TimeStamp")), "2006-11-27 10:15:00");
+  again->edit();
+  again->set(u"MJ", automation::Null{});
+  again->update();
+  EXPECT_EQ(database->openRecordset(named(u"A"))->get(u"MJ"), Value(false)) << "a flag is one or the other";
 }
 
 TEST_P(DatabaseContract, ChangesNeedToBeBegun) {

@@ -80,8 +80,8 @@ TEST_F(FaultIndexTest, LongStepsTellHowFarTheyAre) {
   for (int i = 0; i < 2100; ++i) addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01"});
   database->endBatch();
   const std::u16string_view count[] = {u"Count"};
-  const auto rows =
-      database->openRowList(u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[2][0]), count);
+  const auto rows = database->openRowList(
+      u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[2][0]), count);
   std::vector<std::size_t> looked;
   EXPECT_EQ(rows->find(u"nowhere", 0, [&](std::size_t done) { looked.push_back(done); }), std::nullopt);
   EXPECT_EQ(looked, (std::vector<std::size_t>{1023, 2047}));

@@ -37,6 +37,12 @@ TEST(TextRules, TheKeysOrderAsTheTextsDo) {
   }
 }
 
+TEST(TextRules, TheSortKeyIsTheFoldedTextInUtf8) {
+  std::string key;
+  appendSortKey(u"Ab\u00C4\u65E5\xD83D\xDE00  ", key);
+  EXPECT_EQ(key, "ab\xC3\xA4\xE6\x97\xA5\xF0\x9F\x98\x80");
+}
+
 // The hash is part of the files: it is the same on every system.
 TEST(TextRules, TheHashIsFixed) {
   FoldedHash hash;

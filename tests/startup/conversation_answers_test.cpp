@@ -139,6 +139,22 @@ TEST_F(Conversation, AServerThatVanishesInTheMiddleIsAFailure) {
   EXPECT_LT(reads, 12) << "a server that has gone is not asked again and again";
 }
 
+TEST_F(Conversation, EveryWayOfBeingGoneIsOne) {
+  startWithHost();
+  for (const std::uint32_t gone :
+       {0x800706BAU, 0x800706BEU, 0x80010108U, 0x80010007U, 0x80010012U, 0x800401FDU}) {
+    pressAndTick(0);
+    const auto answer = exchange().record(0, oneFault());
+    int reads = 0;
+    answer->broken = [&](std::u16string_view) { return ++reads > 5; };
+    answer->brokenWith = static_cast<std::int32_t>(gone);
+    taken();
+    exchange().callBack(answer);
+    EXPECT_THAT(view.status[0], testing::HasSubstr(u"gone")) << std::hex << gone;
+    EXPECT_EQ(reads, 6) << std::hex << gone;
+  }
+}
+
 TEST_F(Conversation, AnUnreadableCodeIsAFailure) {
   startWithHost();
   pressAndTick(0);

@@ -186,7 +186,8 @@ TEST_F(Window, TheRightButtonOffersWhatsThis) {
   for (const char16_t* name : {u"lblListups", u"lblMJ", u"lblMN", u"lblTimetag", u"txtTimeTag"}) {
     form().input().mousePressed(form().form().control(name), 2);
     const std::string help = std::u16string_view(name) == u"txtTimeTag" ? "When the list was taken" : "M224";
-    EXPECT_THAT(taken(), ElementsAre("(menu mnuWhatsThis)", "(help " + text::toUtf8(name) + ": " + help + ")"));
+    EXPECT_THAT(taken(),
+                ElementsAre("(menu mnuWhatsThis)", "(help " + text::toUtf8(name) + ": " + help + ")"));
     form().input().mousePressed(form().form().control(name), 1);
   }
   form().input().mousePressed(form().form().control(u"cmdPrint"), 2);
