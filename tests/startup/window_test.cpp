@@ -173,6 +173,11 @@ TEST_F(Window, TheListsOfTheKindsAreNeverSeen) {
   for (const KindList& list : kindLists) EXPECT_FALSE(form().form().control(list.name()).flag(u"Visible"));
 }
 
+TEST_F(Window, TheTimeOfTheListCanBeReadButNotWritten) {
+  startWithHost();
+  EXPECT_TRUE(form().form().control(u"txtTimeTag").flag(u"Locked"));
+}
+
 TEST_F(Window, F1AsksTheHostForHelp) {
   startWithHost();
   form().input().keyPressed(112);
