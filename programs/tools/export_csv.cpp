@@ -1,8 +1,8 @@
 #include "export_csv.h"
 
-#include "csv.h"
 #include "lines.h"
 #include "platform/file_moves.h"
+#include "text/csv.h"
 #include "text/file_names.h"
 #include "text/utf8.h"
 
@@ -20,10 +20,10 @@ std::string csvField(const access::Value& value, CsvUse use) {
   std::u16string words = automation::toText(value);
   // Only a text can be a formula: a number may begin with a minus.
   if (use == CsvUse::spreadsheet && std::holds_alternative<std::u16string>(value))
-    words = forSpreadsheet(std::move(words));
-  const std::string text = text::toUtf8(words);
-  const bool plain = !text.empty() && text.find_first_of("\",\r\n") == std::string::npos;
-  return plain ? text : csvQuoted(text);
+    words = text::forSpreadsheet(std::move(words));
+  const std::string utf8 = text::toUtf8(words);
+  const bool plain = !utf8.empty() && utf8.find_first_of("\",\r\n") == std::string::npos;
+  return plain ? utf8 : text::csvQuoted(utf8);
 }
 
 CsvExport::CsvExport(fs::path folder, CsvUse use) : use_(use), folder_(std::move(folder)) {

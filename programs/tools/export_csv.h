@@ -13,7 +13,7 @@ namespace vordane::tools {
 
 enum class CsvUse : std::uint8_t {
   readBack,    // every value as it stands
-  spreadsheet  // texts that a spreadsheet would run made harmless (csv.h)
+  spreadsheet  // texts that a spreadsheet would run made harmless (text/csv.h)
 };
 
 // One file for each table it hears of, "TABLE.csv" in `folder`, which is made: UTF-8, lines that end with CR

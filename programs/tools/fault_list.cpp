@@ -2,11 +2,11 @@
 
 #include <vector>
 
-#include "csv.h"
 #include "lines.h"
 #include "platform/stored_values.h"
 #include "store/statements.h"
 #include "terminal_text.h"
+#include "text/csv.h"
 #include "text/text.h"
 #include "text/utf8.h"
 
@@ -146,8 +146,8 @@ class Lister {
   }
 
   void printCsv(Recordset& row, const std::u16string& name) {
-    const auto field = [](std::u16string text) {
-      return csvQuoted(text::toUtf8(forSpreadsheet(std::move(text))));
+    const auto field = [](std::u16string words) {
+      return text::csvQuoted(text::toUtf8(text::forSpreadsheet(std::move(words))));
     };
     out_ << field(name);
     for (const auto column : {u"Fault", u"Alarm", u"Date", u"CPU", u"Description"})

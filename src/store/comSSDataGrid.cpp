@@ -1,9 +1,8 @@
 #include "store/comSSDataGrid.h"
 
 #include <algorithm>
-#include <cmath>
 
-#include "store/data_control.h"
+#include "platform/stored_rows.h"
 #include "text/numbers.h"
 #include "text/text.h"
 
@@ -12,14 +11,6 @@ namespace {
 
 // The message texts that stand around the data in every description.
 constexpr std::size_t dataHeading = 5, dataOpen = 6, dataClose = 7;
-
-enum Field : std::size_t { fault, alarm, date, cpu, description, count };
-
-// The row's own number: an integer of the automation types, or a Double beyond their range.
-std::int64_t rowNumber(const database::Value& value) {
-  constexpr double end = 9223372036854775807.0;
-  return static_cast<std::int64_t>(std::clamp(automation::toDouble(value), -end, std::nextafter(end, 0.0)));
-}
 
 }  // namespace
 
@@ -60,9 +51,7 @@ std::optional<window::GridRow> FaultRows::row(std::size_t position) {
 std::optional<window::GridRow> FaultRows::read(std::size_t position) {
   try {
     if (!rows_->fetch(position, buffer_)) return {};
-    return window::GridRow{store::textOf(buffer_[fault]),       store::textOf(buffer_[alarm]),
-                           store::textOf(buffer_[date]),        store::textOf(buffer_[cpu]),
-                           store::textOf(buffer_[description]), rowNumber(buffer_[count])};
+    return database::gridRowOf(buffer_);
   } catch (const database::DatabaseError&) {
     return {};
   } catch (const automation::AutomationError&) {

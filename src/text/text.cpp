@@ -36,6 +36,16 @@ std::vector<std::u16string> split(std::u16string_view text, char16_t separator) 
   }
 }
 
+std::vector<std::u16string_view> lines(std::u16string_view text) {
+  std::vector<std::u16string_view> found;
+  for (;;) {
+    const std::size_t end = text.find_first_of(crlf);
+    found.push_back(text.substr(0, end));
+    if (end == text.npos) return found;
+    text.remove_prefix(end + (text.substr(end, 2) == crlf ? 2 : 1));
+  }
+}
+
 bool startsWith(std::u16string_view text, std::u16string_view prefix) {
   return text.starts_with(prefix);
 }

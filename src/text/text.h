@@ -24,6 +24,10 @@ std::u16string_view right(std::u16string_view text, std::size_t length);
 // The pieces between the separators; an empty text gives no piece.
 std::vector<std::u16string> split(std::u16string_view text, char16_t separator);
 
+// The lines between its line ends (CR LF, CR or LF), the last one empty where the text ends with one: at
+// least one. They are views into the text.
+std::vector<std::u16string_view> lines(std::u16string_view text);
+
 bool startsWith(std::u16string_view text, std::u16string_view prefix);
 bool contains(std::u16string_view text, std::u16string_view part);
 // The position, from 0, of the first `character`, else npos; far quicker in long texts than the library's

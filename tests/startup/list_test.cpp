@@ -1,7 +1,13 @@
-// A filter stands beside what the window is asked to do: with it and without it the same statements run in
-// the same order, and hosts notice the same.
+// What a person does with the list stands beside what the window is asked to do: with a filter, a text that
+// is looked for, copies and saved files, and without them, the same statements run in the same order, and
+// hosts notice the same.
+#include <filesystem>
+#include <random>
+
 #include "fakes/watched_database.h"
-#include "list/desk.h"
+#include "list/copying.h"
+#include "list/finder.h"
+#include "list/saving.h"
 #include "startup/story.h"
 
 namespace vordane::startup {
@@ -14,13 +20,30 @@ class DeskView : public StoryView {
   void setRows(window::GridSource* source) override {
     desk.setStored(source, use && use() != window::ListUse::never ? std::optional<std::u16string>(u"any")
                                                                   : std::nullopt);
+    finder.begin();
     StoryView::setRows(source != nullptr ? &desk : nullptr);
   }
   // What the timer does: a slice when it may, so often as there is work.
   void haveTime() {
     while (desk.busy() && use() == window::ListUse::now) desk.work([] { return false; });
+    finder.begin();
+    while (finder.busy() && use() == window::ListUse::now) finder.work([] { return false; });
+  }
+  void copyAndSave() {
+    list::Copying copying(desk, {{0, desk.size()}}, list::RowForm::lines, {});
+    while (copying.work([] { return false; }) == list::Copying::State::atWork) {
+    }
+    EXPECT_FALSE(copying.text().empty());
+    const auto file = std::filesystem::temp_directory_path() /
+                      ("vordane-story-" + std::to_string(std::random_device{}()) + ".json");
+    list::Saving saving(desk, list::makeRowWriter(list::RowForm::json, {}, desk.size()), file);
+    while (saving.work([] { return false; }) == list::Saving::State::atWork) {
+    }
+    EXPECT_EQ(saving.state(), list::Saving::State::saved);
+    EXPECT_TRUE(std::filesystem::remove(file));
   }
   list::Desk desk;
+  list::Finder finder{desk};
   std::function<window::ListUse()> use;
 };
 
@@ -56,7 +79,11 @@ class ListStory : public Story {
     only.text = u"15";
     deskView.desk.setFilter(only);
     deskView.desk.wantFacts(true);
+    deskView.finder.seek(u"15");
     deskView.haveTime();
+    if (deskView.desk.size() == 0) return;
+    EXPECT_EQ(deskView.finder.hits(), 1U);
+    deskView.copyAndSave();
   }
   bool tickOnce() {
     if (deskView.timer == 0) return false;
@@ -117,7 +144,7 @@ struct Filtered : ListStory {
   void TestBody() override {}
 };
 
-TEST(ListStories, TheSameStatementsRunWithAFilterAndWithout) {
+TEST(ListStories, TheSameStatementsRunWhateverIsDoneWithTheList) {
   Unfiltered without;
   const auto expected = without.run();
   Filtered with;

@@ -32,6 +32,14 @@ TEST(Split, KeepsEmptyPiecesButHasNoneForAnEmptyText) {
   EXPECT_TRUE(split(u"", u',').empty());
 }
 
+TEST(Lines, EndWithAnyOfTheThreeLineEnds) {
+  using Lines = std::vector<std::u16string_view>;
+  EXPECT_EQ(lines(u"a\r\nb\rc\n\nd"), (Lines{u"a", u"b", u"c", u"", u"d"}));
+  EXPECT_EQ(lines(u"a\n\rb"), (Lines{u"a", u"", u"b"}));
+  EXPECT_EQ(lines(u"a\r\n"), (Lines{u"a", u""}));
+  EXPECT_EQ(lines(u""), (Lines{u""}));
+}
+
 TEST(Case, FoldsOneForOneInEveryScript) {
   EXPECT_EQ(toLower(u"PBX Ärger ПОЧТА"), u"pbx ärger почта");
   EXPECT_EQ(toUpper(u"straße i ı"), u"STRAßE I I");

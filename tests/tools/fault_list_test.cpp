@@ -6,12 +6,12 @@
 #include <random>
 #include <sstream>
 
-#include "csv.h"
 #include "export_csv.h"
 #include "lines.h"
 #include "platform/sqlite/engine.h"
 #include "startup/databases.h"
 #include "store/fault_database.h"
+#include "text/csv.h"
 #include "tools/sqlite/database_writer.h"
 
 namespace vordane::tools {
@@ -167,9 +167,9 @@ TEST_F(FaultList, AnUnknownExchangeIsAnErrorThatNamesTheKnownOnes) {
 TEST(ForSpreadsheet, AnApostropheStandsBeforeWhatWouldBeAFormula) {
   for (const char16_t* formula :
        {u"=1", u"+1", u"-1", u"@SUM", u"\tx", u"\rx", u"\nx", u"＝1", u"＋1", u"－1", u"＠x"})
-    EXPECT_EQ(forSpreadsheet(formula), u"'" + std::u16string(formula));
+    EXPECT_EQ(text::forSpreadsheet(formula), u"'" + std::u16string(formula));
   for (const char16_t* plain : {u"", u"a=1", u" =1", u"'=1", u"1-2", u"日"})
-    EXPECT_EQ(forSpreadsheet(plain), plain);
+    EXPECT_EQ(text::forSpreadsheet(plain), plain);
 }
 
 TEST(CsvExport, TextsForASpreadsheetAreMadeHarmlessWhenThatIsWanted) {

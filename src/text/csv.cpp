@@ -1,6 +1,6 @@
-#include "csv.h"
+#include "text/csv.h"
 
-namespace vordane::tools {
+namespace vordane::text {
 
 std::string csvQuoted(std::string_view utf8) {
   std::string out = "\"";
@@ -14,4 +14,4 @@ std::u16string forSpreadsheet(std::u16string text) {
   return text;
 }
 
-}  // namespace vordane::tools
+}  // namespace vordane::text

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace vordane::tools {
+namespace vordane::text {
 
 // In quotes, the quotes inside doubled.
 std::string csvQuoted(std::string_view utf8);
@@ -13,4 +13,4 @@ std::string csvQuoted(std::string_view utf8);
 // formula and runs it; an apostrophe before it makes it a text.
 std::u16string forSpreadsheet(std::u16string text);
 
-}  // namespace vordane::tools
+}  // namespace vordane::text

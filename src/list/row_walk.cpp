@@ -1,0 +1,38 @@
+#include "list/row_walk.h"
+
+#include "platform/stored_rows.h"
+
+namespace vordane::list {
+
+RowWalk::RowWalk(Desk& desk, std::vector<Stretch> rows) : desk_(desk), rows_(std::move(rows)) {
+  std::erase_if(rows_, [](const Stretch& stretch) { return stretch.begin == stretch.end; });
+  for (const Stretch& stretch : rows_) of_ += stretch.end - stretch.begin;
+  if (!rows_.empty()) place_ = rows_.front().begin;
+}
+
+void RowWalk::step() {
+  ++done_;
+  if (++place_ < rows_[stretch_].end) return;
+  if (++stretch_ < rows_.size()) place_ = rows_[stretch_].begin;
+}
+
+bool RowWalk::next(const Take& take, const std::function<bool()>& again) {
+  while (!atEnd()) {
+    database::RowList* rows = desk_.list();
+    if (rows == nullptr) return false;  // while a long step runs
+    std::optional<window::GridRow> row;
+    if (place_ < desk_.size() && rows->fetch(desk_.storedPosition(place_), values_)) try {
+        row = database::gridRowOf(values_);
+      } catch (const automation::AutomationError&) {  // shown as one that has gone
+      }
+    if (row)
+      take(place_, *row);
+    else
+      ++gone_;
+    step();
+    if (!again()) break;
+  }
+  return atEnd();
+}
+
+}  // namespace vordane::list

@@ -1,0 +1,36 @@
+// Some of the rows shown, one after the other, in pieces between messages: nothing of the file is held
+// between two. One thread; the desk outlives it, and other rows in the desk end it (whoever owns it lets it
+// go).
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "list/desk.h"
+#include "list/selection.h"
+
+namespace vordane::list {
+
+class RowWalk {
+ public:
+  RowWalk(Desk& desk, std::vector<Stretch> rows);
+
+  // Takes rows by their places until `again` says no, one row at least; true when it has come to the end.
+  // Rows that have gone since are counted and left out. Throws DatabaseError, and can't go on then.
+  using Take = std::function<void(std::size_t shown, const window::GridRow& row)>;
+  bool next(const Take& take, const std::function<bool()>& again);
+
+  Desk::Progress progress() const { return {done_, of_}; }
+  std::size_t gone() const { return gone_; }
+
+ private:
+  bool atEnd() const { return stretch_ == rows_.size(); }
+  void step();
+
+  Desk& desk_;
+  std::vector<Stretch> rows_;
+  std::size_t stretch_ = 0, place_ = 0, done_ = 0, of_ = 0, gone_ = 0;
+  std::vector<database::Value> values_;
+};
+
+}  // namespace vordane::list

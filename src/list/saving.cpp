@@ -1,0 +1,58 @@
+#include "list/saving.h"
+
+#include <utility>
+
+namespace vordane::list {
+namespace {
+
+constexpr std::size_t enough = std::size_t{1} << 16;
+constexpr int mostTries =
+    100;  // a scanner or an indexer holds a file for a moment: a second or two of pieces
+
+}  // namespace
+
+Saving::Saving(Desk& desk, std::unique_ptr<RowWriter> writer, const std::filesystem::path& file)
+    : walk_(desk, {{0, desk.size()}}), writer_(std::move(writer)), file_(file) {}
+
+Saving::State Saving::work(const std::function<bool()>& again) {
+  if (state_ != State::atWork) return state_;
+  try {
+    state_ = piece(again);
+  } catch (const database::DatabaseError& error) {
+    failure_ = error.description();
+    state_ = State::failed;
+  }
+  return state_;
+}
+
+Saving::State Saving::piece(const std::function<bool()>& again) {
+  if (written_) return takeName();
+  if (!std::exchange(begun_, true)) {
+    if (!file_.begin()) return State::noFile;
+    writer_->begin(buffer_);
+  }
+  bool written = true;
+  const auto take = [&](std::size_t, const window::GridRow& row) {
+    writer_->row(row, buffer_);
+    if (buffer_.size() >= enough) written = flush();
+  };
+  const bool through = walk_.next(take, [&] { return written && again(); });
+  if (!written) return State::noRoom;
+  if (!through) return State::atWork;
+  writer_->end(buffer_);
+  written_ = flush() && file_.end();
+  return written_ ? takeName() : State::noRoom;
+}
+
+Saving::State Saving::takeName() {
+  if (file_.takeName()) return State::saved;
+  return ++tries_ < mostTries ? State::atWork : State::held;
+}
+
+bool Saving::flush() {
+  const bool written = file_.write(buffer_);
+  buffer_.clear();
+  return written;
+}
+
+}  // namespace vordane::list
