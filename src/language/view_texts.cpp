@@ -85,6 +85,54 @@ std::size_t messageNumber(window::ViewText which) {
       return message::onlyProcessor;
     case ViewText::onlyDay:
       return message::onlyDay;
+    case ViewText::findPlace:
+      return message::findPlace;
+    case ViewText::findCount:
+      return message::findCount;
+    case ViewText::findAtWork:
+      return message::findAtWork;
+    case ViewText::rowsSelected:
+      return message::rowsSelected;
+    case ViewText::copyCsv:
+      return message::copyCsv;
+    case ViewText::copyMessage:
+      return message::copyMessage;
+    case ViewText::copyData:
+      return message::copyData;
+    case ViewText::copyAtWork:
+      return message::copyAtWork;
+    case ViewText::copyTooMany:
+      return message::copyTooMany;
+    case ViewText::copyNoData:
+      return message::copyNoData;
+    case ViewText::saveShown:
+      return message::saveShown;
+    case ViewText::saveTitle:
+      return message::saveTitle;
+    case ViewText::saveAsCsv:
+      return message::saveAsCsv;
+    case ViewText::saveAsPage:
+      return message::saveAsPage;
+    case ViewText::saveAsJson:
+      return message::saveAsJson;
+    case ViewText::saveAtWork:
+      return message::saveAtWork;
+    case ViewText::saved:
+      return message::saved;
+    case ViewText::savedButGone:
+      return message::savedButGone;
+    case ViewText::saveNoFile:
+      return message::saveNoFile;
+    case ViewText::saveNoRoom:
+      return message::saveNoRoom;
+    case ViewText::saveHeld:
+      return message::saveHeld;
+    case ViewText::outputFailed:
+      return message::outputFailed;
+    case ViewText::outputStopped:
+      return message::outputStopped;
+    case ViewText::outputGivenUp:
+      return message::outputGivenUp;
     case ViewText::openGuide:
       return message::menuGuide;
   }

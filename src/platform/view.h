@@ -86,6 +86,32 @@ enum class ViewText {
   withoutKind,         // none of kind {1}
   onlyProcessor,       // only of processor {1}
   onlyDay,             // only of day {1}
+  // Of finding: what the bar says behind its buttons.
+  findPlace,   // the selected fault is number {1} of {2} that hold the text
+  findCount,   // {1} hold it; the selected one does not
+  findAtWork,  // {1} of {2} faults looked at
+  // Of several selected faults, of copying and saving.
+  rowsSelected,  // the status line's number: {1} as it is otherwise, {2} faults selected
+  copyCsv,       // context menu of the grid: copies the selected faults as CSV
+  copyMessage,   // their descriptions
+  copyData,      // their data
+  copyAtWork,    // {1} of {2} faults copied; Esc stops it
+  copyTooMany,   // {1} are selected, {2} can be copied
+  copyNoData,    // the selected faults hold no data
+  saveShown,     // context menu of the grid: saves all faults shown
+  saveTitle,     // of the dialog that asks for the file
+  saveAsCsv,     // the kinds of files that it offers
+  saveAsPage,
+  saveAsJson,
+  saveAtWork,     // {1} of {2} faults saved; Esc stops it
+  saved,          // {1} faults saved as {2}
+  savedButGone,   // the same; {3} had gone meanwhile
+  saveNoFile,     // no file can be made as {1}
+  saveNoRoom,     // {1} could not be written to its end
+  saveHeld,       // {1} can't be replaced
+  outputFailed,   // copying or saving: the database said {1}
+  outputStopped,  // by the person: nothing was written
+  outputGivenUp,  // the list was renewed meanwhile: nothing was written
 };
 
 class ViewTexts {

@@ -191,7 +191,7 @@ std::u16string FakeTexts::text(ViewText which) {
     case ViewText::openGuide:
       return pick({u"&Guide", u"&Руководство", u"ガイド(&G)"}, language_);
     case ViewText::copyFault:
-      return pick({u"&Copy\tCtrl+C", u"&Копировать\tCtrl+C", u"コピー(&C)\tCtrl+C"}, language_);
+      return pick({u"&Copy", u"&Копировать", u"コピー(&C)"}, language_);
     case ViewText::selectedFault:
       return pick({u"Selected fault", u"Выбранная неисправность", u"選択した障害"}, language_);
     case ViewText::noSelection:
@@ -270,6 +270,100 @@ std::u16string FakeTexts::text(ViewText which) {
                   language_);
     case ViewText::onlyDay:
       return pick({u"Only this &day ({1})", u"Только этот &день ({1})", u"この日だけ表示(&D) ({1})"},
+                  language_);
+    case ViewText::findPlace:
+      return pick({u"{1} of {2}", u"{1} из {2}", u"{2} 件中 {1} 件目"}, language_);
+    case ViewText::findCount:
+      return pick({u"{1} found", u"Найдено: {1}", u"{1} 件見つかりました"}, language_);
+    case ViewText::findAtWork:
+      return pick({u"Counting: {1} of {2}", u"Подсчёт: {1} из {2}", u"集計中: {1} / {2}"}, language_);
+    case ViewText::rowsSelected:
+      return pick({u"{1}, {2} selected", u"{1}, выбрано {2}", u"{1}、{2} 件選択"}, language_);
+    case ViewText::copyCsv:
+      return pick({u"Copy as CS&V", u"Копировать как CS&V", u"CSV としてコピー(&V)"}, language_);
+    case ViewText::copyMessage:
+      return pick({u"Copy &message", u"Копировать &сообщение", u"メッセージをコピー(&M)"}, language_);
+    case ViewText::copyData:
+      return pick({u"Copy data &bytes", u"Копировать б&айты данных", u"データバイトをコピー(&B)"}, language_);
+    case ViewText::copyAtWork:
+      return pick(
+          {u"Copying: {1} of {2} ... Esc stops it.", u"Копирование: {1} из {2} ... Esc прекращает его.",
+           u"コピー中: {1} / {2} … Esc で中止します。"},
+          language_);
+    case ViewText::copyTooMany:
+      return pick(
+          {u"{1} faults are too many for the clipboard, which takes {2}. Save them instead (Ctrl+S).",
+           u"Неисправностей слишком много для буфера обмена ({1}, помещается {2}). Сохраните их в файл "
+           u"(Ctrl+S).",
+           u"{1} 件はクリップボードに入りません (最大 {2} 件)。ファイルに保存してください (Ctrl+S)。"},
+          language_);
+    case ViewText::copyNoData:
+      return pick({u"The selected faults hold no data.", u"В выбранных неисправностях нет данных.",
+                   u"選択した障害にデータはありません。"},
+                  language_);
+    case ViewText::saveShown:
+      return pick({u"&Save shown faults...", u"Со&хранить показанные...", u"表示中の障害を保存(&S)..."},
+                  language_);
+    case ViewText::saveTitle:
+      return pick({u"Save shown faults", u"Сохранить показанные неисправности", u"表示中の障害を保存"},
+                  language_);
+    case ViewText::saveAsCsv:
+      return pick({u"Table for spreadsheets (CSV)", u"Таблица (CSV)", u"表計算用の表 (CSV)"}, language_);
+    case ViewText::saveAsPage:
+      return pick({u"Page for browsers and printing (HTML)", u"Страница для просмотра и печати (HTML)",
+                   u"表示・印刷用のページ (HTML)"},
+                  language_);
+    case ViewText::saveAsJson:
+      return pick(
+          {u"Data for programs (JSON)", u"Данные для программ (JSON)", u"プログラム用のデータ (JSON)"},
+          language_);
+    case ViewText::saveAtWork:
+      return pick({u"Saving: {1} of {2} ... Esc stops it.", u"Сохранение: {1} из {2} ... Esc прекращает его.",
+                   u"保存中: {1} / {2} … Esc で中止します。"},
+                  language_);
+    case ViewText::saved:
+      return pick({u"{1} faults saved in {2}", u"Сохранено неисправностей: {1}, файл {2}",
+                   u"{1} 件を {2} に保存しました"},
+                  language_);
+    case ViewText::savedButGone:
+      return pick({u"{1} faults saved in {2}; {3} others had been removed meanwhile",
+                   u"Сохранено неисправностей: {1}, файл {2}; удалено тем временем: {3}",
+                   u"{1} 件を {2} に保存しました。その間に {3} 件が削除されていました"},
+                  language_);
+    case ViewText::saveNoFile:
+      return pick({u"Nothing was saved: no file can be made as {1}. Choose another folder.",
+                   u"Ничего не сохранено: файл {1} создать нельзя. Выберите другую папку.",
+                   u"保存していません: {1} を作成できません。別のフォルダーを選んでください。"},
+                  language_);
+    case ViewText::saveNoRoom:
+      return pick(
+          {u"Nothing was saved: {1} could not be written to its end. Make room on the disk, or choose "
+           u"another one.",
+           u"Ничего не сохранено: файл {1} не удалось записать до конца. Освободите место на диске или "
+           u"выберите другой диск.",
+           u"保存していません: {1} "
+           u"を最後まで書き込めませんでした。ディスクの空きを増やすか、別のディスクを選んでください。"},
+          language_);
+    case ViewText::saveHeld:
+      return pick(
+          {u"Nothing was saved: another program holds {1}. Close it there, or choose another name.",
+           u"Ничего не сохранено: файл {1} занят другой программой. Закройте его там или выберите другое "
+           u"имя.",
+           u"保存していません: {1} はほかのプログラムが使用中です。閉じるか、別の名前を選んでください。"},
+          language_);
+    case ViewText::outputFailed:
+      return pick(
+          {u"Nothing was written. The database said: {1}", u"Ничего не записано. Сообщение базы данных: {1}",
+           u"何も書き込んでいません。データベースの応答: {1}"},
+          language_);
+    case ViewText::outputStopped:
+      return pick({u"Stopped. Nothing was written.", u"Прекращено. Ничего не записано.",
+                   u"中止しました。何も書き込んでいません。"},
+                  language_);
+    case ViewText::outputGivenUp:
+      return pick({u"The list was renewed meanwhile, and nothing was written. Do it again.",
+                   u"Список тем временем обновился, ничего не записано. Повторите.",
+                   u"その間に一覧が更新されたため、何も書き込んでいません。もう一度実行してください。"},
                   language_);
   }
   return {};

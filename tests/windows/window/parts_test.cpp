@@ -1,6 +1,7 @@
 // The parts that need no window: what a row says, column texts, layout, and the pulling back.
 #include <gtest/gtest.h>
 
+#include "platform/windows/window/clipboard.h"
 #include "platform/windows/window/columns.h"
 #include "platform/windows/window/description.h"
 #include "platform/windows/window/geometry.h"
@@ -73,9 +74,15 @@ TEST(Columns, spoiltTextsAreRefused) {
   EXPECT_FALSE(readOrder(u"-1,1,2,3,4,5"));
 }
 
-TEST(Columns, copiedFaultHoldsEveryCellAndTheDescription) {
-  EXPECT_EQ(copyText({u"0A", u"MJ", u"2026/11/20 20:41", u"LP 2", u"T\r\nD", 7}),
-            u"0A\tMJ\t2026/11/20 20:41\tLP 2\t7\r\nT\r\nD\r\n");
+TEST(ClipboardHtml, saysInBytesWhereTheFragmentStands) {
+  const std::string fragment = "<b>Ж</b>", whole = clipboardHtml(fragment);
+  const auto at = [&](const std::string& name) {
+    return static_cast<std::size_t>(std::stoul(whole.substr(whole.find(name) + name.size(), 10)));
+  };
+  EXPECT_EQ(whole.substr(at("StartFragment:"), at("EndFragment:") - at("StartFragment:")), fragment);
+  EXPECT_EQ(whole.substr(at("StartHTML:"), 6), "<html>");
+  EXPECT_EQ(at("EndHTML:"), whole.size());
+  EXPECT_TRUE(whole.ends_with("</html>"));
 }
 
 const std::vector<RECT> oneScreen{{0, 0, 1920, 1040}};

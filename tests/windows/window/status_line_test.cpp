@@ -26,6 +26,9 @@ const std::u16string engineText =
     u"attempt to write a readonly database "
     u"(C:\\QUILMAR32\\30000\\ADDINS\\DATABASE\\FAULT.MDB)";
 
+const std::u16string savedFile =
+    u"C:\\Users\\Technician\\Documents\\Faults of the north exchange 2026-11-22.csv";
+
 using Messages = std::map<std::size_t, std::u16string>;
 Messages messagesOf(const wchar_t* resource) {
   const HRSRC found = FindResourceW(nullptr, resource, MAKEINTRESOURCEW(10));
@@ -58,7 +61,16 @@ std::vector<std::u16string> accounts(const Messages& m, const std::u16string& ti
   for (const std::u16string& reason : reasons) lists.push_back(incomplete + u": " + reason);
   std::vector<std::u16string> all = lists;
   all.push_back(fillText(m.at(message::statusTextsIncomplete), {u"tForms, tControls, tMessages, tList"}));
-  all.push_back(m.at(message::clipboardHeld));
+  for (const std::size_t word :
+       {message::clipboardHeld, message::copyNoData, message::outputStopped, message::outputGivenUp})
+    all.push_back(m.at(word));
+  for (const std::size_t word : {message::saveAtWork, message::copyAtWork, message::copyTooMany})
+    all.push_back(fillText(m.at(word), {stored, stored}));
+  for (const std::size_t word : {message::saveNoFile, message::saveNoRoom, message::saveHeld})
+    all.push_back(fillText(m.at(word), {savedFile}));
+  for (const std::size_t word : {message::saved, message::savedButGone})
+    all.push_back(fillText(m.at(word), {stored, savedFile, stored}));
+  all.push_back(fillText(m.at(message::outputFailed), {engineText}));
   for (const std::size_t guide : {message::statusGuideMissing, message::statusGuideNotShown})
     all.push_back(fillText(m.at(guide), {u"C:\\QUILMAR32\\30000\\ADDINS\\HELP\\GUIDE\\request.html"}) +
                   u"\n" + lists[1]);
@@ -71,7 +83,10 @@ std::vector<std::u16string> accounts(const Messages& m, const std::u16string& ti
 }
 
 std::vector<std::u16string> counts(const Messages& m) {
+  const std::u16string shown = fillText(m.at(message::shownCount), {stored, stored});
   return {fillText(m.at(message::statusFaultCount), {stored}),
+          shown,
+          fillText(m.at(message::rowsSelected), {shown, stored}),
           m.at(message::noticeReading),
           m.at(message::noticeDeleting),
           fillText(m.at(message::noticeStoring), {most, most}),

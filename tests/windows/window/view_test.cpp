@@ -335,14 +335,14 @@ TEST_F(ViewTest, lookingUpGoesOnFromTheSelectedRow) {
   events.hit = 12;
   key(item(idGrid), VK_F3);
   EXPECT_EQ(events.lookUps.back().second, 5);
-  EXPECT_EQ(windowText(item(idLookUpMessage)), u"");
+  EXPECT_TRUE(pumpUntil([&] { return windowText(item(idLookUpMessage)) == u"2 of 14"; }));
   events.hit = 3;
   key(item(idGrid), VK_F3);
-  EXPECT_EQ(windowText(item(idLookUpMessage)), u"Went on from the top.");
+  EXPECT_EQ(windowText(item(idLookUpMessage)), u"14 found. Went on from the top.");
   EXPECT_EQ(events.lookUpWays, std::vector<LookUpWay>(3, LookUpWay::forwards));
   events.hit.reset();
   press(idLookUpNext);
-  EXPECT_EQ(windowText(item(idLookUpMessage)), u"No fault shown here holds this text.");
+  EXPECT_EQ(windowText(item(idLookUpMessage)), u"14 found. No fault shown here holds this text.");
   EXPECT_EQ(ListView_GetNextItem(item(idGrid), -1, LVNI_SELECTED), 3);
 }
 
@@ -354,13 +354,13 @@ TEST_F(ViewTest, shiftF3AndShiftEnterLookBackwards) {
   keyWith(VK_SHIFT, item(idGrid), VK_F3);
   EXPECT_EQ(events.lookUpWays.back(), LookUpWay::backwards);
   EXPECT_EQ(events.lookUps.back(), (std::pair<std::u16string, std::ptrdiff_t>{u"reset", 10}));
-  EXPECT_EQ(windowText(item(idLookUpMessage)), u"");
+  EXPECT_TRUE(pumpUntil([&] { return windowText(item(idLookUpMessage)) == u"14 found"; }));
   events.hit = 60;
   SetFocus(item(idLookUpText));
   keyWith(VK_SHIFT, item(idLookUpText), VK_RETURN);
   EXPECT_EQ(events.lookUpWays.back(), LookUpWay::backwards);
   EXPECT_EQ(events.lookUps.back().second, 4);
-  EXPECT_EQ(windowText(item(idLookUpMessage)), u"Went on from the bottom.");
+  EXPECT_EQ(windowText(item(idLookUpMessage)), u"14 found. Went on from the bottom.");
   key(item(idGrid), VK_F3);
   EXPECT_EQ(events.lookUpWays.back(), LookUpWay::forwards);
 }

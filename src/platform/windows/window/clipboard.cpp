@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "platform/windows/window/handles.h"
+
 namespace vordane::window::win32 {
 namespace {
 
@@ -14,6 +16,24 @@ bool opened(HWND owner, const WaitForClipboard& wait) {
   return true;
 }
 
+using Memory = Owned<HGLOBAL, GlobalFree>;
+
+// Null when there is none left.
+HGLOBAL copyOf(const void* bytes, std::size_t size) {
+  HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, size);
+  if (memory == nullptr) return nullptr;
+  std::memcpy(GlobalLock(memory), bytes, size);
+  GlobalUnlock(memory);
+  return memory;
+}
+
+// The memory is the clipboard's when it has taken it.
+bool given(UINT format, Memory& memory) {
+  const bool taken = SetClipboardData(format, memory.get()) != nullptr;
+  if (taken) memory.release();
+  return taken;
+}
+
 }  // namespace
 
 bool waitForClipboard(int tries) {
@@ -22,18 +42,38 @@ bool waitForClipboard(int tries) {
   return true;
 }
 
-bool putOnClipboard(HWND owner, const std::u16string& text, const WaitForClipboard& wait) {
-  const std::size_t bytes = (text.size() + 1) * sizeof(char16_t);
-  HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, bytes);
-  if (memory == nullptr) return false;
-  std::memcpy(GlobalLock(memory), text.c_str(), bytes);
-  GlobalUnlock(memory);
-  bool taken = false;
-  if (opened(owner, wait)) {
-    taken = EmptyClipboard() && SetClipboardData(CF_UNICODETEXT, memory) != nullptr;
-    CloseClipboard();
+std::string clipboardHtml(std::string_view fragment) {
+  constexpr std::string_view head =
+                                 "Version:0.9\r\nStartHTML:0000000000\r\nEndHTML:0000000000\r\n"
+                                 "StartFragment:0000000000\r\nEndFragment:0000000000\r\n",
+                             open = "<html><body>\r\n<!--StartFragment-->",
+                             close = "<!--EndFragment-->\r\n</body></html>";
+  std::string whole(head);
+  ((whole += open) += fragment) += close;
+  const std::size_t begin = head.size() + open.size();
+  const auto put = [&](std::string_view name, std::size_t value) {
+    const std::string digits = std::to_string(value);
+    const std::size_t end = whole.find(name) + name.size() + 10;
+    whole.replace(end - digits.size(), digits.size(), digits);
+  };
+  put("StartHTML:", head.size());
+  put("EndHTML:", whole.size());
+  put("StartFragment:", begin);
+  put("EndFragment:", begin + fragment.size());
+  return whole;
+}
+
+bool putOnClipboard(HWND owner, const std::u16string& text, std::string_view html,
+                    const WaitForClipboard& wait) {
+  Memory words(copyOf(text.c_str(), (text.size() + 1) * sizeof(char16_t))), page;
+  if (!html.empty()) {
+    const std::string whole = clipboardHtml(html);
+    page.reset(copyOf(whole.c_str(), whole.size() + 1));
   }
-  if (!taken) GlobalFree(memory);
+  if (!words || !opened(owner, wait)) return false;
+  const bool taken = EmptyClipboard() && given(CF_UNICODETEXT, words);
+  if (taken && page) given(RegisterClipboardFormatW(L"HTML Format"), page);
+  CloseClipboard();
   return taken;
 }
 

@@ -102,17 +102,4 @@ std::u16string cellText(const ShownRow& row, int column) {
   }
 }
 
-std::u16string copyText(const GridRow& fault) {
-  std::u16string text;
-  for (const std::u16string& cell :
-       {fault.fault, fault.alarm, fault.date, fault.cpu, numberText(fault.count)}) {
-    if (!text.empty()) text += u'\t';
-    text += cell;
-  }
-  text += text::crlf;
-  text += fault.description;
-  text += text::crlf;
-  return text;
-}
-
 }  // namespace vordane::window::win32

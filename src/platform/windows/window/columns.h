@@ -37,7 +37,5 @@ std::optional<std::vector<int>> readNumbers(std::u16string_view text);
 
 // A cell as one line of text, for screen readers and for copying.
 std::u16string cellText(const ShownRow& row, int column);
-// The fault whole: the other cells in one line, tabs between, then the description.
-std::u16string copyText(const GridRow& fault);
 
 }  // namespace vordane::window::win32

@@ -10,27 +10,13 @@ namespace {
 // Stands between two detail lines that share the row's second line.
 constexpr std::u16string_view detailSeparator = u" \u00B7 ";
 
-bool isLineEnd(char16_t character) {
-  return character == u'\r' || character == u'\n';
-}
-
-std::size_t afterLineEnd(std::u16string_view text, std::size_t end) {
-  return end + (text.substr(end, 2) == text::crlf ? 2 : 1);
-}
-
-std::size_t lineEnd(std::u16string_view text, std::size_t from) {
-  while (from < text.size() && !isLineEnd(text[from])) ++from;
-  return from;
-}
-
 std::vector<Range> lines(std::u16string_view text) {
   std::vector<Range> found;
-  for (std::size_t begin = 0;;) {
-    const std::size_t end = lineEnd(text, begin);
-    found.push_back({begin, end});
-    if (end >= text.size()) return found;
-    begin = afterLineEnd(text, end);
+  for (const std::u16string_view line : text::lines(text)) {
+    const auto begin = static_cast<std::size_t>(line.data() - text.data());
+    found.push_back({begin, begin + line.size()});
   }
+  return found;
 }
 
 bool isHexDigit(char16_t c) {

@@ -12,6 +12,7 @@
 
 #include "platform/windows/window/geometry.h"
 #include "platform/windows/window/input_messages.h"
+#include "text/text.h"
 
 namespace vordane::window::win32 {
 namespace {
@@ -139,7 +140,23 @@ void DetailPane::formatText() {
   if (source_ == nullptr) return;
   format({0, text_.titleEnd}, palette_.text, bold_.get(), palette_.surface);
   if (data_) format(*data_, palette_.text, fixed_.get(), palette_.surface);
+  paintMarks(hits(), true);
   paintMarks(marks_, true);
+}
+
+void DetailPane::mark(const std::u16string& needle) {
+  if (needle == needle_) return;
+  needle_ = needle;
+  render();
+}
+
+std::vector<Range> DetailPane::hits() const {
+  std::vector<Range> found;
+  if (source_ == nullptr || needle_.empty()) return found;
+  const std::u16string lower = text::toLower(text_.text);
+  for (auto at = lower.find(needle_); at != lower.npos; at = lower.find(needle_, at + needle_.size()))
+    found.push_back({at, at + needle_.size()});
+  return found;
 }
 
 void DetailPane::format(Range range, COLORREF ink, HFONT face, COLORREF ground) {
@@ -229,6 +246,7 @@ void DetailPane::point(std::size_t position) {
   if (sameRanges(wanted, marks_)) return;
   const QuietChange quiet(window_);
   paintMarks(marks_, false);
+  paintMarks(hits(), true);
   marks_ = std::move(wanted);
   paintMarks(marks_, true);
 }

@@ -21,12 +21,14 @@ class DetailPane {
   // The fault that is shown already stays, with what is selected in it.
   void showFault(GridSource& source, std::size_t row, const std::u16string& description);
   void showHint(const std::u16string& text);           // while no fault is selected
+  void mark(const std::u16string& needle);             // in small letters; wherever the fault holds it
   void takeInput(bool takes) { takesInput_ = takes; }  // when not, it looks as ever and stays as it is
 
   bool notified(const NMHDR& header);
 
   // The marked places of the pane's text, in order: the value and the data it came from.
   const std::vector<Range>& marks() const { return marks_; }
+  std::vector<Range> hits() const;  // of the text that is looked for
   const PaneText& text() const { return text_; }
   std::optional<Range> data() const { return data_; }  // in the pane's text
   // Marks for the character at this place of the text; nothing marked past the end.
@@ -57,6 +59,7 @@ class DetailPane {
   std::size_t dataInDescription_ = 0;
   std::map<std::size_t, std::vector<Range>> known_;  // provenance by place in the description
   std::vector<Range> marks_;
+  std::u16string needle_;
   Font plain_, bold_, fixed_;
   Palette palette_;
 };

@@ -96,6 +96,7 @@ void Grid::setRows(GridSource* source) {
   filling_ = true;
   unselect();
   selected_.reset();
+  selection_.clear();
   ListView_SetItemCountEx(window_, static_cast<int>(std::min<std::size_t>(size(), 100'000'000)), 0);
   if (size() > 0) select(0);
   filling_ = false;
@@ -118,7 +119,9 @@ void Grid::rowsChanged(std::optional<std::size_t> row) {
   unselect();
   selected_.reset();
   ListView_SetItemCountEx(window_, static_cast<int>(size()), LVSICF_NOSCROLL);
+  selection_.clear();
   if (row) {
+    selection_.only(*row);
     const int item = static_cast<int>(*row);
     ListView_SetItemState(window_, item, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
     scrollTo(*row, line);
@@ -210,30 +213,16 @@ void Grid::unselect() {
   filling_ = was;
 }
 
-// A key or click that may select another row; one row always stays selected.
-LRESULT Grid::moveSelection(UINT message, WPARAM wide, LPARAM low) {
-  before_ = selected_;
-  unselect();
-  filling_ = true;
-  const LRESULT answer = watch_.pass(message, wide, low);
-  settleSelection();
-  filling_ = false;
-  return answer;
-}
-
-void Grid::settleSelection() {
-  if (!filling_) return;
-  if (!selected_ && before_ && *before_ < size())
-    ListView_SetItemState(window_, static_cast<int>(*before_), LVIS_SELECTED, LVIS_SELECTED);
-  if (std::exchange(before_, selected_) != selected_) events_.selectionChanged();
-}
-
 LRESULT Grid::rowsHeard(UINT message, WPARAM wide, LPARAM low) {
   if (!takesInput_ && message == WM_NCHITTEST) return HTTRANSPARENT;
   if (!takesInput_ && isInput(message)) return 0;
+  if (message == WM_KEYDOWN && selectionKey(wide)) return 0;
   const bool moves = message == WM_KEYDOWN && wide >= VK_PRIOR && wide <= VK_DOWN;
   if (moves || message == WM_LBUTTONDOWN || message == WM_RBUTTONDOWN)
     return moveSelection(message, wide, low);
+  // The list view draws its own selected row anew when the focus comes or goes, and no other.
+  const bool focus = message == WM_SETFOCUS || message == WM_KILLFOCUS;
+  if (focus && selection_.size() > 1) InvalidateRect(window_, nullptr, FALSE);
   if (message != WM_PAINT) return watch_.pass(message, wide, low);
   painting_ = lookAtPlaces();
   const LRESULT answer = watch_.pass(message, wide, low);
@@ -253,7 +242,10 @@ void Grid::itemChanged(const NMLISTVIEW& change) {
   GetClientRect(window_, &edge);
   edge.right = scaled(4, look_.dpi);
   InvalidateRect(window_, &edge, FALSE);
-  if (!filling_) events_.selectionChanged();
+  if (filling_) return;
+  if (selection_.size() > 1) InvalidateRect(window_, nullptr, FALSE);
+  if (selected_) selection_.only(*selected_);
+  events_.selectionChanged();
 }
 
 const ShownRow* Grid::selectedRow() {
@@ -264,6 +256,8 @@ const ShownRow* Grid::selectedRow() {
 void Grid::select(std::size_t row) {
   const int item = static_cast<int>(row);
   if (selected_ != row) unselect();
+  if (selection_.size() > 1) InvalidateRect(window_, nullptr, FALSE);
+  selection_.only(row);
   ListView_SetItemState(window_, item, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
   ListView_EnsureVisible(window_, item, FALSE);
 }
@@ -373,7 +367,8 @@ void Grid::draw(const DRAWITEMSTRUCT& item) {
   }
   drawing.row = rows_.row(item.itemID);
   drawing.odd = item.itemID % 2 != 0;
-  drawing.selected = (item.itemState & ODS_SELECTED) != 0;
+  drawing.selected = selection_.has(item.itemID);
+  drawing.needle = needle_;
   drawing.gridFocused = places.focused;
   drawing.focusMark = drawing.gridFocused && (item.itemState & ODS_FOCUS) != 0;
   drawRow(look_, drawing);

@@ -1,9 +1,12 @@
 // The virtual grid: an owner-data list view that is told only how many rows there are and asks for the ones
-// in sight. One thread; owns its window's fonts, not the window, which dies with its parent.
+// in sight. The list view itself has one selected row, where the keyboard stands, which is the fault that the
+// window speaks of; which rows are selected besides is kept here, since a list view walks through all of
+// them. One thread; owns its window's fonts, not the window, which dies with its parent.
 #pragma once
 
 #include <functional>
 
+#include "list/selection.h"
 #include "platform/windows/window/grid_paint.h"
 #include "platform/windows/window/watch.h"
 
@@ -34,12 +37,16 @@ class Grid {
 
   std::size_t size() const { return rows_.size(); }
   std::optional<std::size_t> selected() const { return selected_; }
+  const list::Selection& selection() const { return selection_; }
+  // The selected rows; where a person has taken the selection off all, the one the keyboard stands on.
+  std::vector<list::Stretch> chosen() const;
   const ShownRow* selectedRow();
   GridSource* source() const { return rows_.source(); }
   void select(std::size_t row);  // and brings it into sight
   // The source shows other rows now: `row` becomes selected and stands where the selected one stood.
   void rowsChanged(std::optional<std::size_t> row);
-  POINT menuPlace() const;  // of the selected row, in screen coordinates
+  void mark(const std::u16string& needle);  // in small letters; in every row that holds it
+  POINT menuPlace() const;                  // of the selected row, in screen coordinates
   // For a menu that opens while the press that selects is still under way: whoever shows the selected row is
   // told now.
   void settleSelection();
@@ -67,6 +74,11 @@ class Grid {
   bool headingNotified(const NMHDR& header, LPARAM message);
   void widthChanged(int column);
   void unselect();
+  void moveCaret(std::size_t row);
+  void applyPress();
+  bool selectionKey(WPARAM key);
+  std::size_t targetOf(WPARAM key) const;
+  void selectionMoved(const std::vector<list::Stretch>& before, bool caretMoved);
   void scrollTo(std::size_t row, int line);
   LRESULT moveSelection(UINT message, WPARAM wide, LPARAM low);
   LRESULT rowsHeard(UINT message, WPARAM wide, LPARAM low);
@@ -82,6 +94,14 @@ class Grid {
   int sortColumn_ = -1;
   bool sortDescending_ = false;
   bool filling_ = false, takesInput_ = true;
+  // The press under way: what is held with it, and the row that it is on.
+  struct Press {
+    bool shift, control, right;
+    std::optional<std::size_t> row;
+  };
+  std::optional<Press> press_;
+  list::Selection selection_;
+  std::u16string needle_;
   std::optional<std::size_t> before_;    // selected when the press or key under way began
   std::optional<std::size_t> selected_;  // asking the list view would walk through all its rows
   bool fits_ = true, ownWidths_ = false;

@@ -1,5 +1,7 @@
 #include "platform/windows/window/grid_paint.h"
 
+#include <algorithm>
+
 #include "platform/windows/window/geometry.h"
 #include "text/text.h"
 
@@ -96,7 +98,38 @@ class RowPainter {
     const Selected selected(drawing_.dc, font);
     SetTextColor(drawing_.dc, colour);
     DrawTextW(drawing_.dc, wideBegin(words), static_cast<int>(words.size()), &place, oneLine | side);
+    if (!drawing_.needle.empty()) marks(place, words, side);
   }
+
+  int widthOf(std::u16string_view words) const {
+    SIZE size{};
+    GetTextExtentPoint32W(drawing_.dc, wideBegin(words), static_cast<int>(words.size()), &size);
+    return static_cast<int>(size.cx);
+  }
+
+  // The same words once more, clipped to each hit.
+  void marks(RECT place, std::u16string_view words, UINT side) {
+    const std::u16string lower = text::toLower(words);
+    const std::size_t length = drawing_.needle.size();
+    const int begin = static_cast<int>(side == DT_RIGHT ? place.right - widthOf(words) : place.left);
+    for (auto at = lower.find(drawing_.needle); at != lower.npos;
+         at = lower.find(drawing_.needle, at + length)) {
+      RECT hit = place;
+      hit.left = std::max<LONG>(place.left, begin + widthOf(words.substr(0, at)));
+      hit.right = std::min<LONG>(place.right, begin + widthOf(words.substr(0, at + length)));
+      if (hit.left >= hit.right) continue;
+      const int saved = SaveDC(drawing_.dc);
+      IntersectClipRect(drawing_.dc, hit.left, hit.top, hit.right, hit.bottom);
+      fill(drawing_.dc, hit, markGround());
+      SetTextColor(drawing_.dc, markInk());
+      DrawTextW(drawing_.dc, wideBegin(words), static_cast<int>(words.size()), &place, oneLine | side);
+      RestoreDC(drawing_.dc, saved);
+    }
+  }
+  // A mark in the colours of the selection shows in a selected row as its contrary.
+  bool turned() const { return look_.palette.systemOnly && drawing_.selected; }
+  COLORREF markGround() const { return turned() ? look_.palette.surface : look_.palette.mark; }
+  COLORREF markInk() const { return turned() ? look_.palette.text : look_.palette.markText; }
 
   const GridLook& look_;
   const RowDrawing& drawing_;

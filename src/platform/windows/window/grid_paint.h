@@ -28,6 +28,7 @@ struct RowDrawing {
   RECT place;
   std::array<RECT, columnCount> cells;
   const ShownRow* row;
+  std::u16string_view needle;  // in small letters: marked wherever a cell holds it
   bool odd, selected, gridFocused, focusMark;
 };
 void drawRow(const GridLook& look, const RowDrawing& drawing);

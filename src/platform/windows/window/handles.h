@@ -36,6 +36,7 @@ class Owned {
   ~Owned() { reset(nullptr); }
 
   Handle get() const { return handle_; }
+  Handle release() { return std::exchange(handle_, nullptr); }
   explicit operator bool() const { return handle_ != nullptr; }
   void reset(Handle handle) {
     if (handle_ != nullptr) close(handle_);
@@ -85,6 +86,9 @@ class WindowDc {
 };
 
 std::u16string windowText(HWND window);
+// A caption as words: what underlines a letter is gone, with the letter where it stands in brackets behind
+// them.
+std::u16string withoutAccessKey(std::u16string caption);
 // Does nothing when the window has the text already, so that nothing flickers.
 void setWindowText(HWND window, const std::u16string& text);
 

@@ -4,6 +4,8 @@
 
 #include <commctrl.h>
 
+#include <chrono>
+
 #include "platform/windows/window/child_window.h"
 #include "platform/windows/window/children.h"
 #include "platform/windows/window/handles.h"
@@ -16,20 +18,11 @@ namespace {
 
 constexpr UINT_PTR sliceTimer = 1;
 constexpr UINT pause = USER_TIMER_MINIMUM, rest = 100;  // milliseconds between slices, and while it rests
-constexpr ULONGLONG sliceLength = 25;
+constexpr std::chrono::milliseconds sliceLength{6};     // and the piece that was begun: less than 10
 constexpr std::size_t dayLength = 10;
 
 std::u16string number(std::size_t value) {
   return text::decimal(static_cast<std::int64_t>(value));
-}
-
-// A caption that opens nothing by a key of its own.
-std::u16string withoutKey(std::u16string caption) {
-  const auto mark = caption.find(u'&');
-  if (mark == caption.npos) return caption;
-  const bool behind =
-      mark > 0 && caption[mark - 1] == u'(' && mark + 2 < caption.size() && caption[mark + 2] == u')';
-  return behind ? caption.erase(mark - 1, 4) : caption.erase(mark, 1);
 }
 
 }  // namespace
@@ -39,13 +32,23 @@ void ListWork::create(HWND parent, Around around) {
   around_ = std::move(around);
   opened_ = false;
   bar_.create(parent, texts_, [this] { follow(bar_.wanted()); });
-  showAll_ = makeChild(parent, idShowAll, WC_BUTTONW, withoutKey(texts_.text(ViewText::filterClear)),
+  output_.create(parent, {around_.use, around_.sheet, around_.say});
+  showAll_ = makeChild(parent, idShowAll, WC_BUTTONW, withoutAccessKey(texts_.text(ViewText::filterClear)),
                        WS_TABSTOP | BS_PUSHBUTTON);
+}
+
+void ListWork::forgetRows() {
+  output_.forget();
+  finder_.seek({});
+  desk_.setStored(nullptr, {});
 }
 
 void ListWork::setRows(GridSource* rows, const std::u16string& exchange) {
   const bool used = around_.use() != ListUse::never;
+  used ? output_.giveUp() : output_.forget();
   desk_.setStored(rows, used ? std::optional(exchange) : std::nullopt);
+  if (!used) finder_.seek({});
+  finder_.begin();
   lastSelected_ = 0;
   const bool another = std::exchange(exchange_, exchange) != exchange;
   if (another || !bar_.open()) {  // else what is being typed stays
@@ -53,6 +56,7 @@ void ListWork::setRows(GridSource* rows, const std::u16string& exchange) {
     mistake_ = list::Mistake::none;
   }
   grid_.setRows(rows != nullptr ? &desk_ : nullptr);
+  grid_.mark(finder_.needle());
   if (used && rows != nullptr && (opened_ || isOn(desk_.filter()))) {
     if (!bar_.open()) bar_.show(false);
   } else {
@@ -65,6 +69,40 @@ void ListWork::setRows(GridSource* rows, const std::u16string& exchange) {
 std::optional<std::u16string> ListWork::count() {
   if (!desk_.filtered() || desk_.list() == nullptr) return {};
   return fillText(texts_.text(ViewText::shownCount), {number(desk_.size()), number(desk_.storedSize())});
+}
+
+void ListWork::seek(const std::u16string& text) {
+  if (around_.use() == ListUse::never) return;
+  longCount_ = false;
+  finder_.seek(text);
+  grid_.mark(finder_.needle());
+  wake();
+  around_.foundAgain();
+}
+
+std::u16string ListWork::found() const {
+  if (finder_.needle().empty()) return {};
+  if (!finder_.failure().empty()) return fillText(texts_.text(ViewText::filterFailed), {finder_.failure()});
+  if (!finder_.complete())
+    return longCount_ ? fillText(texts_.text(ViewText::findAtWork),
+                                 {number(finder_.progress().done), number(finder_.progress().of)})
+                      : std::u16string{};
+  if (finder_.hits() == 0) return texts_.text(ViewText::lookUpNotFound);
+  const auto selected = grid_.selected();
+  const auto place = selected ? finder_.number(*selected) : std::nullopt;
+  return place ? fillText(texts_.text(ViewText::findPlace), {number(*place), number(finder_.hits())})
+               : fillText(texts_.text(ViewText::findCount), {number(finder_.hits())});
+}
+
+void ListWork::copy(RowOutput::What what) {
+  output_.copy(what, grid_.chosen());
+  slice();
+  wake();
+}
+
+void ListWork::save() {
+  output_.save();
+  wake();
 }
 
 std::u16string ListWork::notice() const {
@@ -121,6 +159,7 @@ bool ListWork::escape() {
     bar_.closeList();
     return true;
   }
+  if (output_.escape()) return true;
   if (desk_.choosing()) {
     desk_.giveUp();
     bar_.fill(desk_.filter());
@@ -190,7 +229,7 @@ void ListWork::follow(const list::Filter& filter) {
 // The timer runs while there is work.
 void ListWork::wake() {
   desk_.wantFacts(bar_.open());
-  if (desk_.busy())
+  if (desk_.busy() || finder_.busy() || output_.busy())
     SetTimer(parent_, sliceTimer, around_.use() == ListUse::now ? pause : rest, nullptr);
   else
     KillTimer(parent_, sliceTimer);
@@ -203,13 +242,27 @@ bool ListWork::timer(WPARAM id) {
   return true;
 }
 
+// One work at a time: what is written first, since its rows must stay; then the rows shown, then the count.
 void ListWork::slice() {
+  const auto end = std::chrono::steady_clock::now() + sliceLength;
+  const auto again = [end] { return std::chrono::steady_clock::now() < end; };
+  if (output_.busy()) return output_.work(again);
+  if (desk_.busy()) return deskSlice(again);
+  if (!finder_.busy()) return;
+  finder_.work(again);
+  longCount_ = true;
+  around_.foundAgain();
+}
+
+void ListWork::deskSlice(const std::function<bool()>& again) {
   if (const auto selected = grid_.selected()) lastSelected_ = desk_.storedPosition(*selected);
-  const ULONGLONG end = GetTickCount64() + sliceLength;
   const bool failedBefore = !desk_.failure().empty();
-  const list::Desk::Did did = desk_.work([end] { return GetTickCount64() < end; });
+  const list::Desk::Did did = desk_.work(again);
   if (did.facts) bar_.setKinds(list::kindsOf(*desk_.facts()), list::processorsOf(*desk_.facts()));
-  if (did.shown) grid_.rowsChanged(desk_.shownPosition(lastSelected_));
+  if (did.shown) {
+    finder_.begin();
+    grid_.rowsChanged(desk_.shownPosition(lastSelected_));
+  }
   if (!desk_.failure().empty() && !failedBefore) bar_.fill(desk_.filter());
   longWork_ = desk_.choosing();
   tell();

@@ -1,6 +1,7 @@
 // The window's own ways of looking at the stored faults: the desk with the rows shown, the bar with the
-// filter, and the timer by which the desk's work goes on between messages. While an answer is waited for or a
-// box stands it rests; where nobody looks there is nothing of it. One thread.
+// filter, the count of the faults that hold a text, copying and saving, and the timer by which their work
+// goes on between messages. While an answer is waited for or a box stands it rests; where nobody looks there
+// is nothing of it. One thread.
 #pragma once
 
 #include <functional>
@@ -8,25 +9,31 @@
 #include <string>
 
 #include "list/desk.h"
+#include "list/finder.h"
 #include "platform/windows/window/filter_bar.h"
 #include "platform/windows/window/grid.h"
+#include "platform/windows/window/row_output.h"
 
 namespace vordane::window::win32 {
 
 class ListWork {
  public:
   struct Around {
-    std::function<ListUse()> use;      // what the form allows now
-    std::function<void()> placeAgain;  // the bar needs another place, the empty grid another notice
-    std::function<void()> countAgain;  // `count` says something else
+    std::function<ListUse()> use;        // what the form allows now
+    std::function<void()> placeAgain;    // the bar needs another place, the empty grid another notice
+    std::function<void()> countAgain;    // `count` says something else
+    std::function<void()> foundAgain;    // `found` does
+    std::function<list::Sheet()> sheet;  // what a saved file says besides its rows
+    std::function<void(const std::u16string&)> say;  // in the status line
   };
 
   ListWork(Grid& grid, ViewTexts& texts) : grid_(grid), texts_(texts) {}
   void create(HWND parent, Around around);
-  void forgetRows() { desk_.setStored(nullptr, {}); }  // the window goes; the source may go first
+  void forgetRows();  // the window goes; the source may go first
 
   // The rows that the form gives; what is shown of them is the desk's business.
   void setRows(GridSource* rows, const std::u16string& exchange);
+  std::size_t storedSize() const { return desk_.storedSize(); }
   // What the status line says instead of the number of rows.
   std::optional<std::u16string> count();
   // What stands in the empty grid's place since no row passes the filter; empty otherwise.
@@ -34,6 +41,14 @@ class ListWork {
   HWND showAllButton() const { return showAll_; }
   // The next row shown that holds the text, by its place; as ViewEvents::lookUp, which knows of no filter.
   std::optional<std::size_t> lookUp(ViewEvents& events, const std::u16string& text, LookUpWay way);
+  // Marks what holds the text, and counts the rows shown that do; an empty one ends it.
+  void seek(const std::u16string& text);
+  // What is known of it: the selected row's number among them, or how many there are, or how far it is.
+  std::u16string found() const;
+
+  // Of the selected rows.
+  void copy(RowOutput::What what);
+  void save();  // of all rows shown
 
   FilterBar& bar() { return bar_; }
   const FilterBar& bar() const { return bar_; }
@@ -55,6 +70,7 @@ class ListWork {
   void follow(const list::Filter& filter);
   void wake();
   void slice();
+  void deskSlice(const std::function<bool()>& again);
   void showBar(bool focus);
   void tell();
   int barHeight() const;
@@ -65,10 +81,12 @@ class ListWork {
   Around around_;
   HWND parent_ = nullptr, showAll_ = nullptr;
   list::Desk desk_;
+  list::Finder finder_{desk_};
+  RowOutput output_{desk_, texts_};
   FilterBar bar_;
-  std::u16string exchange_;  // that the bar speaks of
-  bool opened_ = false;      // by the person
-  bool longWork_ = false;    // more than a slice: progress is told
+  std::u16string exchange_;                    // that the bar speaks of
+  bool opened_ = false;                        // by the person
+  bool longWork_ = false, longCount_ = false;  // more than a slice: progress is told
   list::Mistake mistake_ = list::Mistake::none;
   std::size_t lastSelected_ = 0;  // among the stored rows, also while no row is shown
 };

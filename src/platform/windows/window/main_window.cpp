@@ -5,6 +5,7 @@
 
 #include "platform/windows/window/children.h"
 #include "platform/windows/window/geometry.h"
+#include "text/fill.h"
 #include "text/numbers.h"
 
 namespace vordane::window::win32 {
@@ -178,7 +179,12 @@ void MainWindow::createChildren() {
   SendMessageW(tips_, TTM_SETMAXTIPWIDTH, 0, scaled(tipWidth, dpi_));
   setTip(item(idLookUpClose), texts_.text(ViewText::lookUpClose));
   list_.create(window_, {[this] { return events_ != nullptr ? events_->listUse() : ListUse::never; },
-                         [this] { place(); }, [this] { showCount(); }});
+                         [this] { place(); }, [this] { showCount(); }, [this] { showFound(); },
+                         [this] { return sheet(); },
+                         [this](const std::u16string& words) {
+                           status_.remark(words);
+                           placeStatus();
+                         }});
   setTip(item(idFilterClose), texts_.text(ViewText::filterClose));
 }
 
@@ -194,8 +200,12 @@ void MainWindow::createGridAndPane() {
   events.selectionChanged = [this] {
     if (status_.takeRemarkAway()) placeStatus();
     showSelected();
+    lookUpNote_.clear();
+    showFound();
+    const bool several = grid_.selection().size() > 1;
+    if (std::exchange(severalSelected_, several) || several) showCount();
   };
-  events.copy = [this] { copySelected(); };
+  events.copy = [this] { list_.copy(RowOutput::What::rows); };
   grid_.create(window_, idGrid, std::move(events));
   if (Control* grid = control(gridName)) ids_[grid] = idGrid;
   pane_.create(window_, idPane);
@@ -316,7 +326,11 @@ void MainWindow::setStatus(int part, std::u16string_view text) {
 
 void MainWindow::showCount() {
   if (window_ == nullptr || status_.window() == nullptr) return;
-  status_.setText(countPart, list_.count().value_or(countText_));
+  std::u16string words = list_.count().value_or(countText_);
+  if (const std::size_t selected = grid_.selection().size(); selected > 1)
+    words = fillText(texts_.text(ViewText::rowsSelected),
+                     {words, text::decimal(static_cast<std::int64_t>(selected))});
+  status_.setText(countPart, words);
   placeStatus();
 }
 

@@ -1,7 +1,7 @@
 // The one window: draws the form and turns messages into ViewEvents calls. It decides nothing about the
 // system. Its parts stand in several files: creation and the View interface (main_window.cpp), what the form
 // says (main_window_model.cpp), messages (main_window_messages.cpp), place and ground
-// (main_window_layout.cpp).
+// (main_window_layout.cpp), the rows' menu and the look-up bar (main_window_list.cpp).
 #pragma once
 
 #include <array>
@@ -120,7 +120,8 @@ class MainWindow final : public Win32View {
   void contextMenu(HWND source, POINT place);
   void gridMenu(POINT place);
   void appendFilters(HMENU menu, const GridRow& row);
-  void copySelected();
+  void appendCopies(HMENU menu);
+  void chosenInMenu(UINT command, const GridRow& row);
   void drawItem(const DRAWITEMSTRUCT& item);
   void densityChanged(int dpi, const RECT& place);
   void escape();
@@ -133,6 +134,9 @@ class MainWindow final : public Win32View {
   void openLookUp();
   void closeLookUp();
   void lookUpNext(LookUpWay way = LookUpWay::forwards);
+  void markFound();
+  void showFound();
+  list::Sheet sheet();
 
   ViewTexts& texts_;
   platform::SettingsStore& settings_;
@@ -160,10 +164,11 @@ class MainWindow final : public Win32View {
   std::array<bool, 2> lit_{};
   std::u16string noticeText_, countText_;  // as the form says them
   NoticeKind noticeKind_ = NoticeKind::hint;
+  std::u16string lookUpNote_;  // of the last step: the search went round, or found nothing
   Layout layout_;
   int paneHeight_ = 0;
   bool inputEnabled_ = true, hourglass_ = false, restyleWanted_ = false, ownChange_ = false;
-  bool draggingSplitter_ = false;
+  bool draggingSplitter_ = false, severalSelected_ = false;
   HWND lastFocus_ = nullptr;
 };
 

@@ -4,7 +4,6 @@
 #include <windowsx.h>
 
 #include "platform/windows/window/accessible_name.h"
-#include "platform/windows/window/clipboard.h"
 #include "platform/windows/window/geometry.h"
 #include "platform/windows/window/guard.h"
 #include "platform/windows/window/main_window.h"
@@ -14,9 +13,6 @@ namespace vordane::window::win32 {
 namespace {
 
 constexpr int rightButton = 2, leftButton = 1;
-enum GridCommand : UINT { copyCommand = 1, lookUpCommand, onlyCommand };
-using Only = ListWork::Only;
-constexpr Only onlyEntries[] = {Only::kind, Only::otherKinds, Only::processor, Only::day};
 
 bool controlHeld() {
   return GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0;
@@ -183,6 +179,7 @@ LRESULT MainWindow::command(int id, int code) {
   if (id == idExchange) exchangeNotified(code);
   const bool button = id >= idRequest && id <= idClose;
   if (button && code == BN_CLICKED && IsWindowEnabled(item(id))) buttonClicked(id);
+  if (id == idLookUpText && code == EN_CHANGE) markFound();
   if (id == idLookUpNext && code == BN_CLICKED) lookUpNext();
   if (id == idLookUpClose && code == BN_CLICKED) closeLookUp();
   return 0;
@@ -221,48 +218,6 @@ LRESULT MainWindow::notify(LPARAM low) {
   if (list_.bar().notified(header, low)) return 0;
   pane_.notified(header);
   return 0;
-}
-
-void MainWindow::contextMenu(HWND source, POINT place) {
-  if (!inputAllowed() || source != grid_.window() || grid_.isOnHeading(place)) return;
-  grid_.settleSelection();
-  gridMenu(place.x == -1 && place.y == -1 ? grid_.menuPlace() : place);
-}
-
-void MainWindow::gridMenu(POINT place) {
-  const ShownRow* selected = grid_.selectedRow();
-  if (selected == nullptr) return;
-  const Menu menu(CreatePopupMenu());
-  AppendMenuW(menu.get(), MF_STRING, copyCommand, wide(texts_.text(ViewText::copyFault)));
-  if (IsWindowEnabled(item(idLookUp)))
-    AppendMenuW(menu.get(), MF_STRING, lookUpCommand, wide(windowText(item(idLookUp))));
-  const GridRow row = selected->fault;  // the menu serves messages meanwhile
-  if (IsWindowEnabled(item(idFilter))) appendFilters(menu.get(), row);
-  const BOOL chosen =
-      TrackPopupMenu(menu.get(), TPM_RETURNCMD | TPM_RIGHTBUTTON, place.x, place.y, 0, window_, nullptr);
-  if (chosen == copyCommand) copySelected();
-  if (chosen == lookUpCommand) openLookUp();
-  if (chosen >= static_cast<BOOL>(onlyCommand) && inputAllowed())
-    list_.show(onlyEntries[chosen - static_cast<BOOL>(onlyCommand)], row);
-}
-
-void MainWindow::appendFilters(HMENU menu, const GridRow& row) {
-  bool first = true;
-  for (UINT i = 0; i < std::size(onlyEntries); ++i) {
-    const std::u16string words = list_.menuText(onlyEntries[i], row);
-    if (words.empty()) continue;
-    if (std::exchange(first, false)) AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
-    AppendMenuW(menu, MF_STRING, onlyCommand + i, wide(words));
-  }
-}
-
-void MainWindow::copySelected() {
-  const ShownRow* row = grid_.selectedRow();
-  if (row == nullptr) return;
-  const bool copied = putOnClipboard(window_, copyText(row->fault));
-  status_.remark(copied ? std::u16string{} : texts_.text(ViewText::clipboardHeld));
-  placeStatus();
-  if (!copied) MessageBeep(MB_ICONWARNING);
 }
 
 void MainWindow::drawItem(const DRAWITEMSTRUCT& item) {
@@ -321,32 +276,6 @@ std::u16string MainWindow::focusedPart() const {
   return {};
 }
 
-void MainWindow::openLookUp() {
-  if (!inputAllowed() || !IsWindowEnabled(item(idLookUp))) return;
-  lookUp_.show();
-  place();
-}
-
-void MainWindow::closeLookUp() {
-  lookUp_.hide();
-  place();
-  SetFocus(grid_.window());
-}
-
-void MainWindow::lookUpNext(LookUpWay way) {
-  const std::u16string wanted = lookUp_.wanted();
-  if (wanted.empty() || grid_.size() == 0) return openLookUp();
-  const bool back = way == LookUpWay::backwards;
-  const auto from = grid_.selected();
-  const auto hit = list_.lookUp(*events_, wanted, way);
-  if (events_ == nullptr) return;  // the window went away meanwhile
-  const bool wrapped = hit && from && (back ? *hit >= *from : *hit <= *from);
-  lookUp_.tell(!hit      ? texts_.text(ViewText::lookUpNotFound)
-               : wrapped ? texts_.text(back ? ViewText::lookUpWrappedBack : ViewText::lookUpWrapped)
-                         : std::u16string{});
-  if (hit) grid_.select(*hit);
-}
-
 bool MainWindow::translate(MSG& message) {
   bool own = false;
   return guarded([&] { own = served(message); }) ? own : true;
@@ -379,6 +308,10 @@ bool MainWindow::keyDown(WPARAM key) {
   }
   if (key == 'L' && controlHeld()) {
     if (IsWindowEnabled(item(idFilter))) list_.open();
+    return true;
+  }
+  if (key == 'S' && controlHeld()) {
+    list_.save();
     return true;
   }
   const WPARAM column = key - '1';  // headings by keyboard

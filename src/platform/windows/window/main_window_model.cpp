@@ -241,4 +241,22 @@ void MainWindow::showSelected() {
     pane_.showHint(grid_.size() > 0 ? texts_.text(ViewText::noSelection) : std::u16string{});
 }
 
+// What a saved list says besides its rows: what stands around them in the window.
+list::Sheet MainWindow::sheet() {
+  list::Sheet sheet;
+  sheet.title = windowText(window_);
+  if (const Control* list = control(u"drpPBXList"); list != nullptr && list->listIndex() >= 0)
+    sheet.exchange = list->items().at(static_cast<std::size_t>(list->listIndex())).text;
+  sheet.received = windowText(item(idReceived));
+  const std::u16string label = withoutAccessKey(windowText(item(idReceivedLabel)));
+  sheet.words = {label + u" " + sheet.received, lampWords(true, lit_[0]), lampWords(false, lit_[1]),
+                 list_.count().value_or(countText_)};
+  const Control* grid = control(gridName);
+  for (std::size_t column = 0; grid != nullptr && column < sheet.headings.size(); ++column)
+    sheet.headings[column] =
+        textOf(*grid, std::u16string(u"Columns(") + static_cast<char16_t>(u'0' + column) + u").Caption");
+  sheet.stored = list_.storedSize();
+  return sheet;
+}
+
 }  // namespace vordane::window::win32

@@ -1,7 +1,7 @@
 // Shows the window over rows in memory and prints every event that reaches the form, so that a person (or a
 // program that presses its buttons) can see what the window does. Words on the command line: ru, ja; empty,
-// waiting, failure, busy, million, long; filter, kinds, nothing; size=WIDTHxHEIGHT in pixels at 96 dots an
-// inch; picture=PATH.
+// waiting, failure, busy, million, long; filter, kinds, nothing; find; size=WIDTHxHEIGHT in pixels at 96 dots
+// an inch; picture=PATH.
 #include <windows.h>
 
 #include <objbase.h>
@@ -28,6 +28,7 @@ struct Options {
   bool empty = false, waiting = false, failure = false, busy = false, longTexts = false;
   bool filter = false, kinds = false,
        nothing = false;  // the bar open, its list too, and no fault that passes
+  bool find = false;     // a text looked for, and gone to twice
   int width = 0, height = 0;
   std::u16string picture;
 };
@@ -106,6 +107,7 @@ Options readOptions(int count, char** words) {
     if (word == "filter") options.filter = true;
     if (word == "kinds") options.filter = options.kinds = true;
     if (word == "nothing") options.filter = options.nothing = true;
+    if (word == "find") options.find = true;
     if (word == "long") options.longTexts = true;
     if (word == "million") options.rows = 1'000'000;
     if (word.rfind("size=", 0) == 0) std::sscanf(word.c_str(), "size=%dx%d", &options.width, &options.height);
@@ -168,6 +170,14 @@ void showFilter(HWND window, const Options& options) {
   }
 }
 
+void showFind(HWND window, Language language) {
+  const auto press = [&](int id) { SendMessageW(GetDlgItem(window, id), BM_CLICK, 0, 0); };
+  press(win32::idLookUp);
+  const wchar_t* words[] = {L"fault", L"плат", L"回線"};
+  SetWindowTextW(GetDlgItem(window, win32::idLookUpText), words[static_cast<std::size_t>(language)]);
+  for (int step = 0; step < 2; ++step) press(win32::idLookUpNext);
+}
+
 }  // namespace
 
 int main(int count, char** words) {
@@ -192,6 +202,7 @@ int main(int count, char** words) {
   view->setVisible(true);
   if (options.busy) view->setInputEnabled(false);
   if (options.filter) showFilter(view->window(), options);
+  if (options.find) showFind(view->window(), options.language);
   MSG message;
   while (GetMessageW(&message, nullptr, 0, 0) > 0) {
     if (view->translate(message)) continue;
