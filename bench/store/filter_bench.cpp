@@ -5,6 +5,7 @@
 
 #include "common/measure.h"
 #include "list/desk.h"
+#include "platform/grid_columns.h"
 #include "platform/sqlite/event_index.h"
 
 namespace vordane::bench {
@@ -48,7 +49,7 @@ std::vector<std::string> keysOfCondition() {
 std::u16string dateAt(database::RowList& rows, std::size_t position) {
   std::vector<database::Value> row;
   if (!rows.fetch(position, row)) throw std::runtime_error("a row has gone");
-  return automation::toText(row.at(list::date));
+  return automation::toText(row.at(window::dateColumn));
 }
 
 }  // namespace

@@ -1,8 +1,6 @@
 #include "suite_files.h"
 
 #include <array>
-#include <fstream>
-#include <iterator>
 #include <span>
 
 #include "background_pictures.h"
@@ -14,6 +12,7 @@
 #include "text/text.h"
 #include "text/utf8.h"
 #include "tools/sqlite/database_writer.h"
+#include "whole_files.h"
 
 namespace vordane::tools {
 namespace {
@@ -37,23 +36,6 @@ constexpr std::array<Job, 4> sampleJobs{{
     {3, 2, false, 3, u"FAULT", 2},
     {4, 0, true, 1, u"OTHER", 1},
 }};
-
-void writeFile(const fs::path& path, const std::string& bytes) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out << bytes;
-  out.close();
-  if (!out)
-    throw ToolError(text::toUtf8(toText(path)) +
-                    ": can't be written. Check the rights of its folder and the room on its disk");
-}
-
-std::string readFile(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in)
-    throw ToolError(text::toUtf8(toText(path)) +
-                    ": can't be read. Check the path and the rights of the file");
-  return {std::istreambuf_iterator<char>(in), {}};
-}
 
 void makeRegistration(const fs::path& path) {
   DatabaseWriter writer(toText(path));

@@ -50,6 +50,9 @@ struct Filter {
 enum class Mistake { none, since, until, order };
 Mistake mistakeIn(const Filter& filter);
 
+// Whether it limits the time at either end.
+bool hasLimit(const Filter& filter);
+
 // Whether it asks for anything, so that it may hide a row.
 bool isOn(const Filter& filter);
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/grid_columns.h"
 #include "store/data_control.h"
 #include "text/numbers.h"
 #include "text/text.h"
@@ -12,8 +13,6 @@ namespace {
 
 // The message texts that stand around the data in every description.
 constexpr std::size_t dataHeading = 5, dataOpen = 6, dataClose = 7;
-
-enum Field : std::size_t { fault, alarm, date, cpu, description, count };
 
 // The row's own number: an integer of the automation types, or a Double beyond their range.
 std::int64_t rowNumber(const database::Value& value) {
@@ -60,9 +59,10 @@ std::optional<window::GridRow> FaultRows::row(std::size_t position) {
 std::optional<window::GridRow> FaultRows::read(std::size_t position) {
   try {
     if (!rows_->fetch(position, buffer_)) return {};
-    return window::GridRow{store::textOf(buffer_[fault]),       store::textOf(buffer_[alarm]),
-                           store::textOf(buffer_[date]),        store::textOf(buffer_[cpu]),
-                           store::textOf(buffer_[description]), rowNumber(buffer_[count])};
+    return window::GridRow{
+        store::textOf(buffer_[window::faultColumn]),       store::textOf(buffer_[window::alarmColumn]),
+        store::textOf(buffer_[window::dateColumn]),        store::textOf(buffer_[window::cpuColumn]),
+        store::textOf(buffer_[window::descriptionColumn]), rowNumber(buffer_[window::countColumn])};
   } catch (const database::DatabaseError&) {
     return {};
   } catch (const automation::AutomationError&) {

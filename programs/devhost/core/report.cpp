@@ -6,6 +6,7 @@
 #include "devhost/core/report_template.h"
 #include "platform/stored_values.h"
 #include "store/statements.h"
+#include "text/blanks.h"
 #include "text/file_names.h"
 #include "text/numbers.h"
 #include "text/text.h"
@@ -32,9 +33,7 @@ std::optional<std::u16string> textOf(const database::Value& value) {
 
 // Stored names are the same without regard to case and trailing blanks.
 bool sameName(std::u16string_view a, std::u16string_view b) {
-  while (!a.empty() && a.back() == u' ') a.remove_suffix(1);
-  while (!b.empty() && b.back() == u' ') b.remove_suffix(1);
-  return text::equalIgnoringCase(a, b);
+  return text::equalIgnoringCase(text::withoutTrailingBlanks(a), text::withoutTrailingBlanks(b));
 }
 
 ExchangeRow findExchange(database::Database& database, std::u16string_view name) {

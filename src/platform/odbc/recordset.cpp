@@ -40,7 +40,7 @@ void ServerRecordset::startEvents() {
   }
   const auto newest = session_->rows(plan_, plan_.rows, literals_);
   if (newest.empty() || !newest[0].at(0)) return;
-  keys_ = {std::stoll(std::string(newest[0][0]->begin(), newest[0][0]->end()))};
+  keys_ = {numberFrom(newest[0][0])};
   size_ = 1;
   onlyFirst_ = true;
 }
@@ -49,7 +49,7 @@ void ServerRecordset::keepRows(const std::vector<Fields>& rows) {
   rows_ = rows;
   size_ = rows_.size();
   if (!plan_.isKeyed()) return;
-  for (const Fields& row : rows_) keys_.push_back(std::stoll(std::string(row[0]->begin(), row[0]->end())));
+  for (const Fields& row : rows_) keys_.push_back(numberFrom(row[0]));
 }
 
 void ServerRecordset::keepAllKeys() {

@@ -68,8 +68,7 @@ std::vector<Fields> readBlock(Session& session, const Plan& plan, std::span<cons
   for (std::size_t i = 0; i < wanted.size(); ++i) places.emplace(wanted[i], i);
   std::vector<Fields> rows(wanted.size());
   for (Fields& row : session.rowsByKey(plan, wanted)) {
-    const std::u16string& key = row.at(0).value();
-    const auto found = places.find(std::stoll(std::string(key.begin(), key.end())));
+    const auto found = places.find(numberFrom(row.at(0)));
     if (found != places.end()) rows[found->second] = std::move(row);
   }
   return rows;

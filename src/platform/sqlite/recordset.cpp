@@ -131,8 +131,8 @@ void EmbeddedRecordset::readFrom(const Statement& statement) {
 void EmbeddedRecordset::loadRow() {
   if (loaded_) return;
   if (!keyed_) return readFrom(rows_);
-  connection_.followTables();
-  if (plan_.tablesChanged != connection_.tablesChanged()) fail(number::recordGone);
+  connection_.tables().follow();
+  if (plan_.tablesChanged != connection_.tables().timesChanged()) fail(number::recordGone);
   connection_.beforeRead();
   Statement row = plan_.byKey.take(connection_);
   row.bind(1, key_);

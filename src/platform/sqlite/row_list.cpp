@@ -100,8 +100,8 @@ class EmbeddedRowList final : public database::RowList {
 
   // The keys belong to the table as it was.
   bool tablesChanged() {
-    connection_.followTables();
-    return tablesChanged_ != connection_.tablesChanged();
+    connection_.tables().follow();
+    return tablesChanged_ != connection_.tables().timesChanged();
   }
 
   void bindRow(std::size_t position) {
