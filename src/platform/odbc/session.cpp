@@ -56,7 +56,7 @@ Session::Session(const Api& api, const Dialect& dialect, std::u16string connecti
   tables_ = std::make_unique<Tables>(link_->query(dialect_.listColumns()), documented_->descriptions());
   if (!readOnly_) {
     const auto reason = link_->query(dialect_.whyReadOnly());
-    if (!reason.empty() && reason[0].at(0).value_or(u"") != u"")
+    if (!reason.empty() && !reason[0].at(0).value_or(u"").empty())
       database::fail(number::noPermission, *reason[0][0]);
   }
   plans_ = std::make_unique<Plans>(dialect_, *tables_, *documented_);
@@ -228,7 +228,7 @@ void Session::add(const Table& table, const NewRow& row) {
 }
 
 void Session::addToWaiting(const Table& table, const NewRow& row) {
-  const auto owner = row.at(table.column(table.events->owner, number::unknownName));
+  const auto& owner = row.at(table.column(table.events->owner, number::unknownName));
   if (owner && !automation::isNull(*owner)) guarded([&] { holdOwner(table, automation::toLong(*owner)); });
   waiting_.add(table, row);
   saveIfDue();
