@@ -79,14 +79,9 @@ std::vector<Tally> processorsOf(const Facts& facts) {
   return tallied(std::move(byKey));
 }
 
-Sieve::Sieve(const Filter& filter, const Facts& facts)
-    : facts_(facts),
-      limited_(hasLimit(filter)),
-      since_(readMinute(filter.since, End::since).value_or(0)),
-      until_(readMinute(filter.until, End::until).value_or(noMinute - 1)) {
+Sieve::Sieve(const Filter& filter, const Facts& facts) : facts_(facts), limits_(filter) {
   for (const Group& group : facts.groups())
-    groups_.push_back(showsClass(filter, group.alarm) && filter.kinds.shows(keyOf(group.fault)) &&
-                      (!filter.processor || *filter.processor == keyOf(group.cpu)));
+    groups_.push_back(showsGroup(filter, group.fault, group.alarm, group.cpu));
 }
 
 }  // namespace vordane::list

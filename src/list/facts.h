@@ -65,17 +65,16 @@ class Sieve {
   Verdict of(std::size_t position) const {
     const std::uint32_t group = facts_.groupOf(position);
     if (group == Facts::noGroup || !groups_[group]) return Verdict::hidden;
-    if (!limited_) return Verdict::shown;
+    if (!limits_.any()) return Verdict::shown;
     const Minute minute = facts_.minuteOf(position);
     if (minute == noMinute) return Verdict::shownIfOtherDates;
-    return minute >= since_ && minute <= until_ ? Verdict::shown : Verdict::hidden;
+    return limits_.hold(minute) ? Verdict::shown : Verdict::hidden;
   }
 
  private:
   const Facts& facts_;
   std::vector<bool> groups_;
-  bool limited_;
-  Minute since_, until_;
+  Limits limits_;
 };
 
 }  // namespace vordane::list

@@ -20,6 +20,10 @@ Minute numberOf(std::u16string_view whole) {
   return number;
 }
 
+bool hasLimit(const Filter& filter) {
+  return !text::trim(filter.since).empty() || !text::trim(filter.until).empty();
+}
+
 }  // namespace
 
 Minute minuteOf(std::u16string_view stored) {
@@ -61,9 +65,10 @@ Mistake mistakeIn(const Filter& filter) {
   return since && until && *since > *until ? Mistake::order : Mistake::none;
 }
 
-bool hasLimit(const Filter& filter) {
-  return !text::trim(filter.since).empty() || !text::trim(filter.until).empty();
-}
+Limits::Limits(const Filter& filter)
+    : any_(hasLimit(filter)),
+      since_(readMinute(filter.since, End::since).value_or(0)),
+      until_(readMinute(filter.until, End::until).value_or(noMinute - 1)) {}
 
 bool isOn(const Filter& filter) {
   return !filter.text.empty() || !filter.major || !filter.minor || filter.kinds.way != KindRule::Way::all ||
@@ -74,6 +79,12 @@ bool showsClass(const Filter& filter, std::u16string_view alarm) {
   if (filter.major && filter.minor) return true;
   const std::u16string key = keyOf(alarm);
   return (filter.major && key == major) || (filter.minor && key == minor);
+}
+
+bool showsGroup(const Filter& filter, std::u16string_view kind, std::u16string_view alarm,
+                std::u16string_view processor) {
+  return showsClass(filter, alarm) && filter.kinds.shows(keyOf(kind)) &&
+         (!filter.processor || *filter.processor == keyOf(processor));
 }
 
 }  // namespace vordane::list

@@ -21,6 +21,12 @@ TEST(TrailingBlanks, AloneAreTakenAway) {
   EXPECT_EQ(withoutTrailingBlanks(u""), u"");
 }
 
+TEST(StoredTexts, AreEqualWithoutCaseAndTrailingBlanks) {
+  EXPECT_TRUE(equalAsStored(u"PBX-1 ", u"pbx-1"));
+  EXPECT_FALSE(equalAsStored(u" PBX-1", u"PBX-1"));
+  EXPECT_FALSE(equalAsStored(u"PBX-1", u"PBX-10"));
+}
+
 TEST(Middle, CountsFromOneAndStopsAtTheEnd) {
   EXPECT_EQ(middle(u"abcdef", 2, 3), u"bcd");
   EXPECT_EQ(middle(u"abcdef", 5, 9), u"ef");

@@ -31,17 +31,12 @@ std::optional<std::u16string> textOf(const database::Value& value) {
   return automation::toText(value);
 }
 
-// Stored names are the same without regard to case and trailing blanks.
-bool sameName(std::u16string_view a, std::u16string_view b) {
-  return text::equalIgnoringCase(text::withoutTrailingBlanks(a), text::withoutTrailingBlanks(b));
-}
-
 ExchangeRow findExchange(database::Database& database, std::u16string_view name) {
   // The whole list is read, so that a name may hold any character.
   const auto rows = database.openRecordset(store::exchangesNewestFirst);
   for (; !rows->atEnd(); rows->moveNext()) {
     const std::u16string found = textOf(rows->get(u"PBXName")).value_or(std::u16string{});
-    if (sameName(found, name))
+    if (text::equalAsStored(found, name))
       return {automation::toLong(rows->get(u"ID")), found,
               textOf(rows->get(u"TimeStamp")).value_or(std::u16string{}), database::flagOf(rows->get(u"MJ")),
               database::flagOf(rows->get(u"MN"))};
