@@ -52,6 +52,12 @@ std::u16string dateAt(database::RowList& rows, std::size_t position) {
   return automation::toText(row.at(window::dateColumn));
 }
 
+std::string momentKeyOf(const std::u16string& date) {
+  sqlite::EventTexts texts;
+  texts[sqlite::EventColumns::moment] = date;
+  return sqlite::momentKey(texts);
+}
+
 }  // namespace
 
 void measureFilter(database::RowList& rows, BareStore& bare, const std::string& howMany) {
@@ -59,8 +65,7 @@ void measureFilter(database::RowList& rows, BareStore& bare, const std::string& 
   const std::u16string until = dateAt(rows, rows.size() / 4), since = dateAt(rows, rows.size() * 3 / 4);
   const list::Filter filter = condition(since, until);
   const std::vector<std::string> kinds = keysOfCondition();
-  const std::string from = sqlite::momentKey({{}, {}, {}, since, {}}),
-                    to = sqlite::momentKey({{}, {}, {}, until, {}});
+  const std::string from = momentKeyOf(since), to = momentKeyOf(until);
   const auto scan = [&] { return bare.filteredKeys(1, from, to, kinds); };
   Comparison facts("know class, kind and time of " + howMany, "bare walk along the index, every column",
                    noGoal);
