@@ -146,6 +146,8 @@ TEST_F(ExplainStored, MarksNothingInADescriptionThatComesOutDifferently) {
   EXPECT_TRUE(decode.display.explainStored(u"22", description, data).empty());
   EXPECT_TRUE(decode.display.explainStored(u"21", description + u" ", data).empty());
   EXPECT_TRUE(decode.display.explainStored(u"21", u"", data).empty());
+  EXPECT_TRUE(
+      decode.display.explainStored(u"21", description.substr(0, description.size() - 1), data).empty());
   EXPECT_TRUE(decode.display.explainStored(u"21", u"M5 M6M7", data).empty());
   EXPECT_TRUE(decode.display.explainStored(u"21", u"M40\r\n M6M41 5M7\r\nM5 M605M7", data).empty());
   decode.texts.setMessage(41, u"another text");

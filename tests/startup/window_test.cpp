@@ -1,4 +1,5 @@
 // The window's own rules: place, timer, presses, help.
+#include "faults/kind_lists.h"
 #include "startup/story.h"
 
 namespace vordane::startup {
@@ -167,6 +168,11 @@ TEST_F(Window, TheEmptyGridSaysWhatToDoAgainAfterAWait) {
   EXPECT_EQ(view.noticeKind, window::NoticeKind::hint);
 }
 
+TEST_F(Window, TheListsOfTheKindsAreNeverSeen) {
+  startWithHost();
+  for (const KindList& list : kindLists) EXPECT_FALSE(form().form().control(list.name()).flag(u"Visible"));
+}
+
 TEST_F(Window, F1AsksTheHostForHelp) {
   startWithHost();
   form().input().keyPressed(112);
@@ -179,7 +185,9 @@ TEST_F(Window, TheRightButtonOffersWhatsThis) {
   view.duringMenu = [&] { form().input().whatsThisChosen(); };
   for (const char16_t* name : {u"lblListups", u"lblMJ", u"lblMN", u"lblTimetag", u"txtTimeTag"}) {
     form().input().mousePressed(form().form().control(name), 2);
-    EXPECT_THAT(taken(), ElementsAre("(menu mnuWhatsThis)", "(help " + text::toUtf8(name) + ": M224)"));
+    const std::string help = std::u16string_view(name) == u"txtTimeTag" ? "When the list was taken" : "M224";
+    EXPECT_THAT(taken(),
+                ElementsAre("(menu mnuWhatsThis)", "(help " + text::toUtf8(name) + ": " + help + ")"));
     form().input().mousePressed(form().form().control(name), 1);
   }
   form().input().mousePressed(form().form().control(u"cmdPrint"), 2);
