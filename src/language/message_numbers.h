@@ -161,12 +161,15 @@ inline constexpr std::size_t withoutKind = 268;     // {1} kind
 inline constexpr std::size_t onlyProcessor = 269;   // {1} processor
 inline constexpr std::size_t onlyDay = 270;         // {1} day
 
+// Before the account, as long as no real exchange answers.
+inline constexpr std::size_t statusSimulated = 271;
+
 // The product's own numbers, as [first, end). Behind the last stand the titles and labels of fault kinds that
 // came later; own ones that come after those begin a range of their own.
 struct Range {
   std::size_t first, end;
 };
-inline constexpr std::array ownTexts{Range{165, 271}};
+inline constexpr std::array ownTexts{Range{165, 272}};
 inline constexpr std::size_t count = ownTexts.back().end;  // of all that are named here or stand before
 
 constexpr bool isOwn(std::size_t number) {

@@ -87,10 +87,11 @@ void reading(std::optional<Failure>& unreadable, const Step& step) {
 
 // --- the server object
 
-void PbxSession::createServer(platform::Files& files, platform::SettingsStore& settings,
+bool PbxSession::createServer(platform::Files& files, platform::SettingsStore& settings,
                               platform::ObjectCreator& creator) {
+  const bool simulated = files.exists(simulator);
   std::u16string progId(simulatorServer);
-  if (!files.exists(simulator))
+  if (!simulated)
     progId = u"CalderinProj" + settings.read(u"Quilmar32", state_.AddinsSection, u"ZUL").value_or(u"") +
              u".cPBXOle";
   try {
@@ -98,6 +99,7 @@ void PbxSession::createServer(platform::Files& files, platform::SettingsStore& s
   } catch (const AutomationError&) {
     server_.reset();
   }
+  return simulated;
 }
 
 ObjectRef PbxSession::server() {

@@ -4,6 +4,7 @@
 
 #include "platform/odbc/errors.h"
 #include "platform/odbc/row_list.h"
+#include "platform/stored_values.h"
 
 namespace vordane::odbc {
 
@@ -132,7 +133,7 @@ Value ServerRecordset::get(std::size_t column) {
   if (column >= plan_.names.size()) database::fail(number::unknownItem);
   if (change_ == Change::add || (change_ == Change::edit && fields_[column])) return pending(column);
   requireRow();
-  return fromField(plan_.types[column], row().at(column + (plan_.isKeyed() ? 1 : 0)));
+  return database::limitedValue(fromField(plan_.types[column], row().at(column + (plan_.isKeyed() ? 1 : 0))));
 }
 
 // All columns of the table are in the result, in its order, wherever something is changed.

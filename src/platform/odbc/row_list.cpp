@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "platform/odbc/errors.h"
+#include "platform/stored_values.h"
 
 namespace vordane::odbc {
 namespace {
@@ -26,7 +27,7 @@ class ServerRowList final : public database::RowList {
     if (row.empty()) return false;
     out.clear();
     for (const std::size_t column : columns_)
-      out.push_back(fromField(plan_.types[column], row.at(column + 1)));
+      out.push_back(database::limitedValue(fromField(plan_.types[column], row.at(column + 1))));
     return true;
   }
 

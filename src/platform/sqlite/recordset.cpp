@@ -123,7 +123,7 @@ void EmbeddedRecordset::readFrom(const Statement& statement) {
   row_.resize(plan_.names.size());
   for (std::size_t i = 0; i < row_.size(); ++i) {
     const bool yesNo = !plan_.columns.empty() && plan_.columns[i]->kind == Kind::yesNo;
-    row_[i] = statement.value(static_cast<int>(i) + plan_.firstColumn(), yesNo);
+    row_[i] = statement.limitedValue(static_cast<int>(i) + plan_.firstColumn(), yesNo);
   }
   loaded_ = true;
 }

@@ -50,7 +50,7 @@ class EmbeddedRowList final : public database::RowList {
     bindRow(position);
     const bool found = row_.step();
     for (std::size_t i = 0; found && i < yesNo_.size(); ++i)
-      out.push_back(row_.value(static_cast<int>(i), yesNo_[i]));
+      out.push_back(row_.limitedValue(static_cast<int>(i), yesNo_[i]));
     return found;
   }
 
