@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "pbx/answer_reading.h"
+#include "settings/suite_settings.h"
 #include "text/numbers.h"
 
 namespace vordane::pbx {
@@ -91,8 +92,10 @@ void PbxSession::createServer(platform::Files& files, platform::SettingsStore& s
                               platform::ObjectCreator& creator) {
   std::u16string progId(simulatorServer);
   if (!files.exists(simulator))
-    progId = u"CalderinProj" + settings.read(u"Quilmar32", state_.AddinsSection, u"ZUL").value_or(u"") +
-             u".cPBXOle";
+    progId =
+        u"CalderinProj" +
+        settings.read(u"Quilmar32", state_.AddinsSection, settings::setting::exchangeVersion).value_or(u"") +
+        u".cPBXOle";
   try {
     server_ = creator.create(progId);
   } catch (const AutomationError&) {
