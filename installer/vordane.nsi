@@ -34,6 +34,8 @@ ManifestSupportedOS all
 Name "${PRODUCT} ${VERSION}"
 OutFile "${OUT}"
 BrandingText "${PRODUCT} ${VERSION}"
+InstallButtonText "$(INSTALL_BUTTON)"
+UninstallButtonText "$(REMOVE_BUTTON)"
 ShowInstDetails show
 ShowUninstDetails show
 VIProductVersion "${VERSION}.0"
@@ -69,6 +71,7 @@ Var CheckDemo
 !define MUI_ABORTWARNING
 !define MUI_LANGDLL_ALLLANGUAGES
 
+!define MUI_WELCOMEPAGE_TEXT "$(WELCOME)"
 !insertmacro MUI_PAGE_WELCOME
 Page custom optionsPage optionsLeave
 !define MUI_PAGE_CUSTOMFUNCTION_LEAVE directoryLeave
