@@ -8,7 +8,7 @@
 #include "language/guide_topics.h"
 #include "lines.h"
 #include "text/utf8.h"
-#include "whole_files.h"
+#include "whole_file.h"
 
 namespace vordane::tools {
 namespace {

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "pbx/answer_reading.h"
+#include "settings/suite_settings.h"
 #include "text/numbers.h"
 
 namespace vordane::pbx {
@@ -92,8 +93,10 @@ bool PbxSession::createServer(platform::Files& files, platform::SettingsStore& s
   const bool simulated = files.exists(simulator);
   std::u16string progId(simulatorServer);
   if (!simulated)
-    progId = u"CalderinProj" + settings.read(u"Quilmar32", state_.AddinsSection, u"ZUL").value_or(u"") +
-             u".cPBXOle";
+    progId =
+        u"CalderinProj" +
+        settings.read(u"Quilmar32", state_.AddinsSection, settings::setting::exchangeVersion).value_or(u"") +
+        u".cPBXOle";
   try {
     server_ = creator.create(progId);
   } catch (const AutomationError&) {

@@ -1,10 +1,9 @@
-#include "whole_files.h"
+#include "whole_file.h"
 
 #include <fstream>
 #include <iterator>
 
 #include "language_source.h"
-#include "lines.h"
 #include "text/utf8.h"
 
 namespace vordane::tools {
@@ -22,8 +21,8 @@ void writeFile(const std::filesystem::path& path, std::string_view bytes) {
   out << bytes;
   out.close();
   if (!out)
-    throw ToolError(text::toUtf8(toText(path)) +
-                    ": can't be written. Check the rights of its folder and the room on its disk");
+    throw UnwritableFile(text::toUtf8(toText(path)) +
+                         ": can't be written. Check the rights of its folder and the room on its disk");
 }
 
 }  // namespace vordane::tools
