@@ -174,6 +174,10 @@ TEST_P(DatabaseContract, ChangesNeedToBeBegun) {
   const auto rows = database->openRecordset(named(u"A"));
   EXPECT_EQ(numberOfError([&] { rows->set(u"MJ", true); }), 3020);
   EXPECT_EQ(numberOfError([&] { rows->update(); }), 3020);
+  rows->edit();
+  rows->set(u"MJ", true);
+  rows->update();
+  EXPECT_EQ(numberOfError([&] { rows->update(); }), 3020) << "the change has ended";
 }
 
 TEST_P(DatabaseContract, AReadOnlyDatabaseRefusesChanges) {

@@ -90,6 +90,10 @@ TEST_F(FaultIndexTest, LongStepsTellHowFarTheyAre) {
   database->setProgress([&](std::size_t done, std::size_t of) {
     if (of > 0 && (steps.empty() || steps.back().first != done)) steps.emplace_back(done, of);
   });
+  database->openRowList(u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[4][0]), count);
+  ASSERT_FALSE(steps.empty());
+  EXPECT_EQ(steps.front(), std::pair(std::size_t{1024}, std::size_t{2100}));
+  steps.clear();
   database->execute(u"DELETE FROM FaultDisplay WHERE ID = 1");
   EXPECT_EQ(steps, (Steps{{0, 2100}, {1024, 2100}, {2048, 2100}}));
 }

@@ -142,7 +142,9 @@ TEST(Opening, WhatMayOnlyBeReadIsOpenedForReadingAlone) {
     sqlite3_prepare_v2(handle.get(), "PRAGMA cell_size_check", -1, &asked, nullptr);
     const bool checks = sqlite3_step(asked) == SQLITE_ROW && sqlite3_column_int(asked, 0) == 1;
     sqlite3_finalize(asked);
-    return checks ? 0 : 4;
+    int defensive = 0;
+    sqlite3_db_config(handle.get(), SQLITE_DBCONFIG_DEFENSIVE, -1, &defensive);
+    return checks && defensive == 1 ? 0 : 4;
   });
   EXPECT_EQ(user.wait(), 0);
   std::filesystem::permissions((under.folder() / "file1").parent_path(), std::filesystem::perms(0755));

@@ -24,5 +24,13 @@ TEST(ListControl, TellsEachChangeOnce) {
   EXPECT_EQ(list.listIndex(), -1);
 }
 
+TEST(ListControl, ChoosesAnEntryOrNone) {
+  Control list(u"lstExchanges", -1, u"ComboBox", {});
+  list.addItem(u"PBX-1");
+  for (const int position : {0, -1}) EXPECT_NO_THROW(list.setListIndex(position));
+  for (const int position : {1, -2}) EXPECT_THROW(list.setListIndex(position), PropertyError);
+  EXPECT_EQ(list.listIndex(), -1);
+}
+
 }  // namespace
 }  // namespace vordane::window

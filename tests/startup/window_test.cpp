@@ -130,6 +130,27 @@ TEST_F(Window, TheFirstClickOnAHeadingOrdersAsTheLoadSaid) {
   }
 }
 
+// A host may show the window before it registers an exchange: what is clicked then is ordered as ever.
+TEST_F(Window, AHeadingClickedBeforeAnExchangeIsShownOrdersAsTheLoadSaid) {
+  startWithHost();
+  pressAndTick(0);
+  exchange().answer(0, oneFault());
+  tick();
+  layer.reset();
+  const std::pair<int, bool> first[] = {{0, false}, {1, false}, {2, true}, {3, false}, {4, false}};
+  for (const auto& [column, descending] : first) {
+    view.timer = 0;
+    start();
+    layer = createLayer();
+    form().input().headingClicked(column);
+    EXPECT_EQ(view.sortColumn, column);
+    EXPECT_EQ(view.sortDescending, descending) << column;
+    form().input().headingClicked(column);
+    EXPECT_EQ(view.sortDescending, !descending) << column;
+    layer.reset();
+  }
+}
+
 TEST_F(Window, ATickInsideACallWaitsUntilItHasReturned) {
   startWithHost();
   host->meanwhile[u"TurnOffFlow"] = [&] {
@@ -171,6 +192,11 @@ TEST_F(Window, TheEmptyGridSaysWhatToDoAgainAfterAWait) {
 TEST_F(Window, TheListsOfTheKindsAreNeverSeen) {
   startWithHost();
   for (const KindList& list : kindLists) EXPECT_FALSE(form().form().control(list.name()).flag(u"Visible"));
+}
+
+TEST_F(Window, TheTimeOfTheListCanBeReadButNotWritten) {
+  startWithHost();
+  EXPECT_TRUE(form().form().control(u"txtTimeTag").flag(u"Locked"));
 }
 
 TEST_F(Window, F1AsksTheHostForHelp) {
