@@ -16,6 +16,7 @@ TEST(IsoText, IsKnownByItsFormAlone) {
   EXPECT_TRUE(isIsoText(u"2026-11-22 21:14:59"));
   EXPECT_TRUE(isIsoText(u"0000-99-99 99:99:99"));
   EXPECT_FALSE(isIsoText(u"2026-11-22 21:14"));
+  EXPECT_FALSE(isIsoText(u"2026-1A-22 21:14:59"));
   EXPECT_FALSE(isIsoText(u"2026-11-22T21:14:59"));
   EXPECT_FALSE(isIsoText(u"2026-11-22 21:14:59 "));
 }
