@@ -9,7 +9,7 @@ FNR == NR { sub(/^[0-9]+:/, ""); failed[$0]; next }
   if (within && name in failed) {
     print "== why " name " failed"
     first = lines > most ? lines - most + 1 : 1
-    for (i = lines; i >= 1; --i) if (line[i] ~ /Failure$|can not start|rror:/) first = i
+    for (i = lines; i >= 1; --i) if (line[i] ~ /Failure$|^FAILED|can not start|rror:/) first = i
     for (i = first; i < first + most && i <= lines; ++i) print line[i]
   }
   within = 0

@@ -67,10 +67,57 @@ std::string words(std::u16string_view description) {
   return result;
 }
 
+list::Minute minuteAt(const std::u16string& written, list::End end) {
+  return list::readMinute(written, end).value_or(end == list::End::since ? 0 : list::noMinute - 1);
+}
+
+// Which faults are asked for. One whose date has another form than "YYYY/MM/DD HH:MM" lies within no limits.
+class Wanted {
+ public:
+  explicit Wanted(const list::Filter& filter)
+      : filter_(filter),
+        limited_(!filter.since.empty() || !filter.until.empty()),
+        since_(minuteAt(filter.since, list::End::since)),
+        until_(minuteAt(filter.until, list::End::until)) {}
+
+  bool has(Recordset& row) const {
+    return list::showsClass(filter_, textOf(row, u"Alarm")) &&
+           filter_.kinds.shows(list::keyOf(textOf(row, u"Fault"))) &&
+           (!filter_.processor || *filter_.processor == list::keyOf(textOf(row, u"CPU"))) &&
+           (!limited_ || liesWithin(list::minuteOf(textOf(row, u"Date"))));
+  }
+
+ private:
+  bool liesWithin(list::Minute minute) const {
+    return minute != list::noMinute && minute >= since_ && minute <= until_;
+  }
+
+  const list::Filter& filter_;
+  bool limited_;
+  list::Minute since_, until_;
+};
+
+void requireTimes(const list::Filter& filter) {
+  const char* const form =
+      ": write the time as YYYY/MM/DD HH:MM, or its beginning as far as the year, the month, the day or the "
+      "hour";
+  switch (list::mistakeIn(filter)) {
+    case list::Mistake::none:
+      return;
+    case list::Mistake::since:
+      throw ToolError("--since " + onOneLine(filter.since) + form);
+    case list::Mistake::until:
+      throw ToolError("--until " + onOneLine(filter.until) + form);
+    case list::Mistake::order:
+      throw ToolError("--since " + onOneLine(filter.since) + " lies behind --until " +
+                      onOneLine(filter.until) + ": no fault can lie between them");
+  }
+}
+
 class Lister {
  public:
-  Lister(database::Database& database, Form form, std::ostream& out)
-      : database_(database), form_(form), out_(out) {}
+  Lister(database::Database& database, const ListOptions& options, std::ostream& out)
+      : database_(database), form_(options.form), wanted_(options.filter), out_(out) {}
 
   void list(const std::vector<Exchange>& chosen) {
     if (form_ == Form::csv) out_ << "Exchange,Fault,Alarm,Date,CPU,Description,Count\r\n";
@@ -91,6 +138,7 @@ class Lister {
   void printFaults(const Exchange& exchange) {
     const auto rows = database_.openRecordset(store::faultsOfExchange(exchange.id, store::newestFirst));
     for (; !rows->atEnd(); rows->moveNext()) {
+      if (!wanted_.has(*rows)) continue;
       ++count_;
       if (form_ == Form::csv) printCsv(*rows, exchange.name);
       if (form_ == Form::lines) printLine(*rows);
@@ -115,6 +163,7 @@ class Lister {
 
   database::Database& database_;
   const Form form_;
+  const Wanted wanted_;
   std::ostream& out_;
   std::int64_t count_ = 0;
 };
@@ -123,12 +172,13 @@ class Lister {
 
 void listFaults(database::Database& database, const std::string& file, const ListOptions& options,
                 std::ostream& out) {
+  requireTimes(options.filter);
   const std::vector<Exchange> known = readExchanges(database);
   std::vector<Exchange> chosen;
   for (const Exchange& exchange : known)
     if (!options.exchange || sameName(exchange.name, *options.exchange)) chosen.push_back(exchange);
   if (options.exchange && chosen.empty()) noSuchExchange(file, *options.exchange, known);
-  Lister(database, options.form, out).list(chosen);
+  Lister(database, options, out).list(chosen);
 }
 
 }  // namespace vordane::tools

@@ -6,6 +6,7 @@
 #include <ostream>
 #include <string>
 
+#include "list/filter.h"
 #include "platform/database.h"
 
 namespace vordane::tools {
@@ -17,11 +18,12 @@ struct ListOptions {
   enum class Form : std::uint8_t { lines, csv, count };
   Form form = Form::lines;
   std::optional<std::u16string> exchange;  // nothing: all of them
+  list::Filter filter;                     // which of their faults; its text is not asked for
 };
 
 // `file` is the database's name for messages. An exchange's name ignores case and blanks behind it, as
-// everywhere in the suite. Throws ToolError when there is no such exchange, before anything is written, and
-// DatabaseError.
+// everywhere in the suite. Throws ToolError when there is no such exchange or the filter's times can't be
+// followed, before anything is written, and DatabaseError.
 void listFaults(database::Database& database, const std::string& file, const ListOptions& options,
                 std::ostream& out);
 

@@ -20,18 +20,32 @@ namespace {
 
 struct Options {
   std::string file;
-  std::optional<std::string> exchange;
-  bool csv = false, count = false;
+  std::optional<std::string> exchange, processor, since, until;
+  std::vector<std::string> kinds;
+  bool major = false, minor = false, csv = false, count = false;
 
   ListOptions list() const {
     using Form = ListOptions::Form;
-    ListOptions all{csv ? Form::csv : count ? Form::count : Form::lines, {}};
+    ListOptions all{csv ? Form::csv : count ? Form::count : Form::lines, {}, filter()};
     if (exchange) all.exchange = text::fromUtf8(*exchange);
     return all;
   }
+
+ private:
+  list::Filter filter() const {
+    list::Filter wanted;
+    wanted.major = major || !minor;
+    wanted.minor = minor || !major;
+    if (!kinds.empty()) wanted.kinds.way = list::KindRule::Way::only;
+    for (const std::string& kind : kinds) wanted.kinds.kinds.insert(list::keyOf(text::fromUtf8(kind)));
+    if (processor) wanted.processor = list::keyOf(text::fromUtf8(*processor));
+    wanted.since = text::fromUtf8(since.value_or(""));
+    wanted.until = text::fromUtf8(until.value_or(""));
+    return wanted;
+  }
 };
 
-int list(const Options& given) {
+int listAll(const Options& given) {
   const auto engine = database::makeEngineChoice(accessEngine(), sqlite::makeEngine(startup::databases));
   const auto database = openDatabase(*engine, given.file);
   if (given.csv) useBinaryStandardStreams();  // its lines have their ends
@@ -50,12 +64,19 @@ void declareList(options::Command& command) {
   command.argument("FAULT.MDB", given->file, "the fault database");
   command.option("--exchange", "NAME", given->exchange,
                  "those of one exchange; upper and lower case are the same");
+  command.option("--since", "TIME", given->since, "not older: YYYY/MM/DD HH:MM, or the beginning of it");
+  command.option("--until", "TIME", given->until, "not newer, likewise: 2026/11 is the whole of that month");
+  command.flag("--major", given->major, "only major alarms");
+  command.flag("--minor", given->minor, "only minor alarms");
+  command.options("--kind", "KIND", given->kinds, "only this fault kind, such as 3B; may be given again");
+  command.option("--processor", "NAME", given->processor, "only those of one processor, such as \"LP 1\"");
   command.flag(
       "--csv", given->csv,
       "every column, for a spreadsheet (UTF-8; an apostrophe stands before texts that would be formulas)");
   command.flag("--count", given->count, "only how many they are");
   command.oneAtMost({"--csv", "--count"});
-  command.runs([given] { return list(*given); });
+  command.notes("With --since or --until, faults whose date has another form are left out.");
+  command.runs([given] { return listAll(*given); });
 }
 
 }  // namespace vordane::tools

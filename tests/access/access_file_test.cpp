@@ -61,6 +61,7 @@ TEST_F(Faults, ColumnsHaveTheirTypes) {
   EXPECT_EQ(table.columns[position(table, u"Description")].type, ColumnType::memo);
   EXPECT_TRUE(table.columns[position(table, u"Count")].autoNumber);
   EXPECT_EQ(table.columns[position(table, u"Fault")].size, 2);
+  EXPECT_EQ(table.columns[position(table, u"ID")].size, 0) << "texts alone have one";
   EXPECT_EQ(content.tables.at(u"PBXList").table.columns[3].type, ColumnType::boolean);
 }
 

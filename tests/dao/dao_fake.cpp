@@ -76,7 +76,7 @@ class TableDefinitions : public DaoObject {
   TableDefinitions(const DaoWorldRef& world, std::vector<access::Table> tables)
       : DaoObject(world, "TableDefs") {
     // The engine's own catalogue stands among the others.
-    tables.insert(tables.begin(),
+    tables.insert(tables.begin() + (tables.empty() ? 0 : 1),
                   access::Table{u"MSysObjects", {{u"Id", access::ColumnType::longInteger, 0, false}}, 0, 0});
     collection([tables] { return tables.size(); },
                [world, tables](const Value& key) -> ObjectRef {

@@ -3,6 +3,7 @@
 
 #include "dao/dao_under_test.h"
 #include "fakes/memory_store_form.h"
+#include "fakes/watched_database.h"
 #include "store/fault_store.h"
 #include "store/statements.h"
 
@@ -53,6 +54,28 @@ TEST_F(DaoIngestion, AddsNothingTheSecondTime) {
   EXPECT_EQ(form.takeTrace(),
             (Lines{"Account 1=0+1+0", "ShowMessage nothing new", "Box 104", "Acknowledge"}));
   EXPECT_EQ(stored(addFaults, u"Count").size(), 1U);
+}
+
+// The row that was begun is dropped, and the same file takes the next list.
+TEST_F(DaoIngestion, AListThatFailedIsCompletedByTheNextOne) {
+  auto watched = std::make_unique<fakes::WatchedDatabase>(std::move(form.database));
+  fakes::WatchedDatabase& failing = *watched;
+  form.database = std::move(watched);
+  int updates = 0;
+  failing.before = [&](std::u16string_view step) {
+    if (step == u"update" && ++updates == 3) throw database::DatabaseError(3218, u"currently locked");
+  };
+  form.receive(u"01 MJ MP   ", u"2026/11/20 20:58", u"01 00", u"");
+  form.receive(u"0A MN AB 0C", u"06/11/27 10:15", u"0C", u"0D");
+  form.ingest(store);
+  EXPECT_EQ(form.takeTrace(), (Lines{"Account 2=1+0+1 incomplete", "Box 102 currently locked", "EndAction"}));
+  EXPECT_EQ(stored(addFaults, u"Fault"), std::vector<std::u16string>{u"01"});
+  failing.before = [](std::u16string_view) {};
+  form.ingest(store);
+  EXPECT_EQ(form.takeTrace(), (Lines{"Account 2=1+1+0", "Acknowledge"}));
+  EXPECT_EQ(stored(addFaults, u"Fault"), (std::vector<std::u16string>{u"01", u"0A"}));
+  ASSERT_NE(form.memoryView.rows, nullptr);
+  EXPECT_EQ(form.memoryView.rows->size(), 2U);
 }
 
 TEST_F(DaoIngestion, DeletesAnExchangeWithItsFaults) {

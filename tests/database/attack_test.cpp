@@ -91,6 +91,8 @@ TEST_F(Attack, NoExpressionOfTheFileRunsWhenARowIsStored) {
   const char* const hostile[] = {
       "CREATE TABLE x(a INTEGER, CHECK (length(hex(zeroblob(1000000))) > 0))",
       "CREATE TABLE x(a INTEGER cHeCk(a > 0))",
+      "CREATE TABLE x(a TEXT DEFAULT 'quoted' CHECK(a > 0))",
+      "CREATE TABLE x(a TEXT /* said */ CHECK(a > 0))",
       "CREATE TABLE x(a INTEGER, b AS (hex(a)))",
       "CREATE TABLE x(a INTEGER, b GENERATED ALWAYS AS (hex(a)) STORED)",
       "CREATE TABLE x(a INTEGER DEFAULT (random()))",

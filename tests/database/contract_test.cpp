@@ -162,6 +162,10 @@ TEST_P(DatabaseContract, AnEditChangesWhatItSetAndNothingElse) {
   EXPECT_EQ(again->get(u"MJ"), Value(true));
   EXPECT_EQ(again->get(u"MN"), Value(false));
   EXPECT_EQ(shown(again->get(u"TimeStamp")), "2006-11-27 10:15:00");
+  again->edit();
+  again->set(u"MJ", automation::Null{});
+  again->update();
+  EXPECT_EQ(database->openRecordset(named(u"A"))->get(u"MJ"), Value(false)) << "a flag is one or the other";
 }
 
 TEST_P(DatabaseContract, ChangesNeedToBeBegun) {
@@ -170,6 +174,10 @@ TEST_P(DatabaseContract, ChangesNeedToBeBegun) {
   const auto rows = database->openRecordset(named(u"A"));
   EXPECT_EQ(numberOfError([&] { rows->set(u"MJ", true); }), 3020);
   EXPECT_EQ(numberOfError([&] { rows->update(); }), 3020);
+  rows->edit();
+  rows->set(u"MJ", true);
+  rows->update();
+  EXPECT_EQ(numberOfError([&] { rows->update(); }), 3020) << "the change has ended";
 }
 
 TEST_P(DatabaseContract, AReadOnlyDatabaseRefusesChanges) {
@@ -179,6 +187,16 @@ TEST_P(DatabaseContract, AReadOnlyDatabaseRefusesChanges) {
   EXPECT_EQ(numberOfError([&] { database->openRecordset(u"Select * FROM PBXList")->addNew(); }), 3027);
   EXPECT_EQ(numberOfError([&] { database->openRecordset(named(u"A"))->edit(); }), 3027);
   EXPECT_EQ(numberOfError([&] { database->execute(u"DELETE FROM PBXList WHERE ID = 1"); }), 3027);
+}
+
+TEST_P(DatabaseContract, AWalkGoesOnAfterAChangeInItsMiddle) {
+  const auto database = open(Layout::faults);
+  for (const char16_t* kind : {u"01", u"02", u"03"}) addFault(*database, {7, kind});
+  const auto rows = database->openRecordset(u"Select * from FaultDisplay");
+  std::vector<std::string> kinds{shown(rows->get(u"Fault"))};
+  addExchange(*database, u"A");
+  for (rows->moveNext(); !rows->atEnd(); rows->moveNext()) kinds.push_back(shown(rows->get(u"Fault")));
+  EXPECT_EQ(kinds, (std::vector<std::string>{"01", "02", "03"}));
 }
 
 TEST_P(DatabaseContract, AnIdenticalFaultIsFound) {

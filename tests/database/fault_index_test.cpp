@@ -73,6 +73,31 @@ TEST_F(FaultIndexTest, RowsThatAreShownStayAsTheyWereWhenMoreAreAdded) {
   EXPECT_EQ(first(*last), "3");
 }
 
+TEST_F(FaultIndexTest, LongStepsTellHowFarTheyAre) {
+  using Steps = std::vector<std::pair<std::size_t, std::size_t>>;
+  const auto database = open();
+  database->beginBatch();
+  for (int i = 0; i < 2100; ++i) addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01"});
+  database->endBatch();
+  const std::u16string_view count[] = {u"Count"};
+  const auto rows = database->openRowList(
+      u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[2][0]), count);
+  std::vector<std::size_t> looked;
+  EXPECT_EQ(rows->find(u"nowhere", 0, [&](std::size_t done) { looked.push_back(done); }), std::nullopt);
+  EXPECT_EQ(looked, (std::vector<std::size_t>{1023, 2047}));
+  EXPECT_EQ(rows->find(u"nowhere", 0, {}), std::nullopt);
+  Steps steps;  // each as often as the engine asks for a sign of life
+  database->setProgress([&](std::size_t done, std::size_t of) {
+    if (of > 0 && (steps.empty() || steps.back().first != done)) steps.emplace_back(done, of);
+  });
+  database->openRowList(u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[4][0]), count);
+  ASSERT_FALSE(steps.empty());
+  EXPECT_EQ(steps.front(), std::pair(std::size_t{1024}, std::size_t{2100}));
+  steps.clear();
+  database->execute(u"DELETE FROM FaultDisplay WHERE ID = 1");
+  EXPECT_EQ(steps, (Steps{{0, 2100}, {1024, 2100}, {2048, 2100}}));
+}
+
 // There is room behind what is kept; what is shown must not grow into it.
 TEST_F(FaultIndexTest, RowsThatAreShownStayAlsoWhereThereIsRoomForMore) {
   const auto database = open();

@@ -20,6 +20,7 @@
 #include "database/contract.h"
 #include "database/embedded.h"
 #include "database/failing_files.h"
+#include "platform/sqlite/connection.h"
 #include "text/utf8.h"
 
 namespace vordane::sqlite {
@@ -134,8 +135,16 @@ TEST(Opening, WhatMayOnlyBeReadIsOpenedForReadingAlone) {
     const int refused = numberOfError([&] { under.engine().open(path, false); });
     if (refused != 3051) return 2;
     const auto database = under.engine().open(path, true);
-    return database->openRecordset(u"Select * FROM PBXList WHERE PBXName = \"A\"")->recordCount() == 1 ? 0
-                                                                                                       : 3;
+    if (database->openRecordset(u"Select * FROM PBXList WHERE PBXName = \"A\"")->recordCount() != 1) return 3;
+    // Such a file is guarded against damage as every other is.
+    sqlite3_stmt* asked = nullptr;
+    const Handle handle = openToRead(path, {});
+    sqlite3_prepare_v2(handle.get(), "PRAGMA cell_size_check", -1, &asked, nullptr);
+    const bool checks = sqlite3_step(asked) == SQLITE_ROW && sqlite3_column_int(asked, 0) == 1;
+    sqlite3_finalize(asked);
+    int defensive = 0;
+    sqlite3_db_config(handle.get(), SQLITE_DBCONFIG_DEFENSIVE, -1, &defensive);
+    return checks && defensive == 1 ? 0 : 4;
   });
   EXPECT_EQ(user.wait(), 0);
   std::filesystem::permissions((under.folder() / "file1").parent_path(), std::filesystem::perms(0755));

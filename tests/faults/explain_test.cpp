@@ -86,6 +86,9 @@ TEST_F(Explain, ValuesNameTheirCharacters) {
   EXPECT_EQ(explain(u"40", u"0C 1F"), (Values{{u"12", {{0, 2}}}, {u"31", {{3, 5}}}}));
   EXPECT_EQ(explain(u"12", u"05 00 01 28"), (Values{{u"K12.5", {{0, 2}}}, {u"128", {{6, 8}, {9, 11}}}}));
   EXPECT_EQ(explain(u"17", u"10 34 12"), (Values{{u"K17.16", {{0, 2}}}, {u"4660", {{6, 8}, {3, 5}}}}));
+  EXPECT_EQ(explain(u"16", u"05"), (Values{{u"K16.5", {{0, 2}}}, {u"5", {{0, 2}}}}));
+  EXPECT_EQ(explain(u"23", u"02 2A"), (Values{{u"K23.2", {{1, 2}}}, {u"042", {{3, 5}}}}));
+  EXPECT_EQ(explain(u"28", u"03 01"), (Values{{u"03", {{1, 2}}}, {u"K28.1", {{4, 5}}}}));
   EXPECT_EQ(explain(u"13", u"05 00 81 21"), (Values{{u"M90", {{6, 8}, {9, 11}}}, {u"5", {{0, 2}}}}));
 }
 
@@ -146,6 +149,8 @@ TEST_F(ExplainStored, MarksNothingInADescriptionThatComesOutDifferently) {
   EXPECT_TRUE(decode.display.explainStored(u"22", description, data).empty());
   EXPECT_TRUE(decode.display.explainStored(u"21", description + u" ", data).empty());
   EXPECT_TRUE(decode.display.explainStored(u"21", u"", data).empty());
+  EXPECT_TRUE(
+      decode.display.explainStored(u"21", description.substr(0, description.size() - 1), data).empty());
   EXPECT_TRUE(decode.display.explainStored(u"21", u"M5 M6M7", data).empty());
   EXPECT_TRUE(decode.display.explainStored(u"21", u"M40\r\n M6M41 5M7\r\nM5 M605M7", data).empty());
   decode.texts.setMessage(41, u"another text");

@@ -55,6 +55,8 @@ TEST(HelpFiles, OfASuiteOnAShareAreKnownByServerAndShare) {
   EXPECT_EQ(openableHelp(u"..\\..\\..\\other\\x.hlp", u"\\\\server\\suite\\30000\\ADDINS", shared),
             std::nullopt);
   EXPECT_EQ(openableHelp(u"x.hlp", u"\\\\server\\other\\30000\\ADDINS", shared), std::nullopt);
+  constexpr std::u16string_view strange = u"\\\\server?\\Suite\\30000";
+  EXPECT_EQ(openableHelp(u"x.hlp", u"\\\\server?\\suite\\30000\\ADDINS", strange), std::nullopt);
   EXPECT_EQ(openableHelp(u"\\\\evil\\share\\x.hlp", addins, suite),
             u"C:\\Quilmar32\\30000\\ADDINS\\evil\\share\\x.hlp");
 }

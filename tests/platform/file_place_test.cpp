@@ -32,6 +32,14 @@ TEST(FilePlace, ADriveIsAskedForItsKind) {
     EXPECT_FALSE(onNetwork(path));
 }
 
+TEST(FilePlace, ADriveIsALetterOfTheAlphabet) {
+  const auto every = [](char16_t) { return true; };
+  for (const char16_t* path : {u"A:\\F", u"Z:\\F", u"a:\\F", u"z:\\F"})
+    EXPECT_TRUE(liesOnNetwork(path, every));
+  for (const char16_t* path : {u"@:\\F", u"[:\\F", u"`:\\F", u"{:\\F", u"\u00C4:\\F"})
+    EXPECT_FALSE(liesOnNetwork(path, every));
+}
+
 TEST(FilePlace, AnythingElseIsHere) {
   for (const char16_t* path : {u"", u"N", u"\\", u"\\NOWHERE\\FAULT.MDB", u"FAULT.MDB", u"/home/n/FAULT.MDB",
                                u"\\\\?\\Volume{0}\\FAULT.MDB", u"\\\\?\\UNCLE\\FAULT.MDB", u"1:\\FAULT.MDB"})

@@ -240,6 +240,8 @@ TEST(Waiting, EndsAfterThatManySeconds) {
   EXPECT_NEAR(day.seconds, 1005, 0.2);
   EXPECT_GT(day.sleeps, 10);  // in short steps
   EXPECT_LE(day.longestSleep, 100);
+  comSchedule::WaitSeconds(day, 1);
+  EXPECT_NEAR(day.seconds, 1006, 0.2);
 }
 
 TEST(Waiting, EndsAcrossMidnight) {

@@ -139,6 +139,25 @@ TEST_F(Conversation, AServerThatVanishesInTheMiddleIsAFailure) {
   EXPECT_LT(reads, 12) << "a server that has gone is not asked again and again";
 }
 
+// A server that has gone isn't asked for the rest of its answer; one that fails otherwise is.
+TEST_F(Conversation, EveryWayOfBeingGoneIsOne) {
+  startWithHost();
+  const auto readsWith = [&](std::uint32_t code) {
+    pressAndTick(0);
+    const auto answer = exchange().record(0, oneFault());
+    int reads = 0;
+    answer->broken = [&](std::u16string_view) { return ++reads > 5; };
+    answer->brokenWith = static_cast<std::int32_t>(code);
+    exchange().callBack(answer);
+    EXPECT_NE(view.status[0].find(u"gone"), std::u16string::npos);
+    return reads;
+  };
+  const int asked = readsWith(0x80004005U);  // E_FAIL
+  for (const std::uint32_t gone :
+       {0x800706BAU, 0x800706BEU, 0x80010108U, 0x80010007U, 0x80010012U, 0x800401FDU})
+    EXPECT_LT(readsWith(gone), asked) << std::hex << gone;
+}
+
 TEST_F(Conversation, AnUnreadableCodeIsAFailure) {
   startWithHost();
   pressAndTick(0);

@@ -171,6 +171,8 @@ class Story : public testing::Test {
          table(u"tControls", controlRows()), table(u"tComboBoxDT", {}), table(u"tSSGridsHD", {}),
          table(u"tProject", {{u"VORDANE"_v, u"Fault display"_v, u"Busy"_v, u"It is busy"_v, u"Waiting"_v,
                               u"No answer yet"_v}}),
+         fakes::NewTable{language::helpTable,
+                         {{u"dlgFaultDisplay"_v, u"txtTimeTag"_v, u"When the list was taken"_v}}},
          table(u"tMessages", messageRows()), table(u"tMsgBox", boxRows()), table(u"tPicture", pictureRows)});
   }
   bool badControl = false;  // a row of a control that the window lacks

@@ -1,4 +1,5 @@
 // The window's own rules: place, timer, presses, help.
+#include "faults/kind_lists.h"
 #include "startup/story.h"
 
 namespace vordane::startup {
@@ -129,6 +130,27 @@ TEST_F(Window, TheFirstClickOnAHeadingOrdersAsTheLoadSaid) {
   }
 }
 
+// A host may show the window before it registers an exchange: what is clicked then is ordered as ever.
+TEST_F(Window, AHeadingClickedBeforeAnExchangeIsShownOrdersAsTheLoadSaid) {
+  startWithHost();
+  pressAndTick(0);
+  exchange().answer(0, oneFault());
+  tick();
+  layer.reset();
+  const std::pair<int, bool> first[] = {{0, false}, {1, false}, {2, true}, {3, false}, {4, false}};
+  for (const auto& [column, descending] : first) {
+    view.timer = 0;
+    start();
+    layer = createLayer();
+    form().input().headingClicked(column);
+    EXPECT_EQ(view.sortColumn, column);
+    EXPECT_EQ(view.sortDescending, descending) << column;
+    form().input().headingClicked(column);
+    EXPECT_EQ(view.sortDescending, !descending) << column;
+    layer.reset();
+  }
+}
+
 TEST_F(Window, ATickInsideACallWaitsUntilItHasReturned) {
   startWithHost();
   host->meanwhile[u"TurnOffFlow"] = [&] {
@@ -167,6 +189,16 @@ TEST_F(Window, TheEmptyGridSaysWhatToDoAgainAfterAWait) {
   EXPECT_EQ(view.noticeKind, window::NoticeKind::hint);
 }
 
+TEST_F(Window, TheListsOfTheKindsAreNeverSeen) {
+  startWithHost();
+  for (const KindList& list : kindLists) EXPECT_FALSE(form().form().control(list.name()).flag(u"Visible"));
+}
+
+TEST_F(Window, TheTimeOfTheListCanBeReadButNotWritten) {
+  startWithHost();
+  EXPECT_TRUE(form().form().control(u"txtTimeTag").flag(u"Locked"));
+}
+
 TEST_F(Window, F1AsksTheHostForHelp) {
   startWithHost();
   form().input().keyPressed(112);
@@ -179,7 +211,9 @@ TEST_F(Window, TheRightButtonOffersWhatsThis) {
   view.duringMenu = [&] { form().input().whatsThisChosen(); };
   for (const char16_t* name : {u"lblListups", u"lblMJ", u"lblMN", u"lblTimetag", u"txtTimeTag"}) {
     form().input().mousePressed(form().form().control(name), 2);
-    EXPECT_THAT(taken(), ElementsAre("(menu mnuWhatsThis)", "(help " + text::toUtf8(name) + ": M224)"));
+    const std::string help = std::u16string_view(name) == u"txtTimeTag" ? "When the list was taken" : "M224";
+    EXPECT_THAT(taken(),
+                ElementsAre("(menu mnuWhatsThis)", "(help " + text::toUtf8(name) + ": " + help + ")"));
     form().input().mousePressed(form().form().control(name), 1);
   }
   form().input().mousePressed(form().form().control(u"cmdPrint"), 2);

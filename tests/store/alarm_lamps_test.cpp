@@ -142,6 +142,16 @@ TEST_F(LampsTest, AnErrorOfTheDatabaseShowsItsText) {
   answerClear({u"OK"});
   store.ClearAlarm(form.received());
   EXPECT_EQ(form.takeTrace(), (Lines{"Box 108", "Box 102 can't be written"}));
+  EXPECT_EQ(lamps(), "----");
+  database->before = [](std::u16string_view) {};
+  answerLamps(u"11");
+  store.UpDateAlarm(form.received());
+  EXPECT_EQ(form.takeTrace(), Lines{}) << "with the cause gone";
+  EXPECT_EQ(lamps(), "MJMN");
+  answerClear({u"OK"});
+  store.ClearAlarm(form.received());
+  EXPECT_EQ(form.takeTrace(), Lines{"Box 108"});
+  EXPECT_EQ(lamps(), "----");
 }
 
 TEST_F(LampsTest, WithoutADatabaseReportOnce) {

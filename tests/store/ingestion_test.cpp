@@ -12,6 +12,18 @@ using Texts = std::vector<std::u16string>;
 class IngestionTest : public StoreTest {
  protected:
   void ingest() { form.ingest(store); }
+  // The same list again, with the cause of a failure gone: the same store completes it.
+  void expectTheNextListCompletes(const std::string& account, std::size_t faults) {
+    database->before = [](std::u16string_view) {};
+    form.takeTrace();
+    ingest();
+    EXPECT_EQ(form.takeTrace(), (Lines{account, "Acknowledge"}));
+    EXPECT_EQ(stored(u"Fault").size(), faults);
+    ASSERT_NE(form.memoryView.rows, nullptr);
+    EXPECT_EQ(form.memoryView.rows->size(), faults);
+    EXPECT_TRUE(form.enabled(u"cmdPrint"));
+    EXPECT_EQ(database->batchDepth, 0);
+  }
 };
 
 TEST_F(IngestionTest, StoresEachFaultOfAGroupOfFour) {
@@ -236,6 +248,9 @@ TEST_F(IngestionTest, ADoubleQuoteInAFaultStopsTheList) {
   EXPECT_EQ(form.trace[2], "EndAction");
   EXPECT_EQ(stored(u"Fault"), Texts{u"01"});
   EXPECT_EQ(shown(&window::GridRow::fault), Texts{u"01"});
+  form.answer.Clear();
+  form.receive(u"24 MJ MP", u"2026/11/20 21:00");
+  expectTheNextListCompletes("Account 1=1+0+0", 2);
 }
 
 // A doubled quote reads as one in the look-up, so what was stored is never found again.
@@ -278,6 +293,7 @@ TEST_F(IngestionTest, ShowsTheEnginesTextAndSendsNoAcknowledgement) {
   EXPECT_EQ(database->batchDepth, 0);
   EXPECT_EQ(form.memoryView.status[0],
             u"20.11.2026 21:14:05, incomplete: 2 received, 1 new, 0 stored, 1 refused: database: no room");
+  expectTheNextListCompletes("Account 2=1+1+0", 2);
 }
 
 TEST_F(IngestionTest, CountsAsStoredOnlyWhatIsThereAfterAFailedSave) {
@@ -291,6 +307,7 @@ TEST_F(IngestionTest, CountsAsStoredOnlyWhatIsThereAfterAFailedSave) {
   };
   ingest();
   EXPECT_EQ(form.trace, (Lines{"Account 2=0+0+2 incomplete", "Box 102 disk full", "EndAction"}));
+  expectTheNextListCompletes("Account 2=2+0+0", 2);
 }
 
 TEST_F(IngestionTest, ShowsNoSecondBoxWhenTheRefreshFailsToo) {
@@ -299,6 +316,7 @@ TEST_F(IngestionTest, ShowsNoSecondBoxWhenTheRefreshFailsToo) {
   ingest();
   EXPECT_EQ(form.trace, (Lines{"Account 1=0+0+1 incomplete", "Box 102 damaged", "EndAction"}));
   EXPECT_EQ(form.memoryView.rows, nullptr);
+  expectTheNextListCompletes("Account 1=1+0+0", 1);
 }
 
 TEST_F(IngestionTest, AnErrorOfTheDisplayWithholdsNoAcknowledgement) {

@@ -86,6 +86,9 @@ TEST_F(ReportTest, AHostThatFailsIsATrappedError) {
   host->remove(u"PrintReport");
   store.PrintFaultReport();
   EXPECT_EQ(form.takeTrace(), Lines{"Box 102 0x80020006"});
+  host->on(u"PrintReport", [this](std::span<automation::Argument>) { return answer; });
+  store.PrintFaultReport();
+  EXPECT_EQ(form.takeTrace(), Lines{}) << "with the cause gone";
 }
 
 TEST_F(ReportTest, WithoutAHostTheUserIsToldSo) {
@@ -178,9 +181,14 @@ TEST_F(DeletionTest, AFirstStatementThatFailsKeepsTheFaults) {
     if (step.starts_with(u"DELETE FROM PBXList")) throw database::DatabaseError(3027, u"can't be written");
   };
   store.DeleteExchange();
-  EXPECT_EQ(form.trace, (Lines{"Box 105", "Box 102 can't be written"}));
+  EXPECT_EQ(form.takeTrace(), (Lines{"Box 105", "Box 102 can't be written"}));
   EXPECT_EQ(exchanges().size(), 2U);
   EXPECT_EQ(stored(u"Fault").size(), 2U);
+  database->before = [](std::u16string_view) {};
+  store.DeleteExchange();
+  EXPECT_EQ(form.takeTrace(), Lines{"Box 105"}) << "with the cause gone";
+  EXPECT_EQ(exchanges(), Texts{u"PBX-2"});
+  EXPECT_EQ(stored(u"Fault"), Texts{u"02"});
 }
 
 TEST_F(DeletionTest, ASecondStatementThatFailsLeavesTheFaultsBehind) {
@@ -189,10 +197,15 @@ TEST_F(DeletionTest, ASecondStatementThatFailsLeavesTheFaultsBehind) {
       throw database::DatabaseError(3027, u"can't be written");
   };
   store.DeleteExchange();
-  EXPECT_EQ(form.trace, (Lines{"Box 105", "Box 102 can't be written"}));
+  EXPECT_EQ(form.takeTrace(), (Lines{"Box 105", "Box 102 can't be written"}));
   EXPECT_EQ(exchanges(), Texts{u"PBX-2"});
   EXPECT_EQ(stored(u"Fault").size(), 2U);
   EXPECT_EQ(shown(&window::GridRow::fault), Texts{u"02"});
+  database->before = [](std::u16string_view) {};
+  store.DeleteExchange();
+  EXPECT_EQ(form.takeTrace(), Lines{"Box 105"}) << "with the cause gone";
+  EXPECT_EQ(exchanges(), Texts{});
+  EXPECT_EQ(form.memoryView.rows, nullptr);
 }
 
 TEST_F(DeletionTest, DoesNothingWhenTheFormWentAwayBehindTheQuestion) {

@@ -69,6 +69,22 @@ TEST_F(RowsTest, ADescriptionWithoutATrailerHasNoDataPart) {
   EXPECT_EQ(provenance(0), Pairs{});
 }
 
+TEST_F(RowsTest, HalfATrailerIsNoDataPart) {
+  form.receive(u"01 MJ MP", u"2026/11/20 20:58", u"02 FF");
+  ingest();
+  const auto description = form.memoryView.rows->row(0)->description;
+  const auto heading = description.rfind(u"\r\n");
+  for (const auto& half :
+       {description.substr(0, description.size() - 1), description.substr(0, heading) + u"]",
+        u"plain text" + description.substr(description.size() - 1)}) {
+    database->inner().execute(deleteFaults(1));
+    addFault(1, {u"01", u"MJ", u"MP   ", u"2026", half});
+    store.RefreshDisplay();
+    ASSERT_EQ(form.memoryView.rows->row(0)->description, half);
+    EXPECT_FALSE(form.memoryView.rows->dataPart(0).has_value());
+  }
+}
+
 TEST_F(RowsTest, ARowThatHasGoneIsNothing) {
   form.receive(u"01 MJ MP", u"2026/11/20 20:58", u"02");
   ingest();

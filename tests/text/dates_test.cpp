@@ -60,6 +60,8 @@ TEST(MomentOf, IsTheWayBack) {
     EXPECT_EQ(isoMoment(*moment), text);
   }
   EXPECT_EQ(momentOf(u"1899-12-31 12:00:00"), 1.5);
+  EXPECT_EQ(momentOf(u"1899-12-30 12:00:00"), 0.5);
+  EXPECT_EQ(momentOf(u"1899-12-29 12:00:00"), -1.5);
 }
 
 TEST(MomentOf, TakesNothingElse) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <random>
 #include <sstream>
 
@@ -51,7 +52,20 @@ class FaultList : public testing::Test {
   std::string list(Form form, std::optional<std::u16string> exchange = std::nullopt) {
     const auto database = sqlite::makeEngine(startup::databases)->open(file_.u16string(), true);
     std::ostringstream out;
-    listFaults(*database, "FAULT.MDB", {form, std::move(exchange)}, out);
+    listFaults(*database, "FAULT.MDB", {form, std::move(exchange), {}}, out);
+    return out.str();
+  }
+  // How many a filter leaves.
+  std::string count(const std::function<void(list::Filter&)>& change) {
+    ListOptions options{Form::count, {}, {}};
+    change(options.filter);
+    const auto database = sqlite::makeEngine(startup::databases)->open(file_.u16string(), true);
+    std::ostringstream out;
+    try {
+      listFaults(*database, "FAULT.MDB", options, out);
+    } catch (const ToolError& failure) {
+      return failure.what();
+    }
     return out.str();
   }
   std::string refusal(Form form, const char16_t* exchange) {
@@ -92,6 +106,45 @@ TEST_F(FaultList, CountsAlone) {
   EXPECT_EQ(list(Form::count), "3\n");
   EXPECT_EQ(list(Form::count, u"PBX-1"), "2\n");
   EXPECT_EQ(list(Form::count, u"=hyperlink(\"x\")"), "0\n");
+}
+
+TEST_F(FaultList, AFilterChoosesByTimeClassKindAndProcessor) {
+  const auto during = [&](const char16_t* since, const char16_t* until) {
+    return count([&](list::Filter& filter) { filter.since = since, filter.until = until; });
+  };
+  EXPECT_EQ(during(u"2006/11/27", u""), "1\n");
+  EXPECT_EQ(during(u"", u"2006/11/26 07:59"), "0\n");
+  EXPECT_EQ(during(u"", u"2006/11/26 08:00"), "2\n");
+  EXPECT_EQ(during(u"2006/11/26 08:01", u"2006/11"), "1\n");
+  EXPECT_EQ(count([](list::Filter& filter) { filter.minor = false; }), "0\n");
+  EXPECT_EQ(count([](list::Filter& filter) { filter.major = false; }), "3\n");
+  EXPECT_EQ(count([](list::Filter& filter) { filter.kinds = {list::KindRule::Way::only, {u"3b"}}; }), "1\n");
+  EXPECT_EQ(count([](list::Filter& filter) { filter.processor = u"lp 2"; }), "1\n");
+}
+
+TEST_F(FaultList, ADateOfAnotherFormLiesWithinNoLimits) {
+  {
+    DatabaseWriter writer(file_.u16string(), true);
+    writer.createTables(store::faultTables);
+    addExchange(writer, 1, u"PBX-1", u"2006-11-27 09:00:00", true);
+    addFault(writer, 1, u"01", u"LP 1", u"27.11.2006", u"Line down");
+    addFault(writer, 1, u"01", u"LP 1", u"2006/11/27 10:00", u"Line down");
+    writer.finish();
+  }
+  EXPECT_EQ(count([](list::Filter&) {}), "2\n");
+  EXPECT_EQ(count([](list::Filter& filter) { filter.since = u"0001"; }), "1\n");
+  EXPECT_EQ(count([](list::Filter& filter) { filter.until = u"9999"; }), "1\n");
+}
+
+TEST_F(FaultList, TimesThatCantBeFollowedAreRefused) {
+  const std::string form =
+      ": write the time as YYYY/MM/DD HH:MM, or its beginning as far as the year, the month, the day or the "
+      "hour";
+  EXPECT_EQ(count([](list::Filter& filter) { filter.since = u"yesterday\x1B"; }),
+            "--since yesterday\\x1B" + form);
+  EXPECT_EQ(count([](list::Filter& filter) { filter.until = u"27.11.2006"; }), "--until 27.11.2006" + form);
+  EXPECT_EQ(count([](list::Filter& filter) { filter.since = u"2007", filter.until = u"2006"; }),
+            "--since 2007 lies behind --until 2006: no fault can lie between them");
 }
 
 TEST_F(FaultList, ExchangesIgnoreCaseAndBlanksBehind) {

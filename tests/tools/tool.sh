@@ -30,7 +30,7 @@ for command in decode doctor guide language export import install list suite uni
 done
 run 0 export --help; says out 'vordane-tools export FILE (--csv DIR | --texts DIR) [--spreadsheet]'; says out 'hold every value as it stands'; says out '--spreadsheet '
 run 0 language build --help; silent errors; says out 'usage: vordane-tools language build [--common] FOLDER OUT.LNG'; says out '--common '
-run 0 list --csv -h; silent errors; says out 'usage: vordane-tools list FAULT.MDB [--exchange NAME] [--csv | --count]'
+run 0 list --csv -h; silent errors; says out 'usage: vordane-tools list FAULT.MDB [--exchange NAME] [--since TIME]'; says out '[--csv | --count]'
 
 run 2; silent out; says errors 'a command is missing'
 run 2 lst; silent out; says errors 'there is no command lst'
@@ -72,6 +72,8 @@ grep -q '<html lang="ru">' made/ADDINS/REPORT/FAULT.RPT || { echo 'FAILED: the r
 run 0 list made/ADDINS/DATABASE/FAULT.MDB --csv
 printf 'Exchange,Fault,Alarm,Date,CPU,Description,Count\r\n' | cmp - out.raw || failed=1
 run 0 list made/ADDINS/DATABASE/FAULT.MDB --count; [ "$(cat out)" = 0 ] || failed=1
+run 0 list made/ADDINS/DATABASE/FAULT.MDB --count --since 2026 --until 2026/11/22 --major --kind 3B --kind 01 --processor MP; [ "$(cat out)" = 0 ] || failed=1
+run 1 list made/ADDINS/DATABASE/FAULT.MDB --since today; silent out; says errors '--since today: write the time as YYYY/MM/DD HH:MM'
 run 1 list made/ADDINS/DATABASE/FAULT.MDB --exchange PBX-1; silent out; says errors 'there is no exchange "PBX-1"'
 if [ "${tool[0]}" != wine ]; then run 0 doctor made/; says out 'nothing is missing'; silent errors; fi
 # A guide of its language comes along when there is one, and takes the place of another language's.

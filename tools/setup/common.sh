@@ -16,6 +16,9 @@ debian_mirror() {
   ' /etc/apt/sources.list.d/*.sources 2>/dev/null | head -n 1
 }
 
+# What this machine's apt is told about reaching its mirrors, whatever files say it: for a root's own apt.
+apt_settings() { apt-config dump | sed -nE '/^Acquire::(http|https|Retries|Check-|ForceIPv)/Ip'; }
+
 # Runs a command under a lock of its own, so that two runs that start at once make a thing once.
 locked() {
   local name="$1"; shift

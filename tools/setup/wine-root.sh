@@ -8,9 +8,6 @@ set -euo pipefail
 release=trixie
 out="$cache/wine-root-$release"
 
-# What this machine's apt is told about reaching its mirrors, in the root's own words.
-apt_settings() { apt-config dump | grep -iE '^(Acquire::(http|https|Retries|Check-|ForceIPv)' || true; }
-
 make_root() {
   [ -f "$out/.complete" ] && return 0
   local mirror; mirror=$(debian_mirror)

@@ -17,6 +17,12 @@ void askToEnd(DWORD processId) {
     if (entry.th32OwnerProcessID == processId) PostThreadMessageW(entry.th32ThreadID, WM_QUIT, 0, 0);
 }
 
+// For a moment the list still holds a process whose end its waiters have been told.
+bool hasEnded(DWORD processId) {
+  const com::Handle process(OpenProcess(SYNCHRONIZE, FALSE, processId));
+  return process && WaitForSingleObject(process.get(), 0) == WAIT_OBJECT_0;
+}
+
 }  // namespace
 
 std::vector<std::pair<DWORD, std::wstring>> runningPrograms() {
@@ -25,7 +31,7 @@ std::vector<std::pair<DWORD, std::wstring>> runningPrograms() {
   PROCESSENTRY32W entry{};
   entry.dwSize = sizeof entry;
   for (BOOL more = Process32FirstW(all.get(), &entry); more; more = Process32NextW(all.get(), &entry))
-    found.emplace_back(entry.th32ProcessID, entry.szExeFile);
+    if (!hasEnded(entry.th32ProcessID)) found.emplace_back(entry.th32ProcessID, entry.szExeFile);
   return found;
 }
 

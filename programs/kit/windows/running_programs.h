@@ -10,7 +10,7 @@
 
 namespace vordane::kit {
 
-// Every process by its number and its program's name ("VORDANE.EXE").
+// Every process that has not ended, by its number and its program's name ("VORDANE.EXE").
 std::vector<std::pair<DWORD, std::wstring>> runningPrograms();
 // The file that a process runs; empty when it has gone, or is nothing that may be asked.
 std::wstring fileOf(DWORD processId);

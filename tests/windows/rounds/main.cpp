@@ -135,7 +135,7 @@ void ending(bool createMeanwhile) {
   if (createMeanwhile) host->whenSaving = [&] { next = createLayer(); };
   layer = nullptr;
   require(endsWithin(process.get(), endsInTime), "a process stays after its last release");
-  require(com::serveMessagesUntil([&] { return host.use_count() == 1; }, 1000),
+  require(com::serveMessagesUntil([&] { return host.use_count() == 1; }, endsInTime),
           "somebody still holds the host");
   if (!createMeanwhile) return;
   require(next != nullptr, "nothing was created during the last release");

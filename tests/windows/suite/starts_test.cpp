@@ -1,6 +1,7 @@
-// Whole starts of the program with one piece missing or damaged, each followed by one with everything in its
-// place. What the host, the person and the run's log are told, and how each process ends, stands in
-// host\starts-*.expected; docs/reliability.md holds the same as a table.
+// Whole starts of the program with one piece missing or damaged: each on a suite that was whole
+// before. What the host, the person and the run's log are told, and how each process ends, stands in
+// host\starts-*.expected; docs/reliability.md holds the same as a table. Of a process that the workstation
+// starts for a host, only who watches it sees the code that it ends with.
 #include <algorithm>
 #include <regex>
 
@@ -51,8 +52,24 @@ void damage(const std::string& name) {
     writeText(file, "no database at all\n");
 }
 
+// What ends a process at its start, and what in its first creation of a layer.
+constexpr const char* endingAtOnce[] = {"Common.LNG is missing",
+                                        "Common.LNG is no database",
+                                        "VORDANE.LNG is missing",
+                                        "VORDANE.LNG is no database",
+                                        "VORDANE.LNG without its messages",
+                                        "VORDANE.LNG without its project texts"};
+constexpr const char* endingInACreation[] = {"Register.mdb is missing", "Register.mdb is no database",
+                                             "Register.mdb without its table"};
+
 bool aboutFaults(const std::string& name) {
   return name.starts_with("FAULT.MDB ");
+}
+
+std::string inOneLine(std::string text) {
+  text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  return text;
 }
 
 class Starts : public InstalledSuite {
@@ -80,12 +97,7 @@ class Starts : public InstalledSuite {
   }
 
   void say(const std::string& line) { got_ += line + "\n"; }
-  void sayBox(const std::string& before, const Box& box) {
-    std::string text = box.whole();
-    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
-    std::replace(text.begin(), text.end(), '\n', ' ');
-    say(before + text);
-  }
+  void sayBox(const std::string& before, const Box& box) { say(before + inOneLine(box.whole())); }
 
   void sayRunLog() {
     const auto file = findRunLog("*");
@@ -95,15 +107,18 @@ class Starts : public InstalledSuite {
     std::filesystem::remove(*file);
   }
 
- private:
   void restore() {
     endSuitePrograms();
+    putBack();
+  }
+  void putBack() {
     emptyFolder(layout().ownDatabases());
     emptyFolder(layout().sharedDatabases());
     copyFolder(kept_ / L"own", layout().ownDatabases());
     copyFolder(kept_ / L"shared", layout().sharedDatabases());
   }
 
+ private:
   Path kept_ = layout().elsewhere / L"kept";
   std::string got_;
 };
@@ -137,6 +152,42 @@ TEST_F(Starts, ByAHost) {
   });
 }
 
+// As the workstation starts it for a host.
+TEST_F(Starts, ByAHostEndAtOnceWithACode) {
+  for (const char* name : endingAtOnce) {
+    damage(name);
+    const Program addin(layout().addin(), {L"-Embedding"}, layout().programs);
+    EXPECT_EQ(addin.wait(), 1) << name;
+    restore();
+  }
+}
+
+// A record needs no registration: it keeps the process there to be looked at until a layer is asked of it.
+TEST_F(Starts, ByAHostEndInTheCreationWithACodeAndTheNextOneWorks) {
+  for (const char* name : endingInACreation) {
+    SCOPED_TRACE(name);
+    damage(name);
+    const Host holding(
+        "holding", "create record Vordane10013.cListRequest\nnote HELD\nwait UnloadChild within 600000\n");
+    holding.awaitLine("# HELD");
+    const auto running = suitePrograms(L"VORDANE.EXE");
+    ASSERT_EQ(running.size(), 1U);
+    const com::Handle addin(OpenProcess(SYNCHRONIZE | PROCESS_QUERY_INFORMATION, FALSE, running.front()));
+    ASSERT_TRUE(addin);
+    const Host refused("creating", "create\n");
+    EXPECT_EQ(refused.wait(), 3) << refused.trace();
+    ASSERT_EQ(WaitForSingleObject(addin.get(), patience()), WAIT_OBJECT_0);
+    DWORD code = 0;
+    EXPECT_TRUE(GetExitCodeProcess(addin.get(), &code));
+    EXPECT_EQ(code, 1U);
+    putBack();
+    const Host next("creating", "create\nrelease\n");
+    EXPECT_EQ(next.wait(), 0) << next.trace();
+    awaitGone();
+    restore();
+  }
+}
+
 // A technician starts it and asks for the list.
 TEST_F(Starts, ByHand) {
   useScenario(L"by-hand");
@@ -146,7 +197,8 @@ TEST_F(Starts, ByHand) {
     const bool shown = addin.window.shownAfterBoxes(boxes);
     for (const Box& box : boxes) sayBox("a box: ", box);
     if (shown) {
-      say("the window");
+      say("the window: " + inOneLine(addin.window.textOf(L"account")));
+      say("in the place of the faults: " + inOneLine(addin.window.notice()));
       const std::size_t before = logged("LogOut");
       if (aboutFaults(name)) {
         addin.window.press(L"cmdRequest");

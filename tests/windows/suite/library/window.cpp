@@ -19,12 +19,14 @@ const click::Eye& eye() {
 
 constexpr std::wstring_view requestButton = L"cmdRequest";
 
+std::string noticeOf(HWND frame) {
+  const HWND notice = frame == nullptr ? nullptr : GetDlgItem(frame, window::win32::idNotice);
+  return notice == nullptr ? std::string{} : utf8(click::textOf(notice));
+}
+
 // Whether the window says that it waits for the exchange.
 bool waits() {
-  const HWND frame = eye().frame();
-  const HWND notice = frame == nullptr ? nullptr : GetDlgItem(frame, window::win32::idNotice);
-  if (notice == nullptr) return false;
-  const std::string shown = utf8(click::textOf(notice));
+  const std::string shown = noticeOf(eye().frame());
   return isMessage(shown, message::noticeWaitingList) || isMessage(shown, message::noticeWaitingAlarms) ||
          isMessage(shown, message::noticeWaitingReset);
 }
@@ -78,6 +80,10 @@ std::string Window::textOf(std::wstring_view control) const {
 int Window::rows() const {
   const HWND frame = awaited("the window", [] { return eye().frame(); });
   return static_cast<int>(SendMessageW(GetDlgItem(frame, window::win32::idGrid), LVM_GETITEMCOUNT, 0, 0));
+}
+
+std::string Window::notice() const {
+  return noticeOf(awaited("the window", [] { return eye().frame(); }));
 }
 
 void Window::awaitIdle() const {

@@ -23,7 +23,8 @@ class Window {
   void awaitShown() const;
   bool isShown() const;
   std::string textOf(std::wstring_view control) const;
-  int rows() const;  // of the grid
+  int rows() const;            // of the grid
+  std::string notice() const;  // what stands in the place of the rows, or above them
 
   // Waits until the button can be pressed and nothing is waited for, since a press before would be dropped.
   void press(std::wstring_view control) const;
