@@ -33,7 +33,9 @@ std::wstring classOf(const std::wstring& name) {
 class PagesNoted {
  public:
   PagesNoted() {
-    setClass(std::wstring(pages) + L"\\shell\\open\\command", L"cmd /c echo %1>>" + noted().wstring());
+    const Path noter = layout().helpers / L"suite" / L"page_noter.exe";
+    setClass(std::wstring(pages) + L"\\shell\\open\\command",
+             L"\"" + noter.wstring() + L"\" \"" + noted().wstring() + L"\" \"%1\"");
     setClass(L".html", pages);
   }
   ~PagesNoted() {
@@ -50,8 +52,7 @@ class PagesNoted {
       if (std::filesystem::exists(noted())) lines = linesOf(readText(noted()));
       return lines.size() >= count;
     });
-    const std::string& line = lines[count - 1];
-    return line.substr(0, line.find_last_not_of("\r ") + 1);
+    return lines[count - 1];
   }
 
  private:
