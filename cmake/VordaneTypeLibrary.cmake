@@ -3,7 +3,6 @@
 # IDL; they are compiled for this machine, also in a build for Windows, and must need nothing but src. With HEADER the
 # same main is asked for the header for hosts in C++ (--header): target NAME-header makes NAME.h, in the folder that
 # the target's property VORDANE_FOLDER names.
-find_program(VORDANE_HOST_CXX NAMES c++ g++ REQUIRED)
 find_program(VORDANE_WIDL NAMES x86_64-w64-mingw32-widl REQUIRED)
 # The library of a 32-bit program says that its numbers are those of a 32-bit system.
 math(EXPR VORDANE_WORD_SIZE "8 * ${CMAKE_SIZEOF_VOID_P}")

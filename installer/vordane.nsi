@@ -34,6 +34,8 @@ ManifestSupportedOS all
 Name "${PRODUCT} ${VERSION}"
 OutFile "${OUT}"
 BrandingText "${PRODUCT} ${VERSION}"
+InstallButtonText "$(INSTALL_BUTTON)"
+UninstallButtonText "$(REMOVE_BUTTON)"
 ShowInstDetails show
 ShowUninstDetails show
 VIProductVersion "${VERSION}.0"
@@ -61,11 +63,15 @@ Var ListLanguage
 Var ListWords
 Var CheckDemo
 
+!ifdef SIGN
+  !uninstfinalize '"${SIGN}" "%1"' = 0
+!endif
 !define MUI_ICON "${ICON}"
 !define MUI_UNICON "${ICON}"
 !define MUI_ABORTWARNING
 !define MUI_LANGDLL_ALLLANGUAGES
 
+!define MUI_WELCOMEPAGE_TEXT "$(WELCOME)"
 !insertmacro MUI_PAGE_WELCOME
 Page custom optionsPage optionsLeave
 !define MUI_PAGE_CUSTOMFUNCTION_LEAVE directoryLeave
@@ -462,6 +468,12 @@ Function un.onInit
   ${IfNot} ${Errors}
     StrCpy $Everything 1
   ${EndIf}
+  StrCpy $Wait 60
+  ClearErrors
+  ${GetOptions} $0 "/Wait=" $1
+  ${IfNot} ${Errors}
+    StrCpy $Wait $1
+  ${EndIf}
   GetFullPathName $Root "$INSTDIR\..\.."
   ; Registered for everybody is what the list of programs of everybody names.
   ${If} ${RunningX64}
@@ -504,7 +516,7 @@ Section un.Remove
   SetOutPath "$PLUGINSDIR"
   again:
   ${If} ${Silent}
-    nsExec::ExecToLog "$R8 --wait 60"
+    nsExec::ExecToLog "$R8 --wait $Wait"
   ${Else}
     nsExec::ExecToLog "$R8 --wait 2"
   ${EndIf}

@@ -5,7 +5,8 @@
 
 #include "common/measure.h"
 #include "list/desk.h"
-#include "platform/sqlite/event_index.h"
+#include "platform/grid_columns.h"
+#include "platform/sqlite/event_keys.h"
 
 namespace vordane::bench {
 namespace {
@@ -41,14 +42,20 @@ std::vector<std::string> keysOfCondition() {
   std::vector<std::string> keys;
   for (const char16_t* kind : {u"01", u"0A", u"58"})
     for (const char16_t* processor : {u"MP   ", u"LP 12"})
-      keys.push_back(sqlite::EventIndex::kindKey({kind, u"MJ", processor, {}, {}}));
+      keys.push_back(sqlite::kindKey({kind, u"MJ", processor, {}, {}}));
   return keys;
 }
 
 std::u16string dateAt(database::RowList& rows, std::size_t position) {
   std::vector<database::Value> row;
   if (!rows.fetch(position, row)) throw std::runtime_error("a row has gone");
-  return automation::toText(row.at(list::date));
+  return automation::toText(row.at(window::dateColumn));
+}
+
+std::string momentKeyOf(const std::u16string& date) {
+  sqlite::EventTexts texts;
+  texts[sqlite::EventColumns::moment] = date;
+  return sqlite::momentKey(texts);
 }
 
 }  // namespace
@@ -58,8 +65,7 @@ void measureFilter(database::RowList& rows, BareStore& bare, const std::string& 
   const std::u16string until = dateAt(rows, rows.size() / 4), since = dateAt(rows, rows.size() * 3 / 4);
   const list::Filter filter = condition(since, until);
   const std::vector<std::string> kinds = keysOfCondition();
-  const std::string from = sqlite::EventIndex::momentKey({{}, {}, {}, since, {}}),
-                    to = sqlite::EventIndex::momentKey({{}, {}, {}, until, {}});
+  const std::string from = momentKeyOf(since), to = momentKeyOf(until);
   const auto scan = [&] { return bare.filteredKeys(1, from, to, kinds); };
   Comparison facts("know class, kind and time of " + howMany, "bare walk along the index, every column",
                    noGoal);
@@ -82,8 +88,10 @@ void measureFilter(database::RowList& rows, BareStore& bare, const std::string& 
     known.add(filtering, scanning);
     anew.add(knowing + filtering, processorSeconds(scan));
     list::Desk texts;
+    list::Filter nowhere;
+    nowhere.text = u"nowhere";
     texts.setStored(&source, u"1");
-    texts.setFilter({u"nowhere"});
+    texts.setFilter(nowhere);
     const double reading = processorSeconds([&] { finish(texts); });
     text.add(reading, processorSeconds([&] { bare.readAll(1); }));
   }

@@ -2,6 +2,9 @@
   LangString ${NAME} ${LANG} "${VALUE}"
 !macroend
 !define LANG ${LANG_ENGLISH}
+!insertmacro TEXT WELCOME "This puts the fault display of the maintenance suite on this workstation, or renews the one that is installed.$\r$\n$\r$\nEnd the maintenance program and every fault display first: what is in use is never ended by force.$\r$\n$\r$\n$_CLICK"
+!insertmacro TEXT INSTALL_BUTTON "&Install"
+!insertmacro TEXT REMOVE_BUTTON "&Remove"
 !insertmacro TEXT OPTIONS_TITLE "How to install"
 !insertmacro TEXT OPTIONS_SUBTITLE "For whom, in which language, and what goes with it."
 !insertmacro TEXT FOR_ALL "For every user of this workstation"

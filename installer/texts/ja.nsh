@@ -1,7 +1,10 @@
 !define LANG ${LANG_JAPANESE}
+!insertmacro TEXT WELCOME "保守プログラムの障害表示をこのワークステーションにインストールするか、インストール済みのものを更新します。$\r$\n$\r$\n先に保守プログラムとすべての障害表示を終了してください。使用中のものを強制終了することはありません。$\r$\n$\r$\n$_CLICK"
+!insertmacro TEXT INSTALL_BUTTON "インストール"
+!insertmacro TEXT REMOVE_BUTTON "削除(&R)"
 !insertmacro TEXT OPTIONS_TITLE "インストール方法"
 !insertmacro TEXT OPTIONS_SUBTITLE "対象ユーザー、言語、追加するものを選びます。"
-!insertmacro TEXT FOR_ALL "この端末のすべてのユーザー"
+!insertmacro TEXT FOR_ALL "このワークステーションのすべてのユーザー"
 !insertmacro TEXT FOR_ME "自分だけ"
 !insertmacro TEXT TEXTS_IN "障害表示の言語:"
 !insertmacro TEXT WORD_SIZE "ビット数:"

@@ -1,4 +1,7 @@
 !define LANG ${LANG_RUSSIAN}
+!insertmacro TEXT WELCOME "Эта программа устанавливает на рабочую станцию окно неисправностей комплекса обслуживания или обновляет установленное.$\r$\n$\r$\nСначала завершите программу обслуживания и все окна неисправностей: то, что используется, принудительно не завершается.$\r$\n$\r$\n$_CLICK"
+!insertmacro TEXT INSTALL_BUTTON "&Установить"
+!insertmacro TEXT REMOVE_BUTTON "&Удалить"
 !insertmacro TEXT OPTIONS_TITLE "Параметры установки"
 !insertmacro TEXT OPTIONS_SUBTITLE "Для кого, на каком языке и что ещё установить."
 !insertmacro TEXT FOR_ALL "Для всех пользователей этой рабочей станции"

@@ -13,6 +13,7 @@
 #include "platform/engine_choice.h"
 #include "settings/shared_state.h"
 #include "settings/suite_databases.h"
+#include "settings/suite_settings.h"
 #include "store/fault_database.h"
 #include "text/text.h"
 #include "text/utf8.h"
@@ -165,10 +166,10 @@ void examineTexts(Database& own, Database* common, Findings& findings) try {
 void examineRegistration(Database& registry, Findings& findings) {
   if (!canRun(registry, u"select AppName from Registry")) return;
   for (const SourceRow& row : rowsOf(registry, "Register.mdb", u"Registry", {u"AppName"}))
-    if (text::equalIgnoringCase(row.fields[0], u"VORDANE.WRX")) return;
-  findings.push_back(
-      {Weight::incomplete,
-       "Register.mdb: there is no row for VORDANE.WRX, so the suite does not list the add-in"});
+    if (text::equalIgnoringCase(row.fields[0], settings::registeredName)) return;
+  findings.push_back({Weight::incomplete, "Register.mdb: there is no row for " +
+                                              text::toUtf8(settings::registeredName) +
+                                              ", so the suite does not list the add-in"});
 }
 
 void examinePictures(const SuiteLayout& layout, Database& own, Findings& findings) try {
@@ -265,29 +266,25 @@ std::vector<Finding> examineFiles(const SuiteLayout& layout, database::Engine& e
       for (const auto& table : file.tables) examineTable(*database, table, file, findings);
     return database;
   };
-  const auto own = open({layout.ownDatabases() / "VORDANE.LNG", language::ownTables, Weight::fatal, false,
+  const auto own = open({layout.texts(), language::ownTables, Weight::fatal, false,
                          "the program ends at its start", ownNeeded});
-  const auto common = open({layout.sharedDatabases() / "Common.LNG", language::commonTables, Weight::fatal,
-                            false, "the program ends at its start", commonNeeded});
-  const auto faults = open({layout.ownDatabases() / "FAULT.MDB",
-                            store::faultTables,
-                            Weight::fatal,
-                            true,
-                            "no faults can be stored or shown",
-                            {}});
-  const auto registry = open({layout.sharedDatabases() / "Register.mdb",
+  const auto common = open({layout.sharedTexts(), language::commonTables, Weight::fatal, false,
+                            "the program ends at its start", commonNeeded});
+  const auto faults = open(
+      {layout.faults(), store::faultTables, Weight::fatal, true, "no faults can be stored or shown", {}});
+  const auto registry = open({layout.registration(),
                               settings::registrationTables,
                               Weight::fatal,
                               true,
                               "the program ends when a host creates it",
                               {}});
-  open({layout.sharedDatabases() / "Schedule.mdb",
+  open({layout.schedule(),
         settings::scheduleTables,
         Weight::incomplete,
         false,
         "scheduled jobs run with the default options and without a log",
         {}});
-  if (faults) examineOwners(*faults, nameOf(layout.ownDatabases() / "FAULT.MDB"), findings);
+  if (faults) examineOwners(*faults, nameOf(layout.faults()), findings);
   if (own) examineTexts(*own, common.get(), findings);
   if (own) examinePictures(layout, *own, findings);
   if (registry) examineRegistration(*registry, findings);
@@ -300,15 +297,15 @@ std::vector<Finding> examineWorkstation(const SuiteLayout& layout, const Worksta
   if (version.size() != 5)
     findings.push_back(
         {Weight::fatal, nameOf(layout.root) + ": the version directory must have a name of five characters"});
-  const auto path = workstation.setting(version, u"InstallPath");
-  const bool elsewhere = path && *path != u"NONE" && !samePlace(fs::path(*path), layout.root);
-  if (!path || *path == u"NONE")
+  const auto path = workstation.setting(version, settings::setting::installPath);
+  const bool elsewhere = path && *path != settings::noSetting && !samePlace(fs::path(*path), layout.root);
+  if (!path || *path == settings::noSetting)
     findings.push_back({Weight::incomplete, "the setting InstallPath of version " + text::toUtf8(version) +
                                                 " is missing: the program looks below its own directory"});
   else if (elsewhere)
     findings.push_back(
         {Weight::fatal, "the setting InstallPath leads to " + text::toUtf8(*path) + ", not to this suite"});
-  if (!workstation.setting(version, u"QUILMAR32"))
+  if (!workstation.setting(version, settings::setting::suiteVersion))
     findings.push_back(
         {Weight::incomplete,
          "the setting QUILMAR32 is missing: options and logs of scheduled jobs are not found"});
@@ -317,7 +314,7 @@ std::vector<Finding> examineWorkstation(const SuiteLayout& layout, const Worksta
     for (Finding& finding : examinePaths(layout, toText(directory.make_preferred()), workstation))
       findings.push_back(std::move(finding));
   }
-  const auto zul = workstation.setting(version, u"ZUL");
+  const auto zul = workstation.setting(version, settings::setting::exchangeVersion);
   if (!zul)
     findings.push_back({Weight::incomplete,
                         "the setting ZUL is missing: started alone, the program finds no exchange server"});

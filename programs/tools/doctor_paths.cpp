@@ -3,6 +3,7 @@
 #include <system_error>
 
 #include "settings/comRegQuil32.h"
+#include "settings/suite_settings.h"
 #include "text/utf8.h"
 
 namespace vordane::tools {
@@ -16,7 +17,7 @@ class SuiteSettings final : public platform::SettingsStore {
   explicit SuiteSettings(const Workstation& workstation) : workstation_(workstation) {}
   std::optional<std::u16string> read(std::u16string_view application, std::u16string_view section,
                                      std::u16string_view key) override {
-    return application == u"QUILMAR32" ? workstation_.setting(section, key) : std::nullopt;
+    return application == settings::suiteApplication ? workstation_.setting(section, key) : std::nullopt;
   }
   void write(std::u16string_view, std::u16string_view, std::u16string_view, std::u16string_view) override {}
 
@@ -25,19 +26,18 @@ class SuiteSettings final : public platform::SettingsStore {
 };
 
 struct Piece {
-  std::u16string_view item, file;
-  fs::path place;
+  std::u16string_view item;
+  fs::path file;
   const char* without;
 };
 
 std::vector<Piece> piecesOf(const SuiteLayout& layout) {
   constexpr const char* noStart = "the program ends at its start";
   return {
-      {u"REGDBOFQUIL32", u"Common.LNG", layout.sharedDatabases(), noStart},
-      {u"Database", u"VORDANE.LNG", layout.ownDatabases(), noStart},
-      {u"Database", u"FAULT.MDB", layout.ownDatabases(), "no faults can be stored or shown"},
-      {u"REGDBOFQUIL32", u"Register.mdb", layout.sharedDatabases(),
-       "the program ends when a host creates it"},
+      {u"REGDBOFQUIL32", layout.sharedTexts(), noStart},
+      {u"Database", layout.texts(), noStart},
+      {u"Database", layout.faults(), "no faults can be stored or shown"},
+      {u"REGDBOFQUIL32", layout.registration(), "the program ends when a host creates it"},
   };
 }
 
@@ -51,9 +51,9 @@ std::vector<Finding> examinePaths(const SuiteLayout& layout, std::u16string_view
   const comRegQuil32::Installation installation{settings, std::u16string(programDirectory)};
   for (const Piece& piece : piecesOf(layout)) {
     const std::u16string path =
-        comRegQuil32::GetInstallPath(installation, u"Addins", piece.item) + std::u16string(piece.file);
+        comRegQuil32::GetInstallPath(installation, u"Addins", piece.item) + toText(piece.file.filename());
     std::error_code failure;
-    if (!fs::is_regular_file(piece.place / piece.file, failure) || workstation.exists(path)) continue;
+    if (!fs::is_regular_file(piece.file, failure) || workstation.exists(path)) continue;
     findings.push_back(
         {Weight::fatal, "the program looks for " + text::toUtf8(path) +
                             ", which is not there although the suite has it: " + piece.without});

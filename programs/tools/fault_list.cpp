@@ -6,6 +6,7 @@
 #include "platform/stored_values.h"
 #include "store/statements.h"
 #include "terminal_text.h"
+#include "text/blanks.h"
 #include "text/csv.h"
 #include "text/text.h"
 #include "text/utf8.h"
@@ -39,12 +40,6 @@ std::vector<Exchange> readExchanges(database::Database& database) {
   return found;
 }
 
-bool sameName(std::u16string_view a, std::u16string_view b) {
-  while (a.ends_with(u' ')) a.remove_suffix(1);
-  while (b.ends_with(u' ')) b.remove_suffix(1);
-  return text::equalIgnoringCase(a, b);
-}
-
 [[noreturn]] void noSuchExchange(const std::string& file, std::u16string_view name,
                                  const std::vector<Exchange>& known) {
   std::string message = file + ": there is no exchange \"" + onOneLine(name) + "\". ";
@@ -67,34 +62,19 @@ std::string words(std::u16string_view description) {
   return result;
 }
 
-list::Minute minuteAt(const std::u16string& written, list::End end) {
-  return list::readMinute(written, end).value_or(end == list::End::since ? 0 : list::noMinute - 1);
-}
-
 // Which faults are asked for. One whose date has another form than "YYYY/MM/DD HH:MM" lies within no limits.
 class Wanted {
  public:
-  explicit Wanted(const list::Filter& filter)
-      : filter_(filter),
-        limited_(!filter.since.empty() || !filter.until.empty()),
-        since_(minuteAt(filter.since, list::End::since)),
-        until_(minuteAt(filter.until, list::End::until)) {}
+  explicit Wanted(const list::Filter& filter) : filter_(filter), limits_(filter) {}
 
   bool has(Recordset& row) const {
-    return list::showsClass(filter_, textOf(row, u"Alarm")) &&
-           filter_.kinds.shows(list::keyOf(textOf(row, u"Fault"))) &&
-           (!filter_.processor || *filter_.processor == list::keyOf(textOf(row, u"CPU"))) &&
-           (!limited_ || liesWithin(list::minuteOf(textOf(row, u"Date"))));
+    return list::showsGroup(filter_, textOf(row, u"Fault"), textOf(row, u"Alarm"), textOf(row, u"CPU")) &&
+           (!limits_.any() || limits_.hold(list::minuteOf(textOf(row, u"Date"))));
   }
 
  private:
-  bool liesWithin(list::Minute minute) const {
-    return minute != list::noMinute && minute >= since_ && minute <= until_;
-  }
-
   const list::Filter& filter_;
-  bool limited_;
-  list::Minute since_, until_;
+  list::Limits limits_;
 };
 
 void requireTimes(const list::Filter& filter) {
@@ -176,7 +156,8 @@ void listFaults(database::Database& database, const std::string& file, const Lis
   const std::vector<Exchange> known = readExchanges(database);
   std::vector<Exchange> chosen;
   for (const Exchange& exchange : known)
-    if (!options.exchange || sameName(exchange.name, *options.exchange)) chosen.push_back(exchange);
+    if (!options.exchange || text::equalAsStored(exchange.name, *options.exchange))
+      chosen.push_back(exchange);
   if (options.exchange && chosen.empty()) noSuchExchange(file, *options.exchange, known);
   Lister(database, options, out).list(chosen);
 }

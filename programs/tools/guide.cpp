@@ -1,8 +1,6 @@
 // vordane-tools guide: the guide's sources, checked and made ready for pandoc.
 #include <algorithm>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <memory>
 
 #include "commands.h"
@@ -10,6 +8,7 @@
 #include "language/guide_topics.h"
 #include "lines.h"
 #include "text/utf8.h"
+#include "whole_file.h"
 
 namespace vordane::tools {
 namespace {
@@ -34,9 +33,7 @@ std::vector<fs::path> languagesOf(const fs::path& guides) {
 
 // "vordane-tools decode.txt" holds what vordane-tools decode prints.
 ProgramHelp readHelp(const std::string& file) {
-  std::ifstream in(toPath(file), std::ios::binary);
-  if (!in) throw ToolError(file + ": can't be opened. Check the path and the rights of the file");
-  return {text::toUtf8(toText(toPath(file).stem())), {std::istreambuf_iterator<char>(in), {}}};
+  return {text::toUtf8(toText(toPath(file).stem())), readFile(toPath(file))};
 }
 
 struct ToCheck {
@@ -61,15 +58,6 @@ int check(const ToCheck& given) {
       problems.push_back(text::toUtf8(toText(folder.filename())) + ": the guide of this language is missing");
   if (problems.empty()) std::cout << guides.size() << " guide(s) complete\n";
   return report(problems);
-}
-
-void writeFile(const fs::path& path, const std::string& bytes) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out << bytes;
-  out.close();
-  if (!out)
-    throw ToolError(text::toUtf8(toText(path)) +
-                    ": can't be written. Check the rights of its folder and the room on its disk");
 }
 
 // The desktop opens files and forgets what stands behind a "#": each topic has a page that leads on.

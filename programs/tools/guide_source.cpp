@@ -1,8 +1,6 @@
 #include "guide_source.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <optional>
 
 #include "faults/fault_texts.h"
@@ -12,6 +10,7 @@
 #include "text/numbers.h"
 #include "text/text.h"
 #include "text/utf8.h"
+#include "whole_file.h"
 
 namespace vordane::tools {
 namespace {
@@ -19,7 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::string_view markBegin = "{{", markEnd = "}}";
-constexpr const char* placeOfValue = "…";
+constexpr char16_t placeOfValue = u'…';
 
 // The column behind the one that holds `key`; nothing without such a row.
 std::optional<std::u16string> cell(const SourceRows& rows, std::size_t keyColumn, std::u16string_view key,
@@ -31,13 +30,13 @@ std::optional<std::u16string> cell(const SourceRows& rows, std::size_t keyColumn
 }
 
 // {1} and its like, which the program fills in.
-std::string withoutValues(std::u16string_view text) {
-  std::string out;
+std::u16string withoutValues(std::u16string_view text) {
+  std::u16string out;
   for (std::size_t at = 0; at < text.size(); ++at) {
     const bool value = at + 2 < text.size() && text[at] == u'{' && text[at + 2] == u'}' &&
                        text::isDecimalDigit(text[at + 1]);
     if (value) at += 2;
-    out += value ? std::string(placeOfValue) : text::toUtf8(text.substr(at, 1));
+    out += value ? placeOfValue : text[at];
   }
   return out;
 }
@@ -51,7 +50,7 @@ std::u16string withoutAccessKey(std::u16string caption) {
 }
 
 std::u16string promptOf(std::u16string_view escaped) {
-  std::u16string value = u"\u2026";
+  std::u16string value(1, placeOfValue);
   std::u16string prompt = comLanguage::ExpandEscapes(escaped, value);
   std::replace(prompt.begin(), prompt.end(), u'\r', u' ');
   return prompt;
@@ -96,11 +95,8 @@ GuideSource readGuide(const fs::path& folder, Problems& problems) {
   for (const auto& entry : fs::directory_iterator(folder, failure))
     if (entry.path().extension() == ".md") paths.push_back(entry.path());
   std::sort(paths.begin(), paths.end());
-  for (const fs::path& path : paths) {
-    std::ifstream in(path, std::ios::binary);
-    guide.files.push_back(
-        {language + "/" + path.filename().string(), {std::istreambuf_iterator<char>(in), {}}});
-  }
+  for (const fs::path& path : paths)
+    guide.files.push_back({language + "/" + path.filename().string(), readFile(path)});
   if (guide.files.empty()) problems.push_back(language + ": the guide has no text");
   return guide;
 }
@@ -144,7 +140,7 @@ std::string textOfMark(std::string_view mark, const LanguageSource& language, co
     problems.push_back(place + ": {{" + std::string(mark) + "}} stands for nothing");
     return {};
   }
-  const std::string shown = withoutValues(withoutAccessKey(*text));
+  const std::string shown = text::toUtf8(withoutValues(withoutAccessKey(*text)));
   const std::size_t first = std::min(shown.find_first_not_of(' '), shown.size());
   return markdownText(shown.substr(first));
 }

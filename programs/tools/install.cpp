@@ -55,6 +55,9 @@ int outcomeOf(Account& account, Step step) {
   } catch (const SetupFailure& failure) {
     account.tell(failure.what());
     return static_cast<int>(failure.outcome());
+  } catch (const std::exception& failure) {
+    account.tell(failure.what());
+    return static_cast<int>(Outcome::failed);
   }
 }
 

@@ -13,6 +13,7 @@
 #include "language/message_numbers.h"
 #include "language/row_values.h"
 #include "platform/control_types.h"
+#include "platform/grid_columns.h"
 #include "text/numbers.h"
 #include "text/text.h"
 #include "text/utf8.h"
@@ -238,13 +239,13 @@ class Checker {
     for (const SourceRow& row : source_.headings) {
       const auto column = number(row, 1);
       if (!column) continue;
-      if (row.fields[0] != u"grdDisplayFault" || *column < 0 || *column >= gridColumns)
+      if (row.fields[0] != u"grdDisplayFault" || *column < 0 || *column >= window::columnCount)
         complain(row, "there is no such column");
       else if (!found.insert(*column).second)
         complain(row, "column " + std::to_string(*column) + " stands twice");
       if (row.fields[2].empty()) complain(row, "the heading is empty");
     }
-    for (int column = 0; column < gridColumns; ++column)
+    for (int column = 0; column < window::columnCount; ++column)
       if (found.count(column) == 0) missing("headings", "column " + std::to_string(column));
   }
 

@@ -1,17 +1,18 @@
 #include "setup.h"
 
 #include <algorithm>
-#include <fstream>
 
 #include "installed_language.h"
+#include "platform/database_numbers.h"
 #include "platform/engine_choice.h"
-#include "settings/comRegQuil32.h"
 #include "settings/suite_databases.h"
+#include "settings/suite_settings.h"
 #include "setup_files.h"
 #include "setup_language.h"
 #include "setup_stage.h"
 #include "text/text.h"
 #include "text/utf8.h"
+#include "whole_file.h"
 
 namespace vordane::tools {
 namespace {
@@ -20,14 +21,11 @@ namespace fs = std::filesystem;
 
 constexpr std::uintmax_t roomForDatabases = 8U << 20U;
 constexpr const char* firstLanguage = "en";
-constexpr const char* ownTexts = "ADDINS/DATABASE/VORDANE.LNG";
-constexpr const char* addin = "ADDINS/VORDANE.EXE";
-constexpr const char* simulator = "SIM/Zulsim.exe";
 
 // The settings by which the suite's programs find a set of our own: the directory, the suite's version, and
 // that of the exchange server.
 struct Setting {
-  const char16_t* key;
+  std::u16string_view key;
   std::u16string value;
 };
 
@@ -38,7 +36,9 @@ std::u16string suiteVersion(const fs::path& root) {
 std::vector<Setting> settingsOf(const fs::path& root) {
   std::u16string directory = toText(fs::path(root).make_preferred());
   directory += static_cast<char16_t>(fs::path::preferred_separator);
-  return {{u"InstallPath", directory}, {u"QUILMAR32", suiteVersion(root)}, {u"ZUL", u"30001"}};
+  return {{settings::setting::installPath, directory},
+          {settings::setting::suiteVersion, suiteVersion(root)},
+          {settings::setting::exchangeVersion, u"30001"}};
 }
 
 // Everything that is known before the first change.
@@ -54,8 +54,9 @@ struct Plan {
 
 void requirePlace(const SuiteLayout& layout, bool suite) {
   const fs::path& root = layout.root;
-  const bool named = root.is_absolute() && toText(root.filename()).size() == 5 &&
-                     text::equalIgnoringCase(toText(root.parent_path().filename()), u"QUILMAR32");
+  const bool named =
+      root.is_absolute() && toText(root.filename()).size() == 5 &&
+      text::equalIgnoringCase(toText(root.parent_path().filename()), settings::suiteApplication);
   if (named || suite) return;
   throw SetupFailure(Outcome::badPlace, pathText(root) +
                                             ": a set of its own stands in a folder whose path ends in " +
@@ -71,16 +72,15 @@ void requireNotOlder(const Plan& plan, const InstallRequest& request, SetupSyste
                            std::to_string(there->revision) + " stands in " + pathText(plan.layout.root));
 }
 
-void requireRoom(const Plan& plan) {
+void requireRoom(const Plan& plan, SetupSystem& system) {
   std::uintmax_t needed = roomForDatabases;
   for (const NewFile& file : plan.files) needed += file.size;
   fs::path place = plan.layout.root;
   while (place.has_relative_path() && !fs::exists(place)) place = place.parent_path();
-  std::error_code failure;
-  const fs::space_info space = fs::space(place, failure);
-  if (!failure && space.available < needed)
+  const std::optional<std::uintmax_t> room = system.roomAt(place);
+  if (room && *room < needed)
     throw SetupFailure(Outcome::diskFull, pathText(place) + ": " + std::to_string(needed >> 20U) +
-                                              " MB are needed, " + std::to_string(space.available >> 20U) +
+                                              " MB are needed, " + std::to_string(*room >> 20U) +
                                               " MB are free");
 }
 
@@ -88,12 +88,12 @@ void requireRoom(const Plan& plan) {
 
 // What is installed, or nothing: then the texts can be made anew from the language that is known.
 std::optional<LanguageSource> readInstalled(Plan& plan, SetupSystem& system, const Tell& tell) {
-  const fs::path path = plan.layout.root / ownTexts;
+  const fs::path path = plan.layout.texts();
   if (!fs::exists(path)) return std::nullopt;
   try {
     const auto engine = system.engine();
     const auto own = engine->open(toText(path), true);
-    return installedLanguage(*own, nullptr, "VORDANE.LNG");
+    return installedLanguage(*own, nullptr, pathText(path.filename()));
   } catch (const database::DatabaseError& failure) {
     if (database::fileKind(toText(path)) == database::FileKind::access)
       throw SetupFailure(Outcome::unreadable, pathText(path) +
@@ -102,7 +102,8 @@ std::optional<LanguageSource> readInstalled(Plan& plan, SetupSystem& system, con
   } catch (const automation::AutomationError&) {
   }
   plan.damagedTexts = true;
-  tell(pathText(path) + " is damaged: it is kept as VORDANE.LNG.damaged, its texts are made anew");
+  tell(pathText(path) + " is damaged: it is kept as " + pathText(damagedTexts.filename()) +
+       ", its texts are made anew");
   return std::nullopt;
 }
 
@@ -153,8 +154,8 @@ void addDataFiles(Plan& plan, const InstallRequest& request) {
 // One version of the suite stands in one place, which every program of it finds by the same setting.
 void requireOnlySuite(const Plan& plan, SetupSystem& system) {
   const fs::path& root = plan.layout.root;
-  const auto other = system.setting(suiteVersion(root), u"InstallPath");
-  if (plan.record.situation == Situation::suite || !other || *other == u"NONE") return;
+  const auto other = system.setting(suiteVersion(root), settings::setting::installPath);
+  if (plan.record.situation == Situation::suite || !other || *other == settings::noSetting) return;
   std::error_code failure;
   const fs::path place = fs::path(*other);
   if (!fs::is_directory(place, failure) || samePlace(place, root)) return;
@@ -174,7 +175,8 @@ Plan planOf(const InstallRequest& request, SetupSystem& system, const Tell& tell
   requireOnlySuite(plan, system);
   requireNotOlder(plan, request, system);
   plan.record.version = request.version;
-  plan.record.words = request.words.value_or(wordsFor(plan.layout, system.words()));
+  plan.record.words =
+      request.words.value_or(wordsFor(plan.layout, packagedWords(request.package, system.words())));
   plan.record.everybody = request.everybody;
   plan.record.demonstration = request.demonstration || (plan.before && plan.before->demonstration);
   plan.files = packagedFiles(request.package, plan.record.words, plan.record.demonstration);
@@ -184,33 +186,26 @@ Plan planOf(const InstallRequest& request, SetupSystem& system, const Tell& tell
   for (const NewFile& file : plan.files) plan.record.files.push_back(file.place);
   plan.record.files.emplace_back(recordPlace);
   addDataFiles(plan, request);
-  requireRoom(plan);
+  requireRoom(plan, system);
   return plan;
 }
 
 std::vector<fs::path> withoutRoot(const std::vector<fs::path>& folders, const fs::path& root) {
-  std::vector<fs::path> places;
+  std::vector<fs::path> below;
   for (const fs::path& folder : folders) {
     const fs::path place = folder.lexically_relative(root);
-    if (!place.empty() && *place.begin() != ".." && place != "." && place.filename() != "~SETUP")
-      places.push_back(place);
+    if (!place.empty() && *place.begin() != ".." && place != "." && place != stagePlace)
+      below.push_back(place);
   }
-  return places;
-}
-
-void writeRecord(const Plan& plan, const fs::path& path) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out << recordText(plan.record);
-  out.close();
-  if (!out) throw SetupFailure(Outcome::diskFull, pathText(path) + ": can't be written");
+  return below;
 }
 
 void makeFiles(const Plan& plan, Stage& stage) {
   for (const NewFile& file : plan.files) file.make(stage.fresh(file.place));
-  if (plan.damagedTexts)
-    fs::copy_file(plan.layout.root / ownTexts, stage.fresh(std::string(ownTexts) + ".damaged"));
-  if (database::fileKind(toText(plan.layout.root / ownTexts)) == database::FileKind::access)
-    fs::copy_file(plan.layout.root / ownTexts, stage.fresh(std::string(ownTexts) + ".access"));
+  const fs::path texts = plan.layout.texts();
+  if (plan.damagedTexts) fs::copy_file(texts, stage.fresh(damagedTexts));
+  if (database::fileKind(toText(texts)) == database::FileKind::access)
+    fs::copy_file(texts, stage.fresh(accessTexts));
   if (!plan.before) return;
   for (const fs::path& place : plan.before->files) stage.drop(place);
 }
@@ -220,8 +215,9 @@ void makeFiles(const Plan& plan, Stage& stage) {
 // The suite's list of add-ins gets our row where it has none; nothing of a row that is there is touched.
 void addRow(const SuiteLayout& layout, SetupSystem& system) {
   const auto engine = system.engine();
-  const auto registry = engine->open(toText(layout.sharedDatabases() / "Register.mdb"), false);
-  const auto rows = registry->openRecordset(settings::statement::registration.with({u"VORDANE.WRX"}));
+  const auto registry = engine->open(toText(layout.registration()), false);
+  const auto rows =
+      registry->openRecordset(settings::statement::registration.with({settings::registeredName}));
   if (rows->recordCount() > 0) return;
   rows->addNew();
   for (const auto& [column, value] : registryRow) rows->set(column, std::u16string(value));
@@ -246,7 +242,7 @@ class Registering {
   Registering(const Registering&) = delete;
   Registering& operator=(const Registering&) = delete;
 
-  void program(const char* place) {
+  void program(const fs::path& place) {
     const fs::path path = plan_.layout.root / place;
     registered_.push_back(path);
     if (!system_.registerProgram(path, plan_.record.everybody))
@@ -256,7 +252,7 @@ class Registering {
   void set(const Setting& setting) {
     const std::u16string version = suiteVersion(plan_.layout.root);
     const auto before = system_.setting(version, setting.key);
-    if (before && setting.key != std::u16string_view(u"InstallPath")) return;
+    if (before && setting.key != settings::setting::installPath) return;
     before_.emplace_back(setting.key, before);
     system_.set(version, setting.key, setting.value);
   }
@@ -273,8 +269,8 @@ class Registering {
 void registerAll(const Plan& plan, SetupSystem& system, Registering& registering) {
   if (plan.record.situation == Situation::alone)
     for (const Setting& setting : settingsOf(plan.layout.root)) registering.set(setting);
-  if (plan.record.demonstration) registering.program(simulator);
-  registering.program(addin);
+  if (plan.record.demonstration) registering.program(places.simulator());
+  registering.program(places.program());
   addRow(plan.layout, system);
 }
 
@@ -290,13 +286,13 @@ void putInPlace(Plan& plan, SetupSystem& system) {
   Stage stage(plan.layout.root);
   makeFiles(plan, stage);
   const fs::path record = stage.fresh(recordPlace);
-  writeRecord(plan, record);
+  writeRecord(plan.record, record);
   stage.prepare();
   plan.record.folders = withoutRoot(stage.madeFolders(), plan.layout.root);
   if (plan.before)
     plan.record.folders.insert(plan.record.folders.begin(), plan.before->folders.begin(),
                                plan.before->folders.end());
-  writeRecord(plan, record);
+  writeRecord(plan.record, record);
   stage.swap();
   openFolders(plan, stage.madeFolders(), system);
   try {
@@ -312,12 +308,12 @@ void putInPlace(Plan& plan, SetupSystem& system) {
 // What the engine says of a step, as an outcome.
 Outcome outcomeOf(const database::DatabaseError& failure) {
   switch (failure.number()) {
-    case 3026:
+    case database::number::diskFull:
       return Outcome::diskFull;
-    case 3027:
-    case 3051:
+    case database::number::readOnly:
+    case database::number::noPermission:
       return Outcome::noRights;
-    case 3260:
+    case database::number::locked:
       return Outcome::inUse;
     default:
       return Outcome::unreadable;
@@ -327,10 +323,7 @@ Outcome outcomeOf(const database::DatabaseError& failure) {
 }  // namespace
 
 std::vector<fs::path> usedFiles(const SuiteLayout& layout) {
-  std::vector<fs::path> files{layout.program(), layout.root / ownTexts};
-  for (const char* program : {"ADDINS/devhost.exe", "ADDINS/vordane-tools.exe", simulator})
-    files.push_back(layout.root / program);
-  return files;
+  return {layout.program(), layout.texts(), layout.host(), layout.tools(), layout.simulator()};
 }
 
 void waitUntilFree(const std::vector<fs::path>& files, std::chrono::seconds patience, SetupSystem& system,
@@ -361,8 +354,10 @@ void install(const InstallRequest& request, SetupSystem& system, const Tell& tel
   for (const std::string& line : linesOf(system.examine(plan.layout))) tell(line);
 } catch (const database::DatabaseError& failure) {
   throw SetupFailure(outcomeOf(failure), text::toUtf8(failure.description()));
+} catch (const UnwritableFile& failure) {
+  throw SetupFailure(Outcome::diskFull, failure.what());
 } catch (const fs::filesystem_error& failure) {
-  failAt(failure.path2().empty() ? failure.path1() : failure.path2(), failure.code());
+  failAt(failure);
 }
 
 }  // namespace vordane::tools

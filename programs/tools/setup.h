@@ -4,6 +4,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -35,6 +36,9 @@ class SetupSystem {
   virtual void set(std::u16string_view version, std::u16string_view key,
                    const std::optional<std::u16string>& value) = 0;
   virtual void removeOwnSettings() = 0;  // places and columns of the window, of this user
+  // How many bytes this user may still write to the disk of a folder that is there; nothing when it can't be
+  // told.
+  virtual std::optional<std::uintmax_t> roomAt(const std::filesystem::path& folder) = 0;
   // Everybody who works at this workstation may write there.
   virtual void letUsersWrite(const std::filesystem::path& folder) = 0;
   virtual std::vector<Finding> examine(const SuiteLayout& layout) = 0;

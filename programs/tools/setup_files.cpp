@@ -9,8 +9,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* demonstrationFolder = "SIM";
-
 void copyFile(const fs::path& from, const fs::path& to) {
   std::error_code failure;
   fs::copy_file(from, to, fs::copy_options::overwrite_existing, failure);
@@ -25,7 +23,7 @@ void addTree(const fs::path& tree, bool demonstration, std::vector<NewFile>& fil
        !failure && entry != fs::recursive_directory_iterator(); entry.increment(failure)) {
     if (!entry->is_regular_file()) continue;
     const fs::path from = entry->path(), place = from.lexically_relative(tree);
-    if (!demonstration && *place.begin() == demonstrationFolder) continue;
+    if (!demonstration && *place.begin() == places.demonstration()) continue;
     files.push_back(
         {place, Keeper::release, [from](const fs::path& to) { copyFile(from, to); }, entry->file_size()});
   }
@@ -33,6 +31,12 @@ void addTree(const fs::path& tree, bool demonstration, std::vector<NewFile>& fil
 }
 
 }  // namespace
+
+Words packagedWords(const fs::path& package, Words wanted) {
+  const Words other = wanted == Words::x64 ? Words::x86 : Words::x64;
+  const auto holds = [&](Words words) { return fs::is_directory(package / nameOf(words)); };
+  return !holds(wanted) && holds(other) ? other : wanted;
+}
 
 std::vector<NewFile> packagedFiles(const fs::path& package, Words words, bool demonstration) {
   std::vector<NewFile> files;
@@ -50,7 +54,7 @@ std::vector<NewFile> packagedGuide(const fs::path& package, const std::string& l
   const fs::path folder = package / "data" / "guide" / toPath(language);
   if (!fs::is_directory(folder)) return pages;
   addTree(folder, true, pages);
-  for (NewFile& page : pages) page.place = SuiteLayout{{}}.guide() / page.place;
+  for (NewFile& page : pages) page.place = places.guide() / page.place;
   return pages;
 }
 

@@ -28,4 +28,8 @@ void failAt(const std::filesystem::path& path, const std::error_code& failure) {
   throw SetupFailure(outcomeOf(failure), pathText(path) + ": " + failure.message());
 }
 
+void failAt(const std::filesystem::filesystem_error& failure) {
+  failAt(failure.path2().empty() ? failure.path1() : failure.path2(), failure.code());
+}
+
 }  // namespace vordane::tools

@@ -39,5 +39,7 @@ std::string pathText(const std::filesystem::path& path);
 
 // The failure of a step at `path`, by what the system says of it.
 [[noreturn]] void failAt(const std::filesystem::path& path, const std::error_code& failure);
+// The same of a step that named its path itself.
+[[noreturn]] void failAt(const std::filesystem::filesystem_error& failure);
 
 }  // namespace vordane::tools

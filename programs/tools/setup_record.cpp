@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "text/utf8.h"
+#include "whole_file.h"
 
 namespace vordane::tools {
 namespace {
@@ -39,15 +40,15 @@ bool read(std::string_view key, std::string_view value, SetupRecord& record) {
     const auto words = wordsNamed(value);
     return words ? record.words = *words, true : false;
   }
-  auto* const places = key == "file"     ? &record.files
-                       : key == "made"   ? &record.made
-                       : key == "folder" ? &record.folders
-                                         : nullptr;
-  if (places == nullptr) return true;  // a later release's
+  auto* const list = key == "file"     ? &record.files
+                     : key == "made"   ? &record.made
+                     : key == "folder" ? &record.folders
+                                       : nullptr;
+  if (list == nullptr) return true;  // a later release's
   const fs::path place = toPath(std::string(value));
   // A record never leads out of its suite.
   if (place.is_absolute() || place.empty() || value.find("..") != value.npos) return false;
-  places->push_back(place);
+  list->push_back(place);
   return true;
 }
 
@@ -82,6 +83,10 @@ std::optional<SetupRecord> parseRecord(std::string_view text) {
     version = version || key == "version";
   }
   return std::nullopt;
+}
+
+void writeRecord(const SetupRecord& record, const fs::path& path) {
+  writeFile(path, recordText(record));
 }
 
 std::optional<SetupRecord> readRecord(const SuiteLayout& layout) {

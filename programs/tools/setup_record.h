@@ -24,11 +24,14 @@ struct SetupRecord {
   std::vector<std::filesystem::path> folders;  // that were not there before, the outermost first
 };
 
-inline constexpr const char* recordPlace = "ADDINS/SETUP/installed.tsv";
+// Below a version directory.
+inline const std::filesystem::path recordPlace = places.setup() / "installed.tsv";
 
 std::string recordText(const SetupRecord& record);
 // Nothing for a text that is no whole record.
 std::optional<SetupRecord> parseRecord(std::string_view text);
+// Throws UnwritableFile.
+void writeRecord(const SetupRecord& record, const std::filesystem::path& path);
 // Nothing where none is, or a damaged one.
 std::optional<SetupRecord> readRecord(const SuiteLayout& layout);
 

@@ -1,29 +1,25 @@
-#include <fstream>
-
+#include "settings/suite_settings.h"
 #include "setup.h"
+#include "setup_files.h"
 #include "setup_stage.h"
 #include "text/text.h"
 #include "text/utf8.h"
+#include "whole_file.h"
 
 namespace vordane::tools {
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* addin = "ADDINS/VORDANE.EXE";
-constexpr const char* simulator = "SIM/Zulsim.exe";
 constexpr const char* journalEndings[] = {"-wal", "-shm", "-journal"};
 
 // What a set without its record consists of: the add-in itself, and what every set has.
 SetupRecord usualRecord(const SuiteLayout& layout) {
   SetupRecord record;
   record.situation = suiteStands(layout) ? Situation::suite : Situation::alone;
-  for (const char* place :
-       {addin, "ADDINS/devhost.exe", "ADDINS/vordane-tools.exe", "ADDINS/HELP/VORDANE.TXT",
-        "ADDINS/REPORT/FAULT.RPT", recordPlace, "ADDINS/SETUP/remove.exe"})
-    record.files.emplace_back(place);
-  for (const char* place : {"ADDINS/DATABASE/FAULT.MDB", "ADDINS/DATABASE/VORDANE.LNG"})
-    record.made.emplace_back(place);
+  record.files = {places.program(),    places.host(), places.tools(),  places.helpText(),
+                  places.reportForm(), recordPlace,   places.remover()};
+  record.made = {places.faults(), places.texts()};
   return record;
 }
 
@@ -57,23 +53,23 @@ void removeFolders(const SuiteLayout& layout, const SetupRecord& record) {
 
 void dropEverything(Stage& stage, const SuiteLayout& layout, const SetupRecord& record) {
   for (const fs::path& place : record.made) dropWork(stage, place);
-  for (const char* place : {"ADDINS/DATABASE/VORDANE.LNG.damaged", "ADDINS/DATABASE/VORDANE.LNG.access"})
-    stage.drop(place);
+  for (const fs::path& place : {damagedTexts, accessTexts}) stage.drop(place);
   if (record.situation == Situation::alone) dropLogs(stage, layout);
 }
 
 // A later installation goes on from it, and a later removal of everything.
-void keepRecord(Stage& stage, SetupRecord record) {
+void keepRecord(Stage& stage, SetupRecord record, bool removerStays) {
   record.files = {recordPlace};
+  if (removerStays) record.files.push_back(places.remover());
   record.removed = true;
-  std::ofstream out(stage.fresh(recordPlace), std::ios::binary);
-  out << recordText(record);
+  writeRecord(record, stage.fresh(recordPlace));
 }
 
 void removeSettings(const SuiteLayout& layout, const SetupRecord& record, SetupSystem& system) {
   system.removeOwnSettings();
   if (record.situation == Situation::suite) return;
-  for (const char16_t* key : {u"InstallPath", u"QUILMAR32", u"ZUL"})
+  for (const std::u16string_view key :
+       {settings::setting::installPath, settings::setting::suiteVersion, settings::setting::exchangeVersion})
     system.set(toText(layout.root.filename()), key, std::nullopt);
 }
 
@@ -88,31 +84,38 @@ void uninstall(const RemovalRequest& request, SetupSystem& system, const Tell& t
   const SetupRecord record = found ? *found : usualRecord(layout);
   waitUntilFree(usedFiles(layout), request.wait, system, tell);
 
+  // A remover that gives its exit code runs in its place, and has its file open for itself.
+  const bool removerStays = system.inUse(layout.remover());
   Stage stage(layout.root);
-  for (const fs::path& place : record.files) stage.drop(place);
+  for (const fs::path& place : record.files)
+    if (!removerStays || place != places.remover()) stage.drop(place);
   if (request.everything)
     dropEverything(stage, layout, record);
   else
-    keepRecord(stage, record);
+    keepRecord(stage, record, removerStays);
   stage.prepare();
   // By the programs themselves, so before they go.
-  for (const char* program : {addin, simulator})
-    if (fs::exists(layout.root / program)) system.unregisterProgram(layout.root / program);
+  const std::vector<fs::path> programs{layout.program(), layout.simulator()};
+  for (const fs::path& program : programs)
+    if (fs::exists(program)) system.unregisterProgram(program);
   try {
     stage.swap();
     stage.keep();
   } catch (...) {
     putBack(layout.root);
-    for (const char* program : {simulator, addin})
-      if (fs::exists(layout.root / program)) system.registerProgram(layout.root / program, record.everybody);
+    for (const fs::path& program : programs)
+      if (fs::exists(program)) system.registerProgram(program, record.everybody);
     throw;
   }
   if (request.everything) removeSettings(layout, record, system);
   removeFolders(layout, record);
+  if (removerStays) tell(pathText(layout.remover()) + " stays, since it is running");
   tell("removed from " + pathText(layout.root) +
        (request.everything ? std::string() : ": stored faults, logs, jobs and settings stay"));
+} catch (const UnwritableFile& failure) {
+  throw SetupFailure(Outcome::diskFull, failure.what());
 } catch (const fs::filesystem_error& failure) {
-  failAt(failure.path1(), failure.code());
+  failAt(failure);
 }
 
 }  // namespace vordane::tools

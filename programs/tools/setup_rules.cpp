@@ -1,8 +1,8 @@
 #include "setup_rules.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
+#include <vector>
 
 #include "platform/engine_choice.h"
 
@@ -11,11 +11,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::array<const char*, 3> suiteDatabases{"Common.LNG", "Register.mdb", "Schedule.mdb"};
+std::vector<fs::path> suiteDatabases(const SuiteLayout& layout) {
+  return {layout.sharedTexts(), layout.registration(), layout.schedule()};
+}
 
 std::vector<fs::path> databasesOf(const SuiteLayout& layout) {
-  std::vector<fs::path> files{layout.ownDatabases() / "FAULT.MDB", layout.ownDatabases() / "VORDANE.LNG"};
-  for (const char* name : suiteDatabases) files.push_back(layout.sharedDatabases() / name);
+  std::vector<fs::path> files = suiteDatabases(layout);
+  files.insert(files.end(), {layout.faults(), layout.texts()});
   return files;
 }
 
@@ -36,8 +38,8 @@ std::string_view nameOf(Situation situation) {
 }
 
 bool suiteStands(const SuiteLayout& layout) {
-  return std::any_of(suiteDatabases.begin(), suiteDatabases.end(),
-                     [&](const char* name) { return fs::exists(layout.sharedDatabases() / name); });
+  const std::vector<fs::path> files = suiteDatabases(layout);
+  return std::any_of(files.begin(), files.end(), [](const fs::path& file) { return fs::exists(file); });
 }
 
 Words wordsFor(const SuiteLayout& layout, Words system) {

@@ -12,20 +12,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Below ADDINS, which is the add-ins' own: on the same disk as every place, so that a move moves a name and
-// no bytes.
-fs::path homeOf(const fs::path& root) {
-  return root / "ADDINS" / "~SETUP";
-}
 fs::path movesOf(const fs::path& home) {
   return home / "moves.tsv";
 }
 fs::path foldersOf(const fs::path& home) {
   return home / "folders.txt";
-}
-
-std::error_code moveWhole(const fs::path& from, const fs::path& to) {
-  return platform::moveFile(from, to);
 }
 
 void append(const fs::path& file, const std::string& line) {
@@ -63,7 +54,7 @@ std::vector<Change> changesOf(const fs::path& home) {
 
 // Undoes one change, whether it was made or not.
 void undo(const fs::path& root, const Change& change, const Stage::Move& move) {
-  const fs::path home = homeOf(root), place = root / change.place, old = home / "old" / change.place;
+  const fs::path home = root / stagePlace, place = root / change.place, old = home / "old" / change.place;
   std::error_code failure;
   if (change.kind == Change::Kind::add) {
     // What has left the folder of the new ones has taken its place.
@@ -83,28 +74,23 @@ void removeFolders(const fs::path& home) {
     fs::remove(toPath(*folder), ignored);
 }
 
-Stage::Move whole(Stage::Move move) {
-  return move ? std::move(move) : Stage::Move(moveWhole);
-}
-
 }  // namespace
 
 bool putBack(const fs::path& root, const Stage::Move& move) {
-  const fs::path home = homeOf(root);
+  const fs::path home = root / stagePlace;
   if (!fs::exists(home)) return false;
-  const Stage::Move moving = whole(move);
   std::vector<Change> changes = changesOf(home);
-  for (auto change = changes.rbegin(); change != changes.rend(); ++change) undo(root, *change, moving);
+  for (auto change = changes.rbegin(); change != changes.rend(); ++change) undo(root, *change, move);
   removeFolders(home);
   return true;
 }
 
 Stage::Stage(fs::path root, Move move)
-    : root_(std::move(root)), home_(homeOf(root_)), move_(whole(std::move(move))) {
+    : root_(std::move(root)), home_(root_ / stagePlace), move_(std::move(move)) {
   putBack(root_, move_);
   try {
     makeFolder(home_);
-    for (const fs::path& folder : folders_) append(foldersOf(home_), pathText(folder));
+    noteFolders(0);
   } catch (...) {
     std::error_code ignored;
     for (auto folder = folders_.rbegin(); folder != folders_.rend(); ++folder)
@@ -132,6 +118,11 @@ void Stage::makeFolder(const fs::path& folder) {
   folders_.push_back(folder);
 }
 
+// What an installation that is broken off leaves is taken away by this list.
+void Stage::noteFolders(std::size_t from) {
+  for (std::size_t i = from; i < folders_.size(); ++i) append(foldersOf(home_), pathText(folders_[i]));
+}
+
 fs::path Stage::fresh(const fs::path& place) {
   const fs::path path = home_ / "new" / place;
   std::error_code failure;
@@ -149,7 +140,7 @@ void Stage::drop(const fs::path& place) {
 void Stage::prepare() {
   const std::size_t noted = folders_.size();
   for (const fs::path& place : fresh_) makeFolder((root_ / place).parent_path());
-  for (std::size_t i = noted; i < folders_.size(); ++i) append(foldersOf(home_), pathText(folders_[i]));
+  noteFolders(noted);
 }
 
 void Stage::swap() {

@@ -11,18 +11,26 @@
 #include <vector>
 
 #include "platform/file_moves.h"
+#include "suite_files.h"
 
 namespace vordane::tools {
+
+// Where new files wait: below ADDINS, which is the add-ins' own, and so on the same disk as every place,
+// where a move moves a name and no bytes.
+inline const std::filesystem::path stagePlace = places.addins() / "~SETUP";
 
 class Stage {
  public:
   // Moves a file over what stands there and says how that failed; tests let it fail.
   using Move =
       std::function<std::error_code(const std::filesystem::path& from, const std::filesystem::path& to)>;
+  static std::error_code moveInOneGo(const std::filesystem::path& from, const std::filesystem::path& to) {
+    return platform::moveFile(from, to);
+  }
 
   // In `root`, a version directory that need not exist yet. Puts back what one before left, then makes the
   // folder. Throws SetupFailure, also later, with everything as it stood.
-  explicit Stage(std::filesystem::path root, Move move = {});
+  explicit Stage(std::filesystem::path root, Move move = moveInOneGo);
   // Puts everything back unless it is kept.
   ~Stage();
   Stage(const Stage&) = delete;
@@ -44,6 +52,7 @@ class Stage {
 
  private:
   void makeFolder(const std::filesystem::path& folder);
+  void noteFolders(std::size_t from);
 
   std::filesystem::path root_, home_;
   Move move_;
@@ -54,6 +63,6 @@ class Stage {
 
 // Puts back what an installation that was broken off has left below `root`; true when there was something.
 // Throws SetupFailure when it can't be put back whole.
-bool putBack(const std::filesystem::path& root, const Stage::Move& move = {});
+bool putBack(const std::filesystem::path& root, const Stage::Move& move = Stage::moveInOneGo);
 
 }  // namespace vordane::tools

@@ -1,19 +1,17 @@
 #include "suite_files.h"
 
 #include <array>
-#include <fstream>
-#include <iterator>
 #include <span>
 
 #include "background_pictures.h"
 #include "language_build.h"
 #include "lines.h"
 #include "report_layout.h"
-#include "settings/suite_databases.h"
 #include "store/fault_database.h"
 #include "text/text.h"
 #include "text/utf8.h"
 #include "tools/sqlite/database_writer.h"
+#include "whole_file.h"
 
 namespace vordane::tools {
 namespace {
@@ -37,23 +35,6 @@ constexpr std::array<Job, 4> sampleJobs{{
     {3, 2, false, 3, u"FAULT", 2},
     {4, 0, true, 1, u"OTHER", 1},
 }};
-
-void writeFile(const fs::path& path, const std::string& bytes) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out << bytes;
-  out.close();
-  if (!out)
-    throw ToolError(text::toUtf8(toText(path)) +
-                    ": can't be written. Check the rights of its folder and the room on its disk");
-}
-
-std::string readFile(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in)
-    throw ToolError(text::toUtf8(toText(path)) +
-                    ": can't be read. Check the path and the rights of the file");
-  return {std::istreambuf_iterator<char>(in), {}};
-}
 
 void makeRegistration(const fs::path& path) {
   DatabaseWriter writer(toText(path));
@@ -86,7 +67,7 @@ void makeFaults(const fs::path& path) {
 }
 
 void makeReport(const fs::path& folder, const LanguageSource& language, const fs::path& path) {
-  const fs::path shape = folder / "FAULT.RPT";
+  const fs::path shape = folder / places.reportForm().filename();
   const fs::path texts = folder / (language.name + ".tsv");
   writeFile(path, reportLayout(readFile(shape), language, readFile(texts), text::toUtf8(toText(shape))));
 }
@@ -115,21 +96,20 @@ bool samePlace(const fs::path& a, const fs::path& b) {
 }
 
 std::vector<DataFile> dataFiles(const LanguageSource& language, const fs::path& report) {
-  const SuiteLayout below{{}};
-  std::vector<DataFile> files{{below.ownDatabases() / "FAULT.MDB", Keeper::faults, makeFaults},
-                              {below.sharedDatabases() / "Register.mdb", Keeper::jobs, makeRegistration},
-                              {below.sharedDatabases() / "Schedule.mdb", Keeper::jobs, makeSchedule},
-                              {below.ownDatabases() / "VORDANE.LNG", Keeper::texts,
-                               [&](const fs::path& path) { buildOwnLanguage(language, path); }},
-                              {below.sharedDatabases() / "Common.LNG", Keeper::shared,
-                               [&](const fs::path& path) { buildCommonLanguage(language, path); }},
-                              {below.help() / "VORDANE.TXT", Keeper::release,
-                               [&](const fs::path& path) { writeFile(path, helpText(language)); }}};
+  std::vector<DataFile> files{
+      {places.faults(), Keeper::faults, makeFaults},
+      {places.registration(), Keeper::jobs, makeRegistration},
+      {places.schedule(), Keeper::jobs, makeSchedule},
+      {places.texts(), Keeper::texts, [&](const fs::path& path) { buildOwnLanguage(language, path); }},
+      {places.sharedTexts(), Keeper::shared,
+       [&](const fs::path& path) { buildCommonLanguage(language, path); }},
+      {places.helpText(), Keeper::release,
+       [&](const fs::path& path) { writeFile(path, helpText(language)); }}};
   for (const BackgroundPicture& picture : backgroundPictures())
-    files.push_back({below.pictures() / picture.file, Keeper::shared,
+    files.push_back({places.pictures() / picture.file, Keeper::shared,
                      [&picture](const fs::path& path) { writeFile(path, drawPicture(picture)); }});
   if (!report.empty())
-    files.push_back({below.report() / "FAULT.RPT", Keeper::release,
+    files.push_back({places.reportForm(), Keeper::release,
                      [&language, report](const fs::path& path) { makeReport(report, language, path); }});
   return files;
 }
@@ -156,7 +136,7 @@ void installGuide(const SuiteLayout& layout, const fs::path& folder, const std::
 
 void installReportLayout(const SuiteLayout& layout, const fs::path& folder, const LanguageSource& language) {
   fs::create_directories(layout.report());
-  makeReport(folder, language, layout.report() / "FAULT.RPT");
+  makeReport(folder, language, layout.reportForm());
 }
 
 }  // namespace vordane::tools

@@ -9,20 +9,37 @@
 #include <vector>
 
 #include "language_source.h"
+#include "settings/suite_databases.h"
 
 namespace vordane::tools {
 
 // Where things stand below the version directory ("...\QUILMAR32\30000").
 struct SuiteLayout {
   std::filesystem::path root;
-  std::filesystem::path program() const { return root / "ADDINS" / "VORDANE.EXE"; }
-  std::filesystem::path ownDatabases() const { return root / "ADDINS" / "DATABASE"; }
-  std::filesystem::path help() const { return root / "ADDINS" / "HELP"; }
+  std::filesystem::path addins() const { return root / "ADDINS"; }
+  std::filesystem::path program() const { return addins() / "VORDANE.EXE"; }
+  std::filesystem::path host() const { return addins() / "devhost.exe"; }
+  std::filesystem::path tools() const { return addins() / "vordane-tools.exe"; }
+  std::filesystem::path ownDatabases() const { return addins() / "DATABASE"; }
+  std::filesystem::path faults() const { return ownDatabases() / "FAULT.MDB"; }
+  std::filesystem::path texts() const { return ownDatabases() / "VORDANE.LNG"; }
+  std::filesystem::path help() const { return addins() / "HELP"; }
+  std::filesystem::path helpText() const { return help() / "VORDANE.TXT"; }
   std::filesystem::path guide() const { return help() / "GUIDE"; }
-  std::filesystem::path report() const { return root / "ADDINS" / "REPORT"; }
+  std::filesystem::path report() const { return addins() / "REPORT"; }
+  std::filesystem::path reportForm() const { return report() / "FAULT.RPT"; }
+  std::filesystem::path setup() const { return addins() / "SETUP"; }
+  std::filesystem::path remover() const { return setup() / "remove.exe"; }
   std::filesystem::path sharedDatabases() const { return root / "QUIL32" / "DATABASE"; }
+  std::filesystem::path sharedTexts() const { return sharedDatabases() / "Common.LNG"; }
+  std::filesystem::path registration() const { return sharedDatabases() / "Register.mdb"; }
+  std::filesystem::path schedule() const { return sharedDatabases() / "Schedule.mdb"; }
   std::filesystem::path pictures() const { return root / "BACKGRND"; }
+  std::filesystem::path demonstration() const { return root / "SIM"; }
+  std::filesystem::path simulator() const { return demonstration() / "Zulsim.exe"; }
 };
+// The same as places, which have no root.
+inline const SuiteLayout places{{}};
 
 // The directory that a person names, which may end in a separator, as "InstallPath" does, or be "." or "..":
 // absolute, without any of these. Throws ToolError when there is none.
@@ -33,7 +50,7 @@ std::filesystem::path suiteDirectory(const std::string& named);
 struct RegistryValue {
   std::u16string_view column, value;
 };
-inline constexpr RegistryValue registryRow[] = {{u"AppName", u"VORDANE.WRX"},
+inline constexpr RegistryValue registryRow[] = {{u"AppName", settings::registeredName},
                                                 {u"MenuName", u"Maintenance"},
                                                 {u"ItemName", u"Fault Display"},
                                                 {u"ToolTip", u"Shows the faults of an exchange"},

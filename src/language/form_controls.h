@@ -42,7 +42,4 @@ inline constexpr std::array<FormControl, 20> formControls{{
 inline constexpr std::array<std::u16string_view, 5> whatsThisControls{u"lblListups", u"lblMJ", u"lblMN",
                                                                       u"lblTimetag", u"txtTimeTag"};
 
-// The columns of grdDisplayFault: Fault, Alarm, Date, CPU, Description, Count.
-inline constexpr int gridColumns = 6;
-
 }  // namespace vordane

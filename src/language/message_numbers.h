@@ -161,38 +161,40 @@ inline constexpr std::size_t withoutKind = 268;     // {1} kind
 inline constexpr std::size_t onlyProcessor = 269;   // {1} processor
 inline constexpr std::size_t onlyDay = 270;         // {1} day
 
+// Before the account, as long as no real exchange answers.
+inline constexpr std::size_t statusSimulated = 271;
 // Of finding, of several selected faults, of copying and saving.
-inline constexpr std::size_t findPlace = 271;     // {1} of {2}
-inline constexpr std::size_t findCount = 272;     // {1}
-inline constexpr std::size_t findAtWork = 273;    // {1} of {2}
-inline constexpr std::size_t rowsSelected = 274;  // {1} the number otherwise, {2} selected
-inline constexpr std::size_t copyCsv = 275;       // with access key
-inline constexpr std::size_t copyMessage = 276;   // with access key
-inline constexpr std::size_t copyData = 277;      // with access key
-inline constexpr std::size_t copyAtWork = 278;    // {1} of {2}
-inline constexpr std::size_t copyTooMany = 279;   // {1} selected, {2} at most
-inline constexpr std::size_t copyNoData = 280;
-inline constexpr std::size_t saveShown = 281;  // with access key
-inline constexpr std::size_t saveTitle = 282;
-inline constexpr std::size_t saveAsCsv = 283;
-inline constexpr std::size_t saveAsPage = 284;
-inline constexpr std::size_t saveAsJson = 285;
-inline constexpr std::size_t saveAtWork = 286;    // {1} of {2}
-inline constexpr std::size_t saved = 287;         // {1} faults, {2} file
-inline constexpr std::size_t savedButGone = 288;  // {3} gone
-inline constexpr std::size_t saveNoFile = 289;    // {1} file
-inline constexpr std::size_t saveNoRoom = 290;    // {1} file
-inline constexpr std::size_t saveHeld = 291;      // {1} file
-inline constexpr std::size_t outputFailed = 292;  // {1} the engine's text
-inline constexpr std::size_t outputStopped = 293;
-inline constexpr std::size_t outputGivenUp = 294;
+inline constexpr std::size_t findPlace = 272;     // {1} of {2}
+inline constexpr std::size_t findCount = 273;     // {1}
+inline constexpr std::size_t findAtWork = 274;    // {1} of {2}
+inline constexpr std::size_t rowsSelected = 275;  // {1} the number otherwise, {2} selected
+inline constexpr std::size_t copyCsv = 276;       // with access key
+inline constexpr std::size_t copyMessage = 277;   // with access key
+inline constexpr std::size_t copyData = 278;      // with access key
+inline constexpr std::size_t copyAtWork = 279;    // {1} of {2}
+inline constexpr std::size_t copyTooMany = 280;   // {1} selected, {2} at most
+inline constexpr std::size_t copyNoData = 281;
+inline constexpr std::size_t saveShown = 282;  // with access key
+inline constexpr std::size_t saveTitle = 283;
+inline constexpr std::size_t saveAsCsv = 284;
+inline constexpr std::size_t saveAsPage = 285;
+inline constexpr std::size_t saveAsJson = 286;
+inline constexpr std::size_t saveAtWork = 287;    // {1} of {2}
+inline constexpr std::size_t saved = 288;         // {1} faults, {2} file
+inline constexpr std::size_t savedButGone = 289;  // {3} gone
+inline constexpr std::size_t saveNoFile = 290;    // {1} file
+inline constexpr std::size_t saveNoRoom = 291;    // {1} file
+inline constexpr std::size_t saveHeld = 292;      // {1} file
+inline constexpr std::size_t outputFailed = 293;  // {1} the engine's text
+inline constexpr std::size_t outputStopped = 294;
+inline constexpr std::size_t outputGivenUp = 295;
 
 // The product's own numbers, as [first, end). Behind the last stand the titles and labels of fault kinds that
 // came later; own ones that come after those begin a range of their own.
 struct Range {
   std::size_t first, end;
 };
-inline constexpr std::array ownTexts{Range{165, 295}};
+inline constexpr std::array ownTexts{Range{165, 296}};
 inline constexpr std::size_t count = ownTexts.back().end;  // of all that are named here or stand before
 
 constexpr bool isOwn(std::size_t number) {

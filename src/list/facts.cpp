@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <map>
 
+#include "platform/stored_values.h"
 #include "text/text.h"
 
 namespace vordane::list {
 namespace {
 
-std::u16string textOf(const database::Value& value) {
-  return automation::isNull(value) ? std::u16string{} : automation::toText(value);
-}
+using database::textOf;
 
 std::u16string firstLine(std::u16string_view description) {
   return std::u16string(text::trim(description.substr(0, description.find_first_of(u"\r\n"))));
@@ -48,16 +47,15 @@ bool Facts::name(database::RowList& rows, std::size_t most) {
 }
 
 // The row that was met first may have gone since: then another one speaks for its group.
-bool Facts::read(Group& group, std::uint32_t number, database::RowList& rows) {
+void Facts::read(Group& group, std::uint32_t number, database::RowList& rows) {
   for (std::size_t position = group.first; position < size(); ++position) {
     if (groupOf_[position] != number || !rows.fetch(position, buffer_)) continue;
-    group.fault = textOf(buffer_.at(fault));
-    group.alarm = textOf(buffer_.at(alarm));
-    group.cpu = textOf(buffer_.at(cpu));
-    group.description = textOf(buffer_.at(description));
-    return true;
+    group.fault = textOf(buffer_.at(window::faultColumn));
+    group.alarm = textOf(buffer_.at(window::alarmColumn));
+    group.cpu = textOf(buffer_.at(window::cpuColumn));
+    group.description = textOf(buffer_.at(window::descriptionColumn));
+    return;
   }
-  return false;
 }
 
 std::vector<Tally> kindsOf(const Facts& facts) {
@@ -81,14 +79,9 @@ std::vector<Tally> processorsOf(const Facts& facts) {
   return tallied(std::move(byKey));
 }
 
-Sieve::Sieve(const Filter& filter, const Facts& facts)
-    : facts_(facts),
-      since_(readMinute(filter.since, End::since).value_or(0)),
-      until_(readMinute(filter.until, End::until).value_or(noMinute - 1)) {
-  limited_ = !text::trim(filter.since).empty() || !text::trim(filter.until).empty();
+Sieve::Sieve(const Filter& filter, const Facts& facts) : facts_(facts), limits_(filter) {
   for (const Group& group : facts.groups())
-    groups_.push_back(showsClass(filter, group.alarm) && filter.kinds.shows(keyOf(group.fault)) &&
-                      (!filter.processor || *filter.processor == keyOf(group.cpu)));
+    groups_.push_back(showsGroup(filter, group.fault, group.alarm, group.cpu));
 }
 
 }  // namespace vordane::list

@@ -8,12 +8,12 @@
 
 #include "list/filter.h"
 #include "platform/database.h"
+#include "platform/grid_columns.h"
 
 namespace vordane::list {
 
-// The places of a row's columns, as whoever gives rows to the grid reads them.
-enum Column : std::size_t { fault, alarm, date, cpu, description, count };
-inline constexpr database::SurveyedColumns surveyedColumns{{fault, alarm, cpu}, date};
+inline constexpr database::SurveyedColumns surveyedColumns{
+    {window::faultColumn, window::alarmColumn, window::cpuColumn}, window::dateColumn};
 
 // Rows that agree in kind, class and processor.
 struct Group {
@@ -38,7 +38,7 @@ class Facts final : public database::Survey::Taker {
   Minute minuteOf(std::size_t position) const { return minuteOf_[position]; }
 
  private:
-  bool read(Group& group, std::uint32_t number, database::RowList& rows);
+  void read(Group& group, std::uint32_t number, database::RowList& rows);
 
   std::vector<Group> groups_;
   std::vector<std::uint32_t> groupOf_;
@@ -65,17 +65,16 @@ class Sieve {
   Verdict of(std::size_t position) const {
     const std::uint32_t group = facts_.groupOf(position);
     if (group == Facts::noGroup || !groups_[group]) return Verdict::hidden;
-    if (!limited_) return Verdict::shown;
+    if (!limits_.any()) return Verdict::shown;
     const Minute minute = facts_.minuteOf(position);
     if (minute == noMinute) return Verdict::shownIfOtherDates;
-    return minute >= since_ && minute <= until_ ? Verdict::shown : Verdict::hidden;
+    return limits_.hold(minute) ? Verdict::shown : Verdict::hidden;
   }
 
  private:
   const Facts& facts_;
   std::vector<bool> groups_;
-  bool limited_;
-  Minute since_, until_;
+  Limits limits_;
 };
 
 }  // namespace vordane::list

@@ -1,44 +1,42 @@
 #include "list/filter.h"
 
+#include "text/blanks.h"
+#include "text/dates.h"
+#include "text/numbers.h"
 #include "text/text.h"
 
 namespace vordane::list {
 namespace {
 
 constexpr std::u16string_view pattern = u"0000/00/00 00:00";
-constexpr std::u16string_view first = u"0000/00/00 00:00", last = u"9999/99/99 99:99";
+// What a stretch of time begins and ends with where a person has written less; the pattern is the earliest.
+constexpr std::u16string_view last = u"9999/99/99 99:99";
 constexpr std::u16string_view major = u"mj", minor = u"mn";
-
-bool isDigit(char16_t character) {
-  return character >= u'0' && character <= u'9';
-}
-
-bool fits(std::u16string_view text) {
-  for (std::size_t i = 0; i < text.size(); ++i)
-    if (pattern[i] == u'0' ? !isDigit(text[i]) : text[i] != pattern[i]) return false;
-  return true;
-}
 
 Minute numberOf(std::u16string_view whole) {
   Minute number = 0;
   for (const char16_t character : whole)
-    if (isDigit(character)) number = number * 10 + (character - u'0');
+    if (text::isDecimalDigit(character)) number = number * 10 + (character - u'0');
   return number;
+}
+
+bool hasLimit(const Filter& filter) {
+  return !text::trim(filter.since).empty() || !text::trim(filter.until).empty();
 }
 
 }  // namespace
 
 Minute minuteOf(std::u16string_view stored) {
-  while (!stored.empty() && stored.back() == u' ') stored.remove_suffix(1);
-  return stored.size() == pattern.size() && fits(stored) ? numberOf(stored) : noMinute;
+  const std::u16string_view text = text::withoutTrailingBlanks(stored);
+  return text::hasForm(text, pattern) ? numberOf(text) : noMinute;
 }
 
 std::optional<Minute> readMinute(std::u16string_view written, End end) {
   const std::u16string_view text = text::trim(written);
   const bool whole = text.size() == 4 || text.size() == 7 || text.size() == 10 || text.size() == 13 ||
                      text.size() == pattern.size();
-  if (!whole || !fits(text)) return {};
-  return numberOf(std::u16string(text).append((end == End::since ? first : last).substr(text.size())));
+  if (!whole || !text::hasForm(text, pattern.substr(0, text.size()))) return {};
+  return numberOf(std::u16string(text).append((end == End::since ? pattern : last).substr(text.size())));
 }
 
 std::u16string keyOf(std::u16string_view text) {
@@ -67,15 +65,26 @@ Mistake mistakeIn(const Filter& filter) {
   return since && until && *since > *until ? Mistake::order : Mistake::none;
 }
 
+Limits::Limits(const Filter& filter)
+    : any_(hasLimit(filter)),
+      since_(readMinute(filter.since, End::since).value_or(0)),
+      until_(readMinute(filter.until, End::until).value_or(noMinute - 1)) {}
+
 bool isOn(const Filter& filter) {
   return !filter.text.empty() || !filter.major || !filter.minor || filter.kinds.way != KindRule::Way::all ||
-         filter.processor || !text::trim(filter.since).empty() || !text::trim(filter.until).empty();
+         filter.processor || hasLimit(filter);
 }
 
 bool showsClass(const Filter& filter, std::u16string_view alarm) {
   if (filter.major && filter.minor) return true;
   const std::u16string key = keyOf(alarm);
   return (filter.major && key == major) || (filter.minor && key == minor);
+}
+
+bool showsGroup(const Filter& filter, std::u16string_view kind, std::u16string_view alarm,
+                std::u16string_view processor) {
+  return showsClass(filter, alarm) && filter.kinds.shows(keyOf(kind)) &&
+         (!filter.processor || *filter.processor == keyOf(processor));
 }
 
 }  // namespace vordane::list

@@ -50,10 +50,25 @@ struct Filter {
 enum class Mistake { none, since, until, order };
 Mistake mistakeIn(const Filter& filter);
 
+// The time that a filter lets through, which may have no limit at either end or at both.
+class Limits {
+ public:
+  explicit Limits(const Filter& filter);  // one without a mistake
+  bool any() const { return any_; }
+  bool hold(Minute minute) const { return minute >= since_ && minute <= until_; }  // false for noMinute
+
+ private:
+  bool any_;
+  Minute since_, until_;
+};
+
 // Whether it asks for anything, so that it may hide a row.
 bool isOn(const Filter& filter);
 
 // Both classes ticked show every row, whatever its class.
 bool showsClass(const Filter& filter, std::u16string_view alarm);
+// Whether rows of this kind, class and processor are shown, as far as time and text let them.
+bool showsGroup(const Filter& filter, std::u16string_view kind, std::u16string_view alarm,
+                std::u16string_view processor);
 
 }  // namespace vordane::list

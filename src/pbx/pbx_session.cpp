@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "pbx/answer_reading.h"
+#include "settings/suite_settings.h"
 #include "text/numbers.h"
 
 namespace vordane::pbx {
@@ -87,17 +88,21 @@ void reading(std::optional<Failure>& unreadable, const Step& step) {
 
 // --- the server object
 
-void PbxSession::createServer(platform::Files& files, platform::SettingsStore& settings,
+bool PbxSession::createServer(platform::Files& files, platform::SettingsStore& settings,
                               platform::ObjectCreator& creator) {
+  const bool simulated = files.exists(simulator);
   std::u16string progId(simulatorServer);
-  if (!files.exists(simulator))
-    progId = u"CalderinProj" + settings.read(u"Quilmar32", state_.AddinsSection, u"ZUL").value_or(u"") +
-             u".cPBXOle";
+  if (!simulated)
+    progId =
+        u"CalderinProj" +
+        settings.read(u"Quilmar32", state_.AddinsSection, settings::setting::exchangeVersion).value_or(u"") +
+        u".cPBXOle";
   try {
     server_ = creator.create(progId);
   } catch (const AutomationError&) {
     server_.reset();
   }
+  return simulated;
 }
 
 ObjectRef PbxSession::server() {

@@ -51,8 +51,8 @@ class PbxSession {
   PbxSession& operator=(const PbxSession&) = delete;
 
   // Stand-alone only: creates the exchange server, the simulator's when it lies in the current directory.
-  // One that can't be created leaves the object unset.
-  void createServer(platform::Files& files, platform::SettingsStore& settings,
+  // One that can't be created leaves the object unset. Whether it is the simulator's.
+  bool createServer(platform::Files& files, platform::SettingsStore& settings,
                     platform::ObjectCreator& creator);
 
   // True when the request was sent (its answer may have come already). The acknowledgement keeps the

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "platform/database.h"
+#include "platform/described.h"
 #include "text/numbers.h"
 #include "text/text.h"
 
@@ -347,10 +348,7 @@ void Documented::require(std::u16string_view statement, Lifted& lifted) const {
 }
 
 bool Documented::hasTable(std::u16string_view name) const {
-  for (const database::Description& description : descriptions_)
-    for (const database::TableDefinition& table : description.tables)
-      if (text::equalIgnoringCase(table.name, name)) return true;
-  return false;
+  return database::findTable(descriptions_, name) != nullptr;
 }
 
 }  // namespace vordane::jet

@@ -1,7 +1,9 @@
-// Stored values, of which any may be Null.
+// Stored values, of which any may be Null, and any text of any length.
 #pragma once
 
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "platform/database.h"
 
@@ -15,6 +17,23 @@ inline std::u16string textOf(const Value& value) {
 // Null is no. Throws AutomationError for what is neither a number nor a word for yes or no.
 inline bool flagOf(const Value& value) {
   return !automation::isNull(value) && automation::toBoolean(value);
+}
+
+// A row gives no more of a text than this many characters, so that one of many megabytes, which no exchange
+// sends, costs a list neither its memory nor its other rows. The mark stands where the rest was.
+inline constexpr std::size_t longestText = 65'536;
+inline constexpr std::u16string_view cutMark = u" [...]";
+
+inline std::u16string limitedText(std::u16string text) {
+  if (text.size() <= longestText) return text;
+  const bool inAPair = text[longestText - 1] >= 0xD800 && text[longestText - 1] < 0xDC00;
+  text.resize(inAPair ? longestText - 1 : longestText);
+  return text.append(cutMark);
+}
+
+inline Value limitedValue(Value value) {
+  if (auto* text = std::get_if<std::u16string>(&value)) *text = limitedText(std::move(*text));
+  return value;
 }
 
 }  // namespace vordane::database

@@ -6,21 +6,14 @@
 #include <vector>
 
 #include "platform/database.h"
+#include "platform/stored_values.h"
+#include "text/blanks.h"
 #include "text/text.h"
 
 namespace vordane::database {
 namespace {
 
 constexpr char16_t between = 0xFFFF;  // no text of a column holds it
-
-std::u16string_view withoutTrailingBlanks(std::u16string_view text) {
-  while (!text.empty() && text.back() == u' ') text.remove_suffix(1);
-  return text;
-}
-
-std::u16string textOf(const Value& value) {
-  return automation::isNull(value) ? std::u16string{} : automation::toText(value);
-}
 
 class SurveyOfRows final : public Survey {
  public:
@@ -31,7 +24,7 @@ class SurveyOfRows final : public Survey {
     for (; next_ < end; ++next_) {
       if (!rows_.fetch(next_, row_)) continue;
       const std::u16string time = textOf(row_.at(columns_.time));
-      taker.take(next_, kindOfRow(), withoutTrailingBlanks(time));
+      taker.take(next_, kindOfRow(), text::withoutTrailingBlanks(time));
     }
     return next_ < size;
   }
@@ -40,7 +33,7 @@ class SurveyOfRows final : public Survey {
   std::uint32_t kindOfRow() {
     std::u16string key;
     for (const std::size_t column : columns_.kind)
-      (key += withoutTrailingBlanks(text::toLower(textOf(row_.at(column))))) += between;
+      (key += text::withoutTrailingBlanks(text::toLower(textOf(row_.at(column))))) += between;
     return kinds_.try_emplace(std::move(key), static_cast<std::uint32_t>(kinds_.size())).first->second;
   }
 

@@ -5,15 +5,17 @@
 #include <utility>
 
 #include "settings/suite_databases.h"
+#include "settings/suite_settings.h"
 #include "text/text.h"
 
 namespace vordane::comRegQuil32 {
 namespace {
 
+using settings::noSetting;
+using settings::suiteApplication;
+using settings::setting::installPath;
 using text::middle;
 
-constexpr std::u16string_view suite = u"QUILMAR32";
-constexpr std::u16string_view none = u"NONE";
 // What an item without a meaning for the product gives; no caller of this program meets it.
 constexpr std::u16string_view noDirectory = u"30000";
 
@@ -26,7 +28,7 @@ bool isSuitePart(std::u16string_view product) {
 std::optional<std::u16string> readSetting(const Installation& installation, std::u16string_view application,
                                           std::u16string_view section, std::u16string_view key) {
   std::optional<std::u16string> value = installation.settings.read(application, section, key);
-  if (value == none) value.reset();
+  if (value == noSetting) value.reset();
   return value;
 }
 
@@ -39,7 +41,7 @@ struct Lookup {
 
 Lookup lookupFor(const Installation& installation, std::u16string_view product) {
   const std::u16string name = text::toUpper(product);
-  return {installation, name, isSuitePart(name) ? std::u16string(suite) : name,
+  return {installation, name, isSuitePart(name) ? std::u16string(suiteApplication) : name,
           GetSuiteVersion(installation, product)};
 }
 
@@ -48,7 +50,7 @@ std::u16string runningBase(const Lookup& lookup) {
 }
 
 std::u16string baseDirectory(const Lookup& lookup) {
-  const auto stored = readSetting(lookup.installation, lookup.application, lookup.section, u"InstallPath");
+  const auto stored = readSetting(lookup.installation, lookup.application, lookup.section, installPath);
   if (!stored) return runningBase(lookup);
   if (!isSuitePart(lookup.product)) return *stored;
   return *stored + lookup.product + u"\\";
@@ -82,7 +84,7 @@ std::u16string fixedDirectory(const Lookup& lookup, const FixedItem& item) {
 std::u16string productDirectory(const Lookup& lookup, std::u16string_view item) {
   const auto version = readSetting(lookup.installation, lookup.application, lookup.section, item);
   if (!version || version->size() != 5) return runningBase(lookup);
-  return readSetting(lookup.installation, item, *version, u"InstallPath").value_or(u"\\");
+  return readSetting(lookup.installation, item, *version, installPath).value_or(u"\\");
 }
 
 }  // namespace
@@ -92,7 +94,8 @@ std::u16string GetSuiteVersion(const Installation& installation, std::u16string_
   const std::u16string name = text::toUpper(product);
   const std::u16string directory = text::toUpperPath(installation.runningDirectory);
   const std::u16string_view end = text::right(directory, 16 + name.size());
-  if (middle(end, 1, 9) != suite || middle(end, 17, name.size()) != name) return std::u16string(none);
+  if (middle(end, 1, 9) != suiteApplication || middle(end, 17, name.size()) != name)
+    return std::u16string(noSetting);
   return std::u16string(middle(end, 11, 5));
 }
 
@@ -107,10 +110,10 @@ std::u16string GetInstallPath(const Installation& installation, std::u16string_v
 
 std::u16string suiteDirectory(const Installation& installation) {
   const Lookup lookup = lookupFor(installation, u"ADDINS");
-  if (auto stored = readSetting(installation, lookup.application, lookup.section, u"InstallPath"))
+  if (auto stored = readSetting(installation, lookup.application, lookup.section, installPath))
     return std::move(*stored);
   const std::u16string& running = installation.runningDirectory;
-  return lookup.section == none ? running : running.substr(0, running.rfind(u'\\'));
+  return lookup.section == noSetting ? running : running.substr(0, running.rfind(u'\\'));
 }
 
 bool RegisterVersion(const Installation& installation, database::Engine& engine, std::u16string_view product,

@@ -15,6 +15,9 @@ inline constexpr database::ColumnDefinition options[] = {
     {u"Log2", yesNo},  {u"FileByte", integer}, {u"File", text},       {u"Kind", integer}};
 }  // namespace columns
 
+// By which the suite lists this add-in.
+inline constexpr std::u16string_view registeredName = u"VORDANE.WRX";
+
 inline constexpr database::TableDefinition registrationTables[] = {{u"Registry", columns::registry}};
 inline constexpr database::TableDefinition scheduleTables[] = {{u"Options", columns::options}};
 

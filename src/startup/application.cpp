@@ -8,10 +8,12 @@
 #include "pbx/cSLVRequest.h"
 #include "startup/cOLELayer.h"
 #include "startup/dlgFaultDisplay.h"
+#include "text/fill.h"
 
 namespace vordane::startup {
 namespace {
 
+constexpr std::size_t longestSubstitution = 4096;  // of a box, as of a line in the run log
 constexpr std::int32_t retryCancel = 5;
 constexpr std::int32_t exclamation = 48;
 constexpr int answerRetry = 4;
@@ -50,7 +52,7 @@ int Application::showBox(std::int16_t number, std::u16string_view substitution) 
                                  station_.program.directory};
   comTools::BoxRequest request;
   request.number = number;
-  if (!substitution.empty()) request.substitution = std::u16string(substitution);
+  if (!substitution.empty()) request.substitution = brief(substitution, longestSubstitution);
   request.logOnly = unattended();
   return comTools::ShowMsgBox(boxes, request);
 }

@@ -1,6 +1,7 @@
 #include "startup/basMain.h"
 
 #include "language/comDatabase.h"
+#include "settings/suite_databases.h"
 #include "startup/dlgFaultDisplay.h"
 #include "text/numbers.h"
 
@@ -63,7 +64,7 @@ void RegisterAddin(startup::Application& application) {
   platform::Process& process = application.station().process;
   const bool registered =
       comRegQuil32::RegisterVersion(application.installation(), application.station().engine, addins,
-                                    u"VORDANE.WRX", versionText(application.station().program));
+                                    settings::registeredName, versionText(application.station().program));
   if (!registered) process.endAtOnce();
   process.setCallTimes({10000, 20000});
   application.form().Load();

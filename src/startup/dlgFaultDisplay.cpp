@@ -94,7 +94,7 @@ bool dlgFaultDisplay::showExchanges() {
   }
   if (!alive()) return false;
   const auto& station = application_.station();
-  session_.createServer(station.files, station.settings, station.creator);
+  if (session_.createServer(station.files, station.settings, station.creator)) status_.exchangeIsSimulated();
   usePBXName(station.program.commandLine, shown ? Report::box : Report::quiet);
   return true;
 }

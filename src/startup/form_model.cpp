@@ -5,6 +5,7 @@
 #include "faults/kind_lists.h"
 #include "language/form_controls.h"
 #include "platform/control_types.h"
+#include "platform/grid_columns.h"
 
 namespace vordane::startup {
 namespace {
@@ -21,7 +22,7 @@ constexpr int gridStyleSets = 2;
 void addControl(window::Form& form, std::u16string_view name, std::u16string_view typeName, bool visible) {
   auto properties = window::designedProperties(typeName);
   if (typeName == u"SSDBGrid") {
-    window::addColumns(properties, gridColumns);
+    window::addColumns(properties, window::columnCount);
     window::addStyleSets(properties, gridStyleSets);
   }
   if (name == u"txtTimeTag") properties[u"Locked"] = true;

@@ -139,6 +139,8 @@ std::u16string WindowStatus::line() const {
   if (quiet && !textsIncomplete_.empty())
     line = fillText(text(message::statusTextsIncomplete), {textsIncomplete_});
   if (quiet && onNetwork_) line = text(message::statusNetworkDrive) + u" " + line;
+  // Always: nobody may take its faults for those of a real one.
+  if (simulated_) line = text(message::statusSimulated) + u" " + line;
   if (!guideLine_.empty()) line = guideLine_ + u"\n" + line;
   return line;
 }

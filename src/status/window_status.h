@@ -32,6 +32,7 @@ class WindowStatus {
   // --- the load
   void databaseOpened(bool onNetwork) { onNetwork_ = onNetwork; }
   void databaseClosed() { onNetwork_ = false; }
+  void exchangeIsSimulated() { simulated_ = true; }
   void textsStopped(std::u16string_view table);  // a loader gave up in it
   void loaded();
 
@@ -74,7 +75,7 @@ class WindowStatus {
   Notice hint(const std::optional<std::u16string>& chosen, std::u16string_view registered) const;
 
   const SharedState& state_;
-  bool onNetwork_ = false;
+  bool onNetwork_ = false, simulated_ = false;
   std::u16string waiting_, failure_, displayFailure_;   // the notice
   std::u16string storedLine_, listLine_, attemptLine_;  // the status line
   std::u16string textsIncomplete_;                      // the tables of loaders that stopped

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/grid_columns.h"
 #include "platform/stored_rows.h"
 #include "text/numbers.h"
 #include "text/text.h"

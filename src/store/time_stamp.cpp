@@ -10,21 +10,13 @@ namespace vordane::store {
 namespace {
 
 constexpr std::u16string_view column = u"TimeStamp";
-constexpr std::u16string_view datePattern = u"0000-00-00 00:00:00";
 
 std::u16string dateText(const platform::LocalTime& time) {
   return text::isoText(time.year, time.month, time.day, time.hour, time.minute, time.second);
 }
 
-bool isDateText(std::u16string_view text) {
-  if (text.size() != datePattern.size()) return false;
-  for (std::size_t i = 0; i < text.size(); ++i)
-    if (datePattern[i] == u'0' ? !text::isDecimalDigit(text[i]) : text[i] != datePattern[i]) return false;
-  return true;
-}
-
 std::optional<platform::LocalTime> parseDate(std::u16string_view text) {
-  if (!isDateText(text)) return {};
+  if (!text::isIsoText(text)) return {};
   const auto field = [&](std::size_t start, std::size_t length) {
     return static_cast<int>(text::decimalField(text::middle(text, start, length)));
   };

@@ -1,5 +1,6 @@
 #include "text/dates.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdint>
@@ -22,6 +23,17 @@ std::u16string isoText(int year, int month, int day, int hour, int minute, int s
   const auto two = [](int value) { return decimalPadded(value, 2); };
   return decimalPadded(year, 4) + u"-" + two(month) + u"-" + two(day) + u" " + two(hour) + u":" +
          two(minute) + u":" + two(second);
+}
+
+bool hasForm(std::u16string_view text, std::u16string_view pattern) {
+  const auto fits = [](char16_t character, char16_t wanted) {
+    return wanted == u'0' ? isDecimalDigit(character) : character == wanted;
+  };
+  return std::equal(text.begin(), text.end(), pattern.begin(), pattern.end(), fits);
+}
+
+bool isIsoText(std::u16string_view text) {
+  return hasForm(text, u"0000-00-00 00:00:00");
 }
 
 std::u16string isoMoment(double days) {

@@ -1,8 +1,15 @@
 #include "text/fill.h"
 
 #include "text/numbers.h"
+#include "text/text.h"
 
 namespace vordane {
+
+std::u16string brief(std::u16string_view text, std::size_t most) {
+  if (text.size() <= most) return std::u16string(text);
+  const bool inAPair = most > 0 && text[most - 1] >= 0xD800 && text[most - 1] < 0xDC00;
+  return std::u16string(text::left(text, inAPair ? most - 1 : most)) + u"...";
+}
 
 std::u16string fillText(std::u16string_view pattern, std::initializer_list<std::u16string_view> values) {
   std::u16string result;
@@ -14,7 +21,7 @@ std::u16string fillText(std::u16string_view pattern, std::initializer_list<std::
       result += pattern[at];
       continue;
     }
-    result += values.begin()[number];
+    result += brief(values.begin()[number], longestValue);
     at += 2;
   }
   return result;

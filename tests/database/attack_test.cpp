@@ -7,6 +7,7 @@
 
 #include "database/contract.h"
 #include "database/embedded.h"
+#include "platform/sqlite/foreign_files.h"
 #include "text/utf8.h"
 
 namespace vordane::sqlite {
@@ -119,14 +120,29 @@ TEST_F(Attack, WhatOnlyLooksLikeAnExpressionIsTaken) {
   EXPECT_EQ(openAndStore(), 0);
 }
 
-TEST_F(Attack, AValueOfManyMegabytesIsAnErrorAndTheOthersAreRead) {
+TEST_F(Attack, OfADescriptionOfManyMegabytesTheBeginningIsGivenAndTheOthersAreWhole) {
   addFault(*under.engine().open(path, false), {1});
-  run("INSERT INTO FaultDisplay(ID, Fault, Alarm, CPU, Date, Description) VALUES (2, '01', 'MJ', 'MP', "
-      "'2005', "
-      "replace(hex(zeroblob(5000000)), '0', 'x'))");
-  const auto database = under.engine().open(path, false);
-  EXPECT_EQ(numberOfError([&] { database::isStored(*database, {1}); }), 3421);
-  EXPECT_EQ(numberOfError([&] { database::isStored(*database, {1}); }), 3421) << "and so again";
+  run("INSERT INTO FaultDisplay(ID, Fault, Alarm, CPU, Date, Description) VALUES (1, '01', 'MJ', 'MP', "
+      "'2005', replace(hex(zeroblob(10000000)), '0', 'x'))");
+  for (const bool readOnly : {false, true}) {
+    const auto database = under.engine().open(path, readOnly);
+    EXPECT_TRUE(database::isStored(*database, {1}));
+    const auto rows = database->openRecordset(u"Select * from FaultDisplay");
+    EXPECT_EQ(rows->get(u"Description"), database::Value(database::Fault{1}.description));
+    rows->moveNext();
+    EXPECT_EQ(rows->get(u"Description"), database::Value(std::u16string(65536, u'x') + u" [...]"));
+    rows->moveNext();
+    EXPECT_TRUE(rows->atEnd());
+  }
+}
+
+// Such a value is a file of its size, so it is asked for the limit itself.
+TEST(ForeignFile, NoValueIsLargerThan256Megabytes) {
+  sqlite3* handle = nullptr;
+  ASSERT_EQ(sqlite3_open(":memory:", &handle), SQLITE_OK);
+  limitValues(handle);
+  EXPECT_EQ(sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, -1), 268'435'456);
+  sqlite3_close(handle);
 }
 
 TEST_F(Attack, ATableOfVeryManyColumnsIsRefused) {

@@ -317,6 +317,32 @@ TEST_P(DatabaseContract, TextsKeepEveryCharacterThatCanTravel) {
   EXPECT_FALSE(isStored(*database, {2, u"01", u"MJ", u"MP", u"d", lengthy + u"!"}));
 }
 
+TEST_P(DatabaseContract, OfAVeryLongTextTheBeginningIsGivenWithAMark) {
+  const auto database = open(Layout::faults);
+  const std::u16string most(65536, u'\u0416');
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"a", most});
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"b", most + u"!"});
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"c", std::u16string(65535, u'x') + u"\U0001F600"});
+  addFault(*database, {1, u"01", u"MJ", u"MP", u"d", u"the next one"});
+  const std::u16string expected[] = {most, most + u" [...]", std::u16string(65535, u'x') + u" [...]",
+                                     u"the next one"};
+  const auto rows = database->openRecordset(
+      u"Select * from FaultDisplay where ID = 1 Order by [Date] Asc, [Count] Asc, [Fault] Asc, [Alarm] Asc, "
+      u"[CPU] Asc, [Description] Asc");
+  const std::u16string_view columns[] = {u"Description"};
+  const auto list = database->openRowList(
+      u"Select * from FaultDisplay where ID = 1 Order by [Date] Asc, [Count] Asc, [Fault] Asc, [Alarm] Asc, "
+      u"[CPU] Asc, [Description] Asc",
+      columns);
+  std::vector<Value> row;
+  for (std::size_t i = 0; i < std::size(expected); ++i, rows->moveNext()) {
+    EXPECT_EQ(rows->get(u"Description"), Value(expected[i])) << i;
+    ASSERT_TRUE(list->fetch(i, row));
+    EXPECT_EQ(row.front(), Value(expected[i])) << i;
+  }
+  EXPECT_TRUE(isStored(*database, {1, u"01", u"MJ", u"MP", u"b", most + u"!"})) << "whole";
+}
+
 TEST_P(DatabaseContract, ATextThatCannotTravelIsRefusedAndNotChanged) {
   const auto database = open(Layout::faults);
   for (const std::u16string& odd :

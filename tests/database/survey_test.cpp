@@ -35,6 +35,15 @@ constexpr std::u16string_view clauses[] = {
 class SurveyTest : public testing::Test {
  protected:
   std::unique_ptr<database::Database> open() { return under_.engine().open(path_, false); }
+  std::unique_ptr<database::Database> openWithTwentyFaults() {
+    auto database = open();
+    for (int i = 0; i < 20; ++i) database::addFault(*database, {1, u"0A", u"MJ", u"MP", u"2026/11/20 10:00"});
+    return database;
+  }
+  static std::unique_ptr<database::RowList> listed(database::Database& database,
+                                                   std::u16string_view clause = clauses[0]) {
+    return database.openRowList(u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clause), columns);
+  }
   void other(const std::string& sql) {
     sqlite3* handle = nullptr;
     ASSERT_EQ(sqlite3_open(text::toUtf8(path_).c_str(), &handle), SQLITE_OK);
@@ -83,8 +92,7 @@ TEST_F(SurveyTest, TellsWhatTheRowsSayInEveryOrderAndInPiecesOfAnySize) {
                         of({u"2026/11/20 10:00", u"2026/11/20 10:01", u"soon", u"", u"2026/11/20 10:00  "}),
                         of({u"x", u"y"}) + std::u16string(random() % 3, u'z')});
   for (const auto clause : clauses) {
-    const auto rows =
-        database->openRowList(u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clause), columns);
+    const auto rows = listed(*database, clause);
     ASSERT_EQ(rows->size(), 240U);
     const Told expected = fromRows(*rows);
     for (const std::size_t most : {1, 7, 64, 1000}) expectSame(told(*rows, most), expected);
@@ -119,18 +127,15 @@ TEST_F(SurveyTest, NumbersFarApartAreFoundAgain) {
         "'2026/11/20 10:00', 'x', " +
         std::to_string(count) + ");";
   other(sql);
-  const auto rows =
-      database->openRowList(u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[0]), columns);
+  const auto rows = listed(*database);
   ASSERT_EQ(rows->size(), 5U);
   expectSame(told(*rows, 2), fromRows(*rows));
 }
 
 // Somebody writes between two pieces: what is told stays what the rows were or are, each at most once.
 TEST_F(SurveyTest, OthersMayWriteBetweenTwoPieces) {
-  const auto database = open();
-  for (int i = 0; i < 20; ++i) database::addFault(*database, {1, u"0A", u"MJ", u"MP", u"2026/11/20 10:00"});
-  const auto rows =
-      database->openRowList(u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[0]), columns);
+  const auto database = openWithTwentyFaults();
+  const auto rows = listed(*database);
   Told all;
   const auto survey = rows->survey(surveyed);
   EXPECT_TRUE(survey->next(5, all));
@@ -145,10 +150,8 @@ TEST_F(SurveyTest, OthersMayWriteBetweenTwoPieces) {
 }
 
 TEST_F(SurveyTest, NothingIsLockedBetweenTwoPieces) {
-  const auto database = open();
-  for (int i = 0; i < 20; ++i) database::addFault(*database, {1, u"0A", u"MJ", u"MP", u"2026/11/20 10:00"});
-  const auto rows =
-      database->openRowList(u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[0]), columns);
+  const auto database = openWithTwentyFaults();
+  const auto rows = listed(*database);
   Told all;
   const auto survey = rows->survey(surveyed);
   EXPECT_TRUE(survey->next(5, all));

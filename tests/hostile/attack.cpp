@@ -15,6 +15,17 @@ using automation::Value;
 
 constexpr std::size_t mostLayers = 20;
 
+// What stands in the log of each.
+constexpr std::string_view layerCalls[] = {
+    "layer RegisterPBX",   "layer RegisterPBX",    "layer Visible =",   "layer Visible",
+    "layer SetBackGround", "layer CreateSchedule", "layer RunSchedule", "layer CancelSchedule"};
+constexpr std::string_view windowCalls[] = {
+    "window PBXName =", "window Parent =", "window Key =",  "window position", "window ShowWhatsThis",
+    "window CallBack",  "window FrmMove",  "window answer", "window answer"};
+constexpr std::string_view deeds[] = {"person: help key", "person: heading", "person: exchange",
+                                      "person: close",    "person: boxes",   "person: button",
+                                      "person: button",   "person: button"};
+
 // Whatever a layer's member or the window does for somebody outside may fail as a call, and in no other way.
 void attempt(const std::function<void()>& step) {
   try {
@@ -38,13 +49,14 @@ void Attack::lieInWait() {
 
 void Attack::begin() {
   hasLayers_ = true;
-  lieInWait();
+  if (!plot_.meddle) lieInWait();
   host = plot_.lend(plot_.makePeer());
   addLayer();
   if (!layers.empty()) attempt([&] { registerEvil(*layers.front(), host); });
 }
 
 void Attack::addLayer() {
+  plot_.tell("creates a layer");
   ++unregistered_;
   try {
     const ObjectRef made = scene_.createLayer();
@@ -78,7 +90,9 @@ void Attack::callLayer() {
   Whims& whims = plot_.whims;
   const ObjectRef held = someLayer();
   if (!held) return;
-  switch (whims.below(8)) {
+  const std::size_t deed = whims.below(8);
+  plot_.tell(layerCalls[deed]);
+  switch (deed) {
     case 0:
     case 1:
       return attempt([&] {
@@ -132,7 +146,9 @@ void Attack::callWindow() {
   const auto call = [&](std::u16string_view member, Value value) {
     attempt([&] { automation::call(*window, member, {byVal(std::move(value))}); });
   };
-  switch (whims.below(9)) {
+  const std::size_t deed = whims.below(9);
+  plot_.tell(windowCalls[deed]);
+  switch (deed) {
     case 0:
       return attempt([&] { automation::put(*window, u"PBXName", whims.knownText()); });
     case 1:
@@ -155,6 +171,7 @@ void Attack::callWindow() {
 
 // The server never hears of an error of ours.
 void Attack::answerWith(automation::Object& window, const ObjectRef& record) {
+  plot_.tell("answers");
   try {
     automation::call(window, u"CallBack", {byVal(record)});
   } catch (const AutomationError& failure) {
@@ -186,7 +203,9 @@ void Attack::callBack() {
 
 void Attack::person() {
   Whims& whims = plot_.whims;
-  switch (whims.below(8)) {
+  const std::size_t deed = whims.below(8);
+  plot_.tell(deeds[deed]);
+  switch (deed) {
     case 0:
       return scene_.pressKey(112);
     case 1:
@@ -209,6 +228,7 @@ void Attack::whileABoxStands() {
 
 // The last release, or the death of whoever held the layers.
 void Attack::leave() {
+  plot_.tell("leaves");
   if (plot_.whims.once(2) && plot_.mortal && isWatched()) scene_.die();
   keepLayers(0);
 }

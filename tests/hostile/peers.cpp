@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "text/utf8.h"
+
 namespace vordane::hostile {
 namespace {
 
@@ -12,6 +14,22 @@ using automation::Value;
 
 constexpr int deepestMeddling = 4;
 constexpr std::int32_t serverGone = static_cast<std::int32_t>(0x800706BA);
+
+// A call that is answered, in the log.
+class Noted {
+ public:
+  Noted(const Conspiracy& plot, std::u16string_view member) : plot_(plot), member_(member) { tell("> "); }
+  ~Noted() { tell("< "); }
+  Noted(const Noted&) = delete;
+  Noted& operator=(const Noted&) = delete;
+
+ private:
+  void tell(const char* sign) const {
+    if (plot_.note) plot_.tell(sign + text::toUtf8(member_));
+  }
+  const Conspiracy& plot_;
+  std::u16string_view member_;
+};
 
 }  // namespace
 
@@ -83,6 +101,7 @@ Value Peer::invoke(std::u16string_view member, automation::CallKind kind, std::s
   const bool put = automation::isPut(kind);
   constexpr int hostileReads = 400;
   if (++reads_ > hostileReads && count > 100) return entry(member);
+  const Noted noted(conspiracy_, member);
   return conspiracy_.answer([&]() -> Value { return put ? Value() : good(member, arguments); }, arguments);
 }
 

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "hostile/whims.h"
@@ -39,6 +40,11 @@ class Conspiracy {
   std::function<void()> linger;
   // Makes the face of a peer; null: there is no process between.
   std::function<automation::ObjectRef(const std::shared_ptr<Peer>&)> faceOf;
+  // Hears of each call, of its end and of each doing of the peers' own; null: nobody does.
+  std::function<void(std::string_view)> note;
+  void tell(std::string_view what) const {
+    if (note) note(what);
+  }
   // The exchange server that hosts lend; null: one of these peers.
   std::function<automation::ObjectRef()> server;
 

@@ -72,5 +72,18 @@ TEST(FilledTexts, PlacesTakeTheirValues) {
   EXPECT_EQ(fillText(u"{1}", {u"{1}"}), u"{1}");  // a value is never read again
 }
 
+TEST(Brief, IsTheWholeTextOrItsBeginningWithDots) {
+  EXPECT_EQ(brief(u"abc", 3), u"abc");
+  EXPECT_EQ(brief(u"abcd", 3), u"abc...");
+  EXPECT_EQ(brief(u"", 0), u"");
+  EXPECT_EQ(brief(u"ab\U0001F600", 3), u"ab...") << "no half of a character";
+}
+
+TEST(FilledTexts, AValueOfAnyLengthTakesItsPlaceInBrief) {
+  const std::u16string most(400, u'x');
+  EXPECT_EQ(fillText(u"{1}!", {most}), most + u"!");
+  EXPECT_EQ(fillText(u"{1}!", {most + u"y"}), most + u"...!");
+}
+
 }  // namespace
 }  // namespace vordane

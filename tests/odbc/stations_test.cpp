@@ -118,6 +118,25 @@ TEST_F(Stations, AFaultThatComesTwiceInAListIsStoredOnce) {
   EXPECT_TRUE(isStored(*database, same));
 }
 
+TEST_F(Stations, ANumberBelowZeroThatAnotherClientGaveIsReadLikeAnyOther) {
+  const auto database = station();
+  addExchange(*database, u"PBX-1");
+  addFault(*database, faultNumber(1));
+  connectTo(under_.database())
+      ->change(
+          "insert into vordane.\"FaultDisplay\" (\"Count\", \"ID\", \"Fault\", \"Alarm\", \"CPU\", \"Date\", "
+          "\"Description\") values (-5, 1, '01', 'MJ', 'MP', '2006/11/27 10:15', 'Fault 2')");
+  const std::u16string_view columns[] = {u"Count", u"Description"};
+  const auto rows = database->openRowList(
+      u"SELECT * FROM FaultDisplay WHERE ID = 1 Order by [Date] Asc, [Count] Asc, [Fault] Asc, [Alarm] Asc, "
+      u"[CPU] Asc, [Description] Asc",
+      columns);
+  ASSERT_EQ(rows->size(), 2U);
+  std::vector<database::Value> row;
+  ASSERT_TRUE(rows->fetch(0, row));
+  EXPECT_EQ(row, (std::vector<database::Value>{std::int32_t{-5}, std::u16string(u"Fault 2")}));
+}
+
 TEST_F(Stations, ALockThatIsNotHadEndsTheStep) {
   const auto database = station();
   const auto other = connectTo(under_.database());

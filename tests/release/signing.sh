@@ -8,10 +8,7 @@ trap 'rm -rf "$work"' EXIT
 fail() { echo "FAILED: $*"; exit 1; }
 cd "$work"
 
-openssl req -x509 -newkey rsa:2048 -nodes -subj '/CN=Authority of a test' -days 30 -keyout ca.key -out ca.pem 2>/dev/null
-openssl req -newkey rsa:2048 -nodes -subj '/CN=Signer of a test' -keyout signer.key -out signer.csr 2>/dev/null
-printf 'extendedKeyUsage=codeSigning\nkeyUsage=digitalSignature\n' > extensions
-openssl x509 -req -in signer.csr -CA ca.pem -CAkey ca.key -CAcreateserial -days 20 -extfile extensions -out signer.pem 2>/dev/null
+. "$repository/tests/release/authority.sh"
 
 program=/usr/share/nsis/Stubs/zlib-amd64-unicode  # a Windows program that is on every machine that makes releases
 cp "$program" a.exe

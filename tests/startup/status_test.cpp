@@ -60,6 +60,42 @@ TEST_F(Status, ADatabaseOnANetworkDriveIsToldUntilThereIsNews) {
   EXPECT_EQ(status(), "20.11.2026 21:14:05: 1 received, 1 new, 0 stored, 0 refused");
 }
 
+TEST_F(Status, AnExchangesNameOfAnyLengthIsToldInBrief) {
+  const std::u16string name(300'000, u'x');
+  startWithHost(name);
+  const std::u16string told = std::u16string(400, u'x') + u"...";
+  EXPECT_EQ(view.notice, u"press to ask " + told);
+  pressAndTick(0);
+  EXPECT_EQ(view.notice, u"waiting for " + told);
+  exchange().answer(61);
+  EXPECT_EQ(view.status[0], told + u" failed: code 61.\nno list yet");
+  fetch(oneFault());
+  EXPECT_LT(view.status[0].size(), 1000U);
+  EXPECT_EQ(form().host().PBXName(), name) << "it keeps its whole name";
+}
+
+TEST_F(Status, ASimulatedExchangeIsToldWhateverElseIs) {
+  files.content[u"Zulsim.exe"] = "";
+  const auto server = std::make_shared<fakes::MemoryExchange>(trace);
+  creator.server = server;
+  engine.onNetwork = true;
+  startStandAlone(u"PBX-1");
+  EXPECT_EQ(status(), "simulated on the network no list yet");
+  pressAndTick(0);
+  server->answer(61);
+  EXPECT_EQ(status(), "simulated PBX-1 failed: code 61.\nno list yet");
+  pressAndTick(0);
+  server->answer(0, oneFault());
+  tick();
+  EXPECT_THAT(status(), testing::StartsWith("simulated 20.11.2026 21:14:05: 1 received"));
+}
+
+TEST_F(Status, ARealExchangeStartedByHandIsNotCalledSimulated) {
+  creator.server = std::make_shared<fakes::MemoryExchange>(trace);
+  startStandAlone(u"PBX-1");
+  EXPECT_EQ(status(), "no list yet");
+}
+
 TEST_F(Status, AStoredListWithoutATimeIsToldToo) {
   storeEarlier(u"PBX-1", automation::Null{});
   startWithHost();

@@ -318,6 +318,7 @@ class Story : public testing::Test {
         {message::runOtherKind, u"another kind"},
         {message::statusTextsIncomplete, u"incomplete: {1}"},
         {message::statusNetworkDrive, u"on the network"},
+        {message::statusSimulated, u"simulated"},
     };
     std::vector<fakes::Row> rows;
     for (std::size_t i = 0; i < message::count; ++i) {

@@ -235,6 +235,24 @@ TEST_F(Window, DeletingTheLastExchangeDisablesItsButtons) {
   EXPECT_FALSE(form().form().control(u"cmdPrint").flag(u"Enabled"));
 }
 
+TEST_F(Window, ABoxTakesAReasonOfAnyLengthInBrief) {
+  startWithHost();
+  pressAndTick(0);
+  exchange().answer(0, oneFault());
+  tick();
+  exchange().answerLamps(u"00");
+  tick();
+  host->on(u"PrintReport", [](std::span<automation::Argument>) -> automation::Value {
+    return std::u16string(300'000, u'x');
+  });
+  taken();
+  pressAndTick(2);
+  const Lines lines = taken();
+  ASSERT_EQ(lines.size(), 1U);
+  EXPECT_THAT(lines[0], testing::EndsWith(std::string(4096, 'x') + "..."));
+  EXPECT_LT(lines[0].size(), 4200U);
+}
+
 TEST_F(Window, AReportGoesToTheHostWithTheGridsOrder) {
   startWithHost();
   pressAndTick(0);

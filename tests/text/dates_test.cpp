@@ -12,6 +12,25 @@ TEST(IsoText, FillsEachPartUpToItsDigits) {
   EXPECT_EQ(isoText(100, 1, 2, 3, 4, 5), u"0100-01-02 03:04:05");
 }
 
+TEST(IsoText, IsKnownByItsFormAlone) {
+  EXPECT_TRUE(isIsoText(u"2026-11-22 21:14:59"));
+  EXPECT_TRUE(isIsoText(u"0000-99-99 99:99:99"));
+  EXPECT_FALSE(isIsoText(u"2026-11-22 21:14"));
+  EXPECT_FALSE(isIsoText(u"2026-1A-22 21:14:59"));
+  EXPECT_FALSE(isIsoText(u"2026-11-22T21:14:59"));
+  EXPECT_FALSE(isIsoText(u"2026-11-22 21:14:59 "));
+}
+
+TEST(HasForm, ZeroStandsForAnyDigitAndTheRestForItself) {
+  EXPECT_TRUE(hasForm(u"12/3", u"00/0"));
+  EXPECT_FALSE(hasForm(u"12-3", u"00/0"));
+  EXPECT_FALSE(hasForm(u"1A/3", u"00/0"));
+  EXPECT_FALSE(hasForm(u"12/", u"00/0"));
+  EXPECT_FALSE(hasForm(u"12/34", u"00/0"));
+  EXPECT_FALSE(hasForm(u"\xFF11\xFF12/3", u"00/0")) << "full-width digits";
+  EXPECT_TRUE(hasForm(u"", u""));
+}
+
 TEST(IsoMoment, CountsFromTheEndOf1899) {
   EXPECT_EQ(isoMoment(0), u"1899-12-30 00:00:00");
   EXPECT_EQ(isoMoment(25569), u"1970-01-01 00:00:00");

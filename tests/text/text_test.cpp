@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "text/blanks.h"
+
 namespace vordane::text {
 namespace {
 
@@ -10,6 +12,19 @@ TEST(Trim, RemovesBlanksAndNothingElse) {
   EXPECT_EQ(trim(u"\ta\u00A0"), u"\ta\u00A0");
   EXPECT_EQ(trim(u"   "), u"");
   EXPECT_EQ(trim(u""), u"");
+}
+
+TEST(TrailingBlanks, AloneAreTakenAway) {
+  EXPECT_EQ(withoutTrailingBlanks(u"  a b  "), u"  a b");
+  EXPECT_EQ(withoutTrailingBlanks(u"a\t"), u"a\t");
+  EXPECT_EQ(withoutTrailingBlanks(u"   "), u"");
+  EXPECT_EQ(withoutTrailingBlanks(u""), u"");
+}
+
+TEST(StoredTexts, AreEqualWithoutCaseAndTrailingBlanks) {
+  EXPECT_TRUE(equalAsStored(u"PBX-1 ", u"pbx-1"));
+  EXPECT_FALSE(equalAsStored(u" PBX-1", u"PBX-1"));
+  EXPECT_FALSE(equalAsStored(u"PBX-1", u"PBX-10"));
 }
 
 TEST(Middle, CountsFromOneAndStopsAtTheEnd) {

@@ -19,6 +19,7 @@
 #include "setup_stage.h"
 #include "startup/databases.h"
 #include "tools/sqlite/database_writer.h"
+#include "whole_file.h"
 
 namespace vordane::tools {
 namespace {
@@ -58,6 +59,10 @@ struct FakeSystem : SetupSystem {
       settings.erase({std::u16string(section), std::u16string(key)});
   }
   void removeOwnSettings() override { ownSettings = false; }
+  std::optional<std::uintmax_t> roomAt(const fs::path& folder) override {
+    askedForRoom = folder;
+    return room;
+  }
   void letUsersWrite(const fs::path& folder) override { open.push_back(folder.filename().string()); }
   std::vector<Finding> examine(const SuiteLayout& layout) override { return examineFiles(layout, *engine()); }
   void pause(std::chrono::milliseconds time) override {
@@ -65,6 +70,8 @@ struct FakeSystem : SetupSystem {
     if (freeAfter && waited >= *freeAfter) used.clear();
   }
 
+  std::optional<std::uintmax_t> room;
+  fs::path askedForRoom;
   std::optional<Version> version;
   std::set<std::string> used;
   std::optional<std::chrono::milliseconds> freeAfter;
@@ -346,6 +353,42 @@ TEST_F(Setup, APlaceWhereNoSetCanStandIsRefusedUntouched) {
   EXPECT_FALSE(fs::exists(second.root));
 }
 
+// Told before the first change, by the disk that the folder will be on; 8 MB are for the databases.
+TEST_F(Setup, ADiskWithoutRoomIsToldBeforeAnythingIsChanged) {
+  const Tree none = treeOf(files.folder());
+  system.room = (8U << 20U) - 1;
+  EXPECT_EQ(run(request()), Outcome::diskFull);
+  EXPECT_THAT(told.back(), HasSubstr("8 MB are needed, 7 MB are free"));
+  EXPECT_EQ(system.askedForRoom, files.folder());
+  EXPECT_EQ(treeOf(files.folder()), none);
+  EXPECT_THAT(system.registered, IsEmpty());
+  system.room = 9U << 20U;
+  ASSERT_EQ(run(request()), Outcome::done) << told.back();
+  EXPECT_EQ(system.askedForRoom, files.folder());
+  ASSERT_EQ(run(request()), Outcome::done) << told.back();
+  EXPECT_EQ(system.askedForRoom, root);
+}
+
+// The package for 32-bit systems on one of both word sizes.
+TEST_F(Setup, TheWordSizeIsOneThatThePackageHolds) {
+  fs::remove_all(package / "x64");
+  ASSERT_EQ(run(request()), Outcome::done) << told.back();
+  EXPECT_EQ(contentOf(root / "ADDINS/VORDANE.EXE"), "x86ADDINS/VORDANE.EXE1");
+  EXPECT_THAT(contentOf(root / "ADDINS/SETUP/installed.tsv"), HasSubstr("words\tx86\n"));
+  InstallRequest asked = request();
+  asked.words = Words::x64;
+  EXPECT_EQ(run(asked), Outcome::failed);
+  EXPECT_THAT(told.back(), HasSubstr("no programs of x64"));
+  EXPECT_EQ(contentOf(root / "ADDINS/VORDANE.EXE"), "x86ADDINS/VORDANE.EXE1");
+
+  // An Access file needs the one and no other.
+  pack("2");
+  fs::remove_all(package / "x86");
+  write(layout.sharedDatabases() / "Schedule.mdb", std::string("\0\1\0\0Standard Jet DB\0", 20));
+  EXPECT_EQ(run(request()), Outcome::failed);
+  EXPECT_THAT(told.back(), HasSubstr("no programs of x86"));
+}
+
 TEST_F(Setup, DamagedTextsAreMadeAnewAndKept) {
   ASSERT_EQ(run(request("ru")), Outcome::done) << told.back();
   write(layout.ownDatabases() / "VORDANE.LNG", "no database at all");
@@ -366,9 +409,9 @@ TEST_F(Setup, ARemovalKeepsWhatWorkHasMade) {
   std::vector<std::string> left;
   for (const auto& [place, content] : treeOf(root))
     if (content != "folder") left.push_back(place);
-  EXPECT_THAT(left, ElementsAre("ADDINS/DATABASE/FAULT.MDB", "ADDINS/DATABASE/VORDANE.LNG", recordPlace,
-                                "QUIL32/DATABASE/FAULT1.tlg", "QUIL32/DATABASE/Register.mdb",
-                                "QUIL32/DATABASE/Schedule.mdb"));
+  EXPECT_THAT(left, ElementsAre("ADDINS/DATABASE/FAULT.MDB", "ADDINS/DATABASE/VORDANE.LNG",
+                                "ADDINS/SETUP/installed.tsv", "QUIL32/DATABASE/FAULT1.tlg",
+                                "QUIL32/DATABASE/Register.mdb", "QUIL32/DATABASE/Schedule.mdb"));
   EXPECT_THAT(system.registered, IsEmpty());
   EXPECT_EQ(system.settings.size(), 3U);
   EXPECT_EQ(take(), Outcome::nothingThere);
@@ -382,6 +425,24 @@ TEST_F(Setup, ARemovalKeepsWhatWorkHasMade) {
   EXPECT_FALSE(fs::exists(root.parent_path()));
   EXPECT_THAT(system.settings, IsEmpty());
   EXPECT_FALSE(system.ownSettings);
+}
+
+// It runs in its place when somebody waits for its exit code. The next removal takes it away.
+TEST_F(Setup, ARemoverThatRunsStaysAlone) {
+  for (const bool everything : {false, true}) {
+    ASSERT_EQ(run(request()), Outcome::done) << told.back();
+    system.used = {"remove.exe"};
+    ASSERT_EQ(take(everything), Outcome::done);
+    EXPECT_THAT(told, Contains(HasSubstr("remove.exe stays, since it is running")));
+    EXPECT_EQ(contentOf(root / "ADDINS/SETUP/remove.exe"), "remove1");
+    EXPECT_FALSE(fs::exists(root / "ADDINS/VORDANE.EXE"));
+    EXPECT_FALSE(fs::exists(root / "ADDINS/~SETUP"));
+    EXPECT_EQ(fs::exists(layout.faults()), !everything);
+    system.used.clear();
+    if (everything) continue;
+    ASSERT_EQ(take(true), Outcome::done);
+    EXPECT_FALSE(fs::exists(root));
+  }
 }
 
 TEST_F(Setup, SomebodysFilesStay) {
@@ -483,6 +544,12 @@ TEST(SetupRecords, AreReadAsTheyWereWrittenAndNeverLeadOutOfTheSuite) {
   EXPECT_EQ(parseRecord(text.substr(0, text.size() - 2)), std::nullopt);
   for (const char* line : {"file\t../x\n", "made\t/etc/x\n", "version\tx\n", "nonsense\n"})
     EXPECT_FALSE(parseRecord("version\t1.0.0\nlanguage\ten\n" + std::string(line) + "end\n")) << line;
+}
+
+// A record that is cut off would lose the language of the stored faults.
+TEST(SetupRecords, ThatCantBeWrittenWholeAreAFailure) {
+  if (!fs::exists("/dev/full")) GTEST_SKIP() << "no disk that is always full";
+  EXPECT_THROW(writeRecord(SetupRecord{}, "/dev/full"), UnwritableFile);
 }
 
 // The installer says each of them in every language, and the administrator's page lists them.

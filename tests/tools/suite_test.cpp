@@ -13,6 +13,7 @@
 #include "lines.h"
 #include "places.h"
 #include "platform/control_types.h"
+#include "platform/grid_columns.h"
 #include "report_layout.h"
 #include "startup/databases.h"
 #include "suite_files.h"
@@ -44,7 +45,7 @@ TEST_P(Suite, ItsLanguageLoadsWhole) {
   window::Form form(std::u16string(formName), window);
   for (const FormControl& control : formControls) {
     window::Properties properties = window::designedProperties(control.typeName);
-    if (control.typeName == u"SSDBGrid") window::addColumns(properties, gridColumns);
+    if (control.typeName == u"SSDBGrid") window::addColumns(properties, window::columnCount);
     form.add(std::u16string(control.name), -1, std::u16string(control.typeName), properties);
   }
   for (const KindList& list : kindLists)

@@ -191,7 +191,7 @@ Value TracedServer::invoke(std::u16string_view member, CallKind kind, Arguments 
   state->trace.notification(name, written(arguments));
   depart(*state, member, arguments);
   try {
-    const Value result = server_->invoke(member, kind, arguments);
+    Value result = server_->invoke(member, kind, arguments);
     if (!automation::isEmpty(result)) state->trace.line(name + u" = " + written(result));
     return result;
   } catch (const AutomationError& failure) {

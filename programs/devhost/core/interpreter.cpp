@@ -10,7 +10,6 @@ namespace vordane::devhost {
 namespace {
 
 using automation::AutomationError;
-using automation::byRef;
 using automation::byVal;
 using automation::ObjectRef;
 using automation::Value;

@@ -6,6 +6,7 @@
 #include "devhost/core/report_template.h"
 #include "platform/stored_values.h"
 #include "store/statements.h"
+#include "text/blanks.h"
 #include "text/file_names.h"
 #include "text/numbers.h"
 #include "text/text.h"
@@ -30,19 +31,12 @@ std::optional<std::u16string> textOf(const database::Value& value) {
   return automation::toText(value);
 }
 
-// Stored names are the same without regard to case and trailing blanks.
-bool sameName(std::u16string_view a, std::u16string_view b) {
-  while (!a.empty() && a.back() == u' ') a.remove_suffix(1);
-  while (!b.empty() && b.back() == u' ') b.remove_suffix(1);
-  return text::equalIgnoringCase(a, b);
-}
-
 ExchangeRow findExchange(database::Database& database, std::u16string_view name) {
   // The whole list is read, so that a name may hold any character.
   const auto rows = database.openRecordset(store::exchangesNewestFirst);
   for (; !rows->atEnd(); rows->moveNext()) {
     const std::u16string found = textOf(rows->get(u"PBXName")).value_or(std::u16string{});
-    if (sameName(found, name))
+    if (text::equalAsStored(found, name))
       return {automation::toLong(rows->get(u"ID")), found,
               textOf(rows->get(u"TimeStamp")).value_or(std::u16string{}), database::flagOf(rows->get(u"MJ")),
               database::flagOf(rows->get(u"MN"))};

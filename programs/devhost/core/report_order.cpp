@@ -4,6 +4,7 @@
 #include <array>
 #include <numeric>
 
+#include "text/blanks.h"
 #include "text/text.h"
 
 namespace vordane::devhost {
@@ -22,9 +23,7 @@ using Folded = std::optional<std::u16string>;
 
 Folded folded(const std::optional<std::u16string>& text) {
   if (!text) return std::nullopt;
-  std::u16string_view kept = *text;
-  while (!kept.empty() && kept.back() == u' ') kept.remove_suffix(1);
-  return text::toLower(kept);
+  return text::toLower(text::withoutTrailingBlanks(*text));
 }
 
 // Surrogates stand for the code points behind all others.

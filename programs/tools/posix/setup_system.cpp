@@ -18,6 +18,11 @@ class FilesOnly : public SetupSystem {
   }
   void set(std::u16string_view, std::u16string_view, const std::optional<std::u16string>&) override {}
   void removeOwnSettings() override {}
+  std::optional<std::uintmax_t> roomAt(const std::filesystem::path& folder) override {
+    std::error_code failure;
+    const std::filesystem::space_info space = std::filesystem::space(folder, failure);
+    return failure ? std::nullopt : std::optional(space.available);
+  }
   void letUsersWrite(const std::filesystem::path&) override {}
   std::vector<Finding> examine(const SuiteLayout& layout) override { return examineFiles(layout, *engine()); }
   void pause(std::chrono::milliseconds time) override { platform::sleepFor(time); }

@@ -94,7 +94,7 @@ void DatabaseWriter::createTable(const TableDefinition& table) {
     columns += quote(column.name) + " " + std::string(declarationOf(column.type));
   }
   state_->connection->runMaintenance(("CREATE TABLE " + quote(table.name) + " (" + columns + ")").c_str());
-  state_->connection->loadTables();
+  state_->connection->tables().load();
 }
 
 void DatabaseWriter::createTables(std::span<const TableDefinition> tables) {
@@ -103,7 +103,7 @@ void DatabaseWriter::createTables(std::span<const TableDefinition> tables) {
 
 void DatabaseWriter::insert(std::u16string_view name, std::span<const database::Value> row) {
   Connection& connection = *state_->connection;
-  const sqlite::Table& table = connection.table(name);
+  const sqlite::Table& table = connection.tables().table(name);
   if (row.size() != table.columns.size()) fail(number::columnCount);
   Statement& insert = state_->inserts[table.folded];
   if (!insert) {
@@ -119,7 +119,7 @@ void DatabaseWriter::insert(std::u16string_view name, std::span<const database::
 
 void DatabaseWriter::setLastAutoNumber(std::u16string_view name, std::int64_t last) {
   Connection& connection = *state_->connection;
-  connection.keepNumber(connection.table(name), last);
+  connection.keepNumber(connection.tables().table(name), last);
 }
 
 void DatabaseWriter::finish() {

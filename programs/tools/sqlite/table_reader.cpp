@@ -58,7 +58,7 @@ access::Table describe(Connection& connection, const Table& table) {
 }
 
 std::vector<const Table*> ownTables(const Connection& connection) {
-  std::vector<const Table*> tables = connection.tables();
+  std::vector<const Table*> tables = connection.tables().all();
   std::erase_if(tables, [](const Table* table) { return table->folded.starts_with(ownPrefix); });
   return tables;
 }

@@ -8,6 +8,7 @@
 #include "platform/windows/com/accounts.h"
 #include "platform/windows/com/owned.h"
 #include "platform/windows/services/services.h"
+#include "settings/suite_settings.h"
 
 namespace vordane::tools {
 namespace {
@@ -15,7 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr DWORD longestRegistration = 60000;
-constexpr std::u16string_view suite = u"QUILMAR32";
+using settings::suiteApplication;
 constexpr const wchar_t* allSettings = L"Software\\VB and VBA Program Settings\\";
 
 std::wstring wide(std::u16string_view text) {
@@ -68,18 +69,24 @@ class WindowsSetup : public SetupSystem {
   }
   bool unregisterProgram(const fs::path& program) override { return run(program, L"/UnregServer"); }
   std::optional<std::u16string> setting(std::u16string_view version, std::u16string_view key) override {
-    return windows::RegistrySettings().read(suite, version, key);
+    return windows::RegistrySettings().read(suiteApplication, version, key);
   }
   void set(std::u16string_view version, std::u16string_view name,
            const std::optional<std::u16string>& value) override {
-    if (value) return windows::RegistrySettings().write(suite, version, name, *value);
-    const std::wstring place = allSettings + wide(suite) + L"\\" + wide(version);
+    if (value) return windows::RegistrySettings().write(suiteApplication, version, name, *value);
+    const std::wstring place = allSettings + wide(suiteApplication) + L"\\" + wide(version);
     RegDeleteKeyValueW(HKEY_CURRENT_USER, place.c_str(), wide(name).c_str());
-    for (const std::wstring& key : {place, allSettings + wide(suite)})
+    for (const std::wstring& key : {place, allSettings + wide(suiteApplication)})
       if (isEmpty(key)) RegDeleteKeyW(HKEY_CURRENT_USER, key.c_str());
   }
   void removeOwnSettings() override {
     RegDeleteTreeW(HKEY_CURRENT_USER, (std::wstring(allSettings) + L"VORDANE").c_str());
+  }
+  // The C++ library's own answer is the same for every disk.
+  std::optional<std::uintmax_t> roomAt(const fs::path& folder) override {
+    ULARGE_INTEGER free{};
+    if (!GetDiskFreeSpaceExW(folder.c_str(), &free, nullptr, nullptr)) return std::nullopt;
+    return free.QuadPart;
   }
   void letUsersWrite(const fs::path& folder) override;
   std::vector<Finding> examine(const SuiteLayout& layout) override {

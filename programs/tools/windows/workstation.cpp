@@ -6,6 +6,7 @@
 #include "platform/sqlite/engine.h"
 #include "platform/windows/com/apartment.h"
 #include "platform/windows/services/services.h"
+#include "settings/suite_settings.h"
 #include "startup/databases.h"
 
 namespace vordane::tools {
@@ -53,7 +54,7 @@ std::unique_ptr<database::Engine> examiningEngine() {
 
 std::optional<Workstation> thisWorkstation() {
   return Workstation{[](std::u16string_view section, std::u16string_view key) {
-                       return windows::RegistrySettings().read(u"QUILMAR32", section, key);
+                       return windows::RegistrySettings().read(settings::suiteApplication, section, key);
                      },
                      registeredClass, windows::whoMayReplace,
                      [](std::u16string_view path) { return windows::SystemFiles().exists(path); }};

@@ -7,6 +7,7 @@
 #include "platform/dao/dao_objects.h"
 #include "platform/database_numbers.h"
 #include "platform/jet.h"
+#include "platform/stored_values.h"
 
 namespace vordane::dao {
 namespace {
@@ -36,8 +37,10 @@ class Rows : public database::Recordset {
   std::int32_t recordCount() override { return automation::toLong(get(rows_.object(), u"RecordCount")); }
   void moveFirst() override { call(rows_.object(), u"MoveFirst"); }
   void moveNext() override { call(rows_.object(), u"MoveNext"); }
-  Value get(std::u16string_view column) override { return rows_.read(text(column)); }
-  Value get(std::size_t column) override { return rows_.read(static_cast<std::int16_t>(column)); }
+  Value get(std::u16string_view column) override { return database::limitedValue(rows_.read(text(column))); }
+  Value get(std::size_t column) override {
+    return database::limitedValue(rows_.read(static_cast<std::int16_t>(column)));
+  }
   bool isDate(std::u16string_view column) override { return rows_.isDate(text(column)); }
   void set(std::u16string_view column, const Value& value) override { rows_.write(text(column), value); }
   void addNew() override { call(rows_.object(), u"AddNew"); }
@@ -70,7 +73,7 @@ class List : public database::RowList {
     if (position >= size_) return false;
     try {
       put(rows_.object(), u"AbsolutePosition", static_cast<std::int32_t>(position));
-      for (const Value& column : columns_) out.push_back(rows_.read(column));
+      for (const Value& column : columns_) out.push_back(database::limitedValue(rows_.read(column)));
     } catch (const database::DatabaseError& error) {
       if (error.number() != number::recordGone) throw;
       out.clear();

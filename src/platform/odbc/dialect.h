@@ -28,8 +28,8 @@ class Dialect {
  public:
   virtual ~Dialect() = default;
 
-  // What the driver must be told besides the data source, and how a new connection begins; `wait` is the
-  // longest for a lock.
+  // What the driver must be told besides the data source, and the statement that a new connection begins
+  // with.
   virtual std::vector<DataSource::Entry> driverSettings() const = 0;
   virtual std::string begin(int lockWaitMilliseconds, bool readOnly) const = 0;
   // Rows (table, column) of the store's tables, columns in their order.

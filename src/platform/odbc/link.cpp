@@ -37,17 +37,13 @@ bool canTravel(std::u16string_view text) {
 // Owns a statement handle.
 class Link::Prepared {
  public:
-  Prepared(Link& link, const std::string& statement) : link_(link) {
+  Prepared(Link& link, const std::string& statement) : link_(link), owned_(link) {
     link_.check(link_.api_.allocHandle(sql::handleStatement, link_.connection_, &handle_),
                 sql::handleConnection, link_.connection_);
     std::u16string text = text::fromUtf8(statement);
-    const Return result = link_.api_.prepare(handle_, text.data(), static_cast<std::int32_t>(text.size()));
-    if (!sql::ok(result)) {
-      const Giver giver(*this);
-      link_.raise(sql::handleStatement, handle_);
-    }
+    link_.check(link_.api_.prepare(handle_, text.data(), static_cast<std::int32_t>(text.size())),
+                sql::handleStatement, handle_);
   }
-  ~Prepared() { giveBack(); }
   Prepared(const Prepared&) = delete;
   Prepared& operator=(const Prepared&) = delete;
 
@@ -98,14 +94,17 @@ class Link::Prepared {
   void close() noexcept { link_.api_.freeStmt(handle_, sql::closeCursor); }
 
  private:
-  struct Giver {
-    explicit Giver(Prepared& it) : prepared(it) {}
-    ~Giver() { prepared.giveBack(); }
-    Prepared& prepared;
+  // Gives the handle back, also when preparing has failed.
+  struct Owned {
+    explicit Owned(Link& owner) : link(owner) {}
+    ~Owned() {
+      if (handle != nullptr) link.api_.freeHandle(sql::handleStatement, handle);
+    }
+    Owned(const Owned&) = delete;
+    Owned& operator=(const Owned&) = delete;
+    Link& link;
+    Handle handle = nullptr;
   };
-  void giveBack() noexcept {
-    if (handle_ != nullptr) link_.api_.freeHandle(sql::handleStatement, std::exchange(handle_, nullptr));
-  }
   // The driver takes the value where it stands, when the statement is executed.
   void bind(std::size_t parameter, const Field& value) {
     static constexpr char16_t none[] = u"";
@@ -119,7 +118,8 @@ class Link::Prepared {
   }
 
   Link& link_;
-  Handle handle_ = nullptr;
+  Owned owned_;
+  Handle& handle_ = owned_.handle;
   std::vector<Length> lengths_;
   std::array<char16_t, 16384> piece_{};
 };

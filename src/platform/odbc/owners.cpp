@@ -1,3 +1,4 @@
+#include "platform/described.h"
 #include "platform/odbc/dialect.h"
 
 namespace vordane::odbc {
@@ -8,8 +9,7 @@ using database::ColumnType;
 std::optional<Owners> ownersIn(const database::TableDefinition& table, std::u16string_view owner) {
   Owners owners{table.name, {}, {}};
   for (const database::ColumnDefinition& column : table.columns) {
-    const bool isNumber = column.type == ColumnType::autoNumber || column.type == ColumnType::shortAutoNumber;
-    if (isNumber && column.name == owner) owners.key = column.name;
+    if (isAutoNumber(column.type) && column.name == owner) owners.key = column.name;
     if (column.type == ColumnType::text && owners.name.empty()) owners.name = column.name;
   }
   return owners.key.empty() || owners.name.empty() ? std::nullopt : std::optional(owners);

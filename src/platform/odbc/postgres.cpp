@@ -1,6 +1,7 @@
 // PostgreSQL, from version 15 on.
 #include <array>
 
+#include "platform/described.h"
 #include "platform/odbc/dialect.h"
 #include "text/text.h"
 #include "text/utf8.h"
@@ -31,8 +32,8 @@ std::string join(const std::vector<std::string>& pieces, std::string_view betwee
   return all;
 }
 
-bool isAutoNumber(ColumnType type) {
-  return type == ColumnType::autoNumber || type == ColumnType::shortAutoNumber;
+void append(std::vector<std::string>& all, const std::vector<std::string>& more) {
+  all.insert(all.end(), more.begin(), more.end());
 }
 
 std::string_view typeOf(ColumnType type) {
@@ -96,23 +97,20 @@ class Postgres final : public Dialect {
            "pg_catalog.set_config('application_name', 'Vordane', false)";
   }
   std::string listColumns() const override {
-    return "select t.relname::text, c.attname::text from pg_catalog.pg_class t join pg_catalog.pg_attribute "
-           "c on "
-           "c.attrelid = t.oid where t.relnamespace = (select n.oid from pg_catalog.pg_namespace n where "
-           "n.nspname "
-           "= '" +
+    return "select t.relname::text, c.attname::text from pg_catalog.pg_class t "
+           "join pg_catalog.pg_attribute c on c.attrelid = t.oid "
+           "where t.relnamespace = (select n.oid from pg_catalog.pg_namespace n where n.nspname = '" +
            std::string(schema) +
-           "') and t.relkind in ('r', 'p') and c.attnum > 0 and not c.attisdropped order by t.relname, "
-           "c.attnum";
+           "') and t.relkind in ('r', 'p') and c.attnum > 0 and not c.attisdropped "
+           "order by t.relname, c.attnum";
   }
   std::string whyReadOnly() const override {
-    return "select case when pg_catalog.pg_is_in_recovery() then 'a replica' when exists (select 1 from "
-           "pg_catalog.pg_class t where t.relkind in ('r', 'p') and t.relname not like 'Vordane%' and "
-           "t.relnamespace "
-           "= '" +
+    return "select case when pg_catalog.pg_is_in_recovery() then 'a replica' "
+           "when exists (select 1 from pg_catalog.pg_class t "
+           "where t.relkind in ('r', 'p') and t.relname not like 'Vordane%' and t.relnamespace = '" +
            std::string(schema) +
-           "'::regnamespace and not pg_catalog.has_table_privilege(t.oid, 'INSERT, UPDATE, DELETE')) then "
-           "'no right to write' else '' end";
+           "'::regnamespace and not pg_catalog.has_table_privilege(t.oid, 'INSERT, UPDATE, DELETE')) "
+           "then 'no right to write' else '' end";
   }
 
   std::string name(std::u16string_view table) const override {
@@ -187,16 +185,18 @@ class Postgres final : public Dialect {
   // An owner's newest is one seek; the owners are found by seeking too, since an index of time over all of
   // them would have to be written with each fault.
   std::string newest() const override {
-    return "with recursive owners(o) as ((select \"Owner\" from " + indexTable() +
-           " order by \"Owner\" limit 1) union all select (select i.\"Owner\" from " + indexTable() +
-           " i where i.\"Owner\" > owners.o order by i.\"Owner\" limit 1) from owners where owners.o is not "
-           "null), "
-           "newest(m) as (select max(l.m collate \"C\") from owners, lateral (select i.\"Moment\" as m "
-           "from " +
-           indexTable() +
+    const std::string index = indexTable();
+    return "with recursive owners(o) as ("
+           "(select \"Owner\" from " +
+           index + " order by \"Owner\" limit 1) union all select (select i.\"Owner\" from " + index +
+           " i where i.\"Owner\" > owners.o order by i.\"Owner\" limit 1) from owners "
+           "where owners.o is not null), "
+           "newest(m) as (select max(l.m collate \"C\") from owners, "
+           "lateral (select i.\"Moment\" as m from " +
+           index +
            " i where i.\"Owner\" = owners.o order by i.\"Moment\" desc nulls last limit 1) l) "
            "select min(i.\"Key\")::text from owners join " +
-           indexTable() + " i on i.\"Owner\" = owners.o and i.\"Moment\" = (select m from newest)";
+           index + " i on i.\"Owner\" = owners.o and i.\"Moment\" = (select m from newest)";
   }
 
   std::string holdOwner(const std::optional<Owners>& owners) const override {
@@ -223,8 +223,12 @@ class Postgres final : public Dialect {
   std::vector<std::string> createFold() const;
   std::vector<std::string> createEvents(const EventTable& events) const;
   std::vector<std::string> createOwners(const Owners& owners) const;
-  std::string createTrigger(std::string_view trigger, std::string_view when, std::string_view function,
-                            std::u16string_view table) const;
+  std::vector<std::string> createTrigger(std::string_view trigger, std::string_view when,
+                                         std::string_view function, std::string_view work,
+                                         std::u16string_view table) const;
+  std::vector<std::string> createFollowing(const std::string& functions, std::u16string_view table,
+                                           const std::string& kept, const std::string& add,
+                                           const std::string& remove) const;
 };
 
 std::string Postgres::createTable(const TableDefinition& table) const {
@@ -259,22 +263,36 @@ std::vector<std::string> Postgres::createFold() const {
               "fold(d)), 'UTF8')), 1, 8) $$"};
 }
 
-std::string Postgres::createTrigger(std::string_view trigger, std::string_view when,
-                                    std::string_view function, std::u16string_view table) const {
+// `when` has "@" for "on" and the table's name.
+std::vector<std::string> Postgres::createTrigger(std::string_view trigger, std::string_view when,
+                                                 std::string_view function, std::string_view work,
+                                                 std::u16string_view table) const {
+  const std::string called = std::string(schema) + "." + std::string(function) + "()";
   const auto at = when.find('@');
-  return "create trigger " + std::string(trigger) + " " + std::string(when.substr(0, at)) + " on " +
-         name(table) + " " + std::string(when.substr(at + 1)) + " for each statement execute function " +
-         std::string(schema) + "." + std::string(function) + "()";
+  return {
+      "create function " + called +
+          " returns trigger language plpgsql security definer set search_path = pg_catalog, pg_temp as $$ "
+          "begin " +
+          std::string(work) + " return null; end $$",
+      "create trigger " + std::string(trigger) + " " + std::string(when.substr(0, at)) + "on " + name(table) +
+          std::string(when.substr(at + 1)) + " for each statement execute function " + called};
 }
 
-namespace {
-std::string functionHead(std::string_view name) {
-  return "create function " + std::string(schema) + "." + std::string(name) +
-         "() returns trigger language plpgsql security definer set search_path = pg_catalog, pg_temp as $$ "
-         "begin ";
+// Triggers that keep what stands beside a table as its rows are: `add` and `remove` do so for the rows of
+// "added" and "removed", `kept` is emptied with the table.
+std::vector<std::string> Postgres::createFollowing(const std::string& functions, std::u16string_view table,
+                                                   const std::string& kept, const std::string& add,
+                                                   const std::string& remove) const {
+  std::vector<std::string> all;
+  const auto trigger = [&](const std::string& event, std::string_view when, const std::string& work) {
+    append(all, createTrigger("vordane_" + event, when, functions + "_" + event, work, table));
+  };
+  trigger("added", "after insert @ referencing new table as added", add);
+  trigger("removed", "after delete @ referencing old table as removed", remove);
+  trigger("changed", "after update @ referencing old table as removed new table as added", remove + add);
+  trigger("emptied", "after truncate @", "delete from " + kept + ";");
+  return all;
 }
-constexpr std::string_view functionEnd = " return null; end $$";
-}  // namespace
 
 std::vector<std::string> Postgres::createEvents(const EventTable& events) const {
   const auto of = [&](std::string_view row, std::u16string_view column) {
@@ -297,25 +315,16 @@ std::vector<std::string> Postgres::createEvents(const EventTable& events) const 
       " i using removed where (i.\"Owner\" is null or i.\"Moment\" is "
       "null) and i.\"Key\" = " +
       removed[3] + "; end if;";
-  return {
+  std::vector<std::string> all{
       "create table " + indexTable() +
           " (\"Owner\" integer, \"Moment\" text collate \"C\", \"Hash\" bytea, \"Key\" integer)",
       "create index \"VordaneEventOrder\" on " + indexTable() +
-          " (\"Owner\", \"Moment\" nulls first, \"Hash\", \"Key\")",
-      functionHead("number_events") + "perform pg_advisory_xact_lock(" + std::string(numbersLock) + ");" +
-          std::string(functionEnd),
-      functionHead("events_added") + add + std::string(functionEnd),
-      functionHead("events_removed") + remove + std::string(functionEnd),
-      functionHead("events_changed") + remove + add + std::string(functionEnd),
-      functionHead("events_emptied") + "delete from " + indexTable() + ";" + std::string(functionEnd),
-      createTrigger("vordane_number", "before insert @", "number_events", events.table),
-      createTrigger("vordane_added", "after insert @ referencing new table as added", "events_added",
-                    events.table),
-      createTrigger("vordane_removed", "after delete @ referencing old table as removed", "events_removed",
-                    events.table),
-      createTrigger("vordane_changed", "after update @ referencing old table as removed new table as added",
-                    "events_changed", events.table),
-      createTrigger("vordane_emptied", "after truncate @", "events_emptied", events.table)};
+          " (\"Owner\", \"Moment\" nulls first, \"Hash\", \"Key\")"};
+  append(all,
+         createTrigger("vordane_number", "before insert @", "number_events",
+                       "perform pg_advisory_xact_lock(" + std::string(numbersLock) + ");", events.table));
+  append(all, createFollowing("events", events.table, indexTable(), add, remove));
+  return all;
 }
 
 // Of each name there is one row, whatever its case: the names are kept once more, folded.
@@ -325,29 +334,19 @@ std::vector<std::string> Postgres::createOwners(const Owners& owners) const {
                           " from added where added." + named + " is not null;";
   const std::string remove =
       "delete from " + table + " i using removed where i.\"Key\" = removed." + key + ";";
-  return {
-      "create table " + table + " (\"Name\" text collate \"C\" primary key, \"Key\" integer not null unique)",
-      functionHead("owners_added") + add + std::string(functionEnd),
-      functionHead("owners_removed") + remove + std::string(functionEnd),
-      functionHead("owners_changed") + remove + add + std::string(functionEnd),
-      functionHead("owners_emptied") + "delete from " + table + ";" + std::string(functionEnd),
-      createTrigger("vordane_added", "after insert @ referencing new table as added", "owners_added",
-                    owners.table),
-      createTrigger("vordane_removed", "after delete @ referencing old table as removed", "owners_removed",
-                    owners.table),
-      createTrigger("vordane_changed", "after update @ referencing old table as removed new table as added",
-                    "owners_changed", owners.table),
-      createTrigger("vordane_emptied", "after truncate @", "owners_emptied", owners.table)};
+  std::vector<std::string> all{"create table " + table +
+                               " (\"Name\" text collate \"C\" primary key, \"Key\" integer not null unique)"};
+  append(all, createFollowing("owners", owners.table, table, add, remove));
+  return all;
 }
 
 std::vector<std::string> Postgres::create(const database::Description& description) const {
   std::vector<std::string> all{"create schema " + std::string(schema)};
-  const auto append = [&](std::vector<std::string> more) { all.insert(all.end(), more.begin(), more.end()); };
-  append(createFold());
+  append(all, createFold());
   for (const TableDefinition& table : description.tables) all.push_back(createTable(table));
   if (description.events == nullptr) return all;
-  append(createEvents(*description.events));
-  if (const auto owners = ownersOf(description)) append(createOwners(*owners));
+  append(all, createEvents(*description.events));
+  if (const auto owners = ownersOf(description)) append(all, createOwners(*owners));
   return all;
 }
 

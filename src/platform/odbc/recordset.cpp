@@ -4,6 +4,7 @@
 
 #include "platform/odbc/errors.h"
 #include "platform/odbc/row_list.h"
+#include "platform/stored_values.h"
 
 namespace vordane::odbc {
 
@@ -40,7 +41,7 @@ void ServerRecordset::startEvents() {
   }
   const auto newest = session_->rows(plan_, plan_.rows, literals_);
   if (newest.empty() || !newest[0].at(0)) return;
-  keys_ = {std::stoll(std::string(newest[0][0]->begin(), newest[0][0]->end()))};
+  keys_ = {numberFrom(newest[0][0])};
   size_ = 1;
   onlyFirst_ = true;
 }
@@ -49,7 +50,7 @@ void ServerRecordset::keepRows(const std::vector<Fields>& rows) {
   rows_ = rows;
   size_ = rows_.size();
   if (!plan_.isKeyed()) return;
-  for (const Fields& row : rows_) keys_.push_back(std::stoll(std::string(row[0]->begin(), row[0]->end())));
+  for (const Fields& row : rows_) keys_.push_back(numberFrom(row[0]));
 }
 
 void ServerRecordset::keepAllKeys() {
@@ -132,7 +133,7 @@ Value ServerRecordset::get(std::size_t column) {
   if (column >= plan_.names.size()) database::fail(number::unknownItem);
   if (change_ == Change::add || (change_ == Change::edit && fields_[column])) return pending(column);
   requireRow();
-  return fromField(plan_.types[column], row().at(column + (plan_.isKeyed() ? 1 : 0)));
+  return database::limitedValue(fromField(plan_.types[column], row().at(column + (plan_.isKeyed() ? 1 : 0))));
 }
 
 // All columns of the table are in the result, in its order, wherever something is changed.

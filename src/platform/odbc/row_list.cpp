@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "platform/odbc/errors.h"
+#include "platform/stored_values.h"
 
 namespace vordane::odbc {
 namespace {
@@ -26,7 +27,7 @@ class ServerRowList final : public database::RowList {
     if (row.empty()) return false;
     out.clear();
     for (const std::size_t column : columns_)
-      out.push_back(fromField(plan_.types[column], row.at(column + 1)));
+      out.push_back(database::limitedValue(fromField(plan_.types[column], row.at(column + 1))));
     return true;
   }
 
@@ -68,8 +69,7 @@ std::vector<Fields> readBlock(Session& session, const Plan& plan, std::span<cons
   for (std::size_t i = 0; i < wanted.size(); ++i) places.emplace(wanted[i], i);
   std::vector<Fields> rows(wanted.size());
   for (Fields& row : session.rowsByKey(plan, wanted)) {
-    const std::u16string& key = row.at(0).value();
-    const auto found = places.find(std::stoll(std::string(key.begin(), key.end())));
+    const auto found = places.find(numberFrom(row.at(0)));
     if (found != places.end()) rows[found->second] = std::move(row);
   }
   return rows;

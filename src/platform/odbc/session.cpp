@@ -1,6 +1,5 @@
 #include "platform/odbc/session.h"
 
-#include <charconv>
 #include <utility>
 
 #include "platform/odbc/errors.h"
@@ -11,44 +10,36 @@
 namespace vordane::odbc {
 namespace {
 
-constexpr std::size_t mostRowsTogether = 1000;
-constexpr std::size_t mostCharactersTogether = 4 << 20;
-
-// Stands between the parts of an identity; no text that can travel holds it.
-constexpr char16_t between = u'\0';
-
-Field toField(const jet::Literal& literal) {
-  return literal.isText ? literal.text : text::decimal(literal.number);
-}
-
 bool canBeStored(const std::vector<jet::Literal>& values) {
   for (const jet::Literal& value : values)
     if (value.isText && !canTravel(value.text)) return false;
   return true;
 }
 
-void appendPart(std::u16string& identity, std::u16string_view part) {
-  while (!part.empty() && part.back() == u' ') part.remove_suffix(1);
-  identity.append(text::toLower(part)).push_back(between);
-}
-
 std::vector<std::int64_t> numbersFrom(std::u16string_view joined) {
   std::vector<std::int64_t> numbers;
   std::int64_t number = 0;
+  bool negative = false;
+  const auto take = [&] { numbers.push_back(std::exchange(negative, false) ? -number : number); };
   for (const char16_t c : joined) {
     if (c == u',') {
-      numbers.push_back(number);
+      take();
       number = 0;
-    } else if (c != u'-') {
+    } else if (c == u'-') {
+      negative = true;
+    } else {
       number = number * 10 + (c - u'0');
     }
   }
-  if (!joined.empty()) numbers.push_back(number);
+  if (!joined.empty()) take();
   return numbers;
 }
 
-std::int64_t numberFrom(const Field& field) {
-  return std::stoll(text::toUtf8(field.value()));
+// What the statement's parameters take of the shape's values.
+Fields parametersOf(const Plan& plan, const std::vector<jet::Literal>& values) {
+  Fields parameters;
+  for (const std::size_t i : plan.values) parameters.push_back(toField(values.at(i)));
+  return parameters;
 }
 
 }  // namespace
@@ -65,7 +56,7 @@ Session::Session(const Api& api, const Dialect& dialect, std::u16string connecti
   tables_ = std::make_unique<Tables>(link_->query(dialect_.listColumns()), documented_->descriptions());
   if (!readOnly_) {
     const auto reason = link_->query(dialect_.whyReadOnly());
-    if (!reason.empty() && reason[0].at(0).value_or(u"") != u"")
+    if (!reason.empty() && !reason[0].at(0).value_or(u"").empty())
       database::fail(number::noPermission, *reason[0][0]);
   }
   plans_ = std::make_unique<Plans>(dialect_, *tables_, *documented_);
@@ -99,7 +90,7 @@ Link& Session::link() {
 // Nothing of the transaction under way stays.
 void Session::lose() noexcept {
   if (link_) link_->rollback();
-  pending_ = {};
+  waiting_ = {};
   held_.clear();
   dirty_ = false;
   ++changes_;
@@ -140,17 +131,12 @@ void Session::holdOwner(const Table& table, std::int64_t owner) {
 
 std::vector<Fields> Session::ask(const Plan& plan, const std::string& statement,
                                  const std::vector<jet::Literal>& values) {
-  Fields fields;
-  if (plan.values.empty() && !plan.isUnion()) {
-    for (const jet::Literal& value : values) fields.push_back(toField(value));
-  }
-  for (const std::size_t i : plan.values) fields.push_back(toField(values.at(i)));
-  return link_->query(statement, fields);
+  return link_->query(statement, parametersOf(plan, values));
 }
 
 // Events that wait to travel are among the rows that somebody reads now.
 void Session::beforeReading(const Plan& plan) {
-  if (plan.table->events != nullptr && !pending_.rows.empty()) save();
+  if (plan.table->events != nullptr && !waiting_.empty()) save();
   link();
   needTransaction();
 }
@@ -212,7 +198,7 @@ Session::Same Session::findSame(const Plan& plan, const std::vector<jet::Literal
     link();
     if (inBatch_) {
       holdOwner(*plan.table, values.at(plan.values.at(0)).number);
-      if (pending_.known.contains(identityOf(plan, values))) return Same::waiting;
+      if (waiting_.holds(plan, values)) return Same::waiting;
     }
     found = ask(plan, plan.rows, values);
     return found.empty() ? Same::none : Same::stored;
@@ -236,20 +222,15 @@ void Session::add(const Table& table, const NewRow& row) {
     link();
     needTransaction();
   });
-  if (inBatch_ && table.events != nullptr && !row.at(*table.key)) return addToPending(table, row);
+  if (inBatch_ && table.events != nullptr && !row.at(*table.key)) return addToWaiting(table, row);
   if (inBatch_ && table.events != nullptr) save();
   addNow(table, row);
 }
 
-void Session::addToPending(const Table& table, const NewRow& row) {
-  const auto owner = row.at(table.column(table.events->owner, number::unknownName));
+void Session::addToWaiting(const Table& table, const NewRow& row) {
+  const auto& owner = row.at(table.column(table.events->owner, number::unknownName));
   if (owner && !automation::isNull(*owner)) guarded([&] { holdOwner(table, automation::toLong(*owner)); });
-  pending_.table = &table;
-  pending_.rows.push_back(row);
-  if (std::u16string identity = identityOf(table, row); !identity.empty()) {
-    pending_.characters += identity.size();
-    pending_.known.insert(std::move(identity));
-  }
+  waiting_.add(table, row);
   saveIfDue();
 }
 
@@ -270,7 +251,7 @@ std::int64_t Session::insert(const Table& table, const NewRow& row) {
   for (std::size_t i = 0; i < row.size(); ++i) {
     if (!row[i]) continue;
     columns.push_back(i);
-    fields.push_back(odbc::toField(*row[i]));
+    fields.push_back(toField(*row[i]));
   }
   const std::string key = table.key ? dialect_.quoted(table.columns[*table.key].name) : std::string{};
   const auto added = link_->query(dialect_.insert(table.definition(), columns, key), fields);
@@ -285,13 +266,13 @@ void Session::change(const Table& table, std::int64_t key, const NewRow& fields)
     if (!fields[i]) continue;
     statement += (statement.empty() ? "update " + dialect_.name(table.name) + " set " : ", ") +
                  dialect_.quoted(table.columns[i].name) + " = " + dialect_.parameter(table.columns[i].type);
-    values.push_back(odbc::toField(*fields[i]));
+    values.push_back(toField(*fields[i]));
   }
   if (values.empty()) return;
   statement += " where " + dialect_.quoted(table.columns[*table.key].name) + " = " + dialect_.number();
   values.emplace_back(text::decimal(key));
   const std::int64_t changed = guarded([&] {
-    if (table.events != nullptr && !pending_.rows.empty()) save();
+    if (table.events != nullptr && !waiting_.empty()) save();
     link();
     needTransaction();
     return link_->change(statement, values);
@@ -307,9 +288,7 @@ void Session::remove(const Plan& plan, const std::vector<jet::Literal>& values) 
   if (!canBeStored(values)) return;
   guarded([&] {
     beforeReading(plan);
-    Fields fields;
-    for (const std::size_t i : plan.values) fields.push_back(toField(values.at(i)));
-    link_->change(plan.rows, fields);
+    link_->change(plan.rows, parametersOf(plan, values));
     dirty_ = inBatch_;
   });
   saveIfDue();
@@ -343,9 +322,7 @@ void Session::endBatch() {
 void Session::saveIfDue() {
   if (!inBatch_) return;
   const auto passed = std::chrono::steady_clock::now() - begun_;
-  if (pending_.rows.size() >= mostRowsTogether || pending_.characters >= mostCharactersTogether ||
-      passed >= std::chrono::milliseconds(options_.longestUnsavedMilliseconds))
-    save();
+  if (waiting_.enough() || passed >= std::chrono::milliseconds(options_.longestUnsavedMilliseconds)) save();
 }
 
 void Session::save() {
@@ -361,38 +338,26 @@ void Session::save() {
 // All rows at once; where the server refuses, one after the other up to the one that it does not take, so
 // that what was reported as added before is stored.
 void Session::flush() {
-  if (pending_.rows.empty()) return;
-  Pending pending = std::exchange(pending_, {});
-  const Table& table = *pending.table;
-  std::vector<std::size_t> columns;
-  for (std::size_t i = 0; i < table.columns.size(); ++i)
-    if (i != *table.key) columns.push_back(i);
-  Fields arrays(columns.size());
-  for (std::size_t k = 0; k < columns.size(); ++k) {
-    std::u16string array;
-    for (const NewRow& row : pending.rows)
-      appendToArray(array, row[columns[k]] ? odbc::toField(*row[columns[k]]) : std::nullopt);
-    array.push_back(u'}');
-    arrays[k] = std::move(array);
-  }
+  if (waiting_.empty()) return;
+  const WaitingEvents events = std::exchange(waiting_, {});
   guarded([&] { link_->query(dialect_.savepoint()); });
   try {
-    link_->change(dialect_.insertMany(table.definition(), columns), arrays);
+    link_->change(dialect_.insertMany(events.table().definition(), events.columns()), events.arrays());
   } catch (const database::DatabaseError& failure) {
     if (link_->lost() || failure.number() == number::locked) {
       lose();
       throw;
     }
     guarded([&] { link_->query(dialect_.backToSavepoint()); });
-    flushOneByOne(std::move(pending));
+    flushOneByOne(events);
   }
 }
 
-void Session::flushOneByOne(Pending pending) {
-  for (const NewRow& row : pending.rows) {
+void Session::flushOneByOne(const WaitingEvents& events) {
+  for (const NewRow& row : events.rows()) {
     guarded([&] { link_->query(dialect_.savepoint()); });
     try {
-      insert(*pending.table, row);
+      insert(events.table(), row);
     } catch (const database::DatabaseError&) {
       if (link_->lost()) {
         lose();
@@ -406,36 +371,6 @@ void Session::flushOneByOne(Pending pending) {
       throw;
     }
   }
-}
-
-// What equal events share, as long as they are not stored; empty for one that equals none.
-std::u16string Session::identityOf(const Table& table, const NewRow& row) {
-  const database::EventTable& events = *table.events;
-  std::u16string identity;
-  const auto owner = row[table.column(events.owner, number::unknownName)];
-  if (!owner || automation::isNull(*owner)) return {};
-  appendPart(identity, automation::toText(*owner));
-  for (const auto name :
-       {events.kind[0], events.kind[1], events.kind[2], events.moment, events.description}) {
-    const auto& value = row[table.column(name, number::unknownName)];
-    if (!value || automation::isNull(*value)) return {};
-    appendPart(identity, automation::toText(*value));
-  }
-  return identity;
-}
-
-std::u16string Session::identityOf(const Plan& plan, const std::vector<jet::Literal>& values) const {
-  const database::EventTable& events = *plan.table->events;
-  std::u16string identity;
-  const auto part = [&](std::u16string_view name) {
-    for (std::size_t i = 0; i < plan.shape.conditions.size(); ++i)
-      if (text::equalIgnoringCase(plan.shape.conditions[i].column, name))
-        appendPart(identity, *toField(values.at(i)));
-  };
-  part(events.owner);
-  for (const auto name : {events.kind[0], events.kind[1], events.kind[2], events.moment, events.description})
-    part(name);
-  return identity;
 }
 
 }  // namespace vordane::odbc

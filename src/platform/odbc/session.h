@@ -13,7 +13,6 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 #include "platform/database.h"
@@ -21,11 +20,9 @@
 #include "platform/odbc/link.h"
 #include "platform/odbc/tables.h"
 #include "platform/odbc/values.h"
+#include "platform/odbc/waiting_events.h"
 
 namespace vordane::odbc {
-
-// A row to be added: a value for each column of the table that is set.
-using NewRow = std::vector<std::optional<Value>>;
 
 class Session {
  public:
@@ -70,12 +67,6 @@ class Session {
   jet::Lifted lifted;  // of the statement at hand; keeps its memory for the next
 
  private:
-  struct Pending {
-    const Table* table = nullptr;
-    std::vector<NewRow> rows;
-    std::unordered_set<std::u16string> known;  // what equal rows share
-    std::size_t characters = 0;
-  };
   Link& link();
   void connect();
   template <typename Step>
@@ -85,9 +76,9 @@ class Session {
   bool ownerExists(const Table& table, std::int64_t owner);
   void beforeReading(const Plan& plan);
   void flush();
-  void flushOneByOne(Pending pending);
+  void flushOneByOne(const WaitingEvents& events);
   std::int64_t insert(const Table& table, const NewRow& row);
-  void addToPending(const Table& table, const NewRow& row);
+  void addToWaiting(const Table& table, const NewRow& row);
   void addNow(const Table& table, const NewRow& row);
   std::vector<Fields> ask(const Plan& plan, const std::string& statement,
                           const std::vector<jet::Literal>& values);
@@ -95,8 +86,6 @@ class Session {
   void save();
   void saveIfDue();
   void lose() noexcept;
-  static std::u16string identityOf(const Table& table, const NewRow& row);
-  std::u16string identityOf(const Plan& plan, const std::vector<jet::Literal>& values) const;
 
   const Api& api_;
   const Dialect& dialect_;
@@ -112,7 +101,7 @@ class Session {
   bool inBatch_ = false;
   std::set<std::int64_t> held_;             // owners, by this transaction
   std::optional<std::int64_t> batchOwner_;  // whose row this batch has written: it must not go meanwhile
-  Pending pending_;
+  WaitingEvents waiting_;
   bool dirty_ = false;                           // the transaction holds changes that were made already
   std::chrono::steady_clock::time_point begun_;  // when the transaction did
   std::uint64_t changes_ = 0;

@@ -1,5 +1,8 @@
 #include "platform/odbc/tables.h"
 
+#include <array>
+
+#include "platform/described.h"
 #include "platform/odbc/errors.h"
 #include "text/text.h"
 
@@ -10,27 +13,31 @@ using database::ColumnDefinition;
 using database::ColumnType;
 using database::EventTable;
 
-const database::TableDefinition* describe(database::Descriptions descriptions, std::u16string_view name) {
-  for (const database::Description& description : descriptions)
-    for (const database::TableDefinition& table : description.tables)
-      if (text::equalIgnoringCase(table.name, name)) return &table;
-  return nullptr;
+// Conditions of the statement that looks for an equal event.
+constexpr std::size_t identityParts = 6;
+
+ColumnType typeOf(database::Descriptions descriptions, std::u16string_view table,
+                  std::u16string_view column) {
+  const ColumnDefinition* described = database::findColumn(descriptions, table, column);
+  return described == nullptr ? ColumnType::text : described->type;
 }
 
-const database::Description* withEvents(database::Descriptions descriptions) {
-  for (const database::Description& description : descriptions)
-    if (description.events != nullptr) return &description;
-  return nullptr;
+// Where a column stands among the shape's conditions, and so among its values; nothing when it is not there.
+std::optional<std::size_t> conditionOn(const jet::Shape& shape, std::u16string_view column) {
+  for (std::size_t i = 0; i < shape.conditions.size(); ++i)
+    if (text::equalIgnoringCase(shape.conditions[i].column, column)) return i;
+  return std::nullopt;
 }
 
-ColumnType typeOf(const database::TableDefinition& table, std::u16string_view column) {
-  for (const ColumnDefinition& each : table.columns)
-    if (text::equalIgnoringCase(each.name, column)) return each.type;
-  return ColumnType::text;
+bool isOrderOfTime(const std::vector<jet::Order>& orders, const EventTable& events) {
+  return orders.size() > 1 && text::equalIgnoringCase(orders[0].column, events.moment) &&
+         text::equalIgnoringCase(orders[1].column, events.key) &&
+         orders[0].descending == orders[1].descending;
 }
 
-bool isAutoNumber(ColumnType type) {
-  return type == ColumnType::autoNumber || type == ColumnType::shortAutoNumber;
+bool isNewestFirst(const jet::Shape& shape, const EventTable& events) {
+  return shape.conditions.empty() && shape.orders.size() == 1 && shape.orders[0].descending &&
+         text::equalIgnoringCase(shape.orders[0].column, events.moment);
 }
 
 }  // namespace
@@ -54,11 +61,11 @@ std::size_t Plan::resultColumn(std::u16string_view name) const {
 }
 
 Tables::Tables(const std::vector<Fields>& columns, database::Descriptions descriptions) {
-  const database::Description* events = withEvents(descriptions);
+  const database::Description* events = database::findEvents(descriptions);
   const auto owners = events == nullptr ? std::nullopt : ownersOf(*events);
   for (const Fields& row : columns) {
     const std::u16string& name = row.at(0).value();
-    if (describe(descriptions, name) == nullptr) continue;
+    if (database::findTable(descriptions, name) == nullptr) continue;
     auto& table = tables_[text::toLower(name)];
     if (!table) table = std::make_unique<Table>();
     table->name = name;
@@ -67,7 +74,7 @@ Tables::Tables(const std::vector<Fields>& columns, database::Descriptions descri
   if (tables_.empty()) database::fail(number::notADatabase);
   for (auto& [folded, table] : tables_) {
     for (const std::u16string& column : table->columnNames) {
-      const ColumnType type = typeOf(*describe(descriptions, folded), column);
+      const ColumnType type = typeOf(descriptions, folded, column);
       if (isAutoNumber(type)) table->key = table->columns.size();
       table->columns.push_back({column, type});
     }
@@ -200,73 +207,91 @@ bool Plans::planEvents(Plan& plan) const {
   const EventTable* events = plan.table->events;
   if (events == nullptr) return false;
   const jet::Shape& shape = plan.shape;
-  const std::string table = dialect_.name(plan.table->name), index = dialect_.indexTable();
-  const std::string key = dialect_.quoted(events->key);
-  const std::string owner = dialect_.number();
-  const auto parameter = [&] { return dialect_.parameter(ColumnType::text); };
-  const auto place = [&](std::u16string_view column) {
-    for (std::size_t i = 0; i < shape.conditions.size(); ++i)
-      if (text::equalIgnoringCase(shape.conditions[i].column, column)) return i;
-    return shape.conditions.size();
-  };
-  const std::string select = "select " + columnsOf(plan, "f.");
-  const std::string joined = " from " + index + " i join " + table + " f on f." + key + " = i.\"Key\"";
-  plan.byKey = select + " from " + table + " f where " + dialect_.oneOf("f." + key);
-  const bool ofOwner = shape.conditions.size() == 1 && place(events->owner) == 0;
-  if (ofOwner && shape.verb == jet::Verb::remove) {
-    plan.values = {0};
-    plan.rows = "delete from " + table + " where " + key + " in (select i.\"Key\" from " + index +
-                " i where i.\"Owner\" = " + owner + ")";
-    return true;
+  const bool ofOwner = shape.conditions.size() == 1 && conditionOn(shape, events->owner);
+  if (shape.verb == jet::Verb::remove) {
+    if (ofOwner) planRemoval(plan);
+    return ofOwner;
   }
   if (shape.verb != jet::Verb::select) return false;
+  const bool newest = isNewestFirst(shape, *events);
+  if (!ofOwner && !newest && shape.conditions.size() != identityParts) return false;
+  plan.byKey = "select " + columnsOf(plan, "f.") + " from " + dialect_.name(plan.table->name) + " f where " +
+               dialect_.oneOf("f." + dialect_.quoted(events->key));
   if (ofOwner) {
-    plan.values = {0};
-    const bool byTime =
-        !shape.orders.empty() && text::equalIgnoringCase(shape.orders[0].column, events->moment) &&
-        shape.orders.size() > 1 && text::equalIgnoringCase(shape.orders[1].column, events->key) &&
-        shape.orders[0].descending == shape.orders[1].descending;
-    const std::string_view way =
-        byTime && shape.orders[0].descending ? " desc nulls last" : " asc nulls first";
-    const std::string order = " order by i.\"Moment\"" + std::string(way) + ", i.\"Key\"" +
-                              (byTime && shape.orders[0].descending ? " desc" : "");
-    const std::string where = " where i.\"Owner\" = " + owner;
-    plan.keys = dialect_.joined(byTime ? "select i.\"Key\" from " + index + " i" + where + order
-                                       : "select i.\"Key\"" + joined + where + ordersOf(plan, "f."));
-    plan.rows = select + joined + where + (byTime ? order : ordersOf(plan, "f."));
-    return true;
+    planOwner(plan);
+  } else if (newest) {
+    planNewest(plan);
+  } else {
+    planSame(plan);
   }
-  if (shape.conditions.empty() && shape.orders.size() == 1 && shape.orders[0].descending &&
-      text::equalIgnoringCase(shape.orders[0].column, events->moment)) {
-    plan.special = Plan::Special::newestEvents;
-    plan.rows = dialect_.newest();
-    plan.keys = dialect_.joined("select i.\"Key\" from " + index +
-                                " i order by i.\"Moment\" desc nulls last, i.\"Key\"");
-    return true;
+  return true;
+}
+
+void Plans::planRemoval(Plan& plan) const {
+  plan.values = {0};
+  plan.rows = "delete from " + dialect_.name(plan.table->name) + " where " +
+              dialect_.quoted(plan.table->events->key) + " in (select i.\"Key\" from " +
+              dialect_.indexTable() + " i where i.\"Owner\" = " + dialect_.number() + ")";
+}
+
+// Rows of the index with their events.
+std::string Plans::joinedEvents(const Plan& plan) const {
+  return " from " + dialect_.indexTable() + " i join " + dialect_.name(plan.table->name) + " f on f." +
+         dialect_.quoted(plan.table->events->key) + " = i.\"Key\"";
+}
+
+// The index alone knows the order of time.
+void Plans::planOwner(Plan& plan) const {
+  plan.values = {0};
+  const std::string joined = joinedEvents(plan);
+  const std::string where = " where i.\"Owner\" = " + dialect_.number();
+  const std::string select = "select " + columnsOf(plan, "f.");
+  if (!isOrderOfTime(plan.shape.orders, *plan.table->events)) {
+    const std::string order = ordersOf(plan, "f.");
+    plan.keys = dialect_.joined("select i.\"Key\"" + joined + where + order);
+    plan.rows = select + joined + where + order;
+    return;
   }
-  if (shape.conditions.size() != 6) return false;
+  const std::string order = plan.shape.orders[0].descending
+                                ? " order by i.\"Moment\" desc nulls last, i.\"Key\" desc"
+                                : " order by i.\"Moment\" asc nulls first, i.\"Key\"";
+  plan.keys = dialect_.joined("select i.\"Key\" from " + dialect_.indexTable() + " i" + where + order);
+  plan.rows = select + joined + where + order;
+}
+
+void Plans::planNewest(Plan& plan) const {
+  plan.special = Plan::Special::newestEvents;
+  plan.rows = dialect_.newest();
+  plan.keys = dialect_.joined("select i.\"Key\" from " + dialect_.indexTable() +
+                              " i order by i.\"Moment\" desc nulls last, i.\"Key\"");
+}
+
+// By the hash of the kind's texts and the description, and then by the texts themselves.
+void Plans::planSame(Plan& plan) const {
+  const EventTable& events = *plan.table->events;
+  const auto place = [&](std::u16string_view column) {
+    return conditionOn(plan.shape, column).value_or(plan.shape.conditions.size());
+  };
+  const auto parameter = [&] { return dialect_.parameter(ColumnType::text); };
+  const std::array<std::size_t, 4> texts = {place(events.kind[0]), place(events.kind[1]),
+                                            place(events.kind[2]), place(events.description)};
   plan.special = Plan::Special::sameEvent;
-  const std::size_t kinds[] = {place(events->kind[0]), place(events->kind[1]), place(events->kind[2]),
-                               place(events->description)};
-  plan.values = {place(events->owner), place(events->moment)};
-  plan.rows = select + joined + " where i.\"Owner\" = " + owner +
+  plan.values = {place(events.owner), place(events.moment)};
+  plan.values.insert(plan.values.end(), texts.begin(), texts.end());
+  plan.values.insert(plan.values.end(), texts.begin(), texts.end());
+  plan.rows = "select " + columnsOf(plan, "f.") + joinedEvents(plan) +
+              " where i.\"Owner\" = " + dialect_.number() +
               " and i.\"Moment\" = " + dialect_.folded(parameter()) +
               " and i.\"Hash\" = " + dialect_.hash({parameter(), parameter(), parameter(), parameter()});
-  for (const std::size_t kind : kinds) plan.values.push_back(kind);
-  for (const std::size_t kind : kinds) {
-    plan.values.push_back(kind);
+  for (const std::size_t text : texts) {
+    const std::u16string_view named = plan.shape.conditions.at(text).column;
+    const std::u16string_view column =
+        plan.table->columns[plan.table->column(named, number::unknownName)].name;
     plan.rows +=
-        " and " +
-        dialect_.folded(
-            "f." +
-            dialect_.quoted(
-                plan.table->columns[plan.table->column(shape.conditions[kind].column, number::unknownName)]
-                    .name)) +
-        " = " + dialect_.folded(parameter());
+        " and " + dialect_.folded("f." + dialect_.quoted(column)) + " = " + dialect_.folded(parameter());
   }
   plan.rows += " order by i.\"Key\"";
   plan.keys = dialect_.joined("select 0 where false");
-  return true;
 }
 
 }  // namespace vordane::odbc

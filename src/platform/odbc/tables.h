@@ -72,6 +72,11 @@ class Plans {
   void planUnion(Plan& plan) const;
   void planRows(Plan& plan) const;
   bool planEvents(Plan& plan) const;
+  void planRemoval(Plan& plan) const;
+  void planOwner(Plan& plan) const;
+  void planNewest(Plan& plan) const;
+  void planSame(Plan& plan) const;
+  std::string joinedEvents(const Plan& plan) const;
   std::string columnsOf(const Plan& plan, std::string_view prefix) const;
   std::string conditionsOf(Plan& plan) const;
   std::string ordersOf(const Plan& plan, std::string_view prefix) const;

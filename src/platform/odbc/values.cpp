@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "platform/odbc/errors.h"
+#include "text/dates.h"
 #include "text/numbers.h"
 #include "text/utf8.h"
 
@@ -13,18 +14,9 @@ namespace {
 
 using database::ColumnType;
 
-// "YYYY-MM-DD HH:MM:SS"
-bool isMoment(std::u16string_view text) {
-  constexpr std::u16string_view pattern = u"0000-00-00 00:00:00";
-  return text.size() == pattern.size() &&
-         std::equal(text.begin(), text.end(), pattern.begin(), [](char16_t c, char16_t wanted) {
-           return wanted == u'0' ? c >= u'0' && c <= u'9' : c == wanted;
-         });
-}
-
 Value fitText(const database::ColumnDefinition& column, const Value& value) {
   std::u16string text = automation::toText(value);
-  const bool fits = canTravel(text) && (column.type != ColumnType::dateTime || isMoment(text));
+  const bool fits = canTravel(text) && (column.type != ColumnType::dateTime || text::isIsoText(text));
   if (!fits) database::fail(number::badValue, column.name);
   return text;
 }
@@ -36,7 +28,7 @@ double doubleFrom(std::u16string_view text) {
   return number;
 }
 
-Value numberFrom(std::u16string_view text) {
+Value valueFrom(std::u16string_view text) {
   const double number = doubleFrom(text);
   const auto whole = static_cast<std::int32_t>(std::clamp<double>(
       number, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()));
@@ -75,11 +67,19 @@ Field toField(const Value& value) {
   return automation::toText(value);
 }
 
+Field toField(const jet::Literal& literal) {
+  return literal.isText ? literal.text : text::decimal(literal.number);
+}
+
+std::int64_t numberFrom(const Field& field) {
+  return std::stoll(text::toUtf8(field.value()));
+}
+
 Value fromField(ColumnType type, const Field& field) {
   if (type == ColumnType::yesNo) return field && doubleFrom(*field) != 0;
   if (!field) return automation::Null{};
   if (type == ColumnType::text || type == ColumnType::dateTime) return *field;
-  return numberFrom(*field);
+  return valueFrom(*field);
 }
 
 std::int64_t limitOf(ColumnType type) {

@@ -1,11 +1,16 @@
 // Values on their way to a server and back: each travels as text.
 #pragma once
 
+#include <cstdint>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/database.h"
 #include "platform/description.h"
+#include "platform/jet.h"
 #include "platform/odbc/link.h"
 
 namespace vordane::odbc {
@@ -16,7 +21,13 @@ using database::Value;
 // travel.
 Value fit(const database::ColumnDefinition& column, const Value& value);
 
+// A row to be added or changed: a value for each column of the table that is set.
+using NewRow = std::vector<std::optional<Value>>;
+
 Field toField(const Value& value);
+Field toField(const jet::Literal& literal);
+// Of a field that holds a whole number, as a key always does.
+std::int64_t numberFrom(const Field& field);
 Value fromField(database::ColumnType type, const Field& field);
 
 // The highest number an auto-number of this type may reach.

@@ -5,29 +5,14 @@
 
 #include "platform/sqlite/errors.h"
 #include "platform/sqlite/event_index.h"
-#include "text/text.h"
-#include "text/utf8.h"
 
 namespace vordane::sqlite {
 namespace {
 
-// A batch saves what it holds at the latest after this time.
+// Of the engine's virtual machine.
 constexpr int stepsBetweenProgress = 50000;
 // A file up to this size is looked through before free pages of it are written to.
 constexpr std::int64_t quicklyChecked = 16 << 20;
-
-// While it lives, statements are the engine's own and the authorizer lets everything through.
-class Maintaining {
- public:
-  explicit Maintaining(bool& flag) : flag_(flag), before_(std::exchange(flag, true)) {}
-  ~Maintaining() { flag_ = before_; }
-  Maintaining(const Maintaining&) = delete;
-  Maintaining& operator=(const Maintaining&) = delete;
-
- private:
-  bool& flag_;
-  bool before_;
-};
 
 }  // namespace
 
@@ -43,17 +28,11 @@ Connection::Connection(Handle handle, bool readOnly, const Options& options,
   Statement encoding(*this, "PRAGMA encoding");
   utf8_ = encoding.step() && encoding.text(0) == u"UTF-8";
   encoding.reset();
-  loadTables();
+  tables_ = std::make_unique<FileTables>(*this, descriptions_);
   events_ = std::make_unique<EventIndex>(*this);
-  maintaining_ = true;
   savepoint_ = Statement(*this, "SAVEPOINT step");
   release_ = Statement(*this, "RELEASE step");
   rollbackTo_ = Statement(*this, "ROLLBACK TO step");
-  changes_ = Statement(*this, "PRAGMA data_version");
-  schema_ = Statement(*this, "PRAGMA schema_version");
-  declarations_ = readTables();
-  seenChanges_ = changesByOthers();
-  seenSchema_ = readNumber(schema_);
   maintaining_ = false;
   sqlite3_set_authorizer(
       handle_.get(),
@@ -102,104 +81,13 @@ bool Connection::wait(int tries) noexcept {
   return true;
 }
 
-void Connection::loadTables() {
-  const Maintaining maintaining(maintaining_);
-  tables_.clear();
-  Statement names(
-      *this,
-      "SELECT name, coalesce(sql LIKE '%AUTOINCREMENT%', 0) AND EXISTS (SELECT 1 FROM sqlite_schema WHERE "
-      "name = 'sqlite_sequence') FROM sqlite_schema WHERE type = 'table' AND "
-      "substr(name, 1, 7) <> 'sqlite_' AND sql NOT LIKE 'CREATE VIRTUAL%'");
-  while (names.step()) {
-    auto table = std::make_unique<Table>();
-    table->name = names.text(0);
-    table->folded = text::toLower(table->name);
-    table->quoted = quote(table->name);
-    table->counted = names.integer(1) != 0;
-    tables_.emplace(table->folded, std::move(table));
-  }
-  names.reset();
-  for (auto& [folded, table] : tables_) {
-    Statement columns(*this, "SELECT name, type, pk FROM pragma_table_info(?)");
-    columns.bindText(1, table->name);
-    int keys = 0;
-    while (columns.step()) {
-      Column column{columns.text(0), {}, {}, Kind::other};
-      column.folded = text::toLower(column.name);
-      column.quoted = quote(column.name);
-      const std::u16string declared = columns.text(1);
-      column.kind = kindOf(descriptions_, table->name, column.name, declared);
-      column.affinity = affinityOf(declared);
-      if (columns.integer(2) != 0 && ++keys == 1 && text::equalIgnoringCase(declared, u"integer"))
-        table->autoNumber = table->columns.size();
-      table->columns.push_back(std::move(column));
-    }
-    // A key that has an index of its own is not the row's number.
-    Statement keyIndex(*this, "SELECT 1 FROM pragma_index_list(?) WHERE origin = 'pk'");
-    keyIndex.bindText(1, table->name);
-    if (keys != 1 || keyIndex.step()) table->autoNumber.reset();
-  }
-}
-
-// How the tables are declared, but for those the engine keeps for itself.
-std::string Connection::readTables() {
-  const Maintaining maintaining(maintaining_);
-  Statement all(*this,
-                "SELECT type || ' ' || name || ' ' || coalesce(sql, '') FROM sqlite_schema WHERE type IN "
-                "('table', 'view') AND substr(name, 1, 7) NOT IN ('Vordane', 'sqlite_') ORDER BY 1");
-  std::string declarations;
-  while (all.step()) declarations += text::toUtf8(all.text(0)) + '\n';
-  return declarations;
-}
-
-// Another program may copy, drop and rename a table while it is open here: rows have other keys then.
-void Connection::followTables() {
-  if (inTransaction()) return;  // nobody else changes anything meanwhile
-  lookAtTables();
-}
-
-void Connection::lookAtTables() {
-  const std::int64_t changes = changesByOthers();
-  if (changes == seenChanges_) return;
-  const std::int64_t schema = readNumber(schema_);
-  if (schema != seenSchema_) {
-    std::string declarations = readTables();
-    if (declarations != declarations_) {
-      formerTables_.push_back(std::exchange(tables_, {}));
-      ++tablesChanged_;
-      loadTables();
-      declarations_ = std::move(declarations);
-    }
-  }
-  seenSchema_ = schema;
-  seenChanges_ = changes;
-}
-
-Table* Connection::findTable(std::u16string_view name) {
-  const auto found = tables_.find(text::toLower(name));
-  return found == tables_.end() ? nullptr : found->second.get();
-}
-
-std::vector<const Table*> Connection::tables() const {
-  std::vector<const Table*> all;
-  for (const auto& [folded, table] : tables_) all.push_back(table.get());
-  std::sort(all.begin(), all.end(), [](const Table* a, const Table* b) { return a->folded < b->folded; });
-  return all;
-}
-
-Table& Connection::table(std::u16string_view name) {
-  Table* found = findTable(name);
-  if (!found) fail(number::unknownTable, name);
-  return *found;
-}
-
 void Connection::run(const char* sql) {
   if (sqlite3_exec(handle_.get(), sql, nullptr, nullptr, nullptr) != SQLITE_OK)
     raise(sqlite3_extended_errcode(handle_.get()));
 }
 
 void Connection::runMaintenance(const char* sql) {
-  const Maintaining maintaining(maintaining_);
+  const Maintenance maintenance(*this);
   const int result = sqlite3_exec(handle_.get(), sql, nullptr, nullptr, nullptr);
   if (result != SQLITE_OK) raise(sqlite3_extended_errcode(handle_.get()));
 }
@@ -222,11 +110,11 @@ void Connection::begin() {
   if (damaged_) fail(number::damaged);
   finishReaders();
   run("BEGIN IMMEDIATE");
-  const std::uint64_t before = tablesChanged_;
+  const std::uint64_t before = tables_->timesChanged();
   try {
-    lookAtTables();
+    tables_->look();
     // What this step was made for is no longer there; the next one finds what is.
-    if (tablesChanged_ != before) fail(number::recordGone);
+    if (tables_->timesChanged() != before) fail(number::recordGone);
   } catch (...) {
     rollback();
     throw;
@@ -243,23 +131,13 @@ std::int64_t Connection::pragma(const char* sql) {
 // A damaged list of free pages may name a page in use, and whoever takes it for free writes over its rows.
 // Any other damage is found when its page is read.
 void Connection::checkFreePages() {
-  const Maintaining maintaining(maintaining_);
+  const Maintenance maintenance(*this);
   if (pragma("PRAGMA freelist_count") > 0 &&
       pragma("PRAGMA page_count") * pragma("PRAGMA page_size") <= quicklyChecked) {
     Statement check(*this, "PRAGMA quick_check(1)");
     damaged_ = !check.step() || check.text(0) != u"ok";
   }
   freePagesChecked_ = true;
-}
-
-std::int64_t Connection::readNumber(Statement& statement) {
-  const Running running(statement);
-  statement.step();
-  return statement.integer(0);
-}
-
-std::int64_t Connection::changesByOthers() {
-  return readNumber(changes_);
 }
 
 std::int64_t Connection::takeNumber(Table& table) {
@@ -314,7 +192,7 @@ void Connection::rollback() noexcept {
 
 void Connection::beginBatch() {
   if (inBatch_) fail(number::invalidOperation);
-  followTables();
+  tables_->follow();
   begin();
   inBatch_ = true;
 }
@@ -364,6 +242,12 @@ void Connection::progress() noexcept {
   }
 }
 
+void Connection::progress(std::size_t done, std::size_t of) noexcept {
+  done_ = done;
+  of_ = of;
+  progress();
+}
+
 ReadScope::ReadScope(Connection& connection) {
   if (connection.inTransaction()) return;
   connection.run("BEGIN");
@@ -372,12 +256,6 @@ ReadScope::ReadScope(Connection& connection) {
 
 ReadScope::~ReadScope() {
   if (connection_ != nullptr) connection_->rollback();
-}
-
-void Connection::progress(std::size_t done, std::size_t of) noexcept {
-  done_ = done;
-  of_ = of;
-  progress();
 }
 
 WriteScope::WriteScope(Connection& connection)

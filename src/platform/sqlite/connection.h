@@ -1,5 +1,5 @@
 // Ownership of SQLite's handles, and what every part of the engine shares: prepared statements, the write
-// transaction, the tables of the file. Only this folder and the tools' one for whole files include it.
+// transaction. Only this folder and the tools' one for whole files include it.
 #pragma once
 
 #include <sqlite3.h>
@@ -10,11 +10,12 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "platform/database.h"
 #include "platform/sqlite/engine.h"
+#include "platform/sqlite/file_tables.h"
 #include "platform/sqlite/statement.h"
 #include "platform/sqlite/table.h"
 
@@ -57,10 +58,22 @@ class Connection {
   // Which of the file's tables holds events, by name; null: none is described.
   const database::EventTable* eventTable() const { return eventsOf(descriptions_); }
 
-  // Case does not matter; throws DatabaseError (unknownTable).
-  Table& table(std::u16string_view name);
-  Table* findTable(std::u16string_view name);
-  std::vector<const Table*> tables() const;  // by name
+  FileTables& tables() { return *tables_; }
+  const FileTables& tables() const { return *tables_; }
+
+  // While it lives, statements are the engine's own and the authorizer lets everything through.
+  class Maintenance {
+   public:
+    explicit Maintenance(Connection& connection)
+        : connection_(connection), before_(std::exchange(connection.maintaining_, true)) {}
+    ~Maintenance() { connection_.maintaining_ = before_; }
+    Maintenance(const Maintenance&) = delete;
+    Maintenance& operator=(const Maintenance&) = delete;
+
+   private:
+    Connection& connection_;
+    bool before_;
+  };
 
   // Runs statements without results: opening and maintenance only.
   void run(const char* sql);
@@ -75,15 +88,6 @@ class Connection {
   std::int64_t takeNumber(Table& table);
   // Numbers up to `last` are never given again.
   void keepNumber(const Table& table, std::int64_t last);
-  void loadTables();
-
-  // Differs from what it was when another connection has changed the file since.
-  std::int64_t changesByOthers();
-  // Counts how often another program has changed the tables themselves while the file was open, as far as it
-  // was noticed: by `followTables`, which reads them anew then. Tables read before stay valid as objects.
-  std::uint64_t tablesChanged() const { return tablesChanged_; }
-  void followTables();
-  std::int64_t seenChanges() const { return seenChanges_; }  // when they were followed last
 
   bool inTransaction() const { return sqlite3_get_autocommit(handle_.get()) == 0; }
   void begin();
@@ -111,9 +115,6 @@ class Connection {
   void progress() noexcept;
   void checkFreePages();
   std::int64_t pragma(const char* sql);
-  std::string readTables();
-  void lookAtTables();
-  std::int64_t readNumber(Statement& statement);
 
   Handle handle_;
   database::Descriptions descriptions_;
@@ -128,17 +129,12 @@ class Connection {
   std::chrono::milliseconds longestUnsaved_;
   std::chrono::steady_clock::time_point begun_;
   std::chrono::steady_clock::time_point waitingSince_;
-  using Tables = std::unordered_map<std::u16string, std::unique_ptr<Table>>;
-  Tables tables_;
-  std::vector<Tables> formerTables_;  // rows and statements of which may still be held
-  std::string declarations_;          // of `tables_`
-  std::uint64_t tablesChanged_ = 0;
-  std::int64_t seenChanges_ = 0, seenSchema_ = 0;
   std::vector<Reader*> readers_;
   database::Database::Progress progress_;
   std::size_t done_ = 0, of_ = 0;
+  std::unique_ptr<FileTables> tables_;
   std::unique_ptr<EventIndex> events_;
-  Statement savepoint_, release_, rollbackTo_, changes_, schema_;
+  Statement savepoint_, release_, rollbackTo_;
 };
 
 // Many small statements that only read: what they read stays the same meanwhile, and the file's locks are

@@ -89,6 +89,7 @@ bool returnsRow(sqlite3* handle, const char* sql) {
 
 void prepare(sqlite3* handle) {
   guard(handle);
+  limitValues(handle);
   execute(handle, wholeCache);
   execute(handle, "PRAGMA cell_size_check = ON");
   returnsRow(handle, "SELECT 1 FROM sqlite_schema LIMIT 1");
@@ -194,7 +195,7 @@ class EmbeddedEngine final : public database::Engine {
   std::unique_ptr<database::Database> openToWrite(std::u16string_view path) {
     refuseSharedJournal(path);
     Handle handle = openFile(text::toUtf8(path), SQLITE_OPEN_READWRITE, options_);
-    limitSizes(handle.get());
+    limitColumns(handle.get());
     if (sqlite3_db_readonly(handle.get(), "main") != 0) fail(number::noPermission, path);
     sqlite3_busy_timeout(handle.get(), options_.lockWaitMilliseconds);
     prepare(handle.get());

@@ -73,7 +73,7 @@ EventIndex::EventIndex(Connection& connection) : connection_(connection), byDesc
 void EventIndex::findTable() {
   table_ = nullptr;
   const database::EventTable* described = connection_.eventTable();
-  Table* table = described != nullptr ? connection_.findTable(described->table) : nullptr;
+  Table* table = described != nullptr ? connection_.tables().find(described->table) : nullptr;
   if (table == nullptr) return;
   table->events = findEvents(*table, *described);
   if (table->events) table_ = table;
@@ -81,13 +81,13 @@ void EventIndex::findTable() {
 
 // What others may have done to the tables since.
 void EventIndex::follow() {
-  connection_.followTables();
-  if (tablesChanged_ != connection_.tablesChanged()) {
-    tablesChanged_ = connection_.tablesChanged();
+  connection_.tables().follow();
+  if (tablesChanged_ != connection_.tables().timesChanged()) {
+    tablesChanged_ = connection_.tables().timesChanged();
     byTime_.forget();
     findTable();
   }
-  if (std::exchange(seenChanges_, connection_.seenChanges()) != seenChanges_) present_.reset();
+  if (std::exchange(seenChanges_, connection_.tables().seenChanges()) != seenChanges_) present_.reset();
 }
 
 // A statement that is prepared when it is first used.
@@ -271,7 +271,7 @@ SharedKeys EventIndex::ordered(std::int64_t owner, const EventOrder& order) {
 }
 
 SharedKeys EventIndex::orderedByTime(std::int64_t owner) {
-  const std::int64_t version = connection_.changesByOthers();
+  const std::int64_t version = connection_.tables().changesByOthers();
   if (auto kept = byTime_.of(owner, version)) return kept;
   const CollectedEvents events = collectEvents(connection_, collecting_, owner, false);
   if (events.beyondKeys()) return {};

@@ -14,8 +14,9 @@
 namespace vordane::sqlite {
 namespace {
 
-// A description has a few hundred characters; an answer's texts are cut long before this.
-constexpr int largestValue = 16 << 20;
+// A description has a few hundred characters, and of a longer text only the beginning is shown; this is what
+// a row may cost on the way there.
+constexpr int largestValue = 256 << 20;
 constexpr int mostColumns = 64;  // a bit for each is kept
 
 bool isWordPart(char c) {
@@ -111,8 +112,11 @@ void refuseSharedJournal(std::u16string_view path) {
     throw database::DatabaseError(number::damaged, u"A journal names further files: '" + journal + u"'.");
 }
 
-void limitSizes(sqlite3* handle) {
+void limitValues(sqlite3* handle) {
   sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, largestValue);
+}
+
+void limitColumns(sqlite3* handle) {
   sqlite3_limit(handle, SQLITE_LIMIT_COLUMN, mostColumns);
 }
 

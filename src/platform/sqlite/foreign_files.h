@@ -1,5 +1,5 @@
-// What is refused in a file that is opened for writing, whoever made it: nothing but this system's own steps
-// may happen when a row is stored.
+// What is refused in a file that is opened, whoever made it: nothing but this system's own steps may happen
+// when a row is stored, and no row may cost whatever it likes.
 #pragma once
 
 #include <sqlite3.h>
@@ -13,8 +13,10 @@ namespace vordane::sqlite {
 // never leaves one. Throws DatabaseError (3049).
 void refuseSharedJournal(std::u16string_view path);
 
-// The largest value or row, and the most columns of a table, that `handle` takes; before its first statement.
-void limitSizes(sqlite3* handle);
+// The largest value or row that `handle` takes, and the most columns of a table where it writes; before its
+// first statement.
+void limitValues(sqlite3* handle);
+void limitColumns(sqlite3* handle);
 
 // CHECK, generated columns, indexes on expressions or on a part of the rows, and defaults that call functions
 // would run at every stored row, at whatever cost. Throws DatabaseError (3343).

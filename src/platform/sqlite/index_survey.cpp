@@ -75,8 +75,8 @@ class SurveyOfIndex final : public database::Survey {
   bool next(std::size_t most, Taker& taker) override {
     Connection& connection = opened_->connection;
     connection.beforeRead();
-    connection.followTables();
-    if (tablesChanged_ != connection.tablesChanged() || !connection.events().usable()) return false;
+    connection.tables().follow();
+    if (tablesChanged_ != connection.tables().timesChanged() || !connection.events().usable()) return false;
     if (!rows_) prepare(connection);
     const ReadScope reading(connection);
     const std::string from = lastMoment_;  // what is bound stays while the statement runs

@@ -1,4 +1,6 @@
 // A survey of an owner's events along their index, which holds all that a survey tells.
+//
+// What this buys: the events themselves, with their descriptions, are not read.
 #pragma once
 
 #include <cstdint>

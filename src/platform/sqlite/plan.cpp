@@ -139,11 +139,11 @@ std::size_t Plan::resultColumn(std::u16string_view name) const {
 }
 
 void Plans::forgetIfTablesChanged() {
-  connection_.followTables();
-  if (tablesChanged_ == connection_.tablesChanged()) return;
+  connection_.tables().follow();
+  if (tablesChanged_ == connection_.tables().timesChanged()) return;
   former_.push_back(std::exchange(plans_, {}));
   known_.clear();
-  tablesChanged_ = connection_.tablesChanged();
+  tablesChanged_ = connection_.tables().timesChanged();
 }
 
 Plan& Plans::find(std::u16string_view statement, jet::Lifted& lifted) {
@@ -170,7 +170,7 @@ std::unique_ptr<Plan> Plans::make(const jet::Lifted& lifted) {
   auto plan = std::make_unique<Plan>();
   plan->tablesChanged = tablesChanged_;
   plan->shape = documented_.shapeOf(lifted);
-  plan->table = &connection_.table(plan->shape.table);
+  plan->table = &connection_.tables().table(plan->shape.table);
   // Rows are known by their number, which such a column hides.
   if (plan->table->find(u"rowid")) fail(number::invalidOperation);
   if (plan->isUnion()) {

@@ -123,7 +123,7 @@ void EmbeddedRecordset::readFrom(const Statement& statement) {
   row_.resize(plan_.names.size());
   for (std::size_t i = 0; i < row_.size(); ++i) {
     const bool yesNo = !plan_.columns.empty() && plan_.columns[i]->kind == Kind::yesNo;
-    row_[i] = statement.value(static_cast<int>(i) + plan_.firstColumn(), yesNo);
+    row_[i] = statement.limitedValue(static_cast<int>(i) + plan_.firstColumn(), yesNo);
   }
   loaded_ = true;
 }
@@ -131,8 +131,8 @@ void EmbeddedRecordset::readFrom(const Statement& statement) {
 void EmbeddedRecordset::loadRow() {
   if (loaded_) return;
   if (!keyed_) return readFrom(rows_);
-  connection_.followTables();
-  if (plan_.tablesChanged != connection_.tablesChanged()) fail(number::recordGone);
+  connection_.tables().follow();
+  if (plan_.tablesChanged != connection_.tables().timesChanged()) fail(number::recordGone);
   connection_.beforeRead();
   Statement row = plan_.byKey.take(connection_);
   row.bind(1, key_);

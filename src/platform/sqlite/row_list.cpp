@@ -50,7 +50,7 @@ class EmbeddedRowList final : public database::RowList {
     bindRow(position);
     const bool found = row_.step();
     for (std::size_t i = 0; found && i < yesNo_.size(); ++i)
-      out.push_back(row_.value(static_cast<int>(i), yesNo_[i]));
+      out.push_back(row_.limitedValue(static_cast<int>(i), yesNo_[i]));
     return found;
   }
 
@@ -100,8 +100,8 @@ class EmbeddedRowList final : public database::RowList {
 
   // The keys belong to the table as it was.
   bool tablesChanged() {
-    connection_.followTables();
-    return tablesChanged_ != connection_.tablesChanged();
+    connection_.tables().follow();
+    return tablesChanged_ != connection_.tables().timesChanged();
   }
 
   void bindRow(std::size_t position) {

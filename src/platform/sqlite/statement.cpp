@@ -1,9 +1,12 @@
 #include "platform/sqlite/statement.h"
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 
 #include "platform/sqlite/connection.h"
+#include "platform/stored_values.h"
+#include "text/utf8.h"
 
 namespace vordane::sqlite {
 namespace {
@@ -135,6 +138,28 @@ Value Statement::value(int column, bool yesNo) const {
     default:
       return text(column);
   }
+}
+
+Value Statement::limitedValue(int column, bool yesNo) const {
+  const bool isText = !yesNo && this->isText(column);
+  return isText ? Value(database::limitedText(beginning(column)))
+                : database::limitedValue(value(column, yesNo));
+}
+
+// One character more than is given of it, or all: what is longer is neither converted nor copied.
+std::u16string Statement::beginning(int column) const {
+  constexpr std::size_t enough = database::longestText + 1, bytesEach = 4;
+  if (!connection_->utf8()) {
+    std::u16string copy;
+    const void* const characters = sqlite3_column_text16(handle_.get(), column);
+    const auto size = static_cast<std::size_t>(sqlite3_column_bytes16(handle_.get(), column));
+    return std::u16string(
+        unitsOf(characters, static_cast<int>(std::min(size, enough * sizeof(char16_t))), copy));
+  }
+  const auto size = static_cast<std::size_t>(sqlite3_column_bytes(handle_.get(), column));
+  if (size <= enough * bytesEach) return text(column);
+  const auto* characters = reinterpret_cast<const char*>(sqlite3_column_text(handle_.get(), column));
+  return text::fromUtf8({characters, enough * bytesEach});
 }
 
 Statement StatementPool::take(Connection& connection) {

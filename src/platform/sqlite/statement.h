@@ -49,12 +49,15 @@ class Statement {
   // Nothing for Null. Until the next step, or until `copy` changes, which is used where it has to be.
   std::optional<std::u16string_view> textIfAny(int column, std::u16string& copy) const;
   Value value(int column, bool yesNo) const;
+  // The same for a row that is shown: of a very long text only its beginning is taken, with the mark.
+  Value limitedValue(int column, bool yesNo) const;
 
  private:
   struct Finalizer {
     void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
   };
   void check(int resultCode);
+  std::u16string beginning(int column) const;
   Connection* connection_ = nullptr;
   std::unique_ptr<sqlite3_stmt, Finalizer> handle_;
 };

@@ -4,7 +4,9 @@
 #include <iterator>
 #include <limits>
 
+#include "platform/described.h"
 #include "platform/sqlite/errors.h"
+#include "text/dates.h"
 #include "text/text.h"
 #include "text/utf8.h"
 
@@ -38,15 +40,6 @@ bool changesInUtf8(std::u16string_view text) {
   return false;
 }
 
-// "YYYY-MM-DD HH:MM:SS"
-bool isMoment(std::u16string_view text) {
-  constexpr std::u16string_view pattern = u"0000-00-00 00:00:00";
-  return text.size() == pattern.size() &&
-         std::equal(text.begin(), text.end(), pattern.begin(), [](char16_t c, char16_t wanted) {
-           return wanted == u'0' ? c >= u'0' && c <= u'9' : c == wanted;
-         });
-}
-
 // Of a type that a declaration in plain SQLite may not show.
 std::optional<Kind> kindOf(database::ColumnType type) {
   switch (type) {
@@ -60,15 +53,10 @@ std::optional<Kind> kindOf(database::ColumnType type) {
   }
 }
 
-std::optional<Kind> describedKind(database::Descriptions descriptions, std::u16string_view tableName,
-                                  std::u16string_view columnName) {
-  for (const database::Description& description : descriptions)
-    for (const database::TableDefinition& table : description.tables)
-      for (const database::ColumnDefinition& column : table.columns)
-        if (text::equalIgnoringCase(table.name, tableName) &&
-            text::equalIgnoringCase(column.name, columnName))
-          return kindOf(column.type);
-  return std::nullopt;
+std::optional<Kind> describedKind(database::Descriptions descriptions, std::u16string_view table,
+                                  std::u16string_view column) {
+  const database::ColumnDefinition* found = database::findColumn(descriptions, table, column);
+  return found == nullptr ? std::nullopt : kindOf(found->type);
 }
 
 database::Value fitText(const Column& column, const database::Value& value, bool utf8File) {
@@ -103,9 +91,8 @@ Kind kindOf(database::Descriptions descriptions, std::u16string_view table, std:
 }
 
 const database::EventTable* eventsOf(database::Descriptions descriptions) {
-  for (const database::Description& description : descriptions)
-    if (description.events != nullptr) return description.events;
-  return nullptr;
+  const database::Description* found = database::findEvents(descriptions);
+  return found == nullptr ? nullptr : found->events;
 }
 
 Affinity affinityOf(std::u16string_view declared) {
@@ -174,7 +161,7 @@ database::Value fit(const Column& column, const database::Value& value, bool utf
         return fitText(column, value, utf8File);
       case Kind::date: {
         database::Value moment = fitText(column, value, utf8File);
-        if (!isMoment(std::get<std::u16string>(moment))) fail(number::badValue, column.name);
+        if (!text::isIsoText(std::get<std::u16string>(moment))) fail(number::badValue, column.name);
         return moment;
       }
       case Kind::yesNo:

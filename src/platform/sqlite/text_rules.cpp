@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstring>
 
+#include "text/blanks.h"
 #include "text/text.h"
 
 namespace vordane::sqlite {
@@ -47,11 +48,6 @@ std::size_t samePrefix(std::u16string_view a, std::u16string_view b) {
   return i > 0 && (a[i - 1] & 0xFC00) == 0xD800 ? i - 1 : i;
 }
 
-std::u16string_view withoutTrailingBlanks(std::u16string_view text) {
-  while (!text.empty() && text.back() == u' ') text.remove_suffix(1);
-  return text;
-}
-
 bool isPair(std::u16string_view text, std::size_t i) {
   return (text[i] & 0xFC00) == 0xD800 && i + 1 < text.size() && (text[i + 1] & 0xFC00) == 0xDC00;
 }
@@ -83,8 +79,8 @@ char32_t pointAt(std::u16string_view text, std::size_t& i) {
 }  // namespace
 
 int compareTexts(std::u16string_view a, std::u16string_view b) {
-  a = withoutTrailingBlanks(a);
-  b = withoutTrailingBlanks(b);
+  a = text::withoutTrailingBlanks(a);
+  b = text::withoutTrailingBlanks(b);
   std::size_t i = samePrefix(a, b), k = i;
   while (i < a.size() && k < b.size()) {
     if (a[i] == b[k] && (a[i] & 0xF800) != 0xD800) {
@@ -98,14 +94,14 @@ int compareTexts(std::u16string_view a, std::u16string_view b) {
 }
 
 bool equalTexts(std::u16string_view a, std::u16string_view b) {
-  a = withoutTrailingBlanks(a);
-  b = withoutTrailingBlanks(b);
+  a = text::withoutTrailingBlanks(a);
+  b = text::withoutTrailingBlanks(b);
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                     [](char16_t x, char16_t y) { return x == y || fold(x) == fold(y); });
 }
 
 void appendSortKey(std::u16string_view text, std::string& key) {
-  text = withoutTrailingBlanks(text);
+  text = text::withoutTrailingBlanks(text);
   for (std::size_t i = 0; i < text.size();) {
     const std::uint64_t four = i + together <= text.size() ? fourAt(text.data() + i) : 0xFFFF;
     if (!areAscii(four)) {
@@ -161,7 +157,7 @@ void FoldedHash::addNumber(std::int64_t number) {
 }
 
 void FoldedHash::addText(std::u16string_view text) {
-  text = withoutTrailingBlanks(text);
+  text = text::withoutTrailingBlanks(text);
   std::uint64_t word = 0;
   std::size_t i = 0;
   for (; i + together <= text.size(); i += together) {

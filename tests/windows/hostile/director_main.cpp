@@ -1,20 +1,23 @@
 // Hostile programs between processes: a host and an exchange server that misbehave (EvilHost.exe,
 // EvilExchange.exe) against the real add-in, round after round; after each of them a host that behaves must
-// find everything as ever, in the same process where it goes on, else in the next one. In the second half one
-// process goes through all rounds: it must be there at the end, with no more handles and memory.
+// find everything as ever, in the same process where it goes on, else in the next one. From a third of the
+// calls on one process goes through all rounds: it must be there at the end, with no more handles and memory.
 //
 //   director SUITE CALLS [SEED]   in an installed suite (its version directory)
 //
-// Goes on until the hostile programs have answered that many calls of the add-in.
-// Ends with 1 and a line that begins with FAILED when something is not as it should be.
+// VORDANE_HOSTILE_LOG names a file that gets a line for each call, its end and each doing, with its time and
+// process. Goes on until the hostile programs have answered that many calls of the add-in. Ends with 1 and a
+// line that begins with FAILED when something is not as it should be.
 #include <windows.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
+#include "board.h"
 #include "desk.h"
 #include "evil.h"
 #include "patience.h"
@@ -32,9 +35,11 @@ using automation::AutomationError;
 using automation::byVal;
 
 const std::wstring addIn = L"VORDANE.EXE";
-constexpr std::int32_t stepsOfARound = 120, stepsAtOnce = 40, stepsByHand = 40;
+// A window whose life is over gives few calls more, so that a round in which it may end is short.
+constexpr std::int32_t stepsOfAWildRound = 120, mostStepsOfARound = 960, stepsAtOnce = 60, stepsByHand = 40;
 // Where a program has died: more answers than these will not help.
 constexpr int answersEnough = 100;
+constexpr std::size_t linesOfAFailure = 600;
 
 void require(bool good, const std::string& otherwise) {
   if (!good) throw std::runtime_error(otherwise);
@@ -50,33 +55,104 @@ void print(const char* what, const Lines& lines) {
   for (const std::string& line : lines) std::printf("  %s\n", line.c_str());
 }
 
+std::FILE* openLog() {
+  const char* name = std::getenv("VORDANE_HOSTILE_LOG");
+  return name == nullptr ? nullptr : std::fopen(name, "w");
+}
+
 class Director {
  public:
   Director(std::u16string suite, std::int64_t wanted, std::int32_t seed)
-      : suite_(std::move(suite)), wanted_(wanted), seed_(seed) {}
+      : suite_(std::move(suite)), wanted_(wanted), seed_(seed) {
+    board_->mortal = true;
+  }
 
   void run() {
+    try {
+      direct();
+    } catch (...) {
+      tellHowItCame();
+      throw;
+    }
+  }
+
+ private:
+  void direct() {
     look();
-    while (calls() < wanted_ / 2) wildRound();
+    while (calls() < wanted_ / 3) wildRound();
     lasting();
-    for (Evil* evil : {&host_, &exchange_}) evil->end();
+    host_.end();
     std::printf(
         "%lld calls in %d rounds, %d of them by hand, and %d add-ins; %d times it went on in the same "
         "process, %d times a wait was given up whose answer had died; hosts died %d times, exchange servers "
         "%d times, %d of them killed while they hung; %d creations were tried again\n",
         static_cast<long long>(calls()), rounds_, byHand_, watcher_.addIns(), sameProcess_, givenUp_,
-        host_.deaths(), exchange_.deaths(), watcher_.killed(), right_.creationsTriedAgain());
+        board_->deaths[0].load(), board_->deaths[1].load(), watcher_.killed(), right_.creationsTriedAgain());
+  }
+  void writeLog() {
+    if (log_ == nullptr) return;
+    for (const std::string& line : board_.linesSince(logged_)) std::fprintf(log_.get(), "%s\n", line.c_str());
+    std::fflush(log_.get());
+  }
+  // The end of the log, and whether the add-in ends when everybody lets go.
+  void tellHowItCame() {
+    writeLog();
+    std::uint32_t from = 1;
+    const Lines lines = board_.linesSince(from);
+    const std::size_t first = lines.size() - std::min(lines.size(), linesOfAFailure);
+    for (std::size_t i = first; i < lines.size(); ++i) std::printf("  %s\n", lines[i].c_str());
+    std::fflush(stdout);
+    for (const DWORD code : watcher_.takeBadEnds())
+      std::printf("an add-in ended with code %lu\n", static_cast<unsigned long>(code));
+    right_.release();
+    host_.end();
+    endPrograms(exchangeProgram);
+    const bool gone = right_.waitUntil([] { return test::processesOf(addIn).empty(); }, patience());
+    std::printf(gone ? "everybody has let go, and the add-in has ended\n"
+                     : "everybody has let go, and the add-in stays\n");
   }
 
- private:
-  std::int64_t calls() const { return host_.calls() + exchange_.calls(); }
-  int deaths() const { return host_.deaths() + exchange_.deaths(); }
-  void tell(const char* what) const {
-    std::printf("  %.1f s: %s; host %lld calls, %d deaths; exchange server %lld calls, %d deaths\n",
+  std::int64_t calls() const { return static_cast<std::int64_t>(board_.calls()); }
+  int deaths() const { return board_.deaths() + watcher_.killed(); }
+  void tell(const char* what) {
+    writeLog();
+    std::printf("  %.1f s: %s; host %lld calls, exchange servers %lld calls, %d deaths\n",
                 static_cast<double>(GetTickCount64() - begun_) / 1000, what,
-                static_cast<long long>(host_.calls()), host_.deaths(),
-                static_cast<long long>(exchange_.calls()), exchange_.deaths());
+                static_cast<long long>(board_.calls(Role::host)),
+                static_cast<long long>(board_.calls(Role::exchange)), deaths());
     std::fflush(stdout);
+  }
+
+  // --- the hostile programs
+  // They begin nothing by themselves any more, and what they have begun is over.
+  void quiet() {
+    board_->playing = false;
+    require(right_.waitUntil([this] { return !board_.somebodyActs(); }, patience()),
+            "a hostile program does not come back from a call");
+    require(board_.wrong().empty(), board_.wrong());
+  }
+  // All of them that run.
+  void everybody(const wchar_t* order, Wish wish) {
+    if (host_.alive()) host_.order(com::fromWide(order));
+    exchanges(wish);
+  }
+  void exchanges(Wish wish) {
+    board_.utter(wish);
+    require(right_.waitUntil([this] { return !board_.somebodyOwes(); }, patience()),
+            "a hostile exchange server does not do what it is told");
+  }
+  void letGo() {
+    quiet();
+    everybody(L"LetGo", Wish::letGo);
+  }
+  // The next round has exchange servers of its own.
+  void leave() {
+    const auto gone = [this] {
+      if (test::processesOf(exchangeProgram).empty()) return true;
+      board_.utter(Wish::leave);  // also to one that has just been started
+      return false;
+    };
+    require(right_.waitUntil(gone, patience()), "a hostile exchange server does not end");
   }
 
   // --- what is always so
@@ -127,10 +203,6 @@ class Director {
     print("rows:", now.rows);
     require(false, std::string("a host that behaves sees something else ") + where);
   }
-  void letGo() {
-    for (Evil* evil : {&host_, &exchange_})
-      if (evil->alive()) evil->order(u"LetGo");
-  }
   void end() {
     right_.release();
     letGo();
@@ -138,29 +210,28 @@ class Director {
   }
 
   // --- rounds
-  void begin() {
+  void begin(bool endings) {
+    leave();
     std::printf("round %d, seed %d\n", rounds_, seed_);
     std::fflush(stdout);
+    board_.note('D', "round " + std::to_string(rounds_));
     ++rounds_;
     ++seed_;
-    deathsBefore_ = deaths() + watcher_.killed();
-    ResetEvent(jobMade_.get());
-    ResetEvent(died_.get());
+    deathsBefore_ = deaths();
+    board_->seed = seed_;
+    board_->endings = endings;
+    board_->exchanges = 0;
+    board_->jobMade = false;
+    board_->playing = true;
   }
-  void attack(bool endings) {
-    exchange_.order(u"Begin", {byVal(seed_), byVal(endings)});
-    bool lives = host_.order(u"Begin", {byVal(seed_), byVal(endings)});
-    for (std::int32_t done = 0; lives && done < stepsOfARound; done += stepsAtOnce) {
+  void attack(std::int32_t steps) {
+    bool lives = host_.order(u"Begin");
+    for (std::int32_t done = 0; lives && done < steps; done += stepsAtOnce)
       lives = host_.order(u"Steps", {byVal(stepsAtOnce)});
-      tell("attacked");
-    }
-    if (host_.alive()) host_.order(u"Rest");
+    quiet();
+    tell("attacked");
   }
-  // Also one that was created beside the two that are ordered about.
-  bool somebodyDied() const {
-    return deaths() + watcher_.killed() > deathsBefore_ ||
-           WaitForSingleObject(died_.get(), 0) == WAIT_OBJECT_0;
-  }
+  bool somebodyDied() const { return deaths() > deathsBefore_; }
   // Answers to what still waits for one, until the add-in has nothing to do. False where a program has died
   // and with it, it seems, the answer: that is waited for without an end.
   bool comesToRest() {
@@ -169,16 +240,13 @@ class Director {
     const bool looked = right_.waitUntil(
         [&] {
           rests = right_.idle();
-          // A death may show only at an order.
           if (rests || (somebodyDied() && answers >= answersEnough)) return true;
           ++answers;
-          for (Evil* evil : {&host_, &exchange_})
-            if (evil->alive()) evil->order(u"Answer");
+          everybody(L"Answer", Wish::answer);
           return false;
         },
         patience());
     require(looked, "it still waits, though everything was answered");
-    if (exchange_.alive()) exchange_.order(u"Rest");
     return rests;
   }
   // A window whose life is over makes room for another process, and goes when everybody has let go of it.
@@ -192,7 +260,7 @@ class Director {
     if (!right_.take()) return false;
     leaveTheOldOne();
     if (!right_.registerIt()) return false;
-    if (WaitForSingleObject(jobMade_.get(), 0) == WAIT_OBJECT_0) return giveUp();
+    if (board_->jobMade) return giveUp();
     if (!comesToRest()) {
       ++givenUp_;
       return giveUp();
@@ -206,16 +274,15 @@ class Director {
   }
   void answersThatComeLate() {
     right_.takeLines();
-    for (Evil* evil : {&host_, &exchange_})
-      if (evil->alive()) evil->order(u"AnswerLate");
+    everybody(L"AnswerLate", Wish::answerLate);
     require(right_.idle(), "an answer that nobody waits for was taken");
     require(right_.takeLines().empty(), "an answer that nobody waits for was told");
   }
 
   void wildRound() {
-    begin();
+    begin(true);
     if (seed_ % 6 == 5) return roundByHand();
-    attack(true);
+    attack(stepsOfAWildRound);
     if (goesOn()) {
       expectAsEver("in the same process");
       answersThatComeLate();
@@ -234,7 +301,7 @@ class Director {
   void roundByHand() {
     end();
     ++byHand_;
-    exchange_.order(u"Begin", {byVal(seed_), byVal(true)});
+    board_->playing = true;
     const com::Handle process = startByHand();
     require(right_.waitUntil([] { return addInWindow() != nullptr; }, patience()), "no window by hand");
     Whims whims(static_cast<std::uint64_t>(seed_));
@@ -246,14 +313,14 @@ class Director {
       if (deed == 4) chooseExchange(addInWindow(), whims.next());
       right_.pause(static_cast<int>(whims.below(40)));
     }
-    if (exchange_.alive()) exchange_.order(u"Answer");
+    exchanges(Wish::answer);
     const ULONGLONG since = GetTickCount64();
     const auto left = static_cast<ULONGLONG>(patience());
     for (askToClose(addInWindow()); !test::endsWithin(process.get(), 200); askToClose(addInWindow()))
       require(GetTickCount64() - since < left, "a window that was started by hand does not close");
+    quiet();
     expectGone();
     tell("closed by hand");
-    if (exchange_.alive()) exchange_.order(u"Rest");
     next();
   }
   com::Handle startByHand() const {
@@ -271,14 +338,16 @@ class Director {
   // --- one process for all rounds
   void lasting() {
     end();
-    ResetEvent(mortal_.get());
+    board_->mortal = false;
     require(right_.take(), "the add-in could not load its window");
     const DWORD id = onlyAddIn();
     const com::Handle process = test::openProcess(id);
     std::vector<test::Holding> samples;
+    const auto steps = static_cast<std::int32_t>(
+        std::clamp<std::int64_t>(wanted_ / 20, stepsOfAWildRound, mostStepsOfARound));
     while (calls() < wanted_ || samples.size() < 6) {
-      begin();
-      attack(false);
+      begin(false);
+      attack(steps);
       require(!somebodyDied(), "a program died that was to live");
       require(goesOn(), "the window's life is over, though nobody ended it");
       expectAsEver("in the process that lasts");
@@ -321,12 +390,12 @@ class Director {
   const std::int64_t wanted_;
   std::int32_t seed_;
   const ULONGLONG begun_ = GetTickCount64();
-  const com::Handle jobMade_{CreateEventW(nullptr, TRUE, FALSE, jobEvent)};
-  const com::Handle mortal_{CreateEventW(nullptr, TRUE, TRUE, mortalEvent)};
-  const com::Handle died_{CreateEventW(nullptr, TRUE, FALSE, diedEvent)};
-  Watcher watcher_;
-  RightHost right_;
-  Evil host_{Role::host, L"EvilHost.exe"}, exchange_{Role::exchange, L"EvilExchange.exe"};
+  const Board board_;
+  std::uint32_t logged_ = 1;
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> log_{openLog(), &std::fclose};
+  Watcher watcher_{board_};
+  RightHost right_{[this](std::string_view line) { board_.note('D', line); }};
+  EvilHost host_;
   Seen reference_;
   int rounds_ = 0, byHand_ = 0, sameProcess_ = 0, givenUp_ = 0, deathsBefore_ = 0;
 };

@@ -18,6 +18,8 @@
 namespace vordane::hostile {
 namespace {
 
+constexpr int betweenLooks = 15;  // milliseconds, at the board
+
 using automation::AutomationError;
 using automation::Member;
 using automation::MemberKind;
@@ -26,20 +28,13 @@ using automation::Parameter;
 using automation::Type;
 using automation::Value;
 
-constexpr Parameter beginning[] = {{u"Seed", Type::longInteger}, {u"Endings", Type::boolean}};
 constexpr Parameter counted[] = {{u"Count", Type::longInteger}};
 
-enum Order : std::size_t { begin, steps, answer, late, rest, letGo, calls, problem, end };
+enum Order : std::size_t { begin, steps, answer, late, letGo, end };
 constexpr Member orders[] = {
-    {u"Begin", 1, MemberKind::method, Type::none, beginning},
-    {u"Steps", 2, MemberKind::method, Type::none, counted},
-    {u"Answer", 3, MemberKind::method, Type::none},
-    {u"AnswerLate", 4, MemberKind::method, Type::none},
-    {u"Rest", 5, MemberKind::method, Type::none},
-    {u"LetGo", 6, MemberKind::method, Type::none},
-    {u"Calls", 7, MemberKind::readOnly, Type::longInteger},
-    {u"Problem", 8, MemberKind::readOnly, Type::text},
-    {u"End", 9, MemberKind::method, Type::none},
+    {u"Begin", 1, MemberKind::method, Type::none},  {u"Steps", 2, MemberKind::method, Type::none, counted},
+    {u"Answer", 3, MemberKind::method, Type::none}, {u"AnswerLate", 4, MemberKind::method, Type::none},
+    {u"LetGo", 5, MemberKind::method, Type::none},  {u"End", 6, MemberKind::method, Type::none},
 };
 constexpr automation::ClassTable hostTable{u"cHost",
                                            u"VordaneHostile.cHost",
@@ -47,27 +42,21 @@ constexpr automation::ClassTable hostTable{u"cHost",
                                            "{6A1F2C90-3B5D-4E7A-9C11-2D8E4F6A7B31}",
                                            {},
                                            orders};
-constexpr automation::ClassTable serverTable{u"cServer",
-                                             u"VordaneHostile.cServer",
-                                             u"An exchange server that misbehaves.",
-                                             "{6A1F2C91-3B5D-4E7A-9C11-2D8E4F6A7B31}",
-                                             {},
-                                             orders};
 constexpr automation::ClassTable pbxTable{
     u"cPBXOLE", u"CalderinProj30666.cPBXOLE", u"What it lends.", "{6A1F2C92-3B5D-4E7A-9C11-2D8E4F6A7B31}", {},
     {}};
 
 class DirectorsObject : public automation::TableObject {
  public:
-  DirectorsObject(Role role, Program& program) : role_(role), program_(program) {}
-  const automation::ClassTable& table() const override { return directorsTable(role_); }
+  explicit DirectorsObject(Program& program) : program_(program) {}
+  const automation::ClassTable& table() const override { return directorsTable(); }
 
  protected:
   Value invokeMember(std::size_t member, automation::CallKind,
                      std::span<automation::Argument> given) override {
     switch (member) {
       case begin:
-        program_.begin(std::get<std::int32_t>(given[0].value), std::get<bool>(given[1].value));
+        program_.begin();
         break;
       case steps:
         program_.steps(std::get<std::int32_t>(given[0].value));
@@ -78,16 +67,9 @@ class DirectorsObject : public automation::TableObject {
       case late:
         program_.answerLate();
         break;
-      case rest:
-        program_.rest();
-        break;
       case letGo:
         program_.letGo();
         break;
-      case calls:
-        return program_.calls();
-      case problem:
-        return program_.problem();
       default:
         PostQuitMessage(0);
     }
@@ -95,7 +77,6 @@ class DirectorsObject : public automation::TableObject {
   }
 
  private:
-  Role role_;
   Program& program_;
 };
 
@@ -124,9 +105,20 @@ DWORD serveOnce(const automation::ClassTable& table, std::function<ObjectRef()> 
   return registration;
 }
 
-void set(const wchar_t* event) {
-  const com::Handle opened(OpenEventW(EVENT_MODIFY_STATE, FALSE, event));
-  SetEvent(opened.get());
+// One more doing of a program's own, as long as it lasts.
+class Doing {
+ public:
+  explicit Doing(Seat& seat) : seat_(seat) { ++seat_.acts; }
+  ~Doing() { --seat_.acts; }
+  Doing(const Doing&) = delete;
+  Doing& operator=(const Doing&) = delete;
+
+ private:
+  Seat& seat_;
+};
+
+char letterOf(Role role) {
+  return role == Role::host ? 'H' : 'X';
 }
 
 registration::Class registered(const automation::ClassTable& table) {
@@ -136,53 +128,58 @@ registration::Class registered(const automation::ClassTable& table) {
 
 }  // namespace
 
-const wchar_t* hangingEvent(Role role) {
-  return role == Role::host ? L"VordaneHostileHostHangs" : L"VordaneHostileExchangeHangs";
-}
-
-const automation::ClassTable& directorsTable(Role role) {
-  return role == Role::host ? hostTable : serverTable;
+const automation::ClassTable& directorsTable() {
+  return hostTable;
 }
 const automation::ClassTable& exchangeTable() {
   return pbxTable;
 }
 
-Program::Program(Role role) : role_(role) {}
+Program::Program(Role role, const Board& board) : role_(role), board_(board), seat_(board.sit(role)) {}
 
-// --- orders
+// --- rounds
 
-void Program::begin(std::int32_t seed, bool endings) {
-  const com::Handle mortal(OpenEventW(SYNCHRONIZE, FALSE, mortalEvent));
-  endings = endings && WaitForSingleObject(mortal.get(), 0) == WAIT_OBJECT_0;
-  // Both programs have the same seed and must not do the same.
-  plots_.push_back(std::make_unique<Conspiracy>(
-      2 * static_cast<std::uint64_t>(seed) + (role_ == Role::host ? 0 : 1), calls_));
+void Program::plot(std::uint64_t seed) {
+  if (attack_) attack_->rest();
+  plots_.push_back(std::make_unique<Conspiracy>(seed, seat_.calls));
   Conspiracy& plot = *plots_.back();
+  plot.note = [this](std::string_view what) { board_.note(letterOf(role_), what); };
   plot.longAnswers = false;
   plot.others = 100;
   plot.oneDeathIn = 6;
-  plot.mortal = endings && (role_ == Role::exchange || plot.whims.once(2));
+  const bool mortal = board_->endings && board_->mortal;
+  plot.mortal = mortal && (role_ == Role::exchange || plot.whims.once(2));
   plot.faceOf = [&plot](const std::shared_ptr<Peer>& peer) { return makeFace(plot, peer); };
-  plot.linger = [this] { linger(); };
+  plot.linger = [this] { whilePlaying([this] { linger(); }); };
   auto next = std::make_unique<Attack>(plot, *this);
   if (attack_) next->layers = std::move(attack_->layers);
   attack_ = std::move(next);
-  attack_->endings = endings;
+  attack_->endings = board_->endings;
   attack_->faithful = plot.mortal;
-  if (plot.mortal) attack_->keepLayers(0);
+  attack_->lieInWait();
+  plot.meddle = [this, meddle = std::move(plot.meddle)] { whilePlaying(meddle); };
   server_ = nullptr;
   answered_ = 0;
-  active_ = true;
-  if (role_ == Role::exchange) {
-    attack_->lieInWait();
-    offerExchange();
-    return byItself();
-  }
+}
+
+// The director lets nobody begin anything, then waits until whatever has begun is over.
+void Program::whilePlaying(const std::function<void()>& deed) {
+  const Doing doing(seat_);
+  if (board_->playing) deed();
+}
+
+// Programs of one round must not do the same.
+void Program::begin() {
+  plot(2 * static_cast<std::uint64_t>(board_->seed.load()));
+  Conspiracy& plot = *plots_.back();
+  if (plot.mortal) attack_->keepLayers(0);
   if (plot.whims.once(3)) plot.server = [this] { return lentServer(); };
+  const Doing doing(seat_);
   attack_->begin();
 }
 
 void Program::steps(std::int32_t count) {
+  const Doing doing(seat_);
   for (std::int32_t i = 0; i < count; ++i) {
     attack_->step();
     if (takeRequest()) attack_->answer();
@@ -203,24 +200,22 @@ void Program::findTheWindow() {
 }
 
 void Program::answer() {
+  if (!attack_) return;
+  const Doing doing(seat_);
   findTheWindow();
   attack_->answer();
 }
 
 void Program::answerLate() {
+  if (!attack_) return;
+  const Doing doing(seat_);
   findTheWindow();
   attack_->answerLate();
 }
 
-void Program::rest() {
-  active_ = false;
-  if (!attack_) return;
-  attack_->rest();
-  plots_.back()->linger = nullptr;
-}
-
 void Program::letGo() {
   if (!attack_) return;
+  const Doing doing(seat_);
   attack_->keepLayers(0);
   for (const auto& plot : plots_) {
     plot->caller = nullptr;
@@ -233,37 +228,58 @@ void Program::letGo() {
 ObjectRef Program::lentServer() {
   Whims& whims = plots_.back()->whims;
   try {
-    if (!server_ || whims.once(20)) server_ = windows::ComObjectCreator().create(exchangeTable().progId);
+    if (!server_ || whims.once(40)) server_ = windows::ComObjectCreator().create(exchangeTable().progId);
   } catch (const AutomationError&) {
   }
   return server_;
 }
 
+// --- an exchange server
+
 ObjectRef Program::exchangeServer() {
-  if (plots_.empty()) begin(1, true);  // one that was started again behind its death
+  if (plots_.empty())
+    plot(2 * static_cast<std::uint64_t>(board_->seed.load()) + 1 + 1'000'003 * board_->exchanges++);
   if (!server_) server_ = plots_.back()->lend(plots_.back()->makePeer());
   return server_;
 }
 
 void Program::offerExchange() {
-  if (offered_ != 0) CoRevokeClassObject(offered_);
   offered_ = serveOnce(exchangeTable(), [this] { return exchangeServer(); });
 }
 
-// An exchange server answers by itself: several times for each request that it was sent, whatever it is good
-// for.
-void Program::byItself() {
-  timers_.after(40, [this] {
-    if (!active_) return;
-    byItself();
-    if (acting_) return;
-    if (takeRequest()) tries_ = 8;
-    if (tries_ == 0) return;
-    --tries_;
-    acting_ = true;
-    attack_->step();
-    acting_ = false;
+void Program::attend() {
+  timers_.after(betweenLooks, [this] {
+    attend();
+    look();
   });
+}
+
+void Program::look() {
+  if (hears_) return;
+  hears_ = true;
+  if (seat_.heard != board_->wishes) hear();
+  actByItself();
+  hears_ = false;
+}
+
+// What has been wished is heard of when it is done.
+void Program::hear() {
+  const std::int32_t number = board_->wishes;
+  const Wish wish = board_->wish;
+  if (wish == Wish::answer) answer();
+  if (wish == Wish::answerLate) answerLate();
+  if (wish == Wish::letGo || wish == Wish::leave) letGo();
+  if (wish == Wish::leave) PostQuitMessage(0);
+  seat_.heard = number;
+}
+
+// Several times for each request that it was sent, whatever it is good for.
+void Program::actByItself() {
+  if (!attack_) return;
+  if (takeRequest()) tries_ = 8;
+  if (tries_ == 0) return;
+  --tries_;
+  whilePlaying([this] { attack_->step(); });
 }
 
 // --- calls that take their time
@@ -277,7 +293,8 @@ void Program::linger() {
 // Deaf, or serving other calls all the while.
 void Program::hang() {
   const bool deaf = plots_.back()->whims.once(2);
-  set(hangingEvent(role_));
+  board_.note(letterOf(role_), deaf ? "hangs, deaf" : "hangs");
+  seat_.hangs = true;
   for (;;) {
     if (deaf)
       Sleep(INFINITE);
@@ -298,7 +315,8 @@ bool Program::tick() {
 }
 
 void Program::die() {
-  set(diedEvent);
+  board_.note(letterOf(role_), "dies");
+  ++board_->deaths[static_cast<std::size_t>(role_)];
   TerminateProcess(GetCurrentProcess(), diedInACall);
 }
 
@@ -321,11 +339,12 @@ void Program::closeWindow() {
 void Program::answerBoxesWith(int) {}
 
 void Program::makesAJob() {
-  set(jobEvent);
+  board_->jobMade = true;
 }
 
 void Program::wrong(const std::string& what) {
-  if (problem_.empty()) problem_ = text::fromUtf8(what);
+  board_.note(letterOf(role_), "WRONG: " + what);
+  board_.setWrong(what);
 }
 
 bool Program::isGone(std::int32_t code) {
@@ -348,14 +367,17 @@ ObjectRef createPatiently(std::u16string_view progId, int* triedAgain) {
 int runProgram(Role role) {
   const platform::CommandLine line =
       platform::parseCommandLine(platform::withoutProgramName(com::fromWide(GetCommandLineW())));
-  registration::Server server{windows::executablePath(), {registered(directorsTable(role))}, std::nullopt};
-  if (role == Role::exchange) server.classes.push_back(registered(exchangeTable()));
+  const automation::ClassTable& offered = role == Role::host ? directorsTable() : exchangeTable();
+  const registration::Server server{windows::executablePath(), {registered(offered)}, std::nullopt};
   if (const auto asked = windows::registerAsAsked(line, server)) return *asked;
   com::Apartment apartment;
-  Program program(role);
-  serveOnce(directorsTable(role),
-            [&]() -> ObjectRef { return std::make_shared<DirectorsObject>(role, program); });
-  if (role == Role::exchange) program.offerExchange();
+  const Board board;
+  Program program(role, board);
+  if (role == Role::host)
+    serveOnce(offered, [&]() -> ObjectRef { return std::make_shared<DirectorsObject>(program); });
+  else
+    program.offerExchange();
+  if (role == Role::exchange) program.attend();
   return com::runMessageLoop();
 }
 

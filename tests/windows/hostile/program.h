@@ -1,14 +1,17 @@
-// The two hostile programs, a host and an exchange server, each in a process of its own. A director orders
-// them about through one object each; in between they do to the add-in what their generator says.
+// The two hostile programs, a host and an exchange server. The host is one process, which a director orders
+// about through an object; of exchange servers there are as many as are created, and they look on the board
+// what is wanted of them. In between they do to the add-in what their generator says, as long as the board
+// lets them.
 #pragma once
 
 #include <windows.h>
 
+#include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
+#include "board.h"
 #include "hostile/attack.h"
 #include "platform/member_table.h"
 #include "platform/registration.h"
@@ -17,45 +20,27 @@
 
 namespace vordane::hostile {
 
-enum class Role : std::uint8_t { host, exchange };
-
-// How a program ends that is meant to: by its own hand, or by the director's because it hangs.
-inline constexpr UINT diedInACall = 42;
-inline constexpr UINT killedWhileItHung = 43;
-
-// Set while a program hangs in a call that it will never answer.
-const wchar_t* hangingEvent(Role role);
-// Set from the first creation of a job on; also by a host that has died since.
-inline constexpr const wchar_t* jobEvent = L"VordaneHostileJob";
-// Set as long as the programs may die and hang; they look when a round begins. An exchange server that was
-// created beside the one that the director knows looks too.
-inline constexpr const wchar_t* mortalEvent = L"VordaneHostileMortal";
-// Set by one that dies in a call.
-inline constexpr const wchar_t* diedEvent = L"VordaneHostileDied";
-
-// The object that takes the director's orders.
-const automation::ClassTable& directorsTable(Role role);
+// The host's object that takes the director's orders.
+const automation::ClassTable& directorsTable();
 // What the add-in and the host create: the exchange server.
 const automation::ClassTable& exchangeTable();
 
 class Program : public Scene {
  public:
-  explicit Program(Role role);
+  Program(Role role, const Board& board);
 
-  // --- orders
-  // New peers, whose generator begins with `seed`; a host creates a layer and registers. `endings`: the
-  // window's own end may be brought about, and this program may die or hang.
-  void begin(std::int32_t seed, bool endings);
+  // --- orders to a host
+  // New peers, as the board says; creates a layer and registers.
+  void begin();
   void steps(std::int32_t count);
   void answer();
   void answerLate();
-  void rest();
   void letGo();
-  std::int32_t calls() const { return static_cast<std::int32_t>(calls_); }
-  const std::u16string& problem() const { return problem_; }
 
-  // Lets the exchange server be created, once; a further creation starts a further program.
+  // An exchange server's life: offered once, since of every further creation a further program is started; it
+  // looks at the board until the wish to leave comes.
   void offerExchange();
+  void attend();
 
   // --- the scene
   automation::ObjectRef createLayer() override;
@@ -73,24 +58,28 @@ class Program : public Scene {
   bool isGone(std::int32_t code) override;
 
  private:
+  void plot(std::uint64_t seed);
   automation::ObjectRef exchangeServer();
   automation::ObjectRef lentServer();
+  void whilePlaying(const std::function<void()>& deed);
   void linger();
   [[noreturn]] void hang();
-  void byItself();
+  void look();
+  void hear();
+  void actByItself();
   void findTheWindow();
   bool takeRequest();
 
   const Role role_;
-  std::uint64_t calls_ = 0;
+  const Board& board_;
+  Seat& seat_;
   std::vector<std::unique_ptr<Conspiracy>> plots_;  // the add-in may hold peers of earlier ones
   std::unique_ptr<Attack> attack_;
   automation::ObjectRef server_;
   std::size_t answered_ = 0;  // requests that this one has dealt with
   int tries_ = 0;
   DWORD offered_ = 0;
-  bool active_ = false, acting_ = false;
-  std::u16string problem_;
+  bool hears_ = false;
   zulsim::Timers timers_;
 };
 

@@ -48,8 +48,9 @@ std::string joined(const Lines& lines) {
 
 }  // namespace
 
-RightHost::RightHost()
-    : scenario_(zulsim::parseScenario(scenario)),
+RightHost::RightHost(std::function<void(std::string_view)> note)
+    : note_(std::move(note)),
+      scenario_(zulsim::parseScenario(scenario)),
       trace_([this](std::string_view line) { told(line); }),
       state_(std::make_shared<devhost::HostState>(devhost::HostState{*this, trace_})),
       host_(std::make_shared<devhost::Host>(state_)) {
@@ -63,6 +64,7 @@ RightHost::RightHost()
 
 void RightHost::told(std::string_view line) {
   lines_.push_back(masked(line));
+  note_(lines_.back());
   if (lines_.back() != "TurnOnFlow") return;
   for (auto& answer : std::exchange(answers_, {})) timers_.after(1, std::move(answer));
 }
@@ -108,9 +110,14 @@ void RightHost::cancel() {
 // The list, then the alarm state: each ends with the flow turned off.
 Lines RightHost::converse() {
   lines_.clear();
-  // While something that was pressed before has not been dealt with yet, a press is ignored.
-  const auto ends = [this] {
-    if (lines_.empty()) pressButton(addInWindow(), Action::request);
+  // While something that was pressed before has not been dealt with yet, a press is ignored, and a question
+  // that comes before the log-in may be answered with No.
+  const auto loggedIn = [this] {
+    return std::any_of(lines_.begin(), lines_.end(),
+                       [](const std::string& line) { return line.starts_with("oPBX.Login"); });
+  };
+  const auto ends = [&] {
+    if (!loggedIn()) pressButton(addInWindow(), Action::request);
     return std::count(lines_.begin(), lines_.end(), "TurnOffFlow") >= 2 && idle();
   };
   if (!waitUntil(ends, patience()))

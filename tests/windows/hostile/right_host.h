@@ -2,6 +2,7 @@
 // fails of its calls is a std::runtime_error that names the call.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -16,7 +17,8 @@ using Lines = std::vector<std::string>;
 
 class RightHost final : public devhost::Environment {
  public:
-  RightHost();
+  // `note` gets each line of the log.
+  explicit RightHost(std::function<void(std::string_view)> note);
 
   // Creates a layer and registers its exchange; false when the window's life is over or it could not load.
   bool take();
@@ -52,6 +54,7 @@ class RightHost final : public devhost::Environment {
   void told(std::string_view line);
   automation::Value call(std::u16string_view member, std::vector<automation::Argument> given = {});
 
+  const std::function<void(std::string_view)> note_;
   const zulsim::ParsedScenario scenario_;
   zulsim::Timers timers_;
   std::vector<std::function<void()>> answers_;

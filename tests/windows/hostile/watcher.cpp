@@ -1,23 +1,22 @@
 #include "watcher.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "desk.h"
+#include "platform/windows/com/values.h"
 #include "program.h"
+#include "text/utf8.h"
 #include "windows/rounds/measuring.h"
 
 namespace vordane::hostile {
 namespace {
 
-constexpr DWORD betweenLooks = 50;   // milliseconds, for boxes
-constexpr int looksAtProcesses = 8;  // one in so many: all processes are much to ask the system for
-constexpr DWORD hangsAtLeast = 300;  // before it is ended: what comes meanwhile meets it
-constexpr int textId = 0xFFFF;       // of a message box's text
+constexpr DWORD betweenLooks = 20;    // milliseconds, for boxes
+constexpr int looksAtProcesses = 20;  // one in so many: all processes are much to ask the system for
+constexpr DWORD hangsAtLeast = 300;   // before it is ended: what comes meanwhile meets it
+constexpr int textId = 0xFFFF;        // of a message box's text
 constexpr int buttons[] = {IDYES, IDOK, IDNO, IDRETRY, IDCANCEL};
-
-com::Handle event(const wchar_t* name) {
-  return com::Handle(CreateEventW(nullptr, FALSE, FALSE, name));
-}
 
 std::wstring textOf(HWND window) {
   wchar_t text[512] = L"";
@@ -27,11 +26,8 @@ std::wstring textOf(HWND window) {
 
 }  // namespace
 
-Watcher::Watcher()
-    : over_(CreateEventW(nullptr, TRUE, FALSE, nullptr)),
-      hostHangs_(event(hangingEvent(Role::host))),
-      exchangeHangs_(event(hangingEvent(Role::exchange))),
-      thread_([this] { run(); }) {}
+Watcher::Watcher(const Board& board)
+    : board_(board), over_(CreateEventW(nullptr, TRUE, FALSE, nullptr)), thread_([this] { run(); }) {}
 
 Watcher::~Watcher() {
   SetEvent(over_.get());
@@ -39,12 +35,8 @@ Watcher::~Watcher() {
 }
 
 void Watcher::run() {
-  const HANDLE events[] = {over_.get(), hostHangs_.get(), exchangeHangs_.get()};
-  const wchar_t* const programs[] = {L"", L"EvilHost.exe", L"EvilExchange.exe"};
-  for (int look = 0;; ++look) {
-    const DWORD came = WaitForMultipleObjects(3, events, FALSE, betweenLooks);
-    if (came == WAIT_OBJECT_0) return;
-    if (came != WAIT_TIMEOUT) endHanging(programs[came - WAIT_OBJECT_0]);
+  for (int look = 0; WaitForSingleObject(over_.get(), betweenLooks) == WAIT_TIMEOUT; ++look) {
+    endHanging();
     lookAtBoxes();
     if (look % looksAtProcesses == 0) lookAtAddIns();
   }
@@ -93,25 +85,37 @@ void Watcher::answer(HWND box) {
   for (unsigned tried = 0; tried < std::size(buttons); ++tried) {
     const int button = buttons[next_++ % std::size(buttons)];
     if (GetDlgItem(box, button) == nullptr) continue;
-    {
-      const std::lock_guard lock(mutex_);
-      boxes_.push_back(textOf(box) + L": " + textOf(GetDlgItem(box, textId)));
-    }
+    remember(box);
     PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(button), 0);
     return;
   }
 }
 
+// Once: a slow one may be met again before it has taken its answer.
+void Watcher::remember(HWND box) {
+  if (std::find(answered_.begin(), answered_.end(), box) != answered_.end()) return;
+  const std::lock_guard lock(mutex_);
+  boxes_.push_back(textOf(box) + L": " + textOf(GetDlgItem(box, textId)));
+  board_.note('B', text::toUtf8(com::fromWide(boxes_.back())));
+}
+
 void Watcher::lookAtBoxes() {
-  for (HWND box = nullptr; (box = FindWindowExW(nullptr, box, L"#32770", nullptr)) != nullptr;)
-    if (IsWindowVisible(box) && isAddIns(box)) answer(box);
+  std::vector<HWND> now;
+  for (HWND box = nullptr; (box = FindWindowExW(nullptr, box, L"#32770", nullptr)) != nullptr;) {
+    if (!IsWindowVisible(box) || !isAddIns(box)) continue;
+    answer(box);
+    now.push_back(box);
+  }
+  answered_ = std::move(now);
   if (const HWND menu = FindWindowW(L"#32768", nullptr); menu != nullptr && isAddIns(menu))
     PostMessageW(addInWindow(), WM_CANCELMODE, 0, 0);
 }
 
-void Watcher::endHanging(const wchar_t* program) {
+void Watcher::endHanging() {
+  const std::vector<DWORD> hanging = board_.takeHanging();
+  if (hanging.empty()) return;
   Sleep(hangsAtLeast);
-  for (const DWORD id : test::processesOf(program)) {
+  for (const DWORD id : hanging) {
     const com::Handle process(OpenProcess(PROCESS_TERMINATE, FALSE, id));
     if (process && TerminateProcess(process.get(), killedWhileItHung)) ++killed_;
   }

@@ -11,13 +11,13 @@
 #include <thread>
 #include <vector>
 
-#include "platform/windows/com/owned.h"
+#include "board.h"
 
 namespace vordane::hostile {
 
 class Watcher {
  public:
-  Watcher();
+  explicit Watcher(const Board& board);
   ~Watcher();
   Watcher(const Watcher&) = delete;
   Watcher& operator=(const Watcher&) = delete;
@@ -35,13 +35,16 @@ class Watcher {
   void lookAtAddIns();
   bool isAddIns(HWND window);
   void answer(HWND box);
-  void endHanging(const wchar_t* program);
+  void remember(HWND box);
+  void endHanging();
 
+  const Board& board_;
   std::mutex mutex_;
   std::vector<std::wstring> boxes_;
   std::vector<DWORD> badEnds_;
+  std::vector<HWND> answered_;  // that stood there at the last look
   std::map<DWORD, com::Handle> running_;
-  com::Handle over_, hostHangs_, exchangeHangs_;
+  com::Handle over_;
   std::atomic<int> addIns_ = 0, killed_ = 0;
   unsigned next_ = 0;
   std::thread thread_;

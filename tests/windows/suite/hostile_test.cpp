@@ -1,7 +1,7 @@
 // A host and an exchange server that misbehave, in processes of their own, against the installed suite; after
 // each round a host that behaves. VORDANE_HOSTILE_CALLS says how many calls they answer (400),
-// VORDANE_HOSTILE_SEED where their generator begins. The long version: VORDANE_HOSTILE_CALLS=20000
-// VORDANE_TEST_TIMEOUT=10000.
+// VORDANE_HOSTILE_SEED where their generator begins, VORDANE_HOSTILE_LOG in which file each call gets a line.
+// The long version: VORDANE_HOSTILE_CALLS=20000 VORDANE_TEST_TIMEOUT=10000.
 #include <iostream>
 
 #include "library/installed_suite.h"

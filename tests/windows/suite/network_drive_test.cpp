@@ -35,13 +35,15 @@ class Drive : public InstalledSuite {
 
 TEST_F(Drive, OfANetworkHasNoWriteAheadLogAndIsTold) {
   if (!remote) GTEST_SKIP() << "the suite stands on a drive of this workstation";
-  expectAList("The fault database is on a network drive: storing takes longer. No fault list received yet",
-              0);
+  expectAList(
+      "Simulated exchange. The fault database is on a network drive: storing takes longer. No fault list "
+      "received yet",
+      0);
 }
 
 TEST_F(Drive, OfThisWorkstationHasTheLogAndNothingIsTold) {
   if (remote) GTEST_SKIP() << "the suite stands on a network drive";
-  expectAList("No fault list received yet", 2);
+  expectAList("Simulated exchange. No fault list received yet", 2);
 }
 
 }  // namespace

@@ -72,6 +72,15 @@ TEST_P(ProgramResources, TheVersionIsTheProducts) {
   EXPECT_EQ(versionText(bytes, L"FileDescription"), GetParam().description);
 }
 
+TEST_P(ProgramResources, TheIconHasEverySizeThatWindowsShows) {
+  constexpr std::size_t header = 6, entry = 14;
+  const std::string group = resource(MAKEINTRESOURCEW(14));
+  std::vector<int> sizes;
+  for (std::size_t at = header; at + entry <= group.size(); at += entry)
+    sizes.push_back(static_cast<unsigned char>(group[at]));
+  EXPECT_EQ(sizes, (std::vector<int>{16, 24, 32, 48, 64}));
+}
+
 TEST_P(ProgramResources, TheManifestAsksForNoRightsAndForTodaysWindows) {
   const std::string manifest = resource(MAKEINTRESOURCEW(24));
   for (const char* part :

@@ -79,6 +79,7 @@ std::vector<std::u16string> accounts(const Messages& m, const std::u16string& ti
        {message::statusAttemptFailed, message::statusAckFailed, message::statusResetFailed})
     for (const std::u16string& reason : reasons)
       all.push_back(fillText(m.at(attempt), {time, reason, exchange}) + u"\n" + lists[1]);
+  all.push_back(m.at(message::statusSimulated) + u" " + all.back());
   return all;
 }
 

@@ -7,12 +7,10 @@
 #include <string>
 #include <string_view>
 
+#include "platform/grid_columns.h"
 #include "platform/windows/window/row_cache.h"
 
 namespace vordane::window::win32 {
-
-inline constexpr int columnCount = 6;
-enum Column : int { faultColumn, alarmColumn, dateColumn, cpuColumn, descriptionColumn, countColumn };
 
 // The description's width while it takes what the others leave.
 inline constexpr int takesTheRest = 0;

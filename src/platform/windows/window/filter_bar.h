@@ -16,13 +16,14 @@ namespace vordane::window::win32 {
 
 class FilterBar {
  public:
+  // `texts` must live longer; `changed` is called when a person has changed what the boxes say.
   void create(HWND parent, ViewTexts& texts, std::function<void()> changed);
-  void setFont(HFONT font, int dpi);
+  void setFont(HFONT font, int dpi);  // `font` must live until the next one is set
   void setColours(COLORREF ground, COLORREF text) { kindList_.setColours(ground, text); }
 
-  // What it needs in a window of this width.
+  // What it needs in a window of this width, both in pixels; 0 while it is closed.
   int heightFor(int width) const;
-  void place(const RECT& bar);
+  void place(const RECT& bar);  // within the parent's client area
 
   bool open() const { return open_; }
   void show(bool focus);  // with the focus in the box for the text, if wanted
@@ -36,7 +37,7 @@ class FilterBar {
   void setOtherDates(std::size_t rows);
   void tell(const std::u16string& message);
 
-  bool has(HWND window) const;  // it or one of its parts
+  bool has(HWND window) const;  // one of its parts, or the open list of kinds
   bool listOpen() const { return kindList_.open(); }
   void closeList();  // the focus goes back to its button
 

@@ -19,9 +19,10 @@ class KindList {
     std::function<void()> changed;  // a tick: `rule` has it
     std::function<void()> left;     // it lost the focus
   };
+  // `allKinds` is what the first line says.
   void create(HWND parent, int id, const std::u16string& allKinds, Events events);
   HWND window() const { return window_; }
-  void setFont(HFONT font, int dpi);
+  void setFont(HFONT font, int dpi);  // `font` must live until the next one is set
   void setColours(COLORREF ground, COLORREF text);
 
   void fill(const std::vector<list::Tally>& kinds, const list::KindRule& rule);
@@ -31,7 +32,8 @@ class KindList {
   const std::vector<list::Tally>& tallies() const { return kinds_; }
 
   bool open() const;
-  void place(const RECT& button, const RECT& client);  // below the button, as large as it needs and may
+  // Below the button, as large as it needs and the parent's client area lets it; in pixels of that area.
+  void place(const RECT& button, const RECT& client);
   void show();
   void hide();
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/stored_values.h"
 #include "platform/windows/window/geometry.h"
 #include "platform/windows/window/main_window.h"
 #include "text/text.h"
@@ -12,9 +13,7 @@ namespace {
 constexpr std::int32_t hourglassPointer = 11;
 
 std::u16string textOf(const Control& control, std::u16string_view property) {
-  if (!control.has(property)) return {};
-  const Value value = control.get(property);
-  return automation::isNull(value) ? std::u16string{} : automation::toText(value);
+  return control.has(property) ? database::textOf(control.get(property)) : std::u16string{};
 }
 
 bool flagOf(const Control& control, std::u16string_view property) {

@@ -122,6 +122,22 @@ void Window::askToClose() const {
   click::askToClose(awaited("the window", [] { return eye().frame(); }));
 }
 
+void Window::askForGuide() const {
+  const HWND frame = awaited("the window", [] { return eye().frame(); });
+  PostMessageW(frame, WM_SYSCOMMAND, window::win32::guideCommand, 0);
+}
+
+void Window::awaitFocus(int control) const {
+  awaited("the focus on control " + std::to_string(control), [&]() -> HWND {
+    GUITHREADINFO input{};
+    input.cbSize = sizeof input;
+    const HWND frame = eye().frame();
+    if (frame == nullptr || !GetGUIThreadInfo(GetWindowThreadProcessId(frame, nullptr), &input))
+      return nullptr;
+    return input.hwndFocus != nullptr && GetDlgCtrlID(input.hwndFocus) == control ? frame : nullptr;
+  });
+}
+
 bool Window::hasBox() const {
   return eye().box() != nullptr;
 }

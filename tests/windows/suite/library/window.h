@@ -31,6 +31,9 @@ class Window {
   void pressHeading(int column) const;
   void pressKey(WORD key) const;  // VK_...
   void askToClose() const;        // as its title bar does
+  void askForGuide() const;       // as its system menu does
+  // Until the control with that number (platform/windows/window/children.h) has the focus.
+  void awaitFocus(int control) const;
   // Until the window no longer says that it waits for the exchange.
   void awaitIdle() const;
 
