@@ -26,6 +26,7 @@ inline constexpr std::u16string_view cutMark = u" [...]";
 
 inline std::u16string limitedText(std::u16string text) {
   if (text.size() <= longestText) return text;
+  if (text.size() <= longestText + cutMark.size() && text.ends_with(cutMark)) return text;  // cut before
   const bool inAPair = text[longestText - 1] >= 0xD800 && text[longestText - 1] < 0xDC00;
   text.resize(inAPair ? longestText - 1 : longestText);
   return text.append(cutMark);

@@ -97,9 +97,11 @@ TEST_F(ProcessesTest, OneThatIsMissingIsSaid) {
 TEST_F(ProcessesTest, LeftOversOfTheFoldersAreEnded) {
   for (const auto& [as, code] : {std::pair(L"hang", 1U), std::pair(L"serve", 7U)}) {
     ResetEvent(hangs_.get());
-    const Path copy = folders_.work / "server.exe";
+    // Not the same file for both: the first may not have let go of its own.
+    const Path copy = folders_.work / (std::wstring(as) + L".exe");
     std::filesystem::create_directories(folders_.work);
-    std::filesystem::copy_file(ownFile(), copy, std::filesystem::copy_options::overwrite_existing);
+    std::filesystem::remove(copy);
+    std::filesystem::copy_file(ownFile(), copy);
     std::wstring line = L'"' + copy.wstring() + L"\" --as=" + as;
     STARTUPINFOW start{};
     start.cb = sizeof start;
