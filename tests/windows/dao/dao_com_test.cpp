@@ -70,7 +70,7 @@ TEST(DaoAcrossProcesses, AWholeFileIsRead) {
   const auto file = server.make(
       database::Layout::faults,
       {{u"PBXList", {7, name, std::u16string(u"2006-11-27 10:15:00"), true, false}},
-       {u"FaultDisplay", {7, empty, automation::Null{}, empty, empty, 9, std::u16string(70000, u'x')}}});
+       {u"FaultDisplay", {7, empty, automation::Null{}, empty, empty, 9, std::u16string(65536, u'x')}}});
   access::RecordingVisitor visitor;
   readAccessFile(server.creator(), file, visitor);
   EXPECT_EQ(visitor.tables.at(u"PBXList").rows,
@@ -79,7 +79,7 @@ TEST(DaoAcrossProcesses, AWholeFileIsRead) {
   EXPECT_EQ(visitor.tables.at(u"PBXList").table.lastAutoNumber, 7);
   EXPECT_EQ(visitor.tables.at(u"FaultDisplay").rows,
             (std::vector<std::vector<access::Value>>{
-                {std::int16_t{7}, empty, automation::Null{}, empty, empty, 9, std::u16string(70000, u'x')}}));
+                {std::int16_t{7}, empty, automation::Null{}, empty, empty, 9, std::u16string(65536, u'x')}}));
 }
 
 }  // namespace

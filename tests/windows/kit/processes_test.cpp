@@ -98,8 +98,8 @@ TEST_F(ProcessesTest, LeftOversOfTheFoldersAreEnded) {
   for (const auto& [as, code] : {std::pair(L"hang", 1U), std::pair(L"serve", 7U)}) {
     ResetEvent(hangs_.get());
     // Not the same file for both: the first may not have let go of its own.
-    const Path copy = folders_.work / (std::wstring(as) + L".exe");
-    std::filesystem::create_directories(folders_.work);
+    const Path copy = folders_.work / as / "server.exe";
+    std::filesystem::create_directories(copy.parent_path());
     std::filesystem::remove(copy);
     std::filesystem::copy_file(ownFile(), copy);
     std::wstring line = L'"' + copy.wstring() + L"\" --as=" + as;
