@@ -16,16 +16,21 @@ void RowWalk::step() {
   if (++stretch_ < rows_.size()) place_ = rows_[stretch_].begin;
 }
 
+// Nothing for one that has gone, or whose columns are not those of a fault.
+std::optional<window::GridRow> RowWalk::read(database::RowList& rows) {
+  if (place_ >= desk_.size() || !rows.fetch(desk_.storedPosition(place_), values_)) return {};
+  try {
+    return database::gridRowOf(values_);
+  } catch (const automation::AutomationError&) {
+    return {};
+  }
+}
+
 bool RowWalk::next(const Take& take, const std::function<bool()>& again) {
   while (!atEnd()) {
     database::RowList* rows = desk_.list();
     if (rows == nullptr) return false;  // while a long step runs
-    std::optional<window::GridRow> row;
-    if (place_ < desk_.size() && rows->fetch(desk_.storedPosition(place_), values_)) try {
-        row = database::gridRowOf(values_);
-      } catch (const automation::AutomationError&) {  // shown as one that has gone
-      }
-    if (row)
+    if (const auto row = read(*rows))
       take(place_, *row);
     else
       ++gone_;

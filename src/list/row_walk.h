@@ -4,6 +4,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "list/desk.h"
@@ -26,6 +27,7 @@ class RowWalk {
  private:
   bool atEnd() const { return stretch_ == rows_.size(); }
   void step();
+  std::optional<window::GridRow> read(database::RowList& rows);
 
   Desk& desk_;
   std::vector<Stretch> rows_;

@@ -3,12 +3,11 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/grid_columns.h"
 #include "platform/stored_values.h"
 
 namespace vordane::database {
 namespace {
-
-enum Field : std::size_t { fault, alarm, date, cpu, description, count };
 
 // An integer of the automation types, or a Double beyond their range.
 std::int64_t rowNumber(const Value& value) {
@@ -19,8 +18,9 @@ std::int64_t rowNumber(const Value& value) {
 }  // namespace
 
 window::GridRow gridRowOf(std::span<const Value> columns) {
-  return {textOf(columns[fault]), textOf(columns[alarm]),       textOf(columns[date]),
-          textOf(columns[cpu]),   textOf(columns[description]), rowNumber(columns[count])};
+  using namespace window;
+  return {textOf(columns[faultColumn]), textOf(columns[alarmColumn]),       textOf(columns[dateColumn]),
+          textOf(columns[cpuColumn]),   textOf(columns[descriptionColumn]), rowNumber(columns[countColumn])};
 }
 
 }  // namespace vordane::database

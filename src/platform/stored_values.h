@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/database.h"
+#include "text/text.h"
 
 namespace vordane::database {
 
@@ -27,8 +28,7 @@ inline constexpr std::u16string_view cutMark = u" [...]";
 inline std::u16string limitedText(std::u16string text) {
   if (text.size() <= longestText) return text;
   if (text.size() <= longestText + cutMark.size() && text.ends_with(cutMark)) return text;  // cut before
-  const bool inAPair = text[longestText - 1] >= 0xD800 && text[longestText - 1] < 0xDC00;
-  text.resize(inAPair ? longestText - 1 : longestText);
+  text.resize(text::beginning(text, longestText).size());
   return text.append(cutMark);
 }
 

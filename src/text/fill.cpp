@@ -7,8 +7,7 @@ namespace vordane {
 
 std::u16string brief(std::u16string_view text, std::size_t most) {
   if (text.size() <= most) return std::u16string(text);
-  const bool inAPair = most > 0 && text[most - 1] >= 0xD800 && text[most - 1] < 0xDC00;
-  return std::u16string(text::left(text, inAPair ? most - 1 : most)) + u"...";
+  return std::u16string(text::beginning(text, most)) + u"...";
 }
 
 std::u16string fillText(std::u16string_view pattern, std::initializer_list<std::u16string_view> values) {

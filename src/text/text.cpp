@@ -25,6 +25,11 @@ std::u16string_view right(std::u16string_view text, std::size_t length) {
   return text.size() <= length ? text : text.substr(text.size() - length);
 }
 
+std::u16string_view beginning(std::u16string_view text, std::size_t most) {
+  const bool parted = most > 0 && text.size() > most && text[most - 1] >= 0xD800 && text[most - 1] < 0xDC00;
+  return left(text, parted ? most - 1 : most);
+}
+
 std::vector<std::u16string> split(std::u16string_view text, char16_t separator) {
   std::vector<std::u16string> pieces;
   if (text.empty()) return pieces;

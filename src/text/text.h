@@ -20,6 +20,8 @@ std::u16string_view middle(std::u16string_view text, std::size_t start,
                            std::size_t length = std::u16string_view::npos);
 std::u16string_view left(std::u16string_view text, std::size_t length);
 std::u16string_view right(std::u16string_view text, std::size_t length);
+// As `left`, but never half of a character beyond the basic plane: one unit less where the cut would part it.
+std::u16string_view beginning(std::u16string_view text, std::size_t most);
 
 // The pieces between the separators; an empty text gives no piece.
 std::vector<std::u16string> split(std::u16string_view text, char16_t separator);

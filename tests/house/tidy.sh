@@ -56,10 +56,10 @@ awk -F '\t' -v passed="$passed/" -v checks="$(cat "$work/checks")" '
 
 files=("$@")
 [ $# -gt 0 ] || mapfile -t files < <(cut -f 1 "$work/commands" | sort -u)
-todo=()
+changed=()
 for file in "${files[@]}"; do
   record="$passed/${file//\//-}"
-  cmp -s "$record" "$record.now" || todo+=("$file")
+  cmp -s "$record" "$record.now" || changed+=("$file")
 done
-echo "${#todo[@]} of ${#files[@]} sources have changed since they passed"
-[ ${#todo[@]} -eq 0 ] || printf '%s\0' "${todo[@]}" | nice -n 10 xargs -0 -n 1 -P "${VORDANE_TIDY_JOBS:-$(nproc)}" "$0" "$build" --look
+echo "${#changed[@]} of ${#files[@]} sources have changed since they passed"
+[ ${#changed[@]} -eq 0 ] || printf '%s\0' "${changed[@]}" | nice -n 10 xargs -0 -n 1 -P "${VORDANE_TIDY_JOBS:-$(nproc)}" "$0" "$build" --look

@@ -397,11 +397,7 @@ TEST_F(Schedule, AQuestionIsAnsweredWithYesInARun) {
 
 TEST_F(Schedule, TheUsersButtonsLookDeadInARun) {
   startWithHost();
-  pressAndTick(0);
-  exchange().answer(0, oneFault());
-  tick();
-  exchange().answerLamps(u"00");
-  tick();
+  fetchOneFault();
   const auto enabled = [&](const char16_t* name) { return form().form().control(name).flag(u"Enabled"); };
   EXPECT_TRUE(enabled(u"cmdClear"));
   runSchedule(u"3");

@@ -229,6 +229,14 @@ class Story : public testing::Test {
     press(action);
     tick();
   }
+  // A person asks for the list, which brings a fault, and no lamp is lit.
+  void fetchOneFault() {
+    pressAndTick(0);
+    exchange().answer(0, oneFault());
+    tick();
+    exchange().answerLamps(u"00");
+    tick();
+  }
   Lines taken() { return std::exchange(trace, {}); }
 
   // The lines of the run log, without their times.

@@ -115,11 +115,7 @@ TEST_F(Window, ACodeWithoutAnActionDoesNothingAndLeavesTheTimerOff) {
 
 TEST_F(Window, TheFirstClickOnAHeadingOrdersAsTheLoadSaid) {
   startWithHost();
-  pressAndTick(0);
-  exchange().answer(0, oneFault());
-  tick();
-  exchange().answerLamps(u"00");
-  tick();
+  fetchOneFault();
   const std::pair<int, bool> first[] = {{0, false}, {1, false}, {2, true}, {3, false}, {4, false}};
   for (const auto& [column, descending] : first) {
     form().input().headingClicked(column);
@@ -223,11 +219,7 @@ TEST_F(Window, TheRightButtonOffersWhatsThis) {
 
 TEST_F(Window, DeletingTheLastExchangeDisablesItsButtons) {
   startWithHost();
-  pressAndTick(0);
-  exchange().answer(0, oneFault());
-  tick();
-  exchange().answerLamps(u"00");
-  tick();
+  fetchOneFault();
   boxes.answer = 6;
   pressAndTick(3);
   EXPECT_EQ(view.rows, nullptr);
@@ -237,11 +229,7 @@ TEST_F(Window, DeletingTheLastExchangeDisablesItsButtons) {
 
 TEST_F(Window, ABoxTakesAReasonOfAnyLengthInBrief) {
   startWithHost();
-  pressAndTick(0);
-  exchange().answer(0, oneFault());
-  tick();
-  exchange().answerLamps(u"00");
-  tick();
+  fetchOneFault();
   host->on(u"PrintReport", [](std::span<automation::Argument>) -> automation::Value {
     return std::u16string(300'000, u'x');
   });
@@ -255,11 +243,7 @@ TEST_F(Window, ABoxTakesAReasonOfAnyLengthInBrief) {
 
 TEST_F(Window, AReportGoesToTheHostWithTheGridsOrder) {
   startWithHost();
-  pressAndTick(0);
-  exchange().answer(0, oneFault());
-  tick();
-  exchange().answerLamps(u"00");
-  tick();
+  fetchOneFault();
   taken();
   pressAndTick(2);
   const Lines lines = taken();

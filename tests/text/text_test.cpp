@@ -42,6 +42,17 @@ TEST(Sides, AreWholeWhenTheTextIsShort) {
   EXPECT_EQ(left(u"abc", 5), u"abc");
 }
 
+TEST(Beginning, NeverPartsACharacterOfTwoUnits) {
+  EXPECT_EQ(beginning(u"a\U0001F600b", 1), u"a");
+  EXPECT_EQ(beginning(u"a\U0001F600b", 2), u"a");
+  EXPECT_EQ(beginning(u"a\U0001F600b", 3), u"a\U0001F600");
+  EXPECT_EQ(beginning(u"\U0001F600", 2), u"\U0001F600");
+  EXPECT_EQ(beginning(u"\U0001F600", 1), u"");
+  EXPECT_EQ(beginning(u"abc", 0), u"");
+  EXPECT_EQ(beginning(u"abc", 5), u"abc");
+  EXPECT_EQ(beginning(u"a\xD83D", 2), u"a\xD83D");  // a half that is stored as it is stays
+}
+
 TEST(Split, KeepsEmptyPiecesButHasNoneForAnEmptyText) {
   EXPECT_EQ(split(u"a,,b,", u','), (std::vector<std::u16string>{u"a", u"", u"b", u""}));
   EXPECT_TRUE(split(u"", u',').empty());
