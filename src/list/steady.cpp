@@ -37,7 +37,6 @@ void Steady::caretAt(const window::GridRow& fault, std::size_t position, std::si
 
 std::optional<std::size_t> Steady::shown(window::GridSource& rows, Why why, bool moved) {
   newer_ = 0;
-  if (why == Why::other) newest_.reset();
   // What came is mostly newer than all that was there.
   const auto find = [&](const Held& held) {
     const std::size_t more = rows.size() - std::min(held.rows, rows.size());
@@ -45,7 +44,7 @@ std::optional<std::size_t> Steady::shown(window::GridSource& rows, Why why, bool
   };
   const auto place = why == Why::renewed && moved && caret_ ? find(*caret_) : std::nullopt;
   if (place) {
-    if (const auto known = newest_ ? find(*newest_) : std::nullopt) newer_ = std::min(*known, *place);
+    if (const auto known = newest_ ? find(*newest_) : std::nullopt) newer_ = *known;
   } else if (why != Why::choice) {
     seen(rows);
   }

@@ -99,6 +99,8 @@ TEST_F(SteadyTest, AListThatNobodyMovedInBeginsWithItsNewestFault) {
 TEST_F(SteadyTest, AChoiceOfThePersonGoesToTheTop) {
   put(12);
   arrive(50, 41);
+  EXPECT_EQ(renew(), 13U);
+  EXPECT_EQ(steady.newer(), 1U);
   EXPECT_EQ(steady.shown(rows, Why::choice, true), std::nullopt);
   EXPECT_EQ(steady.newer(), 0U);
   EXPECT_EQ(steady.shown(rows, Why::other, true), std::nullopt);
@@ -114,6 +116,16 @@ TEST_F(SteadyTest, FromAnotherOrderTheFaultIsFoundByItsDateAndNumber) {
   arrive(51, 42);
   EXPECT_EQ(renew(), 38U);
   EXPECT_EQ(steady.newer(), 2U) << "the newest one that was seen was that of the first order";
+}
+
+// An engine may order dates of other forms in its own way.
+TEST_F(SteadyTest, WhereDatesDoNotTellTheFaultIsFoundAsFarDownAsFaultsCame) {
+  for (MemoryRow& row : rows.rows) row.date = row.count % 2 == 0 ? u"soon" : u"later";
+  steady.shown(rows, Why::other, false);
+  put(12);
+  for (int n = 0; n < 3; ++n) rows.rows.insert(rows.rows.begin(), fault(50 + n, 41 + n));
+  EXPECT_EQ(renew(), 15U);
+  EXPECT_EQ(steady.newer(), 3U);
 }
 
 TEST_F(SteadyTest, AFaultThatHasGoneLeavesTheListAtItsTop) {
