@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
 #include <stdexcept>
 #include <string>
 
@@ -55,11 +54,6 @@ void print(const char* what, const Lines& lines) {
   for (const std::string& line : lines) std::printf("  %s\n", line.c_str());
 }
 
-std::FILE* openLog() {
-  const char* name = std::getenv("VORDANE_HOSTILE_LOG");
-  return name == nullptr ? nullptr : std::fopen(name, "w");
-}
-
 class Director {
  public:
   Director(std::u16string suite, std::int64_t wanted, std::int32_t seed)
@@ -89,14 +83,8 @@ class Director {
         static_cast<long long>(calls()), rounds_, byHand_, watcher_.addIns(), sameProcess_, givenUp_,
         board_->deaths[0].load(), board_->deaths[1].load(), watcher_.killed(), right_.creationsTriedAgain());
   }
-  void writeLog() {
-    if (log_ == nullptr) return;
-    for (const std::string& line : board_.linesSince(logged_)) std::fprintf(log_.get(), "%s\n", line.c_str());
-    std::fflush(log_.get());
-  }
   // The end of the log, and whether the add-in ends when everybody lets go.
   void tellHowItCame() {
-    writeLog();
     std::uint32_t from = 1;
     const Lines lines = board_.linesSince(from);
     const std::size_t first = lines.size() - std::min(lines.size(), linesOfAFailure);
@@ -115,7 +103,6 @@ class Director {
   std::int64_t calls() const { return static_cast<std::int64_t>(board_.calls()); }
   int deaths() const { return board_.deaths() + watcher_.killed(); }
   void tell(const char* what) {
-    writeLog();
     std::printf("  %.1f s: %s; host %lld calls, exchange servers %lld calls, %d deaths\n",
                 static_cast<double>(GetTickCount64() - begun_) / 1000, what,
                 static_cast<long long>(board_.calls(Role::host)),
@@ -232,15 +219,15 @@ class Director {
     tell("attacked");
   }
   bool somebodyDied() const { return deaths() > deathsBefore_; }
-  // Answers to what still waits for one, until the add-in has nothing to do. False where a program has died
-  // and with it, it seems, the answer: that is waited for without an end.
-  bool comesToRest() {
+  // Answers to what still waits for one, until the add-in has nothing to do. False where `lost` says that the
+  // answer may have gone with whoever owed it, and it seems so: that is waited for without an end.
+  bool comesToRest(bool lost) {
     bool rests = false;
     int answers = 0;
     const bool looked = right_.waitUntil(
         [&] {
           rests = right_.idle();
-          if (rests || (somebodyDied() && answers >= answersEnough)) return true;
+          if (rests || (lost && answers >= answersEnough)) return true;
           ++answers;
           everybody(L"Answer", Wish::answer);
           return false;
@@ -249,19 +236,21 @@ class Director {
     require(looked, "it still waits, though everything was answered");
     return rests;
   }
-  // A window whose life is over makes room for another process, and goes when everybody has let go of it.
-  void leaveTheOldOne() {
-    if (test::processesOf(addIn).size() < 2) return;
+  // A window whose life is over makes room for another process, and goes when everybody has let go of it: of
+  // the other one too. False where there was none.
+  bool leaveTheOldOne() {
+    if (test::processesOf(addIn).size() < 2) return false;
     letGo();
     onlyAddIn();
+    return true;
   }
   // False where the window's life is over.
   bool goesOn() {
     if (!right_.take()) return false;
-    leaveTheOldOne();
+    const bool left = leaveTheOldOne();
     if (!right_.registerIt()) return false;
     if (board_->jobMade) return giveUp();
-    if (!comesToRest()) {
+    if (!comesToRest(left || somebodyDied())) {
       ++givenUp_;
       return giveUp();
     }
@@ -391,8 +380,6 @@ class Director {
   std::int32_t seed_;
   const ULONGLONG begun_ = GetTickCount64();
   const Board board_;
-  std::uint32_t logged_ = 1;
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> log_{openLog(), &std::fclose};
   Watcher watcher_{board_};
   RightHost right_{[this](std::string_view line) { board_.note('D', line); }};
   EvilHost host_;

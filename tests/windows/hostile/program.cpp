@@ -54,6 +54,7 @@ class DirectorsObject : public automation::TableObject {
  protected:
   Value invokeMember(std::size_t member, automation::CallKind,
                      std::span<automation::Argument> given) override {
+    program_.hearsOf(text::toUtf8(orders[member].name));
     switch (member) {
       case begin:
         program_.begin();
@@ -197,6 +198,10 @@ bool Program::takeRequest() {
 void Program::findTheWindow() {
   ObjectRef& window = plots_.back()->caller;
   for (auto plot = plots_.rbegin(); plot != plots_.rend() && !window; ++plot) window = (*plot)->caller;
+}
+
+void Program::hearsOf(std::string_view order) const {
+  board_.note(letterOf(role_), "order: " + std::string(order));
 }
 
 void Program::answer() {

@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "board.h"
@@ -30,6 +31,7 @@ class Program : public Scene {
   Program(Role role, const Board& board);
 
   // --- orders to a host
+  void hearsOf(std::string_view order) const;  // for the log
   // New peers, as the board says; creates a layer and registers.
   void begin();
   void steps(std::int32_t count);

@@ -107,19 +107,17 @@ void RightHost::cancel() {
   call(u"CancelSchedule");
 }
 
-// The list, then the alarm state: each ends with the flow turned off.
+// The list, then the alarm state: each ends with the flow turned off. What was pressed before may come to its
+// turn first, and a question that comes before the log-in may be answered with No: then it is pressed again.
 Lines RightHost::converse() {
+  const auto ends = [this] {
+    if (!idle()) return false;
+    if (std::count(lines_.begin(), lines_.end(), "TurnOffFlow") >= 2) return true;
+    lines_.clear();
+    pressButton(addInWindow(), Action::request);
+    return false;
+  };
   lines_.clear();
-  // While something that was pressed before has not been dealt with yet, a press is ignored, and a question
-  // that comes before the log-in may be answered with No.
-  const auto loggedIn = [this] {
-    return std::any_of(lines_.begin(), lines_.end(),
-                       [](const std::string& line) { return line.starts_with("oPBX.Login"); });
-  };
-  const auto ends = [&] {
-    if (!loggedIn()) pressButton(addInWindow(), Action::request);
-    return std::count(lines_.begin(), lines_.end(), "TurnOffFlow") >= 2 && idle();
-  };
   if (!waitUntil(ends, patience()))
     throw std::runtime_error("the conversation does not end:" + joined(lines_));
   return takeLines();

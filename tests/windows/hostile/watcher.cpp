@@ -1,6 +1,7 @@
 #include "watcher.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 #include "desk.h"
@@ -18,6 +19,11 @@ constexpr DWORD hangsAtLeast = 300;   // before it is ended: what comes meanwhil
 constexpr int textId = 0xFFFF;        // of a message box's text
 constexpr int buttons[] = {IDYES, IDOK, IDNO, IDRETRY, IDCANCEL};
 
+std::FILE* openLog() {
+  const char* name = std::getenv("VORDANE_HOSTILE_LOG");
+  return name == nullptr ? nullptr : std::fopen(name, "w");
+}
+
 std::wstring textOf(HWND window) {
   wchar_t text[512] = L"";
   InternalGetWindowText(window, text, 512);  // asks nobody, who might not answer
@@ -27,7 +33,10 @@ std::wstring textOf(HWND window) {
 }  // namespace
 
 Watcher::Watcher(const Board& board)
-    : board_(board), over_(CreateEventW(nullptr, TRUE, FALSE, nullptr)), thread_([this] { run(); }) {}
+    : board_(board),
+      over_(CreateEventW(nullptr, TRUE, FALSE, nullptr)),
+      log_(openLog(), &std::fclose),
+      thread_([this] { run(); }) {}
 
 Watcher::~Watcher() {
   SetEvent(over_.get());
@@ -39,7 +48,15 @@ void Watcher::run() {
     endHanging();
     lookAtBoxes();
     if (look % looksAtProcesses == 0) lookAtAddIns();
+    writeLog();
   }
+  writeLog();
+}
+
+void Watcher::writeLog() {
+  if (log_ == nullptr) return;
+  for (const std::string& line : board_.linesSince(logged_)) std::fprintf(log_.get(), "%s\n", line.c_str());
+  std::fflush(log_.get());
 }
 
 std::vector<std::wstring> Watcher::takeBoxes() {

@@ -1,11 +1,15 @@
 // Beside the test: answers boxes as a person would, ends programs that hang, and remembers how every add-in
-// ended. A thread of its own, since the director's waits for what it ordered.
+// ended; writes the log, if VORDANE_HOSTILE_LOG names a file. A thread of its own, since the director's waits
+// for what it ordered.
 #pragma once
 
 #include <windows.h>
 
 #include <atomic>
+#include <cstdint>
+#include <cstdio>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -37,6 +41,7 @@ class Watcher {
   void answer(HWND box);
   void remember(HWND box);
   void endHanging();
+  void writeLog();
 
   const Board& board_;
   std::mutex mutex_;
@@ -47,6 +52,8 @@ class Watcher {
   com::Handle over_;
   std::atomic<int> addIns_ = 0, killed_ = 0;
   unsigned next_ = 0;
+  std::uint32_t logged_ = 1;
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> log_;
   std::thread thread_;
 };
 
