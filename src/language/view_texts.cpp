@@ -134,6 +134,10 @@ std::size_t messageNumber(window::ViewText which) {
       return message::outputStopped;
     case ViewText::outputGivenUp:
       return message::outputGivenUp;
+    case ViewText::newerFault:
+      return message::newerFault;
+    case ViewText::newerFaults:
+      return message::newerFaults;
     case ViewText::openGuide:
       return message::menuGuide;
   }
