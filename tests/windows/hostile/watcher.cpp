@@ -1,6 +1,5 @@
 #include "watcher.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <string_view>
 #include <utility>
@@ -14,10 +13,11 @@
 namespace vordane::hostile {
 namespace {
 
-constexpr DWORD betweenLooks = 20;    // milliseconds, for boxes
-constexpr int looksAtProcesses = 20;  // one in so many: all processes are much to ask the system for
-constexpr DWORD hangsAtLeast = 300;   // before it is ended: what comes meanwhile meets it
-constexpr int textId = 0xFFFF;        // of a message box's text
+constexpr DWORD betweenLooks = 20;          // milliseconds, for boxes
+constexpr int looksAtProcesses = 20;        // one in so many: all processes are much to ask the system for
+constexpr DWORD hangsAtLeast = 300;         // before it is ended: what comes meanwhile meets it
+constexpr ULONGLONG takesItsAnswer = 2000;  // milliseconds
+constexpr int textId = 0xFFFF;              // of a message box's text
 constexpr int buttons[] = {IDYES, IDOK, IDNO, IDRETRY, IDCANCEL};
 
 std::FILE* openLog() {
@@ -39,7 +39,6 @@ BOOL CALLBACK takeDialog(HWND window, LPARAM list) {
   return TRUE;
 }
 
-// A list of a moment: going on from a window that is being destroyed brings Wine's own server to a stand.
 std::vector<HWND> dialogs() {
   std::vector<HWND> found;
   EnumWindows(takeDialog, reinterpret_cast<LPARAM>(&found));
@@ -118,28 +117,33 @@ void Watcher::answer(HWND box) {
   for (unsigned tried = 0; tried < std::size(buttons); ++tried) {
     const int button = buttons[next_++ % std::size(buttons)];
     if (GetDlgItem(box, button) == nullptr) continue;
-    remember(box);
     PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(button), 0);
     return;
   }
 }
 
-// Once: a slow one may be met again before it has taken its answer.
 void Watcher::remember(HWND box) {
-  if (std::find(answered_.begin(), answered_.end(), box) != answered_.end()) return;
+  const std::wstring text = textOf(box) + L": " + textOf(GetDlgItem(box, textId));
+  board_.note('B', text::toUtf8(com::fromWide(text)));
   const std::lock_guard lock(mutex_);
-  boxes_.push_back(textOf(box) + L": " + textOf(GetDlgItem(box, textId)));
-  board_.note('B', text::toUtf8(com::fromWide(boxes_.back())));
+  boxes_.push_back(text);
 }
 
+// One that has its answer is left in peace until it must have taken it: the newer Wine lists a window's
+// children in two steps, and its server never comes back from the second where the first child is destroyed
+// in between.
 void Watcher::lookAtBoxes() {
-  std::vector<HWND> now;
+  std::map<HWND, ULONGLONG> standing;
   for (const HWND box : dialogs()) {
     if (!IsWindowVisible(box) || !isAddIns(box)) continue;
-    answer(box);
-    now.push_back(box);
+    const auto before = answered_.find(box);
+    const ULONGLONG now = GetTickCount64();
+    const bool waits = before != answered_.end() && now - before->second < takesItsAnswer;
+    if (before == answered_.end()) remember(box);
+    if (!waits) answer(box);
+    standing[box] = waits ? before->second : now;
   }
-  answered_ = std::move(now);
+  answered_ = std::move(standing);
   if (const HWND menu = FindWindowW(L"#32768", nullptr); menu != nullptr && isAddIns(menu))
     PostMessageW(addInWindow(), WM_CANCELMODE, 0, 0);
 }

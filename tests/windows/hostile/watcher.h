@@ -47,7 +47,7 @@ class Watcher {
   std::mutex mutex_;
   std::vector<std::wstring> boxes_;
   std::vector<DWORD> badEnds_;
-  std::vector<HWND> answered_;  // that stood there at the last look
+  std::map<HWND, ULONGLONG> answered_;  // that stood there at the last look, and when
   std::map<DWORD, com::Handle> running_;
   com::Handle over_;
   std::atomic<int> addIns_ = 0, killed_ = 0;
