@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
+
 #include "text/utf8.h"
 
 namespace vordane::hostile {
@@ -13,7 +15,7 @@ std::vector<std::string> storedFaults(const std::u16string& database, std::u16st
   sqlite3_busy_timeout(file, 5000);
   sqlite3_prepare_v2(file,
                      "SELECT Fault || ' ' || Alarm || ' ' || CPU || ' ' || f.[Date] || ' ' || Description "
-                     "FROM FaultDisplay f JOIN PBXList p ON p.ID = f.ID WHERE PBXName = ?1 ORDER BY 1",
+                     "FROM FaultDisplay f JOIN PBXList p ON p.ID = f.ID WHERE PBXName = ?1",
                      -1, &statement, nullptr);
   const std::string name = text::toUtf8(exchange);
   sqlite3_bind_text(statement, 1, name.c_str(), -1, SQLITE_STATIC);
@@ -25,6 +27,7 @@ std::vector<std::string> storedFaults(const std::u16string& database, std::u16st
   }
   sqlite3_finalize(statement);
   sqlite3_close(file);
+  std::sort(rows.begin(), rows.end());
   return rows;
 }
 
