@@ -1,7 +1,6 @@
 #include "watcher.h"
 
 #include <cstdlib>
-#include <string_view>
 #include <utility>
 
 #include "desk.h"
@@ -29,20 +28,6 @@ std::wstring textOf(HWND window) {
   wchar_t text[512] = L"";
   InternalGetWindowText(window, text, 512);  // asks nobody, who might not answer
   return text;
-}
-
-BOOL CALLBACK takeDialog(HWND window, LPARAM list) {
-  constexpr std::wstring_view dialog = L"#32770";
-  wchar_t name[16] = L"";
-  GetClassNameW(window, name, 16);
-  if (name == dialog) reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
-  return TRUE;
-}
-
-std::vector<HWND> dialogs() {
-  std::vector<HWND> found;
-  EnumWindows(takeDialog, reinterpret_cast<LPARAM>(&found));
-  return found;
 }
 
 }  // namespace
@@ -129,21 +114,21 @@ void Watcher::remember(HWND box) {
   boxes_.push_back(text);
 }
 
-// One that has its answer is left in peace until it must have taken it: the newer Wine lists a window's
-// children in two steps, and its server never comes back from the second where the first child is destroyed
-// in between.
+// The foremost alone, and when it has its answer it is left in peace until it must have taken it. The newer
+// Wine lists windows in two steps, and its server never comes back from the second where the window that the
+// first one named is destroyed in between: no list is asked for here, and nothing of a box that is about to
+// go.
 void Watcher::lookAtBoxes() {
-  std::map<HWND, ULONGLONG> standing;
-  for (const HWND box : dialogs()) {
-    if (!IsWindowVisible(box) || !isAddIns(box)) continue;
-    const auto before = answered_.find(box);
+  const HWND box = FindWindowW(L"#32770", nullptr);
+  if (box != nullptr && IsWindowVisible(box) && isAddIns(box)) {
     const ULONGLONG now = GetTickCount64();
-    const bool waits = before != answered_.end() && now - before->second < takesItsAnswer;
-    if (before == answered_.end()) remember(box);
-    if (!waits) answer(box);
-    standing[box] = waits ? before->second : now;
+    if (box != answered_) remember(box);
+    if (box != answered_ || now - answeredAt_ >= takesItsAnswer) {
+      answer(box);
+      answeredAt_ = now;
+    }
+    answered_ = box;
   }
-  answered_ = std::move(standing);
   if (const HWND menu = FindWindowW(L"#32768", nullptr); menu != nullptr && isAddIns(menu))
     PostMessageW(addInWindow(), WM_CANCELMODE, 0, 0);
 }

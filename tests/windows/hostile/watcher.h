@@ -47,7 +47,8 @@ class Watcher {
   std::mutex mutex_;
   std::vector<std::wstring> boxes_;
   std::vector<DWORD> badEnds_;
-  std::map<HWND, ULONGLONG> answered_;  // that stood there at the last look, and when
+  HWND answered_ = nullptr;  // the last one
+  ULONGLONG answeredAt_ = 0;
   std::map<DWORD, com::Handle> running_;
   com::Handle over_;
   std::atomic<int> addIns_ = 0, killed_ = 0;
