@@ -55,4 +55,21 @@ run 1 list nowhere.dsn; says errors 'nowhere.dsn: No connection to the database 
 run 1 store create admin.dsn --language ru.LNG
 says errors "Language: the store is kept in English and holds faults; it can't change to Русский"
 run 0 store check admin.dsn --language en.LNG
+
+# The doctor of a suite whose fault database is the store.
+run 0 suite made --language en --source "$data"
+cp station.dsn made/ADDINS/DATABASE/FAULT.MDB; chmod a-w made/ADDINS/DATABASE/FAULT.MDB
+run 0 doctor made; says out 'nothing is missing'
+sql -d faults -c 'grant truncate on vordane."FaultDisplay" to vordane_station'
+run 1 doctor made
+says out 'incomplete: the store of FAULT.MDB: the role vordane_station has the rights (SELECT, INSERT, UPDATE, DELETE, TRUNCATE)'
+run 0 store create admin.dsn
+run 0 doctor made
+cp ru.LNG made/ADDINS/DATABASE/VORDANE.LNG
+run 1 doctor made; says out 'incomplete: the store of FAULT.MDB: Language: the store is kept in English ('
+cp en.LNG made/ADDINS/DATABASE/VORDANE.LNG
+cp --remove-destination reader.dsn made/ADDINS/DATABASE/FAULT.MDB
+run 1 doctor made; says out "stops the program: "; says out "FAULT.MDB can't be opened: no faults can be stored or shown (No permission to open file"
+cp nowhere.dsn made/ADDINS/DATABASE/FAULT.MDB
+run 1 doctor made; says out "FAULT.MDB can't be opened: no faults can be stored or shown (No connection to the database server:"
 exit $failed
