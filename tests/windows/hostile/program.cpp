@@ -356,13 +356,18 @@ bool Program::isGone(std::int32_t code) {
   return pbx::isServerGone(code);
 }
 
+// How a creation ends that meets a process on its way out. Wine 10 once said no more than "failure" then.
+bool mayBeOnItsWayOut(std::int32_t code) {
+  return pbx::isServerGone(code) || code == E_FAIL;
+}
+
 ObjectRef createPatiently(std::u16string_view progId, int* triedAgain) {
   constexpr int tries = 10;
   for (int i = 1;; ++i) {
     try {
       return windows::ComObjectCreator().create(progId);
     } catch (const AutomationError& failure) {
-      if (i == tries || !pbx::isServerGone(failure.code())) throw;
+      if (i == tries || !mayBeOnItsWayOut(failure.code())) throw;
       if (triedAgain != nullptr) ++*triedAgain;
       com::serveMessagesUntil([] { return false; }, 100 * i);
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <string_view>
 #include <utility>
 
 #include "desk.h"
@@ -28,6 +29,20 @@ std::wstring textOf(HWND window) {
   wchar_t text[512] = L"";
   InternalGetWindowText(window, text, 512);  // asks nobody, who might not answer
   return text;
+}
+
+// A list of a moment: going on from a window that is being destroyed brings Wine's own server to a stand.
+std::vector<HWND> dialogs() {
+  std::vector<HWND> found;
+  const auto take = [](HWND window, LPARAM list) -> BOOL {
+    constexpr std::wstring_view dialog = L"#32770";
+    wchar_t name[16] = L"";
+    GetClassNameW(window, name, 16);
+    if (name == dialog) reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+    return TRUE;
+  };
+  EnumWindows(take, reinterpret_cast<LPARAM>(&found));
+  return found;
 }
 
 }  // namespace
@@ -118,7 +133,7 @@ void Watcher::remember(HWND box) {
 
 void Watcher::lookAtBoxes() {
   std::vector<HWND> now;
-  for (HWND box = nullptr; (box = FindWindowExW(nullptr, box, L"#32770", nullptr)) != nullptr;) {
+  for (const HWND box : dialogs()) {
     if (!IsWindowVisible(box) || !isAddIns(box)) continue;
     answer(box);
     now.push_back(box);
