@@ -19,9 +19,10 @@ options=(-certs "$VORDANE_SIGN_CERT" -key "$VORDANE_SIGN_KEY" -n Vordane -h sha2
 [ -z "${VORDANE_SIGN_PASSWORD:-}" ] || options+=(-readpass "$VORDANE_SIGN_PASSWORD")
 [ -z "${VORDANE_SIGN_TIMESTAMP:-}" ] || options+=(-ts "$VORDANE_SIGN_TIMESTAMP")
 if [ -n "${VORDANE_SIGN_PKCS11:-}" ]; then
-  engine=$(find /usr/lib/*/engines-3 -name pkcs11.so -print -quit 2>/dev/null)
-  [ -n "$engine" ] || fail "a key in a token needs the package libengine-pkcs11-openssl"
-  options+=(-pkcs11engine "$engine" -pkcs11module "$VORDANE_SIGN_PKCS11")
+  # The engine is found by its name; a file named here would be refused by Debian 12's osslsigncode.
+  [ -n "$(find /usr/lib/*/engines-3 -name pkcs11.so -print -quit 2>/dev/null)" ] ||
+    fail "a key in a token needs the package libengine-pkcs11-openssl"
+  options+=(-pkcs11module "$VORDANE_SIGN_PKCS11")
 fi
 for file in "$@"; do
   osslsigncode sign "${options[@]}" -in "$file" -out "$file.signed" >"$file.signing" 2>&1 ||

@@ -33,6 +33,8 @@ struct NoEvents : ViewEvents {
   void keyPressed(int) override {}
   void mousePressed(Control&, int) override {}
   void whatsThisChosen() override {}
+  bool guideOffered() override { return false; }
+  void guideAsked(std::u16string_view) override {}
   std::optional<std::size_t> lookUp(std::u16string_view, std::ptrdiff_t, LookUpWay) override { return {}; }
   void tick() override {}
 };

@@ -1,6 +1,6 @@
 !define LANG ${LANG_JAPANESE}
 !insertmacro TEXT WELCOME "保守プログラムの障害表示をこのワークステーションにインストールするか、インストール済みのものを更新します。$\r$\n$\r$\n先に保守プログラムとすべての障害表示を終了してください。使用中のものを強制終了することはありません。$\r$\n$\r$\n$_CLICK"
-!insertmacro TEXT INSTALL_BUTTON "インストール"
+!insertmacro TEXT INSTALL_BUTTON "インストール(&I)"
 !insertmacro TEXT REMOVE_BUTTON "削除(&R)"
 !insertmacro TEXT OPTIONS_TITLE "インストール方法"
 !insertmacro TEXT OPTIONS_SUBTITLE "対象ユーザー、言語、追加するものを選びます。"

@@ -181,7 +181,7 @@ struct Command::Parts {
     for (const Entry& entry : entries)
       if (entry.option->get_required() && !entry.given()) return entry.what + " is missing";
     for (const Group& group : groups)
-      if (const std::string problem = group.problem(); !problem.empty()) return problem;
+      if (std::string problem = group.problem(); !problem.empty()) return problem;
     return {};
   }
 

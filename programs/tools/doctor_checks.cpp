@@ -24,7 +24,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using database::Database;
-using database::Recordset;
 using Findings = std::vector<Finding>;
 using Tables = std::span<const database::TableDefinition>;
 

@@ -204,8 +204,11 @@ class GuideChecker {
 // What is in the first and not in the second.
 void compare(const Names& have, const Names& lacks, const std::string& language, const std::string& what,
              Problems& problems) {
+  const auto missing = [&](const std::string& name) {
+    return language + ": the " + what + " " + name + " is missing";
+  };
   for (const std::string& name : have)
-    if (!lacks.contains(name)) problems.push_back(language + ": the " + what + " " + name + " is missing");
+    if (!lacks.contains(name)) problems.push_back(missing(name));
 }
 
 Names anchorsOf(const Contents& contents) {

@@ -11,12 +11,15 @@ namespace vordane::tools {
 GuideWords::GuideWords(const std::filesystem::path& file, const std::string& name, Problems& problems) {
   std::ifstream in(file, std::ios::binary);
   if (!in) problems.push_back(name + ": the file is missing");
+  const auto unused = [&](const std::string& word) {
+    return name + ": nothing uses the word \"" + word + '"';
+  };
   for (std::string line; std::getline(in, line);) {
     if (line.empty() || line.front() == '#') continue;
     const std::size_t tab = std::min(line.find('\t'), line.size());
     const std::string word = line.substr(0, tab);
     if (std::find(wordNames.begin(), wordNames.end(), word) == wordNames.end())
-      problems.push_back(name + ": nothing uses the word \"" + word + "\"");
+      problems.push_back(unused(word));
     texts_[word] = line.substr(std::min(tab + 1, line.size()));
   }
   for (const std::string_view word : wordNames)

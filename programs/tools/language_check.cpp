@@ -339,7 +339,7 @@ std::u16string substitutionsIn(std::u16string_view text) {
 
 Signature signatureOf(const LanguageSource& source) {
   Signature signature;
-  const auto add = [&](const char16_t* table, std::u16string key, std::u16string value) {
+  const auto add = [&](const char16_t* table, const std::u16string& key, std::u16string value) {
     signature[std::u16string(table) + u" " + key] = std::move(value);
   };
   for (const SourceRow& row : source.messages) add(u"message", row.fields[0], placesIn(row.fields[1]));

@@ -28,6 +28,7 @@ Words wordsFor(const SuiteLayout& layout, Words system);
 // The version that a person reads, as numbers: "1.0.12". Nothing for anything else.
 struct Version {
   int major = 0, minor = 0, revision = 0;
+  // The check takes the 0 that the comparison is made of for a pointer. NOLINTNEXTLINE(modernize-use-nullptr)
   auto operator<=>(const Version&) const = default;
 };
 std::optional<Version> versionOf(std::string_view text);

@@ -124,7 +124,7 @@ void Stage::noteFolders(std::size_t from) {
 }
 
 fs::path Stage::fresh(const fs::path& place) {
-  const fs::path path = home_ / "new" / place;
+  fs::path path = home_ / "new" / place;
   std::error_code failure;
   fs::create_directories(path.parent_path(), failure);
   if (failure) failAt(path.parent_path(), failure);

@@ -4,6 +4,7 @@
 
 namespace vordane {
 
+// A switch, so that the compiler names a text that has no number. NOLINTNEXTLINE(readability-function-size)
 std::size_t messageNumber(window::ViewText which) {
   using window::ViewText;
   switch (which) {
@@ -133,6 +134,10 @@ std::size_t messageNumber(window::ViewText which) {
       return message::outputStopped;
     case ViewText::outputGivenUp:
       return message::outputGivenUp;
+    case ViewText::newerFault:
+      return message::newerFault;
+    case ViewText::newerFaults:
+      return message::newerFaults;
     case ViewText::openGuide:
       return message::menuGuide;
   }

@@ -142,11 +142,15 @@ void Desk::complete(Did& did) {
   did.shown = true;
 }
 
+std::size_t Desk::shownBefore(std::size_t stored) const {
+  if (!chosen_) return std::min(stored, size());
+  return static_cast<std::size_t>(std::lower_bound(chosen_->begin(), chosen_->end(), stored) -
+                                  chosen_->begin());
+}
+
 std::optional<std::size_t> Desk::shownPosition(std::size_t stored) const {
   if (size() == 0) return {};
-  if (!chosen_) return std::min(stored, size() - 1);
-  const auto place = std::lower_bound(chosen_->begin(), chosen_->end(), stored);
-  return std::min(static_cast<std::size_t>(place - chosen_->begin()), size() - 1);
+  return std::min(shownBefore(stored), size() - 1);
 }
 
 std::optional<window::GridRow> Desk::row(std::size_t position) {

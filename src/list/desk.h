@@ -51,6 +51,7 @@ class Desk final : public window::GridSource {
   Progress progress() const { return {next_, storedSize()}; }
 
   // --- what is known
+  window::GridSource* stored() const { return stored_; }  // the rows, shown or not
   std::size_t storedSize() const { return stored_ == nullptr ? 0 : stored_->size(); }
   bool filtered() const { return chosen_.has_value(); }
   // Rows that pass all but the time, since their date has another form.
@@ -61,6 +62,8 @@ class Desk final : public window::GridSource {
   std::size_t storedPosition(std::size_t shown) const { return chosen_ ? (*chosen_)[shown] : shown; }
   // Where a stored row is shown, or else the next one, or the last; nothing while none is shown.
   std::optional<std::size_t> shownPosition(std::size_t stored) const;
+  // How many of the stored rows before this one are shown.
+  std::size_t shownBefore(std::size_t stored) const;
 
   // --- GridSource, of the rows shown
   std::size_t size() const override { return chosen_ ? chosen_->size() : storedSize(); }

@@ -20,6 +20,8 @@ namespace vordane::window {
 struct GridRow {
   std::u16string fault, alarm, date, cpu, description;
   std::int64_t count = 0;
+
+  bool operator==(const GridRow&) const = default;
 };
 
 // The rows behind the virtual grid; the view fetches what it shows and keeps nothing.
@@ -112,6 +114,9 @@ enum class ViewText {
   outputFailed,   // copying or saving: the database said {1}
   outputStopped,  // by the person: nothing was written
   outputGivenUp,  // the list was renewed meanwhile: nothing was written
+  // Above the rows, when faults came that the person has not looked at.
+  newerFault,   // one
+  newerFaults,  // {1} of them
 };
 
 class ViewTexts {

@@ -21,7 +21,7 @@ std::u16string_view fullName(std::u16string_view property) {
 
 }  // namespace
 
-PropertyError::PropertyError(std::u16string what) : what_(text::toUtf8(what)) {}
+PropertyError::PropertyError(std::u16string_view what) : what_(text::toUtf8(what)) {}
 
 Control::Control(std::u16string name, int index, std::u16string typeName,
                  std::map<std::u16string, Value> properties)

@@ -21,7 +21,7 @@ using Value = automation::Value;
 // A control, property, list entry or grid column that does not exist, or a value of the wrong type.
 class PropertyError : public std::exception {
  public:
-  explicit PropertyError(std::u16string what);
+  explicit PropertyError(std::u16string_view what);
   const char* what() const noexcept override { return what_.c_str(); }
 
  private:

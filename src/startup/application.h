@@ -42,7 +42,7 @@ class Application final : public platform::CallQuestions {
  public:
   // `state` is handed in, since the view's own words are read from it too.
   Application(const Workstation& workstation, SharedState& state);
-  ~Application();
+  ~Application() override;
   Application(const Application&) = delete;
   Application& operator=(const Application&) = delete;
 

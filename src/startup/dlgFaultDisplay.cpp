@@ -8,8 +8,6 @@
 namespace vordane {
 namespace {
 
-using startup::WindowLife;
-
 constexpr std::u16string_view lastNarrowGeneration = u"M";
 
 struct Loader {

@@ -25,8 +25,8 @@ std::u16string reason(const SharedState& state, const ListAccount& account) {
 }
 
 std::u16string withReason(const SharedState& state, const ListAccount& account, std::u16string line) {
-  const std::u16string why = reason(state, account);
-  return why.empty() ? line : line + u": " + why;
+  if (const std::u16string why = reason(state, account); !why.empty()) (line += u": ") += why;
+  return line;
 }
 
 }  // namespace

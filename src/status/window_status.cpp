@@ -52,7 +52,7 @@ constexpr Reason reasons[] = {
 std::u16string reasonText(const SharedState& state, Failure failure, std::int32_t errorCode) {
   for (const Reason& reason : reasons) {
     if (reason.failure != failure) continue;
-    const std::u16string text = messageText(state, reason.message);
+    std::u16string text = messageText(state, reason.message);
     if (reason.code == Code::none) return text;
     return fillText(
         text, {reason.code == Code::decimal ? text::decimal(errorCode)

@@ -4,6 +4,7 @@
 # run that was broken off has passed counts too.
 #
 #   tests/house/tidy.sh BUILD [FILE ...]      all of src and programs that the build compiles, or these
+#   tests/house/tidy.sh BUILD --count         looks at none, and says how many it would look at
 set -euo pipefail
 build=$(realpath "$1")
 shift
@@ -54,6 +55,8 @@ awk -F '\t' -v passed="$passed/" -v checks="$(cat "$work/checks")" '
                                  close(passed name ".now") } }
 ' "$work/sums" "$work/commands" "$work/included"
 
+count=
+if [ "${1:-}" = --count ]; then count=1; shift; fi
 files=("$@")
 [ $# -gt 0 ] || mapfile -t files < <(cut -f 1 "$work/commands" | sort -u)
 changed=()
@@ -62,4 +65,5 @@ for file in "${files[@]}"; do
   cmp -s "$record" "$record.now" || changed+=("$file")
 done
 echo "${#changed[@]} of ${#files[@]} sources have changed since they passed"
+[ -z "$count" ] || exit 0
 [ ${#changed[@]} -eq 0 ] || printf '%s\0' "${changed[@]}" | nice -n 10 xargs -0 -n 1 -P "${VORDANE_TIDY_JOBS:-$(nproc)}" "$0" "$build" --look

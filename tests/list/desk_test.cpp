@@ -253,6 +253,18 @@ TEST_F(DeskTest, TheFactsAreTakenOnceAndOnlyWhenSomebodyWantsThem) {
   EXPECT_THAT(shown(), ElementsAre(1));
 }
 
+TEST_F(DeskTest, OfTheRowsBeforeAStoredOneThoseShownAreCounted) {
+  EXPECT_EQ(desk.shownBefore(7), 0U) << "there are no rows";
+  show({{}, {.description = u"door"}, {}, {.description = u"door"}});
+  EXPECT_EQ(desk.shownBefore(3), 3U);
+  EXPECT_EQ(desk.shownBefore(7), 4U);
+  desk.setFilter(ofText(u"door"));
+  finish();
+  EXPECT_EQ(desk.shownBefore(1), 0U);
+  EXPECT_EQ(desk.shownBefore(3), 1U);
+  EXPECT_EQ(desk.shownBefore(7), 2U);
+}
+
 TEST_F(DeskTest, ARowThatIsHiddenIsStoodInForByTheNextOne) {
   show({{u"K1"}, {u"K2"}, {u"K1"}, {u"K2"}, {u"K1"}});
   EXPECT_EQ(desk.shownPosition(3), 3U);

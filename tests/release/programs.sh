@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# The programs tell neither when nor where they were built: programs.sh PROGRAMS SOURCES (two folders).
+# The programs tell neither when nor where they were built, and nothing is linked into them whose notices a release would
+# lack: programs.sh PROGRAMS SOURCES (two folders).
 set -euo pipefail
 fail() { echo "FAILED: $*"; exit 1; }
 number() { od -An -tu4 -j "$2" -N 4 "$1" | tr -d ' '; }
@@ -10,4 +11,5 @@ for program in vordane/VORDANE.EXE zulsim/Zulsim.exe devhost/devhost.exe tools/v
   [ "$(number "$file" $((header + 8)))" = 0 ] || fail "$program tells when it was linked"
   ! grep -qaF -- "$2/" "$file" || fail "$program tells where it was built: $(grep -aoF -m1 -- "$2/" "$file")"
 done
+said=$("$2/tools/notices.sh" "$(dirname "$1")" 2>&1 >/dev/null) || fail "$said"
 echo "programs: everything passed"

@@ -1,6 +1,6 @@
 // What a person does with the list stands beside what the window is asked to do: with a filter, a text that
-// is looked for, copies and saved files, and without them, the same statements run in the same order, and
-// hosts notice the same.
+// is looked for, copies, saved files and a place that is kept, and without them, the same statements run in
+// the same order, and hosts notice the same.
 #include <filesystem>
 #include <random>
 
@@ -8,6 +8,7 @@
 #include "list/copying.h"
 #include "list/finder.h"
 #include "list/saving.h"
+#include "list/steady.h"
 #include "startup/story.h"
 
 namespace vordane::startup {
@@ -21,7 +22,14 @@ class DeskView : public StoryView {
     desk.setStored(source, use && use() != window::ListUse::never ? std::optional<std::u16string>(u"any")
                                                                   : std::nullopt);
     finder.begin();
+    if (source != nullptr && steadied) placed(*source);
     StoryView::setRows(source != nullptr ? &desk : nullptr);
+  }
+  // Somebody stands on the last row and stays there.
+  void placed(window::GridSource& source) {
+    if (steady.shown(source, list::Steady::Why::renewed, true)) ++found;
+    const std::size_t last = source.size() - 1;
+    steady.caretAt(*source.row(last), last, source.size());
   }
   // What the timer does: a slice when it may, so often as there is work.
   void haveTime() {
@@ -44,6 +52,9 @@ class DeskView : public StoryView {
   }
   list::Desk desk;
   list::Finder finder{desk};
+  list::Steady steady;
+  bool steadied = false;
+  int found = 0;  // times that the place was found again
   std::function<window::ListUse()> use;
 };
 
@@ -95,6 +106,7 @@ class ListStory : public Story {
   // A list is requested, shown, sorted, another exchange is chosen, the first deleted.
   Seen live(bool filtered) {
     begin();
+    deskView.steadied = filtered;
     for (const char16_t* name : {u"PBX-2", u"PBX-1"}) {
       registerPbx(name);
       filter(filtered);
@@ -120,6 +132,7 @@ class ListStory : public Story {
       form().input().buttonPressed(action);
       while (tickOnce()) deskView.haveTime();
     }
+    EXPECT_EQ(deskView.found > 0, filtered);
     seen.trace = taken();
     Seen result = std::move(seen);
     seen = {};

@@ -574,5 +574,22 @@ TEST(SetupOutcomes, AreSaidInEveryLanguage) {
   EXPECT_EQ(found, 11);
 }
 
+// The names of an installer's texts as they stand, those with an access key marked.
+std::vector<std::string> installerTexts(const std::string& language) {
+  const std::string all = contentOf(test::sourceFolder() / "installer/texts" / (language + ".nsh"));
+  const std::regex entry("insertmacro TEXT ([A-Z_0-9]+) \"([^\"]*)\"");
+  std::vector<std::string> texts;
+  for (std::sregex_iterator at(all.begin(), all.end(), entry), end; at != end; ++at)
+    texts.push_back((*at)[1].str() + ((*at)[2].str().find('&') != std::string::npos ? " &" : ""));
+  return texts;
+}
+
+TEST(InstallerTexts, HaveTheSameNamesAndAccessKeysInEveryLanguage) {
+  const auto english = installerTexts("en");
+  EXPECT_THAT(english, ::testing::IsSupersetOf({"WELCOME", "INSTALL_BUTTON &", "REMOVE_BUTTON &"}));
+  EXPECT_EQ(installerTexts("ru"), english);
+  EXPECT_EQ(installerTexts("ja"), english);
+}
+
 }  // namespace
 }  // namespace vordane::tools

@@ -19,8 +19,8 @@ packages=(
   libcli11-dev nlohmann-json3-dev
   # the kit for Windows workstations
   zip unzip
-  # the installer, and signing it
-  nsis osslsigncode openssl
+  # the installer, and signing it, also with a key in a token
+  nsis osslsigncode openssl softhsm2 libengine-pkcs11-openssl
   # the guide
   pandoc
   # running Windows programs without a screen, and looking at them

@@ -157,7 +157,7 @@ const ExchangeServer::Session* ExchangeServer::session(std::u16string_view login
   return nullptr;
 }
 
-std::u16string ExchangeServer::SendRequest(ObjectRef record) {
+std::u16string ExchangeServer::SendRequest(const ObjectRef& record) {
   if (!record) throw AutomationError(automation::error::typeMismatch, {}, {}, 0);
   const std::u16string loginId = automation::toText(automation::get(*record, u"LoginID"));
   const Session* found = session(loginId);
@@ -167,7 +167,7 @@ std::u16string ExchangeServer::SendRequest(ObjectRef record) {
   }
   const Session asking = *found;  // an answer that comes early may log out
   const std::shared_ptr<Request> request = requestOf(asking, record);
-  const std::u16string text =
+  std::u16string text =
       reply(asking, u"send", asking.exchange->send, u"ACCEPTED-").value_or(std::u16string{});
   simulation_->services().log(u"SendRequest " + request->key + u" = " + quoted(text));
   if (isFailure(text)) return text;

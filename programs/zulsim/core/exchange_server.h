@@ -60,7 +60,7 @@ class ExchangeServer : public automation::TableObject {
   // An identifier, or "BUSY", "ERROR" or "". `caller` is kept until LogOut or the server's release.
   std::u16string Login(const std::u16string& PBXName, automation::ObjectRef caller);
   // An acceptance text, or "BUSY", "ERROR" or "".
-  std::u16string SendRequest(automation::ObjectRef request);
+  std::u16string SendRequest(const automation::ObjectRef& request);
   void LogOut(const std::u16string& PBXName, const std::u16string& LoginID);
   // A request under way is answered with code 61 at once, unless the scenario ignores it.
   void CancelRequest(const std::u16string& PBXName, const std::u16string& LoginID);

@@ -130,7 +130,7 @@ class DataWriter {
     if (token == "??") return hexByte(random_.between(0, 255));
     if (token == "bb") return text::decimalPadded(random_.between(0, 99), 2);
     if (token == "DD") {
-      const std::u16string pair = digits_.substr(0, 2);
+      std::u16string pair = digits_.substr(0, 2);
       digits_.erase(0, 2);
       return pair;
     }

@@ -36,12 +36,13 @@ bool allow(Filter filter, std::initializer_list<int> calls) {
 
 // Memory that can't be run.
 bool allowMemory(Filter filter, int call) {
-  return seccomp_rule_add(filter, SCMP_ACT_ALLOW, call, 1, SCMP_A2(SCMP_CMP_MASKED_EQ, PROT_EXEC, 0)) == 0;
+  const scmp_arg_cmp access{2, SCMP_CMP_MASKED_EQ, PROT_EXEC, 0};
+  return seccomp_rule_add(filter, SCMP_ACT_ALLOW, call, 1, access) == 0;
 }
 
 bool allowWriting(Filter filter, int file) {
-  return seccomp_rule_add(filter, SCMP_ACT_ALLOW, SCMP_SYS(write), 1,
-                          SCMP_A0(SCMP_CMP_EQ, static_cast<scmp_datum_t>(file))) == 0;
+  const scmp_arg_cmp written{0, SCMP_CMP_EQ, static_cast<scmp_datum_t>(file), 0};
+  return seccomp_rule_add(filter, SCMP_ACT_ALLOW, SCMP_SYS(write), 1, written) == 0;
 }
 
 bool fill(Filter filter) {

@@ -271,12 +271,12 @@ SharedKeys EventIndex::ordered(std::int64_t owner, const EventOrder& order) {
 }
 
 SharedKeys EventIndex::orderedByTime(std::int64_t owner) {
-  const std::int64_t version = connection_.tables().changesByOthers();
-  if (auto kept = byTime_.of(owner, version)) return kept;
+  const std::int64_t changes = connection_.tables().changesByOthers();
+  if (auto kept = byTime_.of(owner, changes)) return kept;
   const CollectedEvents events = collectEvents(connection_, collecting_, owner, false);
   if (events.beyondKeys()) return {};
-  byTime_.keep(owner, version, events.byTime(), events.lastMoment());
-  return byTime_.of(owner, version);
+  byTime_.keep(owner, changes, events.byTime(), events.lastMoment());
+  return byTime_.of(owner, changes);
 }
 
 void EventIndex::added(std::int64_t key, std::optional<std::int64_t> owner, const EventTexts& texts) {

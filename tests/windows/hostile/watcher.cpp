@@ -31,17 +31,18 @@ std::wstring textOf(HWND window) {
   return text;
 }
 
+BOOL CALLBACK takeDialog(HWND window, LPARAM list) {
+  constexpr std::wstring_view dialog = L"#32770";
+  wchar_t name[16] = L"";
+  GetClassNameW(window, name, 16);
+  if (name == dialog) reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+  return TRUE;
+}
+
 // A list of a moment: going on from a window that is being destroyed brings Wine's own server to a stand.
 std::vector<HWND> dialogs() {
   std::vector<HWND> found;
-  const auto take = [](HWND window, LPARAM list) -> BOOL {
-    constexpr std::wstring_view dialog = L"#32770";
-    wchar_t name[16] = L"";
-    GetClassNameW(window, name, 16);
-    if (name == dialog) reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
-    return TRUE;
-  };
-  EnumWindows(take, reinterpret_cast<LPARAM>(&found));
+  EnumWindows(takeDialog, reinterpret_cast<LPARAM>(&found));
   return found;
 }
 

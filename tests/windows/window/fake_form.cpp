@@ -188,6 +188,13 @@ std::u16string FakeTexts::text(ViewText which) {
     case ViewText::clipboardHeld:
       return pick({u"Another program holds the clipboard.", u"Буфер обмена занят.", u"コピーできません。"},
                   language_);
+    case ViewText::newerFault:
+      return pick({u"1 newer fault above", u"Выше: новая неисправность", u"上に新しい障害が 1 件あります"},
+                  language_);
+    case ViewText::newerFaults:
+      return pick(
+          {u"{1} newer faults above", u"Выше новых неисправностей: {1}", u"上に新しい障害が {1} 件あります"},
+          language_);
     case ViewText::openGuide:
       return pick({u"&Guide", u"&Руководство", u"ガイド(&G)"}, language_);
     case ViewText::copyFault:

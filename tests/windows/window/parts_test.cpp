@@ -145,7 +145,7 @@ LayoutInput sample(int wide, int high, int dpi = 96) {
 std::vector<RECT> everything(const Layout& layout) {
   std::vector<RECT> all{layout.exchangeLabel, layout.dropDown, layout.receivedLabel, layout.received,
                         layout.frame,         layout.lookUp,   layout.notice,        layout.grid,
-                        layout.splitter,      layout.pane};
+                        layout.splitter,      layout.pane,     layout.newer};
   all.insert(all.end(), layout.buttons.begin(), layout.buttons.end());
   return all;
 }
@@ -167,6 +167,7 @@ TEST(Layout, nothingOverlapsAtAnyWidthOrDensity) {
       in.dropDownHeight = MulDiv(24, dpi, 96);
       in.lookUpHeight = MulDiv(38, dpi, 96);
       in.noticeHeight = MulDiv(30, dpi, 96);
+      in.newerHeight = MulDiv(38, dpi, 96);
       expectNothingOverlaps(arrange(in));
     }
 }

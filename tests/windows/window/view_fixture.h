@@ -32,7 +32,7 @@ struct RecordedEvents : ViewEvents {
   std::vector<std::size_t> hits;  // one after the other, before `hit`
   int closes = 0, ticks = 0, whatsThis = 0;
   ListUse use = ListUse::now;
-  std::function<void()> onButton;
+  std::function<void()> onButton, onHeading;
   Control* exchangeList = nullptr;
   bool takesExchanges = true;
   bool fails = false;  // each event
@@ -47,6 +47,7 @@ struct RecordedEvents : ViewEvents {
   }
   void headingClicked(int column) override {
     headings.push_back(column);
+    if (onHeading) onHeading();
     happened();
   }
   void exchangeChosen(int listIndex) override {

@@ -51,6 +51,7 @@ enum Id : int {
   idFilterMessage,
   idKindList,
   idShowAll,  // in the place of an empty grid
+  idNewer,    // above the rows
   idNotice,
   idGrid,
   idPane,

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <utility>
 
 #include "platform/windows/window/geometry.h"
 #include "platform/windows/window/input_messages.h"
@@ -91,18 +92,27 @@ void Grid::setHeading(int column, const std::u16string& caption) {
   showSortMark(column);  // the format took it away
 }
 
-void Grid::setRows(GridSource* source) {
+void Grid::setRows(GridSource* source, std::optional<Place> place) {
   rows_.setSource(source);
   filling_ = true;
   unselect();
   selected_.reset();
   selection_.clear();
   ListView_SetItemCountEx(window_, static_cast<int>(std::min<std::size_t>(size(), 100'000'000)), 0);
-  if (size() > 0) select(0);
+  if (size() > 0) selectFirst(place);
   filling_ = false;
+  moved_ = place.has_value();
   fit();
   InvalidateRect(window_, nullptr, FALSE);
   events_.selectionChanged();
+}
+
+void Grid::selectFirst(std::optional<Place> place) {
+  if (!place) return select(0);
+  selection_.only(place->row);
+  ListView_SetItemState(window_, static_cast<int>(place->row), LVIS_SELECTED | LVIS_FOCUSED,
+                        LVIS_SELECTED | LVIS_FOCUSED);
+  scrollTo(place->row, place->line);
 }
 
 void Grid::refresh() {
@@ -111,9 +121,17 @@ void Grid::refresh() {
   InvalidateRect(window_, nullptr, FALSE);
 }
 
-void Grid::rowsChanged(std::optional<std::size_t> row) {
-  const int top = ListView_GetTopIndex(window_), page = std::max(1, ListView_GetCountPerPage(window_));
-  const int line = selected_ ? std::clamp(static_cast<int>(*selected_) - top, 0, page - 1) : 0;
+int Grid::line() const {
+  return selected_ ? static_cast<int>(*selected_) - top() : 0;
+}
+
+void Grid::scrollBy(int lines) {
+  ListView_Scroll(window_, 0, lines * look_.rowHeight());
+}
+
+void Grid::rowsChanged(std::optional<std::size_t> row, std::optional<int> wanted) {
+  const int page = std::max(1, ListView_GetCountPerPage(window_));
+  const int line = wanted.value_or(std::clamp(this->line(), 0, page - 1));
   rows_.forget();
   filling_ = true;
   unselect();
@@ -136,10 +154,9 @@ void Grid::rowsChanged(std::optional<std::size_t> row) {
 void Grid::scrollTo(std::size_t row, int line) {
   const int page = std::max(1, ListView_GetCountPerPage(window_));
   const int last = std::max(0, static_cast<int>(size()) - page);
-  const int wanted = std::clamp(static_cast<int>(row) - line, 0, last);
-  const int by = wanted - ListView_GetTopIndex(window_);
-  if (by != 0) ListView_Scroll(window_, 0, by * look_.rowHeight());
-  ListView_EnsureVisible(window_, static_cast<int>(row), FALSE);
+  const int by = std::clamp(static_cast<int>(row) - line, 0, last) - top();
+  if (by != 0) scrollBy(by);
+  if (line >= 0 && line < page) ListView_EnsureVisible(window_, static_cast<int>(row), FALSE);
 }
 
 void Grid::setSortMark(int column, bool descending) {
@@ -227,6 +244,7 @@ LRESULT Grid::rowsHeard(UINT message, WPARAM wide, LPARAM low) {
   painting_ = lookAtPlaces();
   const LRESULT answer = watch_.pass(message, wide, low);
   painting_.reset();
+  if (std::exchange(paintedTop_, top()) != top()) events_.scrolled();
   return answer;
 }
 
@@ -243,6 +261,7 @@ void Grid::itemChanged(const NMLISTVIEW& change) {
   edge.right = scaled(4, look_.dpi);
   InvalidateRect(window_, &edge, FALSE);
   if (filling_) return;
+  moved_ = true;
   if (selection_.size() > 1) InvalidateRect(window_, nullptr, FALSE);
   if (selected_) selection_.only(*selected_);
   events_.selectionChanged();
@@ -258,6 +277,7 @@ void Grid::select(std::size_t row) {
   if (selected_ != row) unselect();
   if (selection_.size() > 1) InvalidateRect(window_, nullptr, FALSE);
   selection_.only(row);
+  moved_ = true;
   ListView_SetItemState(window_, item, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
   ListView_EnsureVisible(window_, item, FALSE);
 }

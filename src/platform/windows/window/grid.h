@@ -18,6 +18,7 @@ class Grid {
     std::function<void(int column)> headingClicked;  // the column's own index
     std::function<void()> selectionChanged;
     std::function<void()> copy;
+    std::function<void()> scrolled;  // other rows are in sight
   };
 
   void create(HWND parent, int id, Events events);
@@ -27,7 +28,13 @@ class Grid {
   void setColours(const Palette& palette);
   void takeInput(bool takes) { takesInput_ = takes; }  // when not, it looks as ever and stays as it is
   void setHeading(int column, const std::u16string& caption);
-  void setRows(GridSource* source);  // instant, however many there are; the first row becomes selected
+  // A row and the line of the screen, from 0, that it stands in; others are above and below what is in sight.
+  struct Place {
+    std::size_t row;
+    int line;
+  };
+  // Instant, however many there are; the first row becomes selected, or the one of `place`.
+  void setRows(GridSource* source, std::optional<Place> place = std::nullopt);
   void forgetRows() { rows_.setSource(nullptr); }  // the window goes; the source may go first
   void refresh();                                  // fetches the rows in sight again
   void setSortMark(int column, bool descending);
@@ -43,8 +50,15 @@ class Grid {
   const ShownRow* selectedRow();
   GridSource* source() const { return rows_.source(); }
   void select(std::size_t row);  // and brings it into sight
-  // The source shows other rows now: `row` becomes selected and stands where the selected one stood.
-  void rowsChanged(std::optional<std::size_t> row);
+  // The source shows other rows now: `row` becomes selected and stands in that line, or where the selected
+  // one stood.
+  void rowsChanged(std::optional<std::size_t> row, std::optional<int> line = std::nullopt);
+  int top() const { return ListView_GetTopIndex(window_); }  // the first row in sight
+  int line() const;                                          // of the selected row
+  void scrollBy(int lines);
+  int rowHeight() const { return look_.rowHeight(); }
+  // Since the rows came somebody has selected one of them, or scrolled.
+  bool moved() const { return moved_ || (window_ != nullptr && top() > 0); }
   void mark(const std::u16string& needle);  // in small letters; in every row that holds it
   POINT menuPlace() const;                  // of the selected row, in screen coordinates
   // For a menu that opens while the press that selects is still under way: whoever shows the selected row is
@@ -79,6 +93,7 @@ class Grid {
   bool selectionKey(WPARAM key);
   std::size_t targetOf(WPARAM key) const;
   void selectionMoved(const std::vector<list::Stretch>& before, bool caretMoved);
+  void selectFirst(std::optional<Place> place);
   void scrollTo(std::size_t row, int line);
   LRESULT moveSelection(UINT message, WPARAM wide, LPARAM low);
   LRESULT rowsHeard(UINT message, WPARAM wide, LPARAM low);
@@ -104,7 +119,8 @@ class Grid {
   std::u16string needle_;
   std::optional<std::size_t> before_;    // selected when the press or key under way began
   std::optional<std::size_t> selected_;  // asking the list view would walk through all its rows
-  bool fits_ = true, ownWidths_ = false;
+  bool fits_ = true, ownWidths_ = false, moved_ = false;
+  int paintedTop_ = 0;
 };
 
 }  // namespace vordane::window::win32

@@ -19,6 +19,7 @@ LRESULT Grid::moveSelection(UINT message, WPARAM wide, LPARAM low) {
     press_->shift = (wide & MK_SHIFT) != 0;
     press_->control = (wide & MK_CONTROL) != 0;
   }
+  if (message == WM_KEYDOWN || press_->row) moved_ = true;
   before_ = selected_;
   unselect();
   filling_ = true;
@@ -91,6 +92,7 @@ bool Grid::selectionKey(WPARAM key) {
       key == VK_UP || key == VK_DOWN || key == VK_PRIOR || key == VK_NEXT || key == VK_HOME || key == VK_END;
   const bool all = control && key == 'A', toggles = control && key == VK_SPACE;
   if (!moves && !all && !toggles) return false;
+  moved_ = true;
   const std::vector<list::Stretch> stretches = selection_.stretches();
   const auto caret = selected_;
   if (all) selection_.all(size());

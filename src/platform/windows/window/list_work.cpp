@@ -16,7 +16,7 @@
 namespace vordane::window::win32 {
 namespace {
 
-constexpr UINT_PTR sliceTimer = 1;
+constexpr UINT_PTR sliceTimer = 1, placeTimer = 2;
 constexpr UINT pause = USER_TIMER_MINIMUM, rest = 100;  // milliseconds between slices, and while it rests
 constexpr std::chrono::milliseconds sliceLength{6};     // and the piece that was begun: less than 10
 constexpr std::size_t dayLength = 10;
@@ -35,11 +35,18 @@ void ListWork::create(HWND parent, Around around) {
   output_.create(parent, {around_.use, around_.sheet, around_.say});
   showAll_ = makeChild(parent, idShowAll, WC_BUTTONW, withoutAccessKey(texts_.text(ViewText::filterClear)),
                        WS_TABSTOP | BS_PUSHBUTTON);
+  newer_.create(parent, idNewer, Strip::Sign::above);
+}
+
+void ListWork::enable(bool enabled) {
+  bar_.enable(enabled);
+  EnableWindow(newer_.window(), enabled);
 }
 
 void ListWork::forgetRows() {
   output_.forget();
   finder_.seek({});
+  steady_.forget();
   desk_.setStored(nullptr, {});
 }
 
@@ -55,7 +62,10 @@ void ListWork::setRows(GridSource* rows, const std::u16string& exchange) {
     bar_.fill(desk_.filter());
     mistake_ = list::Mistake::none;
   }
-  grid_.setRows(rows != nullptr ? &desk_ : nullptr);
+  const auto place = used && rows != nullptr ? placeIn(*rows, another) : std::nullopt;
+  if (!used) steady_.forget();
+  grid_.setRows(rows != nullptr ? &desk_ : nullptr, place);
+  line_ = place && desk_.choosing() ? std::optional(place->line) : std::nullopt;
   grid_.mark(finder_.needle());
   if (used && rows != nullptr && (opened_ || isOn(desk_.filter()))) {
     if (!bar_.open()) bar_.show(false);
@@ -64,6 +74,63 @@ void ListWork::setRows(GridSource* rows, const std::u16string& exchange) {
   }
   wake();
   tell();
+  tellNewer();
+}
+
+std::optional<Grid::Place> ListWork::placeIn(GridSource& rows, bool another) {
+  using Why = list::Steady::Why;
+  const Why why = another ? Why::other : byChoice_ ? Why::choice : Why::renewed;
+  const int line = line_.value_or(grid_.line());
+  const auto row = steady_.shown(rows, why, grid_.moved());
+  return row ? std::optional(Grid::Place{*row, line}) : std::nullopt;
+}
+
+void ListWork::byChoice(const std::function<void()>& choice) {
+  struct While {
+    explicit While(bool& what) : flag(what) { flag = true; }
+    ~While() { flag = false; }
+    bool& flag;
+  };
+  const While chosen(byChoice_);
+  choice();
+}
+
+void ListWork::selectionMoved() {
+  line_.reset();
+  const auto selected = grid_.selected();
+  const ShownRow* row = grid_.selectedRow();
+  if (!selected || row == nullptr) return;
+  steady_.caretAt(row->fault, desk_.storedPosition(*selected), desk_.storedSize());
+}
+
+// Whether the newest faults are in sight is looked at when the rows have been painted.
+void ListWork::scrolled() {
+  if (newer_.shown()) SetTimer(parent_, placeTimer, USER_TIMER_MINIMUM, nullptr);
+}
+
+// The strip is as tall as a row: the rows go a line down or up for it, and so stay where they are. One that
+// stands in the first line makes room for it.
+void ListWork::tellNewer() {
+  if (steady_.newer() > 0 && desk_.stored() != nullptr && grid_.top() == 0 && grid_.size() > 0 &&
+      desk_.list() != nullptr)
+    steady_.seen(*desk_.stored());
+  const std::size_t newer = desk_.shownBefore(steady_.newer());
+  const bool was = newer_.shown();
+  newer_.tell(newer == 0   ? std::u16string{}
+              : newer == 1 ? texts_.text(ViewText::newerFault)
+                           : fillText(texts_.text(ViewText::newerFaults), {number(newer)}));
+  if (newer_.shown() == was) return;
+  around_.placeAgain();
+  if (!was && grid_.line() == 0) return;
+  grid_.scrollBy(was ? -1 : 1);
+  if (line_) *line_ += was ? 1 : -1;
+}
+
+void ListWork::goToNewest() {
+  if (around_.use() != ListUse::now || grid_.size() == 0) return;
+  grid_.select(0);
+  SetFocus(grid_.window());
+  tellNewer();
 }
 
 std::optional<std::u16string> ListWork::count() {
@@ -211,6 +278,10 @@ bool ListWork::command(int id, int code) {
     SetFocus(grid_.window());
     return true;
   }
+  if (code == BN_CLICKED && id == idNewer) {
+    goToNewest();
+    return true;
+  }
   if (code == BN_CLICKED && id == idFilterClose) {
     close();
     return true;
@@ -236,6 +307,15 @@ void ListWork::wake() {
 }
 
 bool ListWork::timer(WPARAM id) {
+  if (id == placeTimer) {
+    if (around_.use() == ListUse::later) {
+      SetTimer(parent_, placeTimer, rest, nullptr);
+      return true;
+    }
+    KillTimer(parent_, placeTimer);
+    tellNewer();
+    return true;
+  }
   if (id != sliceTimer) return false;
   if (around_.use() == ListUse::now) slice();
   wake();
@@ -261,7 +341,9 @@ void ListWork::deskSlice(const std::function<bool()>& again) {
   if (did.facts) bar_.setKinds(list::kindsOf(*desk_.facts()), list::processorsOf(*desk_.facts()));
   if (did.shown) {
     finder_.begin();
-    grid_.rowsChanged(desk_.shownPosition(lastSelected_));
+    const auto line = line_;
+    grid_.rowsChanged(desk_.shownPosition(lastSelected_), line);
+    tellNewer();
   }
   if (!desk_.failure().empty() && !failedBefore) bar_.fill(desk_.filter());
   longWork_ = desk_.choosing();

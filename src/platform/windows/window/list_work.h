@@ -1,7 +1,7 @@
 // The window's own ways of looking at the stored faults: the desk with the rows shown, the bar with the
-// filter, the count of the faults that hold a text, copying and saving, and the timer by which their work
-// goes on between messages. While an answer is waited for or a box stands it rests; where nobody looks there
-// is nothing of it. One thread.
+// filter, the count of the faults that hold a text, copying and saving, the place in a list that is renewed,
+// and the timers by which their work goes on between messages. While an answer is waited for or a box stands
+// it rests; where nobody looks there is nothing of it. One thread.
 #pragma once
 
 #include <functional>
@@ -10,9 +10,11 @@
 
 #include "list/desk.h"
 #include "list/finder.h"
+#include "list/steady.h"
 #include "platform/windows/window/filter_bar.h"
 #include "platform/windows/window/grid.h"
 #include "platform/windows/window/row_output.h"
+#include "platform/windows/window/strip.h"
 
 namespace vordane::window::win32 {
 
@@ -31,8 +33,15 @@ class ListWork {
   void create(HWND parent, Around around);
   void forgetRows();  // the window goes; the source may go first
 
-  // The rows that the form gives; what is shown of them is the desk's business.
+  // The rows that the form gives; what is shown of them is the desk's business. Rows of the same exchange are
+  // shown where the person is in them, unless they come `byChoice`.
   void setRows(GridSource* rows, const std::u16string& exchange);
+  // Rows that come while it runs have been chosen by the person.
+  void byChoice(const std::function<void()>& choice);
+  void selectionMoved();
+  void scrolled();
+  const Strip& newer() const { return newer_; }  // that newer faults are above
+  void enable(bool enabled);
   std::size_t storedSize() const { return desk_.storedSize(); }
   // What the status line says instead of the number of rows.
   std::optional<std::u16string> count();
@@ -67,6 +76,9 @@ class ListWork {
   bool timer(WPARAM id);
 
  private:
+  std::optional<Grid::Place> placeIn(GridSource& rows, bool another);
+  void tellNewer();
+  void goToNewest();
   void follow(const list::Filter& filter);
   void wake();
   void slice();
@@ -84,8 +96,12 @@ class ListWork {
   list::Finder finder_{desk_};
   RowOutput output_{desk_, texts_};
   FilterBar bar_;
-  std::u16string exchange_;                    // that the bar speaks of
-  bool opened_ = false;                        // by the person
+  list::Steady steady_;
+  Strip newer_;
+  bool byChoice_ = false;
+  std::optional<int> line_;  // of the screen, to be kept until the filter has chosen among renewed rows
+  std::u16string exchange_;  // that the bar speaks of
+  bool opened_ = false;      // by the person
   bool longWork_ = false, longCount_ = false;  // more than a slice: progress is told
   list::Mistake mistake_ = list::Mistake::none;
   std::size_t lastSelected_ = 0;  // among the stored rows, also while no row is shown

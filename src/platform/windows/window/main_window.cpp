@@ -195,9 +195,10 @@ void MainWindow::createGridAndPane() {
                       reinterpret_cast<HMENU>(static_cast<INT_PTR>(idNotice)), instance, nullptr);
   Grid::Events events;
   events.headingClicked = [this](int column) {
-    if (inputAllowed() && events_ != nullptr) events_->headingClicked(column);
+    if (inputAllowed() && events_ != nullptr) list_.byChoice([&] { events_->headingClicked(column); });
   };
   events.selectionChanged = [this] {
+    list_.selectionMoved();
     if (status_.takeRemarkAway()) placeStatus();
     showSelected();
     lookUpNote_.clear();
@@ -205,6 +206,7 @@ void MainWindow::createGridAndPane() {
     const bool several = grid_.selection().size() > 1;
     if (std::exchange(severalSelected_, several) || several) showCount();
   };
+  events.scrolled = [this] { list_.scrolled(); };
   events.copy = [this] { list_.copy(RowOutput::What::rows); };
   grid_.create(window_, idGrid, std::move(events));
   if (Control* grid = control(gridName)) ids_[grid] = idGrid;

@@ -174,6 +174,7 @@ LRESULT MainWindow::command(int id, int code) {
   if (!inputAllowed() || events_ == nullptr) return 0;
   if (id == IDOK && GetFocus() == lookUp_.box()) lookUpNext(wayOfShift());
   if (id == IDOK && list_.bar().listOpen()) list_.bar().closeList();
+  if (id == IDOK && GetFocus() == list_.newer().window()) return command(idNewer, BN_CLICKED);
   if (id == IDCANCEL) escape();
   if (list_.command(id, code)) return 0;
   if (id == idExchange) exchangeNotified(code);
@@ -208,7 +209,7 @@ void MainWindow::exchangePicked() {
   Control* list = control(u"drpPBXList");
   const int chosen = static_cast<int>(SendMessageW(item(idExchange), CB_GETCURSEL, 0, 0));
   if (list == nullptr || chosen < 0 || chosen == list->listIndex()) return;
-  events_->exchangeChosen(chosen);
+  list_.byChoice([&] { events_->exchangeChosen(chosen); });
 }
 
 LRESULT MainWindow::notify(LPARAM low) {
@@ -227,6 +228,7 @@ void MainWindow::drawItem(const DRAWITEMSTRUCT& item) {
     const bool bar = grid_.size() > 0;
     return drawNotice({item.hDC, item.rcItem, noticeWords(), noticeKind_, bar, font_.get(), dpi_}, palette_);
   }
+  if (id == idNewer) return list_.newer().draw(item, font_.get(), dpi_, palette_);
   const bool lit = lit_[id == idMajor ? 0 : 1];
   const auto font = fonts_.find(id);
   const HFONT plain = font != fonts_.end() ? font->second.get() : font_.get();
@@ -271,6 +273,7 @@ std::u16string MainWindow::focusedPart() const {
   if (id >= idLookUpLabel && id <= idLookUpMessage) return std::u16string(lookUpBarPart);
   if (id >= idFilterTextLabel && id <= idShowAll) return std::u16string(filterBarPart);
   if (id == idPane) return std::u16string(panePart);
+  if (id == idNewer) return std::u16string(gridName);
   for (const auto& [shown, childId] : ids_)
     if (childId == id) return shown->name();
   return {};
@@ -316,7 +319,7 @@ bool MainWindow::keyDown(WPARAM key) {
   }
   const WPARAM column = key - '1';  // headings by keyboard
   if (column < columnCount && controlHeld()) {
-    events_->headingClicked(static_cast<int>(column));
+    list_.byChoice([&] { events_->headingClicked(static_cast<int>(column)); });
     return true;
   }
   if (key == VK_F3) {

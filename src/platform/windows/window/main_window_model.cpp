@@ -114,7 +114,7 @@ void MainWindow::updateInput() {
   }
   for (const auto& [shown, id] : ids_) applyEnabled(*shown, id);
   lookUp_.enable(allowed);
-  list_.bar().enable(allowed);
+  list_.enable(allowed);
   grid_.takeInput(allowed);
   pane_.takeInput(allowed);
   if (allowed) giveFocusBack();

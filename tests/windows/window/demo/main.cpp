@@ -1,7 +1,7 @@
 // Shows the window over rows in memory and prints every event that reaches the form, so that a person (or a
 // program that presses its buttons) can see what the window does. Words on the command line: ru, ja; empty,
-// waiting, failure, busy, million, long; filter, kinds, nothing; find; size=WIDTHxHEIGHT in pixels at 96 dots
-// an inch; picture=PATH.
+// waiting, failure, busy, million, long; filter, kinds, nothing; find; newer; size=WIDTHxHEIGHT in pixels at
+// 96 dots an inch; picture=PATH.
 #include <windows.h>
 
 #include <objbase.h>
@@ -29,6 +29,7 @@ struct Options {
   bool filter = false, kinds = false,
        nothing = false;  // the bar open, its list too, and no fault that passes
   bool find = false;     // a text looked for, and gone to twice
+  bool newer = false;    // faults have come while a person was in the list
   int width = 0, height = 0;
   std::u16string picture;
 };
@@ -108,6 +109,7 @@ Options readOptions(int count, char** words) {
     if (word == "kinds") options.filter = options.kinds = true;
     if (word == "nothing") options.filter = options.nothing = true;
     if (word == "find") options.find = true;
+    if (word == "newer") options.newer = true;
     if (word == "long") options.longTexts = true;
     if (word == "million") options.rows = 1'000'000;
     if (word.rfind("size=", 0) == 0) std::sscanf(word.c_str(), "size=%dx%d", &options.width, &options.height);
@@ -178,6 +180,29 @@ void showFind(HWND window, Language language) {
   for (int step = 0; step < 2; ++step) press(win32::idLookUpNext);
 }
 
+// The rows before the newest ones came.
+struct RowsBefore final : GridSource {
+  explicit RowsBefore(FakeRows& all) : rows(all) {}
+  static constexpr std::size_t come = 7;
+  std::size_t size() const override { return rows.size() - come; }
+  std::optional<GridRow> row(std::size_t position) override { return rows.row(position + come); }
+  std::vector<Range> provenance(std::size_t, std::size_t) override { return {}; }
+  FakeRows& rows;
+};
+
+// A fault in the middle is chosen, then the list is renewed.
+void showNewer(View& view, HWND window, FakeRows& rows) {
+  const HWND grid = GetDlgItem(window, win32::idGrid);
+  constexpr UINT chosen = LVIS_SELECTED | LVIS_FOCUSED;
+  RowsBefore before(rows);
+  view.setRows(&before);
+  MSG message;
+  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);  // the first look
+  ListView_EnsureVisible(grid, 46, FALSE);
+  ListView_SetItemState(grid, 42, chosen, chosen);
+  view.setRows(&rows);
+}
+
 }  // namespace
 
 int main(int count, char** words) {
@@ -203,6 +228,7 @@ int main(int count, char** words) {
   if (options.busy) view->setInputEnabled(false);
   if (options.filter) showFilter(view->window(), options);
   if (options.find) showFind(view->window(), options.language);
+  if (options.newer) showNewer(*view, view->window(), rows);
   MSG message;
   while (GetMessageW(&message, nullptr, 0, 0) > 0) {
     if (view->translate(message)) continue;
