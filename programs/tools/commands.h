@@ -14,6 +14,7 @@ void declareImport(options::Command& command);
 void declareInstall(options::Command& command);
 void declareLanguage(options::Command& command);
 void declareList(options::Command& command);
+void declareStore(options::Command& command);
 void declareSuite(options::Command& command);
 void declareUninstall(options::Command& command);
 

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <iterator>
 
+#include "language_source.h"
 #include "lines.h"
 #include "platform/database_numbers.h"
+#include "platform/engine_choice.h"
 #include "text/utf8.h"
 
 namespace vordane::tools {
@@ -37,10 +39,13 @@ constexpr Advice advices[] = {
 }  // namespace
 
 std::string failureText(std::string_view file, const database::DatabaseError& failure) {
+  const auto ofServer = [&] {
+    return database::fileKind(toPath(std::string(file)).u16string()) == database::FileKind::dataSource;
+  };
   const auto* known = std::find_if(std::begin(advices), std::end(advices),
                                    [&](const Advice& advice) { return advice.number == failure.number(); });
   std::string out = std::string(file) + ": ";
-  if (known != std::end(advices)) return out += known->text;
+  if (known != std::end(advices) && !ofServer()) return out += known->text;
   return out + text::toUtf8(failure.description()) + " (error " + std::to_string(failure.number()) + ")";
 }
 

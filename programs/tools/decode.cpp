@@ -7,6 +7,7 @@
 #include "commands.h"
 #include "console.h"
 #include "faults/cFaultDisplay.h"
+#include "language_texts.h"
 #include "lines.h"
 #include "platform/sqlite/engine.h"
 #include "startup/databases.h"

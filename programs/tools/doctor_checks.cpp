@@ -107,11 +107,13 @@ std::unique_ptr<Database> openForLook(database::Engine& engine, const SuiteFile&
     findings.push_back({file.weight, nameOf(file.path) + " is missing: " + file.without});
     return nullptr;
   }
-  if (file.writable && !canWrite(file.path))
+  // What is written then is a store on a server; the file only says where it is.
+  const bool isStore = database::fileKind(toText(file.path)) == database::FileKind::dataSource;
+  if (file.writable && !isStore && !canWrite(file.path))
     findings.push_back({file.weight, nameOf(file.path) + " can't be written: " + file.without});
   if (!isWhole(file, findings)) return nullptr;
   try {
-    return engine.open(toText(file.path), true);
+    return engine.open(toText(file.path), !isStore || !file.writable);
   } catch (const database::DatabaseError& error) {
     findings.push_back({file.weight, whyNot(file, error)});
     return nullptr;

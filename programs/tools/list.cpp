@@ -11,6 +11,8 @@
 #include "fault_list.h"
 #include "lines.h"
 #include "platform/engine_choice.h"
+#include "platform/odbc/engine.h"
+#include "platform/odbc/library.h"
 #include "platform/sqlite/engine.h"
 #include "startup/databases.h"
 #include "text/utf8.h"
@@ -46,7 +48,8 @@ struct Options {
 };
 
 int listAll(const Options& given) {
-  const auto engine = database::makeEngineChoice(accessEngine(), sqlite::makeEngine(startup::databases));
+  const auto engine = database::makeEngineChoice(accessEngine(), sqlite::makeEngine(startup::databases), {},
+                                                 odbc::makeEngine(startup::databases, odbc::systemLibrary()));
   const auto database = openDatabase(*engine, given.file);
   if (given.csv) useBinaryStandardStreams();  // its lines have their ends
   try {

@@ -4,7 +4,6 @@
 #include <string>
 
 #include "faults/fault_texts.h"
-#include "platform/database.h"
 
 namespace vordane::tools {
 
@@ -14,9 +13,5 @@ namespace vordane::tools {
 void readMessages(const std::string& path, FaultTextTable& texts);
 // Lists of other names are mentioned on the error stream and passed over.
 void readLists(const std::string& path, FaultTextTable& texts);
-
-// The messages and the window's lists of a language database, as the program itself loads them. Throws
-// ToolError, also when the file can't be opened.
-void readLanguageDatabase(database::Engine& engine, const std::string& path, FaultTextTable& texts);
 
 }  // namespace vordane::tools

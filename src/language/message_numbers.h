@@ -193,12 +193,16 @@ inline constexpr std::size_t outputGivenUp = 295;
 inline constexpr std::size_t newerFault = 296;
 inline constexpr std::size_t newerFaults = 297;  // {1} of them
 
+// Of the language that stored faults are in.
+inline constexpr std::size_t languageName = 298;          // as its speakers call it
+inline constexpr std::size_t otherStoringLanguage = 299;  // {1} of the store, {2} of this station
+
 // The product's own numbers, as [first, end). Behind the last stand the titles and labels of fault kinds that
 // came later; own ones that come after those begin a range of their own.
 struct Range {
   std::size_t first, end;
 };
-inline constexpr std::array ownTexts{Range{165, 298}};
+inline constexpr std::array ownTexts{Range{165, 300}};
 inline constexpr std::size_t count = ownTexts.back().end;  // of all that are named here or stand before
 
 constexpr bool isOwn(std::size_t number) {

@@ -91,6 +91,12 @@ class RowList {
   }
 };
 
+// What all that write into one store must have in common: a name for people, and a mark that decides.
+struct Agreement {
+  std::u16string name, mark;
+  bool operator==(const Agreement&) const = default;
+};
+
 class Database {
  public:
   virtual ~Database() = default;
@@ -110,6 +116,10 @@ class Database {
   // the engine doesn't know how much there is to do.
   using Progress = std::function<void(std::size_t done, std::size_t of)>;
   virtual void setProgress(Progress progress) = 0;
+
+  // What is agreed on about `subject`: what the store keeps of it, or `own`, which a store that keeps nothing
+  // yet keeps from then on. In a batch that is saved with it. A file has one writer's agreements: `own`.
+  virtual Agreement agree(std::u16string_view, const Agreement& own) { return own; }
 
   // The file lies on a network drive, where storing takes longer.
   virtual bool isOnNetwork() const { return false; }

@@ -3,7 +3,9 @@
 #include <utility>
 
 #include "faults/kind_lists.h"
+#include "faults/stored_words.h"
 #include "language/comDatabase.h"
+#include "language/message_numbers.h"
 #include "startup/window_end.h"
 
 namespace vordane::startup {
@@ -38,6 +40,11 @@ const cFaultDisplay& StoreWindow::faultDecoder(bool wideFaultFields) {
   }
   decoder_ = std::make_unique<cFaultDisplay>(texts_, wide_);
   return *decoder_;
+}
+
+database::Agreement StoreWindow::storingLanguage() {
+  faultDecoder(wide_);  // its texts are read by now
+  return {messageText(application_.state(), message::languageName), markOfStoredWords(texts_)};
 }
 
 void StoreWindow::hostMessage(std::u16string_view text) {

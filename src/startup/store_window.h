@@ -29,6 +29,7 @@ class StoreWindow final : public store::StoreForm {
 
   database::Database* faultDatabase() override { return database_.get(); }
   const cFaultDisplay& faultDecoder(bool wideFaultFields) override;
+  database::Agreement storingLanguage() override;
   automation::ObjectRef host() override { return host_.ref(); }
   std::u16string installPath(std::u16string_view item) override { return application_.installPath(item); }
   void hostMessage(std::u16string_view text) override;

@@ -58,6 +58,9 @@ inline constexpr database::StatementPattern faultStatements[] = {
 };
 static_assert(sortClauses.size() == 10);
 
+// Under what a shared store keeps the language of its descriptions.
+inline constexpr std::u16string_view languageSubject = u"Language";
+
 inline constexpr database::Description faultDatabase{faultTables, faultStatements, &faultEvents};
 
 }  // namespace vordane::store

@@ -204,17 +204,33 @@ status::ListAccount Ingestion::account() const {
   return account;
 }
 
-// The statements of one ingestion; the engine's text when one of them failed.
+// Why a station with these words must not write into the store, when other ones are kept there: each fault
+// would be stored once more, in other words.
+std::optional<std::u16string> whyOtherWords(const Surroundings& around, database::Database& database,
+                                            const database::Agreement& own) {
+  const database::Agreement kept = database.agree(languageSubject, own);
+  if (kept.mark == own.mark) return {};
+  const auto told = [&](const database::Agreement& words) {
+    return kept.name == own.name ? words.name + u" (" + words.mark + u")" : words.name;
+  };
+  return fillText(messageText(around.state, message::otherStoringLanguage), {told(kept), told(own)});
+}
+
+// The statements of one ingestion; why the list was not taken when one of them failed, or none may be made.
 std::optional<std::u16string> takeList(const Surroundings& around, comSSDataGrid::FaultRows& shown,
-                                       database::Database& database, Ingestion& list,
-                                       std::int16_t& exchangeId) {
-  return trap([&] {
+                                       database::Database& database, const database::Agreement& language,
+                                       Ingestion& list, std::int16_t& exchangeId) {
+  std::optional<std::u16string> refused;
+  auto failure = trap([&] {
     Batch batch(database);
+    refused = whyOtherWords(around, database, language);
+    if (refused) return;
     LongStep step(around, shown, database, LongStep::storing);
     list.stampExchange(database, exchangeId);
     list.storeFaults(database, exchangeId, step);
     batch.end();
   });
+  return failure ? failure : refused;
 }
 
 }  // namespace
@@ -236,7 +252,7 @@ FaultStore::After FaultStore::IngestFaultList(const pbx::ReceivedList& received)
   std::optional<std::u16string> failure;
   if (database == nullptr) {
     list.setNoDatabase();
-  } else if ((failure = takeList(around_, grid_, *database, list, exchangeId_))) {
+  } else if ((failure = takeList(around_, grid_, *database, form_.storingLanguage(), list, exchangeId_))) {
     list.countAgain(*database, exchangeId_, *failure);
   }
   tellAccount(list.account());

@@ -33,6 +33,9 @@ class StoreForm {
   virtual database::Database* faultDatabase() = 0;  // null: FAULT.MDB is not open
   // The form's one decoder, created on first use, set to decode with this flag until the next call.
   virtual const cFaultDisplay& faultDecoder(bool wideFaultFields) = 0;
+  // What a shared store must be kept in for this station to write into it: the language and a mark of its
+  // words.
+  virtual database::Agreement storingLanguage() = 0;
   virtual automation::ObjectRef host() = 0;                          // null stand-alone or before RegisterPBX
   virtual std::u16string installPath(std::u16string_view item) = 0;  // of product "Addins"
 

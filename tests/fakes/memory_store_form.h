@@ -12,6 +12,7 @@
 #include "fakes/memory_view.h"
 #include "fakes/set_clock.h"
 #include "faults/fault_texts.h"
+#include "faults/stored_words.h"
 #include "language/message_numbers.h"
 #include "platform/control_types.h"
 #include "store/fault_store.h"
@@ -42,6 +43,7 @@ class MemoryStoreForm : public store::StoreForm {
     if (!decoder) decoder = std::make_unique<cFaultDisplay>(texts, decoderWide);
     return *decoder;
   }
+  database::Agreement storingLanguage() override { return {u"English", markOfStoredWords(texts)}; }
   automation::ObjectRef host() override { return hostObject; }
   std::u16string installPath(std::u16string_view item) override {
     return joined({u"C:\\SUITE\\ADDINS\\", item, u"\\"});

@@ -51,6 +51,9 @@ class WatchedDatabase : public database::Database {
     progress = callback;
     inner_->setProgress(std::move(callback));
   }
+  database::Agreement agree(std::u16string_view subject, const database::Agreement& own) override {
+    return inner_->agree(subject, own);
+  }
   bool isOnNetwork() const override { return inner_->isOnNetwork(); }
   void close() noexcept override {
     if (closed) closed();

@@ -105,6 +105,31 @@ TEST_F(Stations, ThatTakeInTheSameListsStoreEachFaultOnce) {
   EXPECT_EQ(one("select count(*) from vordane.\"PBXList\""), "1");
 }
 
+TEST_F(Stations, AgreeOnWhatTheFirstOneKeeps) {
+  const database::Agreement first{u"English", u"1"}, other{u"Русский", u"2"};
+  const auto one = station(), another = station();
+  one->beginBatch();
+  EXPECT_EQ(one->agree(u"Language", first), first);
+  // Until it is saved nobody else decides.
+  EXPECT_EQ(numberOfError([&] { another->agree(u"Language", other); }), 3260);
+  one->endBatch();
+  EXPECT_EQ(another->agree(u"Language", other), first);
+  EXPECT_EQ(one->agree(u"Other", other), other);
+  EXPECT_EQ(one->agree(u"Language", other), first);
+}
+
+TEST_F(Stations, AgreeOnNothingInABatchThatFails) {
+  const auto one = station();
+  one->beginBatch();
+  one->agree(u"Language", {u"English", u"1"});
+  this->one(
+      "select pg_terminate_backend(pid) from pg_stat_activity where application_name = 'Vordane' and "
+      "datname = current_database()");
+  EXPECT_EQ(numberOfError([&] { one->endBatch(); }), 3151);
+  EXPECT_EQ(this->one("select count(*) from vordane.\"VordaneAgreements\""), "0");
+  EXPECT_EQ(one->agree(u"Language", {u"Русский", u"2"}).mark, u"2");
+}
+
 TEST_F(Stations, AFaultThatComesTwiceInAListIsStoredOnce) {
   const auto database = station();
   database->beginBatch();

@@ -25,7 +25,7 @@ for help in --help -h; do
 done
 run 0 --version; silent errors
 [ "$(cat "$work/out")" = "vordane-tools $version" ] || { echo "FAILED: the version is $(cat "$work/out")"; failed=1; }
-for command in decode doctor guide language export import install list suite uninstall; do
+for command in decode doctor guide language export import install list store suite uninstall; do
   run 0 $command --help; silent errors; says out "usage: vordane-tools $command "
 done
 run 0 export --help; says out 'vordane-tools export FILE (--csv DIR | --texts DIR) [--spreadsheet]'; says out 'hold every value as it stands'; says out '--spreadsheet '
@@ -46,6 +46,10 @@ run 2 language chek x; says errors 'vordane-tools language: there is no command 
 run 2 export x; says errors 'vordane-tools export: --csv or --texts is missing'
 run 2 suite x --language; says errors '--language needs NAME behind it'
 run 2 suite; says errors 'the directory of the suite is missing'
+
+run 2 store; says errors 'vordane-tools store create FILE.dsn [--language VORDANE.LNG]'
+run 2 store create; says errors 'the file data source of the store is missing'
+run 1 store check none.dsn; silent out; says errors 'none.dsn: there is no such file. Check the path'
 
 run 2 install x; silent out; says errors '--package is missing'
 run 2 install --package x; says errors 'the version directory is missing'

@@ -1,5 +1,7 @@
 #include "doctor_checks.h"
 #include "platform/engine_choice.h"
+#include "platform/odbc/engine.h"
+#include "platform/odbc/library.h"
 #include "platform/sqlite/engine.h"
 #include "startup/databases.h"
 
@@ -18,7 +20,8 @@ class NoAccessEngine : public database::Engine {
 
 std::unique_ptr<database::Engine> examiningEngine() {
   return database::makeEngineChoice(std::make_unique<NoAccessEngine>(),
-                                    sqlite::makeEngine(startup::databases));
+                                    sqlite::makeEngine(startup::databases), {},
+                                    odbc::makeEngine(startup::databases, odbc::systemLibrary()));
 }
 
 std::optional<Workstation> thisWorkstation() {

@@ -3,6 +3,8 @@
 #include "doctor_checks.h"
 #include "platform/dao/dao_engine.h"
 #include "platform/engine_choice.h"
+#include "platform/odbc/engine.h"
+#include "platform/odbc/library.h"
 #include "platform/sqlite/engine.h"
 #include "platform/windows/com/apartment.h"
 #include "platform/windows/services/services.h"
@@ -43,7 +45,8 @@ struct ExaminingEngine : database::Engine {
   windows::ComObjectCreator creator;
   std::unique_ptr<database::Engine> engine = database::makeEngineChoice(
       dao::makeEngine(startup::databases, creator),
-      sqlite::makeEngine(startup::databases, {windows::isOnNetworkDrive}), {windows::isHeldByOthers});
+      sqlite::makeEngine(startup::databases, {windows::isOnNetworkDrive}), {windows::isHeldByOthers},
+      odbc::makeEngine(startup::databases, odbc::systemLibrary()));
 };
 
 }  // namespace

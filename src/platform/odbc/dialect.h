@@ -61,16 +61,24 @@ class Dialect {
   virtual std::string indexTable() const = 0;
   virtual std::string hash(const std::vector<std::string>& texts) const = 0;
   virtual std::string newest() const = 0;  // the key of the newest of all
+  // How many do not stand once in the index, as they are; and what makes the index anew.
+  virtual std::string countUnindexed(const database::EventTable& events) const = 0;
+  virtual std::vector<std::string> renewIndex(const database::EventTable& events) const = 0;
 
   // Locks that last until the transaction ends. The statement for an owner also holds its row, and says with
   // one row whether there is one; its parameters are the owner, twice.
   virtual std::string holdOwner(const std::optional<Owners>& owners) const = 0;
   virtual std::string holdOwners() const = 0;
+  // What is kept of a subject, name and mark, or what is kept from now on; no row when somebody else keeps
+  // something at this moment. Parameters: subject, name, mark, subject, subject.
+  virtual std::string agree() const = 0;
   virtual std::string savepoint() const = 0;
   virtual std::string backToSavepoint() const = 0;
 
-  // Everything that makes a store of an empty database.
-  virtual std::vector<std::string> create(const database::Description& description) const = 0;
+  // Everything that makes a store of an empty database, or of an empty schema in it.
+  enum class Schema : bool { isMissing, isThere };
+  virtual std::vector<std::string> create(const database::Description& description,
+                                          Schema schema = Schema::isMissing) const = 0;
 };
 
 const Dialect& postgres();

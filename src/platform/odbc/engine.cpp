@@ -48,6 +48,10 @@ class ServerDatabase final : public database::Database {
   void setProgress(Progress progress) override {
     if (session_) session_->setProgress(progress);
   }
+  database::Agreement agree(std::u16string_view subject, const database::Agreement& own) override {
+    requireOpen();
+    return session_->agree(subject, own);
+  }
   void close() noexcept override { session_.reset(); }
 
  private:

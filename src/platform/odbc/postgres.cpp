@@ -3,6 +3,7 @@
 
 #include "platform/described.h"
 #include "platform/odbc/dialect.h"
+#include "platform/odbc/postgres_names.h"
 #include "text/text.h"
 #include "text/utf8.h"
 
@@ -14,9 +15,7 @@ using database::ColumnType;
 using database::EventTable;
 using database::TableDefinition;
 
-constexpr std::string_view schema = "vordane";
-constexpr std::u16string_view eventIndex = u"VordaneEventIndex";
-constexpr std::u16string_view ownerIndex = u"VordaneOwnerIndex";
+using postgresNames::eventIndex, postgresNames::ownerIndex, postgresNames::schema;
 
 // Advisory locks are known by two numbers, within a database: whose it is, and what it locks.
 constexpr std::string_view numbersLock = "1987014244, 1";
@@ -36,7 +35,9 @@ void append(std::vector<std::string>& all, const std::vector<std::string>& more)
   all.insert(all.end(), more.begin(), more.end());
 }
 
-std::string_view typeOf(ColumnType type) {
+}  // namespace
+
+std::string_view postgresNames::typeOf(ColumnType type) {
   switch (type) {
     case ColumnType::text:
       return "text";
@@ -54,6 +55,10 @@ std::string_view typeOf(ColumnType type) {
   }
   return "text";
 }
+
+namespace {
+
+using postgresNames::typeOf;
 
 // The capitals beyond ASCII and their small letters, as they are folded one for one.
 struct Letters {
@@ -199,6 +204,9 @@ class Postgres final : public Dialect {
            index + " i on i.\"Owner\" = owners.o and i.\"Moment\" = (select m from newest)";
   }
 
+  std::string countUnindexed(const EventTable& events) const override;
+  std::vector<std::string> renewIndex(const EventTable& events) const override;
+
   std::string holdOwner(const std::optional<Owners>& owners) const override {
     const std::string lock =
         "select pg_advisory_xact_lock(" + std::string(ownerLock) + ", cast(? as integer))";
@@ -210,10 +218,18 @@ class Postgres final : public Dialect {
   std::string holdOwners() const override {
     return "select pg_advisory_xact_lock(" + std::string(ownersLock) + ")::text";
   }
+  std::string agree() const override {
+    const std::string table = name(postgresNames::agreements), text = "cast(? as text)";
+    return "with added as (insert into " + table + " select " + text + ", " + text + ", " + text +
+           " where not exists (select 1 from " + table + " where \"Subject\" = " + text +
+           ") on conflict do nothing returning \"Name\", \"Mark\") select \"Name\", \"Mark\" from added "
+           "union all select \"Name\", \"Mark\" from " +
+           table + " where \"Subject\" = " + text;
+  }
   std::string savepoint() const override { return "savepoint step"; }
   std::string backToSavepoint() const override { return "rollback to savepoint step"; }
 
-  std::vector<std::string> create(const database::Description& description) const override;
+  std::vector<std::string> create(const database::Description& description, Schema whether) const override;
 
  private:
   std::string sequenceOf(const TableDefinition& table, const ColumnDefinition& column) const {
@@ -221,6 +237,7 @@ class Postgres final : public Dialect {
   }
   std::string createTable(const TableDefinition& table) const;
   std::vector<std::string> createFold() const;
+  std::array<std::string, 4> indexed(const EventTable& events, std::string_view row) const;
   std::vector<std::string> createEvents(const EventTable& events) const;
   std::vector<std::string> createOwners(const Owners& owners) const;
   std::vector<std::string> createTrigger(std::string_view trigger, std::string_view when,
@@ -294,17 +311,34 @@ std::vector<std::string> Postgres::createFollowing(const std::string& functions,
   return all;
 }
 
+// What the index holds of the row that `row` names.
+std::array<std::string, 4> Postgres::indexed(const EventTable& events, std::string_view row) const {
+  const auto of = [&](std::u16string_view column) { return std::string(row) + "." + quoted(column); };
+  return {of(events.owner), folded(of(events.moment)),
+          hash({of(events.kind[0]), of(events.kind[1]), of(events.kind[2]), of(events.description)}),
+          of(events.key)};
+}
+
+std::string Postgres::countUnindexed(const EventTable& events) const {
+  const auto [owner, moment, hashed, key] = indexed(events, "f");
+  return "select count(*)::text from " + name(events.table) + " f full join " + indexTable() +
+         " i on i.\"Key\" = " + key + " where i.\"Key\" is null or " + key +
+         " is null or i.\"Owner\" is distinct from " + owner + " or i.\"Moment\" is distinct from " + moment +
+         " or i.\"Hash\" is distinct from " + hashed;
+}
+
+std::vector<std::string> Postgres::renewIndex(const EventTable& events) const {
+  const auto all = indexed(events, "f");
+  return {"lock table " + name(events.table) + " in share row exclusive mode", "delete from " + indexTable(),
+          "insert into " + indexTable() + " select " + join({all.begin(), all.end()}, ", ") + " from " +
+              name(events.table) + " f"};
+}
+
 std::vector<std::string> Postgres::createEvents(const EventTable& events) const {
   const auto of = [&](std::string_view row, std::u16string_view column) {
     return std::string(row) + "." + quoted(column);
   };
-  const auto values = [&](std::string_view row) {
-    return std::array<std::string, 4>{of(row, events.owner), folded(of(row, events.moment)),
-                                      hash({of(row, events.kind[0]), of(row, events.kind[1]),
-                                            of(row, events.kind[2]), of(row, events.description)}),
-                                      of(row, events.key)};
-  };
-  const auto added = values("added"), removed = values("removed");
+  const auto added = indexed(events, "added"), removed = indexed(events, "removed");
   const std::string add =
       "insert into " + indexTable() + " select " + join({added.begin(), added.end()}, ", ") + " from added;";
   const std::string remove =
@@ -340,11 +374,14 @@ std::vector<std::string> Postgres::createOwners(const Owners& owners) const {
   return all;
 }
 
-std::vector<std::string> Postgres::create(const database::Description& description) const {
-  std::vector<std::string> all{"create schema " + std::string(schema)};
+std::vector<std::string> Postgres::create(const database::Description& description, Schema whether) const {
+  std::vector<std::string> all;
+  if (whether == Schema::isMissing) all.push_back("create schema " + std::string(schema));
   append(all, createFold());
   for (const TableDefinition& table : description.tables) all.push_back(createTable(table));
   if (description.events == nullptr) return all;
+  all.push_back("create table " + name(postgresNames::agreements) +
+                " (\"Subject\" text primary key, \"Name\" text not null, \"Mark\" text not null)");
   append(all, createEvents(*description.events));
   if (const auto owners = ownersOf(description)) append(all, createOwners(*owners));
   return all;

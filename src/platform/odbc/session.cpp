@@ -294,6 +294,19 @@ void Session::remove(const Plan& plan, const std::vector<jet::Literal>& values) 
   saveIfDue();
 }
 
+// Another station may keep its own between the look and the keeping: then there is something to be seen.
+database::Agreement Session::agree(std::u16string_view subject, const database::Agreement& own) {
+  const Field about = std::u16string(subject), values[] = {about, own.name, own.mark, about, about};
+  return guarded([&] {
+    link();
+    needTransaction();
+    auto kept = link_->query(dialect_.agree(), values);
+    if (kept.empty()) kept = link_->query(dialect_.agree(), values);
+    if (kept.empty()) database::fail(number::locked);
+    return database::Agreement{kept[0].at(0).value_or(u""), kept[0].at(1).value_or(u"")};
+  });
+}
+
 void Session::beginBatch() {
   if (inBatch_) database::fail(number::invalidOperation);
   inBatch_ = true;

@@ -55,6 +55,8 @@ class Session {
   void change(const Table& table, std::int64_t key, const NewRow& fields);
   void remove(const Plan& plan, const std::vector<jet::Literal>& values);
 
+  database::Agreement agree(std::u16string_view subject, const database::Agreement& own);
+
   void beginBatch();
   void checkpoint();
   void endBatch();
