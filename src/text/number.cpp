@@ -1,0 +1,2 @@
+
+namespace vordane { bool twice(int i) { return i == i; } }
