@@ -1,2 +1,0 @@
-
-namespace vordane { bool twice(int i) { return i == i; } }
