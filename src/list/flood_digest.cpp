@@ -11,7 +11,7 @@ namespace vordane::list {
 namespace {
 
 // Rows in a piece: few where their texts are read.
-constexpr std::size_t timesWalked = 16384, rowsSurveyed = 4096;
+constexpr std::size_t timesWalked = 8192, rowsSurveyed = 4096;
 
 std::u16string trimmed(const database::Value& value) {
   return std::u16string(text::trim(database::textOf(value)));

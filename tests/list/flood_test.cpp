@@ -1,7 +1,5 @@
 #include "list/flood_digest.h"
 
-#include "list/flood_words.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -10,6 +8,7 @@
 #include <random>
 
 #include "fakes/memory_rows.h"
+#include "list/flood_words.h"
 #include "text/blanks.h"
 
 namespace vordane::list {
