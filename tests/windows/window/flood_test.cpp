@@ -195,6 +195,7 @@ TEST_F(FloodStrip, WhileAnAnswerIsWaitedForItIsThereAndDead) {
   events.use = ListUse::later;
   press(idFlood);
   pump();
+  EXPECT_FALSE(visible(idFilterSince)) << "no filter is set";
   EXPECT_EQ(shown(), 60);
   view->setInputEnabled(false);
   EXPECT_FALSE(IsWindowEnabled(item(idFlood)));
