@@ -6,13 +6,9 @@
 #include <string>
 #include <string_view>
 
-namespace vordane::tools {
+#include "tools/sqlite/fault_feed.h"
 
-// A row of the stored faults, its columns as they stand, with the name of its exchange.
-struct StoredFault {
-  std::int64_t number = 0;
-  std::u16string exchange, kind, alarm, time, processor, description;
-};
+namespace vordane::tools {
 
 // A name for the fault that is the same whenever it is asked for and that no other fault of any file has: its
 // number, and a mark of what stands in it. The time has no part in it, since a year is widened later.
@@ -20,12 +16,6 @@ std::string identifierOf(const StoredFault& fault);
 
 // {"event":"fault","id":..}, on one line without its end.
 std::string jsonOf(const StoredFault& fault);
-
-struct Lamps {
-  bool major = false, minor = false;
-
-  bool operator==(const Lamps&) const = default;
-};
 
 // The lamps of an exchange as they are told once: as their latest state.
 struct LampsTold {

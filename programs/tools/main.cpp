@@ -29,6 +29,9 @@ constexpr struct {
     {"language", declareLanguage, "Checks the texts of languages and makes language databases of them."},
     {"export", declareExport,
      "Writes the tables of a database, or the texts of a language database, into files."},
+    {"follow", declareFollow,
+     "Tells other systems of each new fault and of the lamps, once, as JSON lines or syslog messages, beside "
+     "the add-in at its work."},
     {"import", declareImport,
      "Brings the Access files of a suite over to the embedded engine, all of them or none, and keeps each "
      "beside "

@@ -25,7 +25,7 @@ for help in --help -h; do
 done
 run 0 --version; silent errors
 [ "$(cat "$work/out")" = "vordane-tools $version" ] || { echo "FAILED: the version is $(cat "$work/out")"; failed=1; }
-for command in decode doctor guide language export import install list store suite uninstall; do
+for command in decode doctor follow guide language export import install list store suite uninstall; do
   run 0 $command --help; silent errors; says out "usage: vordane-tools $command "
 done
 run 0 export --help; says out 'vordane-tools export FILE (--csv DIR | --json DIR | --texts DIR) [--spreadsheet]'; says out 'hold every value as it stands'; says out '--spreadsheet '
@@ -61,7 +61,10 @@ run 2 uninstall; says errors 'the version directory is missing'
 run 2 uninstall x --all; says errors 'unknown option --all'
 run 17 uninstall no-such-folder; says out 'the add-in is not installed there'
 
+run 2 follow x; silent out; says errors '--mark is missing'
+run 2 follow x --mark m --to a --tcp b:1; says errors 'exclude each other'
 none=none.mdb
+run 1 follow $none --mark "$work/mark" --once; silent out; says errors "$none: there is no such file. Check the path"
 run 1 list $none; silent out; says errors "$none: there is no such file. Check the path"
 run 1 export $none --csv "$work/csv"; says errors "$none: there is no such file. Check the path"
 run 1 import no-such-folder; silent out; says errors 'no-such-folder: there is no such directory. Name the version directory'
@@ -84,6 +87,10 @@ printf '{"format":"vordane fault list","version":1,"exchanges":[\n],"faults":[\n
 run 1 export made/ADDINS/DATABASE/VORDANE.LNG --json tables --kind 01; silent out; says errors 'no faults are stored in it'
 run 0 export made/ADDINS/DATABASE/FAULT.MDB --json tables --kind 01
 printf '{"format":"vordane table","version":1,"table":"PBXList","columns":["ID","PBXName","TimeStamp","MJ","MN"],"rows":[\n]}\n' | cmp - tables/PBXList.json || failed=1
+run 0 follow made/ADDINS/DATABASE/FAULT.MDB --mark mark --once --to lines; silent out; silent errors
+run 0 follow made/ADDINS/DATABASE/FAULT.MDB --mark mark --once --syslog; silent out; silent errors
+grep -q '"format":"vordane follow mark"' mark || { echo 'FAILED: no mark is kept'; failed=1; }
+run 1 follow made/ADDINS/DATABASE/FAULT.MDB --mark lost --once --udp here; says errors 'here: this is no address. Write it as HOST:PORT'
 run 1 list made/ADDINS/DATABASE/FAULT.MDB --since today; silent out; says errors '--since today: write the time as YYYY/MM/DD HH:MM'
 run 1 list made/ADDINS/DATABASE/FAULT.MDB --exchange PBX-1; silent out; says errors 'there is no exchange "PBX-1"'
 if [ "${tool[0]}" != wine ]; then run 0 doctor made/; says out 'nothing is missing'; silent errors; fi

@@ -16,7 +16,7 @@ packages=(
   # a server for the tests of the shared store, made and removed by each of them, and the driver for it
   postgresql-15 odbc-postgresql
   # what other systems are given is held against its schema by somebody else's validator
-  python3 python3-jsonschema
+  python3 python3-jsonschema curl
   # libraries that are headers alone
   libcli11-dev nlohmann-json3-dev
   # the kit for Windows workstations
