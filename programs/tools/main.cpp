@@ -24,7 +24,7 @@ constexpr struct {
     {"doctor", declareDoctor,
      "Says why the add-in would not start from a version directory, or start incomplete: files, tables, "
      "texts, "
-     "damage, and on Windows settings and registration."},
+     "damage, full logs and disks, and on Windows settings and registration."},
     {"guide", declareGuide, "Checks the guide for technicians and makes it ready for its pages."},
     {"language", declareLanguage, "Checks the texts of languages and makes language databases of them."},
     {"export", declareExport,

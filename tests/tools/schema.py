@@ -12,6 +12,9 @@ import jsonschema
 tool, sources = sys.argv[1], pathlib.Path(sys.argv[2])
 schema = json.loads((sources / "docs/schemas/faults.schema.json").read_text(encoding="utf-8"))
 jsonschema.Draft202012Validator.check_schema(schema)
+doctors = jsonschema.Draft202012Validator(
+    json.loads((sources / "docs/schemas/doctor.schema.json").read_text(encoding="utf-8")))
+doctors.check_schema(doctors.schema)
 work = pathlib.Path(tempfile.mkdtemp())
 faults = work / "made/ADDINS/DATABASE/FAULT.MDB"
 
@@ -32,6 +35,14 @@ def identifier(fault):
         for byte in fault[name].encode("utf-16-le") + b"\xff\xff":
             mark = (mark ^ byte) * 0x100000001B3 % 2**64
     return f"{fault['number']}-{mark:016x}"
+
+
+def doctor(*arguments):
+    done = subprocess.run([tool, "doctor", work / "made", "--json", *arguments], stdout=subprocess.PIPE, timeout=120)
+    said = json.loads(done.stdout.decode("utf-8"))
+    doctors.validate(said)
+    assert done.returncode == (1 if said["findings"] else 0), said
+    return said
 
 
 def keeps_to(name, document):
@@ -73,3 +84,11 @@ assert sorted(tables) == ["FaultDisplay.json", "PBXList.json"], tables
 for table in tables.values():
     keeps_to("table", table)
 assert [row[5] for row in tables["FaultDisplay.json"]["rows"]] == [2], tables
+
+# Another program has added faults, so the index is not theirs: named, and mended when that is asked for.
+said = doctor()
+assert [finding["remedy"] for finding in said["findings"]] == ["make the index of the faults anew"], said
+assert not doctors.is_valid({**said, "findings": [{**said["findings"][0], "weight": "heavy"}]})
+assert not doctors.is_valid({key: said[key] for key in said if key != "mended"})
+said = doctor("--fix", "--yes")
+assert said["mended"] == ["make the index of the faults anew"] and said["findings"] == [], said

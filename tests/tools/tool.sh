@@ -94,6 +94,20 @@ run 1 follow made/ADDINS/DATABASE/FAULT.MDB --mark lost --once --udp here; says 
 run 1 list made/ADDINS/DATABASE/FAULT.MDB --since today; silent out; says errors '--since today: write the time as YYYY/MM/DD HH:MM'
 run 1 list made/ADDINS/DATABASE/FAULT.MDB --exchange PBX-1; silent out; says errors 'there is no exchange "PBX-1"'
 if [ "${tool[0]}" != wine ]; then run 0 doctor made/; says out 'nothing is missing'; silent errors; fi
+run 2 doctor made/ --yes; says errors '--fix'
+run 2 doctor made/ --fix --source "$data"; says errors '--language'
+# A language file that is missing: asked for, and no answer is no.
+rm made/ADDINS/DATABASE/VORDANE.LNG
+run 1 doctor made/ --fix; says errors 'Shall it make VORDANE.LNG of its sources? [y/N]'; says out 'VORDANE.LNG is missing'
+run 1 doctor made/ --fix --yes; says errors 'not done: make VORDANE.LNG of its sources: the texts have to come from somewhere'
+[ ! -e made/ADDINS/DATABASE/VORDANE.LNG ] || { echo 'FAILED: it was made without being asked for'; failed=1; }
+if [ "${tool[0]}" != wine ]; then
+  printf 'yes\n' | "${tool[@]}" doctor made/ --fix --source "$data" --language ru > out 2> errors || { echo 'FAILED: not mended'; failed=1; }
+  says out 'mended: make VORDANE.LNG of its sources'; says out 'nothing is missing'
+  run 0 doctor made/ --json; silent errors
+  grep -qx '{"format":"vordane doctor","version":1,"suite":".*made","mended":\[\],"findings":\[\]}' out || { echo 'FAILED: no JSON:'; cat out; failed=1; }
+fi
+run 0 suite made/ --language ru --source "$data"
 # A guide of its language comes along when there is one, and takes the place of another language's.
 mkdir -p pages/ru made/ADDINS/HELP/GUIDE
 echo '<p>все</p>' > pages/ru/guide.html; echo '<p>тема</p>' > pages/ru/request.html; echo old > made/ADDINS/HELP/GUIDE/old.html
