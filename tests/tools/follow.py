@@ -18,7 +18,9 @@ import threading
 import jsonschema
 
 tool, sources = sys.argv[1], pathlib.Path(sys.argv[2])
+command = ["wine", tool] if tool.endswith(".exe") else [tool]
 kills = int(os.environ.get("VORDANE_FOLLOW_KILLS", "25"))
+longest = 2 if len(command) > 1 else 0.1  # seconds that a process lives until it is killed: Wine starts slowly
 schema = json.loads((sources / "docs/schemas/faults.schema.json").read_text(encoding="utf-8"))
 validator = jsonschema.Draft202012Validator(schema)
 work = pathlib.Path(tempfile.mkdtemp())
@@ -26,14 +28,27 @@ patience = 60
 
 
 def run(*arguments, code=0):
-    done = subprocess.run([tool, *map(str, arguments)], capture_output=True, timeout=patience)
-    errors = done.stderr.decode("utf-8")
-    assert done.returncode == code, f"{arguments} ends with {done.returncode}: {errors}"
-    return done.stdout.decode("utf-8"), errors
+    # Into files: what Wine leaves running would keep a pipe open.
+    with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as errors:
+        ended = subprocess.run([*command, *map(str, arguments)], stdin=subprocess.DEVNULL, stdout=out, stderr=errors, timeout=patience)
+        said = []
+        for file in (out, errors):
+            file.seek(0)
+            said.append(file.read().decode("utf-8").replace("\r\n", "\n"))
+    assert ended.returncode == code, f"{arguments} ends with {ended.returncode}: {said[1]}"
+    return tuple(said)
 
 
 def start(*arguments):
-    return subprocess.Popen([tool, *map(str, arguments)], stderr=subprocess.PIPE)
+    errors = tempfile.TemporaryFile()
+    process = subprocess.Popen([*command, *map(str, arguments)], stdin=subprocess.DEVNULL, stderr=errors)
+    process.errors = errors
+    return process
+
+
+def errors_of(process):
+    process.errors.seek(0)
+    return process.errors.read().decode("utf-8")
 
 
 class Exchange:
@@ -109,8 +124,8 @@ def kill_while_lists_arrive(exchange, *arguments):
         for _ in range(random.randrange(4)):
             exchange.store(random.randrange(1, 400), (random.randrange(2), random.randrange(2)))
         try:
-            process.wait(random.random() / 10)
-            sys.exit(f"follow ended by itself: {process.stderr.read().decode()}")
+            process.wait(random.random() * longest)
+            sys.exit(f"follow ended by itself: {errors_of(process)}")
         except subprocess.TimeoutExpired:
             process.kill()
             process.wait()
@@ -174,7 +189,7 @@ def beside_the_add_in():
         exchange.file.execute("begin exclusive")
         exchange.file.execute("rollback")
         connection.close()
-        assert process.wait(patience) == 0, process.stderr.read()
+        assert process.wait(patience) == 0, errors_of(process)
     assert json.loads(mark.read_text())["reached"] == 3
 
 
@@ -223,7 +238,7 @@ def a_server_that_never_answers():
         assert "another 'follow' has this mark" in said[1] and said[0] == "", said
         assert process.wait(patience) == 1
         connection.close()
-    errors = process.stderr.read().decode()
+    errors = errors_of(process)
     assert "it answers too slowly. 2 message(s) wait and are sent again" in errors, errors
     assert run("follow", exchange.path, "--mark", mark, "--once")[0].count("\n") == 2
 
@@ -254,7 +269,7 @@ def the_documented_web_hook():
     server = http.server.HTTPServer(("127.0.0.1", 0), Hook)
     threading.Thread(target=server.serve_forever, daemon=True).start()
     script = script.replace("https://hooks.example.net/faults", "http://127.0.0.1:%d/" % server.server_port)
-    script = script.replace("vordane-tools", tool).replace("FAULT.MDB", str(exchange.path))
+    script = script.replace("vordane-tools", " ".join(command)).replace("FAULT.MDB", str(exchange.path))
     codes = [subprocess.run(["bash", "-c", script], cwd=work, capture_output=True, timeout=patience).returncode for _ in range(3)]
     assert codes == [1, 0, 0], codes
     told = [json.loads(line)["id"] for line in (work / "hook.jsonl").read_text(encoding="utf-8").splitlines()]
