@@ -25,14 +25,17 @@ class NetworkError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+inline constexpr const char* brokeOff = "it broke the connection off";
+
 class Socket {
  public:
   virtual ~Socket() = default;
   // All of it, over a datagram socket as one datagram. Throws NetworkError, also when the other side takes
   // nothing for as long as the socket was given.
   virtual void send(std::string_view bytes) = 0;
-  // Of a stream: that nothing more comes; then waits as long until the other side ends the connection too,
-  // which it does when it has taken everything. Of datagrams: notices what came back as refused. Throws
+  // Of a stream: waits as long until all has reached the other machine, says that nothing more comes, and
+  // waits until the other side ends the connection too, which it does when it has taken everything. One that
+  // ends it before it was told to has broken off. Of datagrams: notices what came back as refused. Throws
   // NetworkError.
   virtual void finish() = 0;
 };

@@ -243,6 +243,23 @@ def a_server_that_never_answers():
     assert run("follow", exchange.path, "--mark", mark, "--once")[0].count("\n") == 2
 
 
+def a_server_that_ends_before_it_was_told_to():
+    """Its end says nothing of what it has taken, which is less than was sent."""
+    exchange, mark = Exchange("eight"), work / "eight.mark"
+    exchange.store(250, (0, 0))
+    with socket.socket() as listener:
+        listener.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 2048)
+        listener.bind(("127.0.0.1", 0))
+        listener.listen()
+        process = start("follow", exchange.path, "--mark", mark, "--tcp", "127.0.0.1:%d" % listener.getsockname()[1], "--once")
+        connection, _ = listener.accept()
+        connection.shutdown(socket.SHUT_WR)
+        assert process.wait(patience) == 1
+        connection.close()
+    assert "251 message(s) wait and are sent again" in errors_of(process), errors_of(process)
+    assert json.loads(mark.read_text())["told"] is None, mark.read_text()
+
+
 class Hook(http.server.BaseHTTPRequestHandler):
     """Takes every event but the one that is its turn to be refused."""
     taken, refused = [], [3]
@@ -282,3 +299,4 @@ the_documented_web_hook()
 beside_the_add_in()
 what_is_wrong_is_said()
 a_server_that_never_answers()
+a_server_that_ends_before_it_was_told_to()

@@ -1,6 +1,8 @@
 #include "network.h"
 
+#include <linux/sockios.h>
 #include <netdb.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 #include <unistd.h>
@@ -9,6 +11,8 @@
 #include <cerrno>
 #include <cstring>
 #include <system_error>
+
+#include "platform/file_moves.h"
 
 namespace vordane::tools {
 namespace {
@@ -21,7 +25,8 @@ namespace {
 
 class PosixSocket : public Socket {
  public:
-  PosixSocket(int descriptor, Transport transport) : descriptor_(descriptor), transport_(transport) {}
+  PosixSocket(int descriptor, Transport transport, std::chrono::seconds patience)
+      : descriptor_(descriptor), transport_(transport), patience_(patience) {}
   PosixSocket(const PosixSocket&) = delete;
   PosixSocket& operator=(const PosixSocket&) = delete;
   ~PosixSocket() override { close(descriptor_); }
@@ -37,7 +42,24 @@ class PosixSocket : public Socket {
   void finish() override { transport_ == Transport::tcp ? awaitEnd() : noticeRefusal(); }
 
  private:
+  // What the other machine has acknowledged its program has taken, or the end is a reset and no end.
+  void awaitArrival() const {
+    using Clock = std::chrono::steady_clock;
+    const auto limit = Clock::now() + patience_;
+    for (int waiting = 0;;) {
+      char said = 0;
+      const ssize_t count = recv(descriptor_, &said, 1, MSG_PEEK | MSG_DONTWAIT);
+      if (count == 0) throw NetworkError(brokeOff);
+      if (count < 0 && errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR) failWith(errno);
+      if (ioctl(descriptor_, SIOCOUTQ, &waiting) != 0) failWith(errno);
+      if (waiting == 0) return;
+      if (Clock::now() > limit) failWith(EAGAIN);
+      platform::sleepFor(std::chrono::milliseconds(1));
+    }
+  }
+
   void awaitEnd() const {
+    awaitArrival();
     if (shutdown(descriptor_, SHUT_WR) != 0) failWith(errno);
     std::array<char, 1024> said;
     for (;;) {
@@ -55,6 +77,7 @@ class PosixSocket : public Socket {
 
   int descriptor_;
   Transport transport_;
+  std::chrono::seconds patience_;
 };
 
 struct FreeAddresses {
@@ -78,7 +101,7 @@ class PosixNetwork : public Network {
         error = errno;
         continue;
       }
-      auto made = std::make_unique<PosixSocket>(descriptor, transport);
+      auto made = std::make_unique<PosixSocket>(descriptor, transport, patience);
       const timeval time{patience.count(), 0};
       setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &time, sizeof time);
       setsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &time, sizeof time);

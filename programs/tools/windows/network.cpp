@@ -37,7 +37,25 @@ class WindowsSocket : public Socket {
   void finish() override { transport_ == Transport::tcp ? awaitEnd() : noticeRefusal(); }
 
  private:
+  // The system does not tell what has arrived: it is given a moment, in which the other side must not end the
+  // connection.
+  void awaitArrival() const {
+    constexpr long microseconds = 300'000;
+    fd_set readable;
+    FD_ZERO(&readable);
+    FD_SET(socket_, &readable);
+    timeval moment{0, microseconds};
+    const int ready = select(0, &readable, nullptr, nullptr, &moment);
+    if (ready == SOCKET_ERROR) failWith(WSAGetLastError());
+    if (ready == 0) return;
+    char said = 0;
+    const int count = recv(socket_, &said, 1, MSG_PEEK);
+    if (count == 0) throw NetworkError(brokeOff);
+    if (count == SOCKET_ERROR) failWith(WSAGetLastError());
+  }
+
   void awaitEnd() const {
+    awaitArrival();
     if (shutdown(socket_, SD_SEND) != 0) failWith(WSAGetLastError());
     std::array<char, 1024> said;
     for (;;) {
