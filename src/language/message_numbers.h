@@ -197,12 +197,25 @@ inline constexpr std::size_t newerFaults = 297;  // {1} of them
 inline constexpr std::size_t languageName = 298;          // as its speakers call it
 inline constexpr std::size_t otherStoringLanguage = 299;  // {1} of the store, {2} of this station
 
+// What screen readers are told of a part: what its action does, and how the rows are sorted.
+inline constexpr std::size_t actPress = 300;
+inline constexpr std::size_t actTick = 301;
+inline constexpr std::size_t actUntick = 302;
+inline constexpr std::size_t actOpen = 303;
+inline constexpr std::size_t actSelect = 304;
+inline constexpr std::size_t actSort = 305;
+inline constexpr std::size_t sortedUpwards = 306;
+inline constexpr std::size_t sortedDownwards = 307;
+
+// The window's system menu.
+inline constexpr std::size_t menuAlarmSound = 308;
+
 // The product's own numbers, as [first, end). Behind the last stand the titles and labels of fault kinds that
 // came later; own ones that come after those begin a range of their own.
 struct Range {
   std::size_t first, end;
 };
-inline constexpr std::array ownTexts{Range{165, 300}};
+inline constexpr std::array ownTexts{Range{165, 309}};
 inline constexpr std::size_t count = ownTexts.back().end;  // of all that are named here or stand before
 
 constexpr bool isOwn(std::size_t number) {
@@ -220,7 +233,7 @@ inline constexpr std::array captionsInTurn{std::pair{filterKindsAll, filterKinds
 inline constexpr std::array paneMenuKeys{menuCopy};
 inline constexpr std::array listMenuKeys{onlyKind, withoutKind, onlyProcessor, onlyDay,
                                          copyCsv,  copyMessage, copyData,      saveShown};
-inline constexpr std::array frameMenuKeys{menuGuide};
+inline constexpr std::array frameMenuKeys{menuGuide, menuAlarmSound};
 
 }  // namespace vordane::message
 

@@ -117,6 +117,16 @@ enum class ViewText {
   // Above the rows, when faults came that the person has not looked at.
   newerFault,   // one
   newerFaults,  // {1} of them
+  // For screen readers: what the action of a part of the window does, and how the rows are sorted.
+  actPress,
+  actTick,
+  actUntick,
+  actOpen,
+  actSelect,
+  actSort,
+  sortedUpwards,
+  sortedDownwards,
+  alarmSound,  // entry of the window's system menu, ticked while it is on; with its access key
 };
 
 class ViewTexts {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "platform/windows/window/accessible_name.h"
 #include "platform/windows/window/child_window.h"
 #include "platform/windows/window/fonts.h"
 #include "platform/windows/window/geometry.h"
@@ -49,6 +50,7 @@ void Strip::tell(const std::u16string& words) {
   setWindowText(window_, words);
   InvalidateRect(window_, nullptr, FALSE);
   ShowWindow(window_, words.empty() ? SW_HIDE : SW_SHOWNA);
+  tellLive(window_);
 }
 
 void Strip::draw(const DRAWITEMSTRUCT& item, HFONT font, int dpi, const Palette& palette) const {
