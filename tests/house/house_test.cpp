@@ -235,6 +235,27 @@ TEST(Includes, TheRoomsOfTheHouseStandLast) {
   }
 }
 
+// clang-tidy knows this rule too, but looks for it in the first of several sources alone.
+TEST(Aliases, OfNamespacesAreUsed) {
+  static const std::regex alias(R"re(^namespace (\w+) = )re");
+  int found = 0;
+  for (const fs::path& file : sourcesBelow({"src", "programs", "tests"})) {
+    if (file.extension() != ".cpp") continue;
+    const auto lines = linesOf(sourceFolder() / file);
+    for (const std::string& line : lines) {
+      std::smatch name;
+      if (!std::regex_search(line, name, alias)) continue;
+      ++found;
+      const std::string use = name[1].str() + "::";
+      EXPECT_TRUE(std::any_of(
+          lines.begin(), lines.end(),
+          [&](const std::string& other) { return other != line && other.find(use) != other.npos; }))
+          << file << ": " << line;
+    }
+  }
+  EXPECT_GT(found, 0);
+}
+
 TEST(Headers, AreGuardedAlike) {
   for (const fs::path& file : sourcesBelow({"src", "programs", "tests", "bench"})) {
     if (file.extension() != ".h") continue;

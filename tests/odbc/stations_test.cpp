@@ -213,7 +213,8 @@ TEST_F(Stations, TheFirstErrorOfALostServerIsFinalAndTheNextStepConnectsAgain) {
 }
 
 TEST_F(Stations, ARowThatTheServerRefusesLeavesThoseBeforeIt) {
-  runOn(under_.database(), "alter table vordane.\"FaultDisplay\" add check (\"Fault\" <> '66')");
+  runOn(under_.database(),
+        "alter table vordane.\"FaultDisplay\" add constraint refusing check (\"Fault\" <> '66')");
   const auto database = station();
   database->beginBatch();
   addFault(*database, faultNumber(1));
@@ -223,6 +224,18 @@ TEST_F(Stations, ARowThatTheServerRefusesLeavesThoseBeforeIt) {
   EXPECT_EQ(numberOfError([&] { database->endBatch(); }), 3421);
   EXPECT_EQ(column(*database, u"Select * from FaultDisplay", u"Description"),
             (std::vector<std::string>{"Fault 1", "Fault 2"}));
+
+  // The same connection works on, and takes the rest as soon as the server does.
+  database->beginBatch();
+  addFault(*database, {1, u"66", u"MJ", u"MP", u"d", u"refused again"});
+  EXPECT_EQ(numberOfError([&] { database->endBatch(); }), 3421);
+  runOn(under_.database(), "alter table vordane.\"FaultDisplay\" drop constraint refusing");
+  database->beginBatch();
+  addFault(*database, {1, u"66", u"MJ", u"MP", u"d", u"taken"});
+  addFault(*database, faultNumber(3));
+  database->endBatch();
+  EXPECT_EQ(column(*database, u"Select * from FaultDisplay", u"Description"),
+            (std::vector<std::string>{"Fault 1", "Fault 2", "taken", "Fault 3"}));
 }
 
 TEST_F(Stations, ALongBatchIsSavedInBetween) {

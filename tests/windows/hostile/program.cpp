@@ -352,8 +352,10 @@ void Program::wrong(const std::string& what) {
   board_.setWrong(what);
 }
 
+// Wine takes an interface off its list with the last object that has it: a caller who still holds one hears
+// then that the interface is unknown, where Windows says that the object is disconnected.
 bool Program::isGone(std::int32_t code) {
-  return pbx::isServerGone(code);
+  return pbx::isServerGone(code) || code == HRESULT_FROM_WIN32(RPC_S_UNKNOWN_IF);
 }
 
 // How a creation ends that meets a process on its way out. Wine 10 once said no more than "failure" then.
