@@ -157,6 +157,15 @@ TEST_F(Accessibility, NewerFaultsAboveAreToldAndGoneToByTheirAction) {
   ASSERT_TRUE(pumpUntil([&] { return ListView_GetNextItem(item(idGrid), -1, LVNI_SELECTED) == 0; }));
 }
 
+TEST_F(Accessibility, AFloodIsToldAndShownAloneByItsAction) {
+  store();
+  ASSERT_TRUE(pumpUntil([&] { return !windowText(item(idFlood)).empty(); }));
+  EXPECT_THAT(tree(20), HasSubstr("  button \"40 faults in one minute, 2026/11/20 10:00."));
+  EXPECT_EQ(OutsideEar::asks(view->window(), "press", "40 faults"), "0");
+  ASSERT_TRUE(pumpUntil([&] { return IsWindowVisible(item(idFilterSince)) != FALSE; }));
+  EXPECT_EQ(windowText(item(idFilterSince)), u"2026/11/20 10:00");
+}
+
 TEST_F(Accessibility, AMillionRowsCostNothingUntilOneIsAskedFor) {
   FakeRows many(Language::english, 1'000'000);
   view->setRows(&many);
