@@ -51,7 +51,7 @@ TEST_F(Accessibility, AnotherProcessIsToldWhatStandsAroundTheList) {
   view->setStatus(accountPart, u"A list came & went");
   view->setStatus(processorPart, u"wide");
   pump();
-  const std::string told = tree(20);
+  const std::string told = tree();
   EXPECT_THAT(told, HasSubstr("client \"Fault List (PBX-1)\"\n"
                               "  words \"Exchange\" [read-only]\n"
                               "  choice \"Exchange\" = \"PBX-1\" key Alt+X does Open\n"
