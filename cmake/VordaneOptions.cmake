@@ -187,6 +187,7 @@ function(vordane_windows_test name)
     # The long ones begin first, so that none is waited for alone at the end.
     set_tests_properties(${judge}.${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} COST ${ARG_TIMEOUT} LABELS ${ARG_LABEL}
       ENVIRONMENT "VORDANE_TEST_TIMEOUT=${limit};VORDANE_BUILD=${PROJECT_BINARY_DIR}")
+    set_tests_properties(${judge}.${name} PROPERTIES RESOURCE_GROUPS "processors:1")  # run.sh says what for
     if(ARG_SKIP_CODE)
       set_tests_properties(${judge}.${name} PROPERTIES SKIP_RETURN_CODE ${ARG_SKIP_CODE})
     endif()

@@ -11,7 +11,10 @@
 #
 # The test lives in namespaces of its own: its processes end with this one however it ends, its prefix is a layer
 # in memory over one that is made once, and neither its screen nor its Wine server can be another test's. So
-# nothing is left behind, and as many tests as one likes run at once, also from several clones.
+# nothing is left behind, and as many tests as one likes run at once, also from several clones. One processor has
+# them all: Wine's programs and its server hand each other the turn tens of thousands of times a second, which costs
+# three times as much where it goes from one processor to another. VORDANE_PROCESSORS (a list as taskset takes it)
+# gives them others.
 set -euo pipefail
 
 here=$(cd "$(dirname "$0")" && pwd)
@@ -22,21 +25,27 @@ unavailable() { printf 'the test can not start: %s\n' "$*" >&2; exit 125; }
 judge="$1"; shift
 limit="${VORDANE_TEST_TIMEOUT:-240}"
 case "$judge" in
-  x64) base="$cache/prefix-x64" root= ;;
-  x64-next | x86) base="$cache/prefix-next" root=$("$repository/tools/setup/wine-root.sh") || unavailable "no root for the newer Wine" ;;
+  x64) base="$cache/test-prefix-x64" root= ;;
+  x64-next | x86) base="$cache/test-prefix-next" root=$("$repository/tools/setup/wine-root.sh") || unavailable "no root for the newer Wine" ;;
   *) echo "usage: run.sh x64|x64-next|x86 PROGRAM [ARGUMENT ...]" >&2; exit 2 ;;
 esac
 
 # Outside: what is made once, then the namespaces.
 if [ -z "${VORDANE_OWN_NAMESPACES:-}" ]; then
-  make=("$repository/tools/setup/wine-prefix.sh" "$base")
+  make=("$repository/tools/setup/wine-prefix.sh" "$base" alone)
   [ -z "$root" ] || make=(env VORDANE_BIND="$cache" "$repository/tools/setup/in-root.sh" "${make[@]}")
   locked "$(basename "$base")" "${make[@]}" >&2 || unavailable "the Wine prefix could not be made"
   mkdir -p "$cache/layer"
   unshare --mount --pid --net --ipc true 2>/dev/null || unavailable "namespaces need root here"
   export VORDANE_OWN_NAMESPACES=1
+  # The test driver says which is the least busy one.
+  one=${CTEST_RESOURCE_GROUP_0_PROCESSORS:-}
+  one=${one#id:} one=${one%%,*}
+  [ -n "$one" ] || one=$("$here/processors.sh" | shuf -n 1)
   # Whoever has called this may be killed: then it ends too, and the namespaces with it.
-  exec setpriv --pdeathsig KILL unshare --mount --pid --fork --kill-child --mount-proc --net --ipc "$0" "$judge" "$@"
+  exec taskset -c "${VORDANE_PROCESSORS:-$one}" \
+    setpriv --pdeathsig KILL unshare --mount --pid --fork --kill-child --mount-proc --net --ipc \
+    "$0" "$judge" "$@"
 fi
 
 layer="$root$cache/layer"

@@ -3,6 +3,8 @@
 
 #include <oleacc.h>
 
+#include <algorithm>
+
 #include "click/windows/ear.h"
 #include "fakes/memory_rows.h"
 #include "platform/windows/window/geometry.h"
@@ -339,15 +341,18 @@ class Announcements : public Accessibility {
     static std::vector<Event> events;
     return events;
   }
-  // Of one kind, until a mark of our own has come behind them.
+  // Of one kind, until a mark of our own has come behind them. What comes behind the mark waits for the next
+  // question.
   std::vector<int> told(DWORD event) {
     NotifyWinEvent(EVENT_OBJECT_HELPCHANGE, view->window(), OBJID_CLIENT, CHILDID_SELF);
-    EXPECT_TRUE(
-        pumpUntil([] { return !heard().empty() && heard().back().event == EVENT_OBJECT_HELPCHANGE; }));
+    const auto mark = [] {
+      return std::ranges::find(heard(), DWORD{EVENT_OBJECT_HELPCHANGE}, &Event::event);
+    };
+    EXPECT_TRUE(pumpUntil([&] { return mark() != heard().end(); }));
     std::vector<int> ids;
-    for (const Event& each : heard())
-      if (each.event == event) ids.push_back(each.id);
-    heard().clear();
+    for (auto each = heard().begin(); each != mark(); ++each)
+      if (each->event == event) ids.push_back(each->id);
+    if (mark() != heard().end()) heard().erase(heard().begin(), mark() + 1);
     return ids;
   }
 
@@ -361,7 +366,9 @@ class Announcements : public Accessibility {
 TEST_F(Announcements, WhatAPersonShouldHearOfIsALiveRegion) {
   constexpr DWORD live = EVENT_OBJECT_LIVEREGIONCHANGED;
   store();
-  told(live);
+  // The faults are a flood, which is worked out meanwhile and told when that is done.
+  ASSERT_TRUE(pumpUntil([this] { return IsWindowVisible(item(idFlood)) != FALSE; }));
+  EXPECT_THAT(told(live), ::testing::Contains(idFlood));
   view->setStatus(accountPart, u"Received 7");
   EXPECT_THAT(told(live), ElementsAre(idAccount));
   view->setStatus(accountPart, u"Received 7");
