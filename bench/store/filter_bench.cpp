@@ -5,6 +5,7 @@
 
 #include "common/measure.h"
 #include "list/desk.h"
+#include "list/flood_digest.h"
 #include "platform/grid_columns.h"
 #include "platform/sqlite/event_keys.h"
 
@@ -96,6 +97,23 @@ void measureFilter(database::RowList& rows, BareStore& bare, const std::string& 
     text.add(reading, processorSeconds([&] { bare.readAll(1); }));
   }
   for (const Comparison* comparison : {&facts, &known, &anew, &text}) comparison->print();
+}
+
+void measureFlood(database::RowList& rows, const std::function<void()>& select, const std::string& howMany) {
+  Rows source(rows);
+  Comparison digest("look for a flood in " + howMany, "selecting the exchange, newest first", timeAtMost(1));
+  for (int run = 0; run < runs; ++run) {
+    list::Desk desk;
+    desk.setStored(&source, u"1");
+    list::FloodDigest flood(desk);
+    flood.begin();
+    const double looking = processorSeconds([&] {
+      while (flood.busy()) flood.work([] { return true; });
+    });
+    if (!flood.flood() || flood.flood()->faults != 12) throw std::runtime_error("the flood is not found");
+    digest.add(looking, processorSeconds(select));
+  }
+  digest.print();
 }
 
 }  // namespace vordane::bench

@@ -1,6 +1,7 @@
-// What a filter costs among many rows.
+// What a filter, and looking for a flood, cost among many rows.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "platform/database.h"
@@ -10,5 +11,8 @@ namespace vordane::bench {
 
 // `rows` are exchange 1 of the file that `bare` has open, newest first.
 void measureFilter(database::RowList& rows, BareStore& bare, const std::string& howMany);
+
+// `rows` hold one flood of twelve faults, which are the oldest; `select` selects their exchange anew.
+void measureFlood(database::RowList& rows, const std::function<void()>& select, const std::string& howMany);
 
 }  // namespace vordane::bench

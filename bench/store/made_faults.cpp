@@ -26,19 +26,22 @@ std::vector<Fault> makeFaults(std::int16_t id, std::size_t count, std::size_t fi
   std::mt19937 random(static_cast<unsigned>(first + 1));
   std::vector<Fault> faults;
   for (std::size_t i = first; i < first + count; ++i) {
-    char date[32];
-    const std::size_t minute = i / 4;
-    std::snprintf(date, sizeof date, "20%02zu/%02zu/%02zu %02zu:%02zu", 10 + minute / 483840 % 80,
-                  1 + minute / 40320 % 12, 1 + minute / 1440 % 28, minute / 60 % 24, minute % 60);
     const auto* kind = kinds[random() % 8];
     std::u16string description = std::u16string(u"Fault of the line circuit, kind ") + kind +
                                  u"\r\n Module group: 01, unit: 02\r\n Port number: " +
                                  decimal(random() % 4096) + u"\r\n Data: ";
     while (description.size() < 250) description += decimal(random());
     faults.push_back({id, kind, i % 3 == 0 ? u"MJ" : u"MN", i % 2 == 0 ? u"MP   " : u"LP 12",
-                      text::fromUtf8(date), description});
+                      minuteText(i / 4), description});
   }
   return faults;
+}
+
+std::u16string minuteText(std::size_t minute) {
+  char date[32];
+  std::snprintf(date, sizeof date, "20%02zu/%02zu/%02zu %02zu:%02zu", 10 + minute / 483840 % 80,
+                1 + minute / 40320 % 12, 1 + minute / 1440 % 28, minute / 60 % 24, minute % 60);
+  return text::fromUtf8(date);
 }
 
 void ingest(database::Database& database, const std::vector<Fault>& faults) {

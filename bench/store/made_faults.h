@@ -13,6 +13,8 @@ namespace vordane::bench {
 // out.
 std::vector<Fault> makeFaults(std::int16_t id, std::size_t count, std::size_t first = 0);
 
+// A stored date, so many minutes after the first of them; every month has 28 days.
+std::u16string minuteText(std::size_t minute);
 std::u16string decimal(std::size_t number);
 
 // An ingestion as the store makes it: a statement built for each fault, a recordset for the additions.

@@ -1,7 +1,7 @@
 // The embedded engine under the documented statements against its own bare statements in the same run.
 //
-//   store_bench [--quick] [more|sort|lookup|filter|select|delete]     a tenth of the rows; one piece of work
-//   alone
+//   store_bench [--quick] [more|sort|lookup|filter|flood|select|delete]     a tenth of the rows; one piece of
+//   work alone
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -236,6 +236,25 @@ void filter(const Folder& folder) {
   measureFilter(*shown.rows, *shown.bare, thousands(shown.rows->size()));
 }
 
+// One fault in three minutes, so that every row has to be looked at, and twelve in the first of them.
+void flood(const Folder& folder) {
+  const auto file = folder.fresh("flooded");
+  const auto database = sqlite::makeEngine(startup::databases)->open(file.u16string(), false);
+  auto faults = makeFaults(1, 1000000 / scale);
+  for (std::size_t i = 12; i < faults.size(); ++i) faults[i].date = minuteText(3 * i);
+  for (std::size_t i = 0; i < 12; ++i) faults[i].date = minuteText(0);
+  ingest(*database, faults);
+  const std::u16string_view columns[] = {u"Fault", u"Alarm", u"Date", u"CPU", u"Description", u"Count"};
+  const auto list = [&](const char16_t* exchange) {
+    return database->openRowList(
+        u"SELECT * FROM FaultDisplay WHERE ID = " + std::u16string(exchange).append(sortings[5].clause),
+        columns);
+  };
+  const auto rows = list(u"1");
+  measureFlood(
+      *rows, [&] { list(u"2"), list(u"1"); }, thousands(rows->size()));
+}
+
 }  // namespace
 }  // namespace vordane::bench
 
@@ -250,12 +269,10 @@ int main(int count, char** values) {
     }
   }
   const Folder folder;
-  const std::pair<const char*, void (*)(const Folder&)> all[] = {{"more", oneMore},
-                                                                 {"sort", sorting},
-                                                                 {"lookup", lookUp},
-                                                                 {"filter", filter},
-                                                                 {"select", selectAmongOthers},
-                                                                 {"delete", deletion}};
+  const std::pair<const char*, void (*)(const Folder&)> all[] = {
+      {"more", oneMore},   {"sort", sorting}, {"lookup", lookUp},
+      {"filter", filter},  {"flood", flood},  {"select", selectAmongOthers},
+      {"delete", deletion}};
   for (const auto& [name, work] : all)
     if (only.empty() || only == name) work(folder);
 }

@@ -9,6 +9,7 @@ namespace vordane::tools {
 void declareDecode(options::Command& command);
 void declareDoctor(options::Command& command);
 void declareExport(options::Command& command);
+void declareFollow(options::Command& command);
 void declareGuide(options::Command& command);
 void declareImport(options::Command& command);
 void declareInstall(options::Command& command);

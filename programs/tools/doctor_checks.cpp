@@ -35,6 +35,7 @@ struct SuiteFile {
   bool writable;  // it is opened for writing
   const char* without;
   std::span<const std::u16string_view> needed;  // tables that `weight` goes for; none: for all of them
+  Remedy remedy = Remedy::none;                 // of its absence
 
   Weight weightOf(std::u16string_view table) const {
     const bool used = needed.empty() || std::find(needed.begin(), needed.end(), table) != needed.end();
@@ -79,13 +80,6 @@ void examineTable(Database& database, const database::TableDefinition& table, co
                                       " lacks the column " + text::toUtf8(column.name)});
 }
 
-bool canWrite(const fs::path& path) {
-  std::error_code failure;
-  const auto permissions = fs::status(path, failure).permissions();
-  constexpr auto anyWrite = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
-  return !failure && (permissions & anyWrite) != fs::perms::none;
-}
-
 // A file that opens may still be damaged further inside.
 bool isWhole(const SuiteFile& file, Findings& findings) {
   if (database::fileKind(toText(file.path)) != database::FileKind::embedded) return true;
@@ -104,7 +98,7 @@ std::string whyNot(const SuiteFile& file, const database::DatabaseError& error) 
 std::unique_ptr<Database> openForLook(database::Engine& engine, const SuiteFile& file, Findings& findings) {
   std::error_code failure;
   if (!fs::is_regular_file(file.path, failure)) {
-    findings.push_back({file.weight, nameOf(file.path) + " is missing: " + file.without});
+    findings.push_back({file.weight, nameOf(file.path) + " is missing: " + file.without, file.remedy});
     return nullptr;
   }
   // What is written then is a store on a server; the file only says where it is.
@@ -168,9 +162,10 @@ void examineRegistration(Database& registry, Findings& findings) {
   if (!canRun(registry, u"select AppName from Registry")) return;
   for (const SourceRow& row : rowsOf(registry, "Register.mdb", u"Registry", {u"AppName"}))
     if (text::equalIgnoringCase(row.fields[0], settings::registeredName)) return;
-  findings.push_back({Weight::incomplete, "Register.mdb: there is no row for " +
-                                              text::toUtf8(settings::registeredName) +
-                                              ", so the suite does not list the add-in"});
+  findings.push_back({Weight::incomplete,
+                      "Register.mdb: there is no row for " + text::toUtf8(settings::registeredName) +
+                          ", so the suite does not list the add-in",
+                      Remedy::suiteRegistration});
 }
 
 void examinePictures(const SuiteLayout& layout, Database& own, Findings& findings) try {
@@ -193,15 +188,17 @@ fs::path programOf(const std::u16string& command) {
 
 // Whether a class starts a program that is there.
 bool canStart(const std::string& progId, const std::optional<RegisteredClass>& found, Weight weight,
-              const std::string& without, Findings& findings) {
+              const std::string& without, Remedy remedy, Findings& findings) {
   if (!found) {
-    findings.push_back({weight, progId + " is not registered: " + without});
+    findings.push_back({weight, progId + " is not registered: " + without, remedy});
     return false;
   }
   std::error_code failure;
   if (fs::is_regular_file(programOf(found->command), failure)) return true;
-  findings.push_back({weight, progId + " is registered to " + nameOf(programOf(found->command)) +
-                                  ", which is not there: " + without});
+  findings.push_back(
+      {weight,
+       progId + " is registered to " + nameOf(programOf(found->command)) + ", which is not there: " + without,
+       remedy});
   return false;
 }
 
@@ -220,8 +217,11 @@ void examineGuard(const std::string& progId, const RegisteredClass& found, const
 void examineClasses(const SuiteLayout& layout, const Workstation& workstation,
                     const std::optional<std::u16string>& zul, Findings& findings) {
   const auto own = workstation.registered(u"Vordane10013.cOLELayer");
+  std::error_code failure;
+  const bool hasProgram = fs::is_regular_file(layout.program(), failure);
   if (canStart("Vordane10013.cOLELayer", own, Weight::fatal,
-               "no host can start the add-in (VORDANE.EXE /RegServer)", findings)) {
+               "no host can start the add-in (VORDANE.EXE /RegServer)",
+               hasProgram ? Remedy::program : Remedy::none, findings)) {
     if (!samePlace(programOf(own->command), layout.program()))
       findings.push_back(
           {Weight::incomplete, "Vordane10013.cOLELayer is registered to " + nameOf(programOf(own->command)) +
@@ -231,11 +231,19 @@ void examineClasses(const SuiteLayout& layout, const Workstation& workstation,
   if (!zul) return;
   const std::u16string progId = u"CalderinProj" + *zul + u".cPBXOle";
   const auto exchange = workstation.registered(progId);
-  if (canStart(text::toUtf8(progId), exchange, Weight::incomplete, "no exchange can be reached", findings))
+  if (canStart(text::toUtf8(progId), exchange, Weight::incomplete, "no exchange can be reached", Remedy::none,
+               findings))
     examineGuard(text::toUtf8(progId), *exchange, workstation, findings);
 }
 
 }  // namespace
+
+bool canWrite(const fs::path& path) {
+  std::error_code failure;
+  const auto permissions = fs::status(path, failure).permissions();
+  constexpr auto anyWrite = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+  return !failure && (permissions & anyWrite) != fs::perms::none;
+}
 
 std::string_view wordFor(Weight weight) {
   switch (weight) {
@@ -268,9 +276,9 @@ std::vector<Finding> examineFiles(const SuiteLayout& layout, database::Engine& e
     return database;
   };
   const auto own = open({layout.texts(), language::ownTables, Weight::fatal, false,
-                         "the program ends at its start", ownNeeded});
+                         "the program ends at its start", ownNeeded, Remedy::ownTexts});
   const auto common = open({layout.sharedTexts(), language::commonTables, Weight::fatal, false,
-                            "the program ends at its start", commonNeeded});
+                            "the program ends at its start", commonNeeded, Remedy::sharedTexts});
   const auto faults = open(
       {layout.faults(), store::faultTables, Weight::fatal, true, "no faults can be stored or shown", {}});
   const auto registry = open({layout.registration(),

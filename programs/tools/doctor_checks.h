@@ -20,11 +20,23 @@ enum class Weight : std::uint8_t {
   incomplete,  // it leaves something out
   unsafe       // it starts, and somebody else's code might
 };
+// What the doctor can do about a finding without losing anything, when it is asked to (doctor_remedies.h).
+enum class Remedy : std::uint8_t {
+  none,
+  faultIndex,         // made anew
+  suiteRegistration,  // the add-in's row in Register.mdb
+  program,            // VORDANE.EXE registers itself
+  ownTexts,           // VORDANE.LNG is made of its sources
+  sharedTexts,        // Common.LNG likewise
+  accessLocks         // what an Access engine that was ended has left is deleted
+};
 struct Finding {
   Weight weight;
   std::string text;
+  Remedy remedy = Remedy::none;
 };
-std::string_view wordFor(Weight weight);  // "stops the program"
+std::string_view wordFor(Weight weight);           // "stops the program"
+bool canWrite(const std::filesystem::path& path);  // as far as its attributes say
 
 // What the doctor says, one line each.
 std::vector<std::string> linesOf(const std::vector<Finding>& findings);

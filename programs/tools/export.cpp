@@ -7,11 +7,14 @@
 #include "commands.h"
 #include "database_files.h"
 #include "export_csv.h"
+#include "export_json.h"
 #include "export_texts.h"
 #include "language_source.h"
 #include "lines.h"
 #include "platform/database_numbers.h"
 #include "platform/engine_choice.h"
+#include "selected_tables.h"
+#include "selection_words.h"
 #include "text/utf8.h"
 #include "tools/sqlite/table_reader.h"
 
@@ -41,9 +44,8 @@ void tell(const std::vector<std::filesystem::path>& files) {
   for (const auto& file : files) std::cout << text::toUtf8(file.u16string()) << '\n';
 }
 
-int exportCsv(const std::string& file, const std::string& folder, CsvUse use) {
-  CsvExport out(toPath(folder), use);
-  readAnyFile(file, out);
+int exportTables(const std::string& file, const FaultSelection& selection, TableFiles& out) {
+  readSelected([&](access::Visitor& visitor) { readAnyFile(file, visitor); }, file, selection, out);
   tell(out.files());
   return 0;
 }
@@ -59,13 +61,23 @@ int exportTexts(const std::string& file, const std::string& folder) {
 
 struct Options {
   std::string file;
-  std::optional<std::string> csv, texts;  // the directory to write to
+  std::optional<std::string> csv, json, texts;  // the directory to write to
   bool spreadsheet = false;
+  FaultSelectionWords selection;
 };
 
 int run(const Options& given) {
-  if (given.texts) return exportTexts(given.file, *given.texts);
-  return exportCsv(given.file, *given.csv, given.spreadsheet ? CsvUse::spreadsheet : CsvUse::readBack);
+  const FaultSelection selection = given.selection.selection();
+  if (given.texts) {
+    if (selection.isOn()) throw ToolError("--texts writes no faults, so none of them can be chosen");
+    return exportTexts(given.file, *given.texts);
+  }
+  if (given.json) {
+    JsonExport out(toPath(*given.json));
+    return exportTables(given.file, selection, out);
+  }
+  CsvExport out(toPath(*given.csv), given.spreadsheet ? CsvUse::spreadsheet : CsvUse::readBack);
+  return exportTables(given.file, selection, out);
 }
 
 }  // namespace
@@ -78,12 +90,19 @@ void declareExport(options::Command& command) {
       "one CSV file (UTF-8) there for each table of an embedded or Access database. They hold every "
       "value as it stands, so that they can be read back; a spreadsheet runs a text that begins "
       "with =, +, - or @ as a formula");
+  command.option("--json", "DIR", given->json,
+                 "one JSON file there for each table likewise: its columns, then a line for each row");
   command.option("--texts", "DIR", given->texts,
                  "the sources of 'language build' there, of a language database (FILE.LNG)");
   command.flag("--spreadsheet", given->spreadsheet,
                "an apostrophe before such texts, for CSV files that a spreadsheet shall open");
-  command.exactlyOne({"--csv", "--texts"});
+  given->selection.declare(command);
+  command.exactlyOne({"--csv", "--json", "--texts"});
   command.needs("--spreadsheet", "--csv");
+  command.notes(
+      "The last five choose among the stored faults; with --exchange no other exchange is written either. "
+      "With "
+      "--since or --until, faults whose date has another form are left out.");
   command.runs([given] { return run(*given); });
 }
 

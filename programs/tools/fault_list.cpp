@@ -1,12 +1,14 @@
 #include "fault_list.h"
 
+#include <utility>
+#include <variant>
 #include <vector>
 
+#include "fault_json.h"
 #include "lines.h"
 #include "platform/stored_values.h"
 #include "store/statements.h"
 #include "terminal_text.h"
-#include "text/blanks.h"
 #include "text/csv.h"
 #include "text/text.h"
 #include "text/utf8.h"
@@ -40,16 +42,6 @@ std::vector<Exchange> readExchanges(database::Database& database) {
   return found;
 }
 
-[[noreturn]] void noSuchExchange(const std::string& file, std::u16string_view name,
-                                 const std::vector<Exchange>& known) {
-  std::string message = file + ": there is no exchange \"" + onOneLine(name) + "\". ";
-  if (known.empty()) throw ToolError(message + "No exchange is stored there");
-  message += "Name one of those stored there:";
-  for (const Exchange& exchange : known)
-    message += (&exchange == known.data() ? " \"" : ", \"") + onOneLine(exchange.name) + '"';
-  throw ToolError(message);
-}
-
 // What a person reads of a description: its lines without the data trailer, in one.
 std::string words(std::u16string_view description) {
   std::string result;
@@ -62,53 +54,47 @@ std::string words(std::u16string_view description) {
   return result;
 }
 
-// Which faults are asked for. One whose date has another form than "YYYY/MM/DD HH:MM" lies within no limits.
-class Wanted {
- public:
-  explicit Wanted(const list::Filter& filter) : filter_(filter), limits_(filter) {}
+// A row whose number is none has 0.
+std::int64_t numberOf(const database::Value& value) {
+  if (const auto* number = std::get_if<std::int32_t>(&value)) return *number;
+  const auto* far = std::get_if<double>(&value);
+  return far != nullptr ? static_cast<std::int64_t>(*far) : 0;
+}
 
-  bool has(Recordset& row) const {
-    return list::showsGroup(filter_, textOf(row, u"Fault"), textOf(row, u"Alarm"), textOf(row, u"CPU")) &&
-           (!limits_.any() || limits_.hold(list::minuteOf(textOf(row, u"Date"))));
-  }
-
- private:
-  const list::Filter& filter_;
-  list::Limits limits_;
-};
-
-void requireTimes(const list::Filter& filter) {
-  const char* const form =
-      ": write the time as YYYY/MM/DD HH:MM, or its beginning as far as the year, the month, the day or the "
-      "hour";
-  switch (list::mistakeIn(filter)) {
-    case list::Mistake::none:
-      return;
-    case list::Mistake::since:
-      throw ToolError("--since " + onOneLine(filter.since) + form);
-    case list::Mistake::until:
-      throw ToolError("--until " + onOneLine(filter.until) + form);
-    case list::Mistake::order:
-      throw ToolError("--since " + onOneLine(filter.since) + " lies behind --until " +
-                      onOneLine(filter.until) + ": no fault can lie between them");
-  }
+StoredFault faultOf(Recordset& row, const std::u16string& exchange) {
+  return {numberOf(row.get(u"Count")), exchange,
+          textOf(row, u"Fault"),       textOf(row, u"Alarm"),
+          textOf(row, u"Date"),        textOf(row, u"CPU"),
+          textOf(row, u"Description")};
 }
 
 class Lister {
  public:
   Lister(database::Database& database, const ListOptions& options, std::ostream& out)
-      : database_(database), form_(options.form), wanted_(options.filter), out_(out) {}
+      : database_(database), form_(options.form), wanted_(options.selection), out_(out) {}
 
   void list(const std::vector<Exchange>& chosen) {
     if (form_ == Form::csv) out_ << "Exchange,Fault,Alarm,Date,CPU,Description,Count\r\n";
+    if (form_ == Form::json) printHead(chosen);
     for (const Exchange& exchange : chosen) {
       if (form_ == Form::lines) printExchange(exchange);
       printFaults(exchange);
     }
+    if (form_ == Form::json) out_ << "\n]}\n";
     if (form_ == Form::count) out_ << count_ << '\n';
   }
 
  private:
+  void printHead(const std::vector<Exchange>& chosen) {
+    out_ << R"({"format":"vordane fault list","version":1,"exchanges":[)";
+    for (const Exchange& exchange : chosen)
+      out_ << (&exchange == chosen.data() ? "\n" : ",\n") << R"({"exchange":)" << jsonText(exchange.name)
+           << R"(,"received":)" << jsonText(exchange.received) << R"(,"major":)"
+           << (exchange.major ? "true" : "false") << R"(,"minor":)" << (exchange.minor ? "true" : "false")
+           << '}';
+    out_ << "\n],\"faults\":[";
+  }
+
   void printExchange(const Exchange& exchange) {
     const auto lamp = [](bool lit) { return lit ? "alarm" : "clear"; };
     out_ << onOneLine(exchange.name) << ": list received " << onOneLine(exchange.received) << ", major "
@@ -118,11 +104,17 @@ class Lister {
   void printFaults(const Exchange& exchange) {
     const auto rows = database_.openRecordset(store::faultsOfExchange(exchange.id, store::newestFirst));
     for (; !rows->atEnd(); rows->moveNext()) {
-      if (!wanted_.has(*rows)) continue;
+      if (!isWanted(*rows)) continue;
+      if (form_ == Form::json) out_ << (count_ == 0 ? "\n" : ",\n") << jsonOf(faultOf(*rows, exchange.name));
       ++count_;
       if (form_ == Form::csv) printCsv(*rows, exchange.name);
       if (form_ == Form::lines) printLine(*rows);
     }
+  }
+
+  bool isWanted(Recordset& row) const {
+    return wanted_.has(textOf(row, u"Fault"), textOf(row, u"Alarm"), textOf(row, u"CPU"),
+                       textOf(row, u"Date"));
   }
 
   void printCsv(Recordset& row, const std::u16string& name) {
@@ -143,7 +135,7 @@ class Lister {
 
   database::Database& database_;
   const Form form_;
-  const Wanted wanted_;
+  const WantedFaults wanted_;
   std::ostream& out_;
   std::int64_t count_ = 0;
 };
@@ -152,13 +144,14 @@ class Lister {
 
 void listFaults(database::Database& database, const std::string& file, const ListOptions& options,
                 std::ostream& out) {
-  requireTimes(options.filter);
-  const std::vector<Exchange> known = readExchanges(database);
+  requireTimes(options.selection.filter);
   std::vector<Exchange> chosen;
-  for (const Exchange& exchange : known)
-    if (!options.exchange || text::equalAsStored(exchange.name, *options.exchange))
-      chosen.push_back(exchange);
-  if (options.exchange && chosen.empty()) noSuchExchange(file, *options.exchange, known);
+  std::vector<std::u16string> known;
+  for (Exchange& exchange : readExchanges(database)) {
+    known.push_back(exchange.name);
+    if (options.selection.hasExchange(exchange.name)) chosen.push_back(std::move(exchange));
+  }
+  if (options.selection.exchange && chosen.empty()) noSuchExchange(file, *options.selection.exchange, known);
   Lister(database, options, out).list(chosen);
 }
 

@@ -2,11 +2,10 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <ostream>
 #include <string>
 
-#include "list/filter.h"
+#include "fault_selection.h"
 #include "platform/database.h"
 
 namespace vordane::tools {
@@ -14,16 +13,15 @@ namespace vordane::tools {
 struct ListOptions {
   // `lines`: an exchange's line, then its faults, each one line; what a name or text may do to a terminal is
   // shown instead (terminal_text.h). `csv`: every column, lines that end with CR LF, texts that a spreadsheet
-  // would run made harmless (csv.h). `count`: the number of faults alone.
-  enum class Form : std::uint8_t { lines, csv, count };
+  // would run made harmless (csv.h). `json`: one document for programs, a line for each fault (fault_json.h).
+  // `count`: the number of faults alone.
+  enum class Form : std::uint8_t { lines, csv, json, count };
   Form form = Form::lines;
-  std::optional<std::u16string> exchange;  // nothing: all of them
-  list::Filter filter;                     // which of their faults; its text is not asked for
+  FaultSelection selection = {};
 };
 
-// `file` is the database's name for messages. An exchange's name ignores case and blanks behind it, as
-// everywhere in the suite. Throws ToolError when there is no such exchange or the filter's times can't be
-// followed, before anything is written, and DatabaseError.
+// `file` is the database's name for messages. Throws ToolError when there is no such exchange or the
+// selection's times can't be followed, before anything is written, and DatabaseError.
 void listFaults(database::Database& database, const std::string& file, const ListOptions& options,
                 std::ostream& out);
 

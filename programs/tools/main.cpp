@@ -24,11 +24,14 @@ constexpr struct {
     {"doctor", declareDoctor,
      "Says why the add-in would not start from a version directory, or start incomplete: files, tables, "
      "texts, "
-     "damage, and on Windows settings and registration."},
+     "damage, full logs and disks, and on Windows settings and registration."},
     {"guide", declareGuide, "Checks the guide for technicians and makes it ready for its pages."},
     {"language", declareLanguage, "Checks the texts of languages and makes language databases of them."},
     {"export", declareExport,
      "Writes the tables of a database, or the texts of a language database, into files."},
+    {"follow", declareFollow,
+     "Tells other systems of each new fault and of the lamps, once, as JSON lines or syslog messages, beside "
+     "the add-in at its work."},
     {"import", declareImport,
      "Brings the Access files of a suite over to the embedded engine, all of them or none, and keeps each "
      "beside "

@@ -197,12 +197,20 @@ inline constexpr std::size_t newerFaults = 297;  // {1} of them
 inline constexpr std::size_t languageName = 298;          // as its speakers call it
 inline constexpr std::size_t otherStoringLanguage = 299;  // {1} of the store, {2} of this station
 
+// The line that tells of a flood.
+inline constexpr std::size_t floodMinutes = 300;  // {1} faults, {2} minutes, {3} from, {4} to
+inline constexpr std::size_t floodMinute = 301;   // {1} faults, {2} when
+inline constexpr std::size_t floodEnds = 302;     // {1} the first, {2} the last
+inline constexpr std::size_t floodKind = 303;     // {1} faults, {2} title and processors
+inline constexpr std::size_t floodOthers = 304;   // {1} faults
+inline constexpr std::size_t floodShow = 305;
+
 // The product's own numbers, as [first, end). Behind the last stand the titles and labels of fault kinds that
 // came later; own ones that come after those begin a range of their own.
 struct Range {
   std::size_t first, end;
 };
-inline constexpr std::array ownTexts{Range{165, 300}};
+inline constexpr std::array ownTexts{Range{165, 306}};
 inline constexpr std::size_t count = ownTexts.back().end;  // of all that are named here or stand before
 
 constexpr bool isOwn(std::size_t number) {

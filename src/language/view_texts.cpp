@@ -138,6 +138,18 @@ std::size_t messageNumber(window::ViewText which) {
       return message::newerFault;
     case ViewText::newerFaults:
       return message::newerFaults;
+    case ViewText::floodMinutes:
+      return message::floodMinutes;
+    case ViewText::floodMinute:
+      return message::floodMinute;
+    case ViewText::floodEnds:
+      return message::floodEnds;
+    case ViewText::floodKind:
+      return message::floodKind;
+    case ViewText::floodOthers:
+      return message::floodOthers;
+    case ViewText::floodShow:
+      return message::floodShow;
     case ViewText::openGuide:
       return message::menuGuide;
   }

@@ -11,10 +11,6 @@ namespace {
 
 using database::textOf;
 
-std::u16string firstLine(std::u16string_view description) {
-  return std::u16string(text::trim(description.substr(0, description.find_first_of(u"\r\n"))));
-}
-
 std::vector<Tally> tallied(std::map<std::u16string, Tally>&& byKey) {
   std::vector<Tally> tallies;
   for (auto& [key, tally] : byKey)
@@ -26,6 +22,10 @@ std::vector<Tally> tallied(std::map<std::u16string, Tally>&& byKey) {
 }
 
 }  // namespace
+
+std::u16string titleOf(std::u16string_view description) {
+  return std::u16string(text::trim(description.substr(0, description.find_first_of(u"\r\n"))));
+}
 
 void Facts::take(std::size_t position, std::uint32_t kind, std::u16string_view time) {
   if (position >= size()) return;
@@ -63,7 +63,7 @@ std::vector<Tally> kindsOf(const Facts& facts) {
   for (const Group& group : facts.groups()) {
     Tally& tally = byKey[keyOf(group.fault)];
     if (tally.rows == 0)
-      tally = {keyOf(group.fault), std::u16string(text::trim(group.fault)), firstLine(group.description)};
+      tally = {keyOf(group.fault), std::u16string(text::trim(group.fault)), titleOf(group.description)};
     tally.rows += group.rows;
   }
   return tallied(std::move(byKey));

@@ -49,9 +49,12 @@ class Facts final : public database::Survey::Taker {
   Minute lastMinute_ = noMinute;
 };
 
+// A fault's title: the first line of its description.
+std::u16string titleOf(std::u16string_view description);
+
 // The kinds that are stored, in the order of their numbers, and the processors, each with its rows.
 struct Tally {
-  std::u16string key, shown, title;  // a kind's title is the first line of one of its faults
+  std::u16string key, shown, title;  // a kind's title is that of one of its faults
   std::size_t rows = 0;
 };
 std::vector<Tally> kindsOf(const Facts& facts);

@@ -83,6 +83,11 @@ class RowList {
   virtual std::unique_ptr<Survey> survey(const SurveyedColumns& columns) {
     return surveyRows(*this, columns);
   }
+  // Of a list that is newest first.
+  virtual std::unique_ptr<TimeWalk> times(std::size_t column) { return walkTimes(*this, column); }
+  virtual std::unique_ptr<Survey> surveyBetween(const SurveyedColumns& columns, TimesBetween times) {
+    return surveyRows(*this, columns, std::move(times));
+  }
 
  protected:
   static constexpr std::size_t rowsBetweenProgress = 1024;

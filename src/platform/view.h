@@ -117,6 +117,13 @@ enum class ViewText {
   // Above the rows, when faults came that the person has not looked at.
   newerFault,   // one
   newerFaults,  // {1} of them
+  // Above the rows, of the latest flood of faults.
+  floodMinutes,  // {1} faults in {2} minutes, from {3} to {4}
+  floodMinute,   // {1} faults in the minute {2}
+  floodEnds,     // {1} was the first of them, {2} the last
+  floodKind,     // {1} of them were {2}
+  floodOthers,   // {1} were of other kinds
+  floodShow,     // what a press does: shows no others
 };
 
 class ViewTexts {

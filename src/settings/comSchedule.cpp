@@ -69,13 +69,6 @@ std::int16_t jobKind(database::Recordset& row, std::int16_t otherwise) try {
   return noKind;
 }
 
-// A base name that leads out of the log's folder, to a device or to a stream beside a file counts as none.
-std::u16string logName(const std::u16string& file, std::u16string_view key) {
-  std::u16string name = file;
-  name += key;
-  return text::isPlainFileName(name) ? name : std::u16string(key);
-}
-
 void readOptions(database::Recordset& row, std::u16string_view key, ScheduleState& state) {
   state.ScheduleWait = automation::toInteger(row.get(u"Wait"));
   state.ScheduleErrorStop = automation::toBoolean(row.get(u"ErrorStop")) ? u"True" : u"False";
@@ -114,8 +107,7 @@ bool keepsNothing(const ScheduleState& state) {
 
 bool overLimit(Environment& environment, const std::u16string& path) {
   if (!environment.state.LogLimited) return false;
-  const std::int64_t limit = std::int64_t{environment.state.LogLimitKB} * 1000;
-  return environment.files.length(path).value_or(0) > limit;
+  return environment.files.length(path).value_or(0) > logLimit(environment.state.LogLimitKB);
 }
 
 // A part longer than a line can be is not wanted whole.
@@ -177,6 +169,16 @@ void LoadScheduleOptions(Environment& environment, std::u16string_view key) {
   } catch (const automation::AutomationError&) {
     // A value that is Null or too large ends the reading; the options behind it keep their defaults.
   }
+}
+
+std::u16string logName(std::u16string_view file, std::u16string_view key) {
+  std::u16string name(file);
+  name += key;
+  return text::isPlainFileName(name) ? name : std::u16string(key);
+}
+
+std::int64_t logLimit(std::int32_t kilobytes) {
+  return std::int64_t{kilobytes} * 1000;
 }
 
 std::u16string logPath(const Environment& environment) {

@@ -61,6 +61,13 @@ void WaitSeconds(platform::Clock& clock, std::int16_t seconds);
 
 void CancelScheduleCount(ScheduleState& state);
 
+// What the options `file` and `key` of a job make the name of its log, without the ending. A name that leads
+// out of the log's folder, to a device or to a stream beside a file counts as none.
+std::u16string logName(std::u16string_view file, std::u16string_view key);
+
+// The most bytes of a limited log that a line is still added to. `kilobytes` is the option FileByte.
+std::int64_t logLimit(std::int32_t kilobytes);
+
 // The run log of the loaded job.
 std::u16string logPath(const Environment& environment);
 

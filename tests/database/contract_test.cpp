@@ -459,6 +459,52 @@ TEST_P(DatabaseContract, ASurveyLeavesOutWhatHasGoneAndWhatCameLater) {
   EXPECT_EQ(told.rows.size(), before);
 }
 
+TEST_P(DatabaseContract, TimesAreToldNewestFirst) {
+  const auto database = open(Layout::faults);
+  for (const char16_t* time :
+       {u"2026/11/20 10:00", u"2026/11/20 10:05", u"2026/11/20 10:00  ", u"2026/11/20 10:02"})
+    addFault(*database, {1, u"0A", u"MJ", u"MP", time});
+  addFault(*database, {2, u"0A", u"MJ", u"MP", u"2026/11/20 10:04"});
+  const auto rows = database->openRowList(newestOfFirst, gridColumns);
+  for (const std::size_t most : {1, 2, 100}) {
+    std::vector<std::pair<std::u16string, std::size_t>> told;
+    const auto take = [&](std::u16string_view time, std::size_t many) {
+      if (told.empty() || told.back().first != time) told.emplace_back(time, 0);
+      told.back().second += many;
+      return true;
+    };
+    const auto walk = rows->times(surveyed.time);
+    while (walk->next(most, take)) {
+    }
+    EXPECT_EQ(told, (std::vector<std::pair<std::u16string, std::size_t>>{
+                        {u"2026/11/20 10:05", 1}, {u"2026/11/20 10:02", 1}, {u"2026/11/20 10:00", 2}}))
+        << most;
+  }
+  int asked = 0;
+  const auto walk = rows->times(surveyed.time);
+  EXPECT_FALSE(walk->next(100, [&](std::u16string_view, std::size_t) { return ++asked < 2; }));
+  EXPECT_EQ(asked, 2);
+}
+
+TEST_P(DatabaseContract, ASurveyBetweenTwoTimesTellsTheRowsOfBothAndWhatLiesBetween) {
+  const auto database = open(Layout::faults);
+  for (const char16_t* time : {u"2026/11/20 10:00", u"2026/11/20 10:01", u"2026/11/20 10:02",
+                               u"2026/11/20 10:03  ", u"2026/11/20 10:03", u"2026/11/20 10:04"})
+    addFault(*database, {1, u"0A", u"MJ", u"MP", time});
+  addFault(*database, {2, u"0A", u"MJ", u"MP", u"2026/11/20 10:02"});
+  const auto rows = database->openRowList(newestOfFirst, gridColumns);
+  for (const std::size_t most : {1, 2, 100}) {
+    Told told;
+    const auto survey = rows->surveyBetween(surveyed, {u"2026/11/20 10:01", u"2026/11/20 10:03"});
+    while (survey->next(most, told)) {
+    }
+    ASSERT_EQ(told.rows.size(), 4U);
+    EXPECT_EQ(told.rows[1].second, u"2026/11/20 10:03");
+    EXPECT_EQ(told.rows[2].second, u"2026/11/20 10:03");
+    EXPECT_EQ(told.rows[4].second, u"2026/11/20 10:01");
+  }
+}
+
 TEST_P(DatabaseContract, RowsAreChosenByTheTextThatTheyHold) {
   const auto database = open(Layout::faults);
   addFault(*database, {1, u"0A", u"MJ", u"MP", u"1", u"Door OPEN"});

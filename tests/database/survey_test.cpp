@@ -99,6 +99,68 @@ TEST_F(SurveyTest, TellsWhatTheRowsSayInEveryOrderAndInPiecesOfAnySize) {
   }
 }
 
+// The times of the rows, newest first, and the survey of some of them are what the rows themselves say.
+TEST_F(SurveyTest, TimesAndWhatLiesBetweenTwoOfThemAreThoseOfTheRows) {
+  const auto database = open();
+  std::mt19937 random(9);
+  for (int i = 0; i < 300; ++i) {
+    std::u16string time = u"2026/11/20 10:0";
+    time += static_cast<char16_t>(u'0' + random() % 10);
+    if (random() % 10 == 0) time = random() % 2 == 0 ? u"soon" : u"";
+    if (random() % 5 == 0) time += u"  ";
+    database::addFault(*database, {std::int16_t(1 + i % 5 / 4), random() % 2 == 0 ? u"0A" : u"01", u"MJ",
+                                   u"MP", time, u"x" + std::u16string(random() % 3, u'z')});
+  }
+  const auto rows = listed(*database);
+  using Times = std::vector<std::pair<std::u16string, std::size_t>>;
+  const auto timesOf = [](database::TimeWalk& walk, std::size_t most) {
+    Times times;
+    while (walk.next(most, [&](std::u16string_view time, std::size_t many) {
+      if (times.empty() || times.back().first != time) times.emplace_back(time, 0);
+      times.back().second += many;
+      return true;
+    })) {
+    }
+    return times;
+  };
+  const Times expected = timesOf(*database::walkTimes(*rows, surveyed.time), 1000);
+  EXPECT_EQ(expected.size(), 12U);
+  const database::TimesBetween between{u"2026/11/20 10:03", u"2026/11/20 10:06"};
+  Told ofRows;
+  const auto rowByRow = database::surveyRows(*rows, surveyed, between);
+  while (rowByRow->next(1000, ofRows)) {
+  }
+  EXPECT_GT(ofRows.rows.size(), 50U);
+  for (const std::size_t most : {1, 7, 64, 1000}) {
+    EXPECT_EQ(timesOf(*rows->times(surveyed.time), most), expected) << most;
+    Told told;
+    const auto survey = rows->surveyBetween(surveyed, between);
+    while (survey->next(most, told)) {
+    }
+    expectSame(told, ofRows);
+  }
+}
+
+TEST_F(SurveyTest, RowsThatHaveToBeReadForTheirTimesAreNotReadBeyondALimit) {
+  class Many final : public database::RowList {
+   public:
+    std::size_t size() const override { return 1'000'000; }
+    bool fetch(std::size_t, std::vector<Value>& out) override {
+      ++fetched;
+      out = {std::u16string(u"2026/11/20 10:00")};
+      return true;
+    }
+    std::size_t fetched = 0;
+  } many;
+  const auto walk = many.times(0);
+  const auto take = [](std::u16string_view, std::size_t) { return true; };
+  EXPECT_TRUE(walk->next(3000, take));
+  EXPECT_LE(many.fetched, 256U) << "nor many of them at once";
+  while (walk->next(3000, take)) {
+  }
+  EXPECT_EQ(many.fetched, 10'000U);
+}
+
 TEST(FoldedNeedles, AreFoundWhereverTheyStand) {
   std::mt19937 random(11);
   constexpr std::u16string_view letters = u"aAbBzZ[@жЖ日Ω";
@@ -151,10 +213,13 @@ TEST_F(SurveyTest, OthersMayWriteBetweenTwoPieces) {
 
 TEST_F(SurveyTest, NothingIsLockedBetweenTwoPieces) {
   const auto database = openWithTwentyFaults();
+  database::addFault(*database, {1, u"0A", u"MJ", u"MP", u"2026/11/20 10:01"});
   const auto rows = listed(*database);
   Told all;
   const auto survey = rows->survey(surveyed);
   EXPECT_TRUE(survey->next(5, all));
+  const auto walk = rows->times(surveyed.time);
+  EXPECT_TRUE(walk->next(1, [](std::u16string_view, std::size_t) { return true; }));
   sqlite3* handle = nullptr;
   ASSERT_EQ(sqlite3_open(text::toUtf8(path_).c_str(), &handle), SQLITE_OK);
   // A checkpoint that cuts the log off waits for every reader.

@@ -7,6 +7,8 @@ import json
 import pathlib
 import sys
 
+import jsonschema
+
 folder = pathlib.Path(sys.argv[1])
 shown = [row.split("\x1f")[:-1] for row in (folder / "shown").read_bytes().decode("utf-8").split("\x1e")[:-1]]
 headings, shown = shown[0], shown[1:]
@@ -37,6 +39,10 @@ def of_csv():
 def of_json():
     saved = json.loads((folder / "list.json").read_text(encoding="utf-8"))
     assert saved["format"] == "vordane faults" and saved["version"] == 1, saved["format"]
+    sources = pathlib.Path(__file__).parents[2]
+    schema = json.loads((sources / "docs/schemas/faults.schema.json").read_text(encoding="utf-8"))
+    form = {"$ref": "#/$defs/saved", "$defs": schema["$defs"]}
+    jsonschema.Draft202012Validator(form).validate(saved)
     keys = ["kind", "class", "time", "processor", "description", "number"]
     same("JSON", [[str(fault[key]) for key in keys] for fault in saved["faults"]], shown)
 

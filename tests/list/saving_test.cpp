@@ -172,6 +172,7 @@ TEST_F(SavingTest, AMillionRowsTakeNoMoreRoomThanAFew) {
   Saving saved(desk, makeRowWriter(RowForm::page, {}, desk.size()), target);
   const auto held = [] { return mallinfo2().uordblks; };
   const std::size_t before = held();
+  if (before == 0) GTEST_SKIP() << "the sanitizers' allocator does not say what it holds";
   std::size_t most = 0, pieces = 0, rowsOfPiece = 0;
   while (saved.work([&] { return ++rowsOfPiece % 1000 != 0; }) == State::atWork)
     if (++pieces % 50 == 0) most = std::max(most, held());

@@ -1,12 +1,13 @@
 // What a person does with the list stands beside what the window is asked to do: with a filter, a text that
-// is looked for, copies, saved files and a place that is kept, and without them, the same statements run in
-// the same order, and hosts notice the same.
+// is looked for, copies, saved files a place that is kept and a digest of floods, and without them, the same
+// statements run in the same order, and hosts notice the same.
 #include <filesystem>
 #include <random>
 
 #include "fakes/watched_database.h"
 #include "list/copying.h"
 #include "list/finder.h"
+#include "list/flood_digest.h"
 #include "list/saving.h"
 #include "list/steady.h"
 #include "startup/story.h"
@@ -23,6 +24,7 @@ class DeskView : public StoryView {
                                                                   : std::nullopt);
     finder.begin();
     if (source != nullptr && steadied) placed(*source);
+    source != nullptr&& steadied ? digest.begin() : digest.forget();
     StoryView::setRows(source != nullptr ? &desk : nullptr);
   }
   // Somebody stands on the last row and stays there.
@@ -36,6 +38,8 @@ class DeskView : public StoryView {
     while (desk.busy() && use() == window::ListUse::now) desk.work([] { return false; });
     finder.begin();
     while (finder.busy() && use() == window::ListUse::now) finder.work([] { return false; });
+    while (digest.busy() && use() == window::ListUse::now) digest.work([] { return false; });
+    if (digest.flood()) ++floods;
   }
   void copyAndSave() {
     list::Copying copying(desk, {{0, desk.size()}}, list::RowForm::lines, {});
@@ -53,8 +57,10 @@ class DeskView : public StoryView {
   list::Desk desk;
   list::Finder finder{desk};
   list::Steady steady;
+  list::FloodDigest digest{desk};
   bool steadied = false;
   int found = 0;  // times that the place was found again
+  int floods = 0;
   std::function<window::ListUse()> use;
 };
 
@@ -112,20 +118,20 @@ class ListStory : public Story {
       filter(filtered);
       form().input().buttonPressed(0);
       tickOnce();
-      exchange().answer(0, twoFaults());
+      exchange().answer(0, aFlood());
       while (tickOnce()) deskView.haveTime();
       exchange().answerLamps(u"10");
       while (tickOnce()) deskView.haveTime();
       filter(filtered);
     }
-    EXPECT_EQ(deskView.rows->size(), filtered ? 1U : 2U);
+    EXPECT_EQ(deskView.rows->size(), filtered ? 1U : 12U);
     for (const int column : {0, 4, 2, 2}) {
       form().input().headingClicked(column);
       deskView.haveTime();
     }
     form().input().exchangeChosen(1);
     deskView.haveTime();
-    EXPECT_EQ(deskView.rows->size(), filtered ? 1U : 2U);
+    EXPECT_EQ(deskView.rows->size(), filtered ? 1U : 12U);
     EXPECT_TRUE(form().form().control(u"cmdPrint").flag(u"Enabled"));
     boxes.answer = 6;
     for (const int action : {2, 3}) {
@@ -133,14 +139,19 @@ class ListStory : public Story {
       while (tickOnce()) deskView.haveTime();
     }
     EXPECT_EQ(deskView.found > 0, filtered);
+    EXPECT_EQ(deskView.floods > 0, filtered);
     seen.trace = taken();
     Seen result = std::move(seen);
     seen = {};
     return result;
   }
-  static const std::vector<std::u16string>& twoFaults() {
-    static const std::vector<std::u16string> entries{u"15 MJ MP000", u"26/11/20 10:15", u"00", u"",
-                                                     u"02 MN MP000", u"26/11/20 10:16", u"00", u""};
+  // Twelve faults within two minutes.
+  static std::vector<std::u16string> aFlood() {
+    std::vector<std::u16string> entries{u"15 MJ MP000", u"26/11/20 10:15", u"00", u""};
+    for (const char16_t number : std::u16string_view(u"123456789AB"))
+      for (const std::u16string& entry : {std::u16string(u"02 MN MP000"), std::u16string(u"26/11/20 10:16"),
+                                          std::u16string(u"0") + number, std::u16string()})
+        entries.push_back(entry);
     return entries;
   }
 

@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "export_csv.h"
+#include "fault_json.h"
 #include "lines.h"
 #include "platform/sqlite/engine.h"
 #include "startup/databases.h"
@@ -52,13 +53,16 @@ class FaultList : public testing::Test {
   std::string list(Form form, std::optional<std::u16string> exchange = std::nullopt) {
     const auto database = sqlite::makeEngine(startup::databases)->open(file_.u16string(), true);
     std::ostringstream out;
-    listFaults(*database, "FAULT.MDB", {form, std::move(exchange), {}}, out);
+    listFaults(*database, "FAULT.MDB", {form, {std::move(exchange), {}, {}}}, out);
     return out.str();
   }
   // How many a filter leaves.
   std::string count(const std::function<void(list::Filter&)>& change) {
-    ListOptions options{Form::count, {}, {}};
-    change(options.filter);
+    return countSelected([&](FaultSelection& selection) { change(selection.filter); });
+  }
+  std::string countSelected(const std::function<void(FaultSelection&)>& change) {
+    ListOptions options{Form::count};
+    change(options.selection);
     const auto database = sqlite::makeEngine(startup::databases)->open(file_.u16string(), true);
     std::ostringstream out;
     try {
@@ -102,6 +106,42 @@ TEST_F(FaultList, CsvForASpreadsheet) {
             "2\",\"Title\u009B2J\rx\",3\r\n");
 }
 
+TEST_F(FaultList, JsonForPrograms) {
+  EXPECT_EQ(list(Form::json, u"pbx-1"),
+            R"j({"format":"vordane fault list","version":1,"exchanges":[
+{"exchange":"PBX-1","received":"2006-11-27 09:00:00","major":true,"minor":false}
+],"faults":[
+{"event":"fault","id":"2-d982b05d7b64e721","exchange":"PBX-1","number":2,"kind":"3B","class":"MN","time":"2006/11/27 08:00","processor":"@MP","description":"-2+3"},
+{"event":"fault","id":"1-5ba1dfb1f63dbc3e","exchange":"PBX-1","number":1,"kind":"01","class":"MN","time":"2006/11/26 08:00","processor":"LP 1","description":"Line down\r\nUnit 3\r\nData [0C]"}
+]}
+)j");
+  EXPECT_EQ(list(Form::json, u"=hyperlink(\"x\")"),
+            R"j({"format":"vordane fault list","version":1,"exchanges":[
+{"exchange":"=HYPERLINK(\"x\")","received":"2006-11-25 09:00:00","major":false,"minor":false}
+],"faults":[
+]}
+)j");
+}
+
+TEST(FaultJson, AFaultIsKnownAgainWhenItsYearWasWidened) {
+  const StoredFault fault{7, u"PBX-1", u"01", u"MJ", u"06/11/27 08:00", u"LP 1", u"Line down"};
+  const auto changed = [&](std::u16string StoredFault::*column, const char16_t* to) {
+    StoredFault other = fault;
+    other.*column = to;
+    return identifierOf(other);
+  };
+  EXPECT_EQ(changed(&StoredFault::time, u"2006/11/27 08:00"), identifierOf(fault));
+  for (const auto column : {&StoredFault::exchange, &StoredFault::kind, &StoredFault::alarm,
+                            &StoredFault::processor, &StoredFault::description})
+    EXPECT_NE(changed(column, u"x"), identifierOf(fault));
+  StoredFault shifted = fault;  // no character belongs to two texts
+  shifted.kind = u"01M", shifted.alarm = u"J";
+  EXPECT_NE(identifierOf(shifted), identifierOf(fault));
+  shifted = fault;
+  shifted.number = 8;
+  EXPECT_NE(identifierOf(shifted), identifierOf(fault));
+}
+
 TEST_F(FaultList, CountsAlone) {
   EXPECT_EQ(list(Form::count), "3\n");
   EXPECT_EQ(list(Form::count, u"PBX-1"), "2\n");
@@ -120,6 +160,16 @@ TEST_F(FaultList, AFilterChoosesByTimeClassKindAndProcessor) {
   EXPECT_EQ(count([](list::Filter& filter) { filter.major = false; }), "3\n");
   EXPECT_EQ(count([](list::Filter& filter) { filter.kinds = {list::KindRule::Way::only, {u"3b"}}; }), "1\n");
   EXPECT_EQ(count([](list::Filter& filter) { filter.processor = u"lp 2"; }), "1\n");
+}
+
+TEST_F(FaultList, AClassIsChosenByItsName) {
+  const auto ofClasses = [&](std::set<std::u16string> classes) {
+    return countSelected([&](FaultSelection& selection) { selection.classes = std::move(classes); });
+  };
+  EXPECT_EQ(ofClasses({}), "3\n");
+  EXPECT_EQ(ofClasses({u"mn"}), "3\n");
+  EXPECT_EQ(ofClasses({u"mj"}), "0\n");
+  EXPECT_EQ(ofClasses({u"mj", u"mn"}), "3\n");
 }
 
 TEST_F(FaultList, ADateOfAnotherFormLiesWithinNoLimits) {

@@ -25,17 +25,17 @@ for help in --help -h; do
 done
 run 0 --version; silent errors
 [ "$(cat "$work/out")" = "vordane-tools $version" ] || { echo "FAILED: the version is $(cat "$work/out")"; failed=1; }
-for command in decode doctor guide language export import install list store suite uninstall; do
+for command in decode doctor follow guide language export import install list store suite uninstall; do
   run 0 $command --help; silent errors; says out "usage: vordane-tools $command "
 done
-run 0 export --help; says out 'vordane-tools export FILE (--csv DIR | --texts DIR) [--spreadsheet]'; says out 'hold every value as it stands'; says out '--spreadsheet '
+run 0 export --help; says out 'vordane-tools export FILE (--csv DIR | --json DIR | --texts DIR) [--spreadsheet]'; says out 'hold every value as it stands'; says out '--spreadsheet '
 run 0 language build --help; silent errors; says out 'usage: vordane-tools language build [--common] FOLDER OUT.LNG'; says out '--common '
-run 0 list --csv -h; silent errors; says out 'usage: vordane-tools list FAULT.MDB [--exchange NAME] [--since TIME]'; says out '[--csv | --count]'
+run 0 list --csv -h; silent errors; says out 'usage: vordane-tools list FAULT.MDB [--exchange NAME] [--since TIME]'; says out '[--csv | --json | --count]'
 
 run 2; silent out; says errors 'a command is missing'
 run 2 lst; silent out; says errors 'there is no command lst'
 run 2 list; silent out; says errors 'the fault database is missing'; says errors 'usage: vordane-tools list FAULT.MDB'
-run 2 list x --csv --count; silent out; says errors '--csv and --count exclude each other'
+run 2 list x --csv --count; silent out; says errors '--csv and --json and --count exclude each other'
 run 2 list x --exchange; says errors '--exchange needs NAME behind it'
 run 2 list x y; says errors 'vordane-tools list: y is one argument too many'
 run 2 list x --cvs; says errors 'unknown option --cvs'
@@ -43,7 +43,9 @@ run 2 doctor; says errors 'vordane-tools doctor: the version directory'
 run 2 import a b; says errors 'b is one argument too many'; says errors 'usage: vordane-tools import SUITE_DIR'
 run 2 language; says errors 'vordane-tools language check FOLDER'
 run 2 language chek x; says errors 'vordane-tools language: there is no command chek'
-run 2 export x; says errors 'vordane-tools export: --csv or --texts is missing'
+run 2 export x; says errors 'vordane-tools export: --csv or --json or --texts is missing'
+run 2 list x --json --csv; silent out; says errors 'exclude each other'
+run 1 export x --texts y --kind 01; silent out; says errors '--texts writes no faults, so none of them can be chosen'
 run 2 suite x --language; says errors '--language needs NAME behind it'
 run 2 suite; says errors 'the directory of the suite is missing'
 
@@ -59,7 +61,10 @@ run 2 uninstall; says errors 'the version directory is missing'
 run 2 uninstall x --all; says errors 'unknown option --all'
 run 17 uninstall no-such-folder; says out 'the add-in is not installed there'
 
+run 2 follow x; silent out; says errors '--mark is missing'
+run 2 follow x --mark m --to a --tcp b:1; says errors 'exclude each other'
 none=none.mdb
+run 1 follow $none --mark "$work/mark" --once; silent out; says errors "$none: there is no such file. Check the path"
 run 1 list $none; silent out; says errors "$none: there is no such file. Check the path"
 run 1 export $none --csv "$work/csv"; says errors "$none: there is no such file. Check the path"
 run 1 import no-such-folder; silent out; says errors 'no-such-folder: there is no such directory. Name the version directory'
@@ -77,9 +82,32 @@ run 0 list made/ADDINS/DATABASE/FAULT.MDB --csv
 printf 'Exchange,Fault,Alarm,Date,CPU,Description,Count\r\n' | cmp - out.raw || failed=1
 run 0 list made/ADDINS/DATABASE/FAULT.MDB --count; [ "$(cat out)" = 0 ] || failed=1
 run 0 list made/ADDINS/DATABASE/FAULT.MDB --count --since 2026 --until 2026/11/22 --major --kind 3B --kind 01 --processor MP; [ "$(cat out)" = 0 ] || failed=1
+run 0 list made/ADDINS/DATABASE/FAULT.MDB --json --class MJ
+printf '{"format":"vordane fault list","version":1,"exchanges":[\n],"faults":[\n]}\n' | cmp - out.raw || failed=1
+run 1 export made/ADDINS/DATABASE/VORDANE.LNG --json tables --kind 01; silent out; says errors 'no faults are stored in it'
+run 0 export made/ADDINS/DATABASE/FAULT.MDB --json tables --kind 01
+printf '{"format":"vordane table","version":1,"table":"PBXList","columns":["ID","PBXName","TimeStamp","MJ","MN"],"rows":[\n]}\n' | cmp - tables/PBXList.json || failed=1
+run 0 follow made/ADDINS/DATABASE/FAULT.MDB --mark mark --once --to lines; silent out; silent errors
+run 0 follow made/ADDINS/DATABASE/FAULT.MDB --mark mark --once --syslog; silent out; silent errors
+grep -q '"format":"vordane follow mark"' mark || { echo 'FAILED: no mark is kept'; failed=1; }
+run 1 follow made/ADDINS/DATABASE/FAULT.MDB --mark lost --once --udp here; says errors 'here: this is no address. Write it as HOST:PORT'
 run 1 list made/ADDINS/DATABASE/FAULT.MDB --since today; silent out; says errors '--since today: write the time as YYYY/MM/DD HH:MM'
 run 1 list made/ADDINS/DATABASE/FAULT.MDB --exchange PBX-1; silent out; says errors 'there is no exchange "PBX-1"'
 if [ "${tool[0]}" != wine ]; then run 0 doctor made/; says out 'nothing is missing'; silent errors; fi
+run 2 doctor made/ --yes; says errors '--fix'
+run 2 doctor made/ --fix --source "$data"; says errors '--language'
+# A language file that is missing: asked for, and no answer is no.
+rm made/ADDINS/DATABASE/VORDANE.LNG
+run 1 doctor made/ --fix; says errors 'Shall it make VORDANE.LNG of its sources? [y/N]'; says out 'VORDANE.LNG is missing'
+run 1 doctor made/ --fix --yes; says errors 'not done: make VORDANE.LNG of its sources: the texts have to come from somewhere'
+[ ! -e made/ADDINS/DATABASE/VORDANE.LNG ] || { echo 'FAILED: it was made without being asked for'; failed=1; }
+if [ "${tool[0]}" != wine ]; then
+  printf 'yes\n' | "${tool[@]}" doctor made/ --fix --source "$data" --language ru > out 2> errors || { echo 'FAILED: not mended'; failed=1; }
+  says out 'mended: make VORDANE.LNG of its sources'; says out 'nothing is missing'
+  run 0 doctor made/ --json; silent errors
+  grep -qx '{"format":"vordane doctor","version":1,"suite":".*made","mended":\[\],"findings":\[\]}' out || { echo 'FAILED: no JSON:'; cat out; failed=1; }
+fi
+run 0 suite made/ --language ru --source "$data"
 # A guide of its language comes along when there is one, and takes the place of another language's.
 mkdir -p pages/ru made/ADDINS/HELP/GUIDE
 echo '<p>все</p>' > pages/ru/guide.html; echo '<p>тема</p>' > pages/ru/request.html; echo old > made/ADDINS/HELP/GUIDE/old.html

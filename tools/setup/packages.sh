@@ -15,6 +15,8 @@ packages=(
   googletest libgtest-dev libgmock-dev python3 clang libclang-rt-14-dev clang-format-14 clang-tidy-14
   # a server for the tests of the shared store, made and removed by each of them, and the driver for it
   postgresql-15 odbc-postgresql
+  # what other systems are given is held against its schema by somebody else's validator
+  python3 python3-jsonschema curl
   # libraries that are headers alone
   libcli11-dev nlohmann-json3-dev
   # the kit for Windows workstations

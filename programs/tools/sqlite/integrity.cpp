@@ -2,6 +2,8 @@
 
 #include "platform/sqlite/connection.h"
 #include "platform/sqlite/engine.h"
+#include "platform/sqlite/event_index.h"
+#include "startup/databases.h"
 #include "text/utf8.h"
 
 namespace vordane::tools {
@@ -24,6 +26,15 @@ std::string damageIn(std::u16string_view path) try {
   return result == SQLITE_OK ? complaint : sqlite3_errmsg(handle.get());
 } catch (const database::DatabaseError& error) {
   return text::toUtf8(error.description());
+}
+
+bool hasStaleIndex(std::u16string_view path) {
+  sqlite::Connection connection(sqlite::openToRead(path, {}), true, {}, startup::databases);
+  const database::EventTable* const events = connection.eventTable();
+  const sqlite::Table* const table = events != nullptr ? connection.tables().find(events->table) : nullptr;
+  if (table == nullptr || !table->events) return false;
+  sqlite::Statement any(connection, "SELECT 1 FROM " + table->quoted + " LIMIT 1");
+  return any.step() && !connection.events().usable();
 }
 
 }  // namespace vordane::tools

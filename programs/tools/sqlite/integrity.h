@@ -10,4 +10,9 @@ namespace vordane::tools {
 // words; empty for a sound one. A file that can't be opened is told like damage.
 std::string damageIn(std::u16string_view path);
 
+// Whether the file holds faults and its index of them is missing or not that of these: whoever opens it for
+// writing makes it anew. A table that is declared otherwise than this system's own has none. Throws
+// DatabaseError.
+bool hasStaleIndex(std::u16string_view path);
+
 }  // namespace vordane::tools

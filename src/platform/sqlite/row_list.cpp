@@ -84,6 +84,20 @@ class EmbeddedRowList final : public database::RowList {
     return RowList::survey(columns);
   }
 
+  std::unique_ptr<database::Survey> surveyBetween(const database::SurveyedColumns& columns,
+                                                  database::TimesBetween times) override {
+    if constexpr (std::is_same_v<Key, std::uint32_t>)
+      if (owner_ && isIndexed(columns))
+        return surveyIndex(opened_, keys_, backwards_, *owner_, tablesChanged_, times);
+    return RowList::surveyBetween(columns, std::move(times));
+  }
+
+  std::unique_ptr<database::TimeWalk> times(std::size_t column) override {
+    const bool indexed = owner_ && table_.events &&
+                         columns_.at(column) == &table_.columns[table_.events->texts[EventColumns::moment]];
+    return indexed ? timesOfIndex(opened_, *owner_, tablesChanged_) : RowList::times(column);
+  }
+
  private:
   std::int64_t keyAt(std::size_t position) const {
     return (*keys_)[backwards_ ? keys_->size() - 1 - position : position];

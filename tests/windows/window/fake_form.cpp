@@ -195,6 +195,24 @@ std::u16string FakeTexts::text(ViewText which) {
       return pick(
           {u"{1} newer faults above", u"Выше новых неисправностей: {1}", u"上に新しい障害が {1} 件あります"},
           language_);
+    case ViewText::floodMinutes:
+      return pick(
+          {u"{1} faults in {2} minutes, {3} to {4}.", u"Неисправностей: {1} за {2} мин, с {3} по {4}.",
+           u"{3} から {4} までの {2} 分間に障害が {1} 件発生しました。"},
+          language_);
+    case ViewText::floodMinute:
+      return pick({u"{1} faults in one minute, {2}.", u"Неисправностей: {1} за одну минуту, {2}.",
+                   u"{2} の 1 分間に障害が {1} 件発生しました。"},
+                  language_);
+    case ViewText::floodEnds:
+      return pick({u"First: {1}. Last: {2}.", u"Первая: {1}. Последняя: {2}.", u"最初: {1}。最後: {2}。"},
+                  language_);
+    case ViewText::floodKind:
+      return pick({u"{1} × {2}", u"{1} × {2}", u"{2} {1} 件"}, language_);
+    case ViewText::floodOthers:
+      return pick({u"{1} others", u"прочих: {1}", u"その他 {1} 件"}, language_);
+    case ViewText::floodShow:
+      return pick({u"Show only these", u"Показать только их", u"これらだけを表示"}, language_);
     case ViewText::openGuide:
       return pick({u"&Guide", u"&Руководство", u"ガイド(&G)"}, language_);
     case ViewText::copyFault:

@@ -51,7 +51,8 @@ enum Id : int {
   idFilterMessage,
   idKindList,
   idShowAll,  // in the place of an empty grid
-  idNewer,    // above the rows
+  idFlood,    // above the rows
+  idNewer,
   idNotice,
   idGrid,
   idPane,

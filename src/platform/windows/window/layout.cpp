@@ -24,6 +24,7 @@ class Stacker {
     placeBar(out_.filter, in_.filterHeight);
     out_.panel = {0, 0, in_.width, y_};
     placeBar(out_.notice, in_.noticeHeight);
+    placeBar(out_.flood, in_.floodHeight);
     placeBar(out_.newer, in_.newerHeight);
     placeGridAndPane();
     return std::move(out_);

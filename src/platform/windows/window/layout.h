@@ -19,6 +19,7 @@ struct LayoutInput {
   int lookUpHeight = 0;      // 0: the look-up bar is closed
   int filterHeight = 0;      // likewise the filter bar
   int noticeHeight = 0;      // 0: no notice above the grid
+  int floodHeight = 0;       // 0: no flood is told
   int newerHeight = 0;       // 0: no newer faults are above
   int statusHeight = 0;
   int paneHeight = 0;  // as the user wants it
@@ -29,7 +30,7 @@ struct Layout {
   RECT frame{};
   std::array<RECT, 2> lamps{};
   std::vector<RECT> buttons;
-  RECT panel{}, lookUp{}, filter{}, notice{}, newer{}, grid{}, splitter{}, pane{}, status{};
+  RECT panel{}, lookUp{}, filter{}, notice{}, flood{}, newer{}, grid{}, splitter{}, pane{}, status{};
 };
 
 Layout arrange(const LayoutInput& input);

@@ -6,6 +6,7 @@
 
 #include <chrono>
 
+#include "list/flood_words.h"
 #include "platform/windows/window/child_window.h"
 #include "platform/windows/window/children.h"
 #include "platform/windows/window/handles.h"
@@ -35,11 +36,13 @@ void ListWork::create(HWND parent, Around around) {
   output_.create(parent, {around_.use, around_.sheet, around_.say});
   showAll_ = makeChild(parent, idShowAll, WC_BUTTONW, withoutAccessKey(texts_.text(ViewText::filterClear)),
                        WS_TABSTOP | BS_PUSHBUTTON);
+  flood_.create(parent, idFlood, Strip::Sign::flood);
   newer_.create(parent, idNewer, Strip::Sign::above);
 }
 
 void ListWork::enable(bool enabled) {
   bar_.enable(enabled);
+  EnableWindow(flood_.window(), enabled);
   EnableWindow(newer_.window(), enabled);
 }
 
@@ -47,6 +50,7 @@ void ListWork::forgetRows() {
   output_.forget();
   finder_.seek({});
   steady_.forget();
+  digest_.forget();
   desk_.setStored(nullptr, {});
 }
 
@@ -58,6 +62,10 @@ void ListWork::setRows(GridSource* rows, const std::u16string& exchange) {
   finder_.begin();
   lastSelected_ = 0;
   const bool another = std::exchange(exchange_, exchange) != exchange;
+  // In another order there are the same faults.
+  const bool sameFaults = byChoice_ && !another;
+  if (!used || rows == nullptr || another || (sameFaults && !digest_.done())) digest_.forget();
+  if (used && rows != nullptr && !sameFaults) digest_.begin();
   if (another || !bar_.open()) {  // else what is being typed stays
     bar_.fill(desk_.filter());
     mistake_ = list::Mistake::none;
@@ -74,6 +82,7 @@ void ListWork::setRows(GridSource* rows, const std::u16string& exchange) {
   }
   wake();
   tell();
+  tellFlood();
   tellNewer();
 }
 
@@ -120,10 +129,36 @@ void ListWork::tellNewer() {
               : newer == 1 ? texts_.text(ViewText::newerFault)
                            : fillText(texts_.text(ViewText::newerFaults), {number(newer)}));
   if (newer_.shown() == was) return;
+  rowsMoveFor(!was);
+}
+
+// A strip has come, or is gone.
+void ListWork::rowsMoveFor(bool strip) {
   around_.placeAgain();
-  if (!was && grid_.line() == 0) return;
-  grid_.scrollBy(was ? -1 : 1);
-  if (line_) *line_ += was ? 1 : -1;
+  if (strip && grid_.line() == 0) return;
+  grid_.scrollBy(strip ? 1 : -1);
+  if (line_) *line_ += strip ? -1 : 1;
+}
+
+// While the beginning of the list is in sight it stays there.
+void ListWork::tellFlood() {
+  const auto& flood = digest_.flood();
+  const bool was = flood_.shown(), beginning = grid_.top() == 0;
+  const bool chosen = flood && desk_.filter() == flood->filter();
+  const std::u16string words = flood ? list::floodWords(*flood, texts_) : std::u16string{};
+  const bool same = words == flood_.words();
+  flood_.tell(words, chosen ? std::u16string{} : texts_.text(ViewText::floodShow));
+  if (same) return;
+  beginning || flood_.shown() == was ? around_.placeAgain() : rowsMoveFor(!was);
+}
+
+void ListWork::showFlood() {
+  if (around_.use() != ListUse::now || !digest_.flood()) return;
+  const list::Filter filter = digest_.flood()->filter();
+  bar_.fill(filter);
+  follow(filter);
+  showBar(false);
+  SetFocus(grid_.window());
 }
 
 void ListWork::goToNewest() {
@@ -282,6 +317,10 @@ bool ListWork::command(int id, int code) {
     goToNewest();
     return true;
   }
+  if (code == BN_CLICKED && id == idFlood) {
+    showFlood();
+    return true;
+  }
   if (code == BN_CLICKED && id == idFilterClose) {
     close();
     return true;
@@ -295,12 +334,13 @@ void ListWork::follow(const list::Filter& filter) {
   mistake_ = desk_.setFilter(filter);
   wake();
   tell();
+  tellFlood();
 }
 
 // The timer runs while there is work.
 void ListWork::wake() {
   desk_.wantFacts(bar_.open());
-  if (desk_.busy() || finder_.busy() || output_.busy())
+  if (desk_.busy() || finder_.busy() || output_.busy() || digest_.busy())
     SetTimer(parent_, sliceTimer, around_.use() == ListUse::now ? pause : rest, nullptr);
   else
     KillTimer(parent_, sliceTimer);
@@ -322,13 +362,17 @@ bool ListWork::timer(WPARAM id) {
   return true;
 }
 
-// One work at a time: what is written first, since its rows must stay; then the rows shown, then the count.
+// One work at a time: what is written first, since its rows must stay; then the rows shown, then the count,
+// then the flood.
 void ListWork::slice() {
   const auto end = std::chrono::steady_clock::now() + sliceLength;
   const auto again = [end] { return std::chrono::steady_clock::now() < end; };
   if (output_.busy()) return output_.work(again);
   if (desk_.busy()) return deskSlice(again);
-  if (!finder_.busy()) return;
+  if (!finder_.busy()) {
+    if (digest_.work(again)) tellFlood();
+    return;
+  }
   finder_.work(again);
   longCount_ = true;
   around_.foundAgain();

@@ -1,7 +1,7 @@
 // The window's own ways of looking at the stored faults: the desk with the rows shown, the bar with the
 // filter, the count of the faults that hold a text, copying and saving, the place in a list that is renewed,
-// and the timers by which their work goes on between messages. While an answer is waited for or a box stands
-// it rests; where nobody looks there is nothing of it. One thread.
+// the latest flood of faults, and the timers by which their work goes on between messages. While an answer is
+// waited for or a box stands it rests; where nobody looks there is nothing of it. One thread.
 #pragma once
 
 #include <functional>
@@ -10,6 +10,7 @@
 
 #include "list/desk.h"
 #include "list/finder.h"
+#include "list/flood_digest.h"
 #include "list/steady.h"
 #include "platform/windows/window/filter_bar.h"
 #include "platform/windows/window/grid.h"
@@ -41,6 +42,7 @@ class ListWork {
   void selectionMoved();
   void scrolled();
   const Strip& newer() const { return newer_; }  // that newer faults are above
+  const Strip& flood() const { return flood_; }  // that there was a flood of them
   void enable(bool enabled);
   std::size_t storedSize() const { return desk_.storedSize(); }
   // What the status line says instead of the number of rows.
@@ -79,6 +81,9 @@ class ListWork {
   std::optional<Grid::Place> placeIn(GridSource& rows, bool another);
   void tellNewer();
   void goToNewest();
+  void tellFlood();
+  void showFlood();
+  void rowsMoveFor(bool strip);
   void follow(const list::Filter& filter);
   void wake();
   void slice();
@@ -97,7 +102,8 @@ class ListWork {
   RowOutput output_{desk_, texts_};
   FilterBar bar_;
   list::Steady steady_;
-  Strip newer_;
+  list::FloodDigest digest_{desk_};
+  Strip flood_, newer_;
   bool byChoice_ = false;
   std::optional<int> line_;  // of the screen, to be kept until the filter has chosen among renewed rows
   std::u16string exchange_;  // that the bar speaks of

@@ -63,6 +63,7 @@ LayoutInput MainWindow::layoutInput() const {
   in.filterHeight = list_.bar().heightFor(in.width);
   if (!noticeText_.empty() && grid_.size() > 0)
     in.noticeHeight = noticeBarHeight(noticeText_, in.width, font_.get(), dpi_);
+  if (list_.flood().shown()) in.floodHeight = grid_.rowHeight();
   if (list_.newer().shown() && grid_.size() > 0) in.newerHeight = grid_.rowHeight();
   in.statusHeight = status_.heightFor(in.width, in.height / mostOfTheWindow);
   in.paneHeight = paneHeight_;
@@ -91,6 +92,8 @@ void MainWindow::place() {
       put(item(child.id), layout_.buttons[next++]);
   if (lookUp_.open()) lookUp_.place(layout_.lookUp, dpi_);
   list_.bar().place(layout_.filter);
+  put(list_.flood().window(), layout_.flood);
+  setTip(list_.flood().window(), list_.flood().words());
   put(list_.newer().window(), layout_.newer);
   RECT rows = layout_.grid;
   if (noticeInRowsPlace()) rows.bottom = std::min(rows.bottom, rows.top + headingHeight());

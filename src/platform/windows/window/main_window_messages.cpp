@@ -175,6 +175,7 @@ LRESULT MainWindow::command(int id, int code) {
   if (id == IDOK && GetFocus() == lookUp_.box()) lookUpNext(wayOfShift());
   if (id == IDOK && list_.bar().listOpen()) list_.bar().closeList();
   if (id == IDOK && GetFocus() == list_.newer().window()) return command(idNewer, BN_CLICKED);
+  if (id == IDOK && GetFocus() == list_.flood().window()) return command(idFlood, BN_CLICKED);
   if (id == IDCANCEL) escape();
   if (list_.command(id, code)) return 0;
   if (id == idExchange) exchangeNotified(code);
@@ -228,6 +229,7 @@ void MainWindow::drawItem(const DRAWITEMSTRUCT& item) {
     const bool bar = grid_.size() > 0;
     return drawNotice({item.hDC, item.rcItem, noticeWords(), noticeKind_, bar, font_.get(), dpi_}, palette_);
   }
+  if (id == idFlood) return list_.flood().draw(item, font_.get(), dpi_, palette_);
   if (id == idNewer) return list_.newer().draw(item, font_.get(), dpi_, palette_);
   const bool lit = lit_[id == idMajor ? 0 : 1];
   const auto font = fonts_.find(id);
@@ -273,7 +275,7 @@ std::u16string MainWindow::focusedPart() const {
   if (id >= idLookUpLabel && id <= idLookUpMessage) return std::u16string(lookUpBarPart);
   if (id >= idFilterTextLabel && id <= idShowAll) return std::u16string(filterBarPart);
   if (id == idPane) return std::u16string(panePart);
-  if (id == idNewer) return std::u16string(gridName);
+  if (id == idFlood || id == idNewer) return std::u16string(gridName);
   for (const auto& [shown, childId] : ids_)
     if (childId == id) return shown->name();
   return {};

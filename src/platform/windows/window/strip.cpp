@@ -43,12 +43,24 @@ void Strip::create(HWND parent, int id, Sign sign) {
   window_ = makeChild(parent, id, WC_BUTTONW, {}, WS_TABSTOP | BS_OWNERDRAW);
 }
 
-void Strip::tell(const std::u16string& words) {
-  if (words == words_) return;
+void Strip::tell(const std::u16string& words, const std::u16string& action) {
+  if (words == words_ && action == action_) return;
   words_ = words;
+  action_ = action;
   setWindowText(window_, words);
   InvalidateRect(window_, nullptr, FALSE);
   ShowWindow(window_, words.empty() ? SW_HIDE : SW_SHOWNA);
+}
+
+// At the right, underlined by a line of its own; returns where the room for other words ends.
+int Strip::drawAction(HDC dc, const RECT& place, HFONT font, int dpi) const {
+  RECT box = place;
+  box.left = std::max(box.left, box.right - textWidth(font, action_));
+  const int top = (static_cast<int>(box.top + box.bottom) - lineHeight(font)) / 2;
+  DrawTextW(dc, wide(action_), static_cast<int>(action_.size()), &box,
+            DT_LEFT | DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
+  fillRect(dc, {box.left, top + lineHeight(font) - 1, box.right, top + lineHeight(font)}, GetTextColor(dc));
+  return static_cast<int>(box.left) - scaled(2 * signGap, dpi);
 }
 
 void Strip::draw(const DRAWITEMSTRUCT& item, HFONT font, int dpi, const Palette& palette) const {
@@ -62,13 +74,20 @@ void Strip::draw(const DRAWITEMSTRUCT& item, HFONT font, int dpi, const Palette&
   RECT words = item.rcItem;
   words.left = left + size + scaled(signGap, dpi);
   words.right -= scaled(edge, dpi);
-  const int lines = 1 + static_cast<int>(std::count(words_.begin(), words_.end(), u'\n'));
-  words.top += (height(words) - lines * lineHeight(font)) / 2;
   const Selected with(item.hDC, font);
   SetBkMode(item.hDC, TRANSPARENT);
   SetTextColor(item.hDC, palette.hintText);
-  DrawTextW(item.hDC, wide(words_), static_cast<int>(words_.size()), &words,
-            DT_LEFT | DT_NOPREFIX | DT_END_ELLIPSIS);
+  if (!action_.empty()) words.right = drawAction(item.hDC, words, font, dpi);
+  const int lines = 1 + static_cast<int>(std::count(words_.begin(), words_.end(), u'\n'));
+  words.top += (height(words) - lines * lineHeight(font)) / 2;
+  for (std::size_t begin = 0; begin <= words_.size();) {
+    const std::size_t end = std::min(words_.find(u'\n', begin), words_.size());
+    const std::u16string line = words_.substr(begin, end - begin);
+    DrawTextW(item.hDC, wide(line), static_cast<int>(line.size()), &words,
+              DT_LEFT | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
+    words.top += lineHeight(font);
+    begin = end + 1;
+  }
   if ((item.itemState & ODS_FOCUS) == 0) return;
   RECT focus = item.rcItem;
   InflateRect(&focus, -scaled(focusInset, dpi), -scaled(focusInset, dpi));

@@ -1,7 +1,7 @@
 // Shows the window over rows in memory and prints every event that reaches the form, so that a person (or a
 // program that presses its buttons) can see what the window does. Words on the command line: ru, ja; empty,
-// waiting, failure, busy, million, long; filter, kinds, nothing; find; newer; size=WIDTHxHEIGHT in pixels at
-// 96 dots an inch; picture=PATH.
+// waiting, failure, busy, million, long; filter, kinds, nothing; find; newer; flood; size=WIDTHxHEIGHT in
+// pixels at 96 dots an inch; picture=PATH.
 #include <windows.h>
 
 #include <objbase.h>
@@ -9,6 +9,8 @@
 #include <cstdio>
 #include <string>
 
+#include "list/flood.h"
+#include "platform/database.h"
 #include "platform/windows/window/children.h"
 #include "platform/windows/window/geometry.h"
 #include "platform/windows/window/handles.h"
@@ -30,6 +32,7 @@ struct Options {
        nothing = false;  // the bar open, its list too, and no fault that passes
   bool find = false;     // a text looked for, and gone to twice
   bool newer = false;    // faults have come while a person was in the list
+  bool flood = false;    // many faults within ten minutes
   int width = 0, height = 0;
   std::u16string picture;
 };
@@ -110,6 +113,7 @@ Options readOptions(int count, char** words) {
     if (word == "nothing") options.filter = options.nothing = true;
     if (word == "find") options.find = true;
     if (word == "newer") options.newer = true;
+    if (word == "flood") options.flood = true;
     if (word == "long") options.longTexts = true;
     if (word == "million") options.rows = 1'000'000;
     if (word.rfind("size=", 0) == 0) std::sscanf(word.c_str(), "size=%dx%d", &options.width, &options.height);
@@ -190,6 +194,37 @@ struct RowsBefore final : GridSource {
   FakeRows& rows;
 };
 
+// The same faults, newest first: five, then a flood, then one in a while.
+struct FloodedRows final : GridSource, database::RowList {
+  explicit FloodedRows(FakeRows& all) : rows(all) {}
+  std::size_t size() const override { return rows.size(); }
+  std::optional<GridRow> row(std::size_t position) override {
+    constexpr std::size_t before = 5, many = 43;
+    auto row = rows.row(position < before ? position : position % 3 * (position % 2));
+    if (!row) return row;
+    // One in a quarter of an hour, but for the flood; what would be before that day is of another form.
+    const std::size_t behind = position < before + many ? 0 : position - before - many;
+    const std::size_t minute = position < before          ? 1260 - 15 * position
+                               : position < before + many ? 1140 - (position - before) / 5
+                                                          : 1100 - 15 * std::min<std::size_t>(behind, 70);
+    row->date = list::writtenMinute(202611200000 + minute / 60 * 100 + minute % 60);
+    if (behind >= 70) row->date = u"20/11/19";
+    row->count = static_cast<std::int64_t>(size() - position);
+    return row;
+  }
+  std::vector<Range> provenance(std::size_t, std::size_t) override { return {}; }
+  database::RowList* list() override { return this; }
+  bool fetch(std::size_t position, std::vector<database::Value>& out) override {
+    const auto found = row(position);
+    out.clear();
+    if (found)
+      out = {found->fault, found->alarm,       found->date,
+             found->cpu,   found->description, static_cast<std::int32_t>(found->count)};
+    return found.has_value();
+  }
+  FakeRows& rows;
+};
+
 // A fault in the middle is chosen, then the list is renewed.
 void showNewer(View& view, HWND window, FakeRows& rows) {
   const HWND grid = GetDlgItem(window, win32::idGrid);
@@ -229,6 +264,8 @@ int main(int count, char** words) {
   if (options.filter) showFilter(view->window(), options);
   if (options.find) showFind(view->window(), options.language);
   if (options.newer) showNewer(*view, view->window(), rows);
+  FloodedRows flooded(rows);
+  if (options.flood) view->setRows(&flooded);
   MSG message;
   while (GetMessageW(&message, nullptr, 0, 0) > 0) {
     if (view->translate(message)) continue;
