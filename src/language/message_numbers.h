@@ -205,12 +205,25 @@ inline constexpr std::size_t floodKind = 303;     // {1} faults, {2} title and p
 inline constexpr std::size_t floodOthers = 304;   // {1} faults
 inline constexpr std::size_t floodShow = 305;
 
+// What screen readers are told of a part: what its action does, and how the rows are sorted.
+inline constexpr std::size_t actPress = 306;
+inline constexpr std::size_t actTick = 307;
+inline constexpr std::size_t actUntick = 308;
+inline constexpr std::size_t actOpen = 309;
+inline constexpr std::size_t actSelect = 310;
+inline constexpr std::size_t actSort = 311;
+inline constexpr std::size_t sortedUpwards = 312;
+inline constexpr std::size_t sortedDownwards = 313;
+
+// The window's system menu.
+inline constexpr std::size_t menuAlarmSound = 314;
+
 // The product's own numbers, as [first, end). Behind the last stand the titles and labels of fault kinds that
 // came later; own ones that come after those begin a range of their own.
 struct Range {
   std::size_t first, end;
 };
-inline constexpr std::array ownTexts{Range{165, 306}};
+inline constexpr std::array ownTexts{Range{165, 315}};
 inline constexpr std::size_t count = ownTexts.back().end;  // of all that are named here or stand before
 
 constexpr bool isOwn(std::size_t number) {
@@ -228,7 +241,7 @@ inline constexpr std::array captionsInTurn{std::pair{filterKindsAll, filterKinds
 inline constexpr std::array paneMenuKeys{menuCopy};
 inline constexpr std::array listMenuKeys{onlyKind, withoutKind, onlyProcessor, onlyDay,
                                          copyCsv,  copyMessage, copyData,      saveShown};
-inline constexpr std::array frameMenuKeys{menuGuide};
+inline constexpr std::array frameMenuKeys{menuGuide, menuAlarmSound};
 
 }  // namespace vordane::message
 

@@ -150,6 +150,24 @@ std::size_t messageNumber(window::ViewText which) {
       return message::floodOthers;
     case ViewText::floodShow:
       return message::floodShow;
+    case ViewText::actPress:
+      return message::actPress;
+    case ViewText::actTick:
+      return message::actTick;
+    case ViewText::actUntick:
+      return message::actUntick;
+    case ViewText::actOpen:
+      return message::actOpen;
+    case ViewText::actSelect:
+      return message::actSelect;
+    case ViewText::actSort:
+      return message::actSort;
+    case ViewText::sortedUpwards:
+      return message::sortedUpwards;
+    case ViewText::sortedDownwards:
+      return message::sortedDownwards;
+    case ViewText::alarmSound:
+      return message::menuAlarmSound;
     case ViewText::openGuide:
       return message::menuGuide;
   }

@@ -124,6 +124,16 @@ enum class ViewText {
   floodKind,     // {1} of them were {2}
   floodOthers,   // {1} were of other kinds
   floodShow,     // what a press does: shows no others
+  // For screen readers: what the action of a part of the window does, and how the rows are sorted.
+  actPress,
+  actTick,
+  actUntick,
+  actOpen,
+  actSelect,
+  actSort,
+  sortedUpwards,
+  sortedDownwards,
+  alarmSound,  // entry of the window's system menu, ticked while it is on; with its access key
 };
 
 class ViewTexts {

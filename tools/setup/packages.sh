@@ -12,7 +12,7 @@ packages=(
   # importing Access files
   mdbtools mdbtools-dev libglib2.0-dev libseccomp-dev pkg-config
   # testing; clang builds what is sanitized, and looks at the form of every file and for mistakes
-  googletest libgtest-dev libgmock-dev python3 clang libclang-rt-14-dev clang-format-14 clang-tidy-14
+  googletest libgtest-dev libgmock-dev clang libclang-rt-14-dev clang-format-14 clang-tidy-14
   # a server for the tests of the shared store, made and removed by each of them, and the driver for it
   postgresql-15 odbc-postgresql
   # what other systems are given is held against its schema by somebody else's validator

@@ -2,10 +2,13 @@
 // --help tells what.
 #include <windows.h>
 
+#include <objbase.h>
+
 #include <cstdio>
 #include <optional>
 #include <string>
 
+#include "click/windows/ear.h"
 #include "click/windows/eye.h"
 #include "click/windows/hand.h"
 #include "options/options.h"
@@ -19,7 +22,7 @@ constexpr int notFound = 1, wrongUsage = 2;
 struct Wish {
   std::optional<long> wait;  // seconds
   std::optional<std::string> find, press, rightPress, text;
-  std::optional<long> heading, key, answer;
+  std::optional<long> heading, key, answer, listen;
   bool close = false, popUp = false, box = false;
 };
 
@@ -97,6 +100,15 @@ int text(const Wish& wish) {
   return 0;
 }
 
+int listen(const Wish& wish) {
+  const HWND frame = waitFor(wish, [] { return eye().frame(); });
+  if (frame == nullptr || FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) return notFound;
+  const std::wstring told = Ear::at(frame).told(*wish.listen);
+  std::fputs(utf8(told).c_str(), stdout);
+  CoUninitialize();
+  return told.empty() ? notFound : 0;
+}
+
 // Prints the control's middle, and presses it there when it is to be pressed.
 int point(const Wish& wish) {
   const bool toPress = !wish.find;
@@ -116,6 +128,7 @@ int fulfil(const Wish& wish) {
   if (wish.box) return box(wish);
   if (wish.close) return close(wish);
   if (wish.popUp) return popUp(wish);
+  if (wish.listen) return listen(wish);
   if (wish.heading) return heading(wish);
   if (wish.key) return key(wish);
   return wish.text ? text(wish) : point(wish);
@@ -135,11 +148,13 @@ int run(const options::Words& words) {
   program.option("--key", "NUMBER", wish.key,
                  "brings the window to the front and presses that key (112 is F1)");
   program.flag("--close", wish.close, "asks the window to close, as its title bar does");
+  program.option("--listen", "NUMBER", wish.listen,
+                 "prints what a screen reader is told of the window: of each part at most so many children");
   program.flag("--pop-up", wish.popUp, "prints the text of the pop-up that explains a control");
   program.flag("--box", wish.box, "prints a message box's title and text");
   program.option("--answer", "NUMBER", wish.answer, "answers the box: 1 (OK), 2 (cancel), 6 (yes), 7 (no)");
-  program.exactlyOne(
-      {"--find", "--press", "--right", "--text", "--heading", "--key", "--close", "--pop-up", "--box"});
+  program.exactlyOne({"--find", "--press", "--right", "--text", "--heading", "--key", "--listen", "--close",
+                      "--pop-up", "--box"});
   program.needs("--answer", "--box");
   program.notes(
       "Controls go by their names in the form.\n"

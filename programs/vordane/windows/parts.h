@@ -42,7 +42,8 @@ struct Parts {
 
   SharedState state;
   MessageTexts viewTexts{state};
-  std::unique_ptr<window::win32::Win32View> view = window::win32::makeWin32View(viewTexts, settings);
+  std::unique_ptr<window::win32::Win32View> view = window::win32::makeWin32View(
+      viewTexts, settings, windows::stationIsVisible() ? window::win32::systemSignals() : nullptr);
   windows::SystemMessageBoxes boxes{[this] { return view->window(); },
                                     [this](std::u16string_view file) { showHelp(file); }};
   startup::Application application{{settings, clock, files, creator, boxes, documents, *engine, *view,

@@ -213,6 +213,25 @@ std::u16string FakeTexts::text(ViewText which) {
       return pick({u"{1} others", u"прочих: {1}", u"その他 {1} 件"}, language_);
     case ViewText::floodShow:
       return pick({u"Show only these", u"Показать только их", u"これらだけを表示"}, language_);
+    case ViewText::actPress:
+      return pick({u"Press", u"Нажать", u"押す"}, language_);
+    case ViewText::actTick:
+      return pick({u"Tick", u"Отметить", u"チェックを付ける"}, language_);
+    case ViewText::actUntick:
+      return pick({u"Untick", u"Снять отметку", u"チェックを外す"}, language_);
+    case ViewText::actOpen:
+      return pick({u"Open", u"Открыть", u"開く"}, language_);
+    case ViewText::actSelect:
+      return pick({u"Select", u"Выбрать", u"選択する"}, language_);
+    case ViewText::actSort:
+      return pick({u"Sort", u"Упорядочить", u"並べ替える"}, language_);
+    case ViewText::sortedUpwards:
+      return pick({u"ascending", u"по возрастанию", u"昇順"}, language_);
+    case ViewText::sortedDownwards:
+      return pick({u"descending", u"по убыванию", u"降順"}, language_);
+    case ViewText::alarmSound:
+      return pick({u"Sound on a new &alarm", u"Зв&ук при новой аварии", u"新しい警報で音を鳴らす(&A)"},
+                  language_);
     case ViewText::openGuide:
       return pick({u"&Guide", u"&Руководство", u"ガイド(&G)"}, language_);
     case ViewText::copyFault:

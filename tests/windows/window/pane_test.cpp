@@ -37,7 +37,7 @@ class PaneTest : public ViewTest {
  protected:
   void SetUp() override {
     ViewTest::SetUp();
-    pane.create(view->window(), 900);
+    pane.create(view->window(), 900, [](WPARAM, LPARAM) { return LRESULT{0}; });
     pane.setLook(nullptr, 96, currentPalette());
     SetWindowPos(pane.window(), nullptr, 0, 0, 600, 120, SWP_NOZORDER);
     pane.showFault(rows, 1, rows.row(1)->description);

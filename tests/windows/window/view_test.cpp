@@ -3,6 +3,7 @@
 
 #include "platform/windows/window/detail_pane.h"
 #include "platform/windows/window/geometry.h"
+#include "windows/window/outside_ear.h"
 #include "windows/window/second_process.h"
 #include "windows/window/view_fixture.h"
 
@@ -496,6 +497,7 @@ TEST_F(ViewTest, theFormKnowsItsSizeForThePictures) {
 
 int main(int count, char** words) {
   if (vordane::window::testing::SecondProcess::served(count, words)) return 0;
+  if (vordane::window::testing::OutsideEar::served(count, words)) return 0;
   CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
   ::testing::InitGoogleTest(&count, words);
   return RUN_ALL_TESTS();

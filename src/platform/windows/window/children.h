@@ -61,10 +61,14 @@ enum Id : int {
   idCopy,
 };
 
-// The guide's entry of the system menu: the system keeps the four lowest bits and what is above 0xF000.
-inline constexpr UINT guideCommand = 0x0010;
+// Entries of the system menu: the system keeps the four lowest bits and what is above 0xF000.
+inline constexpr UINT guideCommand = 0x0010, soundCommand = 0x0020;
 constexpr bool isGuideCommand(WPARAM command) {
   return (command & 0xFFF0U) == guideCommand;
+}
+
+constexpr bool isSoundCommand(WPARAM command) {
+  return (command & 0xFFF0U) == soundCommand;
 }
 
 struct Child {

@@ -74,7 +74,8 @@ bool sameRanges(const std::vector<Range>& a, const std::vector<Range>& b) {
 
 }  // namespace
 
-void DetailPane::create(HWND parent, int id) {
+void DetailPane::create(HWND parent, int id, std::function<LRESULT(WPARAM wide, LPARAM low)> objectAsked) {
+  objectAsked_ = std::move(objectAsked);
   source_ = nullptr;
   dpi_ = zoomed_ = 0;
   takesInput_ = true;
@@ -273,6 +274,8 @@ bool DetailPane::notified(const NMHDR& header) {
 LRESULT DetailPane::heard(UINT message, WPARAM wide, LPARAM low) {
   if (!takesInput_ && message == WM_NCHITTEST) return HTTRANSPARENT;
   if (!takesInput_ && isInput(message)) return 0;
+  if (message == WM_GETOBJECT)
+    if (const LRESULT object = objectAsked_(wide, low)) return object;
   if (message == WM_DPICHANGED_AFTERPARENT) {
     const LRESULT answer = watch_.pass(message, wide, low);
     fitScale();  // the control has adapted by now, if it does

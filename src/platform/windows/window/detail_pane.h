@@ -3,6 +3,7 @@
 // that screen readers, selecting and copying work as everywhere. One thread.
 #pragma once
 
+#include <functional>
 #include <map>
 
 #include "platform/windows/window/description.h"
@@ -14,7 +15,8 @@ namespace vordane::window::win32 {
 
 class DetailPane {
  public:
-  void create(HWND parent, int id);
+  // `objectAsked` answers WM_GETOBJECT; with 0 the control does.
+  void create(HWND parent, int id, std::function<LRESULT(WPARAM wide, LPARAM low)> objectAsked);
   HWND window() const { return window_; }
 
   void setLook(const Control* control, int dpi, const Palette& palette);
@@ -48,6 +50,7 @@ class DetailPane {
 
   HWND window_ = nullptr;
   Watch watch_;
+  std::function<LRESULT(WPARAM wide, LPARAM low)> objectAsked_;
   Library richText_;
   GridSource* source_ = nullptr;
   std::size_t row_ = 0;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 
+#include "platform/windows/window/accessible_name.h"
 #include "platform/windows/window/child_window.h"
 #include "platform/windows/window/children.h"
 #include "platform/windows/window/fonts.h"
@@ -169,8 +170,10 @@ void FilterBar::setOtherDates(std::size_t rows) {
   ShowWindow(part(partOtherDates), open_ && rows > 0 ? SW_SHOWNA : SW_HIDE);
 }
 
-void FilterBar::tell(const std::u16string& message) {
-  setWindowText(part(partMessage), message);
+void FilterBar::tell(const std::u16string& message, bool onTheWay) {
+  if (windowText(part(partMessage)) == message) return;
+  SetWindowTextW(part(partMessage), wide(message));
+  if (!message.empty() && !onTheWay) tellLive(part(partMessage));
 }
 
 bool FilterBar::has(HWND window) const {

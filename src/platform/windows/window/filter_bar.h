@@ -35,7 +35,8 @@ class FilterBar {
   void setKinds(const std::vector<list::Tally>& kinds, const std::vector<list::Tally>& processors);
   // Rows whose date has another form; 0 takes the tick away.
   void setOtherDates(std::size_t rows);
-  void tell(const std::u16string& message);
+  void tell(const std::u16string& message, bool onTheWay);  // what says how far it is is not read out
+  HWND message() const { return part(partMessage); }
 
   bool has(HWND window) const;  // one of its parts, or the open list of kinds
   bool listOpen() const { return kindList_.open(); }

@@ -94,6 +94,7 @@ void Grid::setHeading(int column, const std::u16string& caption) {
 
 void Grid::setRows(GridSource* source, std::optional<Place> place) {
   rows_.setSource(source);
+  ++generation_;
   filling_ = true;
   unselect();
   selected_.reset();
@@ -105,6 +106,12 @@ void Grid::setRows(GridSource* source, std::optional<Place> place) {
   fit();
   InvalidateRect(window_, nullptr, FALSE);
   events_.selectionChanged();
+  tellOthers(EVENT_OBJECT_REORDER);
+}
+
+// Whoever reads the window from outside.
+void Grid::tellOthers(DWORD event) const {
+  NotifyWinEvent(event, window_, OBJID_CLIENT, CHILDID_SELF);
 }
 
 void Grid::selectFirst(std::optional<Place> place) {
@@ -117,6 +124,7 @@ void Grid::selectFirst(std::optional<Place> place) {
 
 void Grid::refresh() {
   rows_.forget();
+  ++generation_;
   if (static_cast<std::size_t>(ListView_GetItemCount(window_)) != size()) return setRows(rows_.source());
   InvalidateRect(window_, nullptr, FALSE);
 }
@@ -133,6 +141,7 @@ void Grid::rowsChanged(std::optional<std::size_t> row, std::optional<int> wanted
   const int page = std::max(1, ListView_GetCountPerPage(window_));
   const int line = wanted.value_or(std::clamp(this->line(), 0, page - 1));
   rows_.forget();
+  ++generation_;
   filling_ = true;
   unselect();
   selected_.reset();
@@ -148,6 +157,7 @@ void Grid::rowsChanged(std::optional<std::size_t> row, std::optional<int> wanted
   fit();
   InvalidateRect(window_, nullptr, FALSE);
   events_.selectionChanged();
+  tellOthers(EVENT_OBJECT_REORDER);
 }
 
 // Scrolls so that the row stands in that line of the page, as far as there are rows for it.
@@ -233,6 +243,8 @@ void Grid::unselect() {
 LRESULT Grid::rowsHeard(UINT message, WPARAM wide, LPARAM low) {
   if (!takesInput_ && message == WM_NCHITTEST) return HTTRANSPARENT;
   if (!takesInput_ && isInput(message)) return 0;
+  if (message == WM_GETOBJECT)
+    if (const LRESULT object = events_.objectAsked(wide, low)) return object;
   if (message == WM_KEYDOWN && selectionKey(wide)) return 0;
   const bool moves = message == WM_KEYDOWN && wide >= VK_PRIOR && wide <= VK_DOWN;
   if (moves || message == WM_LBUTTONDOWN || message == WM_RBUTTONDOWN)

@@ -18,11 +18,15 @@ class Grid {
     std::function<void(int column)> headingClicked;  // the column's own index
     std::function<void()> selectionChanged;
     std::function<void()> copy;
-    std::function<void()> scrolled;  // other rows are in sight
+    std::function<void()> scrolled;                               // other rows are in sight
+    std::function<LRESULT(WPARAM wide, LPARAM low)> objectAsked;  // WM_GETOBJECT; 0: the list view's own
   };
 
   void create(HWND parent, int id, Events events);
   HWND window() const { return window_; }
+  HWND heading() const { return ListView_GetHeader(window_); }
+  // The column that the rows are sorted by, -1 for none, and whether downwards.
+  std::pair<int, bool> sortMark() const { return {sortColumn_, sortDescending_}; }
 
   void setLook(const Control* control, int dpi, const Palette& palette);
   void setColours(const Palette& palette);
@@ -45,6 +49,13 @@ class Grid {
   std::size_t size() const { return rows_.size(); }
   std::optional<std::size_t> selected() const { return selected_; }
   const list::Selection& selection() const { return selection_; }
+  // Of any row; null when it has gone. Good until the next call.
+  const ShownRow* row(std::size_t position) { return rows_.row(position); }
+  // Counts how often other rows came: a position means the same fault as long as it stays.
+  unsigned generation() const { return generation_; }
+  // A choice of the person that comes neither by key nor by mouse.
+  enum class Choose { only, add, remove, extend };
+  void choose(std::size_t row, Choose how);
   // The selected rows; where a person has taken the selection off all, the one the keyboard stands on.
   std::vector<list::Stretch> chosen() const;
   const ShownRow* selectedRow();
@@ -72,7 +83,6 @@ class Grid {
   void draw(const DRAWITEMSTRUCT& item);
 
  private:
-  HWND heading() const { return ListView_GetHeader(window_); }
   void addColumns();
   void showSortMark(int column);
   void askRowHeightAgain();
@@ -93,6 +103,7 @@ class Grid {
   bool selectionKey(WPARAM key);
   std::size_t targetOf(WPARAM key) const;
   void selectionMoved(const std::vector<list::Stretch>& before, bool caretMoved);
+  void tellOthers(DWORD event) const;
   void selectFirst(std::optional<Place> place);
   void scrollTo(std::size_t row, int line);
   LRESULT moveSelection(UINT message, WPARAM wide, LPARAM low);
@@ -119,6 +130,7 @@ class Grid {
   std::u16string needle_;
   std::optional<std::size_t> before_;    // selected when the press or key under way began
   std::optional<std::size_t> selected_;  // asking the list view would walk through all its rows
+  unsigned generation_ = 0;
   bool fits_ = true, ownWidths_ = false, moved_ = false;
   int paintedTop_ = 0;
 };

@@ -64,12 +64,28 @@ void Grid::moveCaret(std::size_t row) {
   filling_ = was;
 }
 
+void Grid::choose(std::size_t row, Choose how) {
+  if (row >= size()) return;
+  const std::vector<list::Stretch> stretches = selection_.stretches();
+  const auto caret = selected_;
+  moved_ = true;
+  moveCaret(row);
+  if (how == Choose::only) selection_.only(row);
+  if (how == Choose::extend) selection_.extend(row, false);
+  if (how == Choose::add && !selection_.has(row)) selection_.toggle(row);
+  if (how == Choose::remove && selection_.has(row)) selection_.toggle(row);
+  selectionMoved(stretches, caret != selected_);
+}
+
 void Grid::selectionMoved(const std::vector<list::Stretch>& before, bool caretMoved) {
   if (!caretMoved && before == selection_.stretches()) return;
   const auto many = [](const std::vector<list::Stretch>& rows) {
     return rows.size() != 1 || rows.front().end - rows.front().begin != 1;
   };
-  if (many(before) || many(selection_.stretches())) InvalidateRect(window_, nullptr, FALSE);
+  if (many(before) || many(selection_.stretches())) {
+    InvalidateRect(window_, nullptr, FALSE);
+    tellOthers(EVENT_OBJECT_SELECTIONWITHIN);  // the list view itself knows of one
+  }
   events_.selectionChanged();
 }
 

@@ -404,7 +404,7 @@ int ListWork::barHeight() const {
 void ListWork::tell() {
   const int before = barHeight();
   bar_.setOtherDates(desk_.otherDates());
-  bar_.tell(message());
+  bar_.tell(message(), desk_.choosing());
   around_.countAgain();
   if (barHeight() != before) around_.placeAgain();
 }

@@ -27,7 +27,7 @@ class ListWork {
     std::function<void()> countAgain;    // `count` says something else
     std::function<void()> foundAgain;    // `found` does
     std::function<list::Sheet()> sheet;  // what a saved file says besides its rows
-    std::function<void(const std::u16string&)> say;  // in the status line
+    std::function<void(const std::u16string&, bool onTheWay)> say;  // in the status line
   };
 
   ListWork(Grid& grid, ViewTexts& texts) : grid_(grid), texts_(texts) {}
@@ -56,6 +56,7 @@ class ListWork {
   void seek(const std::u16string& text);
   // What is known of it: the selected row's number among them, or how many there are, or how far it is.
   std::u16string found() const;
+  bool counting() const { return finder_.busy(); }  // `found` says how far it is
 
   // Of the selected rows.
   void copy(RowOutput::What what);

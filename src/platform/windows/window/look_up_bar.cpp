@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/windows/window/accessible_name.h"
 #include "platform/windows/window/child_window.h"
 #include "platform/windows/window/fonts.h"
 #include "platform/windows/window/geometry.h"
@@ -78,8 +79,10 @@ std::u16string LookUpBar::wanted() const {
   return windowText(text_);
 }
 
-void LookUpBar::tell(const std::u16string& message) {
-  setWindowText(message_, message);
+void LookUpBar::tell(const std::u16string& message, bool onTheWay) {
+  if (windowText(message_) == message) return;
+  SetWindowTextW(message_, wide(message));
+  if (!message.empty() && !onTheWay) tellLive(message_);
 }
 
 }  // namespace vordane::window::win32

@@ -23,7 +23,8 @@ class LookUpBar {
   void hide();
   void enable(bool enabled);
   std::u16string wanted() const;
-  void tell(const std::u16string& message);  // beside the buttons; empty takes it away
+  // Beside the buttons; empty takes it away. What only says how far a count has come is not read out.
+  void tell(const std::u16string& message, bool onTheWay = false);
   HWND box() const { return text_; }
   HWND message() const { return message_; }
   HWND closeButton() const { return close_; }

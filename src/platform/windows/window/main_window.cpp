@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/windows/window/accessible_name.h"
 #include "platform/windows/window/children.h"
 #include "platform/windows/window/geometry.h"
 #include "text/fill.h"
@@ -98,14 +99,26 @@ void setNormalPlace(HWND window, const RECT& place) {
 
 }  // namespace
 
-std::unique_ptr<Win32View> makeWin32View(ViewTexts& texts, platform::SettingsStore& settings) {
-  return std::make_unique<MainWindow>(texts, settings);
+std::unique_ptr<Win32View> makeWin32View(ViewTexts& texts, platform::SettingsStore& settings,
+                                         std::unique_ptr<Signals> signals) {
+  return std::make_unique<MainWindow>(texts, settings, std::move(signals));
 }
 
-MainWindow::MainWindow(ViewTexts& texts, platform::SettingsStore& settings)
-    : texts_(texts), settings_(settings), timer_([this] {
+MainWindow::MainWindow(ViewTexts& texts, platform::SettingsStore& settings, std::unique_ptr<Signals> signals)
+    : texts_(texts),
+      settings_(settings),
+      attention_(settings, std::move(signals)),
+      timer_([this] {
         if (events_ != nullptr) events_->tick();
-      }) {}
+      }),
+      accessibleParts_{
+          texts,
+          grid_,
+          [this] { return window_; },
+          [this] { return inputAllowed() && events_ != nullptr; },
+          [this](bool major) { return lit_[major ? 0 : 1]; },
+          [this] { return lampsName(); },
+          [this](int column) { PostMessageW(window_, sortMessage, static_cast<WPARAM>(column), 0); }} {}
 
 MainWindow::~MainWindow() {
   detach();
@@ -129,9 +142,11 @@ void MainWindow::attach(Form& form, ViewEvents& events) {
   dpi_ = static_cast<int>(GetDpiForWindow(window_));
   paneHeight_ = scaled(designedPane, dpi_);
   palette_ = currentPalette();
+  accessible_.begin();
   createChildren();
   createGridAndPane();
-  createMenuEntry();
+  createMenuEntries();
+  createAttention();
   applyWhole();
   readSettings();
   wantRestyle();  // once, after all that the load changes
@@ -146,6 +161,8 @@ void MainWindow::detach() {
   form_ = nullptr;
   ids_.clear();
   lastFocus_ = nullptr;
+  accessible_.end();
+  attention_.forget();
   help_.close();
   timer_.stop(window_);
   grid_.forgetRows();
@@ -181,8 +198,8 @@ void MainWindow::createChildren() {
   list_.create(window_, {[this] { return events_ != nullptr ? events_->listUse() : ListUse::never; },
                          [this] { place(); }, [this] { showCount(); }, [this] { showFound(); },
                          [this] { return sheet(); },
-                         [this](const std::u16string& words) {
-                           status_.remark(words);
+                         [this](const std::u16string& words, bool onTheWay) {
+                           status_.remark(words, onTheWay);
                            placeStatus();
                          }});
   setTip(item(idFilterClose), texts_.text(ViewText::filterClose));
@@ -194,9 +211,8 @@ void MainWindow::createGridAndPane() {
       CreateWindowExW(0, WC_STATICW, L"", WS_CHILD | WS_CLIPSIBLINGS | SS_OWNERDRAW, 0, 0, 0, 0, window_,
                       reinterpret_cast<HMENU>(static_cast<INT_PTR>(idNotice)), instance, nullptr);
   Grid::Events events;
-  events.headingClicked = [this](int column) {
-    if (inputAllowed() && events_ != nullptr) list_.byChoice([&] { events_->headingClicked(column); });
-  };
+  events.headingClicked = [this](int column) { headingClicked(column); };
+  events.objectAsked = [this](WPARAM wide, LPARAM low) { return objectFor(idGrid, wide, low); };
   events.selectionChanged = [this] {
     list_.selectionMoved();
     if (status_.takeRemarkAway()) placeStatus();
@@ -210,15 +226,34 @@ void MainWindow::createGridAndPane() {
   events.copy = [this] { list_.copy(RowOutput::What::rows); };
   grid_.create(window_, idGrid, std::move(events));
   if (Control* grid = control(gridName)) ids_[grid] = idGrid;
-  pane_.create(window_, idPane);
+  pane_.create(window_, idPane, [this](WPARAM wide, LPARAM low) { return objectFor(idPane, wide, low); });
   status_.create(window_, idStatus, idAccount);
 }
 
 // Below the entries of the frame, which the system words in its own language.
-void MainWindow::createMenuEntry() {
+void MainWindow::createMenuEntries() {
   const HMENU menu = GetSystemMenu(window_, FALSE);
   AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+  AppendMenuW(menu, MF_STRING, soundCommand, wide(texts_.text(ViewText::alarmSound)));
   AppendMenuW(menu, MF_STRING, guideCommand, wide(texts_.text(ViewText::openGuide)));
+}
+
+// When the system menu opens.
+void MainWindow::showMenuEntries(HMENU menu) {
+  const auto offer = [&](UINT command, bool offered) {
+    EnableMenuItem(menu, command, offered ? MF_ENABLED : MF_GRAYED);
+  };
+  offer(guideCommand, events_->guideOffered());
+  offer(soundCommand, events_->listUse() == ListUse::now);
+  CheckMenuItem(menu, soundCommand, attention_.soundWanted() ? MF_CHECKED : MF_UNCHECKED);
+}
+
+void MainWindow::createAttention() {
+  attention_.create(
+      window_,
+      {[this] { return events_ != nullptr && events_->listUse() != ListUse::never; },
+       [this](attention::Lamp lamp) { return item(lamp == attention::Lamp::major ? idMajor : idMinor); },
+       [this](attention::Lamp lamp) { return lampWords(lamp == attention::Lamp::major, true); }});
 }
 
 RECT MainWindow::placeFromSettings() const {
@@ -276,6 +311,7 @@ void MainWindow::setVisible(bool visible) {
   if (restyleWanted_) restyle();
   const UINT how = visible ? SWP_SHOWWINDOW : SWP_HIDEWINDOW | SWP_NOACTIVATE | SWP_NOZORDER;
   SetWindowPos(window_, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | how);
+  attention_.look();
   if (!visible) return;
   if (IsIconic(window_)) ShowWindow(window_, SW_RESTORE);
   SetForegroundWindow(window_);
@@ -297,15 +333,16 @@ void MainWindow::setHourglass(bool on) {
   SetCursor(LoadCursorW(nullptr, on ? IDC_WAIT : IDC_ARROW));
 }
 
-void MainWindow::setRows(GridSource* rows) {
+// Its name and identifier; empty without one.
+std::u16string MainWindow::chosenExchange() {
   const Control* list = control(u"drpPBXList");
-  const bool chosen = list != nullptr && list->listIndex() >= 0;
-  std::u16string exchange;
-  if (chosen) {
-    const auto& entry = list->items().at(static_cast<std::size_t>(list->listIndex()));
-    exchange = entry.text + u'\n' + text::decimal(entry.itemData);
-  }
-  list_.setRows(rows, exchange);
+  if (list == nullptr || list->listIndex() < 0) return {};
+  const auto& entry = list->items().at(static_cast<std::size_t>(list->listIndex()));
+  return entry.text + u'\n' + text::decimal(entry.itemData);
+}
+
+void MainWindow::setRows(GridSource* rows) {
+  list_.setRows(rows, chosenExchange());
   place();
 }
 
@@ -313,7 +350,9 @@ void MainWindow::setLamp(bool major, bool lit) {
   lit_[major ? 0 : 1] = lit;
   const HWND lamp = item(major ? idMajor : idMinor);
   setWindowText(lamp, lampWords(major, lit));
+  NotifyWinEvent(EVENT_OBJECT_STATECHANGE, lamp, OBJID_CLIENT, CHILDID_SELF);
   InvalidateRect(lamp, nullptr, FALSE);
+  attention_.shown(chosenExchange(), major ? attention::Lamp::major : attention::Lamp::minor, lit);
 }
 
 void MainWindow::setStatus(int part, std::u16string_view text) {
@@ -338,9 +377,12 @@ void MainWindow::showCount() {
 
 void MainWindow::setNotice(std::u16string_view text) {
   noticeText_ = text;
+  const bool other = windowText(notice_) != noticeWords();
   setWindowText(notice_, noticeWords());
   place();
   InvalidateRect(notice_, nullptr, FALSE);
+  // Who waits has asked for it himself, and is told how far it is again and again.
+  if (other && noticeKind_ != NoticeKind::waiting && !noticeText_.empty()) tellLive(notice_);
 }
 
 void MainWindow::setNoticeKind(NoticeKind kind) {

@@ -7,6 +7,8 @@
 #include <array>
 #include <map>
 
+#include "platform/windows/window/accessible_parts.h"
+#include "platform/windows/window/attention_work.h"
 #include "platform/windows/window/background.h"
 #include "platform/windows/window/children.h"
 #include "platform/windows/window/detail_pane.h"
@@ -23,7 +25,7 @@ namespace vordane::window::win32 {
 
 class MainWindow final : public Win32View {
  public:
-  MainWindow(ViewTexts& texts, platform::SettingsStore& settings);
+  MainWindow(ViewTexts& texts, platform::SettingsStore& settings, std::unique_ptr<Signals> signals);
   ~MainWindow() override;
 
   HWND window() const override { return window_; }
@@ -54,12 +56,14 @@ class MainWindow final : public Win32View {
   std::pair<std::int32_t, std::int32_t> position() override;
 
  private:
-  static constexpr UINT restyleMessage = WM_APP + 1, nameMessage = WM_APP + 2;
+  static constexpr UINT restyleMessage = WM_APP + 1, nameMessage = WM_APP + 2, sortMessage = WM_APP + 3;
 
   // Creation.
   void createChildren();
   void createGridAndPane();
-  void createMenuEntry();
+  void createAttention();
+  void createMenuEntries();
+  void showMenuEntries(HMENU menu);
   void readSettings();
   void writeSettings();
   RECT placeFromSettings() const;
@@ -85,6 +89,7 @@ class MainWindow final : public Win32View {
   bool inputAllowed() const;
   void updateInput();
   std::u16string lampWords(bool major, bool lit);
+  std::u16string chosenExchange();
   void showSelected();
 
   // Place and ground.
@@ -111,7 +116,10 @@ class MainWindow final : public Win32View {
   LRESULT handleDrawing(UINT message, WPARAM wide, LPARAM low);
   LRESULT command(int id, int code);
   LRESULT notify(LPARAM low);
+  LRESULT objectFor(int id, WPARAM wide, LPARAM low) const;
+  std::u16string lampsName() const;
   void buttonClicked(int id);
+  void headingClicked(int column);
   void exchangeNotified(int code);
   void exchangePicked();
   bool served(MSG& message);
@@ -153,9 +161,12 @@ class MainWindow final : public Win32View {
   LookUpBar lookUp_;
   ListWork list_{grid_, texts_};
   StatusLine status_;
+  AttentionWork attention_;
   HelpPopup help_;
   Background background_;
   TickTimer timer_;
+  AccessibleLife accessible_;
+  const AccessibleParts accessibleParts_;
   Palette palette_;
   int dpi_ = 96;
   std::map<int, Font> fonts_;  // by the child's identifier

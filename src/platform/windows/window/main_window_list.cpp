@@ -99,7 +99,7 @@ void MainWindow::showFound() {
   std::u16string words = list_.found();
   if (!words.empty() && !lookUpNote_.empty() && words != lookUpNote_) words += u". ";
   if (words != lookUpNote_) words += lookUpNote_;
-  lookUp_.tell(words);
+  lookUp_.tell(words, list_.counting());
 }
 
 void MainWindow::lookUpNext(LookUpWay way) {

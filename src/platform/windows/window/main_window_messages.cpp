@@ -38,6 +38,7 @@ LRESULT CALLBACK MainWindow::procedure(HWND window, UINT message, WPARAM wide, L
 }
 
 LRESULT MainWindow::handle(UINT message, WPARAM wide, LPARAM low) {
+  if (attention_.heard(message)) return 0;
   switch (message) {
     case WM_SIZE:
       place();
@@ -76,7 +77,17 @@ LRESULT MainWindow::handle(UINT message, WPARAM wide, LPARAM low) {
       nameForScreenReaders(lookUp_.closeButton(), texts_.text(ViewText::lookUpClose));
       nameForScreenReaders(list_.bar().closeButton(), texts_.text(ViewText::filterClose));
       nameForScreenReaders(list_.bar().kindWindow(), texts_.text(ViewText::filterKindsName));
+      for (const int lamp : {idMajor, idMinor}) makeLive(item(lamp), Urgency::atOnce);
+      for (HWND live : {notice_, status_.account(), lookUp_.message(), list_.bar().message(),
+                        list_.flood().window(), list_.newer().window()})
+        makeLive(live, Urgency::politely);
       return 0;
+    case sortMessage:
+      headingClicked(static_cast<int>(wide));
+      return 0;
+    case WM_GETOBJECT:
+      if (const LRESULT object = objectFor(idNone, wide, low)) return object;
+      return DefWindowProcW(window_, message, wide, low);
     case WM_COMMAND:
       return command(LOWORD(wide), HIWORD(wide));
     case WM_NOTIFY:
@@ -101,13 +112,14 @@ LRESULT MainWindow::handleInput(UINT message, WPARAM wide, LPARAM low) {
       return focused >= idRequest && focused <= idClose ? MAKELRESULT(focused, DC_HASDEFID) : 0;
     }
     case WM_SYSCOMMAND:
+      if (isSoundCommand(wide) && events_ != nullptr && events_->listUse() == ListUse::now)
+        attention_.switchSound();
+      if (isSoundCommand(wide)) return 0;
       if (!isGuideCommand(wide)) return DefWindowProcW(window_, message, wide, low);
       if (events_ != nullptr) events_->guideAsked(focusedPart());
       return 0;
     case WM_INITMENUPOPUP:
-      if (HIWORD(low) != FALSE && events_ != nullptr)
-        EnableMenuItem(reinterpret_cast<HMENU>(wide), guideCommand,
-                       events_->guideOffered() ? MF_ENABLED : MF_GRAYED);
+      if (HIWORD(low) != FALSE && events_ != nullptr) showMenuEntries(reinterpret_cast<HMENU>(wide));
       return DefWindowProcW(window_, message, wide, low);
     case WM_CONTEXTMENU:
       contextMenu(reinterpret_cast<HWND>(wide), point);
@@ -192,6 +204,21 @@ void MainWindow::buttonClicked(int id) {
   if (id == idFilter) return list_.open();
   for (const ButtonAction& button : buttonActions)
     if (button.id == id) return events_->buttonPressed(static_cast<int>(button.action));
+}
+
+void MainWindow::headingClicked(int column) {
+  if (inputAllowed() && events_ != nullptr) list_.byChoice([&] { events_->headingClicked(column); });
+}
+
+// What answers WM_GETOBJECT for a control, or for the window's own area; 0 where the system's own object
+// serves.
+LRESULT MainWindow::objectFor(int id, WPARAM wide, LPARAM low) const {
+  if (asksFor(low, OBJID_ALERT) && (id == idMajor || id == idMinor))
+    return accessible_.answer(wide, alertElement(accessibleParts_, id == idMajor));
+  if (!asksFor(low, OBJID_CLIENT)) return 0;
+  auto element =
+      id == idNone ? groupElement(accessibleParts_, Group::frame) : ownElement(accessibleParts_, id);
+  return element != nullptr ? accessible_.answer(wide, std::move(element)) : 0;
 }
 
 // While the list is open the arrow keys only move in it; the entry is chosen when the list closes.
@@ -341,6 +368,8 @@ bool MainWindow::systemKeyDown(WPARAM key) {
 }
 
 LRESULT MainWindow::childHeard(int id, UINT message, WPARAM wide, LPARAM low) {
+  if (message == WM_GETOBJECT)
+    if (const LRESULT object = objectFor(id, wide, low)) return object;
   const bool pressed = message == WM_RBUTTONDOWN || message == WM_LBUTTONDOWN;
   if (pressed && inputAllowed() && events_ != nullptr) {
     for (const auto& [shown, childId] : ids_) {

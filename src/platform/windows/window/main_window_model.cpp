@@ -76,8 +76,8 @@ void MainWindow::applyWhole() {
     }
   for (const auto& each : form_->controls())
     if (each->typeName() == u"PictureBox") background_.update(*each);
-  setLamp(true, lit_[0]);
-  setLamp(false, lit_[1]);
+  for (const bool major : {true, false})
+    setWindowText(item(major ? idMajor : idMinor), lampWords(major, lit_[major ? 0 : 1]));
 }
 
 void MainWindow::apply(Control& shown, int id) {
@@ -227,6 +227,11 @@ void MainWindow::lookChanged(UINT message, WPARAM wide, LPARAM low) {
 std::u16string MainWindow::lampWords(bool major, bool lit) {
   if (major) return texts_.text(lit ? ViewText::majorLit : ViewText::majorClear);
   return texts_.text(lit ? ViewText::minorLit : ViewText::minorClear);
+}
+
+std::u16string MainWindow::lampsName() const {
+  const Control* frame = form_ != nullptr ? form_->find(lampFrameName) : nullptr;
+  return frame != nullptr ? textOf(*frame, u"Caption") : std::u16string{};
 }
 
 // The pane breaks its lines at once, so it is filled when it has its place.

@@ -37,7 +37,8 @@ void RowOutput::copy(What what, const std::vector<list::Stretch>& rows) {
   std::size_t many = 0;
   for (const list::Stretch& stretch : rows) many += stretch.end - stretch.begin;
   if (many > list::mostRowsCopied) {
-    around_.say(fillText(texts_.text(ViewText::copyTooMany), {number(many), number(list::mostRowsCopied)}));
+    around_.say(fillText(texts_.text(ViewText::copyTooMany), {number(many), number(list::mostRowsCopied)}),
+                false);
     MessageBeep(MB_ICONWARNING);
     return;
   }
@@ -72,7 +73,7 @@ void RowOutput::save() {
   const auto answer = askForFile(parent, question);
   if (!answer || !IsWindow(parent)) return;
   if (around_.use() != ListUse::now || desk_.size() == 0)
-    return around_.say(texts_.text(ViewText::outputGivenUp));
+    return around_.say(texts_.text(ViewText::outputGivenUp), false);
   copying_.reset();
   file_ = answer->file.u16string();
   saving_.emplace(desk_, list::makeRowWriter(fileForms[answer->kind], around_.sheet(), desk_.size()),
@@ -84,7 +85,7 @@ void RowOutput::start() {
   gathered_ = false;
   tries_ = 0;
   toldAt_ = GetTickCount64();
-  around_.say({});
+  around_.say({}, false);
 }
 
 void RowOutput::work(const std::function<bool()>& again) {
@@ -144,12 +145,12 @@ std::u16string RowOutput::savedWords() const {
 void RowOutput::tellProgress(ViewText which, list::Desk::Progress progress) {
   if (GetTickCount64() - toldAt_ < betweenWords) return;
   toldAt_ = GetTickCount64();
-  around_.say(fillText(texts_.text(which), {number(progress.done), number(progress.of)}));
+  around_.say(fillText(texts_.text(which), {number(progress.done), number(progress.of)}), true);
 }
 
 void RowOutput::end(const std::u16string& words) {
   forget();
-  around_.say(words);
+  around_.say(words, false);
 }
 
 bool RowOutput::escape() {

@@ -19,7 +19,7 @@ class RowOutput {
   struct Around {
     std::function<ListUse()> use;        // what the form allows now
     std::function<list::Sheet()> sheet;  // what a file says besides its rows
-    std::function<void(const std::u16string&)> say;
+    std::function<void(const std::u16string&, bool onTheWay)> say;
   };
 
   RowOutput(list::Desk& desk, ViewTexts& texts) : desk_(desk), texts_(texts) {}

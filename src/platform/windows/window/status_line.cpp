@@ -6,6 +6,7 @@
 
 #include <algorithm>
 
+#include "platform/windows/window/accessible_name.h"
 #include "platform/windows/window/fonts.h"
 #include "platform/windows/window/geometry.h"
 
@@ -61,9 +62,9 @@ void StatusLine::setText(int part, const std::u16string& text) {
   SendMessageW(bar_, SB_SETTEXTW, static_cast<WPARAM>(part), reinterpret_cast<LPARAM>(wide(text)));
 }
 
-void StatusLine::remark(const std::u16string& text) {
+void StatusLine::remark(const std::u16string& text, bool onTheWay) {
   remark_ = text;
-  showAccount();
+  showAccount(onTheWay);
 }
 
 bool StatusLine::takeRemarkAway() {
@@ -72,8 +73,11 @@ bool StatusLine::takeRemarkAway() {
   return true;
 }
 
-void StatusLine::showAccount() {
-  setWindowText(account_, accountText());
+// What only says how far something is is not read out.
+void StatusLine::showAccount(bool onTheWay) {
+  if (windowText(account_) == accountText()) return;
+  SetWindowTextW(account_, wide(accountText()));
+  if (!onTheWay && !accountText().empty()) tellLive(account_);
 }
 
 int StatusLine::partWidth(int part) const {

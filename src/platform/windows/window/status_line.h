@@ -22,7 +22,7 @@ class StatusLine {
   void setFont(HFONT font, int dpi);  // not owned
   void setText(int part, const std::u16string& text);
   // A word to the user in the account's place, until the account changes or the remark is taken away.
-  void remark(const std::u16string& text);
+  void remark(const std::u16string& text, bool onTheWay = false);
   bool takeRemarkAway();  // false when there is none
 
   // What the texts need in a window of this width; at most `most`.
@@ -43,7 +43,7 @@ class StatusLine {
   int rowHeight() const;
   int accountHeight(int width) const;
   const std::u16string& accountText() const { return remark_.empty() ? texts_[0] : remark_; }
-  void showAccount();
+  void showAccount(bool onTheWay = false);
   void placeParts(int width);
 
   HWND bar_ = nullptr, account_ = nullptr;

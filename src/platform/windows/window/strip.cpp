@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "platform/windows/window/accessible_name.h"
 #include "platform/windows/window/child_window.h"
 #include "platform/windows/window/fonts.h"
 #include "platform/windows/window/geometry.h"
@@ -50,6 +51,7 @@ void Strip::tell(const std::u16string& words, const std::u16string& action) {
   setWindowText(window_, words);
   InvalidateRect(window_, nullptr, FALSE);
   ShowWindow(window_, words.empty() ? SW_HIDE : SW_SHOWNA);
+  tellLive(window_);
 }
 
 // At the right, underlined by a line of its own; returns where the room for other words ends.

@@ -7,6 +7,7 @@
 
 #include "platform/services.h"
 #include "platform/view.h"
+#include "platform/windows/window/signals.h"
 
 namespace vordane::window::win32 {
 
@@ -23,8 +24,10 @@ class Win32View : public View {
   virtual void serveDueTick() = 0;
 };
 
-// `texts` and `settings` must outlive the view. Column widths, order, the splitter and the window's place are
-// kept in `settings` under application VORDANE, section Window.
-std::unique_ptr<Win32View> makeWin32View(ViewTexts& texts, platform::SettingsStore& settings);
+// `texts` and `settings` must outlive the view. `signals` call the person to an alarm; null where nobody can
+// see the workstation. Column widths, order, the splitter and the window's place are kept in `settings` under
+// application VORDANE, section Window.
+std::unique_ptr<Win32View> makeWin32View(ViewTexts& texts, platform::SettingsStore& settings,
+                                         std::unique_ptr<Signals> signals = systemSignals());
 
 }  // namespace vordane::window::win32
