@@ -16,7 +16,7 @@ using language::trapped;
 namespace statement = language::statement;
 
 template <typename Row>
-void forEachRow(database::Database& database, const std::u16string& statement, Row&& apply) {
+void forEachRow(database::Database& database, const database::Statement& statement, Row&& apply) {
   const auto rows = database.openRecordset(statement);
   for (; !rows->atEnd(); rows->moveNext()) apply(*rows);
   rows->close();

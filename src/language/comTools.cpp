@@ -85,7 +85,7 @@ class BoxBuilder {
       throw database::DatabaseError(database::number::fileNotFound, u"no language database");
     using namespace language::statement;
     const auto& statement = request_.selector == shortForm ? shortBox : box;
-    return database->openRecordset(statement.with({text::decimal(request_.number)}));
+    return database->openRecordset(statement.with({request_.number}));
   }
 
   std::u16string expand(std::u16string_view stored) { return ExpandEscapes(stored, substitution_); }

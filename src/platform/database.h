@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "platform/automation.h"
+#include "platform/statement.h"
 #include "platform/survey.h"
 
 namespace vordane::database {
@@ -50,8 +51,8 @@ class Recordset {
   virtual Value get(std::size_t column) = 0;          // by position, for statements without column names
   // A date column holds and takes "YYYY-MM-DD HH:MM:SS", local time; any other the text as it stands.
   virtual bool isDate(std::u16string_view) { return false; }
-  virtual void set(std::u16string_view column, const Value& value) = 0;  // between addNew/edit and update
-  virtual void addNew() = 0;  // auto-numbers can be read from here on
+  virtual void set(std::u16string_view column, Value value) = 0;  // between addNew/edit and update
+  virtual void addNew() = 0;                                      // auto-numbers can be read from here on
   virtual void edit() = 0;
   virtual void update() = 0;
   virtual void close() = 0;  // drops an add or edit that was not updated
@@ -105,10 +106,10 @@ struct Agreement {
 class Database {
  public:
   virtual ~Database() = default;
-  virtual std::unique_ptr<Recordset> openRecordset(std::u16string_view statement) = 0;
-  virtual std::unique_ptr<RowList> openRowList(std::u16string_view statement,
+  virtual std::unique_ptr<Recordset> openRecordset(const Statement& statement) = 0;
+  virtual std::unique_ptr<RowList> openRowList(const Statement& statement,
                                                std::span<const std::u16string_view> columns) = 0;
-  virtual void execute(std::u16string_view statement) = 0;
+  virtual void execute(const Statement& statement) = 0;
 
   // A run of additions that belong together. The embedded engine makes what came since the last
   // `checkpoint` safe at the next one, at the latest every 500 ms, and at the end; an engine without it
@@ -116,6 +117,11 @@ class Database {
   virtual void beginBatch() = 0;
   virtual void checkpoint() = 0;
   virtual void endBatch() = 0;
+
+  // These statements are about to be opened one after the other, inside a batch: an engine may look at once,
+  // and in the order that suits it, for what they will answer. Each answers as if this had not been said,
+  // whatever was added meanwhile. Throws when the batch has lost what was not safe yet.
+  virtual void expect(std::span<const Statement>) {}
 
   // Called from inside long steps (now and then, never inside a short one); may only paint. `of` is 0 where
   // the engine doesn't know how much there is to do.

@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/statement.h"
+
 namespace vordane::database {
 
 enum class ColumnType {
@@ -33,7 +35,7 @@ struct TableDefinition {
 };
 
 // A statement with `{}` for each value, in quotes where the value is a text. `ending` is what stands behind,
-// for statements that differ at their end alone. The values are joined in as they come, nothing escaped.
+// for statements that differ at their end alone.
 class StatementPattern {
  public:
   constexpr StatementPattern(std::u16string_view text, std::u16string_view ending = {})
@@ -42,17 +44,29 @@ class StatementPattern {
       if (text[i] == u'{' && text[i + 1] == u'}') places_.at(values_++) = i;
   }
 
-  // One value for each `{}`, in their order.
-  std::u16string with(std::initializer_list<std::u16string_view> values) const { return joined(values); }
+  // One value for each `{}`, in their order. The pattern must outlive it.
+  Statement with(std::initializer_list<StatementValue> values) const {
+    return {*this, {values.begin(), values.size()}};
+  }
   // The statement with 0 for each value.
   std::u16string sample() const;
 
- private:
-  std::u16string joined(std::span<const std::u16string_view> values) const;
+  std::u16string joined(std::span<const StatementValue> values) const;
 
-  static constexpr std::size_t mostValues = 6;
+  std::size_t values() const { return values_; }
+  // What stands before the place of a value: a quote, where it is a text.
+  char16_t before(std::size_t value) const {
+    return places_.at(value) == 0 ? u' ' : text_[places_.at(value) - 1];
+  }
+  friend bool operator==(const StatementPattern& a, const StatementPattern& b) {
+    return a.text_ == b.text_ && a.ending_ == b.ending_;
+  }
+  std::u16string_view text() const { return text_; }
+  std::u16string_view ending() const { return ending_; }
+
+ private:
   std::u16string_view text_, ending_;
-  std::array<std::size_t, mostValues> places_{};
+  std::array<std::size_t, Statement::mostValues> places_{};
   std::size_t values_ = 0;
 };
 

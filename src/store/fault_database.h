@@ -35,26 +35,28 @@ inline constexpr database::StatementPattern findFault{
     u"Select * FROM FaultDisplay WHERE ID = {} AND Fault = '{}' AND CPU = '{}' AND Alarm = '{}' AND Date = "
     u"'{}' AND Description = \"{}\""};
 inline constexpr std::u16string_view faultsOfExchange = u"SELECT * FROM FaultDisplay WHERE ID = {}";
+inline constexpr std::array<database::StatementPattern, sortClauses.size()> orderedFaults{{
+    {faultsOfExchange, sortClauses[0]},
+    {faultsOfExchange, sortClauses[1]},
+    {faultsOfExchange, sortClauses[2]},
+    {faultsOfExchange, sortClauses[3]},
+    {faultsOfExchange, sortClauses[4]},
+    {faultsOfExchange, sortClauses[5]},
+    {faultsOfExchange, sortClauses[6]},
+    {faultsOfExchange, sortClauses[7]},
+    {faultsOfExchange, sortClauses[8]},
+    {faultsOfExchange, sortClauses[9]},
+}};
 inline constexpr database::StatementPattern deleteExchange{u"DELETE FROM PBXList WHERE ID = {}"};
 inline constexpr database::StatementPattern deleteFaults{u"DELETE FROM FaultDisplay WHERE ID = {}"};
 }  // namespace statement
 
 inline constexpr database::StatementPattern faultStatements[] = {
-    statement::findExchange,
-    statement::selectExchange,
-    statement::findFault,
-    {statement::faultsOfExchange, sortClauses[0]},
-    {statement::faultsOfExchange, sortClauses[1]},
-    {statement::faultsOfExchange, sortClauses[2]},
-    {statement::faultsOfExchange, sortClauses[3]},
-    {statement::faultsOfExchange, sortClauses[4]},
-    {statement::faultsOfExchange, sortClauses[5]},
-    {statement::faultsOfExchange, sortClauses[6]},
-    {statement::faultsOfExchange, sortClauses[7]},
-    {statement::faultsOfExchange, sortClauses[8]},
-    {statement::faultsOfExchange, sortClauses[9]},
-    statement::deleteExchange,
-    statement::deleteFaults,
+    statement::findExchange,     statement::selectExchange,   statement::findFault,
+    statement::orderedFaults[0], statement::orderedFaults[1], statement::orderedFaults[2],
+    statement::orderedFaults[3], statement::orderedFaults[4], statement::orderedFaults[5],
+    statement::orderedFaults[6], statement::orderedFaults[7], statement::orderedFaults[8],
+    statement::orderedFaults[9], statement::deleteExchange,   statement::deleteFaults,
 };
 static_assert(sortClauses.size() == 10);
 

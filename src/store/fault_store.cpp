@@ -211,7 +211,8 @@ void FaultStore::SelectExchange(database::Database& database) {
 
 void FaultStore::refreshExchange(database::Database& database) {
   const auto exchange = chosen();
-  datPBXList_.setRecordSource(exchange ? selectExchange(exchange->name, exchange->id) : std::u16string{});
+  datPBXList_.setRecordSource(exchange ? selectExchange(exchange->name, exchange->id).text()
+                                       : std::u16string{});
   datPBXList_.refresh(database);
   std::u16string received;
   if (datPBXList_.hasRow())
@@ -228,7 +229,8 @@ void FaultStore::SortFaultGrid(database::Database& database, int column) {
     const bool ascending = ascending_[static_cast<std::size_t>(column)];
     sortKey_ = static_cast<SortKey>(ascending ? column : sortableColumns + column);
     const auto exchange = chosen();
-    datFaultDisplay_.setRecordSource(exchange ? faultsOfExchange(exchange->id, sortKey_) : std::u16string{});
+    datFaultDisplay_.setRecordSource(exchange ? faultsOfExchange(exchange->id, sortKey_).text()
+                                              : std::u16string{});
   }
   refreshFaults(database);
 }

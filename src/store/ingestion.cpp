@@ -22,9 +22,17 @@ constexpr std::int32_t groupSize = 4;
 // What the exchange-access component sends in place of data begins with this.
 constexpr std::u16string_view accessErrorPrefix = u"ZUL_";
 
+// So many faults are decoded and looked for at once before the first of them is stored: few enough that what
+// was found is still so when a long list is made safe on the way.
+constexpr std::int32_t atOnce = 256;
+
 struct Fault {
-  std::u16string_view record;
-  std::u16string date, description;
+  std::u16string_view kind, alarm;
+  std::u16string cpu, date, description;
+
+  database::Statement same(std::int16_t exchangeId) const {
+    return findFault(exchangeId, {kind, alarm, cpu, date, description});
+  }
 };
 
 class Ingestion {
@@ -58,9 +66,10 @@ class Ingestion {
   }
   std::size_t countGroups() const;
   std::int32_t count(Outcome outcome) const;
-  Fault fault(std::int32_t group) const;
+  void decode(std::int32_t group, Fault& fault) const;
+  std::int32_t expectFrom(std::int32_t group, std::int16_t exchangeId, database::Database& database);
   const std::u16string* findAccessError(std::int32_t group) const;
-  static void add(database::Recordset& faults, std::int16_t exchangeId, const Fault& fault);
+  static void add(database::Recordset& faults, std::int16_t exchangeId, Fault& fault);
   status::ListEnd end() const;
 
   const pbx::ReceivedList& received_;
@@ -68,19 +77,32 @@ class Ingestion {
   const cFaultDisplay& decoder_;
   platform::Clock& clock_;
   std::vector<Outcome> outcomes_;  // one for each group received
+  std::vector<Fault> faults_;      // those looked for at once; they keep their memory
+  std::vector<database::Statement> same_;
   std::optional<std::u16string> accessError_, error_;
   bool noDatabase_ = false;
 };
 
-bool isEndMark(std::u16string_view record) {
-  return pbx::GetResponseCode(text::toUpper(text::trim(record))) == pbx::responseDataNotFound;
+bool isFound(database::Database& database, const database::Statement& statement) {
+  const auto same = database.openRecordset(statement);
+  const bool found = same->recordCount() > 0;
+  same->close();
+  return found;
+}
+
+// `upper` keeps its memory between records.
+bool isEndMark(std::u16string_view record, std::u16string& upper) {
+  upper.assign(text::trim(record));
+  std::transform(upper.begin(), upper.end(), upper.begin(), text::upper);
+  return pbx::GetResponseCode(upper) == pbx::responseDataNotFound;
 }
 
 // Groups before the end mark, a last incomplete one counted.
 std::size_t Ingestion::countGroups() const {
   const std::int32_t all = (list_.Count() + groupSize - 1) / groupSize;
   std::int32_t groups = 0;
-  while (groups < all && !isEndMark(entry(groups, 0))) ++groups;
+  std::u16string upper;
+  while (groups < all && !isEndMark(entry(groups, 0), upper)) ++groups;
   return static_cast<std::size_t>(groups);
 }
 
@@ -88,17 +110,39 @@ std::int32_t Ingestion::count(Outcome outcome) const {
   return static_cast<std::int32_t>(std::count(outcomes_.begin(), outcomes_.end(), outcome));
 }
 
-Fault Ingestion::fault(std::int32_t group) const {
+// Into `fault`, whose memory is used again.
+void Ingestion::decode(std::int32_t group, Fault& fault) const {
   const auto record = text::trim(entry(group, 0));
-  return {record, WidenYear(text::trim(entry(group, 1))),
-          decoder_.GetFaultMessage(record, text::trim(entry(group, 2)), text::trim(entry(group, 3)))};
+  fault.kind = faultKind(record);
+  fault.alarm = alarmClass(record);
+  fault.cpu = processor(record);
+  fault.date = WidenYear(text::trim(entry(group, 1)));
+  decoder_.GetFaultMessage(record, text::trim(entry(group, 2)), text::trim(entry(group, 3)),
+                           fault.description);
+}
+
+// The faults from `group` on that are looked for at once, none behind what is no fault; behind the last of
+// them.
+std::int32_t Ingestion::expectFrom(std::int32_t group, std::int16_t exchangeId,
+                                   database::Database& database) {
+  faults_.resize(static_cast<std::size_t>(std::min(atOnce, groups() - group)));
+  same_.clear();
+  for (Fault& fault : faults_) {
+    if (findAccessError(group) != nullptr) break;
+    decode(group++, fault);
+    same_.push_back(fault.same(exchangeId));
+  }
+  database.expect(same_);
+  return group;
 }
 
 // Tested on the entries as they came, blanks and all.
 const std::u16string* Ingestion::findAccessError(std::int32_t group) const {
   for (std::int32_t position = 0; position < groupSize; ++position) {
     const std::u16string& text = list_.FirstData(group * groupSize + position);
-    if (text.starts_with(accessErrorPrefix)) return &text;
+    // Most begin with a digit.
+    if (text.size() > 0 && text.front() == accessErrorPrefix.front() && text.starts_with(accessErrorPrefix))
+      return &text;
   }
   return nullptr;
 }
@@ -124,29 +168,31 @@ void Ingestion::stampExchange(database::Database& database, std::int16_t& exchan
 
 void Ingestion::storeFaults(database::Database& database, std::int16_t exchangeId, LongStep& step) {
   const auto faults = database.openRecordset(addFaults);
+  std::int32_t first = 0, behind = 0;  // of those looked for at once
   for (std::int32_t group = 0; group < groups(); ++group) {
     step.at(static_cast<std::size_t>(group), outcomes_.size());
-    const Fault received = fault(group);
     if (const auto* found = findAccessError(group)) {
       accessError_ = *found;
       break;
     }
-    const bool isNew =
-        FindSameFault(exchangeId, database, received.record, received.date, received.description);
-    if (isNew) add(*faults, exchangeId, received);
+    if (group == behind) behind = expectFrom(first = group, exchangeId, database);
+    const auto at = static_cast<std::size_t>(group - first);
+    const bool isNew = !isFound(database, same_[at]);
+    if (isNew) add(*faults, exchangeId, faults_[at]);
     outcomes_[static_cast<std::size_t>(group)] = isNew ? Outcome::added : Outcome::alreadyStored;
   }
   faults->close();
 }
 
-void Ingestion::add(database::Recordset& faults, std::int16_t exchangeId, const Fault& fault) {
+// Takes the fault's texts.
+void Ingestion::add(database::Recordset& faults, std::int16_t exchangeId, Fault& fault) {
   faults.addNew();
   faults.set(u"ID", exchangeId);
-  faults.set(u"Fault", std::u16string(faultKind(fault.record)));
-  faults.set(u"Alarm", std::u16string(alarmClass(fault.record)));
-  faults.set(u"CPU", processor(fault.record));
-  faults.set(u"Date", fault.date);
-  faults.set(u"Description", fault.description);
+  faults.set(u"Fault", std::u16string(fault.kind));
+  faults.set(u"Alarm", std::u16string(fault.alarm));
+  faults.set(u"CPU", std::move(fault.cpu));
+  faults.set(u"Date", std::move(fault.date));
+  faults.set(u"Description", std::move(fault.description));
   faults.update();
 }
 
@@ -158,23 +204,20 @@ std::u16string doubled(char16_t quote, std::u16string_view text) {
 
 // FindSameFault escapes nothing, so it can't find what was stored with a quote in it. The account must.
 bool isStored(database::Database& database, std::int16_t exchangeId, const Fault& fault) {
-  const std::u16string kind = doubled(u'\'', faultKind(fault.record)),
-                       alarm = doubled(u'\'', alarmClass(fault.record)),
-                       cpu = doubled(u'\'', processor(fault.record)), date = doubled(u'\'', fault.date),
+  const std::u16string kind = doubled(u'\'', fault.kind), alarm = doubled(u'\'', fault.alarm),
+                       cpu = doubled(u'\'', fault.cpu), date = doubled(u'\'', fault.date),
                        description = doubled(u'"', fault.description);
-  const auto same = database.openRecordset(findFault(exchangeId, {kind, alarm, cpu, date, description}));
-  const bool stored = same->recordCount() > 0;
-  same->close();
-  return stored;
+  return isFound(database, findFault(exchangeId, {kind, alarm, cpu, date, description}));
 }
 
 void Ingestion::countAgain(database::Database& database, std::int16_t exchangeId, std::u16string error) {
   error_ = std::move(error);
   std::size_t group = 0;
+  Fault fault;
   const auto failure = trap([&] {
     for (; group < outcomes_.size() && outcomes_[group] != Outcome::refused; ++group) {
-      if (!isStored(database, exchangeId, fault(static_cast<std::int32_t>(group))))
-        outcomes_[group] = Outcome::refused;
+      decode(static_cast<std::int32_t>(group), fault);
+      if (!isStored(database, exchangeId, fault)) outcomes_[group] = Outcome::refused;
     }
   });
   if (failure)
@@ -238,11 +281,7 @@ std::optional<std::u16string> takeList(const Surroundings& around, comSSDataGrid
 bool FindSameFault(std::int16_t id, database::Database& database, std::u16string_view record,
                    std::u16string_view date, std::u16string_view description) {
   const std::u16string cpu = processor(record);
-  const auto same =
-      database.openRecordset(findFault(id, {faultKind(record), alarmClass(record), cpu, date, description}));
-  const bool isNew = same->recordCount() < 1;
-  same->close();
-  return isNew;
+  return !isFound(database, findFault(id, {faultKind(record), alarmClass(record), cpu, date, description}));
 }
 
 FaultStore::After FaultStore::IngestFaultList(const pbx::ReceivedList& received) {

@@ -1,5 +1,6 @@
-// The statements to FAULT.MDB with their values, exactly as built: plain concatenation, nothing escaped. A
-// value that holds the quoting character breaks its statement; that is accepted.
+// The statements to FAULT.MDB with their values. Their texts are plain concatenation, nothing escaped: a
+// value that holds the quoting character breaks its statement; that is accepted. The values are seen and not
+// kept.
 #pragma once
 
 #include <cstdint>
@@ -21,11 +22,11 @@ struct FaultColumns {
   std::u16string_view fault, alarm, cpu, date, description;
 };
 
-std::u16string findExchange(std::u16string_view name);
-std::u16string selectExchange(std::u16string_view name, std::int16_t id);
-std::u16string findFault(std::int16_t id, const FaultColumns& columns);
-std::u16string faultsOfExchange(std::int32_t id, SortKey key);
-std::u16string deleteExchange(std::int16_t id);
-std::u16string deleteFaults(std::int16_t id);
+database::Statement findExchange(std::u16string_view name);
+database::Statement selectExchange(std::u16string_view name, std::int16_t id);
+database::Statement findFault(std::int16_t id, const FaultColumns& columns);
+database::Statement faultsOfExchange(std::int32_t id, SortKey key);
+database::Statement deleteExchange(std::int16_t id);
+database::Statement deleteFaults(std::int16_t id);
 
 }  // namespace vordane::store

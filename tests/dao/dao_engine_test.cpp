@@ -86,6 +86,16 @@ TEST_F(DaoEngine, AValueThatMakesAnotherStatementDoesNotReachIt) {
   EXPECT_EQ(column(*database, u"Select * FROM PBXList", u"PBXName"), (std::vector<std::string>{"A"}));
 }
 
+TEST_F(DaoEngine, GetsTheDocumentedTextOfAStatementWithValues) {
+  const auto database = open();
+  world().statements.clear();
+  database->openRecordset(store::statement::selectExchange.with({u"a\"b", std::int16_t{-2}}));
+  database->execute(store::statement::deleteFaults.with({std::int16_t{7}}));
+  EXPECT_EQ(world().statements,
+            (std::vector<std::u16string>{u"SELECT * FROM PBXList WHERE PBXName = 'a\"b' AND ID = -2",
+                                         u"DELETE FROM FaultDisplay WHERE ID = 7"}));
+}
+
 TEST_F(DaoEngine, AFileWhoseTablesLieElsewhereIsRefused) {
   for (const std::uint32_t attributes : {0x40000000U, 0x20000000U}) {
     world().attached = {{u"FaultDisplay", attributes}};

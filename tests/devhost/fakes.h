@@ -131,7 +131,7 @@ class FakeRecordset : public database::Recordset {
     return rows_.at(current_).at(std::u16string(column));
   }
   database::Value get(std::size_t) override { return refuse(); }
-  void set(std::u16string_view, const database::Value&) override { refuse(); }
+  void set(std::u16string_view, database::Value) override { refuse(); }
   void addNew() override { refuse(); }
   void edit() override { refuse(); }
   void update() override { refuse(); }
@@ -186,7 +186,7 @@ class FakeEngine : public database::Engine {
   class Opened : public database::Database {
    public:
     explicit Opened(const FakeFaultDatabase& content) : content_(content) {}
-    std::unique_ptr<database::Recordset> openRecordset(std::u16string_view statement) override {
+    std::unique_ptr<database::Recordset> openRecordset(const database::Statement& statement) override {
       if (statement == u"SELECT * FROM PBXList Order by [TimeStamp] Desc")
         return std::make_unique<FakeRecordset>(content_.exchanges);
       std::vector<Row> rows;
@@ -197,11 +197,11 @@ class FakeEngine : public database::Engine {
           rows.push_back(row);
       return std::make_unique<FakeRecordset>(rows);
     }
-    std::unique_ptr<database::RowList> openRowList(std::u16string_view,
+    std::unique_ptr<database::RowList> openRowList(const database::Statement&,
                                                    std::span<const std::u16string_view>) override {
       throw database::DatabaseError(3027, u"no row lists here");
     }
-    void execute(std::u16string_view) override { throw database::DatabaseError(3027, u"read-only"); }
+    void execute(const database::Statement&) override { throw database::DatabaseError(3027, u"read-only"); }
     void beginBatch() override {}
     void checkpoint() override {}
     void endBatch() override {}

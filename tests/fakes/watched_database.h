@@ -23,19 +23,20 @@ class WatchedDatabase : public database::Database {
   int batchDepth = 0, batches = 0, recordsetsOpen = 0;
   Progress progress;
 
-  std::unique_ptr<database::Recordset> openRecordset(std::u16string_view statement) override {
+  std::unique_ptr<database::Recordset> openRecordset(const database::Statement& statement) override {
     note(statement);
     return std::make_unique<Watched>(*this, inner_->openRecordset(statement));
   }
-  std::unique_ptr<database::RowList> openRowList(std::u16string_view statement,
+  std::unique_ptr<database::RowList> openRowList(const database::Statement& statement,
                                                  std::span<const std::u16string_view> columns) override {
     note(statement);
     return inner_->openRowList(statement, columns);
   }
-  void execute(std::u16string_view statement) override {
+  void execute(const database::Statement& statement) override {
     note(statement);
     inner_->execute(statement);
   }
+  void expect(std::span<const database::Statement> coming) override { inner_->expect(coming); }
   void beginBatch() override {
     inner_->beginBatch();
     ++batchDepth;
@@ -77,8 +78,8 @@ class WatchedDatabase : public database::Database {
     database::Value get(std::u16string_view column) override { return inner_->get(column); }
     database::Value get(std::size_t column) override { return inner_->get(column); }
     bool isDate(std::u16string_view column) override { return inner_->isDate(column); }
-    void set(std::u16string_view column, const database::Value& value) override {
-      inner_->set(column, value);
+    void set(std::u16string_view column, database::Value value) override {
+      inner_->set(column, std::move(value));
     }
     void addNew() override { inner_->addNew(); }
     void edit() override { inner_->edit(); }
@@ -98,9 +99,9 @@ class WatchedDatabase : public database::Database {
     const auto hook = before;
     hook(step);
   }
-  void note(std::u16string_view statement) {
-    statements.emplace_back(statement);
-    ask(statement);
+  void note(const database::Statement& statement) {
+    statements.push_back(statement.text());
+    ask(statements.back());
   }
 
   std::unique_ptr<database::Database> inner_;

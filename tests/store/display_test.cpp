@@ -26,7 +26,7 @@ class DisplayTest : public StoreTest {
     store.exchangeListClicked();
   }
   std::u16string clause(SortKey key) {
-    return store.datFaultDisplay().recordSource().substr(faultsOfExchange(1, 0).size() -
+    return store.datFaultDisplay().recordSource().substr(faultsOfExchange(1, 0).text().size() -
                                                          sortClauses[0].size()) ==
                    std::u16string(sortClauses[static_cast<std::size_t>(key)])
                ? u"as asked"
@@ -408,7 +408,8 @@ TEST_F(DisplayTest, AnErrorShowsOneBoxAndLeavesGridAndLampsEmpty) {
   ASSERT_NE(form.memoryView.rows, nullptr);
   ASSERT_TRUE(form.memoryView.majorLit);
   const Texts steps = {std::u16string(exchangesNewestFirst), std::u16string(faultsNewestFirst),
-                       selectExchange(u"mine", 1), faultsOfExchange(1, 7), findExchange(u"mine")};
+                       selectExchange(u"mine", 1).text(), faultsOfExchange(1, 7).text(),
+                       findExchange(u"mine").text()};
   for (const auto& failing : steps) {
     database->before = [&](std::u16string_view step) {
       if (step == failing) throw database::DatabaseError(3049, u"unreadable");

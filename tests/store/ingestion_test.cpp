@@ -69,7 +69,7 @@ TEST_F(IngestionTest, StampsTheExchangeBeforeAnyFault) {
   form.receive(u"DATA NOT FOUND", u"");
   ingest();
   EXPECT_EQ(exchanges(), (Texts{u"PBX-1", u"PBX-2"}));
-  EXPECT_EQ(column(findExchange(u"PBX-1"), u"TimeStamp"), Texts{u"2026-11-20 21:14:05"});
+  EXPECT_EQ(column(findExchange(u"PBX-1").text(), u"TimeStamp"), Texts{u"2026-11-20 21:14:05"});
   EXPECT_EQ(form.window.control(u"txtTimeTag").text(u"Text"), u"20.11.2026 21:14:05");
 }
 

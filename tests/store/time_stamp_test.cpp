@@ -21,7 +21,7 @@ class OneRow : public database::Recordset {
   database::Value get(std::u16string_view column) override { return values[std::u16string(column)]; }
   database::Value get(std::size_t) override { return {}; }
   bool isDate(std::u16string_view) override { return dated_; }
-  void set(std::u16string_view column, const database::Value& value) override {
+  void set(std::u16string_view column, database::Value value) override {
     values[std::u16string(column)] = value;
   }
   void addNew() override {}

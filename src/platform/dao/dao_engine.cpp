@@ -42,7 +42,7 @@ class Rows : public database::Recordset {
     return database::limitedValue(rows_.read(static_cast<std::int16_t>(column)));
   }
   bool isDate(std::u16string_view column) override { return rows_.isDate(text(column)); }
-  void set(std::u16string_view column, const Value& value) override { rows_.write(text(column), value); }
+  void set(std::u16string_view column, Value value) override { rows_.write(text(column), value); }
   void addNew() override { call(rows_.object(), u"AddNew"); }
   void edit() override { call(rows_.object(), u"Edit"); }
   void update() override { call(rows_.object(), u"Update"); }
@@ -115,19 +115,16 @@ class File : public database::Database {
     forEach(u"QueryDefs", [](const ObjectRef&, const std::u16string& name) { refuse(name); });
   }
 
-  std::unique_ptr<database::Recordset> openRecordset(std::u16string_view statement) override {
-    documented_->require(statement, lifted_);
-    return std::make_unique<Rows>(getObject(object_, u"OpenRecordset", {byVal(text(statement))}));
+  std::unique_ptr<database::Recordset> openRecordset(const database::Statement& statement) override {
+    return std::make_unique<Rows>(getObject(object_, u"OpenRecordset", {byVal(documented(statement))}));
   }
-  std::unique_ptr<database::RowList> openRowList(std::u16string_view statement,
+  std::unique_ptr<database::RowList> openRowList(const database::Statement& statement,
                                                  std::span<const std::u16string_view> columns) override {
-    documented_->require(statement, lifted_);
     return std::make_unique<List>(
-        getObject(object_, u"OpenRecordset", {byVal(text(statement)), byVal(openDynaset)}), columns);
+        getObject(object_, u"OpenRecordset", {byVal(documented(statement)), byVal(openDynaset)}), columns);
   }
-  void execute(std::u16string_view statement) override {
-    documented_->require(statement, lifted_);
-    call(object_, u"Execute", {byVal(text(statement)), byVal(failOnError)});
+  void execute(const database::Statement& statement) override {
+    call(object_, u"Execute", {byVal(documented(statement)), byVal(failOnError)});
   }
 
   // Each row is saved as it is added: there is nothing to gather.
@@ -147,6 +144,12 @@ class File : public database::Database {
   }
 
  private:
+  // The statement's text, which the engine runs as it stands.
+  std::u16string documented(const database::Statement& statement) {
+    std::u16string text = statement.text();
+    documented_->require(text, lifted_);
+    return text;
+  }
   // Those under a described name.
   template <class Look>
   void forEach(std::u16string_view collection, const Look& look) const {

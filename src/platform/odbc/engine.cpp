@@ -16,17 +16,17 @@ class ServerDatabase final : public database::Database {
  public:
   explicit ServerDatabase(std::shared_ptr<Session> session) : session_(std::move(session)) {}
 
-  std::unique_ptr<database::Recordset> openRecordset(std::u16string_view statement) override {
+  std::unique_ptr<database::Recordset> openRecordset(const database::Statement& statement) override {
     const Plan& plan = find(statement);
     if (plan.shape.verb == jet::Verb::remove) database::fail(number::invalidOperation);
     return std::make_unique<ServerRecordset>(session_, plan, session_->lifted.literals);
   }
-  std::unique_ptr<database::RowList> openRowList(std::u16string_view statement,
+  std::unique_ptr<database::RowList> openRowList(const database::Statement& statement,
                                                  std::span<const std::u16string_view> columns) override {
     const Plan& plan = find(statement);
     return makeRowList(session_, plan, session_->lifted.literals, columns);
   }
-  void execute(std::u16string_view statement) override {
+  void execute(const database::Statement& statement) override {
     const Plan& plan = find(statement);
     if (plan.shape.verb != jet::Verb::remove) database::fail(number::invalidOperation);
     if (session_->readOnly()) database::fail(number::readOnly);
@@ -58,9 +58,9 @@ class ServerDatabase final : public database::Database {
   void requireOpen() const {
     if (!session_) database::fail(number::closed);
   }
-  const Plan& find(std::u16string_view statement) {
+  const Plan& find(const database::Statement& statement) {
     requireOpen();
-    return session_->plans().find(statement, session_->lifted);
+    return session_->plans().find(statement.text(), session_->lifted);
   }
 
   std::shared_ptr<Session> session_;

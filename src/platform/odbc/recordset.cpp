@@ -148,7 +148,7 @@ bool ServerRecordset::isDate(std::u16string_view column) {
   return plan_.types.at(plan_.resultColumn(column)) == database::ColumnType::dateTime;
 }
 
-void ServerRecordset::set(std::u16string_view column, const Value& value) {
+void ServerRecordset::set(std::u16string_view column, Value value) {
   requireOpen();
   if (change_ == Change::none) database::fail(number::noUpdateBegun);
   const std::size_t position = plan_.resultColumn(column);

@@ -22,7 +22,7 @@ class ServerRecordset final : public database::Recordset {
   Value get(std::u16string_view column) override;
   Value get(std::size_t column) override;
   bool isDate(std::u16string_view column) override;
-  void set(std::u16string_view column, const Value& value) override;
+  void set(std::u16string_view column, Value value) override;
   void addNew() override;
   void edit() override;
   void update() override;

@@ -258,22 +258,24 @@ ReadScope::~ReadScope() {
   if (connection_ != nullptr) connection_->rollback();
 }
 
-WriteScope::WriteScope(Connection& connection)
-    : connection_(connection), nested_(connection.inTransaction() || connection.inBatch_) {
+WriteScope::WriteScope(Connection& connection, Undo undo)
+    : connection_(connection),
+      nested_(connection.inTransaction() || connection.inBatch_),
+      savepoint_(nested_ && undo == Undo::bySavepoint) {
   if (connection.inTransaction()) {
     if (connection.damaged_) fail(number::damaged);
     connection.finishReaders();
   } else {
     connection.begin();
   }
-  if (nested_) connection.savepoint_.run();
+  if (savepoint_) connection.savepoint_.run();
   ++connection.depth_;
 }
 
 void WriteScope::done() {
-  if (nested_) {
+  if (savepoint_) {
     connection_.release_.run();
-  } else {
+  } else if (!nested_) {
     connection_.commit();
   }
   done_ = true;
@@ -285,7 +287,7 @@ WriteScope::~WriteScope() {
   if (done_) return;
   // After a full disk or a failed write the whole transaction may be gone already.
   if (nested_ && connection_.inTransaction()) {
-    connection_.undoStep();
+    if (savepoint_) connection_.undoStep();
   } else {
     connection_.rollback();
   }

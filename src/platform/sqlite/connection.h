@@ -98,6 +98,7 @@ class Connection {
   void checkpoint();
   void endBatch();
   bool inBatch() const { return inBatch_; }
+  bool damaged() const { return damaged_; }
   // Between two steps of a batch: its transaction must be open before something is looked for.
   void beforeRead();
 
@@ -151,10 +152,12 @@ class ReadScope {
 };
 
 // One step that writes. Outside a batch it is a transaction of its own; `done` makes it last, and without it
-// nothing of it stays.
+// nothing of it stays. A step of a batch that takes back by itself what it has done needs no savepoint, for
+// which the engine copies every page that the step changes.
 class WriteScope {
  public:
-  explicit WriteScope(Connection& connection);
+  enum class Undo { bySavepoint, byTheStep };
+  explicit WriteScope(Connection& connection, Undo undo = Undo::bySavepoint);
   ~WriteScope();
   WriteScope(const WriteScope&) = delete;
   WriteScope& operator=(const WriteScope&) = delete;
@@ -163,6 +166,7 @@ class WriteScope {
  private:
   Connection& connection_;
   bool nested_;  // a step of a batch, or of a larger step
+  bool savepoint_;
   bool done_ = false;
 };
 

@@ -113,7 +113,7 @@ class EmbeddedDatabase final : public database::Database {
   explicit EmbeddedDatabase(std::shared_ptr<Opened> opened, bool onNetwork = false)
       : opened_(std::move(opened)), onNetwork_(onNetwork) {}
 
-  std::unique_ptr<database::Recordset> openRecordset(std::u16string_view statement) override {
+  std::unique_ptr<database::Recordset> openRecordset(const database::Statement& statement) override {
     requireOpen();
     jet::Lifted& lifted = opened_->lifted;
     Plan& plan = opened_->plans.find(statement, lifted);
@@ -121,7 +121,7 @@ class EmbeddedDatabase final : public database::Database {
     return std::make_unique<EmbeddedRecordset>(opened_, plan, lifted.literals);
   }
 
-  std::unique_ptr<database::RowList> openRowList(std::u16string_view statement,
+  std::unique_ptr<database::RowList> openRowList(const database::Statement& statement,
                                                  std::span<const std::u16string_view> columns) override {
     requireOpen();
     jet::Lifted& lifted = opened_->lifted;
@@ -129,7 +129,7 @@ class EmbeddedDatabase final : public database::Database {
     return makeRowList(opened_, plan, lifted.literals, columns);
   }
 
-  void execute(std::u16string_view statement) override {
+  void execute(const database::Statement& statement) override {
     requireOpen();
     jet::Lifted& lifted = opened_->lifted;
     Plan& plan = opened_->plans.find(statement, lifted);
@@ -145,6 +145,19 @@ class EmbeddedDatabase final : public database::Database {
       plan.rows.giveBack(std::move(rows));
     }
     write.done();
+  }
+
+  void expect(std::span<const database::Statement> statements) override {
+    requireOpen();
+    Connection& connection = opened_->connection;
+    EventIndex& events = connection.events();
+    events.forgetExpected();
+    if (!connection.inBatch() || !events.usable()) return;
+    for (const database::Statement& statement : statements) {
+      if (const Plan* const plan = planIfAny(statement))
+        if (plan->special == Plan::Special::sameEvent) expectSame(*plan);
+    }
+    events.lookForExpected();
   }
 
   void beginBatch() override {
@@ -168,6 +181,18 @@ class EmbeddedDatabase final : public database::Database {
  private:
   void requireOpen() const {
     if (!opened_) fail(number::closed);
+  }
+  // Null for what can't be run; whoever opens it learns why.
+  const Plan* planIfAny(const database::Statement& statement) {
+    try {
+      return &opened_->plans.find(statement, opened_->lifted);
+    } catch (const database::DatabaseError&) {
+      return nullptr;
+    }
+  }
+  void expectSame(const Plan& plan) {
+    const std::vector<jet::Literal>& literals = opened_->lifted.literals;
+    opened_->connection.events().expect(literals[plan.ownerValue].number, plan.sameTexts(literals));
   }
 
   std::shared_ptr<Opened> opened_;

@@ -23,6 +23,7 @@
 #include "platform/sqlite/description_order.h"
 #include "platform/sqlite/event_keys.h"
 #include "platform/sqlite/event_orders.h"
+#include "platform/sqlite/expected_events.h"
 #include "platform/sqlite/time_order.h"
 
 namespace vordane::sqlite {
@@ -37,6 +38,12 @@ class EventIndex {
 
   // Keys of the rows that agree in the owner and all texts, oldest first; no text is Null.
   std::vector<std::int64_t> findSame(std::int64_t owner, const EventTexts& texts);
+
+  // The events that `findSame` will be asked for next, in this order, inside a transaction: it may answer
+  // from what one look at all of them has found. Throws DatabaseError when that has ended the transaction.
+  void expect(std::int64_t owner, const EventTexts& texts) { expected_.add(owner, texts); }
+  void lookForExpected() { expected_.look(*table_); }
+  void forgetExpected() noexcept { expected_.forget(); }
 
   // Key of the first row by moment descending, nothing when the table is empty.
   std::optional<std::int64_t> newest();
@@ -89,9 +96,10 @@ class EventIndex {
   bool newestChanged_ = false;
   Newest newest_;
   Statement state_, same_, insert_, remove_, read_;
-  std::string momentKey_;  // keeps its memory between rows
+  std::string momentKey_, kindKey_;  // keep their memory between rows
   Collecting collecting_;
   TimeOrder byTime_;
+  ExpectedEvents expected_;
   DescriptionOrder byDescription_;
 };
 

@@ -111,12 +111,16 @@ std::int64_t hashOf(const EventTexts& texts) {
   return hash.value();
 }
 
-std::string kindKey(const EventTexts& texts) {
-  std::string key;
+void appendKind(const EventTexts& texts, std::string& key) {
   for (std::size_t kind = 0; kind < EventColumns::moment; ++kind) {
     if (kind > 0) key.push_back('\xFF');
     appendField(texts[kind], key);
   }
+}
+
+std::string kindKey(const EventTexts& texts) {
+  std::string key;
+  appendKind(texts, key);
   return key;
 }
 

@@ -20,6 +20,7 @@ using EventTexts =
 std::string momentKey(const EventTexts& texts);
 std::int64_t hashOf(const EventTexts& texts);
 std::string kindKey(const EventTexts& texts);
+void appendKind(const EventTexts& texts, std::string& key);
 
 // vordane_moment, vordane_hash and vordane_kind give the same of columns; vordane_key is the sort key of one
 // text, and the collation vordane_text compares as statements do. Once for a connection.

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/sqlite/errors.h"
+#include "platform/sqlite/text_rules.h"
 #include "text/text.h"
 
 namespace vordane::sqlite {
@@ -128,6 +129,29 @@ Plan::Special specialOf(Plan& plan) {
   return asksForOwner(plan) && planOrder(plan) ? Special::eventsOfOwner : Special::none;
 }
 
+// Keeps the memory of the texts.
+void takeValues(const database::Statement& statement, std::vector<jet::Literal>& literals) {
+  const auto values = statement.values();
+  literals.resize(values.size());
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    literals[i].isText = !values[i].isNumber();
+    if (literals[i].isText)
+      literals[i].text.assign(values[i].text());
+    else
+      literals[i].number = values[i].number();
+  }
+}
+
+// A pattern may hold literals of its own besides; its text is then taken apart each time.
+bool areLiterals(const database::Statement& statement, const std::vector<jet::Literal>& literals) {
+  const auto values = statement.values();
+  return std::equal(values.begin(), values.end(), literals.begin(), literals.end(),
+                    [](const database::StatementValue& value, const jet::Literal& literal) {
+                      return value.isNumber() ? !literal.isText && literal.number == value.number()
+                                              : literal.isText && literal.text == value.text();
+                    });
+}
+
 }  // namespace
 
 std::size_t Plan::resultColumn(std::u16string_view name) const {
@@ -138,16 +162,42 @@ std::size_t Plan::resultColumn(std::u16string_view name) const {
   fail(number::unknownItem, name);
 }
 
+EventTexts Plan::sameTexts(const std::vector<jet::Literal>& literals) const {
+  EventTexts texts;
+  for (std::size_t i = 0; i < texts.size(); ++i) texts[i] = literals[textValues[i]].text;
+  return texts;
+}
+
 void Plans::forgetIfTablesChanged() {
   connection_.tables().follow();
   if (tablesChanged_ == connection_.tables().timesChanged()) return;
   former_.push_back(std::exchange(plans_, {}));
   known_.clear();
+  direct_.clear();
   tablesChanged_ = connection_.tables().timesChanged();
 }
 
-Plan& Plans::find(std::u16string_view statement, jet::Lifted& lifted) {
+Plan* Plans::findDirect(const database::StatementPattern& pattern) const {
+  for (const Direct& direct : direct_)
+    if (isSame(direct.text, pattern.text()) && isSame(direct.ending, pattern.ending())) return direct.plan;
+  return nullptr;
+}
+
+Plan& Plans::find(const database::Statement& statement, jet::Lifted& lifted) {
   forgetIfTablesChanged();
+  if (!statement.isPlain()) return findText(statement.text(), lifted);
+  if (Plan* const plan = findDirect(statement.pattern())) {
+    takeValues(statement, lifted.literals);
+    return *plan;
+  }
+  Plan& plan = findText(statement.text(), lifted);
+  if (areLiterals(statement, lifted.literals))
+    direct_.push_back(
+        {std::u16string(statement.pattern().text()), std::u16string(statement.pattern().ending()), &plan});
+  return plan;
+}
+
+Plan& Plans::findText(std::u16string_view statement, jet::Lifted& lifted) {
   for (const Known& known : known_)
     if (known.skeleton.match(statement, lifted.literals)) return *known.plan;
   jet::lift(statement, lifted);

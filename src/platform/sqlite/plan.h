@@ -35,6 +35,8 @@ struct Plan {
   std::uint64_t tablesChanged = 0;  // the connection's count when it was made
 
   bool isUnion() const { return shape.verb == jet::Verb::countedUnion; }
+  // The texts that the duplicate test compares; views of the literals.
+  EventTexts sameTexts(const std::vector<jet::Literal>& literals) const;
   int firstColumn() const { return isUnion() ? 0 : 1; }
   // Throws DatabaseError (unknownItem).
   std::size_t resultColumn(std::u16string_view name) const;
@@ -45,14 +47,21 @@ class Plans {
  public:
   Plans(Connection& connection, const jet::Documented& documented)
       : connection_(connection), documented_(documented) {}
-  // Takes a statement apart into `lifted`. Throws DatabaseError.
-  Plan& find(std::u16string_view statement, jet::Lifted& lifted);
+  // The values of a statement go into `lifted.literals`, as its text has them. Throws DatabaseError.
+  Plan& find(const database::Statement& statement, jet::Lifted& lifted);
 
  private:
   struct Known {
     jet::Skeleton skeleton;
     Plan* plan;
   };
+  // A pattern whose values are what its text has for literals, one for one.
+  struct Direct {
+    std::u16string text, ending;
+    Plan* plan;
+  };
+  Plan& findText(std::u16string_view statement, jet::Lifted& lifted);
+  Plan* findDirect(const database::StatementPattern& pattern) const;
   std::unique_ptr<Plan> make(const jet::Lifted& lifted);
   void remember(std::u16string_view statement, const jet::Lifted& lifted, Plan& plan);
   void forgetIfTablesChanged();
@@ -63,6 +72,7 @@ class Plans {
   ByShape plans_;
   std::vector<ByShape> former_;  // made for tables that were changed since; their rows may still be held
   std::vector<Known> known_;
+  std::vector<Direct> direct_;
   std::uint64_t tablesChanged_ = 0;
 };
 

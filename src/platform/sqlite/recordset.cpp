@@ -30,9 +30,7 @@ EmbeddedRecordset::EmbeddedRecordset(std::shared_ptr<Opened> opened, Plan& plan,
 bool EmbeddedRecordset::findSame(const std::vector<jet::Literal>& literals) {
   if (plan_.special != Plan::Special::sameEvent || !connection_.events().usable()) return false;
   connection_.beforeRead();
-  EventTexts texts;
-  for (std::size_t i = 0; i < texts.size(); ++i) texts[i] = literals[plan_.textValues[i]].text;
-  keepKeys(connection_.events().findSame(literals[plan_.ownerValue].number, texts));
+  keepKeys(connection_.events().findSame(literals[plan_.ownerValue].number, plan_.sameTexts(literals)));
   hadRows_ = place_ == Place::onRow;
   return true;
 }
@@ -215,12 +213,12 @@ bool EmbeddedRecordset::isDate(std::u16string_view column) {
   return !plan_.columns.empty() && plan_.columns[position]->kind == Kind::date;
 }
 
-void EmbeddedRecordset::set(std::u16string_view column, const Value& value) {
+void EmbeddedRecordset::set(std::u16string_view column, Value value) {
   requireOpen();
   if (change_ == Change::none) fail(number::noUpdateBegun);
   const std::size_t position = plan_.resultColumn(column);
   if (plan_.table->autoNumber == position) fail(number::badValue, column);
-  fields_[position] = fit(plan_.table->columns[position], value, connection_.utf8());
+  fields_[position] = fit(plan_.table->columns[position], std::move(value), connection_.utf8());
 }
 
 void EmbeddedRecordset::addNew() {
@@ -314,19 +312,45 @@ void EmbeddedRecordset::updateFields() {
 
 void EmbeddedRecordset::insertRow() {
   Table& table = *plan_.table;
-  WriteScope write(connection_);
-  const bool indexed = table.events && connection_.events().usable();
   const auto number = table.autoNumber;
   // A number in its documented range is taken beforehand; a long one is left to the engine, which is quicker.
-  if (number && !fields_[*number] && table.columns[*number].kind == Kind::integer16) reserveNumber();
+  const bool reserved = number && !fields_[*number] && table.columns[*number].kind == Kind::integer16;
+  // A row alone is added whole or not at all, and that of an event is taken back when the index can't have
+  // it.
+  WriteScope write(connection_, reserved ? WriteScope::Undo::bySavepoint : WriteScope::Undo::byTheStep);
+  const bool indexed = table.events && connection_.events().usable();
+  if (reserved) reserveNumber();
   const std::int64_t key = insertFields();
-  if (indexed) {
-    EventTexts texts;
-    for (std::size_t i = 0; i < texts.size(); ++i) texts[i] = textOf(fields_[table.events->texts[i]]);
-    connection_.events().added(key, numberOf(fields_[table.events->owner]), texts);
-  }
+  if (indexed) addToIndex(key);
   write.done();
   if (place_ != Place::before) hadRows_ = true;
+}
+
+void EmbeddedRecordset::addToIndex(std::int64_t key) {
+  const EventColumns& events = *plan_.table->events;
+  EventTexts texts;
+  for (std::size_t i = 0; i < texts.size(); ++i) texts[i] = textOf(fields_[events.texts[i]]);
+  try {
+    connection_.events().added(key, numberOf(fields_[events.owner]), texts);
+  } catch (...) {
+    takeBack(key);
+    throw;
+  }
+}
+
+// Outside a batch the transaction goes anyway. What is damaged is not written again: all that is not safe yet
+// is given up, as it is when taking back fails.
+void EmbeddedRecordset::takeBack(std::int64_t key) noexcept {
+  if (!connection_.inBatch() || !connection_.inTransaction()) return;
+  connection_.events().undone();
+  try {
+    if (connection_.damaged()) return connection_.rollback();
+    Statement row(connection_, "DELETE FROM " + plan_.table->quoted + " WHERE rowid = ?");
+    row.bind(1, key);
+    row.run();
+  } catch (...) {
+    connection_.rollback();
+  }
 }
 
 void EmbeddedRecordset::updateRow() {

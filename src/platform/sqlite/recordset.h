@@ -24,7 +24,7 @@ class EmbeddedRecordset final : public database::Recordset, private Reader {
   Value get(std::u16string_view column) override;
   Value get(std::size_t column) override;
   bool isDate(std::u16string_view column) override;
-  void set(std::u16string_view column, const Value& value) override;
+  void set(std::u16string_view column, Value value) override;
   void addNew() override;
   void edit() override;
   void update() override;
@@ -51,6 +51,8 @@ class EmbeddedRecordset final : public database::Recordset, private Reader {
   void reserveNumber();
   void giveBack() noexcept;
   void insertRow();
+  void addToIndex(std::int64_t key);
+  void takeBack(std::int64_t key) noexcept;
   void updateRow();
   std::uint64_t setColumns() const;
   std::string sqlOfInsert() const;

@@ -72,10 +72,14 @@ void Statement::bind(int parameter, const Value& value) {
   bindNull(parameter);
 }
 
-bool Statement::step() {
+std::optional<bool> Statement::tryStep() noexcept {
   const int result = sqlite3_step(handle_.get());
-  if (result == SQLITE_ROW) return true;
-  if (result == SQLITE_DONE) return false;
+  if (result != SQLITE_ROW && result != SQLITE_DONE) return std::nullopt;
+  return result == SQLITE_ROW;
+}
+
+bool Statement::step() {
+  if (const auto row = tryStep()) return *row;
   const int reason = sqlite3_extended_errcode(connection_->handle());
   reset();
   connection_->raise(reason);

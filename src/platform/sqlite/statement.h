@@ -37,8 +37,9 @@ class Statement {
   void bind(int parameter, const jet::Literal& literal);
   void bind(int parameter, const Value& value);
 
-  bool step();  // true on a row; throws DatabaseError
-  void run();   // to its end, and reset
+  bool step();                             // true on a row; throws DatabaseError
+  std::optional<bool> tryStep() noexcept;  // the same, nothing for a failure
+  void run();                              // to its end, and reset
   void reset() noexcept;
 
   std::int64_t integer(int column) const;

@@ -59,8 +59,9 @@ std::optional<Kind> describedKind(database::Descriptions descriptions, std::u16s
   return found == nullptr ? std::nullopt : kindOf(found->type);
 }
 
-database::Value fitText(const Column& column, const database::Value& value, bool utf8File) {
-  std::u16string text = automation::toText(value);
+database::Value fitText(const Column& column, database::Value value, bool utf8File) {
+  auto* const given = std::get_if<std::u16string>(&value);
+  std::u16string text = given != nullptr ? std::move(*given) : automation::toText(value);
   if (utf8File && changesInUtf8(text)) fail(number::badValue, column.name);
   return text;
 }
@@ -152,15 +153,15 @@ std::string eventSql(const Table& table, std::string_view sql) {
   return result.append(sql);
 }
 
-database::Value fit(const Column& column, const database::Value& value, bool utf8File) {
+database::Value fit(const Column& column, database::Value value, bool utf8File) {
   if (automation::isNull(value) || automation::isEmpty(value))
     return column.kind == Kind::yesNo ? database::Value(false) : database::Value(automation::Null{});
   try {
     switch (column.kind) {
       case Kind::text:
-        return fitText(column, value, utf8File);
+        return fitText(column, std::move(value), utf8File);
       case Kind::date: {
-        database::Value moment = fitText(column, value, utf8File);
+        database::Value moment = fitText(column, std::move(value), utf8File);
         if (!text::isIsoText(std::get<std::u16string>(moment))) fail(number::badValue, column.name);
         return moment;
       }
@@ -173,7 +174,7 @@ database::Value fit(const Column& column, const database::Value& value, bool utf
       case Kind::other:
         break;
     }
-    if (std::holds_alternative<std::u16string>(value)) return fitText(column, value, utf8File);
+    if (std::holds_alternative<std::u16string>(value)) return fitText(column, std::move(value), utf8File);
     return automation::toDouble(value);
   } catch (const automation::AutomationError&) {
     fail(number::badValue, column.name);

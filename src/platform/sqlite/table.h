@@ -67,7 +67,7 @@ std::optional<EventColumns> findEvents(const Table& table, const database::Event
 std::string eventSql(const Table& table, std::string_view sql);
 
 // `value` as the column keeps it. Throws DatabaseError (badValue).
-database::Value fit(const Column& column, const database::Value& value, bool utf8File);
+database::Value fit(const Column& column, database::Value value, bool utf8File);
 
 // The highest number a column's auto-number may reach.
 std::int64_t limitOf(const Column& column);

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,6 +13,12 @@ namespace vordane::sqlite {
 
 // Below, equal to or above 0. The texts may hold anything, lone surrogates and NULs included.
 int compareTexts(std::u16string_view a, std::u16string_view b);
+// Character by character.
+inline bool isSame(std::u16string_view a, std::u16string_view b) {
+  // The library compares characters of this width one by one.
+  return a.size() == b.size() &&
+         (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0);
+}
 bool equalTexts(std::u16string_view a, std::u16string_view b);
 
 // Appends bytes whose plain byte order is the order of the folded texts: UTF-8, lone surrogates encoded
