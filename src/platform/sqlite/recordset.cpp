@@ -345,6 +345,7 @@ void EmbeddedRecordset::takeBack(std::int64_t key) noexcept {
   connection_.events().undone();
   try {
     if (connection_.damaged()) return connection_.rollback();
+    connection_.events().changing(key);  // the index may have it already
     Statement row(connection_, "DELETE FROM " + plan_.table->quoted + " WHERE rowid = ?");
     row.bind(1, key);
     row.run();
