@@ -1,9 +1,11 @@
 // A statement with its values asks for what its text says, with whatever the values hold: held against the
 // text itself in every engine, whether it runs the text or the values.
 #include <random>
+#include <set>
 
 #include "database/contract.h"
 #include "store/fault_database.h"
+#include "text/text.h"
 
 namespace vordane::database {
 namespace {
@@ -70,7 +72,11 @@ class Met {
 };
 
 void fill(Database& database, Values values) {
-  for (int i = 0; i < 8; ++i) addExchange(database, values.known());
+  std::set<std::u16string> names;  // a server has one exchange of a name
+  for (int i = 0; i < 12; ++i) {
+    const std::u16string name = values.known();
+    if (names.insert(text::toLower(text::trim(name))).second) addExchange(database, name);
+  }
   for (int i = 0; i < 150; ++i)
     addFault(database, {static_cast<std::int16_t>(1 + values.below(3)), values.known(), u"a", u"a", u"a",
                         values.known()});
