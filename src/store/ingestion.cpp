@@ -141,7 +141,7 @@ const std::u16string* Ingestion::findAccessError(std::int32_t group) const {
   for (std::int32_t position = 0; position < groupSize; ++position) {
     const std::u16string& text = list_.FirstData(group * groupSize + position);
     // Most begin with a digit.
-    if (text.size() > 0 && text.front() == accessErrorPrefix.front() && text.starts_with(accessErrorPrefix))
+    if (!text.empty() && text.front() == accessErrorPrefix.front() && text.starts_with(accessErrorPrefix))
       return &text;
   }
   return nullptr;
