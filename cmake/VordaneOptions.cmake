@@ -54,8 +54,11 @@ function(vordane_warnings target)
   if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     return()
   endif()
-  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
-    -Woverloaded-virtual -Wimplicit-fallthrough -Werror)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wnon-virtual-dtor -Woverloaded-virtual
+    -Wimplicit-fallthrough -Werror)
+  if(NOT VORDANE_JOINED)  # there a name of one source seems to hide that of another
+    target_compile_options(${target} PRIVATE -Wshadow)
+  endif()
   # GCC 12 takes a literal joined to a text for overlapping copies (its bug 105651).
   if(CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     target_compile_options(${target} PRIVATE -Wno-restrict)
@@ -72,6 +75,20 @@ if(VORDANE_SHARED)
   # A library uses its own tables, not those that a test program has of the same header.
   add_link_options(-Wl,-Bsymbolic)
 endif()
+
+# The sources of a target are compiled joined, sixteen at a time, since the headers cost more than most sources. Not
+# where each is wanted alone: as it is shipped, which proves that each names what it uses, and for mutations.
+set(VORDANE_JOINED ON)
+if(VORDANE_RELEASE OR VORDANE_SHARED OR VORDANE_FUZZ)
+  set(VORDANE_JOINED OFF)
+endif()
+set(CMAKE_UNITY_BUILD ${VORDANE_JOINED})
+set(CMAKE_UNITY_BUILD_BATCH_SIZE 16)
+
+# vordane_alone(SOURCE ...): sources of this folder with local names that others of their target have too.
+macro(vordane_alone)
+  set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+endmacro()
 
 # What is only tested gets the standard library's headers compiled ahead. What is shipped does not: its sources
 # shall name what they use, and GCC 12's flow warnings misfire on what was compiled ahead.

@@ -17,6 +17,7 @@ import hashlib
 import json
 import os
 import pathlib
+import re
 import shlex
 import subprocess
 import sys
@@ -26,40 +27,49 @@ TOOL = "clang-tidy-14"
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 # Beyond so many sources in a group another start costs less than a processor without work.
 LARGEST_GROUP = 16
+# The files in which the build joins sources.
+JOINED = re.compile(r"/Unity/unity_\d+_cxx\.cxx$")
 
 
 def said_by(command, **more):
     return subprocess.run(command, check=True, capture_output=True, text=True, **more).stdout
 
 
+def sources_of(file):
+    """The sources, relative to the root, that the build compiles with this file: itself, or those that it joins."""
+    joined = re.findall(r'^#include "(.+)"$', pathlib.Path(file).read_text(), re.M) if JOINED.search(file) else [file]
+    return [os.path.relpath(source, ROOT) for source in joined]
+
+
 def commands_of(build):
     """Per source, relative to the root, the compiler's arguments without the source and what is made of it."""
     commands = {}
     for entry in json.loads((build / "compile_commands.json").read_text()):
-        source = os.path.relpath(entry["file"], ROOT)
-        if not source.startswith(("src/", "programs/")):
-            continue
+        sources = [source for source in sources_of(entry["file"]) if source.startswith(("src/", "programs/"))]
         words, kept = iter(shlex.split(entry["command"])[1:]), []
         for word in words:
             if word == "-o":
                 next(words)
             elif word not in ("-c", entry["file"]):
                 kept.append(word)
-        commands[source] = kept
+        for source in sources:
+            commands[source] = kept
     return commands
 
 
 def files_included(build):
     """Per source the files of this house, or made by its build, that it includes."""
-    included, source = collections.defaultdict(set), None
+    included, sources = collections.defaultdict(set), None
     for line in said_by(["ninja", "-C", str(build), "-t", "deps"]).splitlines():
         if not line.startswith(" "):
-            source = None
+            sources = None
             continue
         path = pathlib.Path(os.path.normpath(build / line.strip()))
         if ROOT in path.parents:
-            source = source or str(path.relative_to(ROOT))
-            included[source].add(path)
+            if sources is None:
+                sources = sources_of(str(path))
+            for source in sources:
+                included[source].add(path)
     return included
 
 
@@ -84,8 +94,7 @@ def look(sources, words, options=()):
             joined.write(f'#include "{ROOT / source}"  // NOLINT(bugprone-suspicious-include)\n')
         joined.flush()
         alone = len(sources) == 1
-        # What another source declares at its head does not hide anything in this one.
-        end = words if alone else [*words, "-Wno-shadow", "-ferror-limit=0"]
+        end = words if alone else [*words, "-ferror-limit=0"]
         run = subprocess.run(
             [TOOL, "--quiet", "--warnings-as-errors=*", f"--config-file={ROOT / '.clang-tidy'}", *options,
              str(ROOT / sources[0]) if alone else joined.name, "--", *end],
