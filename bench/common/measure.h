@@ -1,12 +1,15 @@
 // One line of the table that every benchmark prints: a piece of work, its baseline, the median times of both
 // and the ratio of their times or rates, taken run by run, so that a slow moment of the machine weighs on
-// both sides alike.
+// both sides alike. With BENCH_RESULTS in the environment each line is followed by one that programs read: a
+// JSON object with the seconds of every run.
 #pragma once
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <utility>
 #include <vector>
@@ -76,11 +79,18 @@ class Comparison {
                 baseline_.c_str(), time(median(ours_) / units).c_str(),
                 time(median(baselines_) / units).c_str(), isRate() ? "rate" : "time", ratio, *low, *high,
                 verdict(ratio, median(ours_) / units).c_str());
+    if (std::getenv("BENCH_RESULTS") != nullptr) std::printf("%s\n", result(ratios).c_str());
     std::fflush(stdout);
   }
 
  private:
   bool isRate() const { return goal_.kind == Goal::Kind::rateAtLeast; }
+
+  std::string result(const std::vector<double>& ratios) const {
+    return nlohmann::json{{"work", work_},    {"baseline", baseline_}, {"better", isRate() ? "more" : "less"},
+                          {"ratios", ratios}, {"ours", ours_},         {"baselines", baselines_}}
+        .dump();
+  }
 
   static std::string time(double seconds) {
     char text[32];
@@ -99,7 +109,7 @@ class Comparison {
     const bool reached =
         (isRate() ? ratio >= goal_.limit : ratio <= goal_.limit) && (goal_.most == 0 || unit < goal_.most);
     char text[48];
-    std::snprintf(text, sizeof text, "%s %.1f", isRate() ? "at least" : "at most", goal_.limit);
+    std::snprintf(text, sizeof text, "%s %g", isRate() ? "at least" : "at most", goal_.limit);
     return text + (goal_.most == 0 ? std::string() : ", under " + time(goal_.most)) +
            (reached ? ": reached" : ": NOT reached");
   }

@@ -2,7 +2,8 @@
 // statements built, each fault looked up, kept or passed over, the exchange's row stamped, the account made,
 // the grid shown anew. The baseline looks up and inserts with bare prepared statements whose values were all
 // worked out beforehand: same engine, tables, indexes and durability. A second one also reads the keys of the
-// exchange's rows after each list, as a grid needs them.
+// exchange's rows after each list, as a grid needs them. A third one does everything bare: it decodes the
+// answer's texts and works out the keys too, with the same functions, in a plain loop.
 //
 //   ingest_bench [--quick]     a tenth of the faults
 #include <array>
@@ -112,21 +113,30 @@ class Lists {
   void measure() {
     Comparison added("take in 25 new lists", "bare look-up and INSERT", rateAtLeast(0.6));
     Comparison addedAndShown("take in 25 new lists", "look-up, INSERT, keys for the grid", noGoal);
+    Comparison addedFromTexts("take in 25 new lists", "decoding, keys, look-up, INSERT, all bare",
+                              rateAtLeast(0.8));
     Comparison known("take in the same lists again", "bare look-up", rateAtLeast(0.6));
     Comparison knownAndShown("take in the same lists again", "look-up, keys for the grid", noGoal);
+    Comparison knownFromTexts("take in the same lists again", "decoding, keys, look-up, all bare",
+                              rateAtLeast(0.8));
     for (int run = 0; run < runs; ++run) {
-      BenchFile ourFile("ours"), bareFile("bare");
+      BenchFile ourFile("ours"), bareFile("bare"), wholeFile("whole");
       form_.database = ourFile.open();
       store::FaultStore store(form_, form_.around());
       store.setSortFlags();
-      BareStore bare(bareFile.path());
-      compare(takeIn(store), lookUpAndInsert(bare), added, addedAndShown);
-      compare(takeIn(store), lookUp(bare), known, knownAndShown);
+      BareStore bare(bareFile.path()), whole(wholeFile.path());
+      const double adding = takeIn(store);
+      compare(adding, lookUpAndInsert(bare), added, addedAndShown);
+      addedFromTexts.add(adding, fromTexts([&](const auto& rows) { whole.ingest(rows, keysOf(rows)); }));
+      const double knowing = takeIn(store);
+      compare(knowing, lookUp(bare), known, knownAndShown);
+      knownFromTexts.add(knowing, fromTexts([&](const auto& rows) { whole.lookUp(rows, keysOf(rows)); }));
       store.close();
       form_.database.reset();
     }
     const auto all = static_cast<double>(lists * faultsInList);
-    for (const Comparison* comparison : {&added, &addedAndShown, &known, &knownAndShown})
+    for (const Comparison* comparison :
+         {&added, &addedAndShown, &addedFromTexts, &known, &knownAndShown, &knownFromTexts})
       comparison->print(all);
   }
 
@@ -155,6 +165,12 @@ class Lists {
       time.loop += processorSeconds([&] { step(i); });
       time.keys += processorSeconds([&] { bare.scanKeys(1); });
     }
+    return time;
+  }
+  template <class Step>
+  double fromTexts(Step step) {
+    double time = 0;
+    for (const Answer& answer : answers_) time += processorSeconds([&] { step(rowsOf(form_, answer)); });
     return time;
   }
   BareTime lookUpAndInsert(BareStore& bare) {
