@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "common/measure.h"
-#include "common/texts.h"
+#include "bench/common/measure.h"
+#include "bench/common/texts.h"
 #include "faults/cFaultDisplay.h"
 #include "faults/kind_table.h"
 #include "faults/random_records.h"

@@ -12,13 +12,13 @@
 #include <string>
 #include <vector>
 
-#include "common/measure.h"
-#include "common/texts.h"
+#include "bench/common/measure.h"
+#include "bench/common/texts.h"
+#include "bench/store/bare_store.h"
 #include "fakes/memory_store_form.h"
 #include "faults/random_records.h"
 #include "platform/sqlite/engine.h"
 #include "startup/databases.h"
-#include "store/bare_store.h"
 #include "store/fault_database.h"
 #include "store/fault_record.h"
 #include "store/fault_store.h"

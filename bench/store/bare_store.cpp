@@ -1,4 +1,4 @@
-#include "store/bare_store.h"
+#include "bench/store/bare_store.h"
 
 #include <sqlite3.h>
 

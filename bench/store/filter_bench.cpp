@@ -1,9 +1,9 @@
-#include "store/filter_bench.h"
+#include "bench/store/filter_bench.h"
 
 #include <algorithm>
 #include <stdexcept>
 
-#include "common/measure.h"
+#include "bench/common/measure.h"
 #include "list/desk.h"
 #include "list/flood_digest.h"
 #include "platform/grid_columns.h"

@@ -4,8 +4,8 @@
 #include <functional>
 #include <string>
 
+#include "bench/store/bare_store.h"
 #include "platform/database.h"
-#include "store/bare_store.h"
 
 namespace vordane::bench {
 

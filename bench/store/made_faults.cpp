@@ -1,4 +1,4 @@
-#include "store/made_faults.h"
+#include "bench/store/made_faults.h"
 
 #include <cstdio>
 #include <random>

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "bench/store/bare_store.h"
 #include "platform/database.h"
-#include "store/bare_store.h"
 
 namespace vordane::bench {
 

@@ -6,10 +6,10 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "bench/store/made_faults.h"
 #include "platform/sqlite/engine.h"
 #include "startup/databases.h"
 #include "store/fault_database.h"
-#include "store/made_faults.h"
 #include "text/utf8.h"
 #include "tools/sqlite/database_writer.h"
 

@@ -9,13 +9,13 @@
 #include <optional>
 #include <random>
 
-#include "common/measure.h"
+#include "bench/common/measure.h"
+#include "bench/store/bare_store.h"
+#include "bench/store/filter_bench.h"
+#include "bench/store/made_faults.h"
 #include "platform/sqlite/engine.h"
 #include "startup/databases.h"
-#include "store/bare_store.h"
 #include "store/fault_database.h"
-#include "store/filter_bench.h"
-#include "store/made_faults.h"
 #include "tools/sqlite/database_writer.h"
 
 namespace vordane::bench {

@@ -12,11 +12,11 @@
 #include <stdexcept>
 #include <string>
 
-#include "common/measure.h"
+#include "bench/common/measure.h"
+#include "bench/windows/trivial_server.h"
 #include "pbx/answer_reading.h"
 #include "platform/windows/com/apartment.h"
 #include "platform/windows/com/objects.h"
-#include "windows/trivial_server.h"
 
 namespace vordane::bench {
 namespace {

@@ -5,7 +5,7 @@
 
 #include <oleauto.h>
 
-#include "windows/trivial_server.h"
+#include "bench/windows/trivial_server.h"
 
 namespace {
 

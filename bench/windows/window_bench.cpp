@@ -11,7 +11,7 @@
 #include <filesystem>
 #include <string>
 
-#include "common/measure.h"
+#include "bench/common/measure.h"
 #include "platform/sqlite/engine.h"
 #include "platform/windows/window/children.h"
 #include "platform/windows/window/win32_view.h"

@@ -13,8 +13,8 @@ packages=(
   mdbtools mdbtools-dev libglib2.0-dev libseccomp-dev pkg-config
   # testing; clang builds what is sanitized, and looks at the form of every file and for mistakes
   googletest libgtest-dev libgmock-dev clang libclang-rt-14-dev clang-format-14 clang-tidy-14
-  # a server for the tests of the shared store, made and removed by each of them, and the driver for it
-  postgresql-15 odbc-postgresql
+  # a server for the tests of the shared store, made and removed by each of them, and the driver for it with its manager
+  postgresql-15 odbc-postgresql libodbc2
   # what other systems are given is held against its schema by somebody else's validator
   python3 python3-jsonschema curl
   # libraries that are headers alone
