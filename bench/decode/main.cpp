@@ -105,7 +105,7 @@ int main() {
   bench::Comparison warm("", "", bench::noGoal);
   decoding.measure(warm);
   bench::Comparison comparison("decode a fault, every kind alike", "appending the ready-made pieces",
-                               bench::rateAtLeast(0.5));
+                               bench::rateAtLeast(0.75));
   for (int run = 0; run < faults::runs; ++run) decoding.measure(comparison);
   comparison.print(faults::recordCount);
 }
