@@ -17,7 +17,7 @@ class EventCounts {
  public:
   explicit EventCounts(Connection& connection) : connection_(connection) {}
 
-  // Outside a transaction; nothing for an owner that has no row there. Throws DatabaseError, as all below.
+  // As of the last commit; nothing for an owner that has no row there. Throws DatabaseError, as all below.
   std::optional<std::int64_t> of(std::int64_t owner);
 
   // Inside the transaction that changes the index: so many events more, or fewer. Told before the index is

@@ -292,8 +292,7 @@ std::vector<std::int64_t> EventIndex::allNewestFirst() {
 }
 
 std::optional<std::int64_t> EventIndex::count(std::int64_t owner) {
-  if (!counted_ || countsWrong_ || connection_.inTransaction()) return {};
-  return counts_.of(owner);
+  return counted_ && !countsWrong_ ? counts_.of(owner) : std::nullopt;
 }
 
 SharedKeys EventIndex::ordered(std::int64_t owner, const EventOrder& order) {
@@ -312,6 +311,16 @@ SharedKeys EventIndex::orderedByTime(std::int64_t owner) {
   if (events.beyondKeys()) return {};
   byTime_.keep(owner, changes, events.byTime(), events.lastMoment());
   return byTime_.of(owner, changes);
+}
+
+bool EventIndex::isOrderKept(std::int64_t owner) {
+  return byTime_.of(owner, connection_.tables().changesByOthers()) != nullptr;
+}
+
+SharedKeys EventIndex::keepOrder(std::int64_t owner, std::int64_t version, std::vector<std::uint32_t> keys,
+                                 std::string lastMoment) {
+  byTime_.keep(owner, version, std::move(keys), std::move(lastMoment));
+  return byTime_.of(owner, version);
 }
 
 void EventIndex::added(std::int64_t key, std::optional<std::int64_t> owner, const EventTexts& texts) {

@@ -54,9 +54,14 @@ class EventIndex {
   // Keys of an owner's rows, ascending in this order; null when one of them is below 0 or has more than 32
   // bits, and only the table itself can tell.
   SharedKeys ordered(std::int64_t owner, const EventOrder& order);
+  // Whether the owner's order of time is known without reading it.
+  bool isOrderKept(std::int64_t owner);
+  // It was read: kept from now on, as TimeOrder::keep.
+  SharedKeys keepOrder(std::int64_t owner, std::int64_t version, std::vector<std::uint32_t> keys,
+                       std::string lastMoment);
 
-  // How many events an owner has; nothing inside a transaction, and where the file does not tell. The index
-  // must be usable.
+  // How many events an owner has; nothing where the file does not tell. Not while something is being changed.
+  // The index must be usable.
   std::optional<std::int64_t> count(std::int64_t owner);
   // A count was not what it said: what is kept of them does not hold until they are counted again.
   void countsAreWrong() noexcept { countsWrong_ = true; }
