@@ -139,6 +139,7 @@ void measureScrolling(const std::u16string& path) {
       u"Desc, "
       u"[CPU] Desc, [Description] Desc",
       columns);
+  while (!rows->isRead()) rows->readOn();
   StoredRows stored(*rows);
   ReadyRows ready(*rows);
   Window window;

@@ -1,6 +1,7 @@
 #include "list/desk.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "text/text.h"
 
@@ -15,6 +16,8 @@ constexpr std::size_t rowsSurveyed = 4096, groupsNamed = 16, rowsSifted = 16384,
 void Desk::setStored(window::GridSource* rows, const std::optional<std::u16string>& exchange) {
   stored_ = rows;
   exchange_ = rows == nullptr ? std::nullopt : exchange;
+  unread_ = list() != nullptr && !list()->isRead();
+  saidSize_ = storedSize();
   forget();
   applied_ = {};
   const auto kept = exchange_ ? kept_.find(*exchange_) : kept_.end();
@@ -61,7 +64,8 @@ void Desk::giveUp() {
 }
 
 bool Desk::busy() const {
-  return stored_ != nullptr && exchange_ && (choosing_ || (factsWanted_ && !factsKnown_ && failure_.empty()));
+  return stored_ != nullptr && exchange_ &&
+         (unread_ || choosing_ || (factsWanted_ && !factsKnown_ && failure_.empty()));
 }
 
 bool Desk::needsFacts() const {
@@ -78,8 +82,10 @@ Desk::Did Desk::work(const std::function<bool()>& again) {
     do {
       did.worked = true;
       piece(*rows, did);
-    } while (busy() && again());
+    } while (busy() && !did.resized && again());
   } catch (const database::DatabaseError& error) {
+    // Whoever needs the rows asks for them, and learns why.
+    if (std::exchange(unread_, false)) return did;
     giveUp();
     survey_.reset();
     facts_.reset();
@@ -89,7 +95,14 @@ Desk::Did Desk::work(const std::function<bool()>& again) {
   return did;
 }
 
+void Desk::readOn(database::RowList& rows, Did& did) {
+  rows.readOn();
+  unread_ = !rows.isRead();
+  did.resized = !unread_ && storedSize() != saidSize_;
+}
+
 void Desk::piece(database::RowList& rows, Did& did) {
+  if (unread_) return readOn(rows, did);
   if (choosing_ && !isOn(filter_)) return complete(did);
   surveyFirst() ? survey(rows, did) : choose(rows, did);
 }

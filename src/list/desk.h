@@ -37,9 +37,12 @@ class Desk final : public window::GridSource {
 
   // --- the work
   bool busy() const;
+  // A long list whose rows are not all read yet; that goes before everything else.
+  bool reading() const { return stored_ != nullptr && exchange_ && unread_; }
   bool choosing() const { return choosing_; }
   struct Did {
     bool worked = false, facts = false, shown = false;  // the facts are known, other rows are shown
+    bool resized = false;  // there are not as many stored rows as was said: they are to be set anew
   };
   // Goes on while `again` says so, one piece at least. Never throws: an error of the database gives up what
   // was begun, and `failure` holds the engine's text.
@@ -78,12 +81,15 @@ class Desk final : public window::GridSource {
   void begin();
   bool surveyFirst() const { return !factsKnown_ && (factsWanted_ || (choosing_ && needsFacts())); }
   bool needsFacts() const;
+  void readOn(database::RowList& rows, Did& did);
   void piece(database::RowList& rows, Did& did);
   void survey(database::RowList& rows, Did& did);
   void choose(database::RowList& rows, Did& did);
   void complete(Did& did);
 
   window::GridSource* stored_ = nullptr;
+  bool unread_ = false;
+  std::size_t saidSize_ = 0;  // of the stored rows, when they came
   std::optional<std::u16string> exchange_;
   std::map<std::u16string, Filter> kept_;
   Filter filter_, applied_;  // what is asked for, and what the rows shown follow

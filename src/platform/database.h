@@ -65,6 +65,14 @@ class RowList {
  public:
   virtual ~RowList() = default;
   virtual std::size_t size() const = 0;
+
+  // A long list may be there before all of it is read. What is not read yet is read when somebody asks for it
+  // below, which takes its time; `readOn` does a piece of a few milliseconds beforehand and holds nothing of
+  // the file afterwards. `size` is right from the beginning, but for a file that was wrong about it: then it
+  // changes when all is read. Rows keep their positions.
+  virtual bool isRead() const { return true; }
+  virtual void readOn() {}
+
   // The columns of row `position`, in the order of `columns` as they were given to openRowList; nothing
   // when the row has gone since.
   virtual bool fetch(std::size_t position, std::vector<Value>& out) = 0;

@@ -177,7 +177,7 @@ class Killed : public testing::Test {
     EXPECT_LE(found, 1U);
     return found;
   }
-  // The index, where there is one already, holds each row of the table and no other.
+  // The index, where there is one already, holds each row of the table and no other, and the counts say so.
   static void expectIndex(RawFile& raw) {
     if (raw.rows("SELECT 1 FROM sqlite_schema WHERE name = 'VordaneFaultIndex'").empty()) return;
     EXPECT_EQ(raw.rows("SELECT ID, Count FROM FaultDisplay EXCEPT SELECT ID, Count FROM VordaneFaultIndex"),
@@ -185,6 +185,8 @@ class Killed : public testing::Test {
     EXPECT_EQ(
         raw.rows("SELECT (SELECT count(*) FROM VordaneFaultIndex) - (SELECT count(*) FROM FaultDisplay)"),
         (std::vector<Row>{{u"0"}}));
+    EXPECT_EQ(raw.rows("SELECT ID, count(*) FROM FaultDisplay GROUP BY ID"),
+              raw.rows("SELECT ID, Faults FROM VordaneFaultCounts ORDER BY ID"));
   }
 
   // The list that was cut short comes again: only what is missing is new.

@@ -139,7 +139,7 @@ TEST_F(FaultIndexTest, AnIndexOfAnotherShapeIsMadeAnew) {
     const auto database = open();
     EXPECT_TRUE(isStored(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01"})) << change;
     expectTheGridAsTheStatement(*database, 1);
-    EXPECT_EQ(OtherTool(path_).run("SELECT Version FROM VordaneIndexState"), "2\n") << change;
+    EXPECT_EQ(OtherTool(path_).run("SELECT Version FROM VordaneIndexState"), "3\n") << change;
   }
 }
 

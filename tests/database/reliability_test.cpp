@@ -61,7 +61,7 @@ std::string check(const std::u16string& path, const char* sql = "PRAGMA integrit
   return out;
 }
 
-// The index holds each row of the table and no other.
+// The index holds each row of the table and no other, and the counts say so.
 void expectWhole(const std::u16string& path) {
   EXPECT_EQ(check(path), "ok");
   EXPECT_EQ(
@@ -72,6 +72,15 @@ void expectWhole(const std::u16string& path) {
   EXPECT_EQ(
       check(path, "SELECT (SELECT count(*) FROM VordaneFaultIndex) - (SELECT count(*) FROM FaultDisplay)"),
       "0");
+  EXPECT_EQ(
+      check(path,
+            "SELECT count(*) FROM (SELECT ID, count(*) FROM VordaneFaultIndex GROUP BY ID EXCEPT SELECT "
+            "ID, Faults FROM VordaneFaultCounts)"),
+      "0");
+  EXPECT_EQ(check(path,
+                  "SELECT coalesce((SELECT sum(Faults) FROM VordaneFaultCounts), 0) - (SELECT count(*) FROM "
+                  "VordaneFaultIndex)"),
+            "0");
   EXPECT_EQ(check(path, "SELECT count(*) FROM FaultDisplay WHERE Fault IS NULL OR Description IS NULL"), "0");
 }
 

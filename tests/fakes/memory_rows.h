@@ -46,7 +46,16 @@ class MemoryRows final : public window::GridSource, public database::RowList {
     return true;
   }
 
+  bool isRead() const override { return unread == 0; }
+  void readOn() override {
+    if (failReadingOn) throw database::DatabaseError(3260, u"locked");
+    if (unread > 0 && --unread == 0 && sizeWhenRead) rows.resize(*sizeWhenRead);
+  }
+
   std::vector<MemoryRow> rows;
+  std::size_t unread = 0;  // pieces
+  bool failReadingOn = false;
+  std::optional<std::size_t> sizeWhenRead;
   bool held = false;  // a long step runs
   std::size_t fetched = 0;
   std::optional<std::size_t> failAtFetch;

@@ -279,6 +279,98 @@ TEST_F(DeskTest, ARowThatIsHiddenIsStoodInForByTheNextOne) {
   EXPECT_EQ(desk.shownPosition(2), std::nullopt);
 }
 
+// --- a long list that is not read yet
+
+TEST_F(DeskTest, ALongListIsReadOnAPieceForEachMessage) {
+  rows.unread = 3;
+  show(std::vector<MemoryRow>(10));
+  EXPECT_TRUE(desk.busy());
+  EXPECT_TRUE(desk.reading());
+  EXPECT_EQ(desk.size(), 10U);
+  for (const std::size_t left : {2, 1, 0}) {
+    const Desk::Did did = desk.work([] { return false; });
+    EXPECT_TRUE(did.worked);
+    EXPECT_FALSE(did.shown || did.facts || did.resized);
+    EXPECT_EQ(rows.unread, left);
+    EXPECT_EQ(desk.reading(), left > 0);
+  }
+  EXPECT_FALSE(desk.busy());
+  EXPECT_EQ(rows.fetched, 0U);
+}
+
+TEST_F(DeskTest, AFilterBeginsWhenAllIsRead) {
+  rows.unread = 2;
+  show({{u"K1"}, {u"K2"}, {u"K1"}});
+  desk.setFilter(ofText(u"K2"));
+  desk.work([] { return false; });
+  desk.work([] { return false; });
+  EXPECT_FALSE(desk.reading());
+  EXPECT_EQ(rows.fetched, 0U);
+  EXPECT_THAT(shown(), ElementsAre(0, 1, 2));
+  finish();
+  EXPECT_THAT(shown(), ElementsAre(1));
+}
+
+TEST_F(DeskTest, OtherRowsGiveUpTheReading) {
+  rows.unread = 5;
+  show({{u"K1"}, {u"K2"}});
+  desk.work([] { return false; });
+  rows.unread = 0;
+  show({{u"K1"}, {u"K2"}, {u"K3"}});
+  EXPECT_FALSE(desk.busy());
+  EXPECT_EQ(desk.size(), 3U);
+}
+
+TEST_F(DeskTest, WhereNobodyLooksNothingIsReadOn) {
+  rows.unread = 5;
+  rows.rows.resize(3);
+  desk.setStored(&rows, std::nullopt);
+  EXPECT_FALSE(desk.busy());
+  EXPECT_FALSE(desk.reading());
+  EXPECT_FALSE(desk.work([] { return true; }).worked);
+  EXPECT_EQ(rows.unread, 5U);
+}
+
+TEST_F(DeskTest, ReadingRestsWhileALongStepHoldsTheRows) {
+  rows.unread = 2;
+  show({{u"K1"}, {u"K2"}});
+  rows.held = true;
+  EXPECT_FALSE(desk.work([] { return true; }).worked);
+  EXPECT_TRUE(desk.busy());
+  rows.held = false;
+  finish();
+  EXPECT_EQ(rows.unread, 0U);
+}
+
+TEST_F(DeskTest, AReadingThatFailsIsLeftToWhoeverNeedsTheRows) {
+  rows.unread = 5;
+  rows.failReadingOn = true;
+  show({{u"K1"}, {u"K2"}});
+  desk.setFilter(ofText(u"K2"));
+  finish();
+  EXPECT_EQ(rows.unread, 5U) << "not tried again and again";
+  EXPECT_EQ(desk.failure(), u"");
+  EXPECT_THAT(shown(), ElementsAre(1));
+}
+
+TEST_F(DeskTest, RowsThatTurnOutToBeMoreOrFewerAreTold) {
+  for (const std::size_t found : {2U, 7U}) {
+    rows.unread = 2;
+    rows.sizeWhenRead = found;
+    show(std::vector<MemoryRow>(5));
+    desk.setFilter(ofText(u"text"));
+    EXPECT_FALSE(desk.work([] { return false; }).resized);
+    EXPECT_TRUE(desk.work([] { return true; }).resized) << "and nothing goes on with the former number";
+    EXPECT_EQ(rows.fetched, 0U);
+    desk.setStored(&rows, u"PBX-1");
+    finish();
+    EXPECT_EQ(desk.size(), found);
+    desk.setFilter({});
+    finish();
+    rows.fetched = 0;
+  }
+}
+
 // --- against a plain loop
 
 class Dice {

@@ -22,6 +22,7 @@ Connection::Connection(Handle handle, bool readOnly, const Options& options,
       descriptions_(descriptions),
       readOnly_(readOnly),
       lockWaitMilliseconds_(options.lockWaitMilliseconds),
+      rowsReadAtOnce_(options.rowsReadAtOnce),
       longestUnsaved_(options.longestUnsavedMilliseconds) {
   const auto waiting = [](void* self, int tries) { return int{static_cast<Connection*>(self)->wait(tries)}; };
   sqlite3_busy_handler(handle_.get(), waiting, this);
@@ -190,6 +191,11 @@ void Connection::rollback() noexcept {
   if (inTransaction()) sqlite3_exec(handle_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
 }
 
+// Nothing was changed, and what is remembered holds.
+void Connection::endReading() noexcept {
+  if (inTransaction()) sqlite3_exec(handle_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
 void Connection::beginBatch() {
   if (inBatch_) fail(number::invalidOperation);
   tables_->follow();
@@ -255,7 +261,7 @@ ReadScope::ReadScope(Connection& connection) {
 }
 
 ReadScope::~ReadScope() {
-  if (connection_ != nullptr) connection_->rollback();
+  if (connection_ != nullptr) connection_->endReading();
 }
 
 WriteScope::WriteScope(Connection& connection, Undo undo)

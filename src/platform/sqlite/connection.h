@@ -54,6 +54,7 @@ class Connection {
   sqlite3* handle() const { return handle_.get(); }
   bool readOnly() const { return readOnly_; }
   bool utf8() const { return utf8_; }
+  std::size_t rowsReadAtOnce() const { return rowsReadAtOnce_; }
   EventIndex& events() { return *events_; }
   // Which of the file's tables holds events, by name; null: none is described.
   const database::EventTable* eventTable() const { return eventsOf(descriptions_); }
@@ -108,6 +109,8 @@ class Connection {
 
  private:
   friend class WriteScope;
+  friend class ReadScope;
+  void endReading() noexcept;
   void undoStep() noexcept;
   int authorize(int action, const char* first, const char* second) const noexcept;
   void finishReaders();
@@ -127,6 +130,7 @@ class Connection {
   bool maintaining_ = true;  // opening counts as maintenance
   int depth_ = 0;            // of steps within steps
   int lockWaitMilliseconds_;
+  std::size_t rowsReadAtOnce_;
   std::chrono::milliseconds longestUnsaved_;
   std::chrono::steady_clock::time_point begun_;
   std::chrono::steady_clock::time_point waitingSince_;

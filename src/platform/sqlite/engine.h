@@ -19,6 +19,9 @@ struct Options {
   int lockWaitMilliseconds = 5000;
   // A batch that has held changes for this long is saved in between.
   int longestUnsavedMilliseconds = 500;
+  // An exchange with more faults is shown when so many rows of it are read. The others follow, four times as
+  // many at a time.
+  std::size_t rowsReadAtOnce = 1024;
   // The name of the operating-system layer, for tests that let it fail; empty: the default one.
   std::string fileLayer = {};
 };

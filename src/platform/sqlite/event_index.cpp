@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <span>
 #include <utility>
 
 #include "platform/sqlite/errors.h"
@@ -11,7 +12,7 @@
 namespace vordane::sqlite {
 namespace {
 
-constexpr int version = 2;
+constexpr int version = 3, withoutCounts = 2;
 // Where a row without a number for an owner stands: no statement can ask for it.
 constexpr std::int64_t noOwner = -4294967296;
 
@@ -40,12 +41,30 @@ constexpr OwnObject ownObjects[] = {
      "CREATE TRIGGER VordaneFaultDeleted AFTER DELETE ON {table} BEGIN "
      "UPDATE VordaneIndexState SET Stale = 1 WHERE Stale = 0; END"},
 };
+constexpr OwnObject ownCounts = {
+    "table", "VordaneFaultCounts",
+    "CREATE TABLE VordaneFaultCounts (ID INTEGER PRIMARY KEY, Faults INTEGER NOT NULL)"};
 
 std::string sqlOf(const OwnObject& own, const database::EventTable& events) {
   constexpr std::string_view mark = "{table}";
   std::string sql = own.sql;
   const auto at = sql.find(mark);
   return at == sql.npos ? sql : sql.replace(at, mark.size(), text::toUtf8(events.table));
+}
+
+// What an earlier version or somebody else has left under the names gives way.
+void makeOwn(Connection& connection, std::span<const OwnObject> objects) {
+  std::string changes;
+  Statement left(connection, "SELECT type, name FROM sqlite_schema WHERE lower(name) = lower(?)");
+  for (const OwnObject& own : objects) {
+    const std::u16string name = text::fromUtf8(own.name);
+    left.bindText(1, name);
+    const Running running(left);
+    while (left.step())
+      changes += "DROP " + text::toUtf8(left.text(0)) + " IF EXISTS " + quote(left.text(1)) + ";";
+  }
+  for (const OwnObject& own : objects) changes += sqlOf(own, *connection.eventTable()) + ";";
+  connection.runMaintenance(changes.c_str());
 }
 
 // An event's row of the index, from the table itself; the first four columns are its key.
@@ -63,7 +82,7 @@ std::string addEvents() {
 }  // namespace
 
 EventIndex::EventIndex(Connection& connection)
-    : connection_(connection), expected_(connection), byDescription_(connection) {
+    : connection_(connection), counts_(connection), expected_(connection), byDescription_(connection) {
   registerEventFunctions(connection);
   registerCollect(connection, collecting_);
   findTable();
@@ -98,11 +117,11 @@ Statement& EventIndex::prepared(Statement& statement, std::string_view sql) {
 }
 
 // The index as this version makes it, and nothing else under its names.
-bool EventIndex::isPresent() {
+EventIndex::Present EventIndex::lookForOwn() {
   Statement objects(connection_,
                     "SELECT count(*), sum(type = ?1 AND name = ?2 AND sql = ?3) FROM sqlite_schema WHERE "
                     "lower(name) = lower(?2)");
-  return std::all_of(std::begin(ownObjects), std::end(ownObjects), [&](const OwnObject& own) {
+  const auto isThere = [&](const OwnObject& own) {
     const std::u16string type = text::fromUtf8(own.type), name = text::fromUtf8(own.name),
                          sql = text::fromUtf8(sqlOf(own, *connection_.eventTable()));
     objects.bindText(1, type);
@@ -110,13 +129,14 @@ bool EventIndex::isPresent() {
     objects.bindText(3, sql);
     const Running running(objects);
     return objects.step() && objects.integer(0) == 1 && objects.integer(1) == 1;
-  });
+  };
+  if (!std::all_of(std::begin(ownObjects), std::end(ownObjects), isThere)) return Present::no;
+  return isThere(ownCounts) ? Present::whole : Present::withoutCounts;
 }
 
-// True when the state says that the index is good.
-bool EventIndex::readState() {
-  if (!present_) present_ = isPresent();
-  if (!*present_) return false;
+EventIndex::State EventIndex::readState() {
+  if (!present_) present_ = lookForOwn();
+  if (*present_ == Present::no) return State::bad;
   const bool pending = connection_.inTransaction() && touched_;
   Statement& state =
       prepared(state_,
@@ -124,73 +144,78 @@ bool EventIndex::readState() {
                "sqlite_sequence WHERE name = ?1) FROM VordaneIndexState");
   const Running running(state);
   state.bindText(1, table_->name);
-  if (!state.step()) return false;
-  const bool good =
-      state.integer(0) == version && state.integer(1) == 0 && (pending || state.integer(4) != 0);
-  if (pending && newestChanged_) return good;
-  newest_ = {!state.isNull(3), std::string(state.blob(2)), {}};
-  if (!state.isNull(2)) newest_.key = state.integer(3);
-  newestChanged_ = false;
-  return good;
+  if (!state.step()) return State::bad;
+  const auto made = state.integer(0);
+  const bool good = (made == version || made == withoutCounts) && state.integer(1) == 0 &&
+                    (pending || state.integer(4) != 0);
+  if (!pending || !newestChanged_) {
+    newest_ = {!state.isNull(3), std::string(state.blob(2)), {}};
+    if (!state.isNull(2)) newest_.key = state.integer(3);
+    newestChanged_ = false;
+  }
+  if (!good) return State::bad;
+  return made == version && *present_ == Present::whole && !countsWrong_ ? State::good : State::uncounted;
 }
 
+// A file that is only read may do without the counts.
 bool EventIndex::usable() {
   if (connection_.inTransaction() && checked_) return true;
   connection_.beforeRead();
   follow();
   if (!table_) return false;
-  bool good = readState();
-  if (!good && !connection_.readOnly()) {
+  State state = readState();
+  if (state != State::good && !connection_.readOnly()) {
     repair();
-    good = true;
+    state = State::good;
   }
-  checked_ = good && connection_.inTransaction();
-  return good;
+  counted_ = state == State::good;
+  checked_ = state != State::bad && connection_.inTransaction();
+  return state != State::bad;
 }
 
 void EventIndex::repair() {
   WriteScope write(connection_);
-  present_ = isPresent();  // another process may have been quicker
-  if (!*present_) create();
-  if (!readState()) rebuild();
+  present_ = lookForOwn();  // another process may have been quicker
+  if (*present_ == Present::no) create();
+  if (*present_ == Present::withoutCounts) createCounts();
+  const State state = readState();
+  if (state == State::bad) rebuild();
+  if (state == State::uncounted) countAnew();
   write.done();
 }
 
 void EventIndex::create() {
   madeAnew_ = true;
-  removeOwn();
-  for (const OwnObject& own : ownObjects)
-    connection_.runMaintenance(sqlOf(own, *connection_.eventTable()).c_str());
-  connection_.runMaintenance("INSERT INTO VordaneIndexState(Version, Stale) VALUES (2, 1)");
-  present_ = true;
+  makeOwn(connection_, ownObjects);
+  connection_.runMaintenance("INSERT INTO VordaneIndexState(Version, Stale) VALUES (3, 1)");
+  present_ = Present::withoutCounts;
 }
 
-// What an earlier version or somebody else has left under the names of the index.
-void EventIndex::removeOwn() {
-  std::string removals;
-  {
-    Statement left(connection_, "SELECT type, name FROM sqlite_schema WHERE lower(name) = lower(?)");
-    for (const OwnObject& own : ownObjects) {
-      const std::u16string name = text::fromUtf8(own.name);
-      left.bindText(1, name);
-      const Running running(left);
-      while (left.step())
-        removals += "DROP " + text::toUtf8(left.text(0)) + " IF EXISTS " + quote(left.text(1)) + ";";
-    }
-  }
-  connection_.runMaintenance(removals.c_str());
+void EventIndex::createCounts() {
+  madeAnew_ = true;
+  makeOwn(connection_, {&ownCounts, 1});
+  connection_.run("UPDATE VordaneIndexState SET Version = 2 WHERE Version = 3");  // they are to be filled yet
+  present_ = Present::whole;
+}
+
+void EventIndex::countAnew() {
+  counts_.countAll();
+  connection_.run("UPDATE VordaneIndexState SET Version = 3");
+  countsWrong_ = false;
 }
 
 void EventIndex::rebuild() {
   madeAnew_ = touched_ = true;
   connection_.run("DELETE FROM VordaneFaultIndex");
   connection_.run(eventSql(*table_, addEvents() + " ORDER BY 1, 2, 3, 4").c_str());
-  connection_.run("UPDATE VordaneIndexState SET Version = 2, Stale = 0");
+  connection_.run("UPDATE VordaneIndexState SET Stale = 0");
+  countAnew();
   forgetRead();
 }
 
 void EventIndex::transactionBegan() noexcept {
   checked_ = madeAnew_ = touched_ = newestChanged_ = false;
+  counts_.transactionBegan();
   expected_.forget();
 }
 
@@ -204,6 +229,7 @@ void EventIndex::forgetRead() noexcept {
 
 void EventIndex::undone() noexcept {
   forgetRead();
+  counts_.undone();
   if (connection_.inTransaction() && !madeAnew_) return;
   // The index itself may be among what was taken back.
   checked_ = false;
@@ -265,6 +291,10 @@ std::vector<std::int64_t> EventIndex::allNewestFirst() {
   return keys;
 }
 
+std::optional<std::int64_t> EventIndex::count(std::int64_t owner) {
+  return counted_ && !countsWrong_ ? counts_.of(owner) : std::nullopt;
+}
+
 SharedKeys EventIndex::ordered(std::int64_t owner, const EventOrder& order) {
   if (order.isOfTime()) return orderedByTime(owner);
   byTime_.forget();  // one order of a million events at a time
@@ -283,8 +313,19 @@ SharedKeys EventIndex::orderedByTime(std::int64_t owner) {
   return byTime_.of(owner, changes);
 }
 
+bool EventIndex::isOrderKept(std::int64_t owner) {
+  return byTime_.of(owner, connection_.tables().changesByOthers()) != nullptr;
+}
+
+SharedKeys EventIndex::keepOrder(std::int64_t owner, std::int64_t version, std::vector<std::uint32_t> keys,
+                                 std::string lastMoment) {
+  byTime_.keep(owner, version, std::move(keys), std::move(lastMoment));
+  return byTime_.of(owner, version);
+}
+
 void EventIndex::added(std::int64_t key, std::optional<std::int64_t> owner, const EventTexts& texts) {
   const std::int64_t ownerKey = owner.value_or(noOwner);
+  counts_.changed(ownerKey, 1);
   const auto asked = expected_.lastAsked(ownerKey, texts);
   if (!asked) expected_.forget();
   kindKey_.clear();
@@ -309,18 +350,20 @@ void EventIndex::added(std::int64_t key, std::optional<std::int64_t> owner, cons
 
 void EventIndex::changing(std::int64_t key) {
   static const std::string sql = "DELETE FROM VordaneFaultIndex WHERE (ID, Moment, Hash, Count) = (SELECT " +
-                                 keyOfEvent() + " FROM {table} WHERE {key} = ?)";
+                                 keyOfEvent() + " FROM {table} WHERE {key} = ?) RETURNING ID";
   Statement& remove = prepared(remove_, sql);
+  const Running running(remove);
   remove.bind(1, key);
-  remove.run();
+  while (remove.step()) counts_.changed(remove.integer(0), -1);
   forgetRead();
 }
 
 void EventIndex::changed(std::int64_t key) {
-  static const std::string sql = addEvents() + " WHERE {key} = ?";
+  static const std::string sql = addEvents() + " WHERE {key} = ? RETURNING ID";
   Statement& insert = prepared(read_, sql);
+  const Running running(insert);
   insert.bind(1, key);
-  insert.run();
+  while (insert.step()) counts_.changed(insert.integer(0), 1);
 }
 
 void EventIndex::removeOwner(std::int64_t owner) {
@@ -329,6 +372,7 @@ void EventIndex::removeOwner(std::int64_t owner) {
   all.step();
   const auto of = static_cast<std::size_t>(all.integer(0));
   all.reset();
+  counts_.countAnew(owner);
   removeRows(owner, of);
   Statement entries(connection_, "DELETE FROM VordaneFaultIndex WHERE ID = ?");
   entries.bind(1, owner);
@@ -353,6 +397,7 @@ void EventIndex::removeRows(std::int64_t owner, std::size_t of) {
 }
 
 void EventIndex::beforeCommit() {
+  counts_.beforeCommit();
   if (!newestChanged_ && !touched_) return;
   if (!newest_.known) findNewest();
   Statement update(

@@ -8,6 +8,7 @@
 //                      anew before it is used again. This engine switches triggers off for itself.
 //                      LastCount is the last key that was given when the index was last good: whoever adds
 //                      with triggers off is found by it.
+//   VordaneFaultCounts how many events each owner has (event_counts.h)
 //
 // A table that is not declared as this system's own files declare it is answered from the table alone.
 #pragma once
@@ -21,6 +22,7 @@
 
 #include "platform/sqlite/connection.h"
 #include "platform/sqlite/description_order.h"
+#include "platform/sqlite/event_counts.h"
 #include "platform/sqlite/event_keys.h"
 #include "platform/sqlite/event_orders.h"
 #include "platform/sqlite/expected_events.h"
@@ -52,6 +54,17 @@ class EventIndex {
   // Keys of an owner's rows, ascending in this order; null when one of them is below 0 or has more than 32
   // bits, and only the table itself can tell.
   SharedKeys ordered(std::int64_t owner, const EventOrder& order);
+  // Whether the owner's order of time is known without reading it.
+  bool isOrderKept(std::int64_t owner);
+  // It was read: kept from now on, as TimeOrder::keep.
+  SharedKeys keepOrder(std::int64_t owner, std::int64_t version, std::vector<std::uint32_t> keys,
+                       std::string lastMoment);
+
+  // How many events an owner has; nothing where the file does not tell. Not while something is being changed.
+  // The index must be usable.
+  std::optional<std::int64_t> count(std::int64_t owner);
+  // A count was not what it said: what is kept of them does not hold until they are counted again.
+  void countsAreWrong() noexcept { countsWrong_ = true; }
 
   // Inside the transaction that changes the table.
   void added(std::int64_t key, std::optional<std::int64_t> owner, const EventTexts& texts);
@@ -72,11 +85,15 @@ class EventIndex {
   };
   void follow();
   void findTable();
-  bool readState();
-  bool isPresent();
+  // Which of the index's own tables and triggers are there; an earlier version has no counts.
+  enum class Present { no, withoutCounts, whole };
+  enum class State { bad, uncounted, good };
+  State readState();
+  Present lookForOwn();
   void repair();
   void create();
-  void removeOwn();
+  void createCounts();
+  void countAnew();
   void rebuild();
   void findNewest();
   void removeRows(std::int64_t owner, std::size_t of);
@@ -88,7 +105,7 @@ class EventIndex {
   const Table* table_ = nullptr;     // null: the file holds no such table
   std::uint64_t tablesChanged_ = 0;  // when `table_` was found
   std::int64_t seenChanges_ = 0;     // when `present_` was
-  std::optional<bool> present_;      // unknown where something was taken back or others have written
+  std::optional<Present> present_;   // unknown where something was taken back or others have written
   // What holds for as long as this transaction lasts.
   bool checked_ = false;   // the index is known to be good
   bool madeAnew_ = false;  // it was made anew
@@ -96,6 +113,8 @@ class EventIndex {
   bool newestChanged_ = false;
   Newest newest_;
   Statement state_, same_, insert_, remove_, read_;
+  EventCounts counts_;
+  bool counted_ = false, countsWrong_ = false;
   std::string momentKey_, kindKey_;  // keep their memory between rows
   Collecting collecting_;
   TimeOrder byTime_;

@@ -5,28 +5,34 @@
 #include "platform/sqlite/errors.h"
 #include "platform/sqlite/index_survey.h"
 #include "platform/sqlite/text_rules.h"
+#include "platform/sqlite/time_reading.h"
 
 namespace vordane::sqlite {
 namespace {
 
 // `Key` is as wide as the rows' keys need, to keep a million of them small. Backwards the last key is the
-// first row.
+// first row. There may be fewer keys than rows: the last ones have gone.
 template <class Key>
 class EmbeddedRowList final : public database::RowList {
  public:
   using Keys = std::shared_ptr<const std::vector<Key>>;
 
-  // `owner` is the one whose rows the index named, if it did; the row itself decides.
+  // `owner` is the one whose rows the index named, if it did; the row itself decides. The keys may come from
+  // a reading that is not done yet.
   EmbeddedRowList(std::shared_ptr<Opened> opened, const Plan& plan, Keys keys, bool backwards,
                   std::span<const std::u16string_view> columns,
-                  std::optional<std::int64_t> owner = std::nullopt)
+                  std::optional<std::int64_t> owner = std::nullopt,
+                  std::unique_ptr<TimeReading> reading = nullptr)
       : table_(*plan.table),
         opened_(std::move(opened)),
         connection_(opened_->connection),
         tablesChanged_(plan.tablesChanged),
         keys_(std::move(keys)),
         backwards_(backwards),
-        owner_(owner) {
+        owner_(owner),
+        reading_(std::move(reading)),
+        size_(keys_ != nullptr ? keys_->size() : 0) {
+    settle();
     std::string sql;
     for (std::u16string_view name : columns) {
       const Column* column = plan.columns[plan.resultColumn(name)];
@@ -40,11 +46,18 @@ class EmbeddedRowList final : public database::RowList {
     row_ = Statement(connection_, sql);
   }
 
-  std::size_t size() const override { return keys_->size(); }
+  std::size_t size() const override { return reading_ != nullptr ? reading_->size() : size_; }
+  bool isRead() const override { return reading_ == nullptr || reading_->isDone(); }
+  void readOn() override {
+    if (reading_ != nullptr) reading_->next();
+    settle();
+  }
 
   bool fetch(std::size_t position, std::vector<Value>& out) override {
     out.clear();
     if (position >= size() || tablesChanged()) return false;
+    readUpTo(position);
+    if (!keyAt(position)) return false;
     connection_.beforeRead();
     const Running running(row_);
     bindRow(position);
@@ -57,6 +70,7 @@ class EmbeddedRowList final : public database::RowList {
   std::optional<std::size_t> find(std::u16string_view needle, std::size_t first, const Progress& progress,
                                   database::Walk walk) override {
     if (tablesChanged()) return {};
+    readAll();
     const ReadScope reading(connection_);
     FoldedNeedle folded(needle);
     for (std::size_t i = 0; i < size(); ++i) {
@@ -71,6 +85,7 @@ class EmbeddedRowList final : public database::RowList {
               std::vector<std::uint32_t>& chosen) override {
     connection_.beforeRead();
     if (tablesChanged()) return;
+    for (const std::uint32_t position : positions) readUpTo(position);
     const ReadScope reading(connection_);
     FoldedNeedle folded(needle);
     for (const std::uint32_t position : positions)
@@ -79,16 +94,20 @@ class EmbeddedRowList final : public database::RowList {
 
   std::unique_ptr<database::Survey> survey(const database::SurveyedColumns& columns) override {
     if constexpr (std::is_same_v<Key, std::uint32_t>)
-      if (owner_ && isIndexed(columns))
+      if (owner_ && isIndexed(columns)) {
+        readAll();
         return surveyIndex(opened_, keys_, backwards_, *owner_, tablesChanged_);
+      }
     return RowList::survey(columns);
   }
 
   std::unique_ptr<database::Survey> surveyBetween(const database::SurveyedColumns& columns,
                                                   database::TimesBetween times) override {
     if constexpr (std::is_same_v<Key, std::uint32_t>)
-      if (owner_ && isIndexed(columns))
+      if (owner_ && isIndexed(columns)) {
+        readAll();
         return surveyIndex(opened_, keys_, backwards_, *owner_, tablesChanged_, times);
+      }
     return RowList::surveyBetween(columns, std::move(times));
   }
 
@@ -99,8 +118,29 @@ class EmbeddedRowList final : public database::RowList {
   }
 
  private:
-  std::int64_t keyAt(std::size_t position) const {
+  // Nothing for a row that has gone before its key was read.
+  std::optional<std::int64_t> keyAt(std::size_t position) const {
+    if (reading_ != nullptr) return reading_->key(position);
+    if (position >= keys_->size()) return {};
     return (*keys_)[backwards_ ? keys_->size() - 1 - position : position];
+  }
+
+  void readUpTo(std::size_t position) {
+    if (reading_ != nullptr) reading_->upTo(position);
+    settle();
+  }
+
+  void readAll() {
+    if (reading_ != nullptr) reading_->toEnd();
+    settle();
+  }
+
+  // What was read to its end is nothing but keys.
+  void settle() {
+    if (reading_ == nullptr || !reading_->isDone()) return;
+    if constexpr (std::is_same_v<Key, std::uint32_t>) keys_ = reading_->keys();
+    size_ = reading_->size();
+    reading_.reset();
   }
 
   // The index tells what these columns hold.
@@ -119,12 +159,13 @@ class EmbeddedRowList final : public database::RowList {
   }
 
   void bindRow(std::size_t position) {
-    row_.bind(1, keyAt(position));
+    row_.bind(1, keyAt(position).value_or(0));
     if (owner_) row_.bind(2, *owner_);
   }
 
   // Looks at the texts where the engine holds them.
   bool holds(std::size_t position, FoldedNeedle& needle) {
+    if (!keyAt(position)) return false;
     const Running running(row_);
     bindRow(position);
     bool found = false;
@@ -149,6 +190,8 @@ class EmbeddedRowList final : public database::RowList {
   Keys keys_;
   bool backwards_;
   std::optional<std::int64_t> owner_;
+  std::unique_ptr<TimeReading> reading_;  // null when all is read
+  std::size_t size_;                      // then
   std::vector<bool> yesNo_;
   Statement row_;
   std::u16string copy_;
@@ -165,6 +208,15 @@ std::vector<std::int64_t> readKeys(Connection& connection, Plan& plan,
   return keys;
 }
 
+// Null where the rows are to be read at once.
+std::unique_ptr<TimeReading> readInTime(Connection& connection, Plan& plan,
+                                        const std::vector<jet::Literal>& literals) {
+  const std::int64_t owner = literals.at(0).number;
+  if (!plan.order.isOfTime() || connection.events().isOrderKept(owner)) return {};
+  return TimeReading::open(connection, *plan.table, owner, plan.descending, connection.rowsReadAtOnce(),
+                           [&connection, &plan, literals] { return readKeys(connection, plan, literals); });
+}
+
 }  // namespace
 
 std::unique_ptr<database::RowList> makeRowList(std::shared_ptr<Opened> opened, Plan& plan,
@@ -175,6 +227,9 @@ std::unique_ptr<database::RowList> makeRowList(std::shared_ptr<Opened> opened, P
   connection.beforeRead();
   if (plan.special == Plan::Special::eventsOfOwner && connection.events().usable()) {
     const std::int64_t owner = literals.at(0).number;
+    if (auto reading = readInTime(connection, plan, literals))
+      return std::make_unique<EmbeddedRowList<std::uint32_t>>(
+          std::move(opened), plan, nullptr, plan.descending, columns, owner, std::move(reading));
     if (auto keys = connection.events().ordered(owner, plan.order))
       return std::make_unique<EmbeddedRowList<std::uint32_t>>(std::move(opened), plan, std::move(keys),
                                                               plan.descending, columns, owner);

@@ -55,6 +55,7 @@ void ListWork::forgetRows() {
 }
 
 void ListWork::setRows(GridSource* rows, const std::u16string& exchange) {
+  resized_ = false;
   const bool used = around_.use() != ListUse::never;
   used ? output_.giveUp() : output_.forget();
   desk_.setStored(rows, used ? std::optional(exchange) : std::nullopt);
@@ -169,7 +170,7 @@ void ListWork::goToNewest() {
 }
 
 std::optional<std::u16string> ListWork::count() {
-  if (!desk_.filtered() || desk_.list() == nullptr) return {};
+  if ((!desk_.filtered() && !resized_) || desk_.list() == nullptr) return {};
   return fillText(texts_.text(ViewText::shownCount), {number(desk_.size()), number(desk_.storedSize())});
 }
 
@@ -362,11 +363,12 @@ bool ListWork::timer(WPARAM id) {
   return true;
 }
 
-// One work at a time: what is written first, since its rows must stay; then the rows shown, then the count,
-// then the flood.
+// One work at a time: a long list is read first; then what is written, since its rows must stay; then the
+// rows shown, then the count, then the flood.
 void ListWork::slice() {
   const auto end = std::chrono::steady_clock::now() + sliceLength;
   const auto again = [end] { return std::chrono::steady_clock::now() < end; };
+  if (desk_.reading()) return deskSlice(again);
   if (output_.busy()) return output_.work(again);
   if (desk_.busy()) return deskSlice(again);
   if (!finder_.busy()) {
@@ -382,6 +384,7 @@ void ListWork::deskSlice(const std::function<bool()>& again) {
   if (const auto selected = grid_.selected()) lastSelected_ = desk_.storedPosition(*selected);
   const bool failedBefore = !desk_.failure().empty();
   const list::Desk::Did did = desk_.work(again);
+  if (did.resized) return rowsResized();
   if (did.facts) bar_.setKinds(list::kindsOf(*desk_.facts()), list::processorsOf(*desk_.facts()));
   if (did.shown) {
     finder_.begin();
@@ -393,6 +396,14 @@ void ListWork::deskSlice(const std::function<bool()>& again) {
   longWork_ = desk_.choosing();
   tell();
   if (did.shown) around_.placeAgain();
+}
+
+// The file was wrong about the length of its list: the rows are shown as if they came anew.
+void ListWork::rowsResized() {
+  const std::u16string exchange = exchange_;
+  setRows(desk_.stored(), exchange);
+  resized_ = true;
+  tell();
 }
 
 int ListWork::barHeight() const {

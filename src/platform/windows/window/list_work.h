@@ -89,6 +89,7 @@ class ListWork {
   void wake();
   void slice();
   void deskSlice(const std::function<bool()>& again);
+  void rowsResized();
   void showBar(bool focus);
   void tell();
   int barHeight() const;
@@ -109,6 +110,7 @@ class ListWork {
   std::optional<int> line_;  // of the screen, to be kept until the filter has chosen among renewed rows
   std::u16string exchange_;  // that the bar speaks of
   bool opened_ = false;      // by the person
+  bool resized_ = false;     // the number of rows is not the one that the form knows
   bool longWork_ = false, longCount_ = false;  // more than a slice: progress is told
   list::Mistake mistake_ = list::Mistake::none;
   std::size_t lastSelected_ = 0;  // among the stored rows, also while no row is shown
