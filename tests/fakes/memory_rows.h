@@ -3,6 +3,8 @@
 #pragma once
 
 #include <algorithm>
+#include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <utility>
@@ -18,6 +20,35 @@ struct MemoryRow {
                  description = u"text";
   std::int64_t count = 0;
   bool gone = false;
+};
+
+// Notes in memory, of the faults that `exists` knows.
+class MemoryNotes final : public database::Notes {
+ public:
+  explicit MemoryNotes(std::function<bool(std::int64_t fault)> exists) : exists_(std::move(exists)) {}
+  std::optional<database::Note> of(std::int64_t fault) override {
+    const auto found = notes.find(fault);
+    if (found == notes.end() || !exists_(fault)) return {};
+    return found->second;
+  }
+  Put put(std::int64_t fault, const database::Note& before, const database::Note& now) override {
+    if (fails) throw database::DatabaseError(3027, u"read-only");
+    if (now.text.size() > database::longestNote || database::noteLine(now.text) != now.text)
+      return Put::notOneLine;
+    if (!exists_(fault)) return Put::faultGone;
+    if (of(fault).value_or(database::Note{}) != before) return Put::changed;
+    if (now.text.empty())
+      notes.erase(fault);
+    else
+      notes[fault] = now;
+    return Put::kept;
+  }
+
+  std::map<std::int64_t, database::Note> notes;
+  bool fails = false;
+
+ private:
+  std::function<bool(std::int64_t fault)> exists_;
 };
 
 class MemoryRows final : public window::GridSource, public database::RowList {
@@ -45,9 +76,20 @@ class MemoryRows final : public window::GridSource, public database::RowList {
     out = {row.fault, row.alarm, row.date, row.cpu, row.description, static_cast<std::int32_t>(row.count)};
     return true;
   }
+  database::Notes* notes() override { return keepsNotes ? &kept : nullptr; }
+  void chooseNoted(std::span<const std::uint32_t> positions, std::vector<std::uint32_t>& chosen) override {
+    if (!keepsNotes) return;
+    for (const std::uint32_t position : positions)
+      if (kept.of(rows.at(position).count)) chosen.push_back(position);
+  }
 
   std::vector<MemoryRow> rows;
   bool held = false;  // a long step runs
+  bool keepsNotes = true;
+  MemoryNotes kept{[this](std::int64_t fault) {
+    return std::any_of(rows.begin(), rows.end(),
+                       [&](const MemoryRow& row) { return row.count == fault && !row.gone; });
+  }};
   std::size_t fetched = 0;
   std::optional<std::size_t> failAtFetch;
 };

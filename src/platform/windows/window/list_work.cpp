@@ -46,6 +46,13 @@ void ListWork::enable(bool enabled) {
   EnableWindow(newer_.window(), enabled);
 }
 
+void ListWork::noteWritten() {
+  desk_.noteWritten();
+  finder_.begin();
+  wake();
+  tell();
+}
+
 void ListWork::forgetRows() {
   output_.forget();
   finder_.seek({});
