@@ -510,6 +510,11 @@ bool FakeRows::fetch(std::size_t position, std::vector<database::Value>& out) {
   return found.has_value();
 }
 
+void FakeRows::chooseNoted(std::span<const std::uint32_t> positions, std::vector<std::uint32_t>& chosen) {
+  for (const std::uint32_t position : positions)
+    if (kept.of(static_cast<std::int64_t>(count_ - position))) chosen.push_back(position);
+}
+
 std::vector<GridSource::Range> FakeRows::provenance(std::size_t position, std::size_t character) {
   const auto fault = row(position);
   if (!fault || fault->fault != u"0A") return {};

@@ -82,6 +82,7 @@ class ListWork {
 
  private:
   std::optional<Grid::Place> placeIn(GridSource& rows, bool another);
+  bool keepsNotes();
   void tellNewer();
   void goToNewest();
   void tellFlood();
