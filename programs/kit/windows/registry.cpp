@@ -18,9 +18,6 @@ HKEY hiveOf(const RegistryPlace& place) {
 REGSAM viewOf(const RegistryPlace& place) {
   return place.view == View::words64 ? KEY_WOW64_64KEY : KEY_WOW64_32KEY;
 }
-std::wstring toWide(std::u16string_view text) {
-  return {text.begin(), text.end()};
-}
 std::u16string fromWide(const std::wstring& text) {
   return std::u16string(com::fromWide(text));
 }
@@ -32,7 +29,7 @@ void check(LSTATUS status, const RegistryPlace& place, const char* deed) {
 }
 
 LSTATUS open(const RegistryPlace& place, REGSAM access, com::RegistryKey& key) {
-  return RegOpenKeyExW(hiveOf(place), toWide(place.path).c_str(), 0, access | viewOf(place), key.put());
+  return RegOpenKeyExW(hiveOf(place), com::toWide(place.path).c_str(), 0, access | viewOf(place), key.put());
 }
 
 com::RegistryKey opened(const RegistryPlace& place, REGSAM access, const char* deed) {
@@ -122,12 +119,13 @@ void WindowsRegistry::demandRights(const RegistryPlace& place) {
 
 void WindowsRegistry::makeKey(const RegistryPlace& place, const std::string& rights) {
   com::RegistryKey key;
-  check(RegCreateKeyExW(hiveOf(place), toWide(place.path).c_str(), 0, nullptr, 0,
+  check(RegCreateKeyExW(hiveOf(place), com::toWide(place.path).c_str(), 0, nullptr, 0,
                         KEY_ALL_ACCESS | viewOf(place), nullptr, key.put(), nullptr),
         place, "made");
   PSECURITY_DESCRIPTOR descriptor = nullptr;
-  if (rights.empty() || !ConvertStringSecurityDescriptorToSecurityDescriptorW(
-                            toWide(text::fromUtf8(rights)).c_str(), SDDL_REVISION_1, &descriptor, nullptr))
+  if (rights.empty() ||
+      !ConvertStringSecurityDescriptorToSecurityDescriptorW(com::toWide(text::fromUtf8(rights)).c_str(),
+                                                            SDDL_REVISION_1, &descriptor, nullptr))
     return;
   const com::LocalMemory owned(descriptor);
   check(RegSetKeySecurity(key.get(), DACL_SECURITY_INFORMATION, descriptor), place, "given its rights");
@@ -138,21 +136,21 @@ void WindowsRegistry::removeKey(const RegistryPlace& place) {
   if (open(place, KEY_ALL_ACCESS, key) == ERROR_FILE_NOT_FOUND) return;
   check(key ? RegDeleteTreeW(key.get(), nullptr) : ERROR_ACCESS_DENIED, place, "emptied");
   key.reset();
-  const LSTATUS status = RegDeleteKeyExW(hiveOf(place), toWide(place.path).c_str(), viewOf(place), 0);
+  const LSTATUS status = RegDeleteKeyExW(hiveOf(place), com::toWide(place.path).c_str(), viewOf(place), 0);
   if (status != ERROR_FILE_NOT_FOUND) check(status, place, "removed");
 }
 
 void WindowsRegistry::write(const RegistryPlace& place, const std::u16string& name,
                             const RegistryValue& value) {
   const com::RegistryKey key = opened(place, KEY_SET_VALUE, "written");
-  check(RegSetValueExW(key.get(), toWide(name).c_str(), 0, value.type, value.data.data(),
+  check(RegSetValueExW(key.get(), com::toWide(name).c_str(), 0, value.type, value.data.data(),
                        static_cast<DWORD>(value.data.size())),
         place, "written");
 }
 
 void WindowsRegistry::remove(const RegistryPlace& place, const std::u16string& name) {
   const com::RegistryKey key = opened(place, KEY_SET_VALUE, "written");
-  check(RegDeleteValueW(key.get(), toWide(name).c_str()), place, "written");
+  check(RegDeleteValueW(key.get(), com::toWide(name).c_str()), place, "written");
 }
 
 }  // namespace vordane::kit

@@ -6,6 +6,7 @@
 #include <oleauto.h>
 #include <windows.h>
 
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -150,6 +151,9 @@ class ComPtr {
 // UTF-16 text is the same 16-bit units on both sides.
 inline const wchar_t* wide(const char16_t* text) {
   return reinterpret_cast<const wchar_t*>(text);
+}
+inline std::wstring toWide(std::u16string_view text) {
+  return {text.begin(), text.end()};
 }
 inline std::u16string_view fromWide(std::wstring_view text) {
   return {reinterpret_cast<const char16_t*>(text.data()), text.size()};

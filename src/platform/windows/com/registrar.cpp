@@ -19,10 +19,6 @@ constexpr const wchar_t* classesKey = L"Software\\Classes";
 constexpr std::array<REGSAM, 2> views{KEY_WOW64_64KEY, KEY_WOW64_32KEY};
 const std::array<HKEY, 2> roots{HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER};
 
-std::wstring toWide(std::u16string_view text) {
-  return {text.begin(), text.end()};
-}
-
 // Only a user's own key may have to be made; nothing is made by looking.
 RegistryKey openClasses(HKEY root, REGSAM access, bool make) {
   RegistryKey key;

@@ -7,10 +7,6 @@
 namespace vordane::windows {
 namespace {
 
-std::wstring toWide(std::u16string_view text) {
-  return {text.begin(), text.end()};
-}
-
 // Keeps other add-ins from appending meanwhile: not every file system moves to the end and writes in one
 // step. The place is far behind the end, so readers are never held up; it is given back with the handle too.
 class AppendLock {
@@ -45,14 +41,14 @@ void takeBack(const std::wstring& path, std::int64_t end, DWORD bytes) {
 
 // A whole path; the path as it is where the system can't tell.
 std::u16string wholePath(std::u16string_view path) {
-  const std::wstring given = toWide(path);
+  const std::wstring given = com::toWide(path);
   std::wstring whole(GetFullPathNameW(given.c_str(), 0, nullptr, nullptr), L'\0');
   whole.resize(GetFullPathNameW(given.c_str(), static_cast<DWORD>(whole.size()), whole.data(), nullptr));
   return whole.empty() ? std::u16string(path) : std::u16string(whole.begin(), whole.end());
 }
 
 DWORD attributesOf(std::u16string_view path) {
-  return path.empty() ? INVALID_FILE_ATTRIBUTES : GetFileAttributesW(toWide(path).c_str());
+  return path.empty() ? INVALID_FILE_ATTRIBUTES : GetFileAttributesW(com::toWide(path).c_str());
 }
 
 }  // namespace
@@ -70,7 +66,7 @@ bool SystemFiles::directoryExists(std::u16string_view path) {
 // A disk that fills up in the middle of a line takes none of it: the next line begins at a line's begin.
 bool SystemFiles::append(std::u16string_view path, std::string_view bytes) {
   // Reading is asked for since only then may the file be locked.
-  const com::File file(CreateFileW(toWide(path).c_str(), FILE_APPEND_DATA | FILE_READ_DATA,
+  const com::File file(CreateFileW(com::toWide(path).c_str(), FILE_APPEND_DATA | FILE_READ_DATA,
                                    FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
                                    FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!file) return false;
@@ -79,19 +75,20 @@ bool SystemFiles::append(std::u16string_view path, std::string_view bytes) {
   const bool done =
       WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) != FALSE;
   if (done && written == bytes.size()) return true;
-  if (written > 0) takeBack(toWide(path), length(path).value_or(0), written);
+  if (written > 0) takeBack(com::toWide(path), length(path).value_or(0), written);
   return false;
 }
 
 std::optional<std::int64_t> SystemFiles::length(std::u16string_view path) {
   WIN32_FILE_ATTRIBUTE_DATA data;
-  if (path.empty() || !GetFileAttributesExW(toWide(path).c_str(), GetFileExInfoStandard, &data)) return {};
+  if (path.empty() || !GetFileAttributesExW(com::toWide(path).c_str(), GetFileExInfoStandard, &data))
+    return {};
   if ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return {};
   return (static_cast<std::int64_t>(data.nFileSizeHigh) << 32) | data.nFileSizeLow;
 }
 
 bool isHeldByOthers(std::u16string_view path) {
-  const com::File file(CreateFileW(toWide(path).c_str(), GENERIC_READ,
+  const com::File file(CreateFileW(com::toWide(path).c_str(), GENERIC_READ,
                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!file) return GetLastError() == ERROR_SHARING_VIOLATION;

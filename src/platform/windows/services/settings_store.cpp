@@ -6,12 +6,8 @@
 namespace vordane::windows {
 namespace {
 
-std::wstring toWide(std::u16string_view text) {
-  return {text.begin(), text.end()};
-}
-
 std::wstring keyOf(std::u16string_view application, std::u16string_view section) {
-  return L"Software\\VB and VBA Program Settings\\" + toWide(application) + L"\\" + toWide(section);
+  return L"Software\\VB and VBA Program Settings\\" + com::toWide(application) + L"\\" + com::toWide(section);
 }
 
 // The value's text without the closing zero that most writers, not all, store with it.
@@ -29,7 +25,7 @@ std::optional<std::u16string> RegistrySettings::read(std::u16string_view applica
   if (RegOpenKeyExW(HKEY_CURRENT_USER, keyOf(application, section).c_str(), 0, KEY_READ, opened.put()) !=
       ERROR_SUCCESS)
     return {};
-  const std::wstring name = toWide(key);
+  const std::wstring name = com::toWide(key);
   DWORD type = 0;
   DWORD bytes = 0;
   if (RegQueryValueExW(opened.get(), name.c_str(), nullptr, &type, nullptr, &bytes) != ERROR_SUCCESS ||
@@ -50,8 +46,9 @@ void RegistrySettings::write(std::u16string_view application, std::u16string_vie
   if (RegCreateKeyExW(HKEY_CURRENT_USER, keyOf(application, section).c_str(), 0, nullptr, 0, KEY_WRITE,
                       nullptr, opened.put(), nullptr) != ERROR_SUCCESS)
     return;
-  const std::wstring text = toWide(value);
-  RegSetValueExW(opened.get(), toWide(key).c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
+  const std::wstring text = com::toWide(value);
+  RegSetValueExW(opened.get(), com::toWide(key).c_str(), 0, REG_SZ,
+                 reinterpret_cast<const BYTE*>(text.c_str()),
                  static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
 }
 
