@@ -28,7 +28,8 @@ constexpr bool isUnused(std::size_t number) {
   return (number >= 10 && number <= 13) || number == 52 || (number >= 91 && number <= 100) ||
          (number >= 102 && number <= 105) || number == 116 || number == 117 ||
          (number >= 151 && number <= 159) || number == 169 || number == 170 || number == 181 ||
-         number == 182 || number == 187 || number == 213 || number == 222 || number == 223;
+         number == 182 || number == 187 || number == 213 || number == 222 || number == 223 ||
+         (number >= 315 && number <= 318);
 }
 
 // Lamps, in words.
@@ -218,12 +219,32 @@ inline constexpr std::size_t sortedDownwards = 313;
 // The window's system menu.
 inline constexpr std::size_t menuAlarmSound = 314;
 
+// Notes that people write to faults.
+inline constexpr std::size_t noteText = 319;  // heading of a saved list: what a person has written to a fault
+inline constexpr std::size_t noteAuthor = 320;  // who wrote it
+inline constexpr std::size_t noteTime = 321;    // when
+inline constexpr std::size_t noteBegin = 322;   // before a note: by {1}, at {2}
+inline constexpr std::size_t noteMenu = 323;    // context menu of the grid; with its access key
+inline constexpr std::size_t noteEdit = 324;  // before the box in which a note is written to fault number {1}
+inline constexpr std::size_t noteHow = 325;   // below it: how it is kept
+inline constexpr std::size_t filterNoted = 326;    // tick of the filter bar: faults with a note
+inline constexpr std::size_t noteTooLong = 327;    // not kept: {1} characters, {2} are the most
+inline constexpr std::size_t noteBlanks = 328;     // of what was pasted
+inline constexpr std::size_t noteFaultGone = 329;  // not kept
+inline constexpr std::size_t noteChanged = 330;    // not kept: {1} has written {2} meanwhile
+inline constexpr std::size_t noteTakenAway =
+    331;                                        // not kept: somebody has taken the former one away meanwhile
+inline constexpr std::size_t noteFailed = 332;  // the database said {1}
+inline constexpr std::size_t notesNotInAccess = 333;  // why there are no notes: an Access file
+inline constexpr std::size_t notesNotOnServer = 334;  // a server
+inline constexpr std::size_t notesNotInFile = 335;    // tables that somebody else has declared otherwise
+
 // The product's own numbers, as [first, end). Behind the last stand the titles and labels of fault kinds that
 // came later; own ones that come after those begin a range of their own.
 struct Range {
   std::size_t first, end;
 };
-inline constexpr std::array ownTexts{Range{165, 315}};
+inline constexpr std::array ownTexts{Range{165, 336}};
 inline constexpr std::size_t count = ownTexts.back().end;  // of all that are named here or stand before
 
 constexpr bool isOwn(std::size_t number) {
@@ -239,8 +260,8 @@ inline constexpr std::array windowKeys{lookUpLabel, lookUpNext,     filterText, 
 // The captions that a control takes in turn: the second has the first one's key.
 inline constexpr std::array captionsInTurn{std::pair{filterKindsAll, filterKindsSome}};
 inline constexpr std::array paneMenuKeys{menuCopy};
-inline constexpr std::array listMenuKeys{onlyKind, withoutKind, onlyProcessor, onlyDay,
-                                         copyCsv,  copyMessage, copyData,      saveShown};
+inline constexpr std::array listMenuKeys{onlyKind,    withoutKind, onlyProcessor, onlyDay, copyCsv,
+                                         copyMessage, copyData,    saveShown,     noteMenu};
 inline constexpr std::array frameMenuKeys{menuGuide, menuAlarmSound};
 
 }  // namespace vordane::message

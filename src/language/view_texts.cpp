@@ -168,6 +168,40 @@ std::size_t messageNumber(window::ViewText which) {
       return message::sortedDownwards;
     case ViewText::alarmSound:
       return message::menuAlarmSound;
+    case ViewText::noteText:
+      return message::noteText;
+    case ViewText::noteAuthor:
+      return message::noteAuthor;
+    case ViewText::noteTime:
+      return message::noteTime;
+    case ViewText::noteBegin:
+      return message::noteBegin;
+    case ViewText::noteMenu:
+      return message::noteMenu;
+    case ViewText::noteEdit:
+      return message::noteEdit;
+    case ViewText::noteHow:
+      return message::noteHow;
+    case ViewText::filterNoted:
+      return message::filterNoted;
+    case ViewText::noteTooLong:
+      return message::noteTooLong;
+    case ViewText::noteBlanks:
+      return message::noteBlanks;
+    case ViewText::noteFaultGone:
+      return message::noteFaultGone;
+    case ViewText::noteChanged:
+      return message::noteChanged;
+    case ViewText::noteTakenAway:
+      return message::noteTakenAway;
+    case ViewText::noteFailed:
+      return message::noteFailed;
+    case ViewText::notesNotInAccess:
+      return message::notesNotInAccess;
+    case ViewText::notesNotOnServer:
+      return message::notesNotOnServer;
+    case ViewText::notesNotInFile:
+      return message::notesNotInFile;
     case ViewText::openGuide:
       return message::menuGuide;
   }

@@ -18,7 +18,9 @@ Copying::Copying(Desk& desk, const std::vector<Stretch>& rows, TextOf textOf)
 
 Copying::State Copying::work(const std::function<bool()>& again) {
   try {
-    if (!walk_.next([this](std::size_t shown, const window::GridRow& row) { take(shown, row); }, again))
+    if (!walk_.next([this](std::size_t shown, const window::GridRow& row,
+                           const database::Note& note) { take(shown, row, note); },
+                    again))
       return State::atWork;
   } catch (const database::DatabaseError& error) {
     failure_ = error.description();
@@ -36,10 +38,10 @@ void Copying::keepPiece() {
   piece_.clear();
 }
 
-void Copying::take(std::size_t shown, const window::GridRow& row) {
-  if (writer_ != nullptr) writer_->row(row, piece_);
+void Copying::take(std::size_t shown, const window::GridRow& row, const database::Note& note) {
+  if (writer_ != nullptr) writer_->row(row, note, piece_);
   keepPiece();
-  if (table_ != nullptr) table_->row(row, tableText_);
+  if (table_ != nullptr) table_->row(row, note, tableText_);
   if (!textOf_) return;
   const std::u16string own = textOf_(shown, row);
   if (!own.empty()) (text_ += own) += text::crlf;

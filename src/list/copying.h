@@ -33,7 +33,7 @@ class Copying {
   const std::string& table() const { return tableText_; }
 
  private:
-  void take(std::size_t shown, const window::GridRow& row);
+  void take(std::size_t shown, const window::GridRow& row, const database::Note& note);
   void keepPiece();
 
   RowWalk walk_;

@@ -56,6 +56,12 @@ void Desk::begin() {
   choosing_ = !(filter_ == applied_);
 }
 
+void Desk::noteWritten() {
+  if (!filter_.noted && filter_.text.empty()) return;
+  begin();
+  choosing_ = true;
+}
+
 void Desk::giveUp() {
   if (!choosing_) return;
   filter_ = applied_;
@@ -71,6 +77,7 @@ bool Desk::busy() const {
 bool Desk::needsFacts() const {
   Filter rest = filter_;
   rest.text.clear();
+  rest.noted = false;
   return isOn(rest);
 }
 
@@ -122,16 +129,13 @@ void Desk::survey(database::RowList& rows, Did& did) {
 
 void Desk::choose(database::RowList& rows, Did& did) {
   if (factsKnown_ && sieve_ == nullptr) sieve_ = std::make_unique<Sieve>(filter_, *facts_);
-  const std::size_t end = std::min(storedSize(), next_ + (needle_.empty() ? rowsSifted : rowsRead));
+  const std::size_t end = std::min(storedSize(), next_ + (readsRows() ? rowsRead : rowsSifted));
   candidates_.clear();
   for (; next_ < end; ++next_)
     if (sieve_ == nullptr || sieve_->of(next_) != Sieve::Verdict::hidden)
       candidates_.push_back(static_cast<std::uint32_t>(next_));
   const std::size_t before = found_.size();
-  if (needle_.empty())
-    found_.insert(found_.end(), candidates_.begin(), candidates_.end());
-  else
-    rows.choose(needle_, candidates_, found_);
+  find(rows);
   const auto dated = std::stable_partition(
       found_.begin() + static_cast<std::ptrdiff_t>(before), found_.end(), [&](std::uint32_t position) {
         return sieve_ == nullptr || sieve_->of(position) == Sieve::Verdict::shown;
@@ -142,6 +146,19 @@ void Desk::choose(database::RowList& rows, Did& did) {
   else
     found_.erase(dated, found_.end());
   if (next_ == storedSize()) complete(did);
+}
+
+// Among the candidates.
+void Desk::find(database::RowList& rows) {
+  if (filter_.noted) {
+    noted_.clear();
+    rows.chooseNoted(candidates_, noted_);
+    candidates_.swap(noted_);
+  }
+  if (needle_.empty())
+    found_.insert(found_.end(), candidates_.begin(), candidates_.end());
+  else
+    rows.choose(needle_, candidates_, found_);
 }
 
 void Desk::complete(Did& did) {
@@ -169,6 +186,17 @@ std::optional<std::size_t> Desk::shownPosition(std::size_t stored) const {
 std::optional<window::GridRow> Desk::row(std::size_t position) {
   if (position >= size()) return {};
   return stored_->row(storedPosition(position));
+}
+
+// One that can't be read is not shown: whoever writes to the fault is told why.
+std::optional<database::Note> Desk::note(std::int64_t fault) {
+  if (!exchange_ || list() == nullptr) return {};
+  try {
+    database::Notes* notes = list()->notes();
+    return notes == nullptr ? std::nullopt : notes->of(fault);
+  } catch (const database::DatabaseError&) {
+    return {};
+  }
 }
 
 std::vector<window::GridSource::Range> Desk::provenance(std::size_t row, std::size_t position) {

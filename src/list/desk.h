@@ -32,6 +32,8 @@ class Desk final : public window::GridSource {
   // Follows it from now on; one with a mistake is not taken and changes nothing.
   Mistake setFilter(const Filter& filter);
   void wantFacts(bool wanted) { factsWanted_ = wanted; }  // kinds, processors and their counts
+  // A note has been written: what the filter makes of notes and texts is chosen anew.
+  void noteWritten();
   // What is being chosen is given up; the filter is that of the rows shown again.
   void giveUp();
 
@@ -75,6 +77,8 @@ class Desk final : public window::GridSource {
   std::optional<Range> dataPart(std::size_t row) override;
   database::RowList* list() override { return stored_ == nullptr ? nullptr : stored_->list(); }
 
+  std::optional<database::Note> note(std::int64_t fault) override;
+
  private:
   using Positions = std::vector<std::uint32_t>;
   void forget();
@@ -85,6 +89,8 @@ class Desk final : public window::GridSource {
   void piece(database::RowList& rows, Did& did);
   void survey(database::RowList& rows, Did& did);
   void choose(database::RowList& rows, Did& did);
+  bool readsRows() const { return !needle_.empty() || filter_.noted; }
+  void find(database::RowList& rows);
   void complete(Did& did);
 
   window::GridSource* stored_ = nullptr;
@@ -105,7 +111,7 @@ class Desk final : public window::GridSource {
   std::size_t next_ = 0;
   std::u16string needle_;
   std::unique_ptr<Sieve> sieve_;
-  Positions found_, candidates_;
+  Positions found_, candidates_, noted_;
   std::size_t foundOtherDates_ = 0;
 };
 

@@ -71,8 +71,8 @@ Limits::Limits(const Filter& filter)
       until_(readMinute(filter.until, End::until).value_or(noMinute - 1)) {}
 
 bool isOn(const Filter& filter) {
-  return !filter.text.empty() || !filter.major || !filter.minor || filter.kinds.way != KindRule::Way::all ||
-         filter.processor || hasLimit(filter);
+  return !filter.text.empty() || filter.noted || !filter.major || !filter.minor ||
+         filter.kinds.way != KindRule::Way::all || filter.processor || hasLimit(filter);
 }
 
 bool showsClass(const Filter& filter, std::u16string_view alarm) {

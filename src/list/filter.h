@@ -36,7 +36,8 @@ struct KindRule {
 };
 
 struct Filter {
-  std::u16string text;  // in any column, case not regarded
+  std::u16string text;  // in any column or in the note, case not regarded
+  bool noted = false;   // only faults with a note
   bool major = true, minor = true;
   KindRule kinds;
   std::optional<std::u16string> processor;  // by its key

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "text/csv.h"
+#include "text/fill.h"
 #include "text/markup.h"
 #include "text/numbers.h"
 #include "text/text.h"
@@ -13,6 +14,7 @@
 namespace vordane::list {
 namespace {
 
+using database::Note;
 using window::GridRow;
 
 constexpr std::string_view signature = "\xEF\xBB\xBF", lineEnd = "\r\n";
@@ -23,19 +25,25 @@ std::array<std::u16string_view, 5> textsOf(const GridRow& row) {
   return {row.fault, row.alarm, row.date, row.cpu, row.description};
 }
 
+std::array<std::u16string_view, 3> textsOf(const Note& note) {
+  return {note.text, note.author, note.moment};
+}
+
 class Csv final : public RowWriter {
  public:
-  Csv(const Sheet& sheet, bool withSignature) : headings_(sheet.headings), withSignature_(withSignature) {}
+  Csv(const Sheet& sheet, bool withSignature) : sheet_(sheet), withSignature_(withSignature) {}
   void begin(std::string& out) override {
     if (withSignature_) out += signature;
-    for (std::size_t i = 0; i < headings_.size(); ++i) field(headings_[i], i > 0, out);
+    for (std::size_t i = 0; i < sheet_.headings.size(); ++i) field(sheet_.headings[i], i > 0, out);
+    for (const std::u16string& heading : sheet_.noteHeadings) field(heading, true, out);
     out += lineEnd;
   }
-  void row(const GridRow& row, std::string& out) override {
+  void row(const GridRow& row, const Note& note, std::string& out) override {
     bool comma = false;
     for (const std::u16string_view text : textsOf(row)) field(text, std::exchange(comma, true), out);
     out += ',';
     text::appendUtf8(text::decimal(row.count), out);
+    for (const std::u16string_view text : textsOf(note)) field(text, true, out);
     out += lineEnd;
   }
   void end(std::string&) override {}
@@ -45,7 +53,7 @@ class Csv final : public RowWriter {
     if (comma) out += ',';
     out += text::csvQuoted(text::toUtf8(text::forSpreadsheet(std::u16string(text))));
   }
-  std::array<std::u16string, 6> headings_;
+  const Sheet sheet_;
   bool withSignature_;
 };
 
@@ -61,6 +69,12 @@ void appendClass(std::u16string_view alarm, std::string& out) {
   }
   text::appendMarkup(word, out);
   out += "</td>";
+}
+
+void appendHeading(std::u16string_view heading, std::string& out) {
+  out += "<th scope=\"col\">";
+  text::appendMarkup(heading, out);
+  out += "</th>";
 }
 
 void appendCell(std::u16string_view text, std::string& out) {
@@ -82,19 +96,30 @@ void appendDescription(std::u16string_view description, std::string& out) {
   out += "</td>";
 }
 
+// The note, then in quieter type who wrote it and when.
+void appendNote(const Note& note, std::string& out) {
+  out += "<td class=\"d\">";
+  text::appendMarkup(note.text, out);
+  if (!note.text.empty()) {
+    out += "<span><br>";
+    text::appendMarkup(note.author, out);
+    text::appendMarkup(betweenLines, out);
+    text::appendMarkup(note.moment, out);
+    out += "</span>";
+  }
+  out += "</td>";
+}
+
 class Table : public RowWriter {
  public:
   explicit Table(const Sheet& sheet) : sheet_(sheet) {}
   void begin(std::string& out) override {
     out += "<table><thead><tr>";
-    for (const std::u16string& heading : sheet_.headings) {
-      out += "<th scope=\"col\">";
-      text::appendMarkup(heading, out);
-      out += "</th>";
-    }
+    for (const std::u16string& heading : sheet_.headings) appendHeading(heading, out);
+    appendHeading(sheet_.noteHeadings[0], out);
     out += "</tr></thead><tbody>\r\n";
   }
-  void row(const GridRow& row, std::string& out) override {
+  void row(const GridRow& row, const Note& note, std::string& out) override {
     out += "<tr>";
     appendCell(row.fault, out);
     appendClass(row.alarm, out);
@@ -103,7 +128,9 @@ class Table : public RowWriter {
     appendDescription(row.description, out);
     out += "<td class=\"n\">";
     text::appendUtf8(text::decimal(row.count), out);
-    out += "</td></tr>\r\n";
+    out += "</td>";
+    appendNote(note, out);
+    out += "</tr>\r\n";
   }
   void end(std::string& out) override { out += "</tbody></table>\r\n"; }
 
@@ -116,8 +143,8 @@ body { font: 14px/1.4 "Segoe UI", "Meiryo UI", system-ui, sans-serif; color: #1b
 h1 { font-size: 1.4em; margin: 0; } p { margin: .3em 0 1em; }
 table { border-collapse: collapse; width: 100%; } thead { display: table-header-group; }
 th, td { text-align: left; vertical-align: top; padding: .25em .6em; border: 1px solid #ccc; white-space: pre-wrap; }
-th { background: #f3f3f3; } tr { break-inside: avoid; } td.d { width: 50%; }
-td.d span { color: #545454; } td.mj { font-weight: 600; } td.n, th:last-child { text-align: right; }
+th { background: #f3f3f3; } tr { break-inside: avoid; } td.d { width: 35%; }
+td.d span { color: #545454; } td.mj { font-weight: 600; } td.n, th:nth-child(6) { text-align: right; }
 @media print { body { margin: 0; font-size: 9pt; } }
 </style>)";
 
@@ -158,13 +185,16 @@ class Json final : public RowWriter {
     out.back() = ',';  // goes on with the rows
     out += "\"faults\":[";
   }
-  void row(const GridRow& row, std::string& out) override {
+  void row(const GridRow& row, const Note& note, std::string& out) override {
     const nlohmann::ordered_json object{{"number", row.count},
                                         {"kind", text::toUtf8(row.fault)},
                                         {"class", text::toUtf8(row.alarm)},
                                         {"time", text::toUtf8(row.date)},
                                         {"processor", text::toUtf8(row.cpu)},
-                                        {"description", text::toUtf8(row.description)}};
+                                        {"description", text::toUtf8(row.description)},
+                                        {"note", text::toUtf8(note.text)},
+                                        {"noteAuthor", text::toUtf8(note.author)},
+                                        {"noteTime", text::toUtf8(note.moment)}};
     out += std::exchange(comma_, true) ? ",\n" : "\n";
     out += object.dump();
   }
@@ -195,13 +225,15 @@ class Lines final : public RowWriter {
   void begin(std::string& out) override {
     if (!headings_) return;
     for (std::size_t i = 0; i < sheet_.headings.size(); ++i) cell(sheet_.headings[i], i > 0, out);
+    for (const std::u16string& heading : sheet_.noteHeadings) cell(heading, true, out);
     out += lineEnd;
   }
-  void row(const GridRow& row, std::string& out) override {
+  void row(const GridRow& row, const Note& note, std::string& out) override {
     bool tab = false;
     for (const std::u16string_view text : textsOf(row)) cell(text, std::exchange(tab, true), out);
     out += '\t';
     text::appendUtf8(text::decimal(row.count), out);
+    for (const std::u16string_view text : textsOf(note)) cell(text, true, out);
     out += lineEnd;
   }
   void end(std::string&) override {}
@@ -217,17 +249,22 @@ class Lines final : public RowWriter {
 
 class Messages final : public RowWriter {
  public:
+  explicit Messages(const Sheet& sheet) : noteBegin_(sheet.noteBegin) {}
   void begin(std::string&) override {}
-  void row(const GridRow& row, std::string& out) override {
+  void row(const GridRow& row, const Note& note, std::string& out) override {
     if (std::exchange(more_, true)) out += lineEnd;
     for (const std::u16string_view line : text::lines(row.description)) {
       text::appendUtf8(line, out);
       out += lineEnd;
     }
+    if (note.text.empty()) return;
+    text::appendUtf8(fillText(noteBegin_, {note.author, note.moment}) + u" " + note.text, out);
+    out += lineEnd;
   }
   void end(std::string&) override {}
 
  private:
+  const std::u16string noteBegin_;
   bool more_ = false;
 };
 
@@ -248,7 +285,7 @@ std::unique_ptr<RowWriter> makeRowWriter(RowForm form, const Sheet& sheet, std::
     case RowForm::lines:
       return std::make_unique<Lines>(sheet, rows > 1);
     case RowForm::messages:
-      return std::make_unique<Messages>();
+      return std::make_unique<Messages>(sheet);
   }
   return nullptr;
 }

@@ -26,12 +26,17 @@ std::optional<window::GridRow> RowWalk::read(database::RowList& rows) {
   }
 }
 
+database::Note RowWalk::noteOf(database::RowList& rows, std::int64_t fault) {
+  database::Notes* notes = rows.notes();
+  return notes == nullptr ? database::Note{} : notes->of(fault).value_or(database::Note{});
+}
+
 bool RowWalk::next(const Take& take, const std::function<bool()>& again) {
   while (!atEnd()) {
     database::RowList* rows = desk_.list();
     if (rows == nullptr) return false;  // while a long step runs
     if (const auto row = read(*rows))
-      take(place_, *row);
+      take(place_, *row, noteOf(*rows, row->count));
     else
       ++gone_;
     step();

@@ -16,9 +16,10 @@ class RowWalk {
  public:
   RowWalk(Desk& desk, std::vector<Stretch> rows);
 
-  // Takes rows by their places until `again` says no, one row at least; true when it has come to the end.
-  // Rows that have gone since are counted and left out. Throws DatabaseError, and can't go on then.
-  using Take = std::function<void(std::size_t shown, const window::GridRow& row)>;
+  // Takes rows, each with its note or an empty one, by their places until `again` says no, one row at least;
+  // true when it has come to the end. Rows that have gone since are counted and left out. Throws
+  // DatabaseError, and can't go on then.
+  using Take = std::function<void(std::size_t shown, const window::GridRow& row, const database::Note& note)>;
   bool next(const Take& take, const std::function<bool()>& again);
 
   Desk::Progress progress() const { return {done_, of_}; }
@@ -28,6 +29,7 @@ class RowWalk {
   bool atEnd() const { return stretch_ == rows_.size(); }
   void step();
   std::optional<window::GridRow> read(database::RowList& rows);
+  static database::Note noteOf(database::RowList& rows, std::int64_t fault);
 
   Desk& desk_;
   std::vector<Stretch> rows_;

@@ -32,8 +32,8 @@ Saving::State Saving::piece(const std::function<bool()>& again) {
     writer_->begin(buffer_);
   }
   bool written = true;
-  const auto take = [&](std::size_t, const window::GridRow& row) {
-    writer_->row(row, buffer_);
+  const auto take = [&](std::size_t, const window::GridRow& row, const database::Note& note) {
+    writer_->row(row, note, buffer_);
     if (buffer_.size() >= enough) written = flush();
   };
   const bool through = walk_.next(take, [&] { return written && again(); });

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "platform/automation.h"
+#include "platform/notes.h"
 #include "platform/statement.h"
 #include "platform/survey.h"
 
@@ -96,6 +97,13 @@ class RowList {
   virtual std::unique_ptr<Survey> surveyBetween(const SurveyedColumns& columns, TimesBetween times) {
     return surveyRows(*this, columns, std::move(times));
   }
+
+  // The notes to its faults, meant by their numbers; null where none are kept, for the reason that `noNotes`
+  // says. Not to outlive the list. `find` and `choose` look into the notes too.
+  virtual Notes* notes() { return nullptr; }
+  virtual NoNotes noNotes() const { return NoNotes::foreignTable; }
+  // Appends those of `positions`, in their order, whose fault has a note.
+  virtual void chooseNoted(std::span<const std::uint32_t>, std::vector<std::uint32_t>&) {}
 
  protected:
   static constexpr std::size_t rowsBetweenProgress = 1024;

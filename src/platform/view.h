@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/notes.h"
 #include "platform/window.h"
 
 namespace vordane::database {
@@ -42,6 +43,9 @@ class GridSource {
   // For whoever has to look at all rows: its columns are the members of GridRow in their order. Null where
   // there is none, and while a long step runs.
   virtual database::RowList* list() { return nullptr; }
+  // What a person has written to the fault with this number; nothing where nobody looks, and while there is
+  // no `list`.
+  virtual std::optional<database::Note> note(std::int64_t) { return std::nullopt; }
 };
 
 // The words that belong to the drawing and to no control. They come from the language database like all
@@ -134,6 +138,24 @@ enum class ViewText {
   sortedUpwards,
   sortedDownwards,
   alarmSound,  // entry of the window's system menu, ticked while it is on; with its access key
+  // Of notes that people write to faults.
+  noteText,          // heading of a saved list: what a person has written to a fault
+  noteAuthor,        // who wrote it
+  noteTime,          // when
+  noteBegin,         // before a note: by {1}, at {2}
+  noteMenu,          // context menu of the grid; with its access key
+  noteEdit,          // before the box in which a note is written to fault number {1}
+  noteHow,           // below it: how it is kept
+  filterNoted,       // tick of the filter bar: faults with a note
+  noteTooLong,       // not kept: {1} characters, {2} are the most
+  noteBlanks,        // of what was pasted
+  noteFaultGone,     // not kept
+  noteChanged,       // not kept: {1} has written {2} meanwhile
+  noteTakenAway,     // not kept: somebody has taken the former one away meanwhile
+  noteFailed,        // the database said {1}
+  notesNotInAccess,  // why there are no notes: an Access file
+  notesNotOnServer,  // a server
+  notesNotInFile,    // tables that somebody else has declared otherwise
 };
 
 class ViewTexts {

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "fakes/memory_notes.h"
 #include "platform/database.h"
 #include "platform/view.h"
 
@@ -45,6 +46,12 @@ class MemoryRows final : public window::GridSource, public database::RowList {
     out = {row.fault, row.alarm, row.date, row.cpu, row.description, static_cast<std::int32_t>(row.count)};
     return true;
   }
+  database::Notes* notes() override { return keepsNotes ? &kept : nullptr; }
+  void chooseNoted(std::span<const std::uint32_t> positions, std::vector<std::uint32_t>& chosen) override {
+    if (!keepsNotes) return;
+    for (const std::uint32_t position : positions)
+      if (kept.of(rows.at(position).count)) chosen.push_back(position);
+  }
 
   bool isRead() const override { return unread == 0; }
   void readOn() override {
@@ -57,6 +64,11 @@ class MemoryRows final : public window::GridSource, public database::RowList {
   bool failReadingOn = false;
   std::optional<std::size_t> sizeWhenRead;
   bool held = false;  // a long step runs
+  bool keepsNotes = true;
+  MemoryNotes kept{[this](std::int64_t fault) {
+    return std::any_of(rows.begin(), rows.end(),
+                       [&](const MemoryRow& row) { return row.count == fault && !row.gone; });
+  }};
   std::size_t fetched = 0;
   std::optional<std::size_t> failAtFetch;
 };

@@ -27,7 +27,7 @@ class CopyingTest : public testing::Test {
 
   MemoryRows rows;
   Desk desk;
-  Sheet sheet{{}, {}, {}, {}, {u"K", u"C", u"D", u"P", u"F", u"N"}, 6};
+  Sheet sheet{{}, {}, {}, {}, {u"K", u"C", u"D", u"P", u"F", u"N"}, 6, {u"T", u"A", u"M"}, u"({1}, {2})"};
 };
 
 TEST_F(CopyingTest, GathersStretchesAsLinesAndAsATable) {
@@ -37,7 +37,8 @@ TEST_F(CopyingTest, GathersStretchesAsLinesAndAsATable) {
   EXPECT_EQ(copying.progress().of, 3U);
   EXPECT_EQ(finish(copying), State::complete);
   EXPECT_EQ(copying.text(),
-            u"K\tC\tD\tP\tF\tN\r\n0A\tMJ\t\t\tb\t1\r\n0A\tMJ\t\t\tc\t2\r\n0A\tMJ\t\t\tf\t5\r\n");
+            u"K\tC\tD\tP\tF\tN\tT\tA\tM\r\n0A\tMJ\t\t\tb\t1\t\t\t\r\n0A\tMJ\t\t\tc\t2\t\t\t\r\n0A\tMJ\t\t\tf"
+            u"\t5\t\t\t\r\n");
   EXPECT_TRUE(copying.table().starts_with("<table>"));
   EXPECT_TRUE(copying.table().ends_with("</table>\r\n"));
   EXPECT_NE(copying.table().find("<td class=\"n\">5</td>"), std::string::npos);
@@ -57,6 +58,28 @@ TEST_F(CopyingTest, ARowsOwnTextIsALineOfItsOwnAndAnEmptyOneIsNone) {
   });
   EXPECT_EQ(finish(copying), State::complete);
   EXPECT_EQ(copying.text(), u"aa\r\ncc\r\n");
+}
+
+TEST_F(CopyingTest, NotesGoWithTheirFaults) {
+  rows.kept.notes[2] = {u"anna", u"2026/11/21 08:15", u"cable"};
+  Copying lines(desk, {{1, 3}}, RowForm::lines, sheet);
+  EXPECT_EQ(finish(lines), State::complete);
+  EXPECT_EQ(lines.text(),
+            u"K\tC\tD\tP\tF\tN\tT\tA\tM\r\n0A\tMJ\t\t\tb\t1\t\t\t\r\n"
+            u"0A\tMJ\t\t\tc\t2\tcable\tanna\t2026/11/21 08:15\r\n");
+  EXPECT_NE(lines.table().find("<td class=\"d\">cable<span><br>anna · 2026/11/21 08:15</span></td>"),
+            std::string::npos);
+  Copying messages(desk, {{1, 3}}, RowForm::messages, sheet);
+  EXPECT_EQ(finish(messages), State::complete);
+  EXPECT_EQ(messages.text(), u"b\r\n\r\nc\r\n(anna, 2026/11/21 08:15) cable\r\n");
+}
+
+TEST_F(CopyingTest, WhereNoNotesAreKeptTheirFieldsAreEmpty) {
+  rows.kept.notes[2] = {u"anna", u"2026/11/21 08:15", u"cable"};
+  rows.keepsNotes = false;
+  Copying lines(desk, {{2, 3}}, RowForm::lines, sheet);
+  EXPECT_EQ(finish(lines), State::complete);
+  EXPECT_EQ(lines.text(), u"0A\tMJ\t\t\tc\t2\t\t\t\r\n");
 }
 
 TEST_F(CopyingTest, RowsThatHaveGoneAreLeftOut) {

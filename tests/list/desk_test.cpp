@@ -96,6 +96,71 @@ TEST_F(DeskTest, ATextIsLookedForInEveryColumnWithoutRegardToCase) {
   EXPECT_THAT(shown(), IsEmpty());
 }
 
+TEST_F(DeskTest, OnlyFaultsWithANoteAreShownWhenThatIsAskedFor) {
+  std::vector<MemoryRow> many(1000);
+  for (std::size_t i = 0; i < many.size(); ++i) many[i].count = static_cast<std::int64_t>(i);
+  many[700].fault = u"K2";
+  show(many);
+  for (const std::int64_t fault : {3, 700, 999}) rows.kept.notes[fault] = {u"anna", u"", u"cable"};
+  Filter filter;
+  filter.noted = true;
+  desk.setFilter(filter);
+  finish();
+  EXPECT_THAT(shown(), ElementsAre(3, 700, 999));
+  filter.kinds = {KindRule::Way::only, {u"k2"}};
+  desk.setFilter(filter);
+  finish();
+  EXPECT_THAT(shown(), ElementsAre(700));
+  rows.keepsNotes = false;
+  filter.kinds = {};
+  desk.setFilter(filter);
+  finish();
+  EXPECT_THAT(shown(), IsEmpty());
+}
+
+TEST_F(DeskTest, NotesAloneNeedNoSurveyOfTheRows) {
+  show({{u"K1"}, {u"K2"}});
+  Filter filter;
+  filter.noted = true;
+  desk.setFilter(filter);
+  finish();
+  EXPECT_EQ(rows.fetched, 0U);
+  EXPECT_EQ(desk.facts(), nullptr);
+}
+
+TEST_F(DeskTest, AFilterOfNotesFollowsANoteThatIsWritten) {
+  MemoryRow second;
+  second.count = 1;
+  show({{}, second});
+  Filter filter;
+  filter.noted = true;
+  desk.setFilter(filter);
+  finish();
+  EXPECT_THAT(shown(), IsEmpty());
+  rows.kept.notes[1] = {u"anna", u"", u"cable"};
+  desk.noteWritten();
+  EXPECT_TRUE(desk.choosing());
+  finish();
+  EXPECT_THAT(shown(), ElementsAre(1));
+  rows.kept.notes.clear();
+  desk.noteWritten();
+  EXPECT_THAT(shown(), ElementsAre(1)) << "until the choice is complete";
+  finish();
+  EXPECT_THAT(shown(), IsEmpty());
+}
+
+TEST_F(DeskTest, ANoteThatIsWrittenIsNoneOfTheBusinessOfOtherFilters) {
+  show({{u"K1"}, {u"K2"}});
+  desk.noteWritten();
+  EXPECT_FALSE(desk.busy());
+  Filter filter;
+  filter.kinds = {KindRule::Way::only, {u"k1"}};
+  desk.setFilter(filter);
+  finish();
+  desk.noteWritten();
+  EXPECT_FALSE(desk.busy());
+}
+
 TEST_F(DeskTest, ANewerFilterTakesThePlaceOfOneUnderWay) {
   show(std::vector<MemoryRow>(1000));
   rows.rows[700].description = u"needle";

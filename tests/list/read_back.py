@@ -1,6 +1,6 @@
 # Reads a saved list back as other programs do and compares it, line for line, with the rows that were shown:
 # read_back.py DIR, where DIR holds list.csv, list.html, list.json and `shown`, rows ended by U+001E, columns by
-# U+001F, the number last.
+# U+001F: the fault, its number, its note, who wrote that and when.
 import csv
 import html.parser
 import json
@@ -33,7 +33,7 @@ def of_csv():
     with open(folder / "list.csv", encoding="utf-8-sig", newline="") as file:
         rows = list(csv.reader(file, strict=True))
     same("CSV headings", rows[:1], [headings])
-    same("CSV", rows[1:], [[disarmed(text) for text in row[:5]] + row[5:] for row in shown])
+    same("CSV", rows[1:], [[disarmed(text) for text in row[:5]] + row[5:6] + [disarmed(text) for text in row[6:]] for row in shown])
 
 
 def of_json():
@@ -43,7 +43,7 @@ def of_json():
     schema = json.loads((sources / "docs/schemas/faults.schema.json").read_text(encoding="utf-8"))
     form = {"$ref": "#/$defs/saved", "$defs": schema["$defs"]}
     jsonschema.Draft202012Validator(form).validate(saved)
-    keys = ["kind", "class", "time", "processor", "description", "number"]
+    keys = ["kind", "class", "time", "processor", "description", "number", "note", "noteAuthor", "noteTime"]
     same("JSON", [[str(fault[key]) for key in keys] for fault in saved["faults"]], shown)
 
 
@@ -83,11 +83,12 @@ def of_page():
     table = Table()
     table.feed((folder / "list.html").read_bytes().decode("utf-8"))
     table.close()
-    same("HTML headings", table.rows[:1], [headings])
+    same("HTML headings", table.rows[:1], [headings[:7]])
 
     def seen(row):
         lines = row[4].replace("\r\n", "\n").replace("\r", "\n")
-        return [row[0], row[1].strip(" "), row[2], row[3], lines, row[5]]
+        note = row[6] + f"\n{row[7]} · {row[8]}" if row[6] else ""
+        return [row[0], row[1].strip(" "), row[2], row[3], lines, row[5], note]
 
     same("HTML", table.rows[1:], [seen(row) for row in shown])
     classes = [row[1].strip(" ") for row in shown]

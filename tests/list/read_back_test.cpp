@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <random>
 
 #include "fakes/memory_rows.h"
@@ -39,6 +40,17 @@ std::vector<MemoryRow> someRows() {
   return rows;
 }
 
+// To some of them; a note is one line.
+std::map<std::int64_t, database::Note> someNotes(const std::vector<MemoryRow>& rows) {
+  std::mt19937 random(4);
+  std::map<std::int64_t, database::Note> notes;
+  for (const MemoryRow& row : rows)
+    if (random() % 3 == 0)
+      notes[row.count] = {u"north\\" + row.alarm, u"2026/11/21 08:15",
+                          database::noteLine(someText(random) + u"!")};
+  return notes;
+}
+
 void write(const fs::path& file, const std::vector<std::vector<std::u16string>>& rows) {
   std::ofstream out(file, std::ios::binary);
   for (const auto& row : rows) {
@@ -52,6 +64,7 @@ TEST(ReadBack, AllThreeFormsHoldWhatIsShownLineForLine) {
       fs::temp_directory_path() / ("vordane-read-back-" + std::to_string(std::random_device{}()));
   fs::create_directories(folder);
   fakes::MemoryRows rows(someRows());
+  rows.kept.notes = someNotes(rows.rows);
   Desk desk;
   desk.setStored(&rows, u"PBX-1");
   Filter filter;  // so that not all are shown
@@ -62,11 +75,15 @@ TEST(ReadBack, AllThreeFormsHoldWhatIsShownLineForLine) {
   ASSERT_GT(desk.size(), 1000U);
 
   const Sheet sheet{
-      u"Fault <List>", u"PBX-1", u"", {u"x"}, {u"Вид", u"\"C\"", u"D,", u"&", u"F", u"№"}, 2000};
+      u"Fault <List>",         u"PBX-1", u"", {u"x"}, {u"Вид", u"\"C\"", u"D,", u"&", u"F", u"№"}, 2000,
+      {u"Note", u"By", u"At"}, u""};
   std::vector<std::vector<std::u16string>> shown{{sheet.headings.begin(), sheet.headings.end()}};
+  shown[0].insert(shown[0].end(), sheet.noteHeadings.begin(), sheet.noteHeadings.end());
   for (std::size_t at = 0; at < desk.size(); ++at) {
     const auto row = *desk.row(at);
-    shown.push_back({row.fault, row.alarm, row.date, row.cpu, row.description, text::decimal(row.count)});
+    const auto note = rows.kept.of(row.count).value_or(database::Note{});
+    shown.push_back({row.fault, row.alarm, row.date, row.cpu, row.description, text::decimal(row.count),
+                     note.text, note.author, note.moment});
   }
   write(folder / "shown", shown);
   for (const auto& [form, name] : {std::pair{RowForm::csvFile, "list.csv"},

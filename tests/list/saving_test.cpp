@@ -54,6 +54,7 @@ class SavingTest : public testing::Test {
 
 TEST_F(SavingTest, WritesTheRowsShownInTheirOrder) {
   show({{u"K1"}, {u"K2"}, {u"K1", u"MN", u"", u"", u"last", 5}});
+  rows.kept.notes[5] = {u"anna", u"2026/11/21 08:15", u"cable"};
   Filter filter;
   filter.kinds = {KindRule::Way::only, {u"k1"}};
   desk.setFilter(filter);
@@ -65,8 +66,9 @@ TEST_F(SavingTest, WritesTheRowsShownInTheirOrder) {
   EXPECT_FALSE(fs::exists(target));
   EXPECT_EQ(finish(saved), State::saved);
   EXPECT_EQ(contents(target),
-            "\"\",\"\",\"\",\"\",\"\",\"\"\r\n\"K1\",\"MJ\",\"2026/11/20 10:00\",\"MP   \",\"text\",0\r\n"
-            "\"K1\",\"MN\",\"\",\"\",\"last\",5\r\n");
+            "\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\"\r\n"
+            "\"K1\",\"MJ\",\"2026/11/20 10:00\",\"MP   \",\"text\",0,\"\",\"\",\"\"\r\n"
+            "\"K1\",\"MN\",\"\",\"\",\"last\",5,\"cable\",\"anna\",\"2026/11/21 08:15\"\r\n");
   EXPECT_EQ(saved.work([] { return true; }), State::saved) << "once";
   EXPECT_EQ(saved.gone(), 0U);
 }

@@ -1,6 +1,6 @@
 // What a person does with the list stands beside what the window is asked to do: with a filter, a text that
-// is looked for, copies, saved files a place that is kept and a digest of floods, and without them, the same
-// statements run in the same order, and hosts notice the same.
+// is looked for, copies, saved files, notes, a place that is kept and a digest of floods, and without them,
+// the same statements run in the same order, and hosts notice the same.
 #include <filesystem>
 #include <random>
 
@@ -41,6 +41,18 @@ class DeskView : public StoryView {
     while (digest.busy() && use() == window::ListUse::now) digest.work([] { return false; });
     if (digest.flood()) ++floods;
   }
+  // To the first of them, as far as it has none.
+  void writeNote() {
+    database::Notes& notes = *desk.list()->notes();
+    const std::int64_t fault = desk.row(0)->count;
+    const database::Note note{u"anna", u"2026/11/21 08:15", u"cable"};
+    EXPECT_EQ(notes.put(fault, notes.of(fault).value_or(database::Note{}), note), database::Notes::Put::kept);
+    EXPECT_EQ(desk.note(fault), note);
+    desk.noteWritten();
+    haveTime();
+    EXPECT_EQ(desk.size(), 1U);
+    ++notesWritten;
+  }
   void copyAndSave() {
     list::Copying copying(desk, {{0, desk.size()}}, list::RowForm::lines, {});
     while (copying.work([] { return false; }) == list::Copying::State::atWork) {
@@ -60,7 +72,7 @@ class DeskView : public StoryView {
   list::FloodDigest digest{desk};
   bool steadied = false;
   int found = 0;  // times that the place was found again
-  int floods = 0;
+  int floods = 0, notesWritten = 0;
   std::function<window::ListUse()> use;
 };
 
@@ -100,6 +112,7 @@ class ListStory : public Story {
     deskView.haveTime();
     if (deskView.desk.size() == 0) return;
     EXPECT_EQ(deskView.finder.hits(), 1U);
+    deskView.writeNote();
     deskView.copyAndSave();
   }
   bool tickOnce() {
@@ -134,12 +147,16 @@ class ListStory : public Story {
     EXPECT_EQ(deskView.rows->size(), filtered ? 1U : 12U);
     EXPECT_TRUE(form().form().control(u"cmdPrint").flag(u"Enabled"));
     boxes.answer = 6;
-    for (const int action : {2, 3}) {
-      form().input().buttonPressed(action);
-      while (tickOnce()) deskView.haveTime();
-    }
+    form().input().buttonPressed(2);
+    while (tickOnce()) deskView.haveTime();
+    const std::int64_t noted = deskView.desk.row(0)->count;
+    EXPECT_EQ(deskView.desk.note(noted).has_value(), filtered);
+    form().input().buttonPressed(3);
+    while (tickOnce()) deskView.haveTime();
+    EXPECT_EQ(deskView.desk.note(noted), std::nullopt) << "it went with its exchange";
     EXPECT_EQ(deskView.found > 0, filtered);
     EXPECT_EQ(deskView.floods > 0, filtered);
+    EXPECT_EQ(deskView.notesWritten > 0, filtered);
     seen.trace = taken();
     Seen result = std::move(seen);
     seen = {};

@@ -67,6 +67,7 @@ class List : public database::RowList {
   }
 
   std::size_t size() const override { return size_; }
+  database::NoNotes noNotes() const override { return database::NoNotes::accessFile; }
 
   bool fetch(std::size_t position, std::vector<Value>& out) override {
     out.clear();

@@ -21,6 +21,7 @@ class ServerRowList final : public database::RowList {
   }
 
   std::size_t size() const override { return keys_.size(); }
+  database::NoNotes noNotes() const override { return database::NoNotes::server; }
 
   bool fetch(std::size_t position, std::vector<Value>& out) override {
     const Fields& row = rowAt(position);

@@ -144,6 +144,7 @@ class EmbeddedDatabase final : public database::Database {
       rows.run();
       plan.rows.giveBack(std::move(rows));
     }
+    opened_->notes.removeGone();
     write.done();
   }
 

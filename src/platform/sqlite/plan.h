@@ -11,6 +11,7 @@
 #include "platform/jet.h"
 #include "platform/sqlite/connection.h"
 #include "platform/sqlite/event_index.h"
+#include "platform/sqlite/event_notes.h"
 
 namespace vordane::sqlite {
 
@@ -86,6 +87,7 @@ struct Opened {
         plans(connection, *documented) {}
   std::shared_ptr<const jet::Documented> documented;
   Connection connection;
+  EventNotes notes{connection};
   Plans plans;
   jet::Lifted lifted;  // of the statement at hand; keeps its memory for the next
 };

@@ -73,6 +73,7 @@ class EmbeddedRowList final : public database::RowList {
     readAll();
     const ReadScope reading(connection_);
     FoldedNeedle folded(needle);
+    noted_ = table_.events && opened_->notes.any();
     for (std::size_t i = 0; i < size(); ++i) {
       if (progress && i % rowsBetweenProgress == rowsBetweenProgress - 1) progress(i);
       const std::size_t position = walked(first, i, walk);
@@ -88,8 +89,22 @@ class EmbeddedRowList final : public database::RowList {
     for (const std::uint32_t position : positions) readUpTo(position);
     const ReadScope reading(connection_);
     FoldedNeedle folded(needle);
+    noted_ = table_.events && opened_->notes.any();
     for (const std::uint32_t position : positions)
       if (holds(position, folded)) chosen.push_back(position);
+  }
+
+  database::Notes* notes() override {
+    return table_.events && opened_->notes.offered() ? &opened_->notes : nullptr;
+  }
+
+  void chooseNoted(std::span<const std::uint32_t> positions, std::vector<std::uint32_t>& chosen) override {
+    connection_.beforeRead();
+    if (tablesChanged()) return;
+    const ReadScope reading(connection_);
+    if (!table_.events || !opened_->notes.any()) return;
+    for (const std::uint32_t position : positions)
+      if (opened_->notes.has(keyAt(position))) chosen.push_back(position);
   }
 
   std::unique_ptr<database::Survey> survey(const database::SurveyedColumns& columns) override {
@@ -179,7 +194,7 @@ class EmbeddedRowList final : public database::RowList {
         }
       }
     }
-    return found;
+    return found || (noted_ && opened_->notes.has(keyAt(position), &needle));
   }
 
   const Table& table_;
@@ -195,6 +210,7 @@ class EmbeddedRowList final : public database::RowList {
   std::vector<bool> yesNo_;
   Statement row_;
   std::u16string copy_;
+  bool noted_ = false;  // of the walk under way: there are notes to look into
 };
 
 std::vector<std::int64_t> readKeys(Connection& connection, Plan& plan,

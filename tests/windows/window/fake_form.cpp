@@ -232,6 +232,68 @@ std::u16string FakeTexts::text(ViewText which) {
     case ViewText::alarmSound:
       return pick({u"Sound on a new &alarm", u"Зв&ук при новой аварии", u"新しい警報で音を鳴らす(&A)"},
                   language_);
+    case ViewText::noteText:
+      return pick({u"Note", u"Заметка", u"メモ"}, language_);
+    case ViewText::noteAuthor:
+      return pick({u"Note by", u"Автор заметки", u"メモの記入者"}, language_);
+    case ViewText::noteTime:
+      return pick({u"Note written", u"Время заметки", u"メモの日時"}, language_);
+    case ViewText::noteBegin:
+      return pick({u"Note ({1}, {2}):", u"Заметка ({1}, {2}):", u"メモ ({1}、{2}):"}, language_);
+    case ViewText::noteMenu:
+      return pick({u"&Note...", u"За&метка...", u"メモ(&N)..."}, language_);
+    case ViewText::noteEdit:
+      return pick({u"Note to No. {1}:", u"Заметка к № {1}:", u"No. {1} のメモ:"}, language_);
+    case ViewText::noteHow:
+      return pick({u"Enter keeps the note, Esc leaves it as it was. An empty one is taken away.",
+                   u"Enter сохраняет заметку, Esc оставляет прежнюю. Пустая убирается.",
+                   u"Enter で保存し、Esc で元のままにします。空にするとメモは消えます。"},
+                  language_);
+    case ViewText::filterNoted:
+      return pick({u"With a note", u"С заметкой", u"メモ付き"}, language_);
+    case ViewText::noteTooLong:
+      return pick({u"Not kept: the note has {1} characters, and {2} are the most. Shorten it.",
+                   u"Не сохранено: в заметке {1} знаков, а допустимо {2}. Сократите её.",
+                   u"保存していません: メモは {1} 文字です。{2} 文字以内にしてください。"},
+                  language_);
+    case ViewText::noteBlanks:
+      return pick(
+          {u"Line ends and control characters became blanks.",
+           u"Концы строк и управляющие знаки заменены пробелами.", u"改行と制御文字は空白に置き換えました。"},
+          language_);
+    case ViewText::noteFaultGone:
+      return pick({u"Not kept: this fault is no longer stored.",
+                   u"Не сохранено: эта неисправность больше не хранится.",
+                   u"保存していません: この障害はもう保存されていません。"},
+                  language_);
+    case ViewText::noteChanged:
+      return pick({u"Not kept: meanwhile {1} has written: {2}. Enter puts yours in its place.",
+                   u"Не сохранено: тем временем {1} пишет: {2}. Enter ставит вашу заметку на её место.",
+                   u"保存していません: その間に {1} が次のメモを書きました: {2}。Enter で置き換えます。"},
+                  language_);
+    case ViewText::noteTakenAway:
+      return pick({u"Not kept: somebody has taken the former note away meanwhile. Enter keeps yours.",
+                   u"Не сохранено: прежнюю заметку тем временем убрали. Enter сохраняет вашу.",
+                   u"保存していません: 元のメモはその間に消されました。Enter で保存します。"},
+                  language_);
+    case ViewText::noteFailed:
+      return pick({u"Not kept. The database said: {1}", u"Не сохранено. Сообщение базы данных: {1}",
+                   u"保存していません。データベースの応答: {1}"},
+                  language_);
+    case ViewText::notesNotInAccess:
+      return pick({u"Notes are not kept in an Access file, which holds nothing but the fault tables.",
+                   u"В файле Access заметки не хранятся: в нём есть только таблицы неисправностей.",
+                   u"Access ファイルには障害の表だけがあるため、メモは保存できません。"},
+                  language_);
+    case ViewText::notesNotOnServer:
+      return pick({u"Notes are not kept on a database server.", u"На сервере баз данных заметки не хранятся.",
+                   u"データベースサーバーにはメモを保存できません。"},
+                  language_);
+    case ViewText::notesNotInFile:
+      return pick({u"Notes cannot be kept in this file: another program has made its tables.",
+                   u"В этом файле заметки хранить нельзя: его таблицы созданы другой программой.",
+                   u"このファイルの表はほかのプログラムが作成したため、メモを保存できません。"},
+                  language_);
     case ViewText::openGuide:
       return pick({u"&Guide", u"&Руководство", u"ガイド(&G)"}, language_);
     case ViewText::copyFault:
@@ -446,6 +508,11 @@ bool FakeRows::fetch(std::size_t position, std::vector<database::Value>& out) {
     out = {found->fault, found->alarm,       found->date,
            found->cpu,   found->description, static_cast<std::int32_t>(found->count)};
   return found.has_value();
+}
+
+void FakeRows::chooseNoted(std::span<const std::uint32_t> positions, std::vector<std::uint32_t>& chosen) {
+  for (const std::uint32_t position : positions)
+    if (kept.of(static_cast<std::int64_t>(count_ - position))) chosen.push_back(position);
 }
 
 std::vector<GridSource::Range> FakeRows::provenance(std::size_t position, std::size_t character) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "fakes/memory_notes.h"
 #include "platform/database.h"
 #include "platform/services.h"
 #include "platform/view.h"
@@ -45,6 +46,13 @@ class FakeRows : public GridSource, public database::RowList {
   std::vector<Range> provenance(std::size_t row, std::size_t position) override;
   database::RowList* list() override { return this; }
   bool fetch(std::size_t position, std::vector<database::Value>& out) override;
+  database::Notes* notes() override { return noNotesFor ? nullptr : &kept; }
+  database::NoNotes noNotes() const override { return *noNotesFor; }
+  void chooseNoted(std::span<const std::uint32_t> positions, std::vector<std::uint32_t>& chosen) override;
+  // Row 0 has the number of all rows, the last one number 1.
+  fakes::MemoryNotes kept{
+      [this](std::int64_t fault) { return fault > 0 && fault <= static_cast<std::int64_t>(count_); }};
+  std::optional<database::NoNotes> noNotesFor;
   std::size_t fetched = 0;
   bool longTexts = false;
 

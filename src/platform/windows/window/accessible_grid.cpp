@@ -4,6 +4,7 @@
 
 #include "platform/windows/window/geometry.h"
 #include "platform/windows/window/grid.h"
+#include "text/fill.h"
 #include "text/text.h"
 
 namespace vordane::window::win32 {
@@ -128,7 +129,11 @@ class RowElement final : public RowPart {
   }
   std::u16string description() const override {
     const ShownRow* row = grid().row(row_);
-    return row != nullptr ? row->text.detail : std::u16string{};
+    if (row == nullptr || row->note.text.empty()) return row != nullptr ? row->text.detail : std::u16string{};
+    const std::u16string note =
+        fillText(parts_.texts.text(ViewText::noteBegin), {row->note.author, row->note.moment}) + u" " +
+        row->note.text;
+    return row->text.detail.empty() ? note : row->text.detail + u". " + note;
   }
   std::u16string action() const override { return parts_.texts.text(ViewText::actSelect); }
   DWORD state() const override {

@@ -40,7 +40,8 @@ constexpr Row frameRows[] = {
     {Kind::words, idNotice},        {Kind::button, idShowAll},
     {Kind::button, idFlood},        {Kind::button, idNewer},
     {Kind::grid, idGrid},           named(Kind::pane, idPane, ViewText::selectedFault),
-    inGroup(Group::status),
+    {Kind::label, idNoteLabel},     {Kind::box, idNoteText, idNoteLabel},
+    {Kind::words, idNoteMessage},   inGroup(Group::status),
 };
 constexpr Row lampRows[] = {{Kind::lamp, idMajor}, {Kind::lamp, idMinor}};
 constexpr Row findRows[] = {
@@ -49,14 +50,23 @@ constexpr Row findRows[] = {
     {Kind::words, idLookUpMessage},
 };
 constexpr Row filterRows[] = {
-    {Kind::label, idFilterTextLabel},      {Kind::box, idFilterText, idFilterTextLabel},
-    {Kind::tick, idFilterMajor},           {Kind::tick, idFilterMinor},
-    {Kind::button, idFilterKinds},         named(Kind::kinds, idKindList, ViewText::filterKindsName),
-    {Kind::label, idFilterProcessorLabel}, {Kind::choice, idFilterProcessor, idFilterProcessorLabel},
-    {Kind::label, idFilterSinceLabel},     {Kind::box, idFilterSince, idFilterSinceLabel},
-    {Kind::label, idFilterUntilLabel},     {Kind::box, idFilterUntil, idFilterUntilLabel},
-    {Kind::button, idFilterClear},         named(Kind::button, idFilterClose, ViewText::filterClose),
-    {Kind::tick, idFilterOtherDates},      {Kind::words, idFilterMessage},
+    {Kind::label, idFilterTextLabel},
+    {Kind::box, idFilterText, idFilterTextLabel},
+    {Kind::tick, idFilterMajor},
+    {Kind::tick, idFilterMinor},
+    {Kind::tick, idFilterNoted},
+    {Kind::button, idFilterKinds},
+    named(Kind::kinds, idKindList, ViewText::filterKindsName),
+    {Kind::label, idFilterProcessorLabel},
+    {Kind::choice, idFilterProcessor, idFilterProcessorLabel},
+    {Kind::label, idFilterSinceLabel},
+    {Kind::box, idFilterSince, idFilterSinceLabel},
+    {Kind::label, idFilterUntilLabel},
+    {Kind::box, idFilterUntil, idFilterUntilLabel},
+    {Kind::button, idFilterClear},
+    named(Kind::button, idFilterClose, ViewText::filterClose),
+    {Kind::tick, idFilterOtherDates},
+    {Kind::words, idFilterMessage},
 };
 // The account has a window of its own; the other texts are parts of the bar, and the first part is empty.
 constexpr Row statusRows[] = {{Kind::words, idAccount}, {Kind::part, idStatus}, {Kind::part, idStatus}};

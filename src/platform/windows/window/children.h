@@ -38,6 +38,7 @@ enum Id : int {
   idFilterText,
   idFilterMajor,
   idFilterMinor,
+  idFilterNoted,
   idFilterKinds,
   idFilterProcessorLabel,
   idFilterProcessor,
@@ -56,6 +57,9 @@ enum Id : int {
   idNotice,
   idGrid,
   idPane,
+  idNoteLabel,
+  idNoteText,
+  idNoteMessage,
   idStatus,
   idAccount,  // in the status bar
   idCopy,

@@ -77,4 +77,17 @@ bool putOnClipboard(HWND owner, const std::u16string& text, std::string_view htm
   return taken;
 }
 
+std::u16string clipboardText(HWND owner) {
+  if (!opened(owner, waitForClipboard)) return {};
+  std::u16string text;
+  if (const HANDLE memory = GetClipboardData(CF_UNICODETEXT)) {
+    const auto* begin = static_cast<const wchar_t*>(GlobalLock(memory));
+    // It need not end where the memory does, and need not have an end.
+    if (begin != nullptr) text = fromWide(begin, wcsnlen(begin, GlobalSize(memory) / sizeof(wchar_t)));
+    GlobalUnlock(memory);
+  }
+  CloseClipboard();
+  return text;
+}
+
 }  // namespace vordane::window::win32

@@ -20,6 +20,9 @@ bool waitForClipboard(int tries);
 bool putOnClipboard(HWND owner, const std::u16string& text, std::string_view html = {},
                     const WaitForClipboard& wait = waitForClipboard);
 
+// Its text, by the same tries; empty where it holds none or can't be had.
+std::u16string clipboardText(HWND owner);
+
 // The fragment as "HTML Format" wants it: behind a head that says where it stands, in bytes.
 std::string clipboardHtml(std::string_view fragment);
 

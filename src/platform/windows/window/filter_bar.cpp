@@ -38,6 +38,7 @@ void FilterBar::create(HWND parent, ViewTexts& texts, std::function<void()> chan
   texts_ = &texts;
   changed_ = std::move(changed);
   open_ = false;
+  enabled_ = notes_ = true;
   const DWORD label = SS_LEFT | SS_CENTERIMAGE, box = WS_TABSTOP | WS_BORDER | ES_AUTOHSCROLL;
   const DWORD ticked = WS_TABSTOP | BS_AUTOCHECKBOX, button = WS_TABSTOP | BS_PUSHBUTTON;
   const auto make = [&](Part which, int id, const wchar_t* type, const std::u16string& text, DWORD style) {
@@ -47,6 +48,7 @@ void FilterBar::create(HWND parent, ViewTexts& texts, std::function<void()> chan
   make(partText, idFilterText, WC_EDITW, {}, box);
   make(partMajor, idFilterMajor, WC_BUTTONW, texts.text(ViewText::filterMajor), ticked);
   make(partMinor, idFilterMinor, WC_BUTTONW, texts.text(ViewText::filterMinor), ticked);
+  make(partNoted, idFilterNoted, WC_BUTTONW, texts.text(ViewText::filterNoted), ticked);
   make(partKinds, idFilterKinds, WC_BUTTONW, texts.text(ViewText::filterKindsAll), button);
   make(partProcessorLabel, idFilterProcessorLabel, WC_STATICW, texts.text(ViewText::filterProcessor), label);
   make(partProcessor, idFilterProcessor, WC_COMBOBOXW, {}, WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST);
@@ -98,8 +100,9 @@ void FilterBar::hide() {
 
 void FilterBar::enable(bool enabled) {
   if (!enabled) kindList_.hide();
+  enabled_ = enabled;
   for (std::size_t which = 0; which < partCount; ++which)
-    if (which != partMessage) EnableWindow(parts_[which], enabled);
+    if (which != partMessage) EnableWindow(parts_[which], enabled && (which != partNoted || notes_));
 }
 
 void FilterBar::fill(const list::Filter& filter) {
@@ -107,6 +110,7 @@ void FilterBar::fill(const list::Filter& filter) {
   setWindowText(part(partText), filter.text);
   tick(part(partMajor), filter.major);
   tick(part(partMinor), filter.minor);
+  tick(part(partNoted), filter.noted);
   setWindowText(part(partSince), filter.since);
   setWindowText(part(partUntil), filter.until);
   tick(part(partOtherDates), filter.otherDates);
@@ -122,6 +126,7 @@ list::Filter FilterBar::wanted() const {
   filter.text = windowText(part(partText));
   filter.major = isTicked(part(partMajor));
   filter.minor = isTicked(part(partMinor));
+  filter.noted = isTicked(part(partNoted));
   filter.kinds = kindList_.rule();
   filter.since = windowText(part(partSince));
   filter.until = windowText(part(partUntil));
@@ -162,6 +167,11 @@ void FilterBar::showKindsCaption() {
   const std::u16string some = fillText(texts_->text(ViewText::filterKindsSome),
                                        {number(kindList_.shownKinds()), number(kindList_.kinds())});
   setWindowText(part(partKinds), all ? texts_->text(ViewText::filterKindsAll) : some);
+}
+
+void FilterBar::offerNotes(bool offered) {
+  notes_ = offered;
+  EnableWindow(part(partNoted), enabled_ && offered);
 }
 
 void FilterBar::setOtherDates(std::size_t rows) {
@@ -205,6 +215,7 @@ bool FilterBar::command(int id, int code) {
       return true;
     case idFilterMajor:
     case idFilterMinor:
+    case idFilterNoted:
     case idFilterOtherDates:
       if (code == BN_CLICKED) told();
       return true;

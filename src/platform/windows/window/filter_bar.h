@@ -33,6 +33,8 @@ class FilterBar {
   void fill(const list::Filter& filter);  // shows it; nothing is told
   list::Filter wanted() const;            // as it stands in the boxes
   void setKinds(const std::vector<list::Tally>& kinds, const std::vector<list::Tally>& processors);
+  // Whether the faults can have notes at all.
+  void offerNotes(bool offered);
   // Rows whose date has another form; 0 takes the tick away.
   void setOtherDates(std::size_t rows);
   void tell(const std::u16string& message, bool onTheWay);  // what says how far it is is not read out
@@ -54,6 +56,7 @@ class FilterBar {
     partText,
     partMajor,
     partMinor,
+    partNoted,
     partKinds,
     partProcessorLabel,
     partProcessor,
@@ -92,7 +95,7 @@ class FilterBar {
   std::size_t otherDates_ = 0;
   HFONT font_ = nullptr;  // not owned
   int dpi_ = 96;
-  bool open_ = false, filling_ = false;
+  bool open_ = false, filling_ = false, enabled_ = true, notes_ = true;
 };
 
 }  // namespace vordane::window::win32

@@ -37,6 +37,7 @@ int FilterBar::widthOf(Part which) const {
              px(boxPadding);
     case partMajor:
     case partMinor:
+    case partNoted:
     case partOtherDates:
       return caption(tickRoom);
     case partKinds:
@@ -52,8 +53,13 @@ int FilterBar::widthOf(Part which) const {
 // A label and its box stay together where the row breaks.
 std::vector<FilterBar::Placed> FilterBar::arranged(int width, int& height) const {
   static constexpr Part rows[][2] = {
-      {partTextLabel, partText},           {partMajor, partMinor},      {partKinds, partCount},
-      {partProcessorLabel, partProcessor}, {partSinceLabel, partSince}, {partUntilLabel, partUntil},
+      {partTextLabel, partText},
+      {partMajor, partMinor},
+      {partNoted, partCount},
+      {partKinds, partCount},
+      {partProcessorLabel, partProcessor},
+      {partSinceLabel, partSince},
+      {partUntilLabel, partUntil},
   };
   const int end = width - px(margin);
   std::vector<Placed> placed;

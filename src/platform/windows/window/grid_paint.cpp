@@ -9,6 +9,7 @@ namespace vordane::window::win32 {
 namespace {
 
 constexpr int cellPadding = 8, rowPadding = 4, accentWidth = 3, shapeSize = 11, shapeGap = 5;
+constexpr std::u16string_view pencil = u"\u270E ", beforePencil = u"   ";
 constexpr UINT oneLine = DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS;
 
 struct Ink {
@@ -33,6 +34,14 @@ void fill(HDC dc, const RECT& rect, COLORREF colour) {
 void frame(HDC dc, const RECT& rect, COLORREF colour) {
   SetDCBrushColor(dc, colour);
   FrameRect(dc, &rect, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
+}
+
+// The details, and behind a pencil what a person has written to the fault.
+std::u16string detail(const ShownRow& row) {
+  std::u16string words = row.text.detail;
+  if (row.note.text.empty()) return words;
+  if (!words.empty()) words += beforePencil;
+  return words.append(pencil).append(row.note.text);
 }
 
 class RowPainter {
@@ -77,7 +86,7 @@ class RowPainter {
   void description(RECT inside) {
     line(inside, drawing_.row->text.title, look_.plain.get(), ink_.text, DT_LEFT);
     inside.top += look_.lineHeight;
-    line(inside, drawing_.row->text.detail, look_.plain.get(), ink_.quiet, DT_LEFT);
+    line(inside, detail(*drawing_.row), look_.plain.get(), ink_.quiet, DT_LEFT);
   }
 
   void severity(RECT inside) {

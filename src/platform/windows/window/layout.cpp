@@ -97,11 +97,13 @@ class Stacker {
   void placeGridAndPane() {
     const int bottom = std::max(y_, in_.height - in_.statusHeight);
     const int room = bottom - y_ - px(splitterHeight);
-    const int most = std::max(px(smallestPane), room - px(smallestGrid));
-    const int paneHeight = std::clamp(in_.paneHeight, px(smallestPane), most);
+    const int least = px(smallestPane) + in_.noteHeight, most = std::max(least, room - px(smallestGrid));
+    const int paneHeight = std::clamp(in_.paneHeight, least, most);
     const int paneY = std::max(y_, bottom - paneHeight);
     out_.status = box(0, bottom, in_.width, in_.statusHeight);
     out_.pane = box(0, paneY, in_.width, std::max(0, bottom - paneY));
+    out_.note =
+        box(0, std::max(paneY, bottom - in_.noteHeight), in_.width, std::min(in_.noteHeight, bottom - paneY));
     out_.splitter = box(0, paneY - px(splitterHeight), in_.width, px(splitterHeight));
     out_.grid = box(0, y_, in_.width, std::max(0, static_cast<int>(out_.splitter.top) - y_));
   }
@@ -125,7 +127,7 @@ SIZE smallestClient(const LayoutInput& input) {
                      static_cast<int>(wide.received.right) + scaled(margin, input.dpi)});
   const Layout layout = arrange(narrow);
   return {narrow.width, layout.grid.top + scaled(smallestGrid + splitterHeight + smallestPane, input.dpi) +
-                            input.statusHeight};
+                            input.noteHeight + input.statusHeight};
 }
 
 int paneHeightFor(const LayoutInput& input, int y) {

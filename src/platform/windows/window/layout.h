@@ -21,6 +21,7 @@ struct LayoutInput {
   int noticeHeight = 0;      // 0: no notice above the grid
   int floodHeight = 0;       // 0: no flood is told
   int newerHeight = 0;       // 0: no newer faults are above
+  int noteHeight = 0;        // 0: no note is shown below the fault
   int statusHeight = 0;
   int paneHeight = 0;  // as the user wants it
 };
@@ -30,7 +31,7 @@ struct Layout {
   RECT frame{};
   std::array<RECT, 2> lamps{};
   std::vector<RECT> buttons;
-  RECT panel{}, lookUp{}, filter{}, notice{}, flood{}, newer{}, grid{}, splitter{}, pane{}, status{};
+  RECT panel{}, lookUp{}, filter{}, notice{}, flood{}, newer{}, grid{}, splitter{}, pane{}, note{}, status{};
 };
 
 Layout arrange(const LayoutInput& input);

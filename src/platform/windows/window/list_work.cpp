@@ -46,6 +46,13 @@ void ListWork::enable(bool enabled) {
   EnableWindow(newer_.window(), enabled);
 }
 
+void ListWork::noteWritten() {
+  desk_.noteWritten();
+  finder_.begin();
+  wake();
+  tell();
+}
+
 void ListWork::forgetRows() {
   output_.forget();
   finder_.seek({});
@@ -73,6 +80,7 @@ void ListWork::setRows(GridSource* rows, const std::u16string& exchange) {
   }
   const auto place = used && rows != nullptr ? placeIn(*rows, another) : std::nullopt;
   if (!used) steady_.forget();
+  bar_.offerNotes(used && rows != nullptr && keepsNotes());
   grid_.setRows(rows != nullptr ? &desk_ : nullptr, place);
   line_ = place && desk_.choosing() ? std::optional(place->line) : std::nullopt;
   grid_.mark(finder_.needle());
@@ -85,6 +93,14 @@ void ListWork::setRows(GridSource* rows, const std::u16string& exchange) {
   tell();
   tellFlood();
   tellNewer();
+}
+
+bool ListWork::keepsNotes() {
+  try {
+    return desk_.list() != nullptr && desk_.list()->notes() != nullptr;
+  } catch (const database::DatabaseError&) {
+    return false;
+  }
 }
 
 std::optional<Grid::Place> ListWork::placeIn(GridSource& rows, bool another) {

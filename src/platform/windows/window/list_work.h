@@ -44,6 +44,8 @@ class ListWork {
   const Strip& newer() const { return newer_; }  // that newer faults are above
   const Strip& flood() const { return flood_; }  // that there was a flood of them
   void enable(bool enabled);
+  database::RowList* rows() { return desk_.list(); }  // null for none, and while a long step runs
+  void noteWritten();                                 // what filter and count make of it is looked for anew
   std::size_t storedSize() const { return desk_.storedSize(); }
   // What the status line says instead of the number of rows.
   std::optional<std::u16string> count();
@@ -80,6 +82,7 @@ class ListWork {
 
  private:
   std::optional<Grid::Place> placeIn(GridSource& rows, bool another);
+  bool keepsNotes();
   void tellNewer();
   void goToNewest();
   void tellFlood();

@@ -227,7 +227,22 @@ void MainWindow::createGridAndPane() {
   grid_.create(window_, idGrid, std::move(events));
   if (Control* grid = control(gridName)) ids_[grid] = idGrid;
   pane_.create(window_, idPane, [this](WPARAM wide, LPARAM low) { return objectFor(idPane, wide, low); });
+  createNotes();
   status_.create(window_, idStatus, idAccount);
+}
+
+void MainWindow::createNotes() {
+  notes_.create(window_, {[this] { return events_ != nullptr ? events_->listUse() : ListUse::never; },
+                          [this] { return list_.rows(); },
+                          [this] {
+                            list_.noteWritten();
+                            grid_.refresh();
+                          },
+                          [this] { place(); },
+                          [this](const std::u16string& words) {
+                            status_.remark(words);
+                            placeStatus();
+                          }});
 }
 
 // Below the entries of the frame, which the system words in its own language.

@@ -17,6 +17,7 @@
 #include "platform/windows/window/layout.h"
 #include "platform/windows/window/list_work.h"
 #include "platform/windows/window/look_up_bar.h"
+#include "platform/windows/window/note_work.h"
 #include "platform/windows/window/status_line.h"
 #include "platform/windows/window/tick_timer.h"
 #include "platform/windows/window/win32_view.h"
@@ -61,6 +62,7 @@ class MainWindow final : public Win32View {
   // Creation.
   void createChildren();
   void createGridAndPane();
+  void createNotes();
   void createAttention();
   void createMenuEntries();
   void showMenuEntries(HMENU menu);
@@ -160,6 +162,7 @@ class MainWindow final : public Win32View {
   DetailPane pane_;
   LookUpBar lookUp_;
   ListWork list_{grid_, texts_};
+  NoteWork notes_{grid_, texts_};
   StatusLine status_;
   AttentionWork attention_;
   HelpPopup help_;

@@ -65,6 +65,7 @@ LayoutInput MainWindow::layoutInput() const {
     in.noticeHeight = noticeBarHeight(noticeText_, in.width, font_.get(), dpi_);
   if (list_.flood().shown()) in.floodHeight = grid_.rowHeight();
   if (list_.newer().shown() && grid_.size() > 0) in.newerHeight = grid_.rowHeight();
+  in.noteHeight = notes_.bar().height();
   in.statusHeight = status_.heightFor(in.width, in.height / mostOfTheWindow);
   in.paneHeight = paneHeight_;
   return in;
@@ -102,7 +103,11 @@ void MainWindow::place() {
   RECT text = layout_.pane;  // the room around it is the pane's own ground
   text.left += scaled(paneLeft, dpi_);
   text.top = std::min(text.bottom, text.top + scaled(paneTop, dpi_));
+  text.bottom = std::max(text.top, layout_.note.top);
   put(pane_.window(), text);
+  notes_.bar().place(layout_.note);
+  setTip(notes_.bar().box(), notes_.bar().editing() ? std::u16string{} : notes_.bar().text());
+  setTip(notes_.bar().message(), windowText(notes_.bar().message()));
   placeNotice(layout_);
   status_.place(layout_.status);
   setTip(status_.account(), status_.hiddenText());

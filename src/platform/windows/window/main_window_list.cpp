@@ -18,6 +18,7 @@ constexpr std::pair<What, ViewText> copyEntries[] = {{What::rows, ViewText::copy
                                                      {What::csv, ViewText::copyCsv}};
 enum GridCommand : UINT {
   saveCommand = 1,
+  noteCommand,
   lookUpCommand,
   copyCommand,
   onlyCommand = copyCommand + std::size(copyEntries)
@@ -39,6 +40,7 @@ void MainWindow::gridMenu(POINT place) {
   appendCopies(menu.get());
   if (IsWindowEnabled(item(idLookUp)))
     AppendMenuW(menu.get(), MF_STRING, lookUpCommand, wide(windowText(item(idLookUp))));
+  AppendMenuW(menu.get(), MF_STRING, noteCommand, wide(texts_.text(ViewText::noteMenu) + u"\tF2"));
   const GridRow row = selected->fault;  // the menu serves messages meanwhile
   if (IsWindowEnabled(item(idFilter))) appendFilters(menu.get(), row);
   const BOOL chosen =
@@ -48,6 +50,7 @@ void MainWindow::gridMenu(POINT place) {
 
 void MainWindow::chosenInMenu(UINT command, const GridRow& row) {
   if (command == saveCommand) return list_.save();
+  if (command == noteCommand) return notes_.write();
   if (command == lookUpCommand) return openLookUp();
   if (command >= onlyCommand) return list_.show(onlyEntries[command - onlyCommand], row);
   list_.copy(copyEntries[command - copyCommand].first);

@@ -79,7 +79,7 @@ LRESULT MainWindow::handle(UINT message, WPARAM wide, LPARAM low) {
       nameForScreenReaders(list_.bar().kindWindow(), texts_.text(ViewText::filterKindsName));
       for (const int lamp : {idMajor, idMinor}) makeLive(item(lamp), Urgency::atOnce);
       for (HWND live : {notice_, status_.account(), lookUp_.message(), list_.bar().message(),
-                        list_.flood().window(), list_.newer().window()})
+                        notes_.bar().message(), list_.flood().window(), list_.newer().window()})
         makeLive(live, Urgency::politely);
       return 0;
     case sortMessage:
@@ -151,6 +151,12 @@ LRESULT MainWindow::handleDrawing(UINT message, WPARAM wide, LPARAM low) {
       if (reinterpret_cast<HWND>(low) == status_.account())  // as the status bar that it stands on
         return DefWindowProcW(window_, message, wide, low);
       const HDC dc = reinterpret_cast<HDC>(wide);
+      if (notes_.bar().has(reinterpret_cast<HWND>(low))) {  // it stands on the pane's ground
+        SetTextColor(dc, palette_.text);
+        SetBkColor(dc, palette_.surface);
+        SetDCBrushColor(dc, palette_.surface);
+        return reinterpret_cast<LRESULT>(GetStockObject(DC_BRUSH));
+      }
       RECT place;
       GetWindowRect(reinterpret_cast<HWND>(low), &place);
       MapWindowPoints(nullptr, window_, reinterpret_cast<POINT*>(&place), 2);
@@ -188,6 +194,7 @@ LRESULT MainWindow::command(int id, int code) {
   if (id == IDOK && list_.bar().listOpen()) list_.bar().closeList();
   if (id == IDOK && GetFocus() == list_.newer().window()) return command(idNewer, BN_CLICKED);
   if (id == IDOK && GetFocus() == list_.flood().window()) return command(idFlood, BN_CLICKED);
+  if (id == IDOK && GetFocus() == notes_.bar().box()) notes_.keep();
   if (id == IDCANCEL) escape();
   if (list_.command(id, code)) return 0;
   if (id == idExchange) exchangeNotified(code);
@@ -287,6 +294,7 @@ void MainWindow::giveFocusBack() {
 // Ends the first of what there is to end: the open list of kinds, a choice under way, the bar with the focus,
 // the other bar.
 void MainWindow::escape() {
+  if (notes_.escape()) return;
   if (list_.escape()) return;
   if (lookUp_.open()) return closeLookUp();
   if (list_.bar().open()) list_.close();
@@ -301,7 +309,7 @@ std::u16string MainWindow::focusedPart() const {
   const int id = GetDlgCtrlID(focused);
   if (id >= idLookUpLabel && id <= idLookUpMessage) return std::u16string(lookUpBarPart);
   if (id >= idFilterTextLabel && id <= idShowAll) return std::u16string(filterBarPart);
-  if (id == idPane) return std::u16string(panePart);
+  if (id == idPane || id == idNoteText) return std::u16string(panePart);
   if (id == idFlood || id == idNewer) return std::u16string(gridName);
   for (const auto& [shown, childId] : ids_)
     if (childId == id) return shown->name();
@@ -349,6 +357,10 @@ bool MainWindow::keyDown(WPARAM key) {
   const WPARAM column = key - '1';  // headings by keyboard
   if (column < columnCount && controlHeld()) {
     list_.byChoice([&] { events_->headingClicked(static_cast<int>(column)); });
+    return true;
+  }
+  if (key == VK_F2) {
+    notes_.write();
     return true;
   }
   if (key == VK_F3) {

@@ -115,6 +115,7 @@ void MainWindow::updateInput() {
   for (const auto& [shown, id] : ids_) applyEnabled(*shown, id);
   lookUp_.enable(allowed);
   list_.enable(allowed);
+  notes_.bar().enable(allowed);
   grid_.takeInput(allowed);
   pane_.takeInput(allowed);
   if (allowed) giveFocusBack();
@@ -186,6 +187,7 @@ void MainWindow::restyle() {
   Font plain = makeFont(own, dpi_);
   lookUp_.setFont(plain.get());
   list_.bar().setFont(plain.get(), dpi_);
+  notes_.bar().setFont(plain.get(), dpi_);
   SendMessageW(list_.showAllButton(), WM_SETFONT, reinterpret_cast<WPARAM>(plain.get()), TRUE);
   status_.setFont(plain.get(), dpi_);
   for (HWND window : {notice_, tips_})
@@ -243,6 +245,7 @@ void MainWindow::showSelected() {
     pane_.showFault(*grid_.source(), *place, row->fault.description);
   else
     pane_.showHint(grid_.size() > 0 ? texts_.text(ViewText::noSelection) : std::u16string{});
+  notes_.look();
 }
 
 // What a saved list says besides its rows: what stands around them in the window.
@@ -260,6 +263,9 @@ list::Sheet MainWindow::sheet() {
     sheet.headings[column] =
         textOf(*grid, std::u16string(u"Columns(") + static_cast<char16_t>(u'0' + column) + u").Caption");
   sheet.stored = list_.storedSize();
+  sheet.noteHeadings = {texts_.text(ViewText::noteText), texts_.text(ViewText::noteAuthor),
+                        texts_.text(ViewText::noteTime)};
+  sheet.noteBegin = texts_.text(ViewText::noteBegin);
   return sheet;
 }
 

@@ -18,10 +18,15 @@ const ShownRow* RowCache::row(std::size_t position) {
     place.position = position;
     auto fetched = source_->row(position);
     place.present = fetched.has_value();
+    place.noteKnown = false;
     if (fetched) {
       place.row.text = rowText(fetched->description);
       place.row.fault = std::move(*fetched);
     }
+  }
+  if (place.present && !place.noteKnown) {
+    place.noteKnown = source_->list() != nullptr;
+    place.row.note = source_->note(place.row.fault.count).value_or(database::Note{});
   }
   return place.present ? &place.row : nullptr;
 }

@@ -12,6 +12,7 @@ namespace vordane::window::win32 {
 struct ShownRow {
   GridRow fault;
   RowText text;
+  database::Note note;  // without a text where there is none
 };
 
 class RowCache {
@@ -29,7 +30,7 @@ class RowCache {
   static constexpr std::size_t places = 256;
   struct Place {
     std::size_t position = static_cast<std::size_t>(-1);
-    bool present = false;
+    bool present = false, noteKnown = false;
     ShownRow row;
   };
 

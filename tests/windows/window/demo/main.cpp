@@ -1,12 +1,13 @@
 // Shows the window over rows in memory and prints every event that reaches the form, so that a person (or a
 // program that presses its buttons) can see what the window does. Words on the command line: ru, ja; empty,
-// waiting, failure, busy, million, long; filter, kinds, nothing; find; newer; flood; size=WIDTHxHEIGHT in
-// pixels at 96 dots an inch; picture=PATH.
+// waiting, failure, busy, million, long; filter, kinds, nothing; find; newer; flood; note, write;
+// size=WIDTHxHEIGHT in pixels at 96 dots an inch; picture=PATH.
 #include <windows.h>
 
 #include <objbase.h>
 
 #include <cstdio>
+#include <cwchar>
 #include <string>
 
 #include "list/flood.h"
@@ -29,10 +30,11 @@ struct Options {
   std::size_t rows = 1204;
   bool empty = false, waiting = false, failure = false, busy = false, longTexts = false;
   bool filter = false, kinds = false,
-       nothing = false;  // the bar open, its list too, and no fault that passes
-  bool find = false;     // a text looked for, and gone to twice
-  bool newer = false;    // faults have come while a person was in the list
-  bool flood = false;    // many faults within ten minutes
+       nothing = false;              // the bar open, its list too, and no fault that passes
+  bool find = false;                 // a text looked for, and gone to twice
+  bool newer = false;                // faults have come while a person was in the list
+  bool flood = false;                // many faults within ten minutes
+  bool note = false, write = false;  // a fault with a note, and the note being written
   int width = 0, height = 0;
   std::u16string picture;
 };
@@ -114,6 +116,8 @@ Options readOptions(int count, char** words) {
     if (word == "find") options.find = true;
     if (word == "newer") options.newer = true;
     if (word == "flood") options.flood = true;
+    if (word == "note") options.note = true;
+    if (word == "write") options.note = options.write = true;
     if (word == "long") options.longTexts = true;
     if (word == "million") options.rows = 1'000'000;
     if (word.rfind("size=", 0) == 0) std::sscanf(word.c_str(), "size=%dx%d", &options.width, &options.height);
@@ -182,6 +186,24 @@ void showFind(HWND window, Language language) {
   const wchar_t* words[] = {L"fault", L"плат", L"回線"};
   SetWindowTextW(GetDlgItem(window, win32::idLookUpText), words[static_cast<std::size_t>(language)]);
   for (int step = 0; step < 2; ++step) press(win32::idLookUpNext);
+}
+
+// The second fault has one; it is selected, and written to.
+void showNote(HWND window, const Options& options, FakeRows& rows) {
+  const wchar_t* cable[] = {L"cable to be replaced on Monday, tell Boris",
+                            L"кабель заменят в понедельник, сказать Борису",
+                            L"月曜日にケーブルを交換予定、ボリスに連絡"};
+  const wchar_t* text = cable[static_cast<std::size_t>(options.language)];
+  for (const std::size_t row : {1U, 3U})
+    rows.kept.notes[static_cast<std::int64_t>(rows.size() - row)] = {
+        u"NORTH-7\\anna", u"2026/11/21 08:15", win32::fromWide(text, std::wcslen(text))};
+  MSG message;
+  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);  // the first look
+  const HWND grid = GetDlgItem(window, win32::idGrid);
+  constexpr UINT chosen = LVIS_SELECTED | LVIS_FOCUSED;
+  ListView_SetItemState(grid, 1, chosen, chosen);
+  SetFocus(grid);
+  if (options.write) PostMessageW(grid, WM_KEYDOWN, VK_F2, 1);
 }
 
 // The rows before the newest ones came.
@@ -263,6 +285,7 @@ int main(int count, char** words) {
   if (options.busy) view->setInputEnabled(false);
   if (options.filter) showFilter(view->window(), options);
   if (options.find) showFind(view->window(), options.language);
+  if (options.note) showNote(view->window(), options, rows);
   if (options.newer) showNewer(*view, view->window(), rows);
   FloodedRows flooded(rows);
   if (options.flood) view->setRows(&flooded);

@@ -1,0 +1,57 @@
+// The line below the selected fault with what a person has written to it: to be read while there is a note,
+// and to be written in when that is asked for. Without either it takes no room. It knows no fault. One
+// thread; its windows die with their parent.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+
+#include "platform/windows/window/watch.h"
+
+namespace vordane::window::win32 {
+
+class NoteBar {
+ public:
+  // `blanked` is called when something was pasted in which line ends or control characters became blanks.
+  void create(HWND parent, std::function<void()> blanked);
+  void setFont(HFONT font, int dpi);  // `font` must live until the next one is set
+
+  void show(const std::u16string& label, const std::u16string& text);
+  void edit(const std::u16string& label, const std::u16string& text);  // with the focus in it
+  void hide();
+  bool shown() const { return state_ != State::hidden; }
+  bool editing() const { return state_ == State::edited; }
+  void enable(bool enabled);
+
+  std::u16string text() const;
+  // Below the box while it is written in, and read out.
+  void tell(const std::u16string& message);
+
+  int height() const;  // in pixels; 0 while it is hidden
+  void place(const RECT& bar);
+
+  bool has(HWND part) const {
+    return part != nullptr && (part == label_ || part == box_ || part == message_);
+  }
+  HWND box() const { return box_; }
+  HWND message() const { return message_; }
+
+ private:
+  enum class State { hidden, read, edited };
+  void turn(State state, const std::u16string& label, const std::u16string& text);
+  LRESULT heard(UINT message, WPARAM wide, LPARAM low);
+  void paste();
+  int boxTall() const;
+  int messageTall() const;
+
+  HWND label_ = nullptr, box_ = nullptr, message_ = nullptr;
+  Watch watch_;
+  std::function<void()> blanked_;
+  State state_ = State::hidden;
+  HFONT font_ = nullptr;  // not owned
+  int dpi_ = 96;
+};
+
+}  // namespace vordane::window::win32
