@@ -217,13 +217,17 @@ inline constexpr std::size_t sortedDownwards = 313;
 
 // The window's system menu.
 inline constexpr std::size_t menuAlarmSound = 314;
+inline constexpr std::size_t newFault = 315;
+inline constexpr std::size_t newFaults = 316;
+inline constexpr std::size_t noNewFault = 317;
+inline constexpr std::size_t nextNew = 318;
 
 // The product's own numbers, as [first, end). Behind the last stand the titles and labels of fault kinds that
 // came later; own ones that come after those begin a range of their own.
 struct Range {
   std::size_t first, end;
 };
-inline constexpr std::array ownTexts{Range{165, 315}};
+inline constexpr std::array ownTexts{Range{165, 319}};
 inline constexpr std::size_t count = ownTexts.back().end;  // of all that are named here or stand before
 
 constexpr bool isOwn(std::size_t number) {
@@ -239,8 +243,8 @@ inline constexpr std::array windowKeys{lookUpLabel, lookUpNext,     filterText, 
 // The captions that a control takes in turn: the second has the first one's key.
 inline constexpr std::array captionsInTurn{std::pair{filterKindsAll, filterKindsSome}};
 inline constexpr std::array paneMenuKeys{menuCopy};
-inline constexpr std::array listMenuKeys{onlyKind, withoutKind, onlyProcessor, onlyDay,
-                                         copyCsv,  copyMessage, copyData,      saveShown};
+inline constexpr std::array listMenuKeys{onlyKind,    withoutKind, onlyProcessor, onlyDay, copyCsv,
+                                         copyMessage, copyData,    saveShown,     nextNew};
 inline constexpr std::array frameMenuKeys{menuGuide, menuAlarmSound};
 
 }  // namespace vordane::message

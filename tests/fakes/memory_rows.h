@@ -36,6 +36,10 @@ class MemoryRows final : public window::GridSource, public database::RowList {
   std::optional<Range> dataPart(std::size_t row) override { return Range{row, row + 1}; }
   database::RowList* list() override { return held ? nullptr : this; }
 
+  std::optional<std::int64_t> number(std::size_t position) const override {
+    return numbered ? std::optional(rows.at(position).count) : std::nullopt;
+  }
+
   bool fetch(std::size_t position, std::vector<database::Value>& out) override {
     if (failAtFetch && fetched == *failAtFetch) throw database::DatabaseError(3049, u"damaged");
     ++fetched;
@@ -48,6 +52,7 @@ class MemoryRows final : public window::GridSource, public database::RowList {
 
   std::vector<MemoryRow> rows;
   bool held = false;  // a long step runs
+  bool numbered = true;
   std::size_t fetched = 0;
   std::optional<std::size_t> failAtFetch;
 };
