@@ -20,7 +20,7 @@ constexpr std::int64_t farBelow = 10'000;
 }  // namespace
 
 void LastLook::forget() {
-  busy_ = begun_ = false;
+  busy_ = begun_ = failed_ = false;
   read_ = 0;
   identity_.clear();
   known_.clear();
@@ -30,10 +30,7 @@ bool LastLook::work(database::Arrivals& store, std::span<const std::int64_t> exc
                     const std::function<bool()>& again) {
   bool changed = false;
   try {
-    if (std::exchange(begun_, false)) {
-      meet(store, exchanges);
-      changed = true;
-    }
+    if (std::exchange(begun_, false)) changed = meet(store, exchanges);
     do {
       if (identity_.empty()) {
         busy_ = false;
@@ -46,46 +43,55 @@ bool LastLook::work(database::Arrivals& store, std::span<const std::int64_t> exc
     if (!busy_) raiseFarMarks(exchanges);
   } catch (const database::DatabaseError&) {
     busy_ = false;
+    failed_ = true;
   }
   return changed;
 }
 
-// At each beginning, since another copy of the store may have taken its place meanwhile.
-void LastLook::meet(database::Arrivals& store, std::span<const std::int64_t> exchanges) {
-  const std::u16string identity = store.identity();
-  const std::int64_t highest = identity.empty() ? 0 : store.highest();
-  if (identity != identity_ || highest < read_) {
-    forget();
-    identity_ = identity;
+// At each beginning, since an older copy may have taken the store's place, and other exchanges may be listed.
+bool LastLook::meet(database::Arrivals& store, std::span<const std::int64_t> exchanges) {
+  if (identity_.empty()) identity_ = store.identity();
+  if (identity_.empty()) return false;
+  const std::int64_t highest = store.highest();
+  bool changed = false;
+  if (known_.empty() || highest < read_) {
+    known_.clear();
     read_ = highest;
+    const auto met = kept(identity_);
+    baseline_ = std::min(met.value_or(highest), highest);
+    if (met != baseline_) keep(identity_, baseline_);
+    changed = true;
   } else {
-    followOthers();
+    changed = followOthers();
   }
-  if (identity_.empty()) return;
-  const auto met = kept(identity_);
-  baseline_ = std::min(met.value_or(highest), highest);
-  if (met != baseline_) keep(identity_, baseline_);
-  list(exchanges, highest);
+  return list(exchanges, highest) || changed;
 }
 
 // Of an exchange that is listed from now on everything above its mark has to be read.
-void LastLook::list(std::span<const std::int64_t> exchanges, std::int64_t highest) {
+bool LastLook::list(std::span<const std::int64_t> exchanges, std::int64_t highest) {
+  bool changed = false;
   for (const std::int64_t exchange : exchanges) {
     if (known_.contains(exchange)) continue;
     std::int64_t mark = kept(keyOf(exchange)).value_or(baseline_);
     if (mark > highest) keep(keyOf(exchange), mark = highest);
     known_[exchange].mark = mark;
     if (mark < read_) readAgainFrom(mark);
+    changed = true;
   }
+  return changed;
 }
 
 // The same person may have looked in another window.
-void LastLook::followOthers() {
+bool LastLook::followOthers() {
+  bool changed = false;
   for (auto& [exchange, one] : known_) {
     if (one.above.empty()) continue;
     const auto elsewhere = kept(keyOf(exchange));
-    if (elsewhere && *elsewhere > one.mark) settle(one, *elsewhere);
+    if (!elsewhere || *elsewhere <= one.mark) continue;
+    settle(one, *elsewhere);
+    changed = true;
   }
+  return changed;
 }
 
 bool LastLook::take(const std::vector<database::Arrival>& arrivals) {

@@ -31,9 +31,14 @@ class LastLook {
   // More is not counted of an exchange: so many, or more.
   static constexpr std::size_t mostCounted = 1000;
 
-  void begin() { busy_ = begun_ = true; }  // something may have come
-  void forget();                           // the store goes
+  // Something may have come.
+  void begin() {
+    busy_ = begun_ = true;
+    failed_ = false;
+  }
+  void forget();  // the store goes
   bool busy() const { return busy_; }
+  bool failed() const { return failed_; }
   // Goes on while `again` says so, one piece at least; `exchanges` are those that the window lists. True when
   // there is something else to be shown. What fails ends it until the next beginning; never throws.
   bool work(database::Arrivals& store, std::span<const std::int64_t> exchanges,
@@ -51,9 +56,9 @@ class LastLook {
     std::int64_t mark = 0;
     std::vector<std::int64_t> above;  // numbers, rising
   };
-  void meet(database::Arrivals& store, std::span<const std::int64_t> exchanges);
-  void list(std::span<const std::int64_t> exchanges, std::int64_t highest);
-  void followOthers();
+  bool meet(database::Arrivals& store, std::span<const std::int64_t> exchanges);
+  bool list(std::span<const std::int64_t> exchanges, std::int64_t highest);
+  bool followOthers();
   bool take(const std::vector<database::Arrival>& arrivals);
   void readAgainFrom(std::int64_t number);
   void settle(Known& one, std::int64_t highest);
@@ -63,7 +68,7 @@ class LastLook {
   std::u16string keyOf(std::int64_t exchange) const;
 
   platform::SettingsStore& settings_;
-  bool busy_ = false, begun_ = false;
+  bool busy_ = false, begun_ = false, failed_ = false;
   std::u16string identity_;    // empty: the store is not known
   std::int64_t baseline_ = 0;  // what was there when the user met the store
   std::int64_t read_ = 0;      // everything up to it has been taken

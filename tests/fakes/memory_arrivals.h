@@ -11,11 +11,11 @@ namespace vordane::fakes {
 
 class MemoryArrivals final : public database::Arrivals {
  public:
-  std::u16string identity() override {
+  std::u16string identity() override { return ownIdentity; }
+  std::int64_t highest() override {
     if (fails) throw database::DatabaseError(3260, u"locked");
-    return ownIdentity;
+    return all.empty() ? 0 : all.back().number;
   }
-  std::int64_t highest() override { return all.empty() ? 0 : all.back().number; }
   std::vector<database::Arrival> after(std::int64_t number, std::size_t most) override {
     std::vector<database::Arrival> next;
     for (const database::Arrival& each : all)

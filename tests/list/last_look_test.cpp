@@ -102,11 +102,11 @@ TEST_F(LastLookTest, EachStoreHasItsOwnMarks) {
   other.ownIdentity = u"bb";
   other.add(1, 2);
   std::swap(store, other);
-  follow();
+  start();
   EXPECT_EQ(look->mark(1), 2);
   EXPECT_EQ(look->newFaults(1), 0U);
   std::swap(store, other);
-  follow();
+  start();
   EXPECT_EQ(look->mark(1), 15);
   EXPECT_EQ(look->newFaults(1), 4U);
 }
@@ -181,6 +181,14 @@ TEST_F(LastLookTest, WhatIsReadOnceIsNotReadAgain) {
   EXPECT_EQ(store.read - before, 2U);
 }
 
+TEST_F(LastLookTest, NothingIsToldToBeDrawnAnewWhereNothingChanged) {
+  store.add(1, 2);
+  look->begin();
+  EXPECT_TRUE(look->work(store, exchanges, always));
+  look->begin();
+  EXPECT_FALSE(look->work(store, exchanges, always));
+}
+
 TEST_F(LastLookTest, ItIsReadInPieces) {
   store.add(1, 1700);
   look->begin();
@@ -218,10 +226,12 @@ TEST_F(LastLookTest, WhatFailsIsTriedAtTheNextBeginning) {
   store.add(1, 2);
   store.fails = true;
   follow();
+  EXPECT_TRUE(look->failed());
   EXPECT_EQ(look->newFaults(1), 0U);
   EXPECT_EQ(look->mark(1), 15);
   store.fails = false;
   follow();
+  EXPECT_FALSE(look->failed());
   EXPECT_EQ(look->newFaults(1), 2U);
 }
 

@@ -10,8 +10,8 @@ namespace {
 using fakes::MemoryRow;
 using fakes::MemoryRows;
 
-constexpr auto always = [] { return true; };
-constexpr auto never = [] { return false; };
+constexpr auto wholly = [] { return true; };
+constexpr auto onePiece = [] { return false; };
 
 class NextNewTest : public testing::Test {
  protected:
@@ -31,7 +31,7 @@ class NextNewTest : public testing::Test {
     Filter filter;
     filter.kinds = {KindRule::Way::only, {std::move(kind)}};
     desk.setFilter(filter);
-    while (desk.work(always).worked) {
+    while (desk.work(wholly).worked) {
     }
   }
 
@@ -71,7 +71,7 @@ TEST_F(NextNewTest, OnlyRowsThatTheFilterShowsAreGoneTo) {
 TEST_F(NextNewTest, TheHighestNumberIsThatOfAllStoredRowsWhateverTheFilterShows) {
   onlyKind(u"02");
   EXPECT_EQ(news.highest(), std::nullopt) << "nobody has looked yet";
-  news.work(always);
+  news.work(wholly);
   EXPECT_FALSE(news.busy());
   EXPECT_EQ(news.highest(), 9);
 }
@@ -84,21 +84,21 @@ TEST_F(NextNewTest, AMillionRowsAreLookedAtInPieces) {
   int pieces = 0;
   for (; news.busy(); ++pieces) {
     EXPECT_EQ(news.highest(), std::nullopt);
-    news.work(never);
+    news.work(onePiece);
   }
   EXPECT_EQ(pieces, 4);
   EXPECT_EQ(news.highest(), 5);
 }
 
 TEST_F(NextNewTest, NothingIsReadForIt) {
-  news.work(always);
+  news.work(wholly);
   news.next(6, 0);
   EXPECT_EQ(rows.fetched, 0U);
 }
 
 TEST_F(NextNewTest, RowsWithoutNumbersAreNeverNew) {
   rows.numbered = false;
-  news.work(always);
+  news.work(wholly);
   EXPECT_EQ(news.highest(), std::nullopt);
   EXPECT_EQ(news.next(0, std::nullopt), std::nullopt);
 }
@@ -106,7 +106,7 @@ TEST_F(NextNewTest, RowsWithoutNumbersAreNeverNew) {
 TEST_F(NextNewTest, WhileALongStepHoldsTheRowsItRests) {
   rows.held = true;
   EXPECT_FALSE(news.busy());
-  news.work(always);
+  news.work(wholly);
   EXPECT_EQ(news.next(0, std::nullopt), std::nullopt);
   rows.held = false;
   EXPECT_TRUE(news.busy());

@@ -19,6 +19,7 @@ constexpr std::pair<What, ViewText> copyEntries[] = {{What::rows, ViewText::copy
 enum GridCommand : UINT {
   saveCommand = 1,
   lookUpCommand,
+  nextNewCommand,
   copyCommand,
   onlyCommand = copyCommand + std::size(copyEntries)
 };
@@ -39,6 +40,8 @@ void MainWindow::gridMenu(POINT place) {
   appendCopies(menu.get());
   if (IsWindowEnabled(item(idLookUp)))
     AppendMenuW(menu.get(), MF_STRING, lookUpCommand, wide(windowText(item(idLookUp))));
+  if (look_.offered())
+    AppendMenuW(menu.get(), MF_STRING, nextNewCommand, wide(texts_.text(ViewText::nextNew) + u"\tF6"));
   const GridRow row = selected->fault;  // the menu serves messages meanwhile
   if (IsWindowEnabled(item(idFilter))) appendFilters(menu.get(), row);
   const BOOL chosen =
@@ -49,6 +52,7 @@ void MainWindow::gridMenu(POINT place) {
 void MainWindow::chosenInMenu(UINT command, const GridRow& row) {
   if (command == saveCommand) return list_.save();
   if (command == lookUpCommand) return openLookUp();
+  if (command == nextNewCommand) return goToNextNew();
   if (command >= onlyCommand) return list_.show(onlyEntries[command - onlyCommand], row);
   list_.copy(copyEntries[command - copyCommand].first);
 }
@@ -84,6 +88,18 @@ void MainWindow::closeLookUp() {
   markFound();
   place();
   SetFocus(grid_.window());
+}
+
+// Where rows can't be told to be new, the key does nothing.
+void MainWindow::goToNextNew() {
+  if (!inputAllowed() || events_ == nullptr || events_->listUse() != ListUse::now || !look_.offered()) return;
+  if (const auto row = look_.next(grid_.selected())) {
+    grid_.select(*row);
+    SetFocus(grid_.window());
+    return;
+  }
+  status_.remark(texts_.text(ViewText::noNewFault));
+  placeStatus();
 }
 
 // The text in the bar is marked as long as the bar is there.
