@@ -66,6 +66,7 @@ TEST_F(NextNewTest, OnlyRowsThatTheFilterShowsAreGoneTo) {
   EXPECT_EQ(news.next(6, 0), 0U) << "number 2 is none";
   EXPECT_TRUE(news.isNew(0, 6)) << "number 8 stands first now";
   EXPECT_FALSE(news.isNew(1, 6));
+  EXPECT_FALSE(news.isNew(0, 8)) << "not the row that is stored first";
 }
 
 TEST_F(NextNewTest, TheHighestNumberIsThatOfAllStoredRowsWhateverTheFilterShows) {

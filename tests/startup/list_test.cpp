@@ -168,7 +168,7 @@ class ListStory : public Story {
     }
     EXPECT_EQ(deskView.found > 0, filtered);
     EXPECT_EQ(deskView.floods > 0, filtered);
-    EXPECT_EQ(deskView.newFaults, filtered ? 12U : 0U) << "of the exchange that came second";
+    EXPECT_EQ(deskView.newFaults, filtered ? 24U : 0U) << "of both exchanges, once";
     EXPECT_EQ(deskView.nextNew > 0, filtered);
     seen.trace = taken();
     Seen result = std::move(seen);

@@ -9,7 +9,7 @@
 namespace vordane::window::win32 {
 namespace {
 
-constexpr int edge = 4, gap = 10;
+constexpr int entryEdge = 4, numberGap = 10;
 constexpr UINT entryLine = DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS;
 
 bool isChosen(const DRAWITEMSTRUCT& item) {
@@ -39,7 +39,7 @@ void drawExchange(const DRAWITEMSTRUCT& item, const std::u16string& name, const 
   SetBkMode(item.hDC, TRANSPARENT);
   SetTextColor(item.hDC, ink);
   RECT words = item.rcItem;
-  InflateRect(&words, -scaled(edge, dpi), 0);
+  InflateRect(&words, -scaled(entryEdge, dpi), 0);
   if (!newFaults.empty()) {
     SIZE size{};
     GetTextExtentPoint32W(item.hDC, wide(newFaults), static_cast<int>(newFaults.size()), &size);
@@ -51,7 +51,7 @@ void drawExchange(const DRAWITEMSTRUCT& item, const std::u16string& name, const 
     RECT sign = number;
     sign.left = std::max<LONG>(words.left, number.left - dot);
     drawNewDot(item.hDC, sign, plain ? ink : palette.accent, dpi);
-    words.right = std::max<LONG>(words.left, sign.left - scaled(gap, dpi));
+    words.right = std::max<LONG>(words.left, sign.left - scaled(numberGap, dpi));
   }
   DrawTextW(item.hDC, wide(name), static_cast<int>(name.size()), &words, entryLine);
   drawFocus(item);

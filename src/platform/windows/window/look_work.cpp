@@ -10,10 +10,10 @@ namespace vordane::window::win32 {
 namespace {
 
 constexpr UINT_PTR lookTimer = 3;
-constexpr UINT pause = USER_TIMER_MINIMUM, resting = 100;  // milliseconds
+constexpr UINT lookPause = USER_TIMER_MINIMUM, lookRest = 100;  // milliseconds
 // Others may have stored faults of any exchange meanwhile.
 constexpr ULONGLONG betweenPolls = 15'000;
-constexpr std::chrono::milliseconds sliceLength{6};
+constexpr std::chrono::milliseconds lookSlice{6};
 
 }  // namespace
 
@@ -52,7 +52,7 @@ void LookWork::rowsSet() {
 
 // Which window is in front is known when the message loop runs again.
 void LookWork::frontChanged() {
-  if (frame_ != nullptr && exchange_) SetTimer(frame_, lookTimer, pause, nullptr);
+  if (frame_ != nullptr && exchange_) SetTimer(frame_, lookTimer, lookPause, nullptr);
 }
 
 // A box of the window's own is the window, too.
@@ -78,7 +78,7 @@ bool LookWork::timer(WPARAM id) {
 
 // One work at a time.
 void LookWork::work() {
-  const auto end = std::chrono::steady_clock::now() + sliceLength;
+  const auto end = std::chrono::steady_clock::now() + lookSlice;
   const auto again = [end] { return std::chrono::steady_clock::now() < end; };
   if (rows_.busy()) return rows_.work(again);
   if (!last_.busy() && !last_.failed() && GetTickCount64() >= pollAt_) last_.begin();
@@ -141,12 +141,12 @@ void LookWork::wake() {
   }
   UINT after = static_cast<UINT>(betweenPolls);
   if (use == ListUse::later) {
-    after = resting;
+    after = lookRest;
   } else if (rows_.busy() || last_.busy()) {
-    after = pause;
+    after = lookPause;
   } else if (const auto due = looking_.due()) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(*due - std::chrono::steady_clock::now());
-    after = static_cast<UINT>(std::clamp<long long>(left.count(), pause, betweenPolls));
+    after = static_cast<UINT>(std::clamp<long long>(left.count(), lookPause, betweenPolls));
   }
   SetTimer(frame_, lookTimer, after, nullptr);
 }
