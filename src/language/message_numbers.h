@@ -28,8 +28,7 @@ constexpr bool isUnused(std::size_t number) {
   return (number >= 10 && number <= 13) || number == 52 || (number >= 91 && number <= 100) ||
          (number >= 102 && number <= 105) || number == 116 || number == 117 ||
          (number >= 151 && number <= 159) || number == 169 || number == 170 || number == 181 ||
-         number == 182 || number == 187 || number == 213 || number == 222 || number == 223 ||
-         (number >= 315 && number <= 318);
+         number == 182 || number == 187 || number == 213 || number == 222 || number == 223;
 }
 
 // Lamps, in words.
@@ -218,6 +217,10 @@ inline constexpr std::size_t sortedDownwards = 313;
 
 // The window's system menu.
 inline constexpr std::size_t menuAlarmSound = 314;
+inline constexpr std::size_t newFault = 315;
+inline constexpr std::size_t newFaults = 316;
+inline constexpr std::size_t noNewFault = 317;
+inline constexpr std::size_t nextNew = 318;
 
 // Notes that people write to faults.
 inline constexpr std::size_t noteText = 319;  // heading of a saved list: what a person has written to a fault
@@ -260,8 +263,8 @@ inline constexpr std::array windowKeys{lookUpLabel, lookUpNext,     filterText, 
 // The captions that a control takes in turn: the second has the first one's key.
 inline constexpr std::array captionsInTurn{std::pair{filterKindsAll, filterKindsSome}};
 inline constexpr std::array paneMenuKeys{menuCopy};
-inline constexpr std::array listMenuKeys{onlyKind,    withoutKind, onlyProcessor, onlyDay, copyCsv,
-                                         copyMessage, copyData,    saveShown,     noteMenu};
+inline constexpr std::array listMenuKeys{onlyKind,    withoutKind, onlyProcessor, onlyDay,  copyCsv,
+                                         copyMessage, copyData,    saveShown,     noteMenu, nextNew};
 inline constexpr std::array frameMenuKeys{menuGuide, menuAlarmSound};
 
 }  // namespace vordane::message

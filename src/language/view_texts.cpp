@@ -204,6 +204,14 @@ std::size_t messageNumber(window::ViewText which) {
       return message::notesNotInFile;
     case ViewText::openGuide:
       return message::menuGuide;
+    case ViewText::newFault:
+      return message::newFault;
+    case ViewText::newFaults:
+      return message::newFaults;
+    case ViewText::noNewFault:
+      return message::noNewFault;
+    case ViewText::nextNew:
+      return message::nextNew;
   }
   return message::count;  // no text has this number
 }

@@ -14,6 +14,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/arrivals.h"
 #include "platform/automation.h"
 #include "platform/notes.h"
 #include "platform/statement.h"
@@ -77,6 +78,8 @@ class RowList {
   // The columns of row `position`, in the order of `columns` as they were given to openRowList; nothing
   // when the row has gone since.
   virtual bool fetch(std::size_t position, std::vector<Value>& out) = 0;
+  // The auto-number of a row where the list holds it; nothing where the row would have to be read for it.
+  virtual std::optional<std::int64_t> number(std::size_t) const { return std::nullopt; }
 
   // The first row from `first` on (backwards: from `first` towards the first row), round the end once, that
   // has `needle` in the text of any column, case not regarded; numbers count as their decimal text. `needle`
@@ -147,6 +150,9 @@ class Database {
   // What is agreed on about `subject`: what the store keeps of it, or `own`, which a store that keeps nothing
   // yet keeps from then on. In a batch that is saved with it. A file has one writer's agreements: `own`.
   virtual Agreement agree(std::u16string_view, const Agreement& own) { return own; }
+
+  // What has come since somebody looked; null where events are not numbered as they come.
+  virtual std::shared_ptr<Arrivals> arrivals() { return nullptr; }
 
   // The file lies on a network drive, where storing takes longer.
   virtual bool isOnNetwork() const { return false; }

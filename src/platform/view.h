@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,8 +13,9 @@
 #include "platform/window.h"
 
 namespace vordane::database {
+class Arrivals;
 class RowList;
-}
+}  // namespace vordane::database
 
 namespace vordane::window {
 
@@ -138,6 +140,11 @@ enum class ViewText {
   sortedUpwards,
   sortedDownwards,
   alarmSound,  // entry of the window's system menu, ticked while it is on; with its access key
+  // Of faults that came after the person looked last.
+  newFault,    // for screen readers: what a row is
+  newFaults,   // for screen readers: {1} of them are stored of an exchange
+  noNewFault,  // the list holds none
+  nextNew,     // context menu of the grid: goes to the next one; with its access key
   // Of notes that people write to faults.
   noteText,          // heading of a saved list: what a person has written to a fault
   noteAuthor,        // who wrote it
@@ -199,6 +206,8 @@ class ViewEvents {
   // without regard to case, wrapping round once; nothing when none does.
   virtual std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from, LookUpWay way) = 0;
   virtual ListUse listUse() { return ListUse::never; }
+  // What has come into the store; null where it can't be told. For use at once: the database may be closed.
+  virtual std::shared_ptr<database::Arrivals> arrivals() { return nullptr; }
   virtual void tick() = 0;  // tmrEvent
 };
 

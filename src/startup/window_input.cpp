@@ -88,6 +88,11 @@ window::ListUse WindowInput::listUse() {
   return waits ? window::ListUse::later : window::ListUse::now;
 }
 
+std::shared_ptr<database::Arrivals> WindowInput::arrivals() {
+  database::Database* database = parts_.alive() ? parts_.faults.faultDatabase() : nullptr;
+  return database != nullptr ? database->arrivals() : nullptr;
+}
+
 void WindowInput::tick() {
   parts_.actions.tick();
 }

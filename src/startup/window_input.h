@@ -25,6 +25,7 @@ class WindowInput final : public window::ViewEvents {
   std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from,
                                     window::LookUpWay way) override;
   window::ListUse listUse() override;
+  std::shared_ptr<database::Arrivals> arrivals() override;
   void tick() override;
 
  private:

@@ -37,6 +37,10 @@ class MemoryRows final : public window::GridSource, public database::RowList {
   std::optional<Range> dataPart(std::size_t row) override { return Range{row, row + 1}; }
   database::RowList* list() override { return held ? nullptr : this; }
 
+  std::optional<std::int64_t> number(std::size_t position) const override {
+    return numbered ? std::optional(rows.at(position).count) : std::nullopt;
+  }
+
   bool fetch(std::size_t position, std::vector<database::Value>& out) override {
     if (failAtFetch && fetched == *failAtFetch) throw database::DatabaseError(3049, u"damaged");
     ++fetched;
@@ -69,6 +73,7 @@ class MemoryRows final : public window::GridSource, public database::RowList {
     return std::any_of(rows.begin(), rows.end(),
                        [&](const MemoryRow& row) { return row.count == fault && !row.gone; });
   }};
+  bool numbered = true;
   std::size_t fetched = 0;
   std::optional<std::size_t> failAtFetch;
 };

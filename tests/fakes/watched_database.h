@@ -55,6 +55,7 @@ class WatchedDatabase : public database::Database {
   database::Agreement agree(std::u16string_view subject, const database::Agreement& own) override {
     return inner_->agree(subject, own);
   }
+  std::shared_ptr<database::Arrivals> arrivals() override { return inner_->arrivals(); }
   bool isOnNetwork() const override { return inner_->isOnNetwork(); }
   void close() noexcept override {
     if (closed) closed();

@@ -1,6 +1,6 @@
 // What a person does with the list stands beside what the window is asked to do: with a filter, a text that
-// is looked for, copies, saved files, notes, a place that is kept and a digest of floods, and without them,
-// the same statements run in the same order, and hosts notice the same.
+// is looked for, copies, saved files, notes, a place that is kept, a digest of floods and marks of what is
+// new, and without them, the same statements run in the same order, and hosts notice the same.
 #include <filesystem>
 #include <random>
 
@@ -8,6 +8,9 @@
 #include "list/copying.h"
 #include "list/finder.h"
 #include "list/flood_digest.h"
+#include "list/last_look.h"
+#include "list/looking.h"
+#include "list/new_rows.h"
 #include "list/saving.h"
 #include "list/steady.h"
 #include "startup/story.h"
@@ -25,6 +28,8 @@ class DeskView : public StoryView {
     finder.begin();
     if (source != nullptr && steadied) placed(*source);
     source != nullptr&& steadied ? digest.begin() : digest.forget();
+    newRows.begin();
+    if (lastLook) lastLook->begin();
     StoryView::setRows(source != nullptr ? &desk : nullptr);
   }
   // Somebody stands on the last row and stays there.
@@ -40,6 +45,21 @@ class DeskView : public StoryView {
     while (finder.busy() && use() == window::ListUse::now) finder.work([] { return false; });
     while (digest.busy() && use() == window::ListUse::now) digest.work([] { return false; });
     if (digest.flood()) ++floods;
+    if (lastLook) haveLooked();
+  }
+  // The exchange shown has been in front for five seconds; the next new fault is gone to before.
+  void haveLooked() {
+    std::vector<std::int64_t> exchanges;
+    for (const auto& entry : list().items()) exchanges.push_back(entry.itemData);
+    while (newRows.busy() && use() == window::ListUse::now) newRows.work([] { return false; });
+    while (lastLook->busy() && use() == window::ListUse::now)
+      lastLook->work(*input().arrivals(), exchanges, [] { return false; });
+    if (list().listIndex() < 0) return;
+    const std::int64_t shown = exchanges[static_cast<std::size_t>(list().listIndex())];
+    newFaults += lastLook->newFaults(shown);
+    const auto mark = lastLook->mark(shown);
+    if (mark && newRows.next(*mark, {})) ++nextNew;
+    if (newRows.highest()) lastLook->looked(shown, *newRows.highest());
   }
   // To the first of them, as far as it has none.
   void writeNote() {
@@ -70,6 +90,11 @@ class DeskView : public StoryView {
   list::Finder finder{desk};
   list::Steady steady;
   list::FloodDigest digest{desk};
+  list::NewRows newRows{desk};
+  std::unique_ptr<list::LastLook> lastLook;
+  std::function<window::Control&()> list;
+  std::function<window::ViewEvents&()> input;
+  std::size_t newFaults = 0, nextNew = 0;
   bool steadied = false;
   int found = 0;  // times that the place was found again
   int floods = 0, notesWritten = 0;
@@ -126,6 +151,9 @@ class ListStory : public Story {
   Seen live(bool filtered) {
     begin();
     deskView.steadied = filtered;
+    if (filtered) deskView.lastLook = std::make_unique<list::LastLook>(settings);
+    deskView.list = [this]() -> window::Control& { return form().form().control(u"drpPBXList"); };
+    deskView.input = [this]() -> window::ViewEvents& { return form().input(); };
     for (const char16_t* name : {u"PBX-2", u"PBX-1"}) {
       registerPbx(name);
       filter(filtered);
@@ -157,6 +185,8 @@ class ListStory : public Story {
     EXPECT_EQ(deskView.found > 0, filtered);
     EXPECT_EQ(deskView.floods > 0, filtered);
     EXPECT_EQ(deskView.notesWritten > 0, filtered);
+    EXPECT_EQ(deskView.newFaults, filtered ? 24U : 0U) << "of both exchanges, once";
+    EXPECT_EQ(deskView.nextNew > 0, filtered);
     seen.trace = taken();
     Seen result = std::move(seen);
     seen = {};

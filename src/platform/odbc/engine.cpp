@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "platform/odbc/arrivals.h"
 #include "platform/odbc/data_source.h"
 #include "platform/odbc/errors.h"
 #include "platform/odbc/recordset.h"
@@ -51,6 +52,10 @@ class ServerDatabase final : public database::Database {
   database::Agreement agree(std::u16string_view subject, const database::Agreement& own) override {
     requireOpen();
     return session_->agree(subject, own);
+  }
+  std::shared_ptr<database::Arrivals> arrivals() override {
+    requireOpen();
+    return makeArrivals(session_);
   }
   void close() noexcept override { session_.reset(); }
 

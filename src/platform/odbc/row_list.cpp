@@ -23,6 +23,11 @@ class ServerRowList final : public database::RowList {
   std::size_t size() const override { return keys_.size(); }
   database::NoNotes noNotes() const override { return database::NoNotes::server; }
 
+  std::optional<std::int64_t> number(std::size_t position) const override {
+    if (plan_.table->events == nullptr || position >= size()) return {};
+    return keys_[position];
+  }
+
   bool fetch(std::size_t position, std::vector<Value>& out) override {
     const Fields& row = rowAt(position);
     if (row.empty()) return false;

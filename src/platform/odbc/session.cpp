@@ -307,6 +307,30 @@ database::Agreement Session::agree(std::u16string_view subject, const database::
   });
 }
 
+std::int64_t Session::highestEvent(const Table& table) {
+  return guarded([&] {
+    const auto rows = link().query("select max(" + dialect_.quoted(table.events->key) + ")::text from " +
+                                   dialect_.name(table.name));
+    return numberFrom(rows.at(0).at(0).value_or(u"0"));
+  });
+}
+
+// Who adds gives numbers one after the other, each with the commit that makes it seen: none comes late.
+std::vector<database::Arrival> Session::eventsAfter(const Table& table, std::int64_t number,
+                                                    std::size_t most) {
+  const std::string key = dialect_.quoted(table.events->key), owner = dialect_.quoted(table.events->owner);
+  const std::string query = "select " + owner + "::text, " + key + "::text from " +
+                            dialect_.name(table.name) + " where " + key + " > " + dialect_.number() +
+                            " order by " + key;
+  const Field from = text::decimal(number);
+  return guarded([&] {
+    std::vector<database::Arrival> all;
+    for (const Fields& row : link().query(dialect_.limited(query, static_cast<int>(most)), {&from, 1}))
+      all.push_back({numberFrom(row.at(0).value_or(u"0")), numberFrom(row.at(1))});
+    return all;
+  });
+}
+
 void Session::beginBatch() {
   if (inBatch_) database::fail(number::invalidOperation);
   inBatch_ = true;

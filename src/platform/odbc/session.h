@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/arrivals.h"
 #include "platform/database.h"
 #include "platform/odbc/engine.h"
 #include "platform/odbc/link.h"
@@ -56,6 +57,12 @@ class Session {
   void remove(const Plan& plan, const std::vector<jet::Literal>& values);
 
   database::Agreement agree(std::u16string_view subject, const database::Agreement& own);
+
+  // The table of events that the store has, if any; the highest number in it, 0 without one; and the next
+  // events above a number, by their numbers, at most `most`.
+  const Table* eventTable() const { return tables_->events(); }
+  std::int64_t highestEvent(const Table& table);
+  std::vector<database::Arrival> eventsAfter(const Table& table, std::int64_t number, std::size_t most);
 
   void beginBatch();
   void checkpoint();

@@ -94,6 +94,12 @@ const Table& Tables::table(std::u16string_view name) const {
   return *found->second;
 }
 
+const Table* Tables::events() const {
+  for (const auto& [folded, table] : tables_)
+    if (table->events != nullptr && table->key) return table.get();
+  return nullptr;
+}
+
 const Plan& Plans::find(std::u16string_view statement, jet::Lifted& lifted) {
   jet::lift(statement, lifted);
   auto found = plans_.find(lifted.shape);

@@ -55,6 +55,7 @@ class Tables {
   // From rows (table, column). Throws DatabaseError (notADatabase) when no described table is among them.
   Tables(const std::vector<Fields>& columns, database::Descriptions descriptions);
   const Table& table(std::u16string_view name) const;  // throws DatabaseError (unknownTable)
+  const Table* events() const;                         // null where no table holds events with numbers
 
  private:
   std::map<std::u16string, std::unique_ptr<Table>> tables_;  // by folded name

@@ -76,6 +76,20 @@ class Connection {
     bool before_;
   };
 
+  // While it lives, locks of others are not waited for: whoever only has a moment comes back later.
+  class Impatient {
+   public:
+    explicit Impatient(Connection& connection)
+        : connection_(connection), before_(std::exchange(connection.lockWaitMilliseconds_, 0)) {}
+    ~Impatient() { connection_.lockWaitMilliseconds_ = before_; }
+    Impatient(const Impatient&) = delete;
+    Impatient& operator=(const Impatient&) = delete;
+
+   private:
+    Connection& connection_;
+    int before_;
+  };
+
   // Runs statements without results: opening and maintenance only.
   void run(const char* sql);
   // The same for statements that create tables, which the authorizer refuses otherwise.

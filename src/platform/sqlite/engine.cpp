@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "platform/file_place.h"
+#include "platform/sqlite/arrivals.h"
 #include "platform/sqlite/connection.h"
 #include "platform/sqlite/errors.h"
 #include "platform/sqlite/foreign_files.h"
@@ -175,6 +176,10 @@ class EmbeddedDatabase final : public database::Database {
   }
   void setProgress(Progress progress) override {
     if (opened_) opened_->connection.setProgress(std::move(progress));
+  }
+  std::shared_ptr<database::Arrivals> arrivals() override {
+    requireOpen();
+    return makeArrivals(opened_);
   }
   bool isOnNetwork() const override { return onNetwork_; }
   void close() noexcept override { opened_.reset(); }

@@ -67,6 +67,11 @@ class EmbeddedRowList final : public database::RowList {
     return found;
   }
 
+  std::optional<std::int64_t> number(std::size_t position) const override {
+    if (!table_.events || position >= size()) return {};
+    return keyAt(position);
+  }
+
   std::optional<std::size_t> find(std::u16string_view needle, std::size_t first, const Progress& progress,
                                   database::Walk walk) override {
     if (tablesChanged()) return {};

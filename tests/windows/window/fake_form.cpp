@@ -172,6 +172,14 @@ std::u16string FakeTexts::text(ViewText which) {
       return pick({u"MINOR: alarm", u"МАЛАЯ: авария", u"軽障害: 警報"}, language_);
     case ViewText::minorClear:
       return pick({u"MINOR: clear", u"МАЛАЯ: нет", u"軽障害: なし"}, language_);
+    case ViewText::newFault:
+      return pick({u"new", u"новая", u"新着"}, language_);
+    case ViewText::newFaults:
+      return pick({u"{1} new", u"новых: {1}", u"新着 {1} 件"}, language_);
+    case ViewText::noNewFault:
+      return pick({u"No new fault in the list", u"Новых неисправностей нет", u"新着なし"}, language_);
+    case ViewText::nextNew:
+      return pick({u"&Next new fault", u"С&ледующая новая", u"次の新着(&N)"}, language_);
     case ViewText::lookUpLabel:
       return pick({u"&Find:", u"&Искать:", u"検索語(&F):"}, language_);
     case ViewText::lookUpNext:

@@ -84,6 +84,8 @@ struct RecordedEvents : ViewEvents {
     return next;
   }
   ListUse listUse() override { return use; }
+  std::shared_ptr<database::Arrivals> store;  // null: it can't tell what came
+  std::shared_ptr<database::Arrivals> arrivals() override { return store; }
   void tick() override {
     ++ticks;
     happened();

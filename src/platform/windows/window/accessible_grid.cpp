@@ -114,11 +114,13 @@ class RowElement final : public RowPart {
  public:
   RowElement(const AccessibleParts& parts, std::size_t row) : RowPart(parts, row, row) {}
   int role() const override { return ROLE_SYSTEM_LISTITEM; }
-  // The title first, then what tells faults of one kind apart.
+  // Of a new one that word first; then the title, then what tells faults of one kind apart.
   std::u16string name() const override {
     const ShownRow* row = grid().row(row_);
     if (row == nullptr) return {};
-    std::u16string words = row->text.title;
+    std::u16string words = grid().newWord(row_);
+    if (!words.empty()) words += u", ";
+    words += row->text.title;
     for (const std::u16string& each : {row->fault.alarm, row->fault.date, row->fault.cpu}) {
       const auto word = text::trim(each);
       if (word.empty()) continue;

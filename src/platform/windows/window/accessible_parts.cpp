@@ -13,7 +13,7 @@ namespace vordane::window::win32 {
 namespace {
 
 // What stands in a group, in the order of the Tab key.
-enum class Kind { words, label, button, tick, box, choice, kinds, lamp, part, grid, pane, group };
+enum class Kind { words, label, button, tick, box, choice, exchanges, kinds, lamp, part, grid, pane, group };
 struct Row {
   Kind kind;
   Id id;
@@ -30,7 +30,7 @@ constexpr Row named(Kind kind, Id id, ViewText name) {
 }
 
 constexpr Row frameRows[] = {
-    {Kind::label, idExchangeLabel}, {Kind::choice, idExchange, idExchangeLabel},
+    {Kind::label, idExchangeLabel}, {Kind::exchanges, idExchange, idExchangeLabel},
     {Kind::label, idReceivedLabel}, {Kind::box, idReceived, idReceivedLabel},
     inGroup(Group::lamps),          {Kind::button, idRequest},
     {Kind::button, idReset},        {Kind::button, idPrint},
@@ -188,7 +188,7 @@ class BoxElement final : public PartElement {
   std::u16string value() const override { return windowText(window()); }
 };
 
-class ChoiceElement final : public PartElement {
+class ChoiceElement : public PartElement {
  public:
   using PartElement::PartElement;
   int role() const override { return ROLE_SYSTEM_COMBOBOX; }
@@ -207,6 +207,16 @@ class ChoiceElement final : public PartElement {
 
  private:
   bool open() const { return SendMessageW(window(), CB_GETDROPPEDSTATE, 0, 0) != FALSE; }
+};
+
+class ExchangesElement final : public ChoiceElement {
+ public:
+  using ChoiceElement::ChoiceElement;
+  std::u16string value() const override {
+    const LRESULT entry = SendMessageW(window(), CB_GETCURSEL, 0, 0);
+    if (entry < 0) return {};
+    return withNews(ChoiceElement::value(), parts_.newsOf(static_cast<std::size_t>(entry)));
+  }
 };
 
 class LampElement final : public PartElement {
@@ -339,6 +349,8 @@ std::unique_ptr<Element> makePart(const AccessibleParts& parts, Group group, std
       return std::make_unique<BoxElement>(parts, group, number);
     case Kind::choice:
       return std::make_unique<ChoiceElement>(parts, group, number);
+    case Kind::exchanges:
+      return std::make_unique<ExchangesElement>(parts, group, number);
     case Kind::kinds:
       return std::make_unique<KindsElement>(parts, group, number);
     case Kind::lamp:
@@ -448,7 +460,8 @@ std::unique_ptr<Element> ownElement(const AccessibleParts& parts, int id) {
     const auto rows = rowsOf(group);
     for (std::size_t i = 0; i < rows.size(); ++i) {
       const Kind kind = rows[i].kind;
-      const bool own = kind == Kind::grid || kind == Kind::pane || kind == Kind::lamp || kind == Kind::kinds;
+      const bool own = kind == Kind::grid || kind == Kind::pane || kind == Kind::lamp ||
+                       kind == Kind::kinds || kind == Kind::exchanges;
       if (own && rows[i].id == id) return makePart(parts, group, i);
     }
   }

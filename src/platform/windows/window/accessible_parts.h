@@ -21,11 +21,17 @@ struct AccessibleParts {
   std::function<HWND()> frame;
   std::function<bool()> inputAllowed;
   std::function<bool(bool major)> lit;
-  std::function<std::u16string()> lampsName;      // what stands in the lamps' frame
-  std::function<void(int column)> sortByHeading;  // once the question is answered
+  std::function<std::u16string()> lampsName;                // what stands in the lamps' frame
+  std::function<void(int column)> sortByHeading;            // once the question is answered
+  std::function<std::u16string(std::size_t entry)> newsOf;  // what is said behind an entry of the drop-down
 
   HWND item(int id) const { return GetDlgItem(frame(), id); }
 };
+
+// What an exchange is told as: its name, and behind it how many of its faults are new, if any are.
+inline std::u16string withNews(std::u16string name, const std::u16string& news) {
+  return news.empty() ? name : name.append(u", ").append(news);
+}
 
 // What the window holds, as a person sees it: the frame's children, in groups where they belong together.
 enum class Group { frame, lamps, findBar, filterBar, status };

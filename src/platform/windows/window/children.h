@@ -85,7 +85,8 @@ struct Child {
 inline constexpr DWORD buttonStyle = WS_TABSTOP | BS_PUSHBUTTON | BS_NOTIFY;
 inline constexpr Child children[] = {
     {idExchangeLabel, u"lblListups", WC_STATICW, SS_LEFT | SS_NOTIFY, 0},
-    {idExchange, u"drpPBXList", WC_COMBOBOXW, WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST, 0},
+    {idExchange, u"drpPBXList", WC_COMBOBOXW,
+     WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST | CBS_OWNERDRAWFIXED | CBS_HASSTRINGS, 0},
     {idReceivedLabel, u"lblTimetag", WC_STATICW, SS_LEFT | SS_NOTIFY, 0},
     {idReceived, u"txtTimeTag", WC_EDITW, WS_TABSTOP | ES_READONLY | ES_AUTOHSCROLL, WS_EX_CLIENTEDGE},
     {idMajor, u"lblMJ", WC_STATICW, SS_OWNERDRAW | SS_NOTIFY, 0},

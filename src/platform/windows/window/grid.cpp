@@ -385,6 +385,19 @@ Grid::Places Grid::lookAtPlaces() const {
   return places;
 }
 
+void Grid::setNews(std::function<bool(std::size_t)> isNew, std::u16string word) {
+  isNew_ = std::move(isNew);
+  newWord_ = std::move(word);
+}
+
+void Grid::marksChanged() {
+  InvalidateRect(window_, nullptr, FALSE);
+}
+
+std::u16string Grid::newWord(std::size_t row) const {
+  return isNew_ && isNew_(row) ? newWord_ : std::u16string{};
+}
+
 void Grid::draw(const DRAWITEMSTRUCT& item) {
   const Places places = painting_ ? *painting_ : lookAtPlaces();
   RowDrawing drawing{};
@@ -398,6 +411,7 @@ void Grid::draw(const DRAWITEMSTRUCT& item) {
     cell.bottom = item.rcItem.bottom;
   }
   drawing.row = rows_.row(item.itemID);
+  drawing.newWord = newWord(item.itemID);
   drawing.odd = item.itemID % 2 != 0;
   drawing.selected = selection_.has(item.itemID);
   drawing.needle = needle_;

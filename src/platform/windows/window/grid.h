@@ -71,7 +71,11 @@ class Grid {
   // Since the rows came somebody has selected one of them, or scrolled.
   bool moved() const { return moved_ || (window_ != nullptr && top() > 0); }
   void mark(const std::u16string& needle);  // in small letters; in every row that holds it
-  POINT menuPlace() const;                  // of the selected row, in screen coordinates
+  // Which rows are new to the person, and the word for that; `marksChanged` when others are.
+  void setNews(std::function<bool(std::size_t)> isNew, std::u16string word);
+  void marksChanged();
+  std::u16string newWord(std::size_t row) const;  // empty for one that is not new
+  POINT menuPlace() const;                        // of the selected row, in screen coordinates
   // For a menu that opens while the press that selects is still under way: whoever shows the selected row is
   // told now.
   void settleSelection();
@@ -127,7 +131,8 @@ class Grid {
   };
   std::optional<Press> press_;
   list::Selection selection_;
-  std::u16string needle_;
+  std::u16string needle_, newWord_;
+  std::function<bool(std::size_t)> isNew_;
   std::optional<std::size_t> before_;    // selected when the press or key under way began
   std::optional<std::size_t> selected_;  // asking the list view would walk through all its rows
   unsigned generation_ = 0;

@@ -10,6 +10,7 @@ namespace {
 
 constexpr int cellPadding = 8, rowPadding = 4, accentWidth = 3, shapeSize = 11, shapeGap = 5;
 constexpr std::u16string_view pencil = u"\u270E ", beforePencil = u"   ";
+constexpr int dotSize = 7, dotGap = 4;
 constexpr UINT oneLine = DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS;
 
 struct Ink {
@@ -79,6 +80,7 @@ class RowPainter {
   void content(int column, RECT inside) {
     if (column == descriptionColumn) return description(inside);
     if (column == alarmColumn) return severity(inside);
+    if (column == faultColumn) news(inside);
     const UINT side = column == countColumn ? DT_RIGHT : DT_LEFT;
     line(inside, cellText(*drawing_.row, column), look_.plain.get(), ink_.text, side);
   }
@@ -87,6 +89,19 @@ class RowPainter {
     line(inside, drawing_.row->text.title, look_.plain.get(), ink_.text, DT_LEFT);
     inside.top += look_.lineHeight;
     line(inside, detail(*drawing_.row), look_.plain.get(), ink_.quiet, DT_LEFT);
+  }
+
+  // Below the kind, where the row is empty.
+  void news(RECT inside) {
+    if (drawing_.newWord.empty()) return;
+    inside.top += look_.lineHeight;
+    inside.bottom = inside.top + look_.lineHeight;
+    const bool plain = look_.palette.systemOnly || drawing_.selected;
+    drawNewDot(drawing_.dc, inside, plain ? ink_.text : look_.palette.accent, look_.dpi);
+    inside.left += newDotWidth(look_.dpi);
+    const Selected selected(drawing_.dc, look_.plain.get());
+    SetTextColor(drawing_.dc, ink_.text);
+    DrawTextW(drawing_.dc, wide(drawing_.newWord), -1, &inside, oneLine | DT_LEFT);
   }
 
   void severity(RECT inside) {
@@ -172,6 +187,20 @@ void drawSeverity(HDC dc, const RECT& place, bool filled, COLORREF colour, int p
                            {place.right - 1, place.bottom - 1},
                            {place.left, place.bottom - 1}};
   Polygon(dc, corners, 3);
+}
+
+int newDotWidth(int dpi) {
+  return scaled(dotSize, dpi) + scaled(dotGap, dpi);
+}
+
+void drawNewDot(HDC dc, const RECT& place, COLORREF colour, int dpi) {
+  const int size = scaled(dotSize, dpi), left = static_cast<int>(place.left);
+  const int top = (static_cast<int>(place.top + place.bottom) - size) / 2;
+  const Selected line(dc, GetStockObject(DC_PEN));
+  const Selected ground(dc, GetStockObject(DC_BRUSH));
+  SetDCPenColor(dc, colour);
+  SetDCBrushColor(dc, colour);
+  Ellipse(dc, left, top, left + size, top + size);
 }
 
 }  // namespace vordane::window::win32

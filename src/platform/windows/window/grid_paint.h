@@ -29,11 +29,17 @@ struct RowDrawing {
   std::array<RECT, columnCount> cells;
   const ShownRow* row;
   std::u16string_view needle;  // in small letters: marked wherever a cell holds it
+  std::u16string newWord;      // of a row that is new to the person; else empty
   bool odd, selected, gridFocused, focusMark;
 };
 void drawRow(const GridLook& look, const RowDrawing& drawing);
 
 // A triangle that fills `place`: filled for a major fault, hollow for a minor one.
 void drawSeverity(HDC dc, const RECT& place, bool filled, COLORREF colour, int penWidth);
+
+// A dot for what is new to the person, from the left of `place` on, and the width that it takes with the gap
+// behind it.
+void drawNewDot(HDC dc, const RECT& place, COLORREF colour, int dpi);
+int newDotWidth(int dpi);
 
 }  // namespace vordane::window::win32

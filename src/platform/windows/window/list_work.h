@@ -64,6 +64,8 @@ class ListWork {
   void copy(RowOutput::What what);
   void save();  // of all rows shown
 
+  list::Desk& desk() { return desk_; }
+
   FilterBar& bar() { return bar_; }
   const FilterBar& bar() const { return bar_; }
   void open();   // by the person: with the focus in it

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/windows/window/accessible_exchanges.h"
 #include "platform/windows/window/accessible_name.h"
 #include "platform/windows/window/children.h"
 #include "platform/windows/window/geometry.h"
@@ -107,6 +108,7 @@ std::unique_ptr<Win32View> makeWin32View(ViewTexts& texts, platform::SettingsSto
 MainWindow::MainWindow(ViewTexts& texts, platform::SettingsStore& settings, std::unique_ptr<Signals> signals)
     : texts_(texts),
       settings_(settings),
+      look_(list_.desk(), settings),
       attention_(settings, std::move(signals)),
       timer_([this] {
         if (events_ != nullptr) events_->tick();
@@ -118,7 +120,8 @@ MainWindow::MainWindow(ViewTexts& texts, platform::SettingsStore& settings, std:
           [this] { return inputAllowed() && events_ != nullptr; },
           [this](bool major) { return lit_[major ? 0 : 1]; },
           [this] { return lampsName(); },
-          [this](int column) { PostMessageW(window_, sortMessage, static_cast<WPARAM>(column), 0); }} {}
+          [this](int column) { PostMessageW(window_, sortMessage, static_cast<WPARAM>(column), 0); },
+          [this](std::size_t entry) { return newsOf(entry); }} {}
 
 MainWindow::~MainWindow() {
   detach();
@@ -147,6 +150,7 @@ void MainWindow::attach(Form& form, ViewEvents& events) {
   createGridAndPane();
   createMenuEntries();
   createAttention();
+  createLook();
   applyWhole();
   readSettings();
   wantRestyle();  // once, after all that the load changes
@@ -163,6 +167,7 @@ void MainWindow::detach() {
   lastFocus_ = nullptr;
   accessible_.end();
   attention_.forget();
+  look_.forget();
   help_.close();
   timer_.stop(window_);
   grid_.forgetRows();
@@ -191,6 +196,7 @@ void MainWindow::createChildren() {
         return childHeard(id, message, wide, low);
       });
   }
+  watchExchanges();
   lookUp_.create(window_, {idLookUpLabel, idLookUpText, idLookUpNext, idLookUpClose, idLookUpMessage},
                  texts_);
   SendMessageW(tips_, TTM_SETMAXTIPWIDTH, 0, scaled(tipWidth, dpi_));
@@ -203,6 +209,20 @@ void MainWindow::createChildren() {
                            placeStatus();
                          }});
   setTip(item(idFilterClose), texts_.text(ViewText::filterClose));
+}
+
+// The system's own objects know the names alone.
+void MainWindow::watchExchanges() {
+  if (exchangeBox_ == nullptr) return;
+  exchangeWatch_.start(exchangeBox_, [this](UINT message, WPARAM wide, LPARAM low) {
+    const LRESULT object = message == WM_GETOBJECT ? objectFor(idExchange, wide, low) : 0;
+    return object != 0 ? object : exchangeWatch_.pass(message, wide, low);
+  });
+  exchangeListWatch_.start(listOf(exchangeBox_), [this](UINT message, WPARAM wide, LPARAM low) {
+    if (message == WM_GETOBJECT && asksFor(low, OBJID_CLIENT))
+      return accessible_.answer(wide, exchangeListElement(accessibleParts_));
+    return exchangeListWatch_.pass(message, wide, low);
+  });
 }
 
 void MainWindow::createGridAndPane() {
@@ -269,6 +289,20 @@ void MainWindow::createAttention() {
       {[this] { return events_ != nullptr && events_->listUse() != ListUse::never; },
        [this](attention::Lamp lamp) { return item(lamp == attention::Lamp::major ? idMajor : idMinor); },
        [this](attention::Lamp lamp) { return lampWords(lamp == attention::Lamp::major, true); }});
+}
+
+void MainWindow::createLook() {
+  const auto events = [this] { return events_; };
+  look_.create(window_, {[events] { return events() != nullptr ? events()->listUse() : ListUse::never; },
+                         [events] { return events() != nullptr ? events()->arrivals() : nullptr; },
+                         [this] { return exchangeIds(); },
+                         [this]() -> std::optional<std::int64_t> {
+                           const Control* list = control(u"drpPBXList");
+                           if (list == nullptr || list->listIndex() < 0) return {};
+                           return list->items().at(static_cast<std::size_t>(list->listIndex())).itemData;
+                         },
+                         [this] { grid_.marksChanged(); }, [this] { redrawExchanges(exchangeBox_); }});
+  grid_.setNews([this](std::size_t row) { return look_.isNew(row); }, texts_.text(ViewText::newFault));
 }
 
 RECT MainWindow::placeFromSettings() const {
@@ -356,8 +390,24 @@ std::u16string MainWindow::chosenExchange() {
   return entry.text + u'\n' + text::decimal(entry.itemData);
 }
 
+std::vector<std::int64_t> MainWindow::exchangeIds() {
+  std::vector<std::int64_t> ids;
+  if (const Control* list = control(u"drpPBXList"))
+    for (const Control::Entry& entry : list->items()) ids.push_back(entry.itemData);
+  return ids;
+}
+
+// For screen readers; empty without any.
+std::u16string MainWindow::newsOf(std::size_t entry) {
+  const Control* list = control(u"drpPBXList");
+  if (list == nullptr || entry >= list->items().size()) return {};
+  const std::u16string faults = look_.newFaults(list->items()[entry].itemData);
+  return faults.empty() ? faults : fillText(texts_.text(ViewText::newFaults), {faults});
+}
+
 void MainWindow::setRows(GridSource* rows) {
   list_.setRows(rows, chosenExchange());
+  look_.rowsSet();
   place();
 }
 

@@ -12,11 +12,13 @@
 #include "platform/windows/window/background.h"
 #include "platform/windows/window/children.h"
 #include "platform/windows/window/detail_pane.h"
+#include "platform/windows/window/exchange_list.h"
 #include "platform/windows/window/grid.h"
 #include "platform/windows/window/help_popup.h"
 #include "platform/windows/window/layout.h"
 #include "platform/windows/window/list_work.h"
 #include "platform/windows/window/look_up_bar.h"
+#include "platform/windows/window/look_work.h"
 #include "platform/windows/window/note_work.h"
 #include "platform/windows/window/status_line.h"
 #include "platform/windows/window/tick_timer.h"
@@ -64,6 +66,8 @@ class MainWindow final : public Win32View {
   void createGridAndPane();
   void createNotes();
   void createAttention();
+  void createLook();
+  void watchExchanges();
   void createMenuEntries();
   void showMenuEntries(HMENU menu);
   void readSettings();
@@ -92,6 +96,8 @@ class MainWindow final : public Win32View {
   void updateInput();
   std::u16string lampWords(bool major, bool lit);
   std::u16string chosenExchange();
+  std::vector<std::int64_t> exchangeIds();
+  std::u16string newsOf(std::size_t entry);
   void showSelected();
 
   // Place and ground.
@@ -133,6 +139,8 @@ class MainWindow final : public Win32View {
   void appendCopies(HMENU menu);
   void chosenInMenu(UINT command, const GridRow& row);
   void drawItem(const DRAWITEMSTRUCT& item);
+  void drawExchange(const DRAWITEMSTRUCT& item);
+  int entryHeight() const;
   void densityChanged(int dpi, const RECT& place);
   void escape();
   void showCount();
@@ -147,6 +155,7 @@ class MainWindow final : public Win32View {
   void markFound();
   void showFound();
   list::Sheet sheet();
+  void goToNextNew();
 
   ViewTexts& texts_;
   platform::SettingsStore& settings_;
@@ -158,11 +167,13 @@ class MainWindow final : public Win32View {
   std::size_t shownExchanges_ = 0;  // entries of the box
   std::map<const Control*, int> ids_;
   std::map<int, Watch> watches_;  // of the controls that a right click explains
+  Watch exchangeWatch_, exchangeListWatch_;
   Grid grid_;
   DetailPane pane_;
   LookUpBar lookUp_;
   ListWork list_{grid_, texts_};
   NoteWork notes_{grid_, texts_};
+  LookWork look_;
   StatusLine status_;
   AttentionWork attention_;
   HelpPopup help_;

@@ -20,6 +20,7 @@ enum GridCommand : UINT {
   saveCommand = 1,
   noteCommand,
   lookUpCommand,
+  nextNewCommand,
   copyCommand,
   onlyCommand = copyCommand + std::size(copyEntries)
 };
@@ -41,6 +42,8 @@ void MainWindow::gridMenu(POINT place) {
   if (IsWindowEnabled(item(idLookUp)))
     AppendMenuW(menu.get(), MF_STRING, lookUpCommand, wide(windowText(item(idLookUp))));
   AppendMenuW(menu.get(), MF_STRING, noteCommand, wide(texts_.text(ViewText::noteMenu) + u"\tF2"));
+  if (look_.offered())
+    AppendMenuW(menu.get(), MF_STRING, nextNewCommand, wide(texts_.text(ViewText::nextNew) + u"\tF6"));
   const GridRow row = selected->fault;  // the menu serves messages meanwhile
   if (IsWindowEnabled(item(idFilter))) appendFilters(menu.get(), row);
   const BOOL chosen =
@@ -52,6 +55,7 @@ void MainWindow::chosenInMenu(UINT command, const GridRow& row) {
   if (command == saveCommand) return list_.save();
   if (command == noteCommand) return notes_.write();
   if (command == lookUpCommand) return openLookUp();
+  if (command == nextNewCommand) return goToNextNew();
   if (command >= onlyCommand) return list_.show(onlyEntries[command - onlyCommand], row);
   list_.copy(copyEntries[command - copyCommand].first);
 }
@@ -87,6 +91,18 @@ void MainWindow::closeLookUp() {
   markFound();
   place();
   SetFocus(grid_.window());
+}
+
+// Where rows can't be told to be new, the key does nothing.
+void MainWindow::goToNextNew() {
+  if (!inputAllowed() || events_ == nullptr || events_->listUse() != ListUse::now || !look_.offered()) return;
+  if (const auto row = look_.next(grid_.selected())) {
+    grid_.select(*row);
+    SetFocus(grid_.window());
+    return;
+  }
+  status_.remark(texts_.text(ViewText::noNewFault));
+  placeStatus();
 }
 
 // The text in the bar is marked as long as the bar is there.

@@ -56,7 +56,7 @@ LRESULT MainWindow::handle(UINT message, WPARAM wide, LPARAM low) {
       if (events_ != nullptr) events_->closeAsked();
       return 0;
     case WM_TIMER:
-      if (list_.timer(wide)) return 0;
+      if (list_.timer(wide) || look_.timer(wide)) return 0;
       return timer_.expired(window_, wide) ? 0 : DefWindowProcW(window_, message, wide, low);
     case WM_DPICHANGED:
       densityChanged(LOWORD(wide), *reinterpret_cast<RECT*>(low));
@@ -102,6 +102,7 @@ LRESULT MainWindow::handleInput(UINT message, WPARAM wide, LPARAM low) {
   switch (message) {
     case WM_ACTIVATE:
       if (LOWORD(wide) == WA_INACTIVE) keepFocus();
+      look_.frontChanged();
       help_.close();
       return DefWindowProcW(window_, message, wide, low);
     case WM_SETFOCUS:
@@ -171,6 +172,8 @@ LRESULT MainWindow::handleDrawing(UINT message, WPARAM wide, LPARAM low) {
     case WM_MEASUREITEM:
       if (reinterpret_cast<MEASUREITEMSTRUCT*>(low)->CtlType == ODT_LISTVIEW)
         grid_.measure(*reinterpret_cast<MEASUREITEMSTRUCT*>(low));
+      else
+        reinterpret_cast<MEASUREITEMSTRUCT*>(low)->itemHeight = static_cast<UINT>(entryHeight());
       return TRUE;
     case WM_SETCURSOR:
       if (hourglass_ && LOWORD(low) == HTCLIENT) {
@@ -259,6 +262,7 @@ LRESULT MainWindow::notify(LPARAM low) {
 void MainWindow::drawItem(const DRAWITEMSTRUCT& item) {
   const int id = static_cast<int>(item.CtlID);
   if (id == idGrid) return grid_.draw(item);
+  if (id == idExchange) return drawExchange(item);
   if (id == idNotice) {
     const bool bar = grid_.size() > 0;
     return drawNotice({item.hDC, item.rcItem, noticeWords(), noticeKind_, bar, font_.get(), dpi_}, palette_);
@@ -269,6 +273,13 @@ void MainWindow::drawItem(const DRAWITEMSTRUCT& item) {
   const auto font = fonts_.find(id);
   const HFONT plain = font != fonts_.end() ? font->second.get() : font_.get();
   drawLamp({item.hDC, item.rcItem, lampWords(id == idMajor, lit), lit, plain, bold_.get(), dpi_}, palette_);
+}
+
+void MainWindow::drawExchange(const DRAWITEMSTRUCT& item) {
+  const Control* list = control(u"drpPBXList");
+  if (list == nullptr || item.itemID >= list->items().size()) return drawNoExchange(item);
+  const Control::Entry& entry = list->items()[item.itemID];
+  win32::drawExchange(item, entry.text, look_.newFaults(entry.itemData), palette_, dpi_);
 }
 
 void MainWindow::densityChanged(int dpi, const RECT& where) {
@@ -361,6 +372,10 @@ bool MainWindow::keyDown(WPARAM key) {
   }
   if (key == VK_F2) {
     notes_.write();
+    return true;
+  }
+  if (key == VK_F6) {
+    goToNextNew();
     return true;
   }
   if (key == VK_F3) {

@@ -194,8 +194,8 @@ void MainWindow::restyle() {
     SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(plain.get()), TRUE);
   font_ = std::move(plain);
   bold_ = makeFont(fontOf(control(u"lblMJ")), dpi_, FontStyle::bold);
-  SendMessageW(item(idExchange), CB_SETITEMHEIGHT, static_cast<WPARAM>(-1),
-               lineHeight(font_.get()) + scaled(4, dpi_));
+  for (const WPARAM part : {static_cast<WPARAM>(-1), WPARAM{0}})  // the box, and a line of its list
+    SendMessageW(item(idExchange), CB_SETITEMHEIGHT, part, entryHeight());
   grid_.setLook(control(gridName), dpi_, palette_);
   list_.bar().setColours(palette_.surface, palette_.text);
   dressPane();
@@ -203,6 +203,10 @@ void MainWindow::restyle() {
   place();
   showSelected();
   RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+}
+
+int MainWindow::entryHeight() const {
+  return lineHeight(font_.get()) + scaled(4, dpi_);
 }
 
 void MainWindow::recolour() {
