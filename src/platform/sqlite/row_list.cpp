@@ -109,7 +109,7 @@ class EmbeddedRowList final : public database::RowList {
     const ReadScope reading(connection_);
     if (!table_.events || !opened_->notes.any()) return;
     for (const std::uint32_t position : positions)
-      if (opened_->notes.has(keyAt(position))) chosen.push_back(position);
+      if (const auto key = keyAt(position); key && opened_->notes.has(*key)) chosen.push_back(position);
   }
 
   std::unique_ptr<database::Survey> survey(const database::SurveyedColumns& columns) override {
@@ -199,7 +199,7 @@ class EmbeddedRowList final : public database::RowList {
         }
       }
     }
-    return found || (noted_ && opened_->notes.has(keyAt(position), &needle));
+    return found || (noted_ && opened_->notes.has(keyAt(position).value_or(0), &needle));
   }
 
   const Table& table_;
