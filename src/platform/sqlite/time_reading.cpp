@@ -85,6 +85,10 @@ bool TimeReading::knowsItsSize() {
                                        "(SELECT max({key}) FROM {table})"));
   if (!keys.step() || !hasShortKey(keys.integer(0)) || !hasShortKey(keys.integer(1))) return false;
   lastKey_ = keys.integer(1);
+  if (*count > lastKey_ - keys.integer(0) + 1) {
+    connection_.events().countsAreWrong();
+    return false;
+  }
   size_ = static_cast<std::size_t>(*count);
   read_.reserve(std::min(size_, mostReserved));
   return true;

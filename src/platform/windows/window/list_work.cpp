@@ -420,6 +420,7 @@ void ListWork::rowsResized() {
   setRows(desk_.stored(), exchange);
   resized_ = true;
   tell();
+  around_.placeAgain();
 }
 
 int ListWork::barHeight() const {
