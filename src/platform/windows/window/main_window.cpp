@@ -239,6 +239,7 @@ void MainWindow::createNotes() {
                             grid_.refresh();
                           },
                           [this] { place(); },
+                          [this](HWND window, const std::u16string& words) { setTip(window, words); },
                           [this](const std::u16string& words) {
                             status_.remark(words);
                             placeStatus();
@@ -358,6 +359,7 @@ std::u16string MainWindow::chosenExchange() {
 
 void MainWindow::setRows(GridSource* rows) {
   list_.setRows(rows, chosenExchange());
+  notes_.look();
   place();
 }
 
