@@ -163,8 +163,8 @@ TEST_F(Stations, ANumberBelowZeroThatAnotherClientGaveIsReadLikeAnyOther) {
 }
 
 TEST_F(Stations, ASharedStoreKeepsNoNotesAndSaysSo) {
-  const auto database = open();
-  database::addFault(*database, {});
+  const auto database = station();
+  addFault(*database, faultNumber(1));
   const std::u16string_view columns[] = {u"Count"};
   const auto rows = database->openRowList(u"SELECT * FROM FaultDisplay Order by [Date] Desc", columns);
   EXPECT_EQ(rows->notes(), nullptr);
