@@ -164,6 +164,18 @@ TEST_F(DaoEngine, ARowListOfNothingIsEmpty) {
   EXPECT_FALSE(rows->fetch(0, values));
 }
 
+TEST_F(DaoEngine, AnAccessFileKeepsNoNotesAndSaysSo) {
+  const std::u16string_view columns[] = {u"Count"};
+  const auto database = open();
+  addFault(*database, {});
+  const auto rows = database->openRowList(u"SELECT * FROM FaultDisplay Order by [Date] Desc", columns);
+  std::vector<std::uint32_t> chosen;
+  rows->chooseNoted(std::vector<std::uint32_t>{0}, chosen);
+  EXPECT_EQ(rows->notes(), nullptr);
+  EXPECT_EQ(rows->noNotes(), NoNotes::accessFile);
+  EXPECT_TRUE(chosen.empty());
+}
+
 // ---- errors of automation itself
 
 int numberOfFailure(std::int32_t code, std::u16string* description = nullptr) {

@@ -101,6 +101,26 @@ TEST_F(Accessibility, AnotherProcessReadsRowsWithTheirCellsHeadingsAndThePane) {
       "2D 00 00 00 00 00]\" [read-only]\n");
 }
 
+TEST_F(Accessibility, ANoteIsToldWithItsRowAndInItsBox) {
+  rows.kept.notes[99] = {u"NORTH\\anna", u"2026/11/21 08:15", u"cable"};
+  view->setRows(&rows);
+  select(1);
+  SetFocus(item(idGrid));
+  EXPECT_THAT(
+      treeOf(idGrid, 8),
+      HasSubstr("about \"No answer from line card [equipment C2D]. Note (NORTH\\anna, 2026/11/21 08:15): "
+                "cable\" does Select [selected, focused, read-only]\n"));
+  EXPECT_THAT(tree(),
+              HasSubstr("  words \"Note (NORTH\\anna, 2026/11/21 08:15):\" [read-only]\n"
+                        "  text \"Note (NORTH\\anna, 2026/11/21 08:15):\" = \"cable\" [read-only]\n"));
+  key(item(idGrid), VK_F2);
+  EXPECT_THAT(tree(),
+              HasSubstr("  words \"Note to No. 99:\" [read-only]\n"
+                        "  text \"Note to No. 99:\" = \"cable\" [focused]\n"
+                        "  words \"Enter keeps the note, Esc leaves it as it was. An empty one is taken "
+                        "away.\" [read-only]\n"));
+}
+
 TEST_F(Accessibility, TheFindBarAndWhatItFoundAreTold) {
   store();
   keyWith(VK_CONTROL, item(idGrid), 'F');
@@ -129,6 +149,7 @@ TEST_F(Accessibility, TheFilterBarItsKindsAndTheHiddenListAreTold) {
                               "    text \"Words:\" = \"nothing like it\" key Alt+W\n"
                               "    tick \"Major\" key Alt+M does Untick [checked]\n"
                               "    tick \"Minor\" key Alt+I does Untick [checked]\n"
+                              "    tick \"With a note\" does Tick\n"
                               "    button \"Kinds: all\" key Alt+K does Press\n"
                               "    list \"Kinds of faults\" [focused]\n"
                               "      tick \"all\" does Untick [selected, focused, checked]\n"

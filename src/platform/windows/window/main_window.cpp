@@ -259,6 +259,7 @@ void MainWindow::createNotes() {
                             grid_.refresh();
                           },
                           [this] { place(); },
+                          [this](HWND window, const std::u16string& words) { setTip(window, words); },
                           [this](const std::u16string& words) {
                             status_.remark(words);
                             placeStatus();
@@ -408,6 +409,7 @@ std::u16string MainWindow::newsOf(std::size_t entry) {
 void MainWindow::setRows(GridSource* rows) {
   list_.setRows(rows, chosenExchange());
   look_.rowsSet();
+  notes_.look();
   place();
 }
 

@@ -106,8 +106,6 @@ void MainWindow::place() {
   text.bottom = std::max(text.top, layout_.note.top);
   put(pane_.window(), text);
   notes_.bar().place(layout_.note);
-  setTip(notes_.bar().box(), notes_.bar().editing() ? std::u16string{} : notes_.bar().text());
-  setTip(notes_.bar().message(), windowText(notes_.bar().message()));
   placeNotice(layout_);
   status_.place(layout_.status);
   setTip(status_.account(), status_.hiddenText());

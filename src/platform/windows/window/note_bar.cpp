@@ -30,13 +30,15 @@ void setStyle(HWND window, LONG_PTR style, bool on) {
 
 }  // namespace
 
-void NoteBar::create(HWND parent, std::function<void()> blanked) {
+void NoteBar::create(HWND parent, std::function<void()> blanked, Tip tip) {
   blanked_ = std::move(blanked);
+  tip_ = std::move(tip);
+  at_ = {};
   state_ = State::hidden;
   const DWORD words = SS_LEFT | SS_CENTERIMAGE | SS_NOPREFIX | SS_ENDELLIPSIS;
   label_ = makeChild(parent, idNoteLabel, WC_STATICW, {}, words);
   box_ = makeChild(parent, idNoteText, WC_EDITW, {}, WS_TABSTOP | ES_AUTOHSCROLL | ES_READONLY);
-  message_ = makeChild(parent, idNoteMessage, WC_STATICW, {}, words);
+  message_ = makeChild(parent, idNoteMessage, WC_STATICW, {}, words | SS_NOTIFY);
   // A longer text is told of when it is to be kept: cut off at once it would be lost.
   SendMessageW(box_, EM_SETLIMITTEXT, 0, 0);
   watch_.start(box_, [this](UINT message, WPARAM wide, LPARAM low) { return heard(message, wide, low); });
@@ -60,6 +62,9 @@ void NoteBar::turn(State state, const std::u16string& label, const std::u16strin
   SetWindowTextW(message_, L"");
   setWindowText(label_, label);
   setWindowText(box_, text);
+  tip_(box_, edited ? std::u16string{} : text);
+  tip_(message_, {});
+  place(at_);
 }
 
 void NoteBar::show(const std::u16string& label, const std::u16string& text) {
@@ -73,6 +78,7 @@ void NoteBar::edit(const std::u16string& label, const std::u16string& text) {
 }
 
 void NoteBar::hide() {
+  if (!shown()) return;
   turn(State::hidden, {}, {});
 }
 
@@ -87,6 +93,7 @@ std::u16string NoteBar::text() const {
 void NoteBar::tell(const std::u16string& message) {
   if (windowText(message_) == message) return;
   SetWindowTextW(message_, wide(message));
+  tip_(message_, message);
   tellLive(message_);
 }
 
@@ -104,6 +111,7 @@ int NoteBar::height() const {
 
 // A long label leaves the half of the line to the text.
 void NoteBar::place(const RECT& bar) {
+  at_ = bar;
   if (!shown()) return;
   const int left = static_cast<int>(bar.left) + scaled(margin, dpi_);
   const int room = std::max(0, static_cast<int>(bar.right) - scaled(margin, dpi_) - left);

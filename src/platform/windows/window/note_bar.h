@@ -14,8 +14,10 @@ namespace vordane::window::win32 {
 
 class NoteBar {
  public:
-  // `blanked` is called when something was pasted in which line ends or control characters became blanks.
-  void create(HWND parent, std::function<void()> blanked);
+  // `blanked` is called when something was pasted in which line ends or control characters became blanks;
+  // `tip` gives a window its tool tip, for words that there is no room for.
+  using Tip = std::function<void(HWND window, const std::u16string& words)>;
+  void create(HWND parent, std::function<void()> blanked, Tip tip);
   void setFont(HFONT font, int dpi);  // `font` must live until the next one is set
 
   void show(const std::u16string& label, const std::u16string& text);
@@ -49,7 +51,9 @@ class NoteBar {
   HWND label_ = nullptr, box_ = nullptr, message_ = nullptr;
   Watch watch_;
   std::function<void()> blanked_;
+  Tip tip_;
   State state_ = State::hidden;
+  RECT at_{};             // where it was placed last
   HFONT font_ = nullptr;  // not owned
   int dpi_ = 96;
 };

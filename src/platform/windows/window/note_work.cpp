@@ -43,7 +43,8 @@ std::u16string now() {
 
 void NoteWork::create(HWND parent, Around around) {
   around_ = std::move(around);
-  bar_.create(parent, [this] { bar_.tell(texts_.text(ViewText::noteBlanks)); });
+  bar_.create(
+      parent, [this] { bar_.tell(texts_.text(ViewText::noteBlanks)); }, around_.tip);
 }
 
 std::u16string NoteWork::heading(const Note& note) const {
@@ -61,7 +62,7 @@ void NoteWork::look() {
   else
     bar_.hide();
   if (focused && !bar_.shown()) SetFocus(grid_.window());
-  if (bar_.height() != before || bar_.shown()) around_.placeAgain();
+  if (bar_.height() != before) around_.placeAgain();
 }
 
 database::Notes* NoteWork::notes() {
