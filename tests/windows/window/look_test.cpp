@@ -255,6 +255,19 @@ TEST_F(LookGrid, AStoreThatFailsIsAskedAgainWithTheNextRows) {
   expectEntry(1, L"PBX-2, 3 new");
 }
 
+TEST_F(LookGrid, AStoreThatIsHeldTakesNoMarkAway) {
+  meetTheStore();
+  come(1, 1);
+  expectRow(0, L"new, Line fault, MN, 2026/11/20 10:00, MP");
+  events.storeHeld = true;
+  view->setRows(&stored);
+  pump(200);
+  EXPECT_TRUE(isNew(0));
+  events.storeHeld = false;
+  come(2, 1);
+  expectEntry(1, L"PBX-2, 1 new");
+}
+
 TEST_F(LookGrid, MoreThanThreeDigitsAreNotCounted) {
   meetTheStore();
   come(2, 1500);
