@@ -36,7 +36,8 @@ class LastLook {
     busy_ = begun_ = true;
     failed_ = false;
   }
-  void forget();  // the store goes
+  void giveUp() { busy_ = false; }  // until the next beginning
+  void forget();                    // the store goes
   bool busy() const { return busy_; }
   bool failed() const { return failed_; }
   // Goes on while `again` says so, one piece at least; `exchanges` are those that the window lists. True when

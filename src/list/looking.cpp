@@ -3,26 +3,24 @@
 namespace vordane::list {
 
 std::optional<Looking::Shown> Looking::see(const std::optional<Shown>& shown, Time now) {
-  if (!shown) {
-    begun_.reset();
-    return {};
-  }
-  // Fewer faults than there were are others.
-  const bool goesOn = begun_ && begun_->exchange == shown->exchange && begun_->highest <= shown->highest;
-  if (!goesOn) {
-    begun_ = shown;
-    since_ = now;
-  }
-  if (now - since_ < longEnough) return {};
-  const Shown seen = *begun_;
-  begun_ = shown;
-  since_ = now;
-  if (lookedAt_ == seen) return {};
-  return lookedAt_ = seen;
+  if (!shown || !goesOn(*shown)) waiting_.clear();
+  if (!shown) return {};
+  const bool told = waiting_.empty() ? lookedAt_ == shown : waiting_.back().shown == *shown;
+  if (!told) waiting_.push_back({*shown, now});
+  std::optional<Shown> looked;
+  for (; !waiting_.empty() && now - waiting_.front().since >= longEnough; waiting_.pop_front())
+    looked = lookedAt_ = waiting_.front().shown;
+  return looked;
+}
+
+// Fewer faults than there were are others.
+bool Looking::goesOn(const Shown& shown) const {
+  return waiting_.empty() ||
+         (waiting_.back().shown.exchange == shown.exchange && waiting_.back().shown.highest <= shown.highest);
 }
 
 std::optional<Looking::Time> Looking::due() const {
-  return begun_ && begun_ != lookedAt_ ? std::optional(since_ + longEnough) : std::nullopt;
+  return waiting_.empty() ? std::nullopt : std::optional(waiting_.front().since + longEnough);
 }
 
 }  // namespace vordane::list

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <deque>
 #include <optional>
 
 namespace vordane::list {
@@ -25,8 +26,14 @@ class Looking {
   std::optional<Time> due() const;
 
  private:
-  std::optional<Shown> begun_, lookedAt_;
-  Time since_;
+  struct Waiting {
+    Shown shown;
+    Time since;
+  };
+  bool goesOn(const Shown& shown) const;
+
+  std::deque<Waiting> waiting_;  // in front, but not for long enough; the oldest first
+  std::optional<Shown> lookedAt_;
 };
 
 }  // namespace vordane::list

@@ -49,6 +49,11 @@ TEST_F(DaoEngine, AMissingFolderIsAMissingFile) {
   EXPECT_EQ(numberOfError([&] { under.engine().open(file + u"-folder/FAULT.MDB", false); }), 3024);
 }
 
+// Its numbers may be random.
+TEST_F(DaoEngine, WhatCameLastCantBeTold) {
+  EXPECT_EQ(open()->arrivals(), nullptr);
+}
+
 TEST_F(DaoEngine, AFileThatMayNotBeChangedOpensOnlyToBeRead) {
   addExchange(*open(), u"A");
   world().writeProtected.insert(file);

@@ -14,7 +14,7 @@ class MemoryArrivals final : public database::Arrivals {
   std::u16string identity() override { return ownIdentity; }
   std::int64_t highest() override {
     if (fails) throw database::DatabaseError(3260, u"locked");
-    return all.empty() ? 0 : all.back().number;
+    return last();
   }
   std::vector<database::Arrival> after(std::int64_t number, std::size_t most) override {
     std::vector<database::Arrival> next;
@@ -25,8 +25,10 @@ class MemoryArrivals final : public database::Arrivals {
   }
   // The next numbers.
   void add(std::int64_t owner, std::size_t events = 1) {
-    for (; events > 0; --events) all.push_back({owner, highest() + 1});
+    for (; events > 0; --events) all.push_back({owner, last() + 1});
   }
+
+  std::int64_t last() const { return all.empty() ? 0 : all.back().number; }
 
   std::u16string ownIdentity = u"aa";
   std::vector<database::Arrival> all;

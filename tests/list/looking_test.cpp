@@ -57,9 +57,17 @@ TEST_F(LookingTest, FaultsThatComeOnTheWayHaveTheirOwnFiveSeconds) {
   see(Shown{1, 40}, 0);
   EXPECT_EQ(see(Shown{1, 43}, 3000), std::nullopt);
   EXPECT_EQ(see(Shown{1, 43}, 5000), (Shown{1, 40}));
-  EXPECT_EQ(due(), 10000);
-  EXPECT_EQ(see(Shown{1, 43}, 9999), std::nullopt);
-  EXPECT_EQ(see(Shown{1, 43}, 10000), (Shown{1, 43}));
+  EXPECT_EQ(due(), 8000);
+  EXPECT_EQ(see(Shown{1, 43}, 7999), std::nullopt);
+  EXPECT_EQ(see(Shown{1, 43}, 8000), (Shown{1, 43}));
+  EXPECT_EQ(due(), std::nullopt);
+}
+
+TEST_F(LookingTest, WhoIsAskedLateIsToldTheLatest) {
+  see(Shown{1, 40}, 0);
+  see(Shown{1, 43}, 3000);
+  EXPECT_EQ(see(Shown{1, 43}, 9000), (Shown{1, 43}));
+  EXPECT_EQ(see(Shown{1, 43}, 20000), std::nullopt);
 }
 
 TEST_F(LookingTest, FewerFaultsThanThereWereBeginAnew) {

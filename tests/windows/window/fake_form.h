@@ -45,6 +45,9 @@ class FakeRows : public GridSource, public database::RowList {
   // The equipment code C2D of the second fault came from the data characters 4 and 6 to 8.
   std::vector<Range> provenance(std::size_t row, std::size_t position) override;
   database::RowList* list() override { return this; }
+  std::optional<std::int64_t> number(std::size_t position) const override {
+    return static_cast<std::int64_t>(count_ - position);
+  }
   bool fetch(std::size_t position, std::vector<database::Value>& out) override;
   database::Notes* notes() override { return noNotesFor ? nullptr : &kept; }
   database::NoNotes noNotes() const override { return *noNotesFor; }

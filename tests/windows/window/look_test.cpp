@@ -45,7 +45,7 @@ class LookGrid : public ViewTest {
   void come(std::int64_t exchange, int many) {
     for (; many > 0; --many) {
       store->add(exchange);
-      if (exchange == 1) stored.rows.insert(stored.rows.begin(), fault(static_cast<int>(store->highest())));
+      if (exchange == 1) stored.rows.insert(stored.rows.begin(), fault(static_cast<int>(store->last())));
     }
     view->setRows(&stored);
     pump();
@@ -255,6 +255,19 @@ TEST_F(LookGrid, AStoreThatFailsIsAskedAgainWithTheNextRows) {
   expectEntry(1, L"PBX-2, 3 new");
 }
 
+TEST_F(LookGrid, AStoreThatIsHeldTakesNoMarkAway) {
+  meetTheStore();
+  come(1, 1);
+  expectRow(0, L"new, Line fault, MN, 2026/11/20 10:00, MP");
+  events.storeHeld = true;
+  view->setRows(&stored);
+  pump(200);
+  EXPECT_TRUE(isNew(0));
+  events.storeHeld = false;
+  come(2, 1);
+  expectEntry(1, L"PBX-2, 1 new");
+}
+
 TEST_F(LookGrid, MoreThanThreeDigitsAreNotCounted) {
   meetTheStore();
   come(2, 1500);
@@ -287,13 +300,14 @@ TEST_F(LookGrid, AnEntryIsChosenByAScreenReaderAsByAClick) {
   EXPECT_EQ(windowText(item(idExchange)), u"PBX-2");
 }
 
-TEST_F(LookGrid, TheLinesOfTheDropDownHaveRoomForTheirFont) {
+TEST_F(LookGrid, TheLinesOfTheDropDownGrowWithTheirFont) {
+  const auto line = [&] { return SendMessageW(item(idExchange), CB_GETITEMHEIGHT, 0, 0); };
   pump();
-  LOGFONTW font{};
-  GetObjectW(reinterpret_cast<HFONT>(SendMessageW(item(idExchange), WM_GETFONT, 0, 0)), sizeof font, &font);
-  const LRESULT line = SendMessageW(item(idExchange), CB_GETITEMHEIGHT, 0, 0);
-  EXPECT_GE(line, std::abs(font.lfHeight));
-  EXPECT_EQ(line, SendMessageW(item(idExchange), CB_GETITEMHEIGHT, static_cast<WPARAM>(-1), 0));
+  const LRESULT before = line();
+  form.self().set(u"FontSize", 24.0F);
+  pump();
+  EXPECT_GE(line(), before + 10);
+  EXPECT_GE(SendMessageW(item(idExchange), CB_GETITEMHEIGHT, static_cast<WPARAM>(-1), 0), line());
 }
 
 }  // namespace

@@ -85,7 +85,11 @@ struct RecordedEvents : ViewEvents {
   }
   ListUse listUse() override { return use; }
   std::shared_ptr<database::Arrivals> store;  // null: it can't tell what came
-  std::shared_ptr<database::Arrivals> arrivals() override { return store; }
+  bool storeHeld = false;                     // by somebody, at this moment
+  std::shared_ptr<database::Arrivals> arrivals() override {
+    if (storeHeld) throw database::DatabaseError(3260, u"locked");
+    return store;
+  }
   void tick() override {
     ++ticks;
     happened();

@@ -91,7 +91,7 @@ class RowPainter {
     line(inside, detail(*drawing_.row), look_.plain.get(), ink_.quiet, DT_LEFT);
   }
 
-  // Below the kind, where the row is empty.
+  // Below the kind, where the row is empty; a word that would be cut is left to the dot.
   void news(RECT inside) {
     if (drawing_.newWord.empty()) return;
     inside.top += look_.lineHeight;
@@ -99,7 +99,9 @@ class RowPainter {
     const bool plain = look_.palette.systemOnly || drawing_.selected;
     drawNewDot(drawing_.dc, inside, plain ? ink_.text : look_.palette.accent, look_.dpi);
     inside.left += newDotWidth(look_.dpi);
+    inside.right += px(cellPadding) - px(1);
     const Selected selected(drawing_.dc, look_.plain.get());
+    if (widthOf(drawing_.newWord) > width(inside)) return;
     SetTextColor(drawing_.dc, ink_.text);
     DrawTextW(drawing_.dc, wide(drawing_.newWord), -1, &inside, oneLine | DT_LEFT);
   }

@@ -30,12 +30,16 @@ void LookWork::forget() {
 
 // Nothing is known, and nothing is drawn.
 void LookWork::rest() {
+  const bool drawn = begun_ && frame_ != nullptr;
   rows_.forget();
   last_.forget();
   looking_ = {};
   exchange_.reset();
   begun_.reset();
   front_ = false;
+  if (!drawn) return;
+  around_.marksChanged();
+  around_.numbersChanged();
 }
 
 void LookWork::rowsSet() {
@@ -81,21 +85,20 @@ void LookWork::work() {
   const auto end = std::chrono::steady_clock::now() + lookSlice;
   const auto again = [end] { return std::chrono::steady_clock::now() < end; };
   if (rows_.busy()) return rows_.work(again);
-  if (!last_.busy() && !last_.failed() && GetTickCount64() >= pollAt_) last_.begin();
+  const bool pollDue = !last_.failed() && GetTickCount64() >= pollAt_ && IsWindowVisible(frame_);
+  if (!last_.busy() && pollDue) last_.begin();
   if (last_.busy()) readOn(again);
 }
 
 void LookWork::readOn(const std::function<bool()>& again) {
-  std::shared_ptr<database::Arrivals> store;
   try {
-    store = around_.arrivals();
+    if (const auto store = around_.arrivals(); store == nullptr)
+      last_.forget();
+    else if (last_.work(*store, around_.exchanges(), again))
+      around_.numbersChanged();
   } catch (const database::DatabaseError&) {
-    // It is closed, or held by somebody: as good as a store that can't tell.
+    last_.giveUp();  // it is held by somebody at this moment
   }
-  if (store == nullptr)
-    last_.forget();
-  else if (last_.work(*store, around_.exchanges(), again))
-    around_.numbersChanged();
   if (!last_.busy()) pollAt_ = GetTickCount64() + betweenPolls;
   lookBegins();
 }

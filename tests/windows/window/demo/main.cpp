@@ -1,6 +1,7 @@
 // Shows the window over rows in memory and prints every event that reaches the form, so that a person (or a
 // program that presses its buttons) can see what the window does. Words on the command line: ru, ja; empty,
-// waiting, failure, busy, million, long; filter, kinds, nothing; find; newer; flood; note, write;
+// waiting, failure, busy, million, long; filter, kinds, nothing; find; newer; flood; note, write; looked,
+// exchanges;
 // size=WIDTHxHEIGHT in pixels at 96 dots an inch; picture=PATH.
 #include <windows.h>
 
@@ -10,6 +11,7 @@
 #include <cwchar>
 #include <string>
 
+#include "fakes/memory_arrivals.h"
 #include "list/flood.h"
 #include "platform/database.h"
 #include "platform/windows/window/children.h"
@@ -35,6 +37,8 @@ struct Options {
   bool newer = false;                // faults have come while a person was in the list
   bool flood = false;                // many faults within ten minutes
   bool note = false, write = false;  // a fault with a note, and the note being written
+  bool looked = false,
+       exchanges = false;  // faults have come since the person looked; the list of exchanges open
   int width = 0, height = 0;
   std::u16string picture;
 };
@@ -87,6 +91,8 @@ class PrintingEvents : public ViewEvents {
     return std::nullopt;
   }
   ListUse listUse() override { return ListUse::now; }
+  std::shared_ptr<database::Arrivals> store;
+  std::shared_ptr<database::Arrivals> arrivals() override { return store; }
   void tick() override { say("tick"); }
 
  private:
@@ -118,6 +124,8 @@ Options readOptions(int count, char** words) {
     if (word == "flood") options.flood = true;
     if (word == "note") options.note = true;
     if (word == "write") options.note = options.write = true;
+    if (word == "looked") options.looked = true;
+    if (word == "exchanges") options.looked = options.exchanges = true;
     if (word == "long") options.longTexts = true;
     if (word == "million") options.rows = 1'000'000;
     if (word.rfind("size=", 0) == 0) std::sscanf(word.c_str(), "size=%dx%d", &options.width, &options.height);
@@ -128,8 +136,10 @@ Options readOptions(int count, char** words) {
 
 void fillExchanges(Form& form) {
   Control& list = form.control(u"drpPBXList");
-  for (const char16_t* name : {u"PBX-1", u"PBX-2 (warehouse)", u"Hospital east wing", u"Закупки"})
-    list.addItem(name);
+  for (const char16_t* name : {u"PBX-1", u"PBX-2 (warehouse)", u"Hospital east wing", u"Закупки"}) {
+    const int entry = list.addItem(name);
+    list.setItemData(entry, entry + 1);
+  }
   list.setListIndex(0);
 }
 
@@ -260,6 +270,25 @@ void showNewer(View& view, HWND window, FakeRows& rows) {
   view.setRows(&rows);
 }
 
+// Five faults of the exchange shown are new, some of the second and very many of the last.
+void showLooked(PrintingEvents& events, FakeSettings& settings, std::size_t rows) {
+  const std::size_t seen = rows - 5;
+  auto store = std::make_shared<fakes::MemoryArrivals>();
+  store->all.push_back({1, static_cast<std::int64_t>(seen)});
+  store->add(1, 5);
+  store->add(2, 12);
+  store->add(4, 1400);
+  settings.write(u"VORDANE", u"LastLook", u"aa", text::fromUtf8(std::to_string(seen)));
+  events.store = store;
+}
+
+void CALLBACK openExchanges(HWND, UINT, UINT_PTR timer, DWORD) {
+  KillTimer(nullptr, timer);
+  const HWND box = GetDlgItem(FindWindowW(win32::windowClassName, nullptr), win32::idExchange);
+  SetFocus(box);
+  SendMessageW(box, CB_SHOWDROPDOWN, TRUE, 0);
+}
+
 }  // namespace
 
 int main(int count, char** words) {
@@ -273,6 +302,8 @@ int main(int count, char** words) {
   PrintingEvents events(form, rows);
   const auto view = win32::makeWin32View(texts, settings);
   events.view = view.get();
+  if (options.looked) showLooked(events, settings, options.rows);
+  if (options.exchanges) SetTimer(nullptr, 0, 1000, openExchanges);
   view->attach(form, events);
   fillExchanges(form);
   showState(*view, form, options, rows);
