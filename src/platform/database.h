@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "platform/automation.h"
+#include "platform/receipts.h"
 #include "platform/statement.h"
 #include "platform/survey.h"
 
@@ -131,6 +132,9 @@ class Database {
   // What is agreed on about `subject`: what the store keeps of it, or `own`, which a store that keeps nothing
   // yet keeps from then on. In a batch that is saved with it. A file has one writer's agreements: `own`.
   virtual Agreement agree(std::u16string_view, const Agreement& own) { return own; }
+
+  // The receipts of resets; null where none are kept. For use at once: it keeps the store open.
+  virtual std::shared_ptr<Receipts> receipts() { return nullptr; }
 
   // The file lies on a network drive, where storing takes longer.
   virtual bool isOnNetwork() const { return false; }

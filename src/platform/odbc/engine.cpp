@@ -4,6 +4,7 @@
 
 #include "platform/odbc/data_source.h"
 #include "platform/odbc/errors.h"
+#include "platform/odbc/receipts.h"
 #include "platform/odbc/recordset.h"
 #include "platform/odbc/row_list.h"
 
@@ -51,6 +52,10 @@ class ServerDatabase final : public database::Database {
   database::Agreement agree(std::u16string_view subject, const database::Agreement& own) override {
     requireOpen();
     return session_->agree(subject, own);
+  }
+  std::shared_ptr<database::Receipts> receipts() override {
+    requireOpen();
+    return makeReceipts(session_);
   }
   void close() noexcept override { session_.reset(); }
 

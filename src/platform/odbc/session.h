@@ -9,6 +9,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -57,6 +58,11 @@ class Session {
 
   database::Agreement agree(std::u16string_view subject, const database::Agreement& own);
 
+  // What tells which lamps are lit, where the store keeps receipts; null where it was made without.
+  const database::LampTable* lampTable() const;
+  // A step on what stands beside the documented tables, outside batches: a transaction of its own.
+  void beside(const std::function<void(Link&)>& step);
+
   void beginBatch();
   void checkpoint();
   void endBatch();
@@ -99,6 +105,7 @@ class Session {
   std::unique_ptr<Link> link_;
   std::unique_ptr<Tables> tables_;
   std::unique_ptr<Plans> plans_;
+  bool keepsReceipts_ = false;
 
   bool inBatch_ = false;
   std::set<std::int64_t> held_;             // owners, by this transaction

@@ -9,6 +9,7 @@
 #include "platform/sqlite/errors.h"
 #include "platform/sqlite/foreign_files.h"
 #include "platform/sqlite/plan.h"
+#include "platform/sqlite/receipts.h"
 #include "platform/sqlite/recordset.h"
 #include "platform/sqlite/row_list.h"
 #include "text/utf8.h"
@@ -174,6 +175,10 @@ class EmbeddedDatabase final : public database::Database {
   }
   void setProgress(Progress progress) override {
     if (opened_) opened_->connection.setProgress(std::move(progress));
+  }
+  std::shared_ptr<database::Receipts> receipts() override {
+    requireOpen();
+    return makeReceipts(opened_);
   }
   bool isOnNetwork() const override { return onNetwork_; }
   void close() noexcept override { opened_.reset(); }
