@@ -14,6 +14,7 @@
 #include "platform/odbc/engine.h"
 #include "platform/odbc/library.h"
 #include "platform/sqlite/engine.h"
+#include "receipt_list.h"
 #include "selection_words.h"
 #include "startup/databases.h"
 #include "text/utf8.h"
@@ -25,8 +26,12 @@ struct Options {
   std::string file;
   FaultSelectionWords selection;
   std::optional<std::string> processor;
-  bool major = false, minor = false, csv = false, json = false, count = false;
+  bool major = false, minor = false, csv = false, json = false, count = false, receipts = false;
 
+  // By what a fault has and a receipt has not.
+  bool choosesFaults() const {
+    return major || minor || processor || !selection.classes.empty() || !selection.kinds.empty();
+  }
   ListOptions list() const {
     using Form = ListOptions::Form;
     ListOptions all{csv     ? Form::csv
@@ -42,12 +47,18 @@ struct Options {
 };
 
 int listAll(const Options& given) {
+  if (given.receipts && given.choosesFaults())
+    throw ToolError(
+        "--receipts lists resets of alarms: only --exchange, --since and --until choose among them");
   const auto engine = database::makeEngineChoice(accessEngine(), sqlite::makeEngine(startup::databases), {},
                                                  odbc::makeEngine(startup::databases, odbc::systemLibrary()));
   const auto database = openDatabase(*engine, given.file);
   if (given.csv || given.json) useBinaryStandardStreams();  // its lines have their ends
   try {
-    listFaults(*database, given.file, given.list(), std::cout);
+    if (given.receipts)
+      listReceipts(*database, given.file, given.list(), std::cout);
+    else
+      listFaults(*database, given.file, given.list(), std::cout);
   } catch (const database::DatabaseError& failure) {
     throw ToolError(failureText(given.file, failure));
   }
@@ -66,6 +77,9 @@ void declareList(options::Command& command) {
   command.flag(
       "--csv", given->csv,
       "every column, for a spreadsheet (UTF-8; an apostrophe stands before texts that would be formulas)");
+  command.flag("--receipts", given->receipts,
+               "the receipts of alarm resets instead of the faults: who, where, when, and what the exchange "
+               "answered");
   command.flag("--json", given->json, "one JSON document for programs, each fault on a line of its own");
   command.flag("--count", given->count, "only how many they are");
   command.oneAtMost({"--csv", "--json", "--count"});

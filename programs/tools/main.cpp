@@ -40,7 +40,7 @@ constexpr struct {
      "Puts what an installer has unpacked into a version directory, renews it, or repairs it: all of it or "
      "none. Stored faults, jobs, and the words that faults are stored in stay. Ends with what the doctor "
      "finds."},
-    {"list", declareList, "Prints the stored faults, newest first."},
+    {"list", declareList, "Prints the stored faults, or the receipts of alarm resets, newest first."},
     {"store", declareStore, "Makes and examines a store on a database server that many stations share."},
     {"suite", declareSuite,
      "Makes the data files of an installed suite that are missing; stored faults, registration and jobs "

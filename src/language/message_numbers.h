@@ -242,12 +242,18 @@ inline constexpr std::size_t notesNotInAccess = 333;  // why there are no notes:
 inline constexpr std::size_t notesNotOnServer = 334;  // a server
 inline constexpr std::size_t notesNotInFile = 335;    // tables that somebody else has declared otherwise
 
+// Of resets, beside the lamps: {1} when, {2} who, {3} on which workstation, {4} why it failed.
+inline constexpr std::size_t lampsReset = 336;
+inline constexpr std::size_t lampsNotReset = 337;
+inline constexpr std::size_t reasonNoAnswer = 338;   // the window went before the exchange answered
+inline constexpr std::size_t statusNoReceipt = 339;  // {1} the engine's text
+
 // The product's own numbers, as [first, end). Behind the last stand the titles and labels of fault kinds that
 // came later; own ones that come after those begin a range of their own.
 struct Range {
   std::size_t first, end;
 };
-inline constexpr std::array ownTexts{Range{165, 336}};
+inline constexpr std::array ownTexts{Range{165, 340}};
 inline constexpr std::size_t count = ownTexts.back().end;  // of all that are named here or stand before
 
 constexpr bool isOwn(std::size_t number) {

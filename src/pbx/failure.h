@@ -4,7 +4,11 @@
 #include <cstdint>
 #include <string_view>
 
-namespace vordane::pbx {
+namespace vordane {
+
+class cListRequest;
+
+namespace pbx {
 
 enum class Failure {
   declined,      // the user did not want it sent
@@ -25,6 +29,8 @@ struct FailedRequest {
   std::u16string_view exchange;
   Failure failure;
   std::int32_t errorCode = 0;
+  const cListRequest* answer = nullptr;  // as far as it could be read; null: none came
 };
 
-}  // namespace vordane::pbx
+}  // namespace pbx
+}  // namespace vordane

@@ -435,7 +435,9 @@ void PbxSession::conclude(Answer& answer) {
   const bool taken = answer.success && !answer.unreadable;
   if (!taken || stops)
     regardless([&] {
-      twice([&] { form_.requestFailed(failed(failureOf(answer), answer.errorCode.value_or(0))); });
+      FailedRequest request = failed(failureOf(answer), answer.errorCode.value_or(0));
+      request.answer = &copy_;
+      twice([&] { form_.requestFailed(request); });
     });
   form_.concluded(taken || stops ? answer.action : std::nullopt);
 }

@@ -17,6 +17,7 @@
 #include "platform/arrivals.h"
 #include "platform/automation.h"
 #include "platform/notes.h"
+#include "platform/receipts.h"
 #include "platform/statement.h"
 #include "platform/survey.h"
 
@@ -153,6 +154,8 @@ class Database {
 
   // What has come since somebody looked; null where events are not numbered as they come.
   virtual std::shared_ptr<Arrivals> arrivals() { return nullptr; }
+  // The receipts of resets; null where none are kept. For use at once: it keeps the store open.
+  virtual std::shared_ptr<Receipts> receipts() { return nullptr; }
 
   // The file lies on a network drive, where storing takes longer.
   virtual bool isOnNetwork() const { return false; }

@@ -82,12 +82,21 @@ struct EventTable {
   std::u16string_view description;          // a long text
 };
 
-// `statements`: all that hold a value; an engine refuses any other that does. `events`: the table of that
-// kind, if there is one. What is described must live as long as the engines that are made with it.
+// A table that tells of each owner of events, which it finds by a name, what is lit there.
+struct LampTable {
+  std::u16string_view table;
+  std::u16string_view name;          // a text
+  std::u16string_view major, minor;  // Yes/No
+};
+
+// `statements`: all that hold a value; an engine refuses any other that does. `events` and `lamps`: the
+// tables of that kind, if there are any. What is described must live as long as the engines that are made
+// with it.
 struct Description {
   std::span<const TableDefinition> tables;
   std::span<const StatementPattern> statements;
   const EventTable* events = nullptr;
+  const LampTable* lamps = nullptr;
 };
 using Descriptions = std::span<const Description>;
 

@@ -56,6 +56,8 @@ struct Program {
   int major = 0, minor = 0, revision = 0;
   // False in a service's session, where nobody sees a window: every box is log-only then.
   bool interactive = true;
+  // Who has logged in to the workstation, and its own name; empty where the system does not tell.
+  std::u16string person, workstation;
 };
 
 // Creates automation objects of other servers.

@@ -232,6 +232,9 @@ class View {
   virtual void setRows(GridSource* rows) = 0;                 // nullptr: empty grid
   virtual void setSortMark(int column, bool descending) = 0;  // -1: none
   virtual void setLamp(bool major, bool lit) = 0;             // drawn in words besides the label's colour
+  // What is told of the lamps besides, on a person's asking only: their tool tip and their description for
+  // screen readers. Empty: nothing.
+  virtual void setLampNote(std::u16string_view) {}
   // The account may be of any length and hold line ends; the other parts are short.
   virtual void setStatus(int part, std::u16string_view text) = 0;
   // What stands in the empty grid's place: what is being waited for, what failed, what to press.

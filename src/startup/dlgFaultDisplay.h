@@ -73,6 +73,7 @@ class dlgFaultDisplay final {
   status::WindowStatus status_;
   startup::ScheduledJob job_;
   startup::StoreWindow faults_;
+  store::ResetReceipts receipts_;
   store::FaultStore store_;
   startup::SessionWindow talk_;
   pbx::PbxSession session_;

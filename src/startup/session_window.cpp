@@ -39,6 +39,7 @@ void SessionWindow::waitingFor(std::int16_t request, std::u16string_view exchang
 }
 
 void SessionWindow::requestFailed(const pbx::FailedRequest& request) {
+  receipts_.failed(request);
   if (request.failure == pbx::Failure::declined) return;  // the user knows
   attemptFailed(request.kind, request.exchange,
                 status::reasonText(application_.state(), request.failure, request.errorCode));

@@ -11,6 +11,7 @@
 #include "startup/host_link.h"
 #include "startup/scheduled_job.h"
 #include "status/window_status.h"
+#include "store/reset_receipts.h"
 
 namespace vordane::startup {
 
@@ -19,13 +20,14 @@ class SessionWindow final : public pbx::SessionForm {
   // `caller` is the window as other programs call it.
   SessionWindow(Application& application, const WindowLife& life, const HostLink& host,
                 const ScheduledJob& job, ActionTimer& timer, status::WindowStatus& status,
-                automation::ObjectRef caller)
+                store::ResetReceipts& receipts, automation::ObjectRef caller)
       : application_(application),
         life_(life),
         host_(host),
         job_(job),
         timer_(timer),
         status_(status),
+        receipts_(receipts),
         caller_(std::move(caller)) {}
 
   // Tells the status line, the notice and, in a scheduled run, the run log. `request` as
@@ -54,6 +56,7 @@ class SessionWindow final : public pbx::SessionForm {
   const ScheduledJob& job_;
   ActionTimer& timer_;
   status::WindowStatus& status_;
+  store::ResetReceipts& receipts_;
   automation::ObjectRef caller_;
 };
 

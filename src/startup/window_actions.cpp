@@ -12,11 +12,19 @@ void WindowActions::tick() {
   if (!action) return;
   const WindowLife::Entry entry(parts_.life);
   try {
+    noteReset(*action);
     dispatch(*action);
   } catch (...) {
     endBroken(*action);
     throw;
   }
+}
+
+// A reset begins, or was answered with something else than its answer.
+void WindowActions::noteReset(Action action) {
+  if (action == Action::reset) parts_.receipts.begin(parts_.host.PBXName());
+  if (action == Action::ingest || action == Action::alarmState)
+    parts_.receipts.answered(parts_.session.received(), false);
 }
 
 void WindowActions::dispatch(Action action) {
@@ -112,6 +120,7 @@ void WindowActions::endAction() {
 // An action that ran out of memory is over all the same: a busy flag that stayed would keep everybody out.
 void WindowActions::endBroken(Action action) {
   if (!parts_.alive()) return;
+  parts_.receipts.failed({step::alarmClearRequest, parts_.session.requestName(), pbx::Failure::noMemory});
   parts_.status.idle();
   const std::int16_t request = action == Action::request ? step::faultListRequest
                                : action == Action::reset ? step::alarmClearRequest

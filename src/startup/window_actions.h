@@ -20,6 +20,7 @@ class WindowActions {
   void close();
 
  private:
+  void noteReset(Action action);
   template <class Request>
   void converse(Request request);  // an action that lasts until its answer, when one is to come
   template <class Work>

@@ -25,6 +25,7 @@ void WindowEnd::Unload() {
   if (unloading.endingBegins) attempt([&] { withdraw(); });
   attempt([&] { parts_.place.remember(); });
   attempt([&] { parts_.view().stopTimer(); });
+  parts_.receipts.ended();
   parts_.store.close();
   attempt([&] { parts_.view().detach(); });
   attempt([&] { closeLater(parts_.life, parts_.application.LangDB); });

@@ -14,6 +14,7 @@
 #include "startup/window_place.h"
 #include "status/window_status.h"
 #include "store/fault_store.h"
+#include "store/reset_receipts.h"
 
 namespace vordane::startup {
 
@@ -31,6 +32,7 @@ struct WindowParts {
   status::WindowStatus& status;
   ScheduledJob& job;
   StoreWindow& faults;
+  store::ResetReceipts& receipts;
   store::FaultStore& store;
   SessionWindow& talk;
   pbx::PbxSession& session;

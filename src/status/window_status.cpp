@@ -76,7 +76,10 @@ void WindowStatus::loaded() {
 
 void WindowStatus::waits(std::int16_t request, std::u16string_view exchange) {
   // The acknowledgement belongs to the list before it, whose failure stays.
-  if (request != step::alarmStateRequest) failure_.clear();
+  if (request != step::alarmStateRequest) {
+    failure_.clear();
+    receiptLine_.clear();
+  }
   guideLine_.clear();
   waiting_ = fillText(text(sentencesOf(request).waiting), {exchange});
 }
@@ -104,6 +107,10 @@ void WindowStatus::listTaken(const ListAccount& account) {
 
 void WindowStatus::deletionGivenUp(std::u16string_view when) {
   attemptLine_ = fillText(text(message::statusNotDeleted), {when});
+}
+
+void WindowStatus::receiptNotKept(std::u16string_view why) {
+  receiptLine_ = fillText(text(message::statusNoReceipt), {why});
 }
 
 // --- the guide
@@ -135,6 +142,7 @@ void WindowStatus::displayFailed(std::u16string_view engineText) {
 std::u16string WindowStatus::line() const {
   const bool quiet = attemptLine_.empty() && listLine_.empty();
   std::u16string line = listLine_.empty() ? storedLine_ : listLine_;
+  if (!receiptLine_.empty()) line = receiptLine_ + u"\n" + line;
   if (!attemptLine_.empty()) line = attemptLine_ + u"\n" + line;
   if (quiet && !textsIncomplete_.empty())
     line = fillText(text(message::statusTextsIncomplete), {textsIncomplete_});

@@ -45,6 +45,9 @@ class WindowStatus {
   void attemptSucceeded() { attemptLine_.clear(); }  // it makes an earlier failure old
   void listTaken(const ListAccount& account);
   void deletionGivenUp(std::u16string_view when);
+  // Of a reset: the engine's text. It stands until the next request or receipt.
+  void receiptNotKept(std::u16string_view why);
+  void receiptKept() { receiptLine_.clear(); }
 
   // --- the guide: where it was looked for
   void guideMissing(std::u16string_view file);
@@ -79,6 +82,7 @@ class WindowStatus {
   std::u16string waiting_, failure_, displayFailure_;   // the notice
   std::u16string storedLine_, listLine_, attemptLine_;  // the status line
   std::u16string textsIncomplete_;                      // the tables of loaders that stopped
+  std::u16string receiptLine_;                          // below what failed
   std::u16string guideLine_;                            // above all others
 };
 

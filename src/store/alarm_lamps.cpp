@@ -3,6 +3,7 @@
 #include "pbx/response_codes.h"
 #include "platform/stored_values.h"
 #include "store/fault_store.h"
+#include "store/reset_receipts.h"
 #include "store/statements.h"
 #include "store/trap.h"
 #include "text/numbers.h"
@@ -45,7 +46,9 @@ bool FaultStore::UpDateAlarm(const pbx::ReceivedList& received) {
 
 bool FaultStore::ClearAlarm(const pbx::ReceivedList& received) {
   if (openDatabase() == nullptr) return true;
-  if (!clearConfirmed(received.entries)) {
+  const bool confirmed = clearConfirmed(received.entries);
+  around_.receipts.answered(received, confirmed);
+  if (!confirmed) {
     form_.showBox(box::stepFailed);
     return false;
   }
@@ -73,6 +76,7 @@ void FaultStore::storeLamps(std::u16string_view name, bool major, bool minor) {
 
 void FaultStore::paintLamps(database::Database& database) {
   const auto shown = chosen();
+  around_.receipts.show(shown ? shown->name : std::u16string{});
   if (!shown) return showLamps(false, false);
   const auto exchange = database.openRecordset(findExchange(shown->name));
   const bool found = exchange->recordCount() > 0;

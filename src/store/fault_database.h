@@ -19,6 +19,7 @@ inline constexpr database::TableDefinition faultTables[] = {{u"PBXList", columns
                                                             {u"FaultDisplay", columns::faults}};
 inline constexpr database::EventTable faultEvents{
     u"FaultDisplay", u"Count", u"ID", u"Date", {u"Fault", u"Alarm", u"CPU"}, u"Description"};
+inline constexpr database::LampTable exchangeLamps{u"PBXList", u"PBXName", u"MJ", u"MN"};
 
 // Which quoting a text has is part of a statement; a value that holds it breaks the statement, which is
 // accepted.
@@ -63,6 +64,7 @@ static_assert(sortClauses.size() == 10);
 // Under what a shared store keeps the language of its descriptions.
 inline constexpr std::u16string_view languageSubject = u"Language";
 
-inline constexpr database::Description faultDatabase{faultTables, faultStatements, &faultEvents};
+inline constexpr database::Description faultDatabase{faultTables, faultStatements, &faultEvents,
+                                                     &exchangeLamps};
 
 }  // namespace vordane::store

@@ -5,6 +5,7 @@
 #include "language/message_numbers.h"
 #include "platform/database_numbers.h"
 #include "store/long_step.h"
+#include "store/reset_receipts.h"
 #include "store/statements.h"
 #include "store/stored_years.h"
 #include "store/time_stamp.h"
@@ -83,6 +84,7 @@ void FaultStore::emptyDisplay() {
   datPBXList_.clear();
   around_.form.control(u"txtTimeTag").set(u"Text", std::u16string{});
   showLamps(false, false);
+  around_.receipts.show({});
   showRows();
   showButtonStates();
 }
@@ -145,7 +147,10 @@ void FaultStore::headingClicked(int column) {
 
 void FaultStore::DisplayAlarm() {
   database::Database* database = form_.faultDatabase();
-  if (database == nullptr) return showLamps(false, false);
+  if (database == nullptr) {
+    around_.receipts.show({});
+    return showLamps(false, false);
+  }
   trapDisplay(Report::box, [&] { paintLamps(*database); });
 }
 

@@ -18,6 +18,8 @@
 
 namespace vordane::store {
 
+class ResetReceipts;
+
 // What the store works on all its life; everything outlives it.
 struct Surroundings {
   window::Form& form;
@@ -25,6 +27,7 @@ struct Surroundings {
   SharedState& state;
   platform::Clock& clock;
   status::WindowStatus& status;
+  ResetReceipts& receipts;
 };
 
 class StoreForm {

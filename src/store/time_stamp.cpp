@@ -11,10 +11,6 @@ namespace {
 
 constexpr std::u16string_view column = u"TimeStamp";
 
-std::u16string dateText(const platform::LocalTime& time) {
-  return text::isoText(time.year, time.month, time.day, time.hour, time.minute, time.second);
-}
-
 std::optional<platform::LocalTime> parseDate(std::u16string_view text) {
   if (!text::isIsoText(text)) return {};
   const auto field = [&](std::size_t start, std::size_t length) {
@@ -25,9 +21,13 @@ std::optional<platform::LocalTime> parseDate(std::u16string_view text) {
 
 }  // namespace
 
+std::u16string isoText(const platform::LocalTime& time) {
+  return text::isoText(time.year, time.month, time.day, time.hour, time.minute, time.second);
+}
+
 void stampNow(database::Recordset& row, platform::Clock& clock) {
   const auto now = clock.now();
-  row.set(column, row.isDate(column) ? dateText(now) : clock.regional(now));
+  row.set(column, row.isDate(column) ? isoText(now) : clock.regional(now));
 }
 
 std::u16string shownTimeStamp(std::u16string_view stored, bool dated, platform::Clock& clock) {

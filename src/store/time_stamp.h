@@ -13,6 +13,9 @@ namespace vordane::store {
 // text column the workstation's regional one.
 void stampNow(database::Recordset& row, platform::Clock& clock);
 
+// "YYYY-MM-DD HH:MM:SS".
+std::u16string isoText(const platform::LocalTime& time);
+
 // The regional text of a date column's value; anything else as it stands.
 std::u16string shownTimeStamp(std::u16string_view stored, bool dated, platform::Clock& clock);
 

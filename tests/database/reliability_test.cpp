@@ -357,6 +357,45 @@ TEST(Failure, EveryCallForAFileMayFailForGood) {
   failEveryCall(true, true);
 }
 
+// A receipt is kept or not, whole, and the faults are none the worse for it.
+void failWhileAReceiptIsKept(bool lasting) {
+  int n = 0;
+  for (bool failed = true; failed; ++n) {
+    Scene scene;
+    scene.run();
+    database::Receipt receipt;
+    receipt.exchange = u"PBX-1";
+    receipt.entries = {{u"EA1", u"00", u"CCC", u"OK"}};
+    failing::failFileAfter(n, lasting, true);
+    const bool kept = numberOfError([&] { scene.database->receipts()->keep(receipt); }) == 0;
+    failed = failing::fileFailed();
+    failing::failFileAfter(-1, false);
+    const auto count = [&] {
+      int receipts = 0;
+      scene.database->receipts()->read([&](const database::Receipt& one) {
+        EXPECT_EQ(one.entries, receipt.entries);
+        ++receipts;
+      });
+      return receipts;
+    };
+    const int before = count();
+    EXPECT_TRUE(kept ? before == 1 : before <= 1);
+    scene.database->receipts()->keep(receipt);
+    EXPECT_EQ(count(), before + 1);
+    scene.expectWholeAfterTheNextList();
+    if (testing::Test::HasFailure()) FAIL() << "after failure " << n;
+  }
+  EXPECT_GT(n, 5);
+  std::printf("%d calls failed, one after the other\n", n - 1);
+}
+
+TEST(Failure, EveryCallMayFailOnceWhileAReceiptIsKept) {
+  failWhileAReceiptIsKept(false);
+}
+TEST(Failure, EveryCallMayFailForGoodWhileAReceiptIsKept) {
+  failWhileAReceiptIsKept(true);
+}
+
 // Shown within the batch, then taken back with it: what is kept of the order goes along.
 TEST(Failure, WhatWasTakenBackIsShownNoLonger) {
   Scene scene;

@@ -16,6 +16,7 @@
 #include "language/message_numbers.h"
 #include "platform/control_types.h"
 #include "store/fault_store.h"
+#include "store/reset_receipts.h"
 #include "store/store_form.h"
 #include "text/numbers.h"
 #include "text/utf8.h"
@@ -69,7 +70,7 @@ class MemoryStoreForm : public store::StoreForm {
   void deletionGivenUp() override { note(u"DeletionGivenUp"); }
 
   // What the store works on. A test may put another clock in its place before the store is made.
-  store::Surroundings around() { return {window, memoryView, shared, *clock, status}; }
+  store::Surroundings around() { return {window, memoryView, shared, *clock, status, receipts}; }
   // The answer under way.
   pbx::ReceivedList received() const { return {answer, exchange, requestWide, truncated, cut}; }
   // Takes the answer in and does what the window does behind it.
@@ -96,6 +97,8 @@ class MemoryStoreForm : public store::StoreForm {
   SetClock setClock;
   platform::Clock* clock = &setClock;
   status::WindowStatus status{shared};
+  platform::Program program;
+  store::ResetReceipts receipts{*this, memoryView, shared, *clock, status, program};
   FaultTextTable texts;
   bool decoderWide = true;
   std::unique_ptr<cFaultDisplay> decoder;

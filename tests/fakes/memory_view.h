@@ -29,6 +29,7 @@ class MemoryView : public window::View {
     sortDescending = down;
   }
   void setLamp(bool major, bool lit) override { (major ? majorLit : minorLit) = lit; }
+  void setLampNote(std::u16string_view note) override { lampNote = note; }
   void setStatus(int part, std::u16string_view text) override { status[part] = text; }
   void setNotice(std::u16string_view text) override { notice = text; }
   void setNoticeKind(window::NoticeKind kind) override { noticeKind = kind; }
@@ -54,7 +55,7 @@ class MemoryView : public window::View {
   bool sortDescending = false;
   bool majorLit = false, minorLit = false;
   std::map<int, std::u16string> status;
-  std::u16string notice;
+  std::u16string notice, lampNote;
   window::NoticeKind noticeKind = window::NoticeKind::hint;
   std::vector<std::map<int, std::u16string>> painted;
   std::vector<std::u16string> screen;

@@ -20,6 +20,9 @@ class WatchedDatabase : public database::Database {
   std::function<void(std::u16string_view step)> before = [](std::u16string_view) {};
   std::function<void()> closed;  // called at the closing
   std::vector<std::u16string> statements;
+  // Called when somebody wants to keep or read receipts of resets, which are no statements.
+  std::function<void()> beforeReceipts = [] {};
+  bool keepsReceipts = true;
   int batchDepth = 0, batches = 0, recordsetsOpen = 0;
   Progress progress;
 
@@ -56,6 +59,11 @@ class WatchedDatabase : public database::Database {
     return inner_->agree(subject, own);
   }
   std::shared_ptr<database::Arrivals> arrivals() override { return inner_->arrivals(); }
+  std::shared_ptr<database::Receipts> receipts() override {
+    const auto hook = beforeReceipts;
+    hook();
+    return keepsReceipts ? inner_->receipts() : nullptr;
+  }
   bool isOnNetwork() const override { return inner_->isOnNetwork(); }
   void close() noexcept override {
     if (closed) closed();

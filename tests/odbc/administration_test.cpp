@@ -114,6 +114,15 @@ TEST_F(StoreCommand, DoneAgainLeavesTheFaults) {
   EXPECT_EQ(one("select \"ID\" || ' ' || \"Date\" from vordane.\"FaultDisplay\""), "1 2026/11/22");
 }
 
+TEST_F(StoreCommand, AStoreOfAnEarlierTimeGetsTheTablesOfTheReceipts) {
+  create();
+  runOn(name_, "drop table vordane.\"VordaneReceipts\", vordane.\"VordaneReceiptEntries\"");
+  EXPECT_EQ(wrong(examine()).size(), 3U) << "two tables and an index";
+  EXPECT_THAT(create(), testing::Contains("made the tables of the receipts"));
+  EXPECT_THAT(wrong(examine()), IsEmpty());
+  EXPECT_THAT(create(), testing::Not(testing::Contains("made the tables of the receipts")));
+}
+
 TEST_F(StoreCommand, NeedsNoMoreThanTheDatabaseAndTheMakingOfRoles) {
   runOn("postgres", "create role someone login createrole");
   runOn("postgres", "alter database " + name_ + " owner to someone");
@@ -175,6 +184,13 @@ TEST_F(StoreCommand, EachRoleCanDoWhatItIsForAndNoMore) {
       {"insert into vordane.\"VordaneAgreements\" values ('x', 'y', 'z')", no, 0, 0},
       {"update vordane.\"VordaneAgreements\" set \"Mark\" = ''", no, no, 0},
       {"delete from vordane.\"VordaneAgreements\"", no, no, 0},
+      {"select * from vordane.\"VordaneReceipts\"", 0, 0, 0},
+      {"select * from vordane.\"VordaneReceiptEntries\"", 0, 0, 0},
+      {"insert into vordane.\"VordaneReceipts\" (\"Outcome\") values ('x')", no, 0, 0},
+      {"insert into vordane.\"VordaneReceiptEntries\" (\"Receipt\") values (1)", no, 0, 0},
+      {"update vordane.\"VordaneReceipts\" set \"Outcome\" = 'x'", no, no, 0},
+      {"delete from vordane.\"VordaneReceipts\"", no, no, 0},
+      {"delete from vordane.\"VordaneReceiptEntries\"", no, no, 0},
       {"alter table vordane.\"PBXList\" add column more text", no, no, 0},
       {"alter table vordane.\"FaultDisplay\" disable trigger user", no, no, 0},
       {"drop table vordane.\"FaultDisplay\"", no, no, 0},
@@ -329,6 +345,13 @@ TEST_F(StoreCommand, FindsEachThingThatIsWrong) {
       {"grant update on vordane.\"VordaneAgreements\" to vordane_station", nullptr,
        "the role vordane_station has the rights (SELECT, INSERT, UPDATE) on VordaneAgreements, not (SELECT, "
        "INSERT)"},
+      {"grant delete on vordane.\"VordaneReceipts\" to vordane_station", nullptr,
+       "the role vordane_station has the rights (SELECT, INSERT, DELETE) on VordaneReceipts, not (SELECT, "
+       "INSERT)"},
+      {"drop table vordane.\"VordaneReceiptEntries\"", nullptr,
+       "the table VordaneReceiptEntries of the receipts is missing or another one: 'vordane-tools store "
+       "create' "
+       "makes one that is missing"},
       {"alter table vordane.\"PBXList\" owner to administrator",
        "alter table vordane.\"PBXList\" owner to vordane_administrator",
        "the table PBXList belongs to administrator, not to vordane_administrator"},

@@ -10,6 +10,9 @@ import tempfile
 import jsonschema
 
 tool, sources = sys.argv[1], pathlib.Path(sys.argv[2])
+receipts = jsonschema.Draft202012Validator(
+    json.loads((sources / "docs/schemas/receipts.schema.json").read_text(encoding="utf-8")))
+receipts.check_schema(receipts.schema)
 schema = json.loads((sources / "docs/schemas/faults.schema.json").read_text(encoding="utf-8"))
 jsonschema.Draft202012Validator.check_schema(schema)
 doctors = jsonschema.Draft202012Validator(
@@ -84,6 +87,33 @@ assert sorted(tables) == ["FaultDisplay.json", "PBXList.json"], tables
 for table in tables.values():
     keeps_to("table", table)
 assert [row[5] for row in tables["FaultDisplay.json"]["rows"]] == [2], tables
+
+# Receipts of resets, written as the add-in writes them.
+empty = json.loads(run("list", faults, "--receipts", "--json"))
+receipts.validate(empty)
+assert empty["receipts"] == [], empty
+with sqlite3.connect(faults) as file:
+    file.execute("CREATE TABLE VordaneReceipts (Number INTEGER PRIMARY KEY, Moment TEXT NOT NULL, Exchange TEXT NOT NULL, "
+                 "Person TEXT NOT NULL, Workstation TEXT NOT NULL, Major INTEGER, Minor INTEGER, Outcome TEXT NOT NULL, "
+                 "Code INTEGER, Answered INTEGER NOT NULL)")
+    file.execute("CREATE TABLE VordaneReceiptEntries (Receipt INTEGER NOT NULL, Place INTEGER NOT NULL, Command TEXT NOT "
+                 "NULL, First TEXT NOT NULL, Second TEXT NOT NULL, Extra TEXT NOT NULL, PRIMARY KEY (Receipt, Place)) "
+                 "WITHOUT ROWID")
+    for row in [("2026-11-20 21:14:05", "Büro 電話", "anna", "STATION-3", 1, 0, "confirmed", None, 1),
+                ("2026-11-20 21:15:05", "Büro 電話", "anna", "STATION-3", None, None, "error code", 61, 0)]:
+        file.execute("insert into VordaneReceipts (Moment, Exchange, Person, Workstation, Major, Minor, Outcome, Code, "
+                     "Answered) values (?,?,?,?,?,?,?,?,?)", row)
+    file.execute("insert into VordaneReceiptEntries values (1, 1, 'EA1', '00', 'CCC', 'OK')")
+file.close()
+kept = json.loads(run("list", faults, "--receipts", "--json", "--exchange", "büro 電話"))
+receipts.validate(kept)
+assert [receipt["number"] for receipt in kept["receipts"]] == [2, 1], kept
+assert kept["receipts"][1]["answer"] == [{"command": "EA1", "first": "00", "second": "CCC", "extra": "OK"}], kept
+for receipt in kept["receipts"]:
+    for key in receipt:
+        less = {other: value for other, value in receipt.items() if other != key}
+        assert not receipts.is_valid({**kept, "receipts": [less]}), f"a receipt without {key} passes"
+        assert not receipts.is_valid({**kept, "receipts": [{**receipt, key: [{}]}]}), f"another {key} passes"
 
 # Another program has added faults, so the index is not theirs: named, and mended when that is asked for.
 said = doctor()

@@ -82,6 +82,9 @@ run 0 list made/ADDINS/DATABASE/FAULT.MDB --csv
 printf 'Exchange,Fault,Alarm,Date,CPU,Description,Count\r\n' | cmp - out.raw || failed=1
 run 0 list made/ADDINS/DATABASE/FAULT.MDB --count; [ "$(cat out)" = 0 ] || failed=1
 run 0 list made/ADDINS/DATABASE/FAULT.MDB --count --since 2026 --until 2026/11/22 --major --kind 3B --kind 01 --processor MP; [ "$(cat out)" = 0 ] || failed=1
+run 0 list made/ADDINS/DATABASE/FAULT.MDB --receipts --json; silent errors
+printf '{"format":"vordane receipt list","version":1,"receipts":[\n]}\n' | cmp - out.raw || failed=1
+run 1 list made/ADDINS/DATABASE/FAULT.MDB --receipts --kind 3B; silent out; says errors '--receipts lists resets of alarms: only --exchange'
 run 0 list made/ADDINS/DATABASE/FAULT.MDB --json --class MJ
 printf '{"format":"vordane fault list","version":1,"exchanges":[\n],"faults":[\n]}\n' | cmp - out.raw || failed=1
 run 1 export made/ADDINS/DATABASE/VORDANE.LNG --json tables --kind 01; silent out; says errors 'no faults are stored in it'

@@ -4,6 +4,7 @@
 #include "platform/odbc/dialect.h"
 #include "platform/odbc/errors.h"
 #include "platform/odbc/postgres_names.h"
+#include "platform/odbc/receipts.h"
 #include "text/utf8.h"
 
 namespace vordane::odbc {
@@ -42,6 +43,7 @@ class Making {
     if (!isThere) makeTables();
     say(isThere ? "the tables are there"
                 : "made the tables, their indexes and triggers in the schema vordane");
+    if (isThere) makeReceipts();
     giveRights();
     keepVersion();
     renewIndex();
@@ -112,6 +114,20 @@ class Making {
       link_.change(statement);
   }
 
+  // For a store of an earlier time.
+  void makeReceipts() {
+    const auto statements = postgres().createReceipts();
+    bool made = false;
+    for (std::size_t i = 0; description_.lamps != nullptr && i < statements.size(); ++i) {
+      if (has("pg_class where relnamespace = 'vordane'::regnamespace and relname = '" +
+              text::toUtf8(receiptTables[i].name) + "'"))
+        continue;
+      link_.change(statements[i]);
+      made = true;
+    }
+    if (made) say("made the tables of the receipts");
+  }
+
   // Whatever was given or taken by hand is put right.
   void giveRights() {
     const std::string everything = " in schema vordane from public, vordane_reader, vordane_station";
@@ -128,6 +144,11 @@ class Making {
     for (const auto table : {eventIndex, ownerIndex, agreements})
       link_.change("grant select on " + postgres().name(table) + " to vordane_reader, vordane_station");
     link_.change("grant insert on " + postgres().name(agreements) + " to vordane_station");
+    for (const database::TableDefinition& table : receiptTables) {
+      const std::string on = " on " + postgres().name(table.name) + " to ";
+      link_.change("grant select" + on + "vordane_reader");
+      link_.change("grant select, insert" + on + "vordane_station");
+    }
     link_.change("grant usage on all sequences in schema vordane to vordane_station");
     for (const char* function : {"fold(text)", "hash(text, text, text, text)"})
       link_.change(std::string("grant execute on function vordane.") + function +

@@ -79,6 +79,8 @@ class Dialect {
   enum class Schema : bool { isMissing, isThere };
   virtual std::vector<std::string> create(const database::Description& description,
                                           Schema schema = Schema::isMissing) const = 0;
+  // One for each of the receipts' tables, which `create` makes too: for a store that was made without them.
+  virtual std::vector<std::string> createReceipts() const = 0;
 };
 
 const Dialect& postgres();

@@ -5,6 +5,7 @@
 #include "platform/odbc/arrivals.h"
 #include "platform/odbc/data_source.h"
 #include "platform/odbc/errors.h"
+#include "platform/odbc/receipts.h"
 #include "platform/odbc/recordset.h"
 #include "platform/odbc/row_list.h"
 
@@ -56,6 +57,11 @@ class ServerDatabase final : public database::Database {
   std::shared_ptr<database::Arrivals> arrivals() override {
     requireOpen();
     return makeArrivals(session_);
+  }
+
+  std::shared_ptr<database::Receipts> receipts() override {
+    requireOpen();
+    return makeReceipts(session_);
   }
   void close() noexcept override { session_.reset(); }
 

@@ -6,6 +6,7 @@
 #include "platform/odbc/dialect.h"
 #include "platform/odbc/errors.h"
 #include "platform/odbc/postgres_names.h"
+#include "platform/odbc/receipts.h"
 #include "text/utf8.h"
 
 namespace vordane::odbc {
@@ -171,6 +172,16 @@ class Examination {
              "'vordane'::regnamespace"))
       there.insert(name);
     bool whole = true;
+    for (const TableDefinition& table : receiptTables)
+      for (const auto& column : table.columns) {
+        const std::string name = text::toUtf8(table.name) + "." + text::toUtf8(column.name);
+        if (there.contains(name + " " + std::string(typeOf(column.type)))) continue;
+        whole =
+            say(false, "the table " + text::toUtf8(table.name) +
+                           " of the receipts is missing or another one: 'vordane-tools store create' makes "
+                           "one that is missing");
+        break;
+      }
     for (const TableDefinition& table : description_.tables)
       for (const auto& column : table.columns) {
         const std::string name = text::toUtf8(table.name) + "." + text::toUtf8(column.name);
@@ -205,6 +216,7 @@ class Examination {
             column.type == database::ColumnType::shortAutoNumber)
           expected.push_back(quotedText(text::toUtf8(table.name)) + ", " +
                              quotedText(text::toUtf8(column.name)));
+    expected.push_back(quotedText(text::toUtf8(receiptTables[0].name)) + ", 'Number'");
     return sayMissing(
         expected,
         "select 1 from pg_catalog.pg_index i join pg_catalog.pg_class t on t.oid = i.indrelid where "
@@ -283,8 +295,9 @@ class Examination {
     const std::string expected =
         "case when r.role = 'public' then '' when r.role = 'vordane_reader' then 'SELECT' when t.relname in "
         "(" +
-        listOfTables() + ") then 'SELECT, INSERT, UPDATE, DELETE' when t.relname = '" +
-        text::toUtf8(agreements) + "' then 'SELECT, INSERT' else 'SELECT' end";
+        listOfTables() + ") then 'SELECT, INSERT, UPDATE, DELETE' when t.relname in ('" +
+        text::toUtf8(agreements) + "', '" + text::toUtf8(receiptTables[0].name) + "', '" +
+        text::toUtf8(receiptTables[1].name) + "') then 'SELECT, INSERT' else 'SELECT' end";
     return sayWrong(
         "select 'the role ' || role || ' has the rights (' || has || ') on ' || relname || ', not (' || "
         "should || ')' "

@@ -4,6 +4,7 @@
 #include "platform/described.h"
 #include "platform/odbc/dialect.h"
 #include "platform/odbc/postgres_names.h"
+#include "platform/odbc/receipts.h"
 #include "text/text.h"
 #include "text/utf8.h"
 
@@ -230,6 +231,11 @@ class Postgres final : public Dialect {
   std::string backToSavepoint() const override { return "rollback to savepoint step"; }
 
   std::vector<std::string> create(const database::Description& description, Schema whether) const override;
+  std::vector<std::string> createReceipts() const override {
+    std::vector<std::string> all;
+    for (const TableDefinition& table : receiptTables) all.push_back(createTable(table));
+    return all;
+  }
 
  private:
   std::string sequenceOf(const TableDefinition& table, const ColumnDefinition& column) const {
@@ -384,6 +390,7 @@ std::vector<std::string> Postgres::create(const database::Description& descripti
                 " (\"Subject\" text primary key, \"Name\" text not null, \"Mark\" text not null)");
   append(all, createEvents(*description.events));
   if (const auto owners = ownersOf(description)) append(all, createOwners(*owners));
+  if (description.lamps != nullptr) append(all, createReceipts());
   return all;
 }
 

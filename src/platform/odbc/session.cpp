@@ -1,8 +1,10 @@
 #include "platform/odbc/session.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/odbc/errors.h"
+#include "platform/odbc/receipts.h"
 #include "text/numbers.h"
 #include "text/text.h"
 #include "text/utf8.h"
@@ -53,7 +55,12 @@ Session::Session(const Api& api, const Dialect& dialect, std::u16string connecti
       options_(options),
       documented_(std::move(documented)) {
   connect();
-  tables_ = std::make_unique<Tables>(link_->query(dialect_.listColumns()), documented_->descriptions());
+  const auto columns = link_->query(dialect_.listColumns());
+  tables_ = std::make_unique<Tables>(columns, documented_->descriptions());
+  keepsReceipts_ = std::all_of(std::begin(receiptTables), std::end(receiptTables), [&](const auto& table) {
+    return std::any_of(columns.begin(), columns.end(),
+                       [&](const Fields& column) { return column.at(0) == Field(table.name); });
+  });
   if (!readOnly_) {
     const auto reason = link_->query(dialect_.whyReadOnly());
     if (!reason.empty() && !reason[0].at(0).value_or(u"").empty())
@@ -328,6 +335,23 @@ std::vector<database::Arrival> Session::eventsAfter(const Table& table, std::int
     for (const Fields& row : link().query(dialect_.limited(query, static_cast<int>(most)), {&from, 1}))
       all.push_back({numberFrom(row.at(0).value_or(u"0")), numberFrom(row.at(1))});
     return all;
+  });
+}
+
+const database::LampTable* Session::lampTable() const {
+  if (!keepsReceipts_) return nullptr;
+  for (const database::Description& description : documented_->descriptions())
+    if (description.lamps != nullptr) return description.lamps;
+  return nullptr;
+}
+
+void Session::beside(const std::function<void(Link&)>& step) {
+  if (inBatch_) database::fail(number::invalidOperation);
+  guarded([&] {
+    Link& to = link();
+    to.begin();
+    step(to);
+    to.commit();
   });
 }
 

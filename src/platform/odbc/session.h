@@ -9,6 +9,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -63,6 +64,10 @@ class Session {
   const Table* eventTable() const { return tables_->events(); }
   std::int64_t highestEvent(const Table& table);
   std::vector<database::Arrival> eventsAfter(const Table& table, std::int64_t number, std::size_t most);
+  // What tells which lamps are lit, where the store keeps receipts; null where it was made without.
+  const database::LampTable* lampTable() const;
+  // A step on what stands beside the documented tables, outside batches: a transaction of its own.
+  void beside(const std::function<void(Link&)>& step);
 
   void beginBatch();
   void checkpoint();
@@ -106,6 +111,7 @@ class Session {
   std::unique_ptr<Link> link_;
   std::unique_ptr<Tables> tables_;
   std::unique_ptr<Plans> plans_;
+  bool keepsReceipts_ = false;
 
   bool inBatch_ = false;
   std::set<std::int64_t> held_;             // owners, by this transaction

@@ -73,6 +73,12 @@ Connection::~Connection() {
   if (inTransaction()) rollback();
 }
 
+const database::LampTable* Connection::lampTable() const {
+  for (const database::Description& description : descriptions_)
+    if (description.lamps != nullptr) return description.lamps;
+  return nullptr;
+}
+
 bool Connection::wait(int tries) noexcept {
   const auto now = std::chrono::steady_clock::now();
   if (tries == 0) waitingSince_ = now;

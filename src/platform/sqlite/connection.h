@@ -59,8 +59,24 @@ class Connection {
   // Which of the file's tables holds events, by name; null: none is described.
   const database::EventTable* eventTable() const { return eventsOf(descriptions_); }
 
+  const database::LampTable* lampTable() const;  // likewise, the one that tells what is lit
+
   FileTables& tables() { return *tables_; }
   const FileTables& tables() const { return *tables_; }
+
+  // While it lives, locks of others are waited for so long and no longer.
+  class Patience {
+   public:
+    Patience(Connection& connection, int milliseconds)
+        : connection_(connection), before_(std::exchange(connection.lockWaitMilliseconds_, milliseconds)) {}
+    ~Patience() { connection_.lockWaitMilliseconds_ = before_; }
+    Patience(const Patience&) = delete;
+    Patience& operator=(const Patience&) = delete;
+
+   private:
+    Connection& connection_;
+    int before_;
+  };
 
   // While it lives, statements are the engine's own and the authorizer lets everything through.
   class Maintenance {

@@ -10,6 +10,7 @@
 #include "platform/sqlite/errors.h"
 #include "platform/sqlite/foreign_files.h"
 #include "platform/sqlite/plan.h"
+#include "platform/sqlite/receipts.h"
 #include "platform/sqlite/recordset.h"
 #include "platform/sqlite/row_list.h"
 #include "text/utf8.h"
@@ -180,6 +181,11 @@ class EmbeddedDatabase final : public database::Database {
   std::shared_ptr<database::Arrivals> arrivals() override {
     requireOpen();
     return makeArrivals(opened_);
+  }
+
+  std::shared_ptr<database::Receipts> receipts() override {
+    requireOpen();
+    return makeReceipts(opened_);
   }
   bool isOnNetwork() const override { return onNetwork_; }
   void close() noexcept override { opened_.reset(); }

@@ -75,6 +75,34 @@ TEST_F(Accessibility, AnotherProcessIsToldWhatStandsAroundTheList) {
   EXPECT_EQ(treeOf(idMajor, 9), "words \"MAJOR: clear\" [read-only]\n");
 }
 
+TEST_F(Accessibility, WhatIsToldOfTheLampsBesidesIsTheirDescriptionAndTheirTip) {
+  const auto tip = [&](int id) {
+    HWND tips = nullptr;
+    while ((tips = FindWindowExW(nullptr, tips, TOOLTIPS_CLASSW, nullptr)) != nullptr)
+      if (GetWindow(tips, GW_OWNER) == view->window()) break;
+    wchar_t text[500] = {};
+    TTTOOLINFOW tool{};
+    tool.cbSize = sizeof tool;
+    tool.hwnd = view->window();
+    tool.uId = reinterpret_cast<UINT_PTR>(item(id));
+    tool.lpszText = text;
+    SendMessageW(tips, TTM_GETTEXTW, 500, reinterpret_cast<LPARAM>(&tool));
+    return fromWide(text, wcslen(text));
+  };
+  EXPECT_EQ(tip(idMajor), u"");
+  view->setLampNote(u"Last reset, confirmed");
+  EXPECT_EQ(treeOf(idMajor, 9), "words \"MAJOR: clear\" about \"Last reset, confirmed\" [read-only]\n");
+  EXPECT_EQ(treeOf(idMinor, 9), "words \"MINOR: clear\" about \"Last reset, confirmed\" [read-only]\n");
+  EXPECT_EQ(tip(idMajor), u"Last reset, confirmed");
+  form.control(u"lblMJ").set(u"ToolTipText", std::u16string(u"Of major alarms"));
+  EXPECT_EQ(tip(idMajor), u"Of major alarms\r\nLast reset, confirmed");
+  EXPECT_EQ(tip(idMinor), u"Last reset, confirmed");
+  view->setLampNote(u"");
+  EXPECT_EQ(tip(idMajor), u"Of major alarms");
+  EXPECT_EQ(tip(idMinor), u"");
+  EXPECT_EQ(treeOf(idMajor, 9), "words \"MAJOR: clear\" [read-only]\n");
+}
+
 TEST_F(Accessibility, AnotherProcessReadsRowsWithTheirCellsHeadingsAndThePane) {
   view->setSortMark(2, true);
   key(item(idGrid), VK_DOWN);

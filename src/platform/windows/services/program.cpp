@@ -15,6 +15,7 @@ namespace vordane::windows {
 namespace {
 
 constexpr std::size_t longestPath = 32768;
+constexpr std::size_t longestName = 257;  // of a person or a workstation
 
 std::wstring modulePath() {
   std::vector<wchar_t> buffer(longestPath);
@@ -53,6 +54,15 @@ void readVersion(platform::Program& program) {
   program.revision = version->revision;
 }
 
+// What a name's reader of the system tells; empty where it fails.
+template <class Read>
+std::u16string nameFrom(const Read& read) {
+  std::wstring name(longestName, L'\0');
+  auto length = static_cast<DWORD>(name.size());
+  if (!read(name.data(), &length)) return {};
+  return std::u16string(com::fromWide(name.c_str()));
+}
+
 }  // namespace
 
 void loadFromSystemOnly() {
@@ -86,6 +96,8 @@ platform::Program thisProgram() {
   program.startedByAutomation = line.start == platform::Start::byAutomation;
   readVersion(program);
   program.interactive = stationIsVisible();
+  program.person = nameFrom(GetUserNameW);
+  program.workstation = nameFrom(GetComputerNameW);
   return program;
 }
 

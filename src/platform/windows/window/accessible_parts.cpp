@@ -231,6 +231,7 @@ class LampElement final : public PartElement {
     return state;
   }
   std::u16string name() const override { return windowText(window()); }
+  std::u16string description() const override { return parts_.lampNote(); }
   std::u16string key() const override { return {}; }
 
  private:

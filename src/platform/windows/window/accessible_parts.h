@@ -21,6 +21,7 @@ struct AccessibleParts {
   std::function<HWND()> frame;
   std::function<bool()> inputAllowed;
   std::function<bool(bool major)> lit;
+  std::function<std::u16string()> lampNote;                 // what is told of the lamps besides
   std::function<std::u16string()> lampsName;                // what stands in the lamps' frame
   std::function<void(int column)> sortByHeading;            // once the question is answered
   std::function<std::u16string(std::size_t entry)> newsOf;  // what is said behind an entry of the drop-down

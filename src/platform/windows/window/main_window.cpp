@@ -119,6 +119,7 @@ MainWindow::MainWindow(ViewTexts& texts, platform::SettingsStore& settings, std:
           [this] { return window_; },
           [this] { return inputAllowed() && events_ != nullptr; },
           [this](bool major) { return lit_[major ? 0 : 1]; },
+          [this] { return lampNote_; },
           [this] { return lampsName(); },
           [this](int column) { PostMessageW(window_, sortMessage, static_cast<WPARAM>(column), 0); },
           [this](std::size_t entry) { return newsOf(entry); }} {}
@@ -175,6 +176,7 @@ void MainWindow::detach() {
   exchangeBox_ = nullptr;
   shownExchanges_ = 0;
   status_ = {};
+  lampNote_.clear();
   restyleWanted_ = false;
   DestroyWindow(std::exchange(window_, nullptr));
 }
@@ -420,6 +422,16 @@ void MainWindow::setLamp(bool major, bool lit) {
   NotifyWinEvent(EVENT_OBJECT_STATECHANGE, lamp, OBJID_CLIENT, CHILDID_SELF);
   InvalidateRect(lamp, nullptr, FALSE);
   attention_.shown(chosenExchange(), major ? attention::Lamp::major : attention::Lamp::minor, lit);
+}
+
+void MainWindow::setLampNote(std::u16string_view note) {
+  if (lampNote_ == note) return;
+  lampNote_ = note;
+  for (const auto& [shown, id] : ids_) {
+    if (id != idMajor && id != idMinor) continue;
+    applyTip(*shown, id);
+    NotifyWinEvent(EVENT_OBJECT_DESCRIPTIONCHANGE, item(id), OBJID_CLIENT, CHILDID_SELF);
+  }
 }
 
 void MainWindow::setStatus(int part, std::u16string_view text) {

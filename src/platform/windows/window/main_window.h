@@ -47,6 +47,7 @@ class MainWindow final : public Win32View {
   void setRows(GridSource* rows) override;
   void setSortMark(int column, bool descending) override { grid_.setSortMark(column, descending); }
   void setLamp(bool major, bool lit) override;
+  void setLampNote(std::u16string_view note) override;
   void setStatus(int part, std::u16string_view text) override;
   void setNotice(std::u16string_view text) override;
   void setNoticeKind(NoticeKind kind) override;
@@ -187,7 +188,7 @@ class MainWindow final : public Win32View {
   Font font_, bold_;
   LOGFONTW workstation_{};  // what the faces were made from
   std::array<bool, 2> lit_{};
-  std::u16string noticeText_, countText_;  // as the form says them
+  std::u16string noticeText_, countText_, lampNote_;  // as the form says them
   NoticeKind noticeKind_ = NoticeKind::hint;
   std::u16string lookUpNote_;  // of the last step: the search went round, or found nothing
   Layout layout_;

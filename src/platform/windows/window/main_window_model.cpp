@@ -145,7 +145,12 @@ void MainWindow::applyHeading(const Control& grid, std::u16string_view property)
 }
 
 void MainWindow::applyTip(const Control& shown, int id) {
-  setTip(item(id), textOf(shown, u"ToolTipText"));
+  std::u16string tip = textOf(shown, u"ToolTipText");
+  if ((id == idMajor || id == idMinor) && !lampNote_.empty()) {
+    if (!tip.empty()) tip += u"\r\n";
+    tip += lampNote_;
+  }
+  setTip(item(id), tip);
 }
 
 void MainWindow::setTip(HWND window, const std::u16string& tip) {
