@@ -173,6 +173,27 @@ TEST_F(NotesTest, ItIsTheFaultThatHasTheNoteWhateverTheOrder) {
   }
 }
 
+// A long list is shown before all of it is read.
+TEST_F(NotesTest, FaultsThatTheListHasNotReadYetHaveTheirNotesToo) {
+  Options options;
+  options.rowsReadAtOnce = 2;
+  const auto engine = makeEngine(startup::databases, options);
+  const auto database = engine->open(path_, false);
+  database::addExchange(*database, u"PBX-1");
+  for (char16_t minute = u'0'; minute <= u'9'; ++minute)
+    addFault(*database, {1, u"01", u"MJ", u"MP", std::u16string(u"2026/11/20 10:0") + minute});
+  const auto newestFirst = [&] {
+    return database->openRowList(u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[2][1]),
+                                 allColumns);
+  };
+  ASSERT_EQ(newestFirst()->notes()->put(1, none, cable), Put::kept);
+  ASSERT_EQ(newestFirst()->notes()->put(10, none, door), Put::kept);
+  const auto unread = newestFirst();
+  ASSERT_FALSE(unread->isRead());
+  EXPECT_EQ(noted(*unread), (Places{0, 9}));
+  EXPECT_EQ(holding(*newestFirst(), u"monday"), Places{9});
+}
+
 TEST_F(NotesTest, ATextThatIsNoLineOrTooLongIsNotKept) {
   const auto database = open();
   addThree(*database);

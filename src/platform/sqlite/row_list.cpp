@@ -106,6 +106,7 @@ class EmbeddedRowList final : public database::RowList {
   void chooseNoted(std::span<const std::uint32_t> positions, std::vector<std::uint32_t>& chosen) override {
     connection_.beforeRead();
     if (tablesChanged()) return;
+    for (const std::uint32_t position : positions) readUpTo(position);
     const ReadScope reading(connection_);
     if (!table_.events || !opened_->notes.any()) return;
     for (const std::uint32_t position : positions)

@@ -249,7 +249,7 @@ std::u16string FakeTexts::text(ViewText which) {
     case ViewText::noteBegin:
       return pick({u"Note ({1}, {2}):", u"Заметка ({1}, {2}):", u"メモ ({1}、{2}):"}, language_);
     case ViewText::noteMenu:
-      return pick({u"&Note...", u"За&метка...", u"メモ(&N)..."}, language_);
+      return pick({u"No&te...", u"За&метка...", u"メモ(&T)..."}, language_);
     case ViewText::noteEdit:
       return pick({u"Note to No. {1}:", u"Заметка к № {1}:", u"No. {1} のメモ:"}, language_);
     case ViewText::noteHow:
