@@ -74,7 +74,7 @@ TEST_F(ResetReceipts, AConfirmedResetHasOneWhenItsBoxStands) {
   boxes.meanwhile = [&] { during = receipts(); };
   tick();
   EXPECT_THAT(during, ElementsAre("PBX-1 confirmed lit EA1/00/CCC/OK"));
-  EXPECT_EQ(view.lampNote, u"M340");
+  EXPECT_EQ(view.lampNote, u"reset 20.11.2026 21:14:05 by anna on STATION-3");
 }
 
 TEST_F(ResetReceipts, AnAnswerThatSaysNoHasOne) {
@@ -259,12 +259,12 @@ TEST_F(ResetReceipts, OneThatCantBeWrittenIsToldInTheStatusLineUntilTheNextReque
   pressAndTick(1);
   answerReset(u"OK");
   tick();
-  EXPECT_EQ(view.status[0], u"M343\n" + before);
+  EXPECT_EQ(view.status[0], u"no receipt: can't be written\n" + before);
   EXPECT_FALSE(view.majorLit) << "the reset went on";
   pressAndTick(0);
   exchange().answer(0, oneFault());
   tick();
-  EXPECT_THAT(text::toUtf8(view.status[0]), testing::Not(testing::HasSubstr("M343")));
+  EXPECT_THAT(text::toUtf8(view.status[0]), testing::Not(testing::HasSubstr("no receipt")));
 }
 
 }  // namespace

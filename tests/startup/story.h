@@ -297,6 +297,8 @@ class Story : public testing::Test {
         {message::reasonTextCut, u"text cut"},
         {message::reasonNoMemory, u"no memory"},
         {message::statusNotDeleted, u"not deleted {1}."},
+        {message::statusNoReceipt, u"no receipt: {1}"},
+        {message::lampsReset, u"reset {1} by {2} on {3}"},
         {message::reasonServerGone, u"gone"},
         {message::reasonDatabase, u"database: {1}"},
         {message::reasonCutShort, u"cut short"},
