@@ -49,6 +49,7 @@ Var Everybody      ; 1: for every user
 Var TextsIn       ; of the suite's texts: en, ru, ja
 Var Words          ; empty: as the system and the suite have it
 Var Demonstration  ; 1: with the simulated exchange
+Var CrashDumps     ; 1: the system keeps an image of each crash
 Var NoShortcuts
 Var Wait           ; seconds for what is in use, without a screen
 Var Everything     ; of the remover: stored faults too
@@ -62,6 +63,7 @@ Var RadioMe
 Var ListLanguage
 Var ListWords
 Var CheckDemo
+Var CheckDumps
 
 !ifdef SIGN
   !uninstfinalize '"${SIGN}" "%1"' = 0
@@ -253,6 +255,7 @@ Function .onInit
   !insertmacro FLAG "/AllUsers" $Everybody 1
   !insertmacro FLAG "/CurrentUser" $Everybody 0
   !insertmacro FLAG "/Demonstration" $Demonstration 1
+  !insertmacro FLAG "/CrashDumps" $CrashDumps 1
   !insertmacro FLAG "/NoShortcuts" $NoShortcuts 1
   !insertmacro FLAG "/Language=" $TextsIn "$1"
   StrCpy $Wait 60
@@ -324,7 +327,12 @@ Function optionsPage
   ${If} $Demonstration = 1
     ${NSD_Check} $CheckDemo
   ${EndIf}
-  ${NSD_CreateLabel} 0 100u 100% 36u "$(KEPT)"
+  ${NSD_CreateCheckBox} 0 92u 100% 12u "$(CRASH_DUMPS)"
+  Pop $CheckDumps
+  ${If} $CrashDumps = 1
+    ${NSD_Check} $CheckDumps
+  ${EndIf}
+  ${NSD_CreateLabel} 0 110u 100% 28u "$(KEPT)"
   Pop $0
   nsDialogs::Show
 FunctionEnd
@@ -333,6 +341,7 @@ Function optionsLeave
   StrCpy $Option $Everybody
   ${NSD_GetState} $RadioAll $Everybody
   ${NSD_GetState} $CheckDemo $Demonstration
+  ${NSD_GetState} $CheckDumps $CrashDumps
   SendMessage $ListLanguage ${CB_GETCURSEL} 0 0 $0
   ${Select} $0
     ${Case} 1
@@ -372,6 +381,9 @@ Function runInstall
   ${EndIf}
   ${If} $Demonstration = 1
     StrCpy $R8 "$R8 --demonstration"
+  ${EndIf}
+  ${If} $CrashDumps = 1
+    StrCpy $R8 "$R8 --crash-dumps"
   ${EndIf}
   ${If} $Everybody <> 1
     StrCpy $R8 "$R8 --this-user"

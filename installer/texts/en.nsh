@@ -15,6 +15,7 @@
 !insertmacro TEXT WORDS_64 "64-bit"
 !insertmacro TEXT WORDS_32 "32-bit"
 !insertmacro TEXT DEMONSTRATION "With a simulated exchange, to try it and to train"
+!insertmacro TEXT CRASH_DUMPS "Keep an image of the memory when the fault display crashes (for every user only)"
 !insertmacro TEXT KEPT "Where the fault display is installed already, it is renewed: stored faults, jobs and the installed language stay."
 !insertmacro TEXT DIRECTORY "The fault display goes into the version directory of the maintenance suite. Without a suite, choose any folder: a set of its own is made in QUILMAR32\30000 below it."
 !insertmacro TEXT IN_USE "The fault display is in use. End the maintenance program and every fault display, then try again. Nothing is ended by force."

@@ -12,6 +12,7 @@
 !insertmacro TEXT WORDS_64 "64 ビット"
 !insertmacro TEXT WORDS_32 "32 ビット"
 !insertmacro TEXT DEMONSTRATION "試用・訓練用の模擬交換機も入れる"
+!insertmacro TEXT CRASH_DUMPS "異常終了時にメモリのイメージを保存する（すべてのユーザー用のときのみ）"
 !insertmacro TEXT KEPT "すでにインストールされている場合は更新します。保存された障害、ジョブ、インストール済みの言語はそのまま残ります。"
 !insertmacro TEXT DIRECTORY "障害表示は保守プログラムのバージョンフォルダーに入ります。保守プログラムがないときは任意のフォルダーを選んでください。その下の QUILMAR32\30000 に単独の一式を作ります。"
 !insertmacro TEXT IN_USE "障害表示が使用中です。保守プログラムとすべての障害表示を終了してから、再試行してください。強制終了はしません。"

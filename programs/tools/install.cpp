@@ -18,7 +18,7 @@ struct Options {
   std::string root, package, language;
   std::optional<std::string> words, log;
   std::optional<long> wait;
-  bool thisUser = false, demonstration = false, everything = false;
+  bool thisUser = false, demonstration = false, crashDumps = false, everything = false;
 };
 
 // What is told goes to whoever reads, and to the log.
@@ -64,9 +64,15 @@ int outcomeOf(Account& account, Step step) {
 int install(const Options& given) {
   Account account;
   if (given.log) account.openLog(*given.log);
-  InstallRequest request{rootOf(given),   toPath(given.package), {},           given.language, {},
-                         !given.thisUser, given.demonstration,   waitOf(given)};
+  InstallRequest request;
+  request.root = rootOf(given);
+  request.package = toPath(given.package);
+  request.language = given.language;
+  request.everybody = !given.thisUser;
+  request.demonstration = given.demonstration;
+  request.wait = waitOf(given);
   request.version = versionOf(options::version()).value_or(Version{});
+  request.crashDumps = given.crashDumps;
   if (given.words) {
     request.words = wordsNamed(*given.words);
     if (!request.words) throw ToolError("--words is x64 or x86, not " + *given.words);
@@ -102,6 +108,8 @@ void declareInstall(options::Command& command) {
                  "the word size; without it that of the system, and x86 where databases are Access files");
   command.flag("--this-user", given->thisUser, "registered for this user alone");
   command.flag("--demonstration", given->demonstration, "with the simulated exchange");
+  command.flag("--crash-dumps", given->crashDumps,
+               "the system keeps an image of the add-in's memory when it crashes");
   command.runs([given] { return install(*given); });
 }
 

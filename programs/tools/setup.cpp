@@ -179,6 +179,8 @@ Plan planOf(const InstallRequest& request, SetupSystem& system, const Tell& tell
       request.words.value_or(wordsFor(plan.layout, packagedWords(request.package, system.words())));
   plan.record.everybody = request.everybody;
   plan.record.demonstration = request.demonstration || (plan.before && plan.before->demonstration);
+  plan.record.crashDumps =
+      request.everybody && (request.crashDumps || (plan.before && plan.before->crashDumps));
   plan.files = packagedFiles(request.package, plan.record.words, plan.record.demonstration);
   chooseLanguage(plan, request, system, tell);
   for (NewFile& page : packagedGuide(request.package, plan.record.language))
@@ -305,6 +307,14 @@ void putInPlace(Plan& plan, SetupSystem& system) {
   registering.keep();
 }
 
+// Not worth an installation: what can't be had of it is told.
+void setCrashDumps(const Plan& plan, const InstallRequest& request, SetupSystem& system, const Tell& tell) {
+  if (request.crashDumps && !request.everybody)
+    tell("images of crashes are kept only for a fault display that is installed for every user");
+  if (plan.record.crashDumps && !system.keepCrashDumps(plan.layout.root))
+    tell("the system would not be told to keep images of crashes");
+}
+
 // What the engine says of a step, as an outcome.
 Outcome outcomeOf(const database::DatabaseError& failure) {
   switch (failure.number()) {
@@ -348,6 +358,7 @@ void install(const InstallRequest& request, SetupSystem& system, const Tell& tel
   Plan plan = planOf(request, system, tell);
   waitUntilFree(usedFiles(plan.layout), request.wait, system, tell);
   putInPlace(plan, system);
+  setCrashDumps(plan, request, system, tell);
   tell("installed in " + pathText(plan.layout.root) + ": " + std::string(nameOf(plan.record.words)) + ", " +
        plan.record.language +
        (plan.record.situation == Situation::alone ? ", a set of its own" : ", in the suite"));

@@ -41,6 +41,11 @@ class SetupSystem {
   virtual std::optional<std::uintmax_t> roomAt(const std::filesystem::path& folder) = 0;
   // Everybody who works at this workstation may write there.
   virtual void letUsersWrite(const std::filesystem::path& folder) = 0;
+  // Has the system keep a small memory image of each crash of the add-in, of whatever user, in that user's
+  // own %LOCALAPPDATA%\CrashDumps; one set of `root` at a time. False when it could not be set.
+  virtual bool keepCrashDumps(const std::filesystem::path& root) = 0;
+  // No more, when it was this set that had it done.
+  virtual void dropCrashDumps(const std::filesystem::path& root) = 0;
   virtual std::vector<Finding> examine(const SuiteLayout& layout) = 0;
   virtual void pause(std::chrono::milliseconds time) = 0;
 };
@@ -55,6 +60,7 @@ struct InstallRequest {
   std::optional<Words> words;     // none: as wordsFor says
   bool everybody = true;
   bool demonstration = false;     // with the simulated exchange
+  bool crashDumps = false;        // kept from now on; for everybody only
   std::chrono::seconds wait{60};  // for programs that are in use
 };
 

@@ -27,6 +27,7 @@ bool read(std::string_view key, std::string_view value, SetupRecord& record) {
   if (key == "language") return record.language = value, !value.empty();
   if (key == "everybody") return record.everybody = value == "yes", true;
   if (key == "demonstration") return record.demonstration = value == "yes", true;
+  if (key == "crash dumps") return record.crashDumps = value == "yes", true;
   if (key == "removed") return record.removed = value == "yes", true;
   if (key == "situation") {
     record.situation = value == nameOf(Situation::suite) ? Situation::suite : Situation::alone;
@@ -59,8 +60,8 @@ std::string recordText(const SetupRecord& record) {
   std::string out = "version\t" + versionText(record.version) + "\nlanguage\t" + record.language +
                     "\nwords\t" + std::string(nameOf(record.words)) + "\nsituation\t" +
                     std::string(nameOf(record.situation)) + "\neverybody\t" + yes(record.everybody) +
-                    "\ndemonstration\t" + yes(record.demonstration) + "\nremoved\t" + yes(record.removed) +
-                    '\n';
+                    "\ndemonstration\t" + yes(record.demonstration) + "\ncrash dumps\t" +
+                    yes(record.crashDumps) + "\nremoved\t" + yes(record.removed) + '\n';
   for (const fs::path& place : record.files) out += "file\t" + placeText(place) + '\n';
   for (const fs::path& place : record.made) out += "made\t" + placeText(place) + '\n';
   for (const fs::path& place : record.folders) out += "folder\t" + placeText(place) + '\n';

@@ -18,6 +18,7 @@ struct SetupRecord {
   Situation situation = Situation::alone;
   bool everybody = false;      // registered for every user
   bool demonstration = false;  // the simulated exchange came with it
+  bool crashDumps = false;     // crashes of the add-in leave an image of its memory
   bool removed = false;        // what users' work has made is still there, the programs are gone
   std::vector<std::filesystem::path> files;    // places of this release's files
   std::vector<std::filesystem::path> made;     // places of files that it made and users' work goes into

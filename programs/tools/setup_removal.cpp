@@ -62,6 +62,7 @@ void keepRecord(Stage& stage, SetupRecord record, bool removerStays) {
   record.files = {recordPlace};
   if (removerStays) record.files.push_back(places.remover());
   record.removed = true;
+  record.crashDumps = false;
   writeRecord(record, stage.fresh(recordPlace));
 }
 
@@ -107,6 +108,7 @@ void uninstall(const RemovalRequest& request, SetupSystem& system, const Tell& t
       if (fs::exists(program)) system.registerProgram(program, record.everybody);
     throw;
   }
+  system.dropCrashDumps(layout.root);
   if (request.everything) removeSettings(layout, record, system);
   removeFolders(layout, record);
   if (removerStays) tell(pathText(layout.remover()) + " stays, since it is running");

@@ -3,11 +3,13 @@
 namespace vordane::comDatabase {
 
 bool OpenLanguageDatabase(database::Engine& engine, std::u16string_view path,
-                          std::unique_ptr<database::Database>& database, bool readOnly) try {
+                          std::unique_ptr<database::Database>& database, bool readOnly,
+                          std::u16string* reason) try {
   database.reset();
   database = engine.open(path, readOnly);
   return database != nullptr;
-} catch (const database::DatabaseError&) {
+} catch (const database::DatabaseError& error) {
+  if (reason != nullptr) *reason = error.description();
   return false;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/event_log.h"
 #include "text/text.h"
 
 namespace vordane::platform {
@@ -42,6 +43,10 @@ std::u16string_view withoutProgramName(std::u16string_view commandLine) {
   const std::size_t end = inQuotes ? commandLine.find(u'"', 1) : commandLine.find(u' ');
   if (end == std::u16string_view::npos) return {};
   return commandLine.substr(end + 1);
+}
+
+int exitCodeOfBroken(Start start) {
+  return start == Start::byHand ? static_cast<int>(Event::startBroken) : 1;
 }
 
 }  // namespace vordane::platform

@@ -20,6 +20,10 @@ struct CommandLine {
 // others a blank and more may follow.
 CommandLine parseCommandLine(std::u16string_view text);
 
+// What a process ends with that could not begin at all, or register itself. Whoever started it by hand learns
+// the number of its entry in the event log; a host and a registration get what they always got.
+int exitCodeOfBroken(Start start);
+
 // Everything behind the program's own name (quoted or not) in a whole command line.
 std::u16string_view withoutProgramName(std::u16string_view commandLine);
 

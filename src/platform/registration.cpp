@@ -135,6 +135,13 @@ std::vector<Removal> removals(const Server& server) {
   return out;
 }
 
+std::optional<EventSource> eventSource(const Server& server) {
+  constexpr std::u16string_view applications = u"SYSTEM\\CurrentControlSet\\Services\\EventLog\\Application";
+  constexpr std::uint32_t errorsAndWarnings = 1 | 2;
+  if (server.eventSource.empty()) return std::nullopt;
+  return EventSource{join({applications, server.eventSource}), server.path, errorsAndWarnings};
+}
+
 std::u16string applicationKey(const Server& server) {
   return join({u"AppID", server.classes.front().clsid});
 }

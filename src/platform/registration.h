@@ -2,6 +2,7 @@
 // the registry (every view gets the same). Pure; the Windows half writes and deletes.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -29,6 +30,7 @@ struct Server {
   std::u16string path;         // the executable, full, not quoted
   std::vector<Class> classes;  // at least one
   std::optional<Library> library;
+  std::u16string eventSource{};  // of its entries in the system's event log; empty: it writes none
 };
 
 struct Entry {
@@ -42,6 +44,17 @@ struct Entry {
 Server serverOf(std::u16string path, const automation::LibraryTable& library);
 
 std::vector<Entry> entries(const Server& server);
+
+// Where the system finds the texts of a server's entries in its event log: the key below HKEY_LOCAL_MACHINE,
+// one for both word sizes, which no user's own registration has; the program whose resource they are
+// (EventMessageFile), and the weights that it writes (TypesSupported). Nothing without entries.
+struct EventSource {
+  std::u16string key;
+  std::u16string messageFile;
+  std::uint32_t types;
+  bool operator==(const EventSource&) const = default;
+};
+std::optional<EventSource> eventSource(const Server& server);
 
 // The key that holds who may start the program and call it, for all of its classes: its identifier is that of
 // the first class. What an administrator sets there stays when the program is registered again.

@@ -116,10 +116,14 @@ std::u16string suiteDirectory(const Installation& installation) {
   return lookup.section == noSetting ? running : running.substr(0, running.rfind(u'\\'));
 }
 
+std::u16string registrationPath(const Installation& installation, std::u16string_view product) {
+  return GetInstallPath(installation, product, u"RegDBofQuil32") + u"Register.mdb";
+}
+
 bool RegisterVersion(const Installation& installation, database::Engine& engine, std::u16string_view product,
-                     std::u16string_view application, std::u16string_view version) try {
-  const auto registry =
-      engine.open(GetInstallPath(installation, product, u"RegDBofQuil32") + u"Register.mdb", false);
+                     std::u16string_view application, std::u16string_view version,
+                     std::u16string* reason) try {
+  const auto registry = engine.open(registrationPath(installation, product), false);
   const auto rows = registry->openRecordset(settings::statement::registration.with({application}));
   if (rows->recordCount() > 0) {
     rows->edit();
@@ -127,7 +131,8 @@ bool RegisterVersion(const Installation& installation, database::Engine& engine,
     rows->update();
   }
   return true;
-} catch (const database::DatabaseError&) {
+} catch (const database::DatabaseError& error) {
+  if (reason != nullptr) *reason = error.description();
   return false;
 }
 

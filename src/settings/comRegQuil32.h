@@ -28,9 +28,13 @@ std::u16string GetInstallPath(const Installation& installation, std::u16string_v
 // directory.
 std::u16string suiteDirectory(const Installation& installation);
 
+// Register.mdb of a product's suite.
+std::u16string registrationPath(const Installation& installation, std::u16string_view product);
+
 // Writes `version` into the row of Register.mdb whose AppName is `application`. True when done, also when
-// there is no such row; false when the database or the table is missing.
+// there is no such row; false when the database or the table is missing, with the engine's text in `reason`.
 bool RegisterVersion(const Installation& installation, database::Engine& engine, std::u16string_view product,
-                     std::u16string_view application, std::u16string_view version);
+                     std::u16string_view application, std::u16string_view version,
+                     std::u16string* reason = nullptr);
 
 }  // namespace vordane::comRegQuil32

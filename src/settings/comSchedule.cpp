@@ -101,10 +101,6 @@ void appendLine(std::u16string& line, std::u16string_view text) {
   }
 }
 
-bool keepsNothing(const ScheduleState& state) {
-  return state.LogName.empty() || !state.LogEnabled;
-}
-
 bool overLimit(Environment& environment, const std::u16string& path) {
   if (!environment.state.LogLimited) return false;
   return environment.files.length(path).value_or(0) > logLimit(environment.state.LogLimitKB);
@@ -140,7 +136,7 @@ void skipWithoutMemory(const Step& step) {
 }
 
 void writeResponse(Environment& environment, const LoggedAnswer& answer) {
-  if (keepsNothing(environment.state)) return;
+  if (!keepsLog(environment.state)) return;
   std::u16string path;
   skipWithoutMemory([&] {
     path = logPath(environment);
@@ -158,17 +154,19 @@ std::int16_t within16Bits(std::int32_t code) {
 
 }  // namespace
 
-void LoadScheduleOptions(Environment& environment, std::u16string_view key) {
+std::u16string LoadScheduleOptions(Environment& environment, std::u16string_view key) {
   const BusyPointer pointer(environment.busyPointer);
   setDefaults(environment.state);
   try {
-    const auto schedule = environment.engine.open(databaseDirectory(environment) + u"\\Schedule.mdb", true);
+    const auto schedule = environment.engine.open(optionsPath(environment), true);
     const auto row = schedule->openRecordset(settings::statement::options.with({key}));
     if (!row->isEmpty()) readOptions(*row, key, environment.state);
-  } catch (const database::DatabaseError&) {
+  } catch (const database::DatabaseError& error) {
+    return error.description();
   } catch (const automation::AutomationError&) {
     // A value that is Null or too large ends the reading; the options behind it keep their defaults.
   }
+  return {};
 }
 
 std::u16string logName(std::u16string_view file, std::u16string_view key) {
@@ -185,9 +183,17 @@ std::u16string logPath(const Environment& environment) {
   return databaseDirectory(environment) + u"\\" + environment.state.LogName + u".tlg";
 }
 
+bool keepsLog(const ScheduleState& state) {
+  return !state.LogName.empty() && state.LogEnabled;
+}
+
+std::u16string optionsPath(const Environment& environment) {
+  return databaseDirectory(environment) + u"\\Schedule.mdb";
+}
+
 void WriteRunLog(Environment& environment, std::u16string_view text, bool forced, bool ignoreLimit) {
   if (!forced && environment.state.LogAlways != 1) return;
-  if (keepsNothing(environment.state)) return;
+  if (!keepsLog(environment.state)) return;
   skipWithoutMemory([&] { writeLine(environment, logPath(environment), text, ignoreLimit); });
 }
 

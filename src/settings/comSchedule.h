@@ -25,8 +25,9 @@ struct Environment {
 };
 
 // Loads the options of job `key`; a missing database, table or row leaves the defaults. A `File` that is more
-// than the name of a file counts as empty: the log stays in its folder.
-void LoadScheduleOptions(Environment& environment, std::u16string_view key);
+// than the name of a file counts as empty: the log stays in its folder. The engine's text when database,
+// table or a column could not be read; else empty.
+std::u16string LoadScheduleOptions(Environment& environment, std::u16string_view key);
 
 inline constexpr std::size_t longestLine = 4096;  // characters, its time included; the rest is cut
 
@@ -68,7 +69,9 @@ std::u16string logName(std::u16string_view file, std::u16string_view key);
 // The most bytes of a limited log that a line is still added to. `kilobytes` is the option FileByte.
 std::int64_t logLimit(std::int32_t kilobytes);
 
-// The run log of the loaded job.
+// The run log of the loaded job, and whether it has one; the database with the options.
 std::u16string logPath(const Environment& environment);
+bool keepsLog(const ScheduleState& state);
+std::u16string optionsPath(const Environment& environment);
 
 }  // namespace vordane::comSchedule

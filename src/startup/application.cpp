@@ -25,7 +25,8 @@ Application::Application(const Workstation& workstation, SharedState& state)
       state_(state),
       installation_{station_.settings, station_.program.directory},
       runLog_{installation_,  station_.engine, station_.clock,
-              station_.files, state_.schedule, [this](bool on) { station_.view.setHourglass(on); }} {}
+              station_.files, state_.schedule, [this](bool on) { station_.view.setHourglass(on); }},
+      events_(station_.events) {}
 
 Application::~Application() = default;
 

@@ -9,6 +9,7 @@
 #include "language/comPicture.h"
 #include "language/comTools.h"
 #include "platform/database.h"
+#include "platform/event_log.h"
 #include "platform/member_table.h"
 #include "platform/process.h"
 #include "platform/services.h"
@@ -16,6 +17,7 @@
 #include "settings/comRegQuil32.h"
 #include "settings/comSchedule.h"
 #include "settings/shared_state.h"
+#include "startup/event_reports.h"
 
 namespace vordane {
 
@@ -35,6 +37,7 @@ struct Workstation {
   window::View& view;
   comPicture::PictureLoader& pictures;
   platform::Process& process;
+  platform::EventLog& events;
   platform::Program program;
 };
 
@@ -50,11 +53,13 @@ class Application final : public platform::CallQuestions {
   SharedState& state() { return state_; }
   const comRegQuil32::Installation& installation() const { return installation_; }
   comSchedule::Environment& runLog() { return runLog_; }
+  EventReports& events() { return events_; }
   // The window; made at its first mention, loaded by its own Load.
   dlgFaultDisplay& form();
 
   // The directory of an item of the product "Addins".
   std::u16string installPath(std::u16string_view item) const;
+  std::u16string ownTextsPath() const { return installPath(u"Database") + u"VORDANE.LNG"; }
   // Asks for a box with selector 0; in a scheduled run it is logged instead and answered 6. An empty
   // substitution counts as none given.
   int showBox(std::int16_t number, std::u16string_view substitution = {});
@@ -83,6 +88,7 @@ class Application final : public platform::CallQuestions {
   SharedState& state_;
   comRegQuil32::Installation installation_;
   comSchedule::Environment runLog_;
+  EventReports events_;
   std::unique_ptr<dlgFaultDisplay> form_;
 };
 

@@ -10,23 +10,43 @@ namespace {
 
 constexpr std::u16string_view addins = u"Addins";
 
-bool openLanguage(startup::Application& application, std::u16string_view item, std::u16string_view file,
-                  std::unique_ptr<database::Database>& database, bool readOnly) {
-  const std::u16string path = application.installPath(item) + std::u16string(file);
-  return comDatabase::OpenLanguageDatabase(application.station().engine, path, database, readOnly);
+using platform::Event;
+
+bool openSharedTexts(startup::Application& application) {
+  const std::u16string path = application.installPath(u"REGDBOFQUIL32") + u"Common.LNG";
+  std::u16string reason;
+  if (comDatabase::OpenLanguageDatabase(application.station().engine, path, application.CommonLangDB, true,
+                                        &reason))
+    return true;
+  application.events().fileFailed(Event::sharedTextsUnusable, path, reason);
+  return false;
 }
 
 // It is opened for writing, but nothing is ever written to it: one that can't be written serves as well.
-bool openOwnLanguage(startup::Application& application) {
-  return openLanguage(application, u"Database", u"VORDANE.LNG", application.LangDB, false) ||
-         openLanguage(application, u"Database", u"VORDANE.LNG", application.LangDB, true);
+bool openOwnTexts(startup::Application& application) {
+  const std::u16string path = application.ownTextsPath();
+  std::u16string reason;
+  for (const bool readOnly : {false, true})
+    if (comDatabase::OpenLanguageDatabase(application.station().engine, path, application.LangDB, readOnly,
+                                          &reason))
+      return true;
+  application.events().fileFailed(Event::ownTextsUnusable, path, reason);
+  return false;
+}
+
+bool loadOwnTexts(startup::Application& application) {
+  const auto loaded = [&](bool wasLoaded, std::u16string_view table) {
+    if (!wasLoaded)
+      application.events().fileFailed(Event::ownTextsUnusable, application.ownTextsPath(), table);
+    return wasLoaded;
+  };
+  database::Database& texts = *application.LangDB;
+  return loaded(comLanguage::LoadProjectTexts(programName, texts, application.texts), u"tProject") &&
+         loaded(comLanguage::LoadTextArray(application.state().Messages, u"tMessages", texts), u"tMessages");
 }
 
 bool loadTexts(startup::Application& application) {
-  return openLanguage(application, u"REGDBOFQUIL32", u"Common.LNG", application.CommonLangDB, true) &&
-         openOwnLanguage(application) &&
-         comLanguage::LoadProjectTexts(programName, *application.LangDB, application.texts) &&
-         comLanguage::LoadTextArray(application.state().Messages, u"tMessages", *application.LangDB);
+  return openSharedTexts(application) && openOwnTexts(application) && loadOwnTexts(application);
 }
 
 std::u16string versionText(const platform::Program& program) {
@@ -62,10 +82,15 @@ bool StartStandAlone(startup::Application& application, bool& shown) {
 
 void RegisterAddin(startup::Application& application) {
   platform::Process& process = application.station().process;
-  const bool registered =
-      comRegQuil32::RegisterVersion(application.installation(), application.station().engine, addins,
-                                    settings::registeredName, versionText(application.station().program));
-  if (!registered) process.endAtOnce();
+  std::u16string reason;
+  const bool registered = comRegQuil32::RegisterVersion(
+      application.installation(), application.station().engine, addins, settings::registeredName,
+      versionText(application.station().program), &reason);
+  if (!registered) {
+    application.events().fileFailed(
+        Event::notRegistered, comRegQuil32::registrationPath(application.installation(), addins), reason);
+    process.endAtOnce();
+  }
   process.setCallTimes({10000, 20000});
   application.form().Load();
 }

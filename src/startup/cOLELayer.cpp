@@ -117,6 +117,7 @@ std::int16_t cOLELayer::RunSchedule(const std::u16string& Key) {
     form.runs().RunSchedule();
     return runStarted;
   } catch (const std::exception&) {
+    form.runs().reportRefusal(Key);
     return runError;
   }
 }

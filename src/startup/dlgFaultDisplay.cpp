@@ -103,12 +103,17 @@ bool dlgFaultDisplay::showExchanges() {
 void dlgFaultDisplay::localise() {
   database::Database& language = *application_.LangDB;
   for (const Loader& loader : loaders)
-    if (!loader.load(model_, language)) status_.textsStopped(loader.table);
+    if (!loader.load(model_, language)) textsStopped(loader.table);
   // Rows shown while loading may have asked for the decoder before its lists were there.
   faults_.textsLoaded();
   help_.load(model_, language);
   status_.loaded();
   status::showLine(parts_.view(), status_);
+}
+
+void dlgFaultDisplay::textsStopped(std::u16string_view table) {
+  status_.textsStopped(table);
+  application_.events().fileFailed(platform::Event::textsIncomplete, application_.ownTextsPath(), table);
 }
 
 void dlgFaultDisplay::CallBack(const automation::ObjectRef& response) {

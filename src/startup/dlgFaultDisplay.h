@@ -60,6 +60,7 @@ class dlgFaultDisplay final {
   void loadSteps();
   bool showExchanges();
   void localise();
+  void textsStopped(std::u16string_view table);
   void usePBXName(const std::u16string& name, store::FaultStore::Report report);
   void showProcessorTexts();
 

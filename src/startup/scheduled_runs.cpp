@@ -27,10 +27,19 @@ void ScheduledRuns::showButtonsDead() {
   parts_.store.showButtonStates();
 }
 
+void ScheduledRuns::loadOptions() {
+  comSchedule::Environment& log = parts_.application.runLog();
+  const std::u16string reason = comSchedule::LoadScheduleOptions(log, parts_.job.Key());
+  if (!reason.empty())
+    parts_.application.events().fileFailed(platform::Event::jobOptionsUnusable, comSchedule::optionsPath(log),
+                                           reason, parts_.job.Key());
+}
+
 std::int16_t ScheduledRuns::RunSchedule() {
   const WindowLife::Entry entry(parts_.life);
   if (!parts_.alive()) return 0;
-  comSchedule::LoadScheduleOptions(parts_.application.runLog(), parts_.job.Key());
+  loadOptions();
+  parts_.application.events().runBegins();
   parts_.state().schedule.RunState = ScheduledJob::stateRunning;
   parts_.job.beginRun();
   parts_.state().runMode = RunMode::scheduledRun;
@@ -44,6 +53,7 @@ std::int16_t ScheduledRuns::RunSchedule() {
 std::int16_t ScheduledRuns::CancelSchedule() {
   const WindowLife::Entry entry(parts_.life);
   if (!parts_.alive()) return 0;
+  reportOutcome();
   parts_.job.cancel();
   if (parts_.state().runMode == RunMode::scheduledRun)
     comSchedule::writeRunLine(parts_.application.runLog(), parts_.text(message::runCancelled));
@@ -80,17 +90,36 @@ bool ScheduledRuns::startJob() {
   switch (parts_.job.start(parts_.state().schedule, !parts_.host.PBXName().empty())) {
     case ScheduledJob::Start::otherKind:
       comSchedule::writeRunLine(log, parts_.text(message::runOtherKind));
+      parts_.application.events().runFailed(parts_.text(message::runOtherKind));
       parts_.timer.enable(Action::runStep);
       return true;
     case ScheduledJob::Start::noExchange:
       comSchedule::writeRunLine(
           log, fillText(parts_.text(message::runListFailed), {parts_.text(message::reasonNoExchange)}));
+      parts_.application.events().runFailed(parts_.text(message::reasonNoExchange));
       return false;
     case ScheduledJob::Start::request:
       parts_.timer.enable(Action::request);  // the run's own press
       return true;
   }
   return false;
+}
+
+void ScheduledRuns::reportOutcome() noexcept {
+  attempt([&] {
+    const comSchedule::Environment& log = parts_.application.runLog();
+    const bool kept = comSchedule::keepsLog(log.state);
+    parts_.application.events().runEnds(kept ? comSchedule::logPath(log) : comSchedule::optionsPath(log),
+                                        parts_.job.Key());
+  });
+}
+
+void ScheduledRuns::reportRefusal(std::u16string_view key) noexcept {
+  attempt([&] {
+    parts_.application.events().fileFailed(platform::Event::runFailed,
+                                           comSchedule::optionsPath(parts_.application.runLog()),
+                                           u"RunSchedule = 10000", key);
+  });
 }
 
 }  // namespace vordane::startup

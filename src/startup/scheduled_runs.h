@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 namespace vordane::startup {
 
@@ -19,8 +20,13 @@ class ScheduledRuns {
   bool QueryCancelRun();
   // The run's next iteration, or its ending.
   void step();
+  // The run is over, or given up by the host: the system's event log is told when something of it failed.
+  void reportOutcome() noexcept;
+  // The job of this key could not be started.
+  void reportRefusal(std::u16string_view key) noexcept;
 
  private:
+  void loadOptions();
   bool startJob();
   void showButtonsDead();
 

@@ -52,6 +52,7 @@ void SessionWindow::attemptFailed(std::int16_t request, std::u16string_view exch
   status_.attemptFailed(request, exchange, clock.regional(clock.now()), reason);
   status::showLine(view(), status_);
   status::showConversation(view(), status_);
+  application_.events().runFailed(reason);
   if (state.runMode != RunMode::scheduledRun) return;
   const auto pattern = request == step::alarmStateRequest ? message::runAckFailed : message::runListFailed;
   comSchedule::writeRunLine(application_.runLog(), fillText(messageText(state, pattern), {reason}));

@@ -14,9 +14,18 @@ using automation::byVal;
 
 void StoreWindow::open() {
   if (!application_.LangDB) return;
-  comDatabase::OpenLanguageDatabase(application_.station().engine,
-                                    application_.installPath(u"Database") + u"FAULT.MDB", database_, false);
+  std::u16string reason;
+  if (!comDatabase::OpenLanguageDatabase(application_.station().engine, path(), database_, false, &reason))
+    application_.events().fileFailed(platform::Event::faultsNotOpened, path(), reason);
   status_.databaseOpened(database_ && database_->isOnNetwork());
+}
+
+std::u16string StoreWindow::path() const {
+  return application_.installPath(u"Database") + u"FAULT.MDB";
+}
+
+void StoreWindow::displayFailed(std::u16string_view engineText) {
+  application_.events().fileFailed(platform::Event::faultsUnreadable, path(), engineText);
 }
 
 void StoreWindow::closeDatabase() {
@@ -59,9 +68,18 @@ int StoreWindow::showBox(std::int16_t number, std::u16string_view substitution) 
   return application_.showBox(number, substitution);
 }
 
+void StoreWindow::reportToLog(const status::ListAccount& account) {
+  using status::ListEnd;
+  if (account.complete()) return;
+  const bool store = account.end == ListEnd::databaseError || account.end == ListEnd::noDatabase;
+  application_.events().runFailed(status::reasonText(application_.state(), account),
+                                  store ? EventReports::Failed::store : EventReports::Failed::other);
+}
+
 void StoreWindow::listTaken(const status::ListAccount& account) {
   status_.listTaken(account);
   status::showLine(application_.station().view, status_);
+  reportToLog(account);
   if (application_.state().runMode == RunMode::scheduledRun)
     comSchedule::writeRunLine(application_.runLog(), status::runLogText(application_.state(), account));
 }

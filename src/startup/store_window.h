@@ -38,8 +38,12 @@ class StoreWindow final : public store::StoreForm {
   bool alive() override { return life_.alive(); }
   void listTaken(const status::ListAccount& account) override;
   void deletionGivenUp() override;
+  void displayFailed(std::u16string_view engineText) override;
 
  private:
+  std::u16string path() const;
+  void reportToLog(const status::ListAccount& account);
+
   Application& application_;
   window::Form& form_;
   WindowLife& life_;

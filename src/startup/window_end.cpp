@@ -1,6 +1,7 @@
 #include "startup/window_end.h"
 
 #include "language/message_numbers.h"
+#include "startup/scheduled_runs.h"
 #include "startup/window_parts.h"
 
 namespace vordane::startup {
@@ -22,6 +23,7 @@ void WindowEnd::Unload() {
   const WindowLife::Entry entry(parts_.life);
   const auto unloading = parts_.life.beginUnload();
   if (!unloading.begins) return;
+  parts_.runs.reportOutcome();
   if (unloading.endingBegins) attempt([&] { withdraw(); });
   attempt([&] { parts_.place.remember(); });
   attempt([&] { parts_.view().stopTimer(); });
@@ -60,8 +62,7 @@ void WindowEnd::notifyUnload() {
 void WindowEnd::userReleased() noexcept {
   const WindowLife::Entry entry(parts_.life);
   if (parts_.life.DecrementCount() >= 1) return;
-  if (parts_.alive() && parts_.state().runMode == RunMode::scheduledRun)
-    attempt([&] { comSchedule::writeRunLine(parts_.application.runLog(), parts_.text(message::runLetGo)); });
+  if (parts_.alive() && parts_.state().runMode == RunMode::scheduledRun) attempt([&] { runLetGo(); });
   attempt([&] { beginEnding(); });
   attempt([&] { parts_.place.FrmPositionSave(); });
   parts_.host.letGo();
@@ -69,10 +70,17 @@ void WindowEnd::userReleased() noexcept {
   endProcess();
 }
 
+void WindowEnd::runLetGo() {
+  const std::u16string line = parts_.text(message::runLetGo);
+  comSchedule::writeRunLine(parts_.application.runLog(), line);
+  parts_.application.events().runFailed(line);
+}
+
 void WindowEnd::Ending() {
   const WindowLife::Entry entry(parts_.life);
   if (!parts_.alive()) return;
   beginEnding();
+  parts_.runs.reportOutcome();
   notifyEnding();
   parts_.state().busy = false;
   parts_.state().runMode = RunMode::interactive;

@@ -31,6 +31,7 @@ class WindowEnd {
   void withdraw();
   void notifyEnding();
   void notifyUnload();
+  void runLetGo();
   void endProcess();
 
   const WindowParts& parts_;

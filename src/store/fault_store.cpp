@@ -68,6 +68,7 @@ bool FaultStore::trapDisplay(Report report, const std::function<void()>& steps) 
   if (!failure) return true;
   emptyDisplay();
   around_.status.displayFailed(*failure);
+  form_.displayFailed(*failure);
   showNotice();
   return report == Report::quiet || showError(*failure);
 }

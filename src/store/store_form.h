@@ -58,6 +58,8 @@ class StoreForm {
   virtual void listTaken(const status::ListAccount& account) = 0;
   // Nothing was deleted, since another exchange is shown than the one that the person was asked about.
   virtual void deletionGivenUp() = 0;
+  // FAULT.MDB is open, and what it holds can't be shown; comes before its box.
+  virtual void displayFailed(std::u16string_view engineText) = 0;
 };
 
 }  // namespace vordane::store

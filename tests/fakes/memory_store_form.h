@@ -68,6 +68,7 @@ class MemoryStoreForm : public store::StoreForm {
                  account.complete() ? u"" : u" incomplete"}));
   }
   void deletionGivenUp() override { note(u"DeletionGivenUp"); }
+  void displayFailed(std::u16string_view) override {}
 
   // What the store works on. A test may put another clock in its place before the store is made.
   store::Surroundings around() { return {window, memoryView, shared, *clock, status, receipts}; }

@@ -49,6 +49,12 @@ TEST(CommandLine, EverythingElseIsAnExchangesName) {
   EXPECT_EQ(parseCommandLine(u"PBX /RegServer").text, u"PBX /RegServer");
 }
 
+TEST(CommandLine, OnlyWhoeverStartsByHandLearnsTheNumberOfTheEntry) {
+  EXPECT_EQ(exitCodeOfBroken(Start::byHand), 10);
+  for (const Start start : {Start::byAutomation, Start::registerServer, Start::unregisterServer})
+    EXPECT_EQ(exitCodeOfBroken(start), 1);
+}
+
 TEST(CommandLine, TheProgramsOwnNameGoes) {
   EXPECT_EQ(withoutProgramName(u"\"C:\\Program Files\\V.EXE\" PBX-1"), u" PBX-1");
   EXPECT_EQ(withoutProgramName(u"V.EXE  PBX-1"), u" PBX-1");

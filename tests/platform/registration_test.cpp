@@ -51,6 +51,16 @@ TEST(Registration, ALibraryBringsInterfacesAndBothWordSizes) {
   EXPECT_TRUE(holds({u"TypeLib\\{L}\\1.0\\HELPDIR", u"", u"C:\\Q"}));
 }
 
+TEST(Registration, ASourceOfTheEventLogIsNamedOnceForBothWordSizes) {
+  Server server = addIn();
+  EXPECT_EQ(eventSource(server), std::nullopt);
+  server.eventSource = u"Vordane";
+  const EventSource expected{u"SYSTEM\\CurrentControlSet\\Services\\EventLog\\Application\\Vordane",
+                             u"C:\\Q\\VORDANE.EXE", 3};
+  EXPECT_EQ(eventSource(server), expected);
+  EXPECT_EQ(entries(server), entries(addIn())) << "beside the classes";
+}
+
 TEST(Registration, AllClassesShareTheFirstOnesRights) {
   Server server = addIn();
   server.classes.push_back({u"Vordane10013.cSLVRequest", u"{S}", u"Another.", u"_cSLVRequest", u"{J}"});

@@ -121,9 +121,10 @@ class ListStory : public Story {
     layer = createLayer();
   }
   void start() {
-    application = std::make_unique<Application>(Workstation{settings, clock, files, creator, boxes, documents,
-                                                            engine, deskView, pictures, process, program},
-                                                state);
+    application =
+        std::make_unique<Application>(Workstation{settings, clock, files, creator, boxes, documents, engine,
+                                                  deskView, pictures, process, events, program},
+                                      state);
     started = basMain::Main(*application);
   }
   void filter(bool wanted) {

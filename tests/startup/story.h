@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "fakes/folder_engine.h"
+#include "fakes/memory_event_log.h"
 #include "fakes/memory_files.h"
 #include "fakes/memory_host.h"
 #include "fakes/memory_settings.h"
@@ -181,7 +182,7 @@ class Story : public testing::Test {
   // --- what happens
   void start() {
     application = std::make_unique<Application>(Workstation{settings, clock, files, creator, boxes, documents,
-                                                            engine, view, pictures, process, program},
+                                                            engine, view, pictures, process, events, program},
                                                 state);
     started = basMain::Main(*application);
   }
@@ -267,6 +268,7 @@ class Story : public testing::Test {
   StoryCreator creator;
   StoryPictures pictures;
   StoryProcess process{trace};
+  fakes::MemoryEventLog events;
   platform::Program program;
   SharedState state;
   std::shared_ptr<fakes::MemoryHost> host = std::make_shared<fakes::MemoryHost>(trace);

@@ -43,6 +43,8 @@ struct MemorySystem : SetupSystem {
   void set(std::u16string_view, std::u16string_view, const std::optional<std::u16string>&) override {}
   void removeOwnSettings() override {}
   std::optional<std::uintmax_t> roomAt(const fs::path&) override { return std::nullopt; }
+  bool keepCrashDumps(const fs::path&) override { return false; }
+  void dropCrashDumps(const fs::path&) override {}
   void letUsersWrite(const fs::path&) override {}
   std::vector<Finding> examine(const SuiteLayout&) override { return {}; }
   void pause(std::chrono::milliseconds) override {}

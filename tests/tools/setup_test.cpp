@@ -64,6 +64,13 @@ struct FakeSystem : SetupSystem {
     return room;
   }
   void letUsersWrite(const fs::path& folder) override { open.push_back(folder.filename().string()); }
+  bool keepCrashDumps(const fs::path& root) override {
+    if (!dumpsRefused) dumpsOf = root;
+    return !dumpsRefused;
+  }
+  void dropCrashDumps(const fs::path& root) override {
+    if (dumpsOf == root) dumpsOf.clear();
+  }
   std::vector<Finding> examine(const SuiteLayout& layout) override { return examineFiles(layout, *engine()); }
   void pause(std::chrono::milliseconds time) override {
     waited += time;
@@ -81,6 +88,8 @@ struct FakeSystem : SetupSystem {
   std::map<std::pair<std::u16string, std::u16string>, std::u16string> settings;
   std::vector<std::string> open;
   bool ownSettings = true;
+  fs::path dumpsOf;  // of which set crashes leave an image
+  bool dumpsRefused = false;
 };
 
 std::string contentOf(const fs::path& path) {
@@ -213,6 +222,43 @@ TEST_F(Setup, WithoutTheDemonstrationThereIsNoSimulator) {
   EXPECT_FALSE(fs::exists(root / "SIM"));
   EXPECT_EQ(system.registered, (std::map<std::string, bool>{{"VORDANE.EXE", false}}));
   EXPECT_THAT(system.open, IsEmpty());
+}
+
+TEST_F(Setup, ImagesOfCrashesAreKeptOnceTheyWereAskedForUntilTheRemoval) {
+  ASSERT_EQ(run(request()), Outcome::done) << told.back();
+  EXPECT_EQ(system.dumpsOf, fs::path()) << "off at first";
+  InstallRequest asked = request();
+  asked.crashDumps = true;
+  ASSERT_EQ(run(asked), Outcome::done) << told.back();
+  EXPECT_EQ(system.dumpsOf, root);
+  system.dumpsOf.clear();
+  ASSERT_EQ(run(request()), Outcome::done) << told.back();
+  EXPECT_EQ(system.dumpsOf, root) << "an upgrade keeps them";
+  ASSERT_EQ(take(), Outcome::done);
+  EXPECT_EQ(system.dumpsOf, fs::path());
+  ASSERT_EQ(run(request()), Outcome::done) << told.back();
+  EXPECT_EQ(system.dumpsOf, fs::path()) << "a removal has ended it";
+}
+
+TEST_F(Setup, ImagesOfCrashesThatAnotherSetHasAskedForStay) {
+  ASSERT_EQ(run(request()), Outcome::done) << told.back();
+  system.dumpsOf = "another";
+  ASSERT_EQ(take(), Outcome::done);
+  EXPECT_EQ(system.dumpsOf, "another");
+}
+
+TEST_F(Setup, AnInstallationIsDoneAlsoWithoutItsImagesOfCrashes) {
+  InstallRequest asked = request();
+  asked.crashDumps = true;
+  system.dumpsRefused = true;
+  ASSERT_EQ(run(asked), Outcome::done) << told.back();
+  EXPECT_THAT(told, Contains("the system would not be told to keep images of crashes"));
+  system.dumpsRefused = false;
+  asked.everybody = false;
+  ASSERT_EQ(run(asked), Outcome::done) << told.back();
+  EXPECT_THAT(
+      told, Contains("images of crashes are kept only for a fault display that is installed for every user"));
+  EXPECT_EQ(system.dumpsOf, fs::path());
 }
 
 TEST_F(Setup, NothingOfASuiteIsOverwrittenAndItsListGetsOurRowOnce) {

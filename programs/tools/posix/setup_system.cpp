@@ -24,6 +24,8 @@ class FilesOnly : public SetupSystem {
     return failure ? std::nullopt : std::optional(space.available);
   }
   void letUsersWrite(const std::filesystem::path&) override {}
+  bool keepCrashDumps(const std::filesystem::path&) override { return false; }
+  void dropCrashDumps(const std::filesystem::path&) override {}
   std::vector<Finding> examine(const SuiteLayout& layout) override { return examineFiles(layout, *engine()); }
   void pause(std::chrono::milliseconds time) override { platform::sleepFor(time); }
 };

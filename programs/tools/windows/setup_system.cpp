@@ -4,7 +4,10 @@
 
 #include <aclapi.h>
 
+#include <array>
+
 #include "platform/file_moves.h"
+#include "platform/registration.h"
 #include "platform/windows/com/accounts.h"
 #include "platform/windows/com/owned.h"
 #include "platform/windows/services/services.h"
@@ -89,6 +92,8 @@ class WindowsSetup : public SetupSystem {
     return free.QuadPart;
   }
   void letUsersWrite(const fs::path& folder) override;
+  bool keepCrashDumps(const fs::path& root) override;
+  void dropCrashDumps(const fs::path& root) override;
   std::vector<Finding> examine(const SuiteLayout& layout) override {
     std::vector<Finding> findings = examineFiles(layout, *engine());
     for (Finding& finding : examineWorkstation(layout, *thisWorkstation()))
@@ -107,6 +112,45 @@ class WindowsSetup : public SetupSystem {
            keys == 0 && values == 0;
   }
 };
+
+// --- images of crashes, which the system's own error reporting writes
+
+// Of every program of that name; read in the view that a 64-bit system shows first.
+constexpr const wchar_t* crashDumps =
+    L"SOFTWARE\\Microsoft\\Windows\\Windows Error Reporting\\LocalDumps\\VORDANE.EXE";
+constexpr const wchar_t* dumpsOwner = L"InstallLocation";  // ours: of which set of files the key is
+
+bool setNumber(HKEY key, const wchar_t* name, DWORD value) {
+  return RegSetValueExW(key, name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&value), sizeof value) ==
+         ERROR_SUCCESS;
+}
+
+// No folder is named: the system's own is each user's, where nobody else reads what stood in the memory.
+bool WindowsSetup::keepCrashDumps(const fs::path& root) {
+  constexpr DWORD small = 1, kept = 5;
+  com::RegistryKey key;
+  if (RegCreateKeyExW(HKEY_LOCAL_MACHINE, crashDumps, 0, nullptr, 0, KEY_WRITE | KEY_WOW64_64KEY, nullptr,
+                      key.put(), nullptr) != ERROR_SUCCESS)
+    return false;
+  const std::wstring owner = root.wstring();
+  return setNumber(key.get(), L"DumpType", small) && setNumber(key.get(), L"DumpCount", kept) &&
+         RegSetValueExW(key.get(), dumpsOwner, 0, REG_SZ, reinterpret_cast<const BYTE*>(owner.c_str()),
+                        static_cast<DWORD>((owner.size() + 1) * sizeof(wchar_t))) == ERROR_SUCCESS;
+}
+
+void WindowsSetup::dropCrashDumps(const fs::path& root) {
+  std::array<wchar_t, 4096> owner{};
+  DWORD bytes = sizeof owner - sizeof(wchar_t);
+  com::RegistryKey key;
+  if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, crashDumps, 0, KEY_READ | KEY_WOW64_64KEY, key.put()) !=
+          ERROR_SUCCESS ||
+      RegQueryValueExW(key.get(), dumpsOwner, nullptr, nullptr, reinterpret_cast<BYTE*>(owner.data()),
+                       &bytes) != ERROR_SUCCESS)
+    return;
+  key.reset();
+  if (registration::samePath(com::fromWide(owner.data()), toText(root)))
+    RegDeleteKeyExW(HKEY_LOCAL_MACHINE, crashDumps, KEY_WOW64_64KEY, 0);
+}
 
 void WindowsSetup::letUsersWrite(const fs::path& folder) {
   com::Sid users = com::accountOf(L"S-1-5-32-545");

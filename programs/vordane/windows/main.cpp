@@ -7,10 +7,12 @@
 #include "pbx/cListRequest.h"
 #include "pbx/cSLVRequest.h"
 #include "platform/command_line.h"
+#include "platform/event_log.h"
 #include "platform/registration.h"
 #include "startup/basMain.h"
 #include "startup/cOLELayer.h"
 #include "startup/library.h"
+#include "text/utf8.h"
 
 namespace vordane {
 namespace {
@@ -35,12 +37,25 @@ int serve() {
   });
 }
 
+platform::CommandLine ownCommandLine() {
+  return platform::parseCommandLine(platform::withoutProgramName(com::fromWide(GetCommandLineW())));
+}
+
 int run() {
-  const platform::CommandLine line =
-      platform::parseCommandLine(platform::withoutProgramName(com::fromWide(GetCommandLineW())));
-  const auto asked = windows::registerAsAsked(
-      line, registration::serverOf(windows::executablePath(), startup::libraryTable()));
+  const platform::CommandLine line = ownCommandLine();
+  registration::Server server = registration::serverOf(windows::executablePath(), startup::libraryTable());
+  server.eventSource = platform::eventSource;
+  const auto asked = windows::registerAsAsked(line, server);
   return asked ? *asked : serve();
+}
+
+// The exit code; the entry is all that tells why.
+int endBroken(const std::exception& failure) try {
+  windows::SystemEventLog().write(
+      {platform::Event::startBroken, windows::executablePath(), text::fromUtf8(failure.what()), {}});
+  return platform::exitCodeOfBroken(ownCommandLine().start);
+} catch (const std::exception&) {
+  return 1;
 }
 
 }  // namespace
@@ -48,10 +63,10 @@ int run() {
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
   vordane::windows::loadFromSystemOnly();
-  // The last of the three places where a failure stops: without the parts there is nothing to say it with.
+  // The last of the three places where a failure stops: without the parts there is nothing to show it with.
   try {
     return vordane::run();
-  } catch (const std::exception&) {
-    return 1;
+  } catch (const std::exception& failure) {
+    return vordane::endBroken(failure);
   }
 }

@@ -34,6 +34,7 @@ struct Parts {
   windows::SystemFiles files;
   windows::ComObjectCreator creator;
   windows::SystemDocuments documents;
+  windows::SystemEventLog events;
   Pictures pictures;
   std::unique_ptr<database::Engine> engine = database::makeEngineChoice(
       dao::makeEngine(startup::databases, creator),
@@ -47,7 +48,7 @@ struct Parts {
   windows::SystemMessageBoxes boxes{[this] { return view->window(); },
                                     [this](std::u16string_view file) { showHelp(file); }};
   startup::Application application{{settings, clock, files, creator, boxes, documents, *engine, *view,
-                                    pictures, process, windows::thisProgram()},
+                                    pictures, process, events, windows::thisProgram()},
                                    state};
 
   Parts() { apartment.filterCalls(application); }

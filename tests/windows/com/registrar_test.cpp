@@ -92,6 +92,55 @@ TEST(Registrar, LeavesWhatAnotherPathOwns) {
   EXPECT_FALSE(machineKeyExists(clsidKey(), views[0]));
 }
 
+// --- the source of its entries in the event log
+
+constexpr const wchar_t* sources = L"SYSTEM\\CurrentControlSet\\Services\\EventLog\\Application";
+
+struct SourceFound {
+  std::wstring messageFile;  // empty: there is no such source
+  DWORD types = 0;
+};
+
+SourceFound eventSource() {
+  SourceFound found;
+  const std::wstring key = std::wstring(sources) + L"\\VordaneProbe";
+  std::array<wchar_t, 1024> path{};
+  DWORD bytes = sizeof path - sizeof(wchar_t);
+  if (RegGetValueW(HKEY_LOCAL_MACHINE, key.c_str(), L"EventMessageFile",
+                   RRF_RT_REG_SZ | RRF_RT_REG_EXPAND_SZ | RRF_NOEXPAND, nullptr, path.data(),
+                   &bytes) == ERROR_SUCCESS)
+    found.messageFile = path.data();
+  bytes = sizeof found.types;
+  RegGetValueW(HKEY_LOCAL_MACHINE, key.c_str(), L"TypesSupported", RRF_RT_REG_DWORD, nullptr, &found.types,
+               &bytes);
+  return found;
+}
+
+bool sourceExists() {
+  com::RegistryKey key;
+  return RegOpenKeyExW(HKEY_LOCAL_MACHINE, (std::wstring(sources) + L"\\VordaneProbe").c_str(), 0, KEY_READ,
+                       key.put()) == ERROR_SUCCESS;
+}
+
+TEST(Registrar, WritesTheSourceOfTheEventLogAndTakesItAway) {
+  ASSERT_EQ(runServer(L"/RegServer"), 0);
+  EXPECT_EQ(eventSource().messageFile, serverPath());
+  EXPECT_EQ(eventSource().types, 3U);
+  ASSERT_EQ(runServer(L"/UnregServer"), 0);
+  EXPECT_FALSE(sourceExists());
+}
+
+TEST(Registrar, LeavesTheSourceThatAnotherPathOwns) {
+  ASSERT_EQ(runServer(L"/RegServer"), 0);
+  registration::Server other = registration::serverOf(u"C:\\Elsewhere\\probeserver.exe", probeLibrary());
+  other.eventSource = u"VordaneProbe";
+  ASSERT_EQ(com::registerServer(other).exitCode, 0);
+  ASSERT_EQ(runServer(L"/UnregServer"), 0);
+  EXPECT_EQ(eventSource().messageFile, L"C:\\Elsewhere\\probeserver.exe");
+  EXPECT_EQ(com::unregisterServer(other).exitCode, 0);
+  EXPECT_FALSE(sourceExists());
+}
+
 // --- for one user
 
 com::RegistryKey classesOf(HKEY root, REGSAM access) {
@@ -165,7 +214,10 @@ class MergedClass {
 };
 
 registration::Server thisServer() {
-  return registration::serverOf(std::u16string(com::fromWide(serverPath())), probeLibrary());
+  registration::Server server =
+      registration::serverOf(std::u16string(com::fromWide(serverPath())), probeLibrary());
+  server.eventSource = u"VordaneProbe";
+  return server;
 }
 
 bool says(const com::RegistrarAnswer& answer, std::u16string_view words) {
@@ -182,6 +234,7 @@ TEST(Registrar, ServesOneUserAloneWhereItIsAskedTo) {
     EXPECT_FALSE(machineKeyExists(clsidKey(), view));
     EXPECT_EQ(userValue(clsidKey() + L"\\LocalServer32", view), L"\"" + serverPath() + L"\"");
   }
+  EXPECT_FALSE(sourceExists());
   ASSERT_EQ(runServer(L"/UnregServer", &printed), 0);
   for (const REGSAM view : views) EXPECT_FALSE(userKeyExists(clsidKey(), view));
 }
@@ -194,6 +247,8 @@ TEST(Registrar, ServesOneUserWhereTheMachineCantBeWritten) {
   }
   EXPECT_EQ(printed.substr(0, 29), "Registered for this user only");
   EXPECT_NE(printed.find("Programs that run with raised rights"), std::string::npos);
+  EXPECT_EQ(printed.find("event log"), std::string::npos);
+  EXPECT_FALSE(sourceExists());
   for (const REGSAM view : views) {
     EXPECT_FALSE(machineKeyExists(clsidKey(), view)) << "half of it stands with the machine's classes";
     EXPECT_EQ(userValue(clsidKey() + L"\\LocalServer32", view), L"\"" + serverPath() + L"\"");
@@ -237,6 +292,42 @@ TEST(Registrar, ARegistrationForEverybodyTakesThisUsersOwnAway) {
     EXPECT_EQ(machineValue(clsidKey() + L"\\LocalServer32", view), L"\"" + serverPath() + L"\"");
   }
   EXPECT_FALSE(says(com::registerServer(thisServer()), u"was removed")) << "nothing was left to remove";
+  com::unregisterServer(thisServer());
+}
+
+// Lets nobody write the sources of the event log, while the machine's classes may be written.
+class SourcesClosed {
+ public:
+  SourcesClosed() { set(L"D:P(A;CI;KR;;;WD)(A;CI;WDRC;;;WD)"); }
+  ~SourcesClosed() { set(L"D:P(A;CI;KA;;;WD)"); }
+  SourcesClosed(const SourcesClosed&) = delete;
+  SourcesClosed& operator=(const SourcesClosed&) = delete;
+
+ private:
+  static void set(const wchar_t* rights) {
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    ASSERT_TRUE(
+        ConvertStringSecurityDescriptorToSecurityDescriptorW(rights, SDDL_REVISION_1, &descriptor, nullptr));
+    com::RegistryKey key;
+    EXPECT_EQ(
+        RegCreateKeyExW(HKEY_LOCAL_MACHINE, sources, 0, nullptr, 0, WRITE_DAC, nullptr, key.put(), nullptr),
+        ERROR_SUCCESS);
+    EXPECT_EQ(RegSetKeySecurity(key.get(), DACL_SECURITY_INFORMATION, descriptor), ERROR_SUCCESS);
+    LocalFree(descriptor);
+  }
+};
+
+TEST(Registrar, RegistersForEverybodyAlsoWhereTheSourceCantBeWritten) {
+  {
+    const SourcesClosed closed;
+    const com::RegistrarAnswer answer = com::registerServer(thisServer());
+    EXPECT_EQ(answer.exitCode, 0);
+    EXPECT_TRUE(answer.forEverybody);
+    EXPECT_TRUE(says(answer, u"entries in the event log will have no text: the source VordaneProbe"));
+  }
+  EXPECT_FALSE(sourceExists());
+  for (const REGSAM view : views)
+    EXPECT_EQ(machineValue(clsidKey() + L"\\LocalServer32", view), L"\"" + serverPath() + L"\"");
   com::unregisterServer(thisServer());
 }
 

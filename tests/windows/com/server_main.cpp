@@ -13,7 +13,9 @@ namespace vordane::test {
 namespace {
 
 registration::Server description() {
-  return registration::serverOf(windows::executablePath(), probeLibrary());
+  registration::Server server = registration::serverOf(windows::executablePath(), probeLibrary());
+  server.eventSource = u"VordaneProbe";
+  return server;
 }
 
 // Like the add-in's layer: the last probe's release says good-bye to its host and ends the process.

@@ -251,5 +251,13 @@ TEST_F(Documents, ThatAreNoFilesAreNeverHandedOver) {
   EXPECT_TRUE(handed_.empty());
 }
 
+// That it is taken is all that a program learns of it.
+TEST(EventLog, TakesAnEntryOfAnyLength) {
+  SystemEventLog log;
+  EXPECT_TRUE(log.write({platform::Event::runFailed, u"C:\\FAULT1.tlg", u"busy", u"1"}));
+  EXPECT_TRUE(log.write({platform::Event::runFailed, std::u16string(100000, u'F'),
+                         std::u16string(100000, u'%'), std::u16string(100000, u'1')}));
+}
+
 }  // namespace
 }  // namespace vordane::windows

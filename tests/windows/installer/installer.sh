@@ -25,7 +25,7 @@ remove() {  # CODE ROOT ARGUMENTS: in place, since a remover that copies itself 
 }
 registered() {  # into file $1
   local key
-  for key in 'HKLM\Software\Classes' 'HKCU\Software\Classes'; do
+  for key in 'HKLM\Software\Classes' 'HKCU\Software\Classes' "$sources" "$dumps"; do
     for view in 64 32; do
       rm -f "$drive/out.reg"
       quick reg export "$key" 'C:\out.reg' /y "/reg:$view" >/dev/null 2>&1 || continue
@@ -37,7 +37,14 @@ registered() {  # into file $1
 snapshot() { ( cd "$1" && find . -type f -exec sha256sum {} + | sort -k2 ); }
 tools() { quick "$addins\\vordane-tools.exe" "$@" | tr -d '\r'; }
 
+sources='HKLM\SYSTEM\CurrentControlSet\Services\EventLog\Application'
+dumps='HKLM\Software\Microsoft\Windows\Windows Error Reporting\LocalDumps'
+value() { quick reg query "$1" /v "$2" /reg:64 2>/dev/null | tr -d '\r' | sed -n "s/^ *$2 *REG_[A-Z_]* *//p"; }
+
 [ -s "$installer" ] || fail "there is no installer"
+# Below the sources and the images others stand, of a workstation whatever: made here, so that a removal leaves them.
+quick reg add "$sources\Others" /f >/dev/null
+quick reg add "$dumps\others.exe" /f >/dev/null
 registered "$drive/nothing"
 
 # A set of its own, in a folder with blanks and letters of several scripts.
@@ -60,6 +67,10 @@ done
 echo "ok: it is in the list of programs"
 quick "$addins\\vordane-tools.exe" doctor "$root" > "$drive/doctor" 2>/dev/null || true
 grep -q "nothing is missing" "$drive/doctor" || fail "the doctor: $(cat "$drive/doctor")"
+
+# The source of its entries in the event log names the program that holds their texts.
+expect "the texts of the event log" "$addins\VORDANE.EXE" "$(value "$sources\Vordane" EventMessageFile)"
+expect "images of crashes at first" "" "$(value "$dumps\VORDANE.EXE" DumpType)"
 
 # What it has registered is what the programs register by themselves.
 registered "$drive/by-installer"
@@ -109,6 +120,11 @@ faults "$drive/after"
 cmp "$drive/stored" "$drive/after" || fail "faults were lost"
 grep -q "$(printf 'language\tru')" "$here/ADDINS/SETUP/installed.tsv" || fail "the language changed"
 echo "ok: upgraded, with every fault"
+
+# Images of crashes, when they are asked for, and by an upgrade of the same set.
+setup 0 "/S /AllUsers /CrashDumps /LOG=C:\\dumps.log /D=$base"
+expect "images of crashes" "0x1 0x5 $root" \
+  "$(value "$dumps\VORDANE.EXE" DumpType) $(value "$dumps\VORDANE.EXE" DumpCount) $(value "$dumps\VORDANE.EXE" InstallLocation)"
 
 # A release that is newer stays.
 sed -i 's/^version\t.*/version\t9.0.0/' "$here/ADDINS/SETUP/installed.tsv"

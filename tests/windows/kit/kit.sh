@@ -21,7 +21,8 @@ run_all() {  # arguments; prints into $kit/said, answers the exit code
 }
 registered() {  # into file $1: everything that is registered, and all settings
   local key
-  for key in 'HKLM\Software\Classes' 'HKCU\Software\Classes' 'HKCU\Software\VB and VBA Program Settings'; do
+  for key in 'HKLM\Software\Classes' 'HKCU\Software\Classes' 'HKCU\Software\VB and VBA Program Settings' \
+    'HKLM\SYSTEM\CurrentControlSet\Services\EventLog\Application'; do
     for view in 64 32; do
       rm -f "$drive/out.reg"
       quick reg export "$key" 'C:\out.reg' /y "/reg:$view" >/dev/null 2>&1 || continue

@@ -14,6 +14,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/event_log.h"
+
 namespace vordane::test {
 namespace {
 
@@ -103,6 +105,39 @@ TEST(Shipped, ProgramsAreLinkedOnlyWithWhatTheSystemKeeps) {
           << name << " would take " << library << " from its own folder";
     EXPECT_TRUE(image.lateImports().empty()) << name;
   }
+}
+
+// A text of the add-in's message table with its values filled in; empty when there is none in that language.
+std::wstring eventText(DWORD identifier, WORD language) {
+  const HMODULE program = LoadLibraryExW((folder() + programs[0]).c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+  const wchar_t* const values[] = {L"FILE", L"100 %", L"41"};
+  std::vector<DWORD_PTR> arguments;
+  for (const wchar_t* value : values) arguments.push_back(reinterpret_cast<DWORD_PTR>(value));
+  std::wstring text(4096, L'\0');
+  text.resize(FormatMessageW(FORMAT_MESSAGE_FROM_HMODULE | FORMAT_MESSAGE_ARGUMENT_ARRAY, program, identifier,
+                             language, text.data(), static_cast<DWORD>(text.size()),
+                             reinterpret_cast<va_list*>(arguments.data())));
+  FreeLibrary(program);
+  return text;
+}
+
+TEST(Shipped, TheAddInHoldsTheTextsOfItsEntriesInTheEventLog) {
+  for (const WORD language : {WORD{0x409}, WORD{0x419}, WORD{0x411}})
+    for (const auto& kind : platform::eventKinds) {
+      const std::wstring text = eventText(platform::eventIdentifier(kind.event), language);
+      const int number = static_cast<int>(kind.event);
+      EXPECT_NE(text.find(L"FILE"), text.npos) << number << " " << language;
+      EXPECT_NE(text.find(L"100 %"), text.npos) << number << " " << language;
+      EXPECT_NE(text.find(L"\r\n\r\n"), text.npos) << number << " " << language;
+      EXPECT_EQ(text.find(L"%1"), text.npos) << number << " " << language;
+    }
+  EXPECT_EQ(
+      eventText(0xC0000012, 0x409),
+      L"Unattended job 41 failed, wholly or in part. Reason: 100 % File: FILE\r\n\r\nThe file is the log of "
+      L"the job, or the database with its options where no log is kept. Remove the reason and run the job "
+      L"again; what the exchange still reports is then stored.\r\n");
+  EXPECT_EQ(eventText(0xC0000012, 0x419).substr(0, 7), L"\u0417\u0430\u0434\u0430\u043d\u0438\u0435");
+  EXPECT_EQ(eventText(0xC0000012, 0x411).substr(0, 3), L"\u30b9\u30b1\u30b8");
 }
 
 #ifdef _WIN64

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "platform/windows/com/accounts.h"
+#include "platform/windows/com/event_source.h"
 #include "platform/windows/com/owned.h"
 #include "platform/windows/com/permissions.h"
 
@@ -185,6 +186,9 @@ RegistrarAnswer registerForEverybody(const Server& server, const registration::R
     return refusal(u"Registered for every user, but the launch permission can't be written: " + server.path);
   if (!launch.empty())
     answer.lines.push_back(u"Jobs of " + request.jobAccount + u" may start it while nobody is logged on.");
+  if (!writeEventSource(server))
+    answer.lines.push_back(u"Warning: entries in the event log will have no text: the source " +
+                           server.eventSource + u" can't be written.");
   removeOwnUsers(server, answer);
   warnOfOthers(server, answer);
   return answer;
@@ -226,6 +230,7 @@ RegistrarAnswer unregisterServer(const Server& server) {
   enablePerUserLibraries();
   int removed = 0;
   for (const HKEY root : roots) removed += removeAll(root, server);
+  if (removeEventSource(server)) ++removed;
   return {
       0,
       {removed > 0 ? u"Registration removed: " + server.path : u"Nothing is registered for " + server.path},

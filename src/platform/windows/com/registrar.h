@@ -20,7 +20,8 @@ struct RegistrarAnswer {
 // owns it in both views. A registration for everybody takes away this user's own one of the same classes,
 // whatever program it names, since it would go first; those of other users that are logged on are told of.
 // `server.path` is this program's own (see services/program.h). A job account needs the machine's part:
-// without it nothing is registered.
+// without it nothing is registered. The source of the event log is written for everybody only; whatever
+// becomes of it, the registration goes on.
 RegistrarAnswer registerServer(const registration::Server& server, const registration::Request& request = {});
 
 // Removes what carries this program's path, per machine and per user, and nothing else.

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/command_line.h"
+#include "platform/event_log.h"
 #include "platform/program_guard.h"
 #include "platform/registration.h"
 #include "platform/services.h"
@@ -116,6 +117,13 @@ bool isOnNetworkDrive(std::u16string_view path);
 
 // True when another program has opened a file exclusively, or keeps its beginning locked.
 bool isHeldByOthers(std::u16string_view path);
+
+// The log "Application" of this workstation. Each entry opens it and closes it again: they are few, and its
+// service may be started anew in between.
+class SystemEventLog : public platform::EventLog {
+ public:
+  bool write(const platform::EventEntry& entry) override;
+};
 
 // What the desktop opens a file of that type with.
 class SystemDocuments : public platform::Documents {
