@@ -27,6 +27,13 @@ TEST(WrittenPlaces, HoldEveryKindOfRegistrationInBothHivesAndViews) {
             << std::string(key, key + 12);
 }
 
+TEST(WrittenPlaces, HoldTheSourcesOfTheEventLogOnceForBothWordSizes) {
+  const std::u16string sources = u"SYSTEM\\CurrentControlSet\\Services\\EventLog\\Application";
+  for (const char16_t* name : {u"\\Vordane", u"\\VordaneProbe"})
+    EXPECT_TRUE(isSaved({Hive::machine, View::words64, sources + name}));
+  EXPECT_FALSE(isSaved({Hive::machine, View::words64, sources})) << "others have theirs there";
+}
+
 TEST(WrittenPlaces, TheSettingsAreThoseOfVersionsThatNobodyHas) {
   const std::u16string settings = u"Software\\VB and VBA Program Settings\\";
   for (const char16_t* key : {u"QUILMAR32\\39000", u"QUILMAR32\\39001", u"VORDANE"})
