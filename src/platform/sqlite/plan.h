@@ -90,6 +90,13 @@ struct Opened {
   EventNotes notes{connection};
   Plans plans;
   jet::Lifted lifted;  // of the statement at hand; keeps its memory for the next
+
+  // Asked with each exchange that is shown, so they stay prepared.
+  Statement ownTable, lastReceipt;
+  Statement& prepared(Statement& statement, std::string_view sql) {
+    if (!statement) statement = Statement(connection, sql);
+    return statement;
+  }
 };
 
 }  // namespace vordane::sqlite

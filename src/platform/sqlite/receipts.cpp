@@ -62,9 +62,11 @@ class EmbeddedReceipts final : public database::Receipts {
   std::optional<Receipt> last(std::u16string_view exchange) override {
     const Connection::Patience patience(connection_, lockWait);
     if (!areThere()) return {};
-    Statement row(connection_, std::string("SELECT ") + receiptColumns +
+    static const std::string sql = std::string("SELECT ") + receiptColumns +
                                    " FROM VordaneReceipts WHERE Exchange = ?1 COLLATE vordane_text ORDER BY "
-                                   "Number DESC LIMIT 1");
+                                   "Number DESC LIMIT 1";
+    Statement& row = opened_->prepared(opened_->lastReceipt, sql);
+    const Running running(row);
     row.bindText(1, exchange);
     if (!row.step()) return {};
     return receiptOf(row);
@@ -97,7 +99,9 @@ class EmbeddedReceipts final : public database::Receipts {
   bool areThere() {
     std::size_t there = 0;
     for (const OwnTable& own : ownReceiptTables) {
-      Statement found(connection_, "SELECT sql FROM sqlite_schema WHERE lower(name) = lower(?)");
+      Statement& found =
+          opened_->prepared(opened_->ownTable, "SELECT sql FROM sqlite_schema WHERE lower(name) = lower(?)");
+      const Running running(found);
       found.bindText(1, own.name);
       if (!found.step()) continue;
       if (found.text(0) != own.sql) fail(number::alreadyExists, own.name);

@@ -226,9 +226,9 @@ TEST_F(RowsTest, CtrlTakesRowsInAndOutOneByOne) {
   EXPECT_EQ(countWords(), u"40 faults, 2 selected");
   copy();
   EXPECT_EQ(clipboardText(),
-            u"Kind\tClass\tDate and time\tProcessor\tFault\tNo.\r\n"
-            u"0A\tMN\t2026/11/01 10:00\tMP\tLine fault · port E · Data [0F 3E]\t36\r\n"
-            u"0A\tMN\t2026/11/01 10:00\tMP\tLine fault · port G · Data [0F 3E]\t34\r\n");
+            u"Kind\tClass\tDate and time\tProcessor\tFault\tNo.\tNote\tNote by\tNote written\r\n"
+            u"0A\tMN\t2026/11/01 10:00\tMP\tLine fault · port E · Data [0F 3E]\t36\t\t\t\r\n"
+            u"0A\tMN\t2026/11/01 10:00\tMP\tLine fault · port G · Data [0F 3E]\t34\t\t\t\r\n");
 }
 
 TEST_F(RowsTest, TheMouseSelectsWithShiftAndCtrl) {
@@ -302,7 +302,8 @@ TEST_F(RowsTest, OtherRowsAreSelectedOneAlone) {
 TEST_F(RowsTest, ACopyIsTextAndATableAtOnce) {
   select(0);
   copy();
-  EXPECT_EQ(clipboardText(), u"0A\tMJ\t2026/11/01 10:00\tMP\tLine fault · port A · Data [0F 3E]\t40\r\n");
+  EXPECT_EQ(clipboardText(),
+            u"0A\tMJ\t2026/11/01 10:00\tMP\tLine fault · port A · Data [0F 3E]\t40\t\t\t\r\n");
   const std::string page = clipboardPage();
   EXPECT_NE(page.find("<!--StartFragment--><table>"), std::string::npos);
   EXPECT_NE(page.find("Line fault<span><br>port A<br>Data [0F 3E]</span>"), std::string::npos);
@@ -320,9 +321,12 @@ TEST_F(RowsTest, WhatIsShownIsSavedUnderTheNameGiven) {
   const fs::path file = folder / L"список.csv";
   ASSERT_TRUE(pumpUntil([&] { return account() == u"2 faults saved in " + file.u16string(); }));
   EXPECT_EQ(contents(file),
-            "\xEF\xBB\xBF\"Kind\",\"Class\",\"Date and time\",\"Processor\",\"Fault\",\"No.\"\r\n"
-            "\"0B\",\"MN\",\"2026/11/01 10:00\",\"MP   \",\"Line fault\r\nport B\r\nData [0F 3E]\",39\r\n"
-            "\"0B\",\"MN\",\"2026/11/01 10:00\",\"MP   \",\"Line fault\r\nport B\r\nData [0F 3E]\",13\r\n");
+            "\xEF\xBB\xBF\"Kind\",\"Class\",\"Date and "
+            "time\",\"Processor\",\"Fault\",\"No.\",\"Note\",\"Note by\",\"Note written\"\r\n"
+            "\"0B\",\"MN\",\"2026/11/01 10:00\",\"MP   \",\"Line fault\r\nport B\r\nData [0F "
+            "3E]\",39,\"\",\"\",\"\"\r\n"
+            "\"0B\",\"MN\",\"2026/11/01 10:00\",\"MP   \",\"Line fault\r\nport B\r\nData [0F "
+            "3E]\",13,\"\",\"\",\"\"\r\n");
   saveAs(folder / L"list.html");
   ASSERT_TRUE(
       pumpUntil([&] { return account() == u"2 faults saved in " + (folder / L"list.html").u16string(); }));
