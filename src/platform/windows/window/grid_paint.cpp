@@ -9,7 +9,7 @@ namespace vordane::window::win32 {
 namespace {
 
 constexpr int cellPadding = 8, rowPadding = 4, accentWidth = 3, shapeSize = 11, shapeGap = 5;
-constexpr std::u16string_view pencil = u"\u270E ", beforePencil = u"   ";
+constexpr int sheetWidth = 8, sheetHeight = 9, sheetGap = 4, beforeSheet = 14;
 constexpr int dotSize = 7, dotGap = 4;
 constexpr UINT oneLine = DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS;
 
@@ -35,14 +35,6 @@ void fill(HDC dc, const RECT& rect, COLORREF colour) {
 void frame(HDC dc, const RECT& rect, COLORREF colour) {
   SetDCBrushColor(dc, colour);
   FrameRect(dc, &rect, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
-}
-
-// The details, and behind a pencil what a person has written to the fault.
-std::u16string detail(const ShownRow& row) {
-  std::u16string words = row.text.detail;
-  if (row.note.text.empty()) return words;
-  if (!words.empty()) words += beforePencil;
-  return words.append(pencil).append(row.note.text);
 }
 
 class RowPainter {
@@ -88,7 +80,32 @@ class RowPainter {
   void description(RECT inside) {
     line(inside, drawing_.row->text.title, look_.plain.get(), ink_.text, DT_LEFT);
     inside.top += look_.lineHeight;
-    line(inside, detail(*drawing_.row), look_.plain.get(), ink_.quiet, DT_LEFT);
+    if (!drawing_.row->note.text.empty()) return detailAndNote(inside);
+    line(inside, drawing_.row->text.detail, look_.plain.get(), ink_.quiet, DT_LEFT);
+  }
+
+  // Behind the details a sheet, which is always seen, and what a person has written to the fault.
+  void detailAndNote(RECT inside) {
+    const std::u16string_view detail = drawing_.row->text.detail;
+    const int sheet = px(sheetWidth) + px(sheetGap), before = detail.empty() ? 0 : px(beforeSheet);
+    RECT words = inside;
+    {
+      const Selected selected(drawing_.dc, look_.plain.get());
+      words.right = std::min(inside.right - sheet - before, inside.left + widthOf(detail));
+    }
+    line(words, detail, look_.plain.get(), ink_.quiet, DT_LEFT);
+    inside.left = words.right + before;
+    noteSheet(inside);
+    inside.left += sheet;
+    line(inside, drawing_.row->note.text, look_.plain.get(), ink_.quiet, DT_LEFT);
+  }
+
+  void noteSheet(const RECT& inside) {
+    const LONG top = inside.top + (look_.lineHeight - px(sheetHeight)) / 2;
+    const RECT sheet{inside.left, top, inside.left + px(sheetWidth), top + px(sheetHeight)};
+    frame(drawing_.dc, sheet, ink_.quiet);
+    for (const LONG row : {sheet.top + px(3), sheet.top + px(5)})
+      fill(drawing_.dc, {sheet.left + px(2), row, sheet.right - px(2), row + px(1)}, ink_.quiet);
   }
 
   // Below the kind, where the row is empty; a word that would be cut is left to the dot.
