@@ -7,6 +7,14 @@ namespace {
 
 constexpr std::size_t rowsNumbered = 32'768;  // in a piece
 
+void readToEnd(database::RowList& rows) {
+  try {
+    while (!rows.isRead()) rows.readOn();
+  } catch (const database::DatabaseError&) {
+    // What has been read will do.
+  }
+}
+
 }  // namespace
 
 void NewRows::begin() {
@@ -22,8 +30,8 @@ void NewRows::forget() {
 
 void NewRows::work(const std::function<bool()>& again) {
   do {
+    if (!busy()) return;
     const database::RowList* rows = desk_.list();
-    if (!busy_ || rows == nullptr) return;
     const std::size_t end = std::min(rows->size(), next_ + rowsNumbered);
     for (; next_ < end; ++next_)
       if (const auto number = rows->number(next_)) highest_ = std::max(highest_.value_or(*number), *number);
@@ -39,6 +47,7 @@ bool NewRows::isNew(std::size_t shown, std::int64_t mark) const {
 }
 
 std::optional<std::size_t> NewRows::next(std::int64_t mark, std::optional<std::size_t> from) const {
+  if (desk_.list() != nullptr) readToEnd(*desk_.list());
   const std::size_t rows = desk_.size(), first = from ? *from + 1 : 0;
   for (std::size_t i = 0; i < rows; ++i)
     if (const std::size_t row = (first + i) % rows; isNew(row, mark)) return row;

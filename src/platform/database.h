@@ -79,7 +79,8 @@ class RowList {
   // The columns of row `position`, in the order of `columns` as they were given to openRowList; nothing
   // when the row has gone since.
   virtual bool fetch(std::size_t position, std::vector<Value>& out) = 0;
-  // The auto-number of a row where the list holds it; nothing where the row would have to be read for it.
+  // The auto-number of a row where the list holds it; nothing where the row would have to be read for it, and
+  // of one that is not read yet.
   virtual std::optional<std::int64_t> number(std::size_t) const { return std::nullopt; }
 
   // The first row from `first` on (backwards: from `first` towards the first row), round the end once, that

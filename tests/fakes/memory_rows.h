@@ -38,7 +38,7 @@ class MemoryRows final : public window::GridSource, public database::RowList {
   database::RowList* list() override { return held ? nullptr : this; }
 
   std::optional<std::int64_t> number(std::size_t position) const override {
-    return numbered ? std::optional(rows.at(position).count) : std::nullopt;
+    return numbered && isRead() ? std::optional(rows.at(position).count) : std::nullopt;
   }
 
   bool fetch(std::size_t position, std::vector<database::Value>& out) override {

@@ -104,6 +104,39 @@ TEST_F(NextNewTest, RowsWithoutNumbersAreNeverNew) {
   EXPECT_EQ(news.next(0, std::nullopt), std::nullopt);
 }
 
+TEST_F(NextNewTest, WhileTheDeskReadsAListOnItWaits) {
+  rows.unread = 3;
+  desk.setStored(&rows, u"PBX-1");
+  news.begin();
+  EXPECT_FALSE(news.busy());
+  EXPECT_TRUE(news.waits());
+  news.work(wholly);
+  EXPECT_EQ(news.highest(), std::nullopt);
+  while (desk.reading()) desk.work(onePiece);
+  EXPECT_FALSE(news.waits());
+  EXPECT_TRUE(news.busy());
+  news.work(wholly);
+  EXPECT_EQ(news.highest(), 9);
+}
+
+TEST_F(NextNewTest, WhoGoesToTheNextOneHasTheRestReadBefore) {
+  rows.unread = 3;
+  desk.setStored(&rows, u"PBX-1");
+  EXPECT_EQ(news.next(6, 2), 5U);
+  EXPECT_TRUE(rows.isRead());
+}
+
+TEST_F(NextNewTest, AListThatCantBeReadOnIsLookedThroughAsFarAsItIsThere) {
+  rows.unread = 3;
+  rows.failReadingOn = true;
+  desk.setStored(&rows, u"PBX-1");
+  news.begin();
+  EXPECT_EQ(news.next(6, 2), std::nullopt);
+  while (desk.reading()) desk.work(onePiece);
+  EXPECT_FALSE(news.waits()) << "nobody reads it on any longer";
+  EXPECT_FALSE(news.busy());
+}
+
 TEST_F(NextNewTest, WhileALongStepHoldsTheRowsItRests) {
   rows.held = true;
   EXPECT_FALSE(news.busy());

@@ -143,7 +143,7 @@ void LookWork::wake() {
     return;
   }
   UINT after = static_cast<UINT>(betweenPolls);
-  if (use == ListUse::later) {
+  if (use == ListUse::later || (rows_.waits() && !last_.busy())) {
     after = lookRest;
   } else if (rows_.busy() || last_.busy()) {
     after = lookPause;
