@@ -48,6 +48,16 @@ bool run(const fs::path& program, const wchar_t* switches) {
   return GetExitCodeProcess(process.get(), &code) && code == 0;
 }
 
+// `view` is KEY_WOW64_64KEY, or 0 for the program's own.
+bool isEmptyKey(HKEY root, const std::wstring& place, REGSAM view) {
+  com::RegistryKey key;
+  DWORD keys = 1, values = 1;
+  return RegOpenKeyExW(root, place.c_str(), 0, KEY_READ | view, key.put()) == ERROR_SUCCESS &&
+         RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values, nullptr,
+                          nullptr, nullptr, nullptr) == ERROR_SUCCESS &&
+         keys == 0 && values == 0;
+}
+
 class WindowsSetup : public SetupSystem {
  public:
   Words words() override {
@@ -80,7 +90,7 @@ class WindowsSetup : public SetupSystem {
     const std::wstring place = allSettings + wide(suiteApplication) + L"\\" + wide(version);
     RegDeleteKeyValueW(HKEY_CURRENT_USER, place.c_str(), wide(name).c_str());
     for (const std::wstring& key : {place, allSettings + wide(suiteApplication)})
-      if (isEmpty(key)) RegDeleteKeyW(HKEY_CURRENT_USER, key.c_str());
+      if (isEmptyKey(HKEY_CURRENT_USER, key, 0)) RegDeleteKeyW(HKEY_CURRENT_USER, key.c_str());
   }
   void removeOwnSettings() override {
     RegDeleteTreeW(HKEY_CURRENT_USER, (std::wstring(allSettings) + L"VORDANE").c_str());
@@ -101,24 +111,16 @@ class WindowsSetup : public SetupSystem {
     return findings;
   }
   void pause(std::chrono::milliseconds time) override { platform::sleepFor(time); }
-
- private:
-  static bool isEmpty(const std::wstring& place) {
-    com::RegistryKey key;
-    DWORD keys = 1, values = 1;
-    return RegOpenKeyExW(HKEY_CURRENT_USER, place.c_str(), 0, KEY_READ, key.put()) == ERROR_SUCCESS &&
-           RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values, nullptr,
-                            nullptr, nullptr, nullptr) == ERROR_SUCCESS &&
-           keys == 0 && values == 0;
-  }
 };
 
 // --- images of crashes, which the system's own error reporting writes
 
 // Of every program of that name; read in the view that a 64-bit system shows first.
+constexpr const wchar_t* everyDump = L"SOFTWARE\\Microsoft\\Windows\\Windows Error Reporting\\LocalDumps";
 constexpr const wchar_t* crashDumps =
     L"SOFTWARE\\Microsoft\\Windows\\Windows Error Reporting\\LocalDumps\\VORDANE.EXE";
 constexpr const wchar_t* dumpsOwner = L"InstallLocation";  // ours: of which set of files the key is
+constexpr const wchar_t* dumpsMade = L"LocalDumpsMade";    // ours: the key above came with it
 
 bool setNumber(HKEY key, const wchar_t* name, DWORD value) {
   return RegSetValueExW(key, name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&value), sizeof value) ==
@@ -128,10 +130,14 @@ bool setNumber(HKEY key, const wchar_t* name, DWORD value) {
 // No folder is named: the system's own is each user's, where nobody else reads what stood in the memory.
 bool WindowsSetup::keepCrashDumps(const fs::path& root) {
   constexpr DWORD small = 1, kept = 5;
-  com::RegistryKey key;
-  if (RegCreateKeyExW(HKEY_LOCAL_MACHINE, crashDumps, 0, nullptr, 0, KEY_WRITE | KEY_WOW64_64KEY, nullptr,
+  DWORD made = 0;
+  com::RegistryKey above, key;
+  if (RegCreateKeyExW(HKEY_LOCAL_MACHINE, everyDump, 0, nullptr, 0, KEY_WRITE | KEY_WOW64_64KEY, nullptr,
+                      above.put(), &made) != ERROR_SUCCESS ||
+      RegCreateKeyExW(HKEY_LOCAL_MACHINE, crashDumps, 0, nullptr, 0, KEY_WRITE | KEY_WOW64_64KEY, nullptr,
                       key.put(), nullptr) != ERROR_SUCCESS)
     return false;
+  if (made == REG_CREATED_NEW_KEY && !setNumber(key.get(), dumpsMade, 1)) return false;
   const std::wstring owner = root.wstring();
   return setNumber(key.get(), L"DumpType", small) && setNumber(key.get(), L"DumpCount", kept) &&
          RegSetValueExW(key.get(), dumpsOwner, 0, REG_SZ, reinterpret_cast<const BYTE*>(owner.c_str()),
@@ -147,9 +153,14 @@ void WindowsSetup::dropCrashDumps(const fs::path& root) {
       RegQueryValueExW(key.get(), dumpsOwner, nullptr, nullptr, reinterpret_cast<BYTE*>(owner.data()),
                        &bytes) != ERROR_SUCCESS)
     return;
+  const bool made =
+      RegQueryValueExW(key.get(), dumpsMade, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
   key.reset();
-  if (registration::samePath(com::fromWide(owner.data()), toText(root)))
-    RegDeleteKeyExW(HKEY_LOCAL_MACHINE, crashDumps, KEY_WOW64_64KEY, 0);
+  if (!registration::samePath(com::fromWide(owner.data()), toText(root))) return;
+  RegDeleteKeyExW(HKEY_LOCAL_MACHINE, crashDumps, KEY_WOW64_64KEY, 0);
+  // By itself it would have the system keep images of every program.
+  if (made && isEmptyKey(HKEY_LOCAL_MACHINE, everyDump, KEY_WOW64_64KEY))
+    RegDeleteKeyExW(HKEY_LOCAL_MACHINE, everyDump, KEY_WOW64_64KEY, 0);
 }
 
 void WindowsSetup::letUsersWrite(const fs::path& folder) {

@@ -38,15 +38,17 @@ snapshot() { ( cd "$1" && find . -type f -exec sha256sum {} + | sort -k2 ); }
 tools() { quick "$addins\\vordane-tools.exe" "$@" | tr -d '\r'; }
 
 sources='HKLM\SYSTEM\CurrentControlSet\Services\EventLog\Application'
-dumps='HKLM\Software\Microsoft\Windows\Windows Error Reporting\LocalDumps'
+reporting='HKLM\Software\Microsoft\Windows\Windows Error Reporting'
+dumps="$reporting\LocalDumps"
 # The console has not every letter of the folder above.
 below_base() { LC_ALL=C sed 's/.*\\QUILMAR32/QUILMAR32/'; }
 value() { quick reg query "$1" /v "$2" /reg:64 2>/dev/null | tr -d '\r' | sed -n "s/^ *$2 *REG_[A-Z_]* *//p"; }
 
 [ -s "$installer" ] || fail "there is no installer"
-# Below the sources and the images others stand, of a workstation whatever: made here, so that a removal leaves them.
+# Below the sources others stand, of a workstation whatever: made here, so that a removal leaves them. The error
+# reporting's key is on every Windows, the one of the images is not: it goes with the removal when it came with us.
 quick reg add "$sources\Others" /f >/dev/null
-quick reg add "$dumps\others.exe" /f >/dev/null
+quick reg add "$reporting" /f /reg:64 >/dev/null
 registered "$drive/nothing"
 
 # A set of its own, in a folder with blanks and letters of several scripts.

@@ -9,6 +9,7 @@
 #include "platform/windows/window/geometry.h"
 #include "platform/windows/window/theme.h"
 #include "windows/window/counted_call.h"
+#include "windows/window/listener.h"
 #include "windows/window/pictures.h"
 #include "windows/window/second_process.h"
 #include "windows/window/view_fixture.h"
@@ -21,28 +22,6 @@ RECT placeOf(HWND window) {
   GetWindowRect(window, &place);
   return place;
 }
-
-// Hears a window's messages for as long as it lives.
-class Listener {
- public:
-  using Hear = std::function<void(UINT message, WPARAM wide, LPARAM low)>;
-  Listener(HWND window, Hear hear) : window_(window), hear_(std::move(hear)) {
-    SetWindowSubclass(window_, procedure, 1, reinterpret_cast<DWORD_PTR>(this));
-  }
-  Listener(const Listener&) = delete;
-  Listener& operator=(const Listener&) = delete;
-  ~Listener() { RemoveWindowSubclass(window_, procedure, 1); }
-
- private:
-  static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wide, LPARAM low, UINT_PTR,
-                                    DWORD_PTR self) {
-    const LRESULT answer = DefSubclassProc(window, message, wide, low);
-    reinterpret_cast<Listener*>(self)->hear_(message, wide, low);
-    return answer;
-  }
-  HWND window_;
-  Hear hear_;
-};
 
 class DesktopTest : public ViewTest {
  protected:

@@ -13,6 +13,7 @@
 #include "platform/windows/window/handles.h"
 #include "platform/windows/window/theme.h"
 #include "text/utf8.h"
+#include "windows/window/listener.h"
 #include "windows/window/view_fixture.h"
 
 namespace vordane::window::win32 {
@@ -122,6 +123,21 @@ class RowsTest : public ViewTest {
   void copy() {
     keyWith(VK_CONTROL, grid(), 'C');
     ASSERT_TRUE(pumpUntil([&] { return GetClipboardOwner() == view->window(); }));
+  }
+  static void emptyClipboard() {
+    ASSERT_TRUE(OpenClipboard(nullptr));
+    EmptyClipboard();
+    CloseClipboard();
+  }
+  // What the entry with that access key of the row's menu puts there.
+  std::u16string copiedFromMenu(char accessKey) {
+    emptyClipboard();
+    const Listener opening(view->window(), [&](UINT message, WPARAM, LPARAM) {
+      if (message == WM_ENTERMENULOOP) PostMessageW(view->window(), WM_CHAR, accessKey, 1);
+    });
+    SendMessageW(view->window(), WM_CONTEXTMENU, reinterpret_cast<WPARAM>(grid()), MAKELPARAM(-1, -1));
+    EXPECT_TRUE(pumpUntil([&] { return GetClipboardOwner() == view->window(); }));
+    return clipboardText();
   }
   // The colours of the row's pixels: how many are those of a mark.
   int markedPixels(int row) {
@@ -307,6 +323,29 @@ TEST_F(RowsTest, ACopyIsTextAndATableAtOnce) {
   const std::string page = clipboardPage();
   EXPECT_NE(page.find("<!--StartFragment--><table>"), std::string::npos);
   EXPECT_NE(page.find("Line fault<span><br>port A<br>Data [0F 3E]</span>"), std::string::npos);
+  EXPECT_EQ(account(), u"account");
+}
+
+TEST_F(RowsTest, TheRowsMenuCopiesMessagesDataBytesAndCsv) {
+  stored.rows[1].description = u"Line fault\r\nno data came";
+  select(0);
+  keyWith(VK_SHIFT, grid(), VK_DOWN);
+  keyWith(VK_SHIFT, grid(), VK_DOWN);
+  EXPECT_EQ(copiedFromMenu('m'),
+            u"Line fault\r\nport A\r\nData [0F 3E]\r\n\r\nLine fault\r\nno data came\r\n\r\n"
+            u"Line fault\r\nport C\r\nData [0F 3E]\r\n");
+  EXPECT_EQ(clipboardPage(), "");
+  EXPECT_EQ(copiedFromMenu('b'), u"0F 3E\r\n0F 3E\r\n") << "a fault without data bytes has no line";
+  EXPECT_EQ(clipboardPage(), "");
+  EXPECT_EQ(
+      copiedFromMenu('v'),
+      u"\"Kind\",\"Class\",\"Date and time\",\"Processor\",\"Fault\",\"No.\",\"Note\",\"Note by\","
+      u"\"Note written\"\r\n"
+      u"\"0A\",\"MJ\",\"2026/11/01 10:00\",\"MP   \",\"Line fault\r\nport A\r\nData [0F 3E]\","
+      u"40,\"\",\"\",\"\"\r\n"
+      u"\"0B\",\"MN\",\"2026/11/01 10:00\",\"MP   \",\"Line fault\r\nno data came\",39,\"\",\"\",\"\"\r\n"
+      u"\"0A\",\"MN\",\"2026/11/01 10:00\",\"MP   \",\"Line fault\r\nport C\r\nData [0F 3E]\","
+      u"38,\"\",\"\",\"\"\r\n");
   EXPECT_EQ(account(), u"account");
 }
 
