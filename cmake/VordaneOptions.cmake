@@ -5,10 +5,13 @@ set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 
+option(VORDANE_RELEASE "Build as it is shipped" OFF)
+
 # What was compiled once, in whatever folder, comes out of the compiler cache. It may take a compiled header's
-# macros and times for what they are, since the header is compiled by the same build.
+# macros and times for what they are, since the header is compiled by the same build. What is shipped is compiled anew:
+# the cache makes paths relative before the compiler can map them, and the folder would show in the bytes.
 find_program(VORDANE_CCACHE NAMES ccache)
-if(VORDANE_CCACHE)
+if(VORDANE_CCACHE AND NOT VORDANE_RELEASE)
   set(launcher ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1
     CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime ${VORDANE_CCACHE})
   set(CMAKE_C_COMPILER_LAUNCHER ${launcher})
@@ -34,7 +37,6 @@ endif()
 
 # What is shipped: with the information for debuggers, which tools/release takes out into files of its own, and with
 # nothing of the folder, the day or the machine that it is built in.
-option(VORDANE_RELEASE "Build as it is shipped" OFF)
 if(VORDANE_RELEASE)
   add_compile_options(-g -ffile-prefix-map=${PROJECT_BINARY_DIR}=build -ffile-prefix-map=${PROJECT_SOURCE_DIR}=vordane
     -ffile-prefix-map=$ENV{HOME}=home)

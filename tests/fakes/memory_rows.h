@@ -34,7 +34,9 @@ class MemoryRows final : public window::GridSource, public database::RowList {
   std::vector<Range> provenance(std::size_t row, std::size_t position) override {
     return {{row, position}};  // what was asked for
   }
-  std::optional<Range> dataPart(std::size_t row) override { return Range{row, row + 1}; }
+  std::optional<Range> dataPart(std::size_t row) override {
+    return knowsData ? std::optional(Range{row, row + 1}) : std::nullopt;
+  }
   database::RowList* list() override { return held ? nullptr : this; }
 
   std::optional<std::int64_t> number(std::size_t position) const override {
@@ -74,6 +76,7 @@ class MemoryRows final : public window::GridSource, public database::RowList {
                        [&](const MemoryRow& row) { return row.count == fault && !row.gone; });
   }};
   bool numbered = true;
+  bool knowsData = true;  // where each row's data bytes stand: one character, a place further with each row
   std::size_t fetched = 0;
   std::optional<std::size_t> failAtFetch;
 };

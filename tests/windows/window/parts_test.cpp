@@ -46,6 +46,22 @@ TEST(Description, dataPartIsTheLongestRunOfTheLastLine) {
   EXPECT_FALSE(guessedDataPart(u"T\r\nD\r\nLost []"));
 }
 
+TEST(Description, bytesAreWholeWords) {
+  const auto guessed = [](std::u16string_view line) {
+    const auto data = guessedDataPart(line);
+    return data ? part(std::u16string(line), *data) : u"none";
+  };
+  EXPECT_EQ(guessed(u"no data came"), u"none");
+  EXPECT_EQ(guessed(u"0F3E"), u"none");
+  EXPECT_EQ(guessed(u"Data [0f 3E 1]"), u"0f 3E 1") << "cut in the middle of a byte";
+  EXPECT_EQ(guessed(u"Data [0F  3E]"), u"0F  3E");
+  EXPECT_EQ(guessed(u"Data 1 [0F 3"), u"0F 3");
+  EXPECT_EQ(guessed(u"Data 12 ab [01 02 03]cd"), u"01 02 03");
+  EXPECT_EQ(guessed(u"Байты12 [FF]"), u"FF");
+  EXPECT_EQ(guessed(u"[7F 0G]"), u"7F");
+  EXPECT_EQ(guessed(u""), u"none");
+}
+
 TEST(Description, paneCountsOneCharacterForALineEnd) {
   const PaneText pane = paneText(u"AB\r\nCD\r\nEF");
   EXPECT_EQ(pane.text, u"AB\rCD\rEF");

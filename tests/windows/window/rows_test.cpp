@@ -335,6 +335,8 @@ TEST_F(RowsTest, TheRowsMenuCopiesMessagesDataBytesAndCsv) {
             u"Line fault\r\nport A\r\nData [0F 3E]\r\n\r\nLine fault\r\nno data came\r\n\r\n"
             u"Line fault\r\nport C\r\nData [0F 3E]\r\n");
   EXPECT_EQ(clipboardPage(), "");
+  EXPECT_EQ(copiedFromMenu('b'), u"L\r\ni\r\nn\r\n") << "where the rows say that the data bytes are";
+  stored.knowsData = false;
   EXPECT_EQ(copiedFromMenu('b'), u"0F 3E\r\n0F 3E\r\n") << "a fault without data bytes has no line";
   EXPECT_EQ(clipboardPage(), "");
   EXPECT_EQ(

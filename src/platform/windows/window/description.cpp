@@ -23,15 +23,36 @@ bool isHexDigit(char16_t c) {
   return (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'F') || (c >= u'a' && c <= u'f');
 }
 
-std::optional<Range> longestDataRun(std::u16string_view text, Range line) {
+// Digits and letters of any script.
+bool isWordPart(char16_t c) {
+  return isHexDigit(c) || (c >= u'G' && c <= u'Z') || (c >= u'g' && c <= u'z') || c > 0x7F;
+}
+
+// Behind the last of the bytes that begin at `at`: two digits each, with blanks between them; the last may be
+// cut.
+std::size_t bytesEnd(std::u16string_view line, std::size_t at) {
+  std::size_t last = at;
+  while (at < line.size()) {
+    const auto word =
+        std::find_if_not(line.begin() + static_cast<std::ptrdiff_t>(at), line.end(), isWordPart);
+    const std::u16string_view digits = line.substr(at, static_cast<std::size_t>(word - line.begin()) - at);
+    if (digits.empty() || digits.size() > 2 || !std::all_of(digits.begin(), digits.end(), isHexDigit)) break;
+    last = at + digits.size();
+    if (digits.size() == 1) break;
+    at = std::min(line.find_first_not_of(u' ', last), line.size());
+  }
+  return last;
+}
+
+std::optional<Range> longestDataRun(std::u16string_view text, Range place) {
+  const std::u16string_view line = text.substr(place.begin, place.end - place.begin);
   std::optional<Range> longest;
-  for (std::size_t begin = line.begin; begin < line.end;) {
-    std::size_t end = begin, lastDigit = begin;
-    for (; end < line.end && (isHexDigit(text[end]) || (end > begin && text[end] == u' ')); ++end)
-      if (isHexDigit(text[end])) lastDigit = end + 1;
-    const bool longer = !longest || lastDigit - begin > longest->end - longest->begin;
-    if (lastDigit >= begin + 2 && longer) longest = Range{begin, lastDigit};
+  for (std::size_t begin = 0; begin < line.size();) {
+    const std::size_t end = bytesEnd(line, begin), length = end - begin;
+    if (length >= 2 && (!longest || length > longest->end - longest->begin))
+      longest = Range{place.begin + begin, place.begin + end};
     begin = std::max(end, begin + 1);
+    while (begin < line.size() && isWordPart(line[begin - 1])) ++begin;  // only whole words
   }
   return longest;
 }

@@ -19,8 +19,8 @@ struct RowText {
 };
 RowText rowText(std::u16string_view description);
 
-// The longest run of hexadecimal digits and blanks of the last line, without blanks at its ends; nothing
-// when it has no two digits.
+// The longest run of bytes in the last line: words of two hexadecimal digits, the last perhaps of one;
+// nothing when there is none.
 std::optional<Range> guessedDataPart(std::u16string_view description);
 
 // The description with one carriage return for each line end, as the pane counts its characters.
