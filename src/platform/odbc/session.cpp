@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/described.h"
 #include "platform/odbc/errors.h"
 #include "platform/odbc/receipts.h"
 #include "text/numbers.h"
@@ -335,6 +336,29 @@ std::vector<database::Arrival> Session::eventsAfter(const Table& table, std::int
     for (const Fields& row : link().query(dialect_.limited(query, static_cast<int>(most)), {&from, 1}))
       all.push_back({numberFrom(row.at(0).value_or(u"0")), numberFrom(row.at(1))});
     return all;
+  });
+}
+
+// In the order of the key, so that the server walks along its index.
+std::optional<database::Latest> Session::latest(const Table& table, std::int64_t owner, std::int64_t mark) {
+  const database::OwnerTable* owners = database::findEvents(documented_->descriptions())->owners;
+  if (owners == nullptr) return {};
+  const std::string events = dialect_.name(table.name), key = dialect_.quoted(table.events->key);
+  const std::string query =
+      "select " + dialect_.read("o." + dialect_.quoted(owners->listed), database::ColumnType::dateTime) +
+      ", (" +
+      dialect_.limited("select '1' from " + events + " where " + key + " > " + dialect_.number() + " and " +
+                           dialect_.quoted(table.events->owner) + " = o." + dialect_.quoted(owners->key) +
+                           " order by " + key,
+                       1) +
+      "), (select max(" + key + ") from " + events + ")::text from " + dialect_.name(owners->table) +
+      " o where o." + dialect_.quoted(owners->key) + " = " + dialect_.number();
+  const Field values[] = {text::decimal(mark), text::decimal(owner)};
+  return guarded([&]() -> std::optional<database::Latest> {
+    const auto rows = link().query(query, values);
+    if (rows.empty()) return {};
+    return database::Latest{rows[0].at(0).value_or(u""), rows[0].at(1).has_value(),
+                            numberFrom(rows[0].at(2).value_or(u"0"))};
   });
 }
 

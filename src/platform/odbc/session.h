@@ -64,6 +64,8 @@ class Session {
   const Table* eventTable() const { return tables_->events(); }
   std::int64_t highestEvent(const Table& table);
   std::vector<database::Arrival> eventsAfter(const Table& table, std::int64_t number, std::size_t most);
+  // As Arrivals tells it.
+  std::optional<database::Latest> latest(const Table& table, std::int64_t owner, std::int64_t mark);
   // What tells which lamps are lit, where the store keeps receipts; null where it was made without.
   const database::LampTable* lampTable() const;
   // A step on what stands beside the documented tables, outside batches: a transaction of its own.
