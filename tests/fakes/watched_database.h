@@ -41,6 +41,7 @@ class WatchedDatabase : public database::Database {
     inner_->execute(statement);
   }
   void expect(std::span<const database::Statement> coming) override { inner_->expect(coming); }
+  std::size_t mostExpected() const override { return inner_->mostExpected(); }
   void beginBatch() override {
     inner_->beginBatch();
     ++batchDepth;

@@ -210,11 +210,12 @@ TEST_F(NewerListShown, WithoutADatabaseNothingIsAsked) {
 
 // While the store is waited for the window paints, from the rows it has.
 TEST_F(NewerListShown, AStoreThatAnswersSlowlyIsPaintedOver) {
-  const int painted = static_cast<int>(form.memoryView.painted.size());
+  form.memoryView.paintNow();
+  const std::size_t painted = form.memoryView.painted.size();
   form.setClock.secondsPerLook = 1;
   database->beforeArrivals = [this] { database->progress(0, 0); };
   store.lookForNewerList();
-  EXPECT_EQ(form.memoryView.painted.size(), painted + 1U);
+  EXPECT_EQ(form.memoryView.painted.size(), painted + 1);
   EXPECT_EQ(form.memoryView.screen, std::vector<std::u16string>{u"text"});
   EXPECT_FALSE(database->progress);
 }

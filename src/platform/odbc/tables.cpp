@@ -298,6 +298,26 @@ void Plans::planSame(Plan& plan) const {
   }
   plan.rows += " order by i.\"Key\"";
   plan.keys = dialect_.joined("select 0 where false");
+  planManySame(plan, texts);
+}
+
+void Plans::planManySame(Plan& plan, const std::array<std::size_t, 4>& texts) const {
+  plan.places = {plan.values[0], plan.values[1]};
+  plan.places.insert(plan.places.end(), texts.begin(), texts.end());
+  constexpr std::string_view names[] = {"r.a", "r.b", "r.c", "r.d"};
+  plan.many = "select r.place::text, i.\"Key\"::text from " +
+              dialect_.rowsOfArrays({ColumnType::integer, ColumnType::text, ColumnType::text,
+                                     ColumnType::text, ColumnType::text, ColumnType::text}) +
+              " as r(o, m, a, b, c, d, place) join " + dialect_.indexTable() +
+              " i on i.\"Owner\" = r.o and i.\"Moment\" = " + dialect_.folded("r.m") +
+              " and i.\"Hash\" = " + dialect_.hash({"r.a", "r.b", "r.c", "r.d"}) + " join " +
+              dialect_.name(plan.table->name) + " f on f." + dialect_.quoted(plan.table->events->key) +
+              " = i.\"Key\"";
+  for (std::size_t i = 0; i < texts.size(); ++i)
+    plan.many += " and " +
+                 dialect_.folded("f." + dialect_.quoted(plan.shape.conditions.at(texts[i]).column)) + " = " +
+                 dialect_.folded(names[i]);
+  plan.many += " order by r.place, i.\"Key\"";
 }
 
 }  // namespace vordane::odbc
