@@ -31,6 +31,13 @@ struct Fault {
   std::u16string kind, alarm, cpu, date, description;
 };
 
+// A file may keep the time as a text of a workstation's own form; of those only one can be read without
+// doubt.
+std::u16string isoFrom(std::u16string text) {
+  std::replace(text.begin(), text.end(), u'/', u'-');
+  return text::isIsoText(text) ? text : std::u16string{};
+}
+
 // The columns of the table that is being read, by name.
 class Row {
  public:
@@ -53,7 +60,7 @@ class Row {
   std::u16string moment(std::u16string_view name) const {
     const access::Value found = value(name);
     const auto* date = std::get_if<automation::Date>(&found);
-    return date != nullptr ? text::isoMoment(date->days) : textOf(found);
+    return date != nullptr ? text::isoMoment(date->days) : isoFrom(textOf(found));
   }
 
  private:

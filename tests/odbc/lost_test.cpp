@@ -36,7 +36,7 @@ class Stopped {
 constexpr Options hasty{
     .connectMilliseconds = 500, .answerMilliseconds = 200, .askMilliseconds = 200, .pauseMilliseconds = 0};
 
-Fault faultNumber(int number) {
+Fault lossFault(int number) {
   return {1, u"01", u"MJ", u"MP", u"2006/11/27 10:15", u"Fault " + text::decimal(number)};
 }
 
@@ -67,31 +67,31 @@ class LostServer : public testing::Test {
 
 TEST_F(LostServer, OneThatStandsStillIsGivenUpAndTheNextStepGoesOn) {
   const auto database = open();
-  addFault(*database, faultNumber(1));
+  addFault(*database, lossFault(1));
   for (int times = 0; times < 2; ++times) {
     {
       const Stopped server;
-      EXPECT_EQ(numberOfError([&] { isStored(*database, faultNumber(1)); }), 3151);
-      EXPECT_EQ(numberOfError([&] { isStored(*database, faultNumber(1)); }), 3151);
+      EXPECT_EQ(numberOfError([&] { isStored(*database, lossFault(1)); }), 3151);
+      EXPECT_EQ(numberOfError([&] { isStored(*database, lossFault(1)); }), 3151);
     }
-    EXPECT_TRUE(isStored(*database, faultNumber(1)));
+    EXPECT_TRUE(isStored(*database, lossFault(1)));
   }
 }
 
 TEST_F(LostServer, ABatchThatItStoppedInIsNotStored) {
   const auto database = open();
   database->beginBatch();
-  EXPECT_FALSE(isStored(*database, faultNumber(1)));
-  addFault(*database, faultNumber(1));
+  EXPECT_FALSE(isStored(*database, lossFault(1)));
+  addFault(*database, lossFault(1));
   {
     const Stopped server;
     EXPECT_EQ(numberOfError([&] { database->checkpoint(); }), 3151);
     EXPECT_EQ(numberOfError([&] { database->endBatch(); }), 0) << "nothing is left to save";
   }
-  EXPECT_FALSE(isStored(*database, faultNumber(1)));
+  EXPECT_FALSE(isStored(*database, lossFault(1)));
   database->beginBatch();
-  EXPECT_FALSE(isStored(*database, faultNumber(1)));
-  addFault(*database, faultNumber(1));
+  EXPECT_FALSE(isStored(*database, lossFault(1)));
+  addFault(*database, lossFault(1));
   database->endBatch();
   EXPECT_EQ(one("select count(*)::text from vordane.\"FaultDisplay\""), "1");
 }
@@ -100,9 +100,9 @@ TEST_F(LostServer, WithTheLimitsOfAStationNoStepHangsTenSeconds) {
   const auto database = open({});
   const auto another = open({});
   const Stopped server;
-  EXPECT_LT(timeOf([&] { EXPECT_EQ(numberOfError([&] { isStored(*database, faultNumber(1)); }), 3151); }),
+  EXPECT_LT(timeOf([&] { EXPECT_EQ(numberOfError([&] { isStored(*database, lossFault(1)); }), 3151); }),
             seconds(10));
-  EXPECT_LT(timeOf([&] { EXPECT_EQ(numberOfError([&] { isStored(*database, faultNumber(1)); }), 3151); }),
+  EXPECT_LT(timeOf([&] { EXPECT_EQ(numberOfError([&] { isStored(*database, lossFault(1)); }), 3151); }),
             milliseconds(500))
       << "what follows at once does not wait again";
   EXPECT_LT(timeOf([&] { EXPECT_EQ(numberOfError([&] { open({}); }), 3151); }), seconds(10));
@@ -110,12 +110,12 @@ TEST_F(LostServer, WithTheLimitsOfAStationNoStepHangsTenSeconds) {
 
 TEST_F(LostServer, AWireThatSwallowsEverythingIsGivenUpToo) {
   const auto database = open(hasty, true);
-  addFault(*database, faultNumber(1));
+  addFault(*database, lossFault(1));
   wire_.swallow(true);
-  EXPECT_EQ(numberOfError([&] { isStored(*database, faultNumber(1)); }), 3151);
+  EXPECT_EQ(numberOfError([&] { isStored(*database, lossFault(1)); }), 3151);
   EXPECT_EQ(numberOfError([&] { open(hasty, true); }), 3151);
   wire_.swallow(false);
-  EXPECT_TRUE(isStored(*database, faultNumber(1)));
+  EXPECT_TRUE(isStored(*database, lossFault(1)));
 }
 
 TEST_F(LostServer, AnAnswerThatTheServerIsAtWorkOnIsWaitedFor) {
@@ -127,9 +127,9 @@ TEST_F(LostServer, AnAnswerThatTheServerIsAtWorkOnIsWaitedFor) {
     std::this_thread::sleep_for(milliseconds(1500));
     other->commit();
   });
-  EXPECT_GT(timeOf([&] { addFault(*database, faultNumber(1)); }), milliseconds(1000)) << "the numbers' lock";
+  EXPECT_GT(timeOf([&] { addFault(*database, lossFault(1)); }), milliseconds(1000)) << "the numbers' lock";
   later.join();
-  EXPECT_TRUE(isStored(*database, faultNumber(1)));
+  EXPECT_TRUE(isStored(*database, lossFault(1)));
 }
 
 TEST_F(LostServer, WhatALostConnectionHeldIsFreeAtOnce) {
@@ -139,14 +139,14 @@ TEST_F(LostServer, WhatALostConnectionHeldIsFreeAtOnce) {
   names->set(u"PBXName", std::u16string(u"PBX-1"));
   names->update();
   database->beginBatch();
-  EXPECT_FALSE(isStored(*database, faultNumber(1)));
-  addFault(*database, faultNumber(1));
+  EXPECT_FALSE(isStored(*database, lossFault(1)));
+  addFault(*database, lossFault(1));
   wire_.breakAt(Proxy::Breakage::drop, 1);
   EXPECT_EQ(numberOfError([&] { database->endBatch(); }), 3151);
   EXPECT_LT(timeOf([&] {
               another->beginBatch();
-              EXPECT_FALSE(isStored(*another, faultNumber(1)));
-              addFault(*another, faultNumber(1));
+              EXPECT_FALSE(isStored(*another, lossFault(1)));
+              addFault(*another, lossFault(1));
               another->endBatch();
             }),
             seconds(3))
@@ -159,7 +159,7 @@ TEST_F(LostServer, WhileItIsWaitedForTheWindowPaints) {
   int painted = 0;
   database->setProgress([&](std::size_t, std::size_t) { ++painted; });
   const Stopped server;
-  EXPECT_EQ(numberOfError([&] { isStored(*database, faultNumber(1)); }), 3151);
+  EXPECT_EQ(numberOfError([&] { isStored(*database, lossFault(1)); }), 3151);
   EXPECT_GT(painted, 3);
 }
 

@@ -86,6 +86,7 @@ class Plans {
   std::string joinedEvents(const Plan& plan) const;
   std::string columnsOf(const Plan& plan, std::string_view prefix) const;
   std::string conditionsOf(Plan& plan) const;
+  std::string columnOf(const Plan& plan, std::size_t condition) const;
   std::string ordersOf(const Plan& plan, std::string_view prefix) const;
 
   const Dialect& dialect_;
