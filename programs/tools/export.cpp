@@ -3,42 +3,19 @@
 #include <optional>
 #include <string>
 
-#include "access_reading.h"
+#include "any_file.h"
 #include "commands.h"
-#include "database_files.h"
 #include "export_csv.h"
 #include "export_json.h"
 #include "export_texts.h"
 #include "language_source.h"
 #include "lines.h"
-#include "platform/database_numbers.h"
-#include "platform/engine_choice.h"
 #include "selected_tables.h"
 #include "selection_words.h"
 #include "text/utf8.h"
-#include "tools/sqlite/table_reader.h"
 
 namespace vordane::tools {
 namespace {
-
-void readAnyFile(const std::string& name, access::Visitor& visitor) {
-  const std::filesystem::path path = toPath(name);
-  try {
-    switch (database::fileKind(path.u16string())) {
-      case database::FileKind::access:
-        return accessReading()(path, visitor);
-      case database::FileKind::embedded:
-        return readTables(path.u16string(), visitor);
-      case database::FileKind::missing:
-        throw database::DatabaseError(database::number::fileNotFound, path.u16string());
-      case database::FileKind::dataSource:  // its tables are the server's
-      case database::FileKind::unknown:
-        throw database::DatabaseError(database::number::notADatabase, path.u16string());
-    }
-  } catch (const database::DatabaseError& failure) {
-    throw ToolError(failureText(name, failure));
-  }
-}
 
 void tell(const std::vector<std::filesystem::path>& files) {
   for (const auto& file : files) std::cout << text::toUtf8(file.u16string()) << '\n';

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,14 @@ namespace vordane::database {
 struct Arrival {
   std::int64_t owner = 0, number = 0;
   bool operator==(const Arrival&) const = default;
+};
+
+// What is stored of one owner at one moment.
+struct Latest {
+  std::u16string listed;     // when its last list came, as the store keeps it
+  bool more = false;         // it has events above the mark that was asked for
+  std::int64_t highest = 0;  // the highest number of all events, whoever owns them
+  bool operator==(const Latest&) const = default;
 };
 
 class Arrivals {
@@ -29,6 +38,9 @@ class Arrivals {
   // The next events that are numbered above `number`, in the order of their numbers; fewer than `most` when
   // there are no more.
   virtual std::vector<Arrival> after(std::int64_t number, std::size_t most) = 0;
+  // In one question; no event below the mark is looked at. Nothing where there is no such owner, or where the
+  // store does not tell.
+  virtual std::optional<Latest> latest(std::int64_t /*owner*/, std::int64_t /*mark*/) { return {}; }
 };
 
 }  // namespace vordane::database

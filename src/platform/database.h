@@ -143,6 +143,9 @@ class Database {
   // and in the order that suits it, for what they will answer. Each answers as if this had not been said,
   // whatever was added meanwhile. Throws when the batch has lost what was not safe yet.
   virtual void expect(std::span<const Statement>) {}
+  // How many of them are worth being said at once: few where each is cheap, since what was found on the way
+  // must still be so.
+  virtual std::size_t mostExpected() const { return 256; }
 
   // Called from inside long steps (now and then, never inside a short one); may only paint. `of` is 0 where
   // the engine doesn't know how much there is to do.

@@ -89,14 +89,22 @@ struct LampTable {
   std::u16string_view major, minor;  // Yes/No
 };
 
-// `statements`: all that hold a value; an engine refuses any other that does. `events` and `lamps`: the
-// tables of that kind, if there are any. What is described must live as long as the engines that are made
+// A table of the owners of events, one row each.
+struct OwnerTable {
+  std::u16string_view table;
+  std::u16string_view key;     // the number that an event's owner is
+  std::u16string_view listed;  // a date: when its last list of events came
+};
+
+// `statements`: all that hold a value; an engine refuses any other that does. `events`, `lamps` and `owners`:
+// the tables of that kind, if there are any. What is described must live as long as the engines that are made
 // with it.
 struct Description {
   std::span<const TableDefinition> tables;
   std::span<const StatementPattern> statements;
   const EventTable* events = nullptr;
   const LampTable* lamps = nullptr;
+  const OwnerTable* owners = nullptr;
 };
 using Descriptions = std::span<const Description>;
 

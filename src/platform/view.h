@@ -2,6 +2,7 @@
 // a View; the Win32 view (and the tests' in-memory one) implements View and calls ViewEvents. One thread.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -194,7 +195,7 @@ class ViewEvents {
   // does not sets the former again.
   virtual void exchangeChosen(int listIndex) = 0;
   virtual void closeAsked() = 0;                                // the title bar
-  virtual void keyPressed(int keyCode) = 0;                     // F1 is 112
+  virtual void keyPressed(int keyCode) = 0;                     // F1 is 112, F5 116
   virtual void mousePressed(Control& control, int button) = 0;  // 2 is the right one
   virtual void whatsThisChosen() = 0;                           // itmWhatThis of the pop-up menu
   // The guide's entry of the window's system menu: whether it can be chosen, asked whenever the menu opens,
@@ -208,6 +209,10 @@ class ViewEvents {
   virtual ListUse listUse() { return ListUse::never; }
   // What has come into the store; null where it can't be told. For use at once: the database may be closed.
   virtual std::shared_ptr<database::Arrivals> arrivals() { return nullptr; }
+  // The moment to look whether others have stored something newer than is shown; nothing may be waited for
+  // long. Answers with when it should come again. Called soon after each setRows, and only while the window
+  // can be seen and `listUse` says now.
+  virtual std::chrono::milliseconds lookAtStore() { return std::chrono::minutes(1); }
   virtual void tick() = 0;  // tmrEvent
 };
 

@@ -8,7 +8,7 @@
 namespace vordane::startup {
 namespace {
 
-constexpr int keyF1 = 112;
+constexpr int keyF1 = 112, keyF5 = 116;
 
 }  // namespace
 
@@ -70,8 +70,20 @@ std::optional<std::size_t> WindowInput::lookUp(std::u16string_view text, std::pt
 }
 
 void WindowInput::keyPressed(int keyCode) {
+  if (keyCode == keyF5) return renew();
   const WindowLife::Entry entry(parts_.life);
   if (keyCode == keyF1 && parts_.alive()) help_.askHost();
+}
+
+// What is shown is read anew, as if it had been chosen now; an empty drop-down is filled.
+void WindowInput::renew() {
+  if (listUse() != window::ListUse::now || parts_.faults.faultDatabase() == nullptr) return;
+  const WindowLife::Entry entry(parts_.life);
+  if (parts_.form.control(u"drpPBXList").listIndex() < 0)
+    parts_.store.RefreshDisplay();
+  else
+    parts_.store.exchangeListClicked();
+  if (parts_.alive()) parts_.showNotice();
 }
 
 void WindowInput::mousePressed(window::Control& control, int button) {
@@ -91,6 +103,12 @@ window::ListUse WindowInput::listUse() {
 std::shared_ptr<database::Arrivals> WindowInput::arrivals() {
   database::Database* database = parts_.alive() ? parts_.faults.faultDatabase() : nullptr;
   return database != nullptr ? database->arrivals() : nullptr;
+}
+
+std::chrono::milliseconds WindowInput::lookAtStore() {
+  if (listUse() != window::ListUse::now) return store::NewerList::betweenQuestions;
+  const WindowLife::Entry entry(parts_.life);
+  return parts_.store.lookForNewerList();
 }
 
 void WindowInput::tick() {

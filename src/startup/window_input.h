@@ -26,10 +26,12 @@ class WindowInput final : public window::ViewEvents {
                                     window::LookUpWay way) override;
   window::ListUse listUse() override;
   std::shared_ptr<database::Arrivals> arrivals() override;
+  std::chrono::milliseconds lookAtStore() override;
   void tick() override;
 
  private:
   bool pressCounts(int action);
+  void renew();
 
   const WindowParts& parts_;
   WindowHelp& help_;

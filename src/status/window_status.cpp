@@ -129,10 +129,16 @@ void WindowStatus::exchangeShown(std::u16string_view name, std::u16string_view r
   const std::size_t pattern = name.empty()       ? message::statusNoList
                               : received.empty() ? message::statusStoredUndated
                                                  : message::statusStored;
+  newerLine_.clear();
   storedLine_ = fillText(text(pattern), {name, received});
 }
 
+void WindowStatus::newerListStored(std::u16string_view exchange) {
+  newerLine_ = fillText(text(message::statusNewerList), {exchange});
+}
+
 void WindowStatus::displayFailed(std::u16string_view engineText) {
+  newerLine_.clear();
   displayFailure_ = fillText(text(message::reasonDatabase), {engineText});
 }
 
@@ -147,6 +153,7 @@ std::u16string WindowStatus::line() const {
   if (quiet && !textsIncomplete_.empty())
     line = fillText(text(message::statusTextsIncomplete), {textsIncomplete_});
   if (quiet && onNetwork_) line = text(message::statusNetworkDrive) + u" " + line;
+  if (!newerLine_.empty()) line = newerLine_ + u"\n" + line;
   // Always: nobody may take its faults for those of a real one.
   if (simulated_) line = text(message::statusSimulated) + u" " + line;
   if (!guideLine_.empty()) line = guideLine_ + u"\n" + line;

@@ -61,6 +61,7 @@ class WindowStatus {
   }
   // The exchange now shown, empty without one, and when its stored list came, empty when that is not known.
   void exchangeShown(std::u16string_view name, std::u16string_view received);
+  void newerListStored(std::u16string_view exchange);  // than the one shown: until it is shown anew
   void displayFailed(std::u16string_view engineText);
   void displayed() { displayFailure_.clear(); }
 
@@ -83,6 +84,7 @@ class WindowStatus {
   std::u16string storedLine_, listLine_, attemptLine_;  // the status line
   std::u16string textsIncomplete_;                      // the tables of loaders that stopped
   std::u16string receiptLine_;                          // below what failed
+  std::u16string newerLine_;                            // above what failed
   std::u16string guideLine_;                            // above all others
 };
 

@@ -21,6 +21,8 @@ inline constexpr database::EventTable faultEvents{
     u"FaultDisplay", u"Count", u"ID", u"Date", {u"Fault", u"Alarm", u"CPU"}, u"Description"};
 inline constexpr database::LampTable exchangeLamps{u"PBXList", u"PBXName", u"MJ", u"MN"};
 
+inline constexpr database::OwnerTable listedExchanges{u"PBXList", u"ID", u"TimeStamp"};
+
 // Which quoting a text has is part of a statement; a value that holds it breaks the statement, which is
 // accepted.
 namespace statement {
@@ -65,6 +67,6 @@ static_assert(sortClauses.size() == 10);
 inline constexpr std::u16string_view languageSubject = u"Language";
 
 inline constexpr database::Description faultDatabase{faultTables, faultStatements, &faultEvents,
-                                                     &exchangeLamps};
+                                                     &exchangeLamps, &listedExchanges};
 
 }  // namespace vordane::store

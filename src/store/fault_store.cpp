@@ -247,8 +247,27 @@ void FaultStore::refreshFaults(database::Database& database) {
     datFaultDisplay_.refresh(database);
   }
   around_.status.displayed();
+  ++displays_;
   grid_.show(datFaultDisplay_.rows());
   showRows();
+}
+
+std::optional<NewerList::Shown> FaultStore::shown() const {
+  const auto exchange = chosen();
+  if (!exchange || !datPBXList_.hasRow()) return {};
+  return NewerList::Shown{exchange->id, exchange->name, datPBXList_.row().timeStamp, displays_};
+}
+
+NewerList::Pause FaultStore::lookForNewerList() {
+  database::Database* database = form_.faultDatabase();
+  if (database == nullptr) return newer_.pause();
+  const LongStep step(around_, grid_, *database, LongStep::silent);
+  const auto exchange = shown();
+  if (newer_.ask(exchange, [&] { return database->arrivals(); })) {
+    around_.status.newerListStored(exchange->name);
+    status::showLine(around_.view, around_.status);
+  }
+  return newer_.pause();
 }
 
 void FaultStore::showRows() {

@@ -18,6 +18,7 @@
 #include "pbx/received_list.h"
 #include "store/comSSDataGrid.h"
 #include "store/data_control.h"
+#include "store/newer_list.h"
 #include "store/sort_orders.h"
 #include "store/store_form.h"
 
@@ -47,6 +48,9 @@ class FaultStore {
   void DisplayAlarm();              // paints the lamps of the exchange shown; reports no missing database
   // Print, clear, look up and reset follow the empty grid; the host's scheduler keeps them dead.
   void showButtonStates();
+  // Whether somebody else has stored a newer list of the exchange shown; the status line says so. Answers
+  // with when to look again. Calls neither the host nor a box.
+  NewerList::Pause lookForNewerList();
   void showNotice();  // what stands above the rows or in the place of an empty grid
   // The next row holding `text` after `after` (-1: from the first), round the end once.
   std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from,
@@ -98,6 +102,7 @@ class FaultStore {
   void showLamps(bool major, bool minor);
   void showRows();
   void showCount();
+  std::optional<NewerList::Shown> shown() const;  // nothing while no exchange of the store is shown
 
   void storeLamps(std::u16string_view exchange, bool major, bool minor);
   void tellAccount(const status::ListAccount& account);
@@ -114,7 +119,9 @@ class FaultStore {
   bool filling_ = false;
   std::array<bool, headingColumns> ascending_{};
   SortKey sortKey_ = 0;
+  std::uint32_t displays_ = 0;  // how often rows were read to be shown
   std::optional<status::ListAccount> account_;
+  NewerList newer_;
 };
 
 // True when no row of the exchange agrees in all compared columns. Throws DatabaseError.

@@ -22,10 +22,6 @@ constexpr std::int32_t groupSize = 4;
 // What the exchange-access component sends in place of data begins with this.
 constexpr std::u16string_view accessErrorPrefix = u"ZUL_";
 
-// So many faults are decoded and looked for at once before the first of them is stored: few enough that what
-// was found is still so when a long list is made safe on the way.
-constexpr std::int32_t atOnce = 256;
-
 struct Fault {
   std::u16string_view kind, alarm;
   std::u16string cpu, date, description;
@@ -125,7 +121,7 @@ void Ingestion::decode(std::int32_t group, Fault& fault) const {
 // them.
 std::int32_t Ingestion::expectFrom(std::int32_t group, std::int16_t exchangeId,
                                    database::Database& database) {
-  faults_.resize(static_cast<std::size_t>(std::min(atOnce, groups() - group)));
+  faults_.resize(std::min(database.mostExpected(), static_cast<std::size_t>(groups() - group)));
   same_.clear();
   for (Fault& fault : faults_) {
     if (findAccessError(group) != nullptr) break;

@@ -45,11 +45,15 @@ bool LongStep::due() {
 
 void LongStep::paint() {
   if (!due()) return;
+  if (texts_.plain != silent.plain) tell();
+  around_.view.paintNow();
+}
+
+void LongStep::tell() {
   const auto done = text::decimal(static_cast<std::int64_t>(done_));
   const auto of = text::decimal(static_cast<std::int64_t>(of_));
   const auto pattern = messageText(around_.state, of_ == 0 ? texts_.plain : texts_.counted);
   around_.view.setStatus(window::countPart, fillText(pattern, {done, of}));
-  around_.view.paintNow();
 }
 
 }  // namespace vordane::store

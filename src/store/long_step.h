@@ -22,6 +22,7 @@ class LongStep {
   static constexpr Texts storing{message::noticeStoring, message::noticeStoring};
   static constexpr Texts reading{message::noticeReading, message::noticeReadingOf};
   static constexpr Texts deleting{message::noticeDeleting, message::noticeDeletingOf};
+  static constexpr Texts silent{0, 0};  // only paints
 
   LongStep(const Surroundings& around, comSSDataGrid::FaultRows& rows, database::Database& database,
            Texts texts);
@@ -34,6 +35,7 @@ class LongStep {
 
  private:
   void paint();
+  void tell();
   bool due();
 
   Surroundings around_;

@@ -87,16 +87,19 @@ Order fromArguments(const std::vector<std::string>& arguments) {
 }
 
 void takeLists(const Order& order) {
-  std::ofstream report(std::filesystem::path(text::fromUtf8(order.report)), std::ios::binary | std::ios::app);
-  report << "ready" << std::endl;
   sqlite::Options options;
   options.onNetwork = [&](std::u16string_view) { return order.onNetwork; };
-  const auto engine = sqlite::makeEngine(startup::databases, options);
+  takeLists(order, *sqlite::makeEngine(startup::databases, options));
+}
+
+void takeLists(const Order& order, database::Engine& engine) {
+  std::ofstream report(std::filesystem::path(text::fromUtf8(order.report)), std::ios::binary | std::ios::app);
+  report << "ready" << std::endl;
   SlowClock clock(order.slow);
   fakes::MemoryStoreForm form;
   form.clock = &clock;
   form.meanwhile = [&](const std::string& line) { report << line << std::endl; };
-  form.database = engine->open(text::fromUtf8(order.file), false);
+  form.database = engine.open(text::fromUtf8(order.file), false);
   store::FaultStore faults(form, form.around());
   faults.setSortFlags();
   for (int list = order.firstList; list < order.firstList + order.lists; ++list) {

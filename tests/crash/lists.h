@@ -30,8 +30,9 @@ struct Order {
 std::vector<std::string> toArguments(const Order& order);
 Order fromArguments(const std::vector<std::string>& arguments);
 
-// Takes the lists in, as the window does. Each thing that is shown or told outside is a line of the report,
-// which begins with "ready". Throws DatabaseError.
+// Takes the lists in, as the window does, by this engine or by the embedded one. Each thing that is shown or
+// told outside is a line of the report, which begins with "ready". Throws DatabaseError.
+void takeLists(const Order& order, database::Engine& engine);
 void takeLists(const Order& order);
 
 }  // namespace vordane::crash

@@ -148,6 +148,48 @@ TEST_F(ArrivalsTest, AListKnowsTheNumbersOfItsRowsInEveryOrder) {
   }
 }
 
+TEST_F(ArrivalsTest, TheLatestOfAnOwnerIsToldInOneQuestion) {
+  const auto database = open(), station = open();
+  database::addExchange(*database, u"PBX-1");
+  const auto arrivals = database->arrivals();
+  const auto stamp = [&] {
+    return database::shown(database->openRecordset(u"Select * FROM PBXList")->get(u"TimeStamp"));
+  };
+  const auto latest = [&](std::int64_t mark) { return arrivals->latest(1, mark).value(); };
+  EXPECT_EQ(text::toUtf8(latest(0).listed), stamp());
+  EXPECT_EQ(latest(0).highest, 0);
+  EXPECT_FALSE(latest(0).more);
+  addFor(*station, 1, 2);
+  addFor(*station, 7, 1);
+  EXPECT_EQ(latest(0), (database::Latest{text::fromUtf8(stamp()), true, 3}));
+  EXPECT_TRUE(latest(1).more);
+  EXPECT_FALSE(latest(2).more) << "number 3 is another's";
+  other().run("UPDATE PBXList SET TimeStamp = '2027-01-02 03:04:05'");
+  EXPECT_EQ(text::toUtf8(latest(2).listed), "2027-01-02 03:04:05");
+  EXPECT_EQ(stamp(), "2027-01-02 03:04:05");
+  other().run("UPDATE PBXList SET TimeStamp = NULL");
+  EXPECT_EQ(latest(2).listed, u"");
+  EXPECT_EQ(arrivals->latest(7, 0), std::nullopt) << "no such exchange";
+}
+
+TEST_F(ArrivalsTest, TheLatestIsAskedForBesideAWriterAndWaitsForNobody) {
+  const auto database = open(), writer = open();
+  database::addExchange(*database, u"PBX-1");
+  const auto arrivals = database->arrivals();
+  writer->beginBatch();
+  addFor(*writer, 1, 1);
+  EXPECT_EQ(arrivals->latest(1, 0)->highest, 0);
+  writer->endBatch();
+  EXPECT_TRUE(arrivals->latest(1, 0)->more);
+  addFor(*writer, 1, 1);
+}
+
+TEST_F(ArrivalsTest, AFileWithoutTheTimeOfListsTellsNoLatest) {
+  other().run("DROP TABLE PBXList");
+  other().run("CREATE TABLE PBXList (ID INTEGER, PBXName TEXT)");
+  EXPECT_EQ(open()->arrivals()->latest(1, 0), std::nullopt);
+}
+
 TEST_F(ArrivalsTest, WhatOthersAddAndDeleteIsFollowed) {
   const auto database = open(), station = open();
   addFor(*database, 1, 3);

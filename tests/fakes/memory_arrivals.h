@@ -1,6 +1,8 @@
 // The events of a store in memory, by their numbers.
 #pragma once
 
+#include <algorithm>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -23,6 +25,17 @@ class MemoryArrivals final : public database::Arrivals {
     read += next.size();
     return next;
   }
+  std::optional<database::Latest> latest(std::int64_t owner, std::int64_t above) override {
+    ++questions;
+    mark = above;
+    if (fails) throw database::DatabaseError(3151, u"gone");
+    const auto found = listed.find(owner);
+    if (found == listed.end()) return {};
+    const bool more = std::any_of(all.begin(), all.end(), [&](const database::Arrival& each) {
+      return each.owner == owner && each.number > above;
+    });
+    return database::Latest{found->second, more, last()};
+  }
   // The next numbers.
   void add(std::int64_t owner, std::size_t events = 1) {
     for (; events > 0; --events) all.push_back({owner, last() + 1});
@@ -32,6 +45,9 @@ class MemoryArrivals final : public database::Arrivals {
 
   std::u16string ownIdentity = u"aa";
   std::vector<database::Arrival> all;
+  std::map<std::int64_t, std::u16string> listed;  // when the last list of an owner came
+  int questions = 0;                              // for the latest; the last mark among them
+  std::int64_t mark = 0;
   bool fails = false;
   std::size_t read = 0;
 };

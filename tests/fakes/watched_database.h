@@ -23,6 +23,7 @@ class WatchedDatabase : public database::Database {
   // Called when somebody wants to keep or read receipts of resets, which are no statements.
   std::function<void()> beforeReceipts = [] {};
   bool keepsReceipts = true;
+  std::function<void()> beforeArrivals = [] {};  // likewise of what has come
   int batchDepth = 0, batches = 0, recordsetsOpen = 0;
   Progress progress;
 
@@ -40,6 +41,7 @@ class WatchedDatabase : public database::Database {
     inner_->execute(statement);
   }
   void expect(std::span<const database::Statement> coming) override { inner_->expect(coming); }
+  std::size_t mostExpected() const override { return inner_->mostExpected(); }
   void beginBatch() override {
     inner_->beginBatch();
     ++batchDepth;
@@ -58,7 +60,10 @@ class WatchedDatabase : public database::Database {
   database::Agreement agree(std::u16string_view subject, const database::Agreement& own) override {
     return inner_->agree(subject, own);
   }
-  std::shared_ptr<database::Arrivals> arrivals() override { return inner_->arrivals(); }
+  std::shared_ptr<database::Arrivals> arrivals() override {
+    beforeArrivals();
+    return inner_->arrivals();
+  }
   std::shared_ptr<database::Receipts> receipts() override {
     const auto hook = beforeReceipts;
     hook();

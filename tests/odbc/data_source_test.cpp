@@ -42,6 +42,8 @@ TEST(DataSource, GivesWhatItLeavesOpen) {
 }
 
 TEST(DataSource, AListOfSettingsStaysOneValue) {
+  EXPECT_EQ(connection("[ODBC]\nDRIVER=d\nPQOPT={sslrootcert=/ca}\n", 64, {{u"pqopt", u"connect_timeout=8"}}),
+            "DRIVER={d};PQOPT={connect_timeout=8 sslrootcert=/ca};");
   EXPECT_EQ(connection("[ODBC]\nDRIVER=d\npqopt={connect_timeout=5 keepalives=1}\n"),
             "DRIVER={d};pqopt={connect_timeout=5 keepalives=1};");
 }

@@ -2,10 +2,18 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
+#include <string>
 #include <string_view>
+#include <thread>
+#include <vector>
 
+#include "crash/lists.h"
 #include "places.h"
+#include "platform/odbc/engine.h"
+#include "platform/odbc/library.h"
+#include "startup/databases.h"
 
 namespace {
 
@@ -24,9 +32,20 @@ int runBesideServer(char** arguments) {
   return 125;
 }
 
+// What killed_test.cpp kills.
+int takeLists(const std::vector<std::string>& words) {
+  const auto order = vordane::crash::fromArguments(words);
+  const auto engine = vordane::odbc::makeEngine(vordane::startup::databases, vordane::odbc::systemLibrary());
+  vordane::crash::takeLists(order, *engine);
+  if (order.stays) std::this_thread::sleep_for(std::chrono::minutes(5));  // nobody killed it
+  return order.stays ? 2 : 0;
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
+  if (count > 1 && std::string_view(arguments[1]) == "--take-lists")
+    return takeLists({arguments + 1, arguments + count});
   if (std::getenv("VORDANE_SERVER") == nullptr && !onlyLists(count, arguments))
     return runBesideServer(arguments);
   testing::InitGoogleTest(&count, arguments);

@@ -92,6 +92,13 @@ std::filesystem::path DataSources::write(std::string_view database, std::string_
   return path;
 }
 
+std::filesystem::path DataSources::writeThrough(const std::string& server, std::string_view database) const {
+  const std::filesystem::path path = folder_ / (std::string(database) + "-through.dsn");
+  std::ofstream(path) << "[ODBC]\nDRIVER=PostgreSQL Unicode\nSERVER=" << server << "\nDATABASE=" << database
+                      << "\nUID=administrator\n";
+  return path;
+}
+
 std::string makeStore(database::Layout layout, const std::vector<database::Row>& rows) {
   static int made = 0;
   const std::string name = "store" + std::to_string(std::random_device()()) + "_" + std::to_string(++made);

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "database/maker.h"
 #include "platform/odbc/dialect.h"
@@ -13,6 +14,9 @@ namespace vordane::odbc {
 
 // The folder of the server that this process runs beside.
 std::filesystem::path serverFolder();
+
+// Sends a signal to the server and all its processes; who they are.
+std::vector<int> signalServer(int signal);
 
 // The driver manager of this machine, and a connection to one of the server's databases as its administrator.
 const Api& api();
@@ -30,6 +34,8 @@ class DataSources {
   DataSources& operator=(const DataSources&) = delete;
   std::filesystem::path write(std::string_view database, std::string_view more = {},
                               std::string_view user = "administrator") const;
+  // One that goes to the server through what listens in that folder.
+  std::filesystem::path writeThrough(const std::string& server, std::string_view database) const;
   std::filesystem::path folder() const { return folder_; }
 
  private:

@@ -45,7 +45,9 @@ class DeskView : public StoryView {
     while (finder.busy() && use() == window::ListUse::now) finder.work([] { return false; });
     while (digest.busy() && use() == window::ListUse::now) digest.work([] { return false; });
     if (digest.flood()) ++floods;
-    if (lastLook) haveLooked();
+    if (!lastLook) return;
+    haveLooked();
+    if (use() == window::ListUse::now) input().lookAtStore();
   }
   // The exchange shown has been in front for five seconds; the next new fault is gone to before.
   void haveLooked() {

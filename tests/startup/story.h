@@ -300,6 +300,7 @@ class Story : public testing::Test {
         {message::reasonNoMemory, u"no memory"},
         {message::statusNotDeleted, u"not deleted {1}."},
         {message::statusNoReceipt, u"no receipt: {1}"},
+        {message::statusNewerList, u"newer of {1}"},
         {message::lampsReset, u"reset {1} by {2} on {3}"},
         {message::reasonServerGone, u"gone"},
         {message::reasonDatabase, u"database: {1}"},

@@ -47,6 +47,7 @@ class Administration {
                                 const Clock& now = std::chrono::system_clock::now);
 
  private:
+  std::u16string encryption_;  // what the data source says of it
   Api api_;
   Waiter waiter_;
   std::unique_ptr<Link> link_;

@@ -27,6 +27,9 @@ class ServerArrivals final : public database::Arrivals {
   std::vector<database::Arrival> after(std::int64_t number, std::size_t most) override {
     return session_->eventsAfter(table_, number, most);
   }
+  std::optional<database::Latest> latest(std::int64_t owner, std::int64_t mark) override {
+    return session_->latest(table_, owner, mark);
+  }
 
  private:
   std::shared_ptr<Session> session_;

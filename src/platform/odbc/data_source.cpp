@@ -15,6 +15,8 @@ namespace {
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 constexpr std::u16string_view driverKey = u"DRIVER";
 constexpr std::u16string_view passwordKeys[] = {u"PWD", u"PASSWORD"};
+// Its value is itself a list of settings.
+constexpr std::u16string_view settingsKey = u"pqopt";
 // Which driver is a question of its own; the others say where this file lies, or is to be kept.
 constexpr std::u16string_view notHandedOn[] = {u"DRIVER", u"DRIVER32", u"DRIVER64", u"FILEDSN", u"SAVEFILE"};
 
@@ -22,6 +24,13 @@ bool isOneOf(std::u16string_view key, std::span<const std::u16string_view> keys)
   for (const std::u16string_view each : keys)
     if (text::equalIgnoringCase(key, each)) return true;
   return false;
+}
+
+// The settings that are always made, before those of the file, which count then.
+std::u16string besides(const std::vector<DataSource::Entry>& defaults) {
+  for (const DataSource::Entry& entry : defaults)
+    if (entry.first == settingsKey) return entry.second + u" ";
+  return {};
 }
 
 std::u16string_view withoutBraces(std::u16string_view value) {
@@ -87,8 +96,11 @@ std::u16string DataSource::connection(int wordSize, const std::vector<Entry>& de
   if (driver.empty()) driver = value(driverKey);
   std::u16string connection;
   append(connection, driverKey, driver);
-  for (const Entry& entry : entries_)
-    if (!isOneOf(entry.first, notHandedOn)) append(connection, entry.first, entry.second);
+  for (const Entry& entry : entries_) {
+    if (isOneOf(entry.first, notHandedOn)) continue;
+    const bool isList = text::equalIgnoringCase(entry.first, settingsKey);
+    append(connection, entry.first, isList ? besides(defaults) + entry.second : entry.second);
+  }
   for (const Entry& entry : defaults)
     if (value(entry.first).empty()) append(connection, entry.first, entry.second);
   return connection;

@@ -29,9 +29,12 @@ class Dialect {
   virtual ~Dialect() = default;
 
   // What the driver must be told besides the data source, and the statement that a new connection begins
-  // with.
+  // with; its first value is what the server knows the connection by.
   virtual std::vector<DataSource::Entry> driverSettings() const = 0;
   virtual std::string begin(int lockWaitMilliseconds, bool readOnly) const = 0;
+  // Asked by another connection about that one: '1' while the server works on what it has asked for.
+  // Otherwise the server ends it, so that it holds no lock and saves nothing any more.
+  virtual std::string isAtWork() const = 0;
   // Rows (table, column) of the store's tables, columns in their order.
   virtual std::string listColumns() const = 0;
   // One row with one value, empty when this store can be written to by this user.
@@ -47,7 +50,9 @@ class Dialect {
   virtual std::string ordered(std::string_view column, database::ColumnType type, bool descending) const = 0;
   // What decides where nothing else does, in a table without a key.
   virtual std::string lastOrder() const = 0;
-  virtual std::string oneOf(std::string_view column) const = 0;   // of a parameter that is an array
+  virtual std::string oneOf(std::string_view column) const = 0;  // of a parameter that is an array
+  // Rows out of parameters that are arrays of these types, each row with its place from 1 behind.
+  virtual std::string rowsOfArrays(const std::vector<database::ColumnType>& types) const = 0;
   virtual std::string joined(const std::string& keys) const = 0;  // of a query for numbers, in one value
   virtual std::string limited(const std::string& query, int rows) const = 0;
 

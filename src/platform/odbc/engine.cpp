@@ -47,6 +47,11 @@ class ServerDatabase final : public database::Database {
     requireOpen();
     session_->endBatch();
   }
+  std::size_t mostExpected() const override { return 4096; }
+  void expect(std::span<const database::Statement> statements) override {
+    requireOpen();
+    session_->expect(statements);
+  }
   void setProgress(Progress progress) override {
     if (session_) session_->setProgress(progress);
   }

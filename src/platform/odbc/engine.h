@@ -12,7 +12,13 @@
 namespace vordane::odbc {
 
 struct Options {
-  int connectSeconds = 8;
+  int connectMilliseconds = 8000;
+  // An answer that takes this long is only waited for on if the server says, within `askMilliseconds` and as
+  // much for the connection to ask it by, that it is at work on the question.
+  int answerMilliseconds = 6000, askMilliseconds = 1000;
+  // After a server that did not answer nobody tries to connect for so long, so that what follows from a
+  // failure does not wait for it too.
+  int pauseMilliseconds = 1000;
   int lockWaitMilliseconds = 5000;
   // A batch that has held changes for this long is saved in between.
   int longestUnsavedMilliseconds = 500;

@@ -11,6 +11,7 @@ struct State {
 constexpr State states[] = {
     {"08", number::connectionFailed},     // gone, or never there
     {"57P0", number::connectionFailed},   // the server is being stopped, has crashed, does not yet start
+    {"25P03", number::connectionFailed},  // a transaction in which nothing was asked for too long
     {"28", number::connectionFailed},     // who are you?
     {"3D000", number::connectionFailed},  // no such database
     {"53300", number::connectionFailed},  // too many connections
@@ -45,7 +46,7 @@ int numberOf(std::string_view state) {
 }
 
 bool meansLost(std::string_view state) {
-  return state.starts_with("08") || state.starts_with("57P0") || state == "HYT01";
+  return state.starts_with("08") || state.starts_with("57P0") || state == "25P03" || state == "HYT01";
 }
 
 }  // namespace vordane::odbc

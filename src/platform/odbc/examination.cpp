@@ -73,8 +73,10 @@ class Examination {
   Examination(Link& link, const database::Description& description)
       : link_(link), description_(description) {}
 
-  std::vector<Examined> examine(const Subject& subject, const Administration::Clock& now) {
+  std::vector<Examined> examine(const Subject& subject, const Administration::Clock& now,
+                                const std::string& encryption) {
     examineServer();
+    examineEncryption(encryption);
     examineClock(now);
     if (!examineVersion()) return std::move(found_);
     const bool tables = examineTables(), indexes = examineIndexes(), triggers = examineTriggers();
@@ -119,6 +121,27 @@ class Examination {
                   (utf8(row.at(5)) == "true" ? ", on a replica that nobody can write to" : ""));
     if (utf8(row.at(2)) != "UTF8")
       say(false, "the database keeps texts as " + utf8(row.at(2)) + ": make it with the encoding UTF8");
+  }
+
+  // Nobody listens on a socket of the machine.
+  void examineEncryption(const std::string& asked) {
+    const auto row =
+        link_
+            .query(
+                "select (inet_client_addr() is not null)::text, coalesce(s.version, '') from "
+                "(select 1) as this left join pg_catalog.pg_stat_ssl s on s.pid = pg_backend_pid() "
+                "and s.ssl")
+            .at(0);
+    const std::string version = utf8(row.at(1)), says = ": the data source says SSLmode=" + asked;
+    if (utf8(row.at(0)) != "true") return;
+    if (version.empty()) {
+      say(false, "the connection is not encrypted" + says);
+    } else if (!asked.empty() && asked != "verify-full") {
+      say(false,
+          "the connection is encrypted (" + version + "), but the server's name is not verified" + says);
+    } else {
+      say(true, "the connection is encrypted (" + version + "), the server's name is verified");
+    }
   }
 
   // The server's answer is as old as half of the way there and back, at most.
@@ -342,7 +365,7 @@ class Examination {
 
 std::vector<Examined> Administration::examine(const database::Description& description,
                                               const Subject& subject, const Clock& now) {
-  return Examination(*link_, description).examine(subject, now);
+  return Examination(*link_, description).examine(subject, now, text::toUtf8(encryption_));
 }
 
 }  // namespace vordane::odbc

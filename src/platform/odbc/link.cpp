@@ -34,119 +34,139 @@ bool canTravel(std::u16string_view text) {
   return true;
 }
 
-// Owns a statement handle.
+// The handles of a connection. A step that was given up holds it as long as the driver works on it.
+struct Link::Connection {
+  explicit Connection(const Api& functions) : api(functions) {}
+  ~Connection();
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+
+  Return setAutocommit(bool on) {
+    return api.setConnectAttr(handle, sql::attributeAutocommit, numberAttribute(on ? 1 : 0), 0);
+  }
+
+  const Api api;
+  std::u16string text;
+  Handle environment = nullptr, handle = nullptr;
+  bool connected = false;
+  std::unordered_map<std::string, std::unique_ptr<Prepared>> prepared;
+};
+
+// Owns a statement handle and, until the next execution, the values: the driver takes them where they stand.
 class Link::Prepared {
  public:
-  Prepared(Link& link, const std::string& statement) : link_(link), owned_(link) {
-    link_.check(link_.api_.allocHandle(sql::handleStatement, link_.connection_, &handle_),
-                sql::handleConnection, link_.connection_);
-    std::u16string text = text::fromUtf8(statement);
-    link_.check(link_.api_.prepare(handle_, text.data(), static_cast<std::int32_t>(text.size())),
-                sql::handleStatement, handle_);
+  explicit Prepared(const Api& api) : api_(api) {}
+  ~Prepared() {
+    if (handle_ != nullptr) api_.freeHandle(sql::handleStatement, handle_);
   }
   Prepared(const Prepared&) = delete;
   Prepared& operator=(const Prepared&) = delete;
 
-  // Throws; true when it gives rows or changed something.
-  void execute(std::span<const Field> values) {
+  Handle handle() const { return handle_; }
+  Return make(Handle connection) { return api_.allocHandle(sql::handleStatement, connection, &handle_); }
+  Return prepare(const std::string& statement) {
+    text_ = text::fromUtf8(statement);
+    return api_.prepare(handle_, text_.data(), static_cast<std::int32_t>(text_.size()));
+  }
+  Return bind(std::span<const Field> values) {
     close();
-    lengths_.resize(values.size());
-    for (std::size_t i = 0; i < values.size(); ++i) bind(i, values[i]);
-    const Return result = link_.waiter_.call([&] { return link_.api_.execute(handle_); });
-    if (result != sql::noData) link_.check(result, sql::handleStatement, handle_);
+    values_.assign(values.begin(), values.end());
+    lengths_.resize(values_.size());
+    Return result = sql::success;
+    for (std::size_t i = 0; i < values_.size() && sql::ok(result); ++i) result = bind(i);
+    return result;
   }
-  bool next() {
-    const Return result = link_.api_.fetch(handle_);
-    if (result == sql::noData) return false;
-    link_.check(result, sql::handleStatement, handle_);
-    return true;
-  }
-  // Of the current row, from 0. A piece at a time, since how long a text is need not be known beforehand.
-  Field field(std::size_t column) {
-    std::u16string text;
+  Return execute() { return api_.execute(handle_); }
+  Return fetch() { return api_.fetch(handle_); }
+  // Of the current row, from 0, into `text`; nothing for Null. A piece at a time, since how long a text is
+  // need not be known beforehand.
+  Return field(std::size_t column, Field& text) {
+    text.emplace();
     for (;;) {
       Length length = 0;
       const Return result =
-          link_.api_.getData(handle_, static_cast<std::uint16_t>(column + 1), sql::valueWide, piece_.data(),
-                             static_cast<Length>(piece_.size() * sizeof(char16_t)), &length);
-      if (result == sql::noData) return text;
-      link_.check(result, sql::handleStatement, handle_);
-      if (length == sql::nullData) return std::nullopt;
+          api_.getData(handle_, static_cast<std::uint16_t>(column + 1), sql::valueWide, piece_.data(),
+                       static_cast<Length>(piece_.size() * sizeof(char16_t)), &length);
+      if (result == sql::noData) return sql::success;
+      if (!sql::ok(result)) return result;
+      if (length == sql::nullData) {
+        text.reset();
+        return result;
+      }
       const std::size_t room = piece_.size() - 1;  // a closing NUL takes a place
       const bool whole =
           length != sql::noTotal && static_cast<std::size_t>(length) / sizeof(char16_t) <= room;
-      text.append(piece_.data(), whole ? static_cast<std::size_t>(length) / sizeof(char16_t) : room);
-      if (whole) return text;
+      text->append(piece_.data(), whole ? static_cast<std::size_t>(length) / sizeof(char16_t) : room);
+      if (whole) return result;
       if (length != sql::noTotal)
-        text.reserve(text.size() + static_cast<std::size_t>(length) / sizeof(char16_t));
+        text->reserve(text->size() + static_cast<std::size_t>(length) / sizeof(char16_t));
     }
   }
-  std::int64_t changed() {
-    Length rows = 0;
-    link_.check(link_.api_.rowCount(handle_, &rows), sql::handleStatement, handle_);
-    return rows;
-  }
-  std::size_t columns() {
-    std::int16_t count = 0;
-    link_.check(link_.api_.numResultCols(handle_, &count), sql::handleStatement, handle_);
-    return static_cast<std::size_t>(count);
-  }
-  void close() noexcept { link_.api_.freeStmt(handle_, sql::closeCursor); }
+  Return changed(Length& rows) { return api_.rowCount(handle_, &rows); }
+  Return columns(std::int16_t& count) { return api_.numResultCols(handle_, &count); }
+  void close() noexcept { api_.freeStmt(handle_, sql::closeCursor); }
 
  private:
-  // Gives the handle back, also when preparing has failed.
-  struct Owned {
-    explicit Owned(Link& owner) : link(owner) {}
-    ~Owned() {
-      if (handle != nullptr) link.api_.freeHandle(sql::handleStatement, handle);
-    }
-    Owned(const Owned&) = delete;
-    Owned& operator=(const Owned&) = delete;
-    Link& link;
-    Handle handle = nullptr;
-  };
-  // The driver takes the value where it stands, when the statement is executed.
-  void bind(std::size_t parameter, const Field& value) {
+  Return bind(std::size_t parameter) {
     static constexpr char16_t none[] = u"";
+    const Field& value = values_[parameter];
     lengths_[parameter] = value ? static_cast<Length>(value->size() * sizeof(char16_t)) : sql::nullData;
     auto* characters = const_cast<char16_t*>(value && !value->empty() ? value->data() : none);
     const auto size = static_cast<std::uintptr_t>(std::max<std::size_t>(1, value ? value->size() : 0));
-    link_.check(link_.api_.bindParameter(handle_, static_cast<std::uint16_t>(parameter + 1), sql::input,
-                                         sql::valueWide, sql::typeLongText, size, 0, characters,
-                                         static_cast<Length>(size * sizeof(char16_t)), &lengths_[parameter]),
-                sql::handleStatement, handle_);
+    return api_.bindParameter(handle_, static_cast<std::uint16_t>(parameter + 1), sql::input, sql::valueWide,
+                              sql::typeLongText, size, 0, characters,
+                              static_cast<Length>(size * sizeof(char16_t)), &lengths_[parameter]);
   }
 
-  Link& link_;
-  Owned owned_;
-  Handle& handle_ = owned_.handle;
+  const Api& api_;
+  Handle handle_ = nullptr;
+  std::u16string text_;
+  std::vector<Field> values_;
   std::vector<Length> lengths_;
   std::array<char16_t, 16384> piece_{};
 };
 
-Link::Link(const Api& api, std::u16string connection, std::chrono::seconds patience, Waiter& waiter)
-    : api_(api), waiter_(waiter) {
+Link::Connection::~Connection() {
+  prepared.clear();
+  if (connected) api.disconnect(handle);
+  if (handle != nullptr) api.freeHandle(sql::handleConnection, handle);
+  if (environment != nullptr) api.freeHandle(sql::handleEnvironment, environment);
+}
+
+Link::Link(const Api& api, std::u16string connection, std::chrono::milliseconds patience, Waiter& waiter)
+    : waiter_(waiter), connection_(std::make_shared<Connection>(api)) {
   try {
-    if (!sql::ok(api_.allocHandle(sql::handleEnvironment, nullptr, &environment_)))
-      database::fail(number::connectionFailed, u"ODBC");
-    check(api_.setEnvAttr(environment_, sql::attributeVersion, numberAttribute(sql::versionOdbc3), 0),
-          sql::handleEnvironment, environment_);
-    check(api_.allocHandle(sql::handleConnection, environment_, &connection_), sql::handleEnvironment,
-          environment_);
-    // Not every driver knows it; one that does not has limits of its own.
-    api_.setConnectAttr(connection_, sql::attributeLoginTimeout, numberAttribute(patience.count()), 0);
-    std::int16_t answered = 0;
-    const Return result = waiter_.call([&] {
-      return api_.driverConnect(connection_, nullptr, connection.data(),
-                                static_cast<std::int16_t>(connection.size()), nullptr, 0, &answered,
-                                sql::noCompletion);
-    });
-    check(result, sql::handleConnection, connection_);
-    connected_ = true;
+    connect(std::move(connection), patience);
   } catch (...) {
     close();
     throw;
   }
+}
+
+void Link::connect(std::u16string connection, std::chrono::milliseconds patience) {
+  Connection& to = *connection_;
+  to.text = std::move(connection);
+  if (!sql::ok(to.api.allocHandle(sql::handleEnvironment, nullptr, &to.environment)))
+    database::fail(number::connectionFailed, u"ODBC");
+  check(to.api.setEnvAttr(to.environment, sql::attributeVersion, numberAttribute(sql::versionOdbc3), 0),
+        sql::handleEnvironment, to.environment);
+  check(to.api.allocHandle(sql::handleConnection, to.environment, &to.handle), sql::handleEnvironment,
+        to.environment);
+  // Not every driver knows it; one that does says more than that its time was over.
+  constexpr std::chrono::milliseconds moment{500};
+  const auto seconds = std::chrono::ceil<std::chrono::seconds>(patience).count();
+  to.api.setConnectAttr(to.handle, sql::attributeLoginTimeout, numberAttribute(seconds), 0);
+  const Return result = wait(
+      [](Connection& made) {
+        std::int16_t answered = 0;
+        const Return connected = made.api.driverConnect(made.handle, nullptr, made.text.data(),
+                                                        static_cast<std::int16_t>(made.text.size()), nullptr,
+                                                        0, &answered, sql::noCompletion);
+        made.connected = sql::ok(connected);
+        return connected;
+      },
+      {patience + moment, {}});
+  check(result, sql::handleConnection, to.handle);
 }
 
 Link::~Link() {
@@ -154,11 +174,36 @@ Link::~Link() {
   close();
 }
 
+// Saying good-bye takes a server that answers.
 void Link::close() noexcept {
-  prepared_.clear();
-  if (connected_) api_.disconnect(connection_);
-  if (connection_ != nullptr) api_.freeHandle(sql::handleConnection, connection_);
-  if (environment_ != nullptr) api_.freeHandle(sql::handleEnvironment, environment_);
+  if (connection_ == nullptr) return;
+  try {
+    waiter_.call([last = std::move(connection_)] { return last != nullptr ? sql::success : sql::error; },
+                 brief());
+  } catch (const std::exception&) {
+    // Without a thread for it they went here.
+  }
+  connection_.reset();
+}
+
+// Of what is no answer that somebody waits for.
+Waiter::Patience Link::brief() const {
+  constexpr std::chrono::milliseconds moment{2000};
+  return {patience_.time ? std::optional(std::min(*patience_.time, moment)) : std::nullopt, {}};
+}
+
+std::optional<Return> Link::tryStep(const Step& step, const Waiter::Patience& patience) {
+  const auto result = waiter_.call([step, kept = connection_] { return step(*kept); }, patience);
+  if (result) return result;
+  connection_.reset();  // the step has it
+  lost_ = hung_ = true;
+  return {};
+}
+
+Return Link::wait(const Step& step, const Waiter::Patience& patience) {
+  const auto result = tryStep(step, patience);
+  if (!result) database::fail(number::connectionFailed, u"it does not answer");
+  return *result;
 }
 
 // What failed first is told: what follows from it says less.
@@ -167,16 +212,17 @@ void Link::raise(std::int16_t kind, Handle handle) {
   std::array<char16_t, 1024> message{};
   std::int32_t native = 0;
   std::int16_t length = 0;
-  const Return result = api_.getDiagRec(kind, handle, 1, state.data(), &native, message.data(),
-                                        static_cast<std::int16_t>(message.size()), &length);
+  const Return result = connection_->api.getDiagRec(kind, handle, 1, state.data(), &native, message.data(),
+                                                    static_cast<std::int16_t>(message.size()), &length);
   std::u16string said;
   std::string code;
   if (sql::ok(result)) {
     code = text::toUtf8({state.data(), 5});
     said.assign(message.data(), std::min<std::size_t>(static_cast<std::size_t>(length), message.size() - 1));
   }
-  if (connected_ && (code.empty() || meansLost(code))) lost_ = true;
-  const int number = connected_ ? numberOf(code) : number::connectionFailed;
+  const bool connected = connection_->connected;
+  if (connected && (code.empty() || meansLost(code))) lost_ = true;
+  const int number = connected ? numberOf(code) : number::connectionFailed;
   database::fail(lost_ ? number::connectionFailed : number, firstSentence(said));
 }
 
@@ -190,26 +236,41 @@ void Link::requireLink() const {
 
 Link::Prepared& Link::run(const std::string& statement, std::span<const Field> values) {
   requireLink();
-  auto& prepared = prepared_[statement];
-  if (!prepared) {
-    try {
-      prepared = std::make_unique<Prepared>(*this, statement);
-    } catch (...) {
-      prepared_.erase(statement);
-      throw;
-    }
+  Prepared& prepared = find(statement);
+  check(prepared.bind(values), sql::handleStatement, prepared.handle());
+  const Return result = wait([&prepared](Connection&) { return prepared.execute(); }, patience_);
+  if (result != sql::noData) check(result, sql::handleStatement, prepared.handle());
+  return prepared;
+}
+
+Link::Prepared& Link::find(const std::string& statement) {
+  if (const auto known = connection_->prepared.find(statement); known != connection_->prepared.end())
+    return *known->second;
+  auto made = std::make_unique<Prepared>(connection_->api);
+  check(made->make(connection_->handle), sql::handleConnection, connection_->handle);
+  Prepared& prepared = *(connection_->prepared[statement] = std::move(made));
+  try {
+    check(wait([&prepared, statement](Connection&) { return prepared.prepare(statement); }, patience_),
+          sql::handleStatement, prepared.handle());
+  } catch (...) {
+    if (connection_ != nullptr) connection_->prepared.erase(statement);
+    throw;
   }
-  prepared->execute(values);
-  return *prepared;
+  return prepared;
 }
 
 std::vector<Fields> Link::query(const std::string& statement, std::span<const Field> values) {
   Prepared& prepared = run(statement, values);
   std::vector<Fields> rows;
-  const std::size_t columns = prepared.columns();
-  while (prepared.next()) {
-    Fields& row = rows.emplace_back(columns);
-    for (std::size_t i = 0; i < columns; ++i) row[i] = prepared.field(i);
+  std::int16_t columns = 0;
+  check(prepared.columns(columns), sql::handleStatement, prepared.handle());
+  for (;;) {
+    const Return result = prepared.fetch();
+    if (result == sql::noData) break;
+    check(result, sql::handleStatement, prepared.handle());
+    Fields& row = rows.emplace_back(static_cast<std::size_t>(columns));
+    for (std::size_t i = 0; i < row.size(); ++i)
+      check(prepared.field(i, row[i]), sql::handleStatement, prepared.handle());
   }
   prepared.close();
   return rows;
@@ -217,19 +278,15 @@ std::vector<Fields> Link::query(const std::string& statement, std::span<const Fi
 
 std::int64_t Link::change(const std::string& statement, std::span<const Field> values) {
   Prepared& prepared = run(statement, values);
-  const std::int64_t changed = prepared.changed();
+  Length changed = 0;
+  check(prepared.changed(changed), sql::handleStatement, prepared.handle());
   prepared.close();
   return changed;
 }
 
-void Link::setAutocommit(bool on) {
-  check(api_.setConnectAttr(connection_, sql::attributeAutocommit, numberAttribute(on ? 1 : 0), 0),
-        sql::handleConnection, connection_);
-}
-
 void Link::begin() {
   requireLink();
-  setAutocommit(false);
+  check(connection_->setAutocommit(false), sql::handleConnection, connection_->handle);
   inTransaction_ = true;
 }
 
@@ -237,20 +294,28 @@ void Link::commit() {
   requireLink();
   if (!inTransaction_) return;
   const Return result =
-      waiter_.call([&] { return api_.endTran(sql::handleConnection, connection_, sql::commit); });
-  check(result, sql::handleConnection, connection_);
+      wait([](Connection& on) { return on.api.endTran(sql::handleConnection, on.handle, sql::commit); },
+           patience_);
+  check(result, sql::handleConnection, connection_->handle);
   inTransaction_ = false;
-  setAutocommit(true);
+  check(connection_->setAutocommit(true), sql::handleConnection, connection_->handle);
 }
 
 void Link::rollback() noexcept {
   if (!inTransaction_) return;
   inTransaction_ = false;
   if (lost_) return;
-  const bool done = sql::ok(api_.endTran(sql::handleConnection, connection_, sql::rollback));
-  const bool back =
-      done && sql::ok(api_.setConnectAttr(connection_, sql::attributeAutocommit, numberAttribute(1), 0));
-  if (!back) lost_ = true;
+  try {
+    const auto done = tryStep(
+        [](Connection& on) {
+          const Return back = on.api.endTran(sql::handleConnection, on.handle, sql::rollback);
+          return sql::ok(back) ? on.setAutocommit(true) : back;
+        },
+        brief());
+    if (!done || !sql::ok(*done)) lost_ = true;
+  } catch (const std::exception&) {
+    lost_ = true;
+  }
 }
 
 }  // namespace vordane::odbc

@@ -23,6 +23,9 @@ constexpr std::string_view numbersLock = "1987014244, 1";
 constexpr std::string_view ownersLock = "1987014244, 2";
 constexpr std::string_view ownerLock = "1987014245";
 
+// A process's number may be given again.
+constexpr std::string_view connectionName = "pid::text || ' ' || backend_start::text";
+
 std::string join(const std::vector<std::string>& pieces, std::string_view between) {
   std::string all;
   for (const std::string& piece : pieces) {
@@ -89,18 +92,35 @@ class Postgres final : public Dialect {
             {u"UseServerSidePrepare", u"1"},
             {u"TextAsLongVarchar", u"1"},
             {u"UnknownsAsLongVarchar", u"1"},
+            // Over a network; on a socket of the machine there is nobody in between.
+            {u"SSLmode", u"verify-full"},
             {u"KeepaliveTime", u"4"},
             {u"KeepaliveInterval", u"2"},
             {u"pqopt", u"tcp_user_timeout=8000 connect_timeout=8"}};
   }
   std::string begin(int lockWaitMilliseconds, bool readOnly) const override {
-    return "select pg_catalog.set_config('lock_timeout', '" + std::to_string(lockWaitMilliseconds) +
+    return "select (select " + std::string(connectionName) +
+           " from pg_catalog.pg_stat_activity where pid = pg_catalog.pg_backend_pid()), "
+           "pg_catalog.set_config('lock_timeout', '" +
+           std::to_string(lockWaitMilliseconds) +
            "', false), pg_catalog.set_config('search_path', 'pg_catalog', false), "
            "pg_catalog.set_config('default_transaction_read_only', '" +
            (readOnly ? "on" : "off") +
            "', false), pg_catalog.set_config('default_transaction_isolation', 'read committed', false), "
            "pg_catalog.set_config('client_min_messages', 'error', false), "
+           // A station that has gone without a word keeps its locks no longer than this.
+           "pg_catalog.set_config('tcp_keepalives_idle', '10', false), "
+           "pg_catalog.set_config('tcp_keepalives_interval', '5', false), "
+           "pg_catalog.set_config('tcp_keepalives_count', '3', false), "
+           "pg_catalog.set_config('tcp_user_timeout', '25000', false), "
+           "pg_catalog.set_config('idle_in_transaction_session_timeout', '60000', false), "
            "pg_catalog.set_config('application_name', 'Vordane', false)";
+  }
+  // A question of which the end was lost is one that the server reads on.
+  std::string isAtWork() const override {
+    return "select case when state = 'active' and wait_event is distinct from 'ClientRead' then '1' "
+           "when pg_catalog.pg_terminate_backend(pid) then '0' end from pg_catalog.pg_stat_activity where " +
+           std::string(connectionName) + " = cast(? as text)";
   }
   std::string listColumns() const override {
     return "select t.relname::text, c.attname::text from pg_catalog.pg_class t "
@@ -147,6 +167,11 @@ class Postgres final : public Dialect {
   std::string oneOf(std::string_view column) const override {
     return std::string(column) + " = any(cast(? as bigint[]))";
   }
+  std::string rowsOfArrays(const std::vector<ColumnType>& types) const override {
+    std::vector<std::string> arrays;
+    for (const ColumnType type : types) arrays.push_back("cast(? as " + std::string(typeOf(type)) + "[])");
+    return "unnest(" + join(arrays, ", ") + ") with ordinality";
+  }
   std::string joined(const std::string& keys) const override {
     return "select coalesce(string_agg(k::text, ','), '') from (" + keys + ") as q(k)";
   }
@@ -173,15 +198,15 @@ class Postgres final : public Dialect {
   }
   std::string insertMany(const TableDefinition& table,
                          const std::vector<std::size_t>& columns) const override {
-    std::vector<std::string> names, arrays, places;
+    std::vector<std::string> names, places;
+    std::vector<ColumnType> types;
     for (const std::size_t i : columns) {
       names.push_back(quoted(table.columns[i].name));
-      arrays.push_back("cast(? as " + std::string(typeOf(table.columns[i].type)) + "[])");
+      types.push_back(table.columns[i].type);
       places.push_back("c" + std::to_string(i));
     }
     return "insert into " + name(table.name) + " (" + join(names, ", ") + ") select " + join(places, ", ") +
-           " from unnest(" + join(arrays, ", ") + ") with ordinality as rows(" + join(places, ", ") +
-           ", place) order by place";
+           " from " + rowsOfArrays(types) + " as rows(" + join(places, ", ") + ", place) order by place";
   }
 
   std::string indexTable() const override { return name(eventIndex); }

@@ -33,9 +33,11 @@ void ServerRecordset::start() {
 
 void ServerRecordset::startEvents() {
   if (plan_.special == Plan::Special::sameEvent) {
-    std::vector<Fields> found;
-    waiting_ = session_->findSame(plan_, literals_, found) == Session::Same::waiting;
-    keepRows(found);
+    const Session::Found found = session_->findSame(plan_, literals_);
+    waiting_ = found.waiting;
+    keepRows(found.rows);
+    if (found.rows.empty()) keys_ = found.keys;
+    if (!keys_.empty()) size_ = keys_.size();
     if (waiting_) size_ = 1;
     return;
   }

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/described.h"
 #include "platform/odbc/errors.h"
+#include "platform/odbc/identity.h"
 #include "platform/odbc/receipts.h"
 #include "text/numbers.h"
 #include "text/text.h"
@@ -83,9 +85,39 @@ void Session::setProgress(const database::Database::Progress& progress) {
 }
 
 void Session::connect() {
+  using std::chrono::milliseconds, std::chrono::steady_clock;
+  const bool hung = link_ != nullptr && link_->hung();
   link_.reset();
-  link_ = std::make_unique<Link>(api_, connection_, std::chrono::seconds(options_.connectSeconds), waiter_);
-  link_->query(dialect_.begin(options_.lockWaitMilliseconds, readOnly_));
+  if (hung) noConnectionBefore_ = steady_clock::now() + milliseconds(options_.pauseMilliseconds);
+  if (steady_clock::now() < noConnectionBefore_) database::fail(number::connectionFailed);
+  name_.reset();
+  const milliseconds patience(options_.connectMilliseconds);
+  const auto begun = steady_clock::now();
+  try {
+    link_ = std::make_unique<Link>(api_, connection_, patience, waiter_);
+  } catch (...) {
+    const auto ended = steady_clock::now();
+    if (ended - begun > patience / 2) noConnectionBefore_ = ended + milliseconds(options_.pauseMilliseconds);
+    throw;
+  }
+  link_->setPatience({milliseconds(options_.answerMilliseconds), [this] { return isAtWork(); }});
+  name_ = link_->query(dialect_.begin(options_.lockWaitMilliseconds, readOnly_)).at(0).at(0);
+}
+
+// Whether the server works on what this connection has asked for; not when the question or its answer was
+// lost on the way, and not when the server itself stands still.
+bool Session::isAtWork() const noexcept {
+  try {
+    const std::chrono::milliseconds patience(options_.askMilliseconds);
+    Waiter waiter;
+    waiter.setMeanwhile(waiter_.meanwhile());
+    Link other(api_, connection_, patience, waiter);
+    other.setPatience({patience, {}});
+    const auto told = name_ ? other.query(dialect_.isAtWork(), {&name_, 1}) : std::vector<Fields>{};
+    return !told.empty() && told[0].at(0) == Field(u"1");
+  } catch (const std::exception&) {
+    return false;
+  }
 }
 
 // The one that is open, or after a loss a new one.
@@ -98,6 +130,7 @@ Link& Session::link() {
 void Session::lose() noexcept {
   if (link_) link_->rollback();
   waiting_ = {};
+  expected_.forgetAnswers();
   held_.clear();
   dirty_ = false;
   ++changes_;
@@ -198,18 +231,44 @@ std::vector<Fields> Session::rowsByKey(const Plan& plan, std::span<const std::in
   });
 }
 
-Session::Same Session::findSame(const Plan& plan, const std::vector<jet::Literal>& values,
-                                std::vector<Fields>& found) {
-  if (!canBeStored(values)) return Same::none;
-  return guarded([&] {
+Session::Found Session::findSame(const Plan& plan, const std::vector<jet::Literal>& values) {
+  Found found;
+  if (!canBeStored(values)) return found;
+  guarded([&] {
     link();
     if (inBatch_) {
       holdOwner(*plan.table, values.at(plan.values.at(0)).number);
-      if (waiting_.holds(plan, values)) return Same::waiting;
+      const std::u16string identity = identityOf(plan, values);
+      found.waiting = waiting_.holds(identity);
+      if (found.waiting) return;
+      if (const auto* keys = findExpected(plan, identity)) {
+        found.keys = *keys;
+        return;
+      }
     }
-    found = ask(plan, plan.rows, values);
-    return found.empty() ? Same::none : Same::stored;
+    found.rows = ask(plan, plan.rows, values);
   });
+  return found;
+}
+
+void Session::expect(std::span<const database::Statement> statements) {
+  expected_.clear();
+  if (!inBatch_) return;
+  for (const database::Statement& statement : statements) {
+    const Plan& plan = plans_->find(statement.text(), lifted);
+    if (plan.special != Plan::Special::sameEvent || !canBeStored(lifted.literals)) continue;
+    std::vector<Field> fields;
+    for (const std::size_t place : plan.places) fields.push_back(toField(lifted.literals.at(place)));
+    expected_.add(identityOf(plan, lifted.literals), std::move(fields));
+  }
+}
+
+// Their owner is held, so that nobody else adds one meanwhile.
+const std::vector<std::int64_t>* Session::findExpected(const Plan& plan, const std::u16string& identity) {
+  if (const auto* keys = expected_.known(identity)) return keys;
+  if (!expected_.contains(identity)) return nullptr;
+  expected_.take(link_->query(plan.many, expected_.ask(identity)));
+  return expected_.known(identity);
 }
 
 std::int64_t Session::takeNumber(const Table& table) {
@@ -267,6 +326,7 @@ std::int64_t Session::insert(const Table& table, const NewRow& row) {
 
 void Session::change(const Table& table, std::int64_t key, const NewRow& fields) {
   ++changes_;
+  expected_.forgetAnswers();
   std::string statement;
   Fields values;
   for (std::size_t i = 0; i < fields.size(); ++i) {
@@ -292,6 +352,7 @@ void Session::change(const Table& table, std::int64_t key, const NewRow& fields)
 
 void Session::remove(const Plan& plan, const std::vector<jet::Literal>& values) {
   ++changes_;
+  expected_.forgetAnswers();
   if (!canBeStored(values)) return;
   guarded([&] {
     beforeReading(plan);
@@ -338,6 +399,29 @@ std::vector<database::Arrival> Session::eventsAfter(const Table& table, std::int
   });
 }
 
+// In the order of the key, so that the server walks along its index.
+std::optional<database::Latest> Session::latest(const Table& table, std::int64_t owner, std::int64_t mark) {
+  const database::OwnerTable* owners = database::findEvents(documented_->descriptions())->owners;
+  if (owners == nullptr) return {};
+  const std::string events = dialect_.name(table.name), key = dialect_.quoted(table.events->key);
+  const std::string query =
+      "select " + dialect_.read("o." + dialect_.quoted(owners->listed), database::ColumnType::dateTime) +
+      ", (" +
+      dialect_.limited("select '1' from " + events + " where " + key + " > " + dialect_.number() + " and " +
+                           dialect_.quoted(table.events->owner) + " = o." + dialect_.quoted(owners->key) +
+                           " order by " + key,
+                       1) +
+      "), (select max(" + key + ") from " + events + ")::text from " + dialect_.name(owners->table) +
+      " o where o." + dialect_.quoted(owners->key) + " = " + dialect_.number();
+  const Field values[] = {text::decimal(mark), text::decimal(owner)};
+  return guarded([&]() -> std::optional<database::Latest> {
+    const auto rows = link().query(query, values);
+    if (rows.empty()) return {};
+    return database::Latest{rows[0].at(0).value_or(u""), rows[0].at(1).has_value(),
+                            numberFrom(rows[0].at(2).value_or(u"0"))};
+  });
+}
+
 const database::LampTable* Session::lampTable() const {
   if (!keepsReceipts_) return nullptr;
   for (const database::Description& description : documented_->descriptions())
@@ -370,6 +454,7 @@ void Session::endBatch() {
   const auto leave = [&] {
     inBatch_ = false;
     batchOwner_.reset();
+    expected_.clear();
   };
   try {
     save();
@@ -391,6 +476,7 @@ void Session::save() {
   flush();
   guarded([&] {
     link_->commit();
+    expected_.forgetAnswers();  // others may add from here on
     held_.clear();
     dirty_ = false;
   });

@@ -19,6 +19,7 @@
 #include "platform/arrivals.h"
 #include "platform/database.h"
 #include "platform/odbc/engine.h"
+#include "platform/odbc/expected_events.h"
 #include "platform/odbc/link.h"
 #include "platform/odbc/tables.h"
 #include "platform/odbc/values.h"
@@ -46,9 +47,16 @@ class Session {
   // Each of them behind its key, in any order; those that have gone are missing.
   std::vector<Fields> rowsByKey(const Plan& plan, std::span<const std::int64_t> keys);
 
-  // Whether an event is stored already. One that only waits to travel with others is not among `found` yet.
-  enum class Same { none, stored, waiting };
-  Same findSame(const Plan& plan, const std::vector<jet::Literal>& values, std::vector<Fields>& found);
+  // Whether an event is stored already. One that only waits to travel with others is not among `found` yet;
+  // of one that was expected only the keys are there.
+  struct Found {
+    bool waiting = false;
+    std::vector<Fields> rows;
+    std::vector<std::int64_t> keys;
+  };
+  Found findSame(const Plan& plan, const std::vector<jet::Literal>& values);
+  // These are about to be looked for in this batch, and none that was before.
+  void expect(std::span<const database::Statement> statements);
 
   std::int64_t takeNumber(const Table& table);
   // An event without a number of its own that is added in a batch travels with others later.
@@ -64,6 +72,8 @@ class Session {
   const Table* eventTable() const { return tables_->events(); }
   std::int64_t highestEvent(const Table& table);
   std::vector<database::Arrival> eventsAfter(const Table& table, std::int64_t number, std::size_t most);
+  // As Arrivals tells it.
+  std::optional<database::Latest> latest(const Table& table, std::int64_t owner, std::int64_t mark);
   // What tells which lamps are lit, where the store keeps receipts; null where it was made without.
   const database::LampTable* lampTable() const;
   // A step on what stands beside the documented tables, outside batches: a transaction of its own.
@@ -83,6 +93,7 @@ class Session {
  private:
   Link& link();
   void connect();
+  bool isAtWork() const noexcept;
   template <typename Step>
   auto guarded(Step step);
   void needTransaction();
@@ -99,6 +110,7 @@ class Session {
   std::vector<Fields> ownersByName(const Plan& plan, const std::vector<jet::Literal>& values);
   void save();
   void saveIfDue();
+  const std::vector<std::int64_t>* findExpected(const Plan& plan, const std::u16string& identity);
   void lose() noexcept;
 
   const Api& api_;
@@ -109,6 +121,8 @@ class Session {
   std::shared_ptr<const jet::Documented> documented_;
   Waiter waiter_;
   std::unique_ptr<Link> link_;
+  Field name_;  // the server's, of this connection
+  std::chrono::steady_clock::time_point noConnectionBefore_;
   std::unique_ptr<Tables> tables_;
   std::unique_ptr<Plans> plans_;
   bool keepsReceipts_ = false;
@@ -117,6 +131,7 @@ class Session {
   std::set<std::int64_t> held_;             // owners, by this transaction
   std::optional<std::int64_t> batchOwner_;  // whose row this batch has written: it must not go meanwhile
   WaitingEvents waiting_;
+  ExpectedEvents expected_;
   bool dirty_ = false;                           // the transaction holds changes that were made already
   std::chrono::steady_clock::time_point begun_;  // when the transaction did
   std::uint64_t changes_ = 0;

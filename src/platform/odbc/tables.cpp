@@ -272,6 +272,12 @@ void Plans::planNewest(Plan& plan) const {
                               " i order by i.\"Moment\" desc nulls last, i.\"Key\"");
 }
 
+// Of a condition, as the store has it.
+std::string Plans::columnOf(const Plan& plan, std::size_t condition) const {
+  const std::u16string_view named = plan.shape.conditions.at(condition).column;
+  return dialect_.quoted(plan.table->columns[plan.table->column(named, number::unknownName)].name);
+}
+
 // By the hash of the kind's texts and the description, and then by the texts themselves.
 void Plans::planSame(Plan& plan) const {
   const EventTable& events = *plan.table->events;
@@ -289,15 +295,30 @@ void Plans::planSame(Plan& plan) const {
               " where i.\"Owner\" = " + dialect_.number() +
               " and i.\"Moment\" = " + dialect_.folded(parameter()) +
               " and i.\"Hash\" = " + dialect_.hash({parameter(), parameter(), parameter(), parameter()});
-  for (const std::size_t text : texts) {
-    const std::u16string_view named = plan.shape.conditions.at(text).column;
-    const std::u16string_view column =
-        plan.table->columns[plan.table->column(named, number::unknownName)].name;
+  for (const std::size_t text : texts)
     plan.rows +=
-        " and " + dialect_.folded("f." + dialect_.quoted(column)) + " = " + dialect_.folded(parameter());
-  }
+        " and " + dialect_.folded("f." + columnOf(plan, text)) + " = " + dialect_.folded(parameter());
   plan.rows += " order by i.\"Key\"";
   plan.keys = dialect_.joined("select 0 where false");
+  planManySame(plan, texts);
+}
+
+void Plans::planManySame(Plan& plan, const std::array<std::size_t, 4>& texts) const {
+  plan.places = {plan.values[0], plan.values[1]};
+  plan.places.insert(plan.places.end(), texts.begin(), texts.end());
+  constexpr std::string_view names[] = {"r.a", "r.b", "r.c", "r.d"};
+  plan.many = "select r.place::text, i.\"Key\"::text from " +
+              dialect_.rowsOfArrays({ColumnType::integer, ColumnType::text, ColumnType::text,
+                                     ColumnType::text, ColumnType::text, ColumnType::text}) +
+              " as r(o, m, a, b, c, d, place) join " + dialect_.indexTable() +
+              " i on i.\"Owner\" = r.o and i.\"Moment\" = " + dialect_.folded("r.m") +
+              " and i.\"Hash\" = " + dialect_.hash({"r.a", "r.b", "r.c", "r.d"}) + " join " +
+              dialect_.name(plan.table->name) + " f on f." + dialect_.quoted(plan.table->events->key) +
+              " = i.\"Key\"";
+  for (std::size_t i = 0; i < texts.size(); ++i)
+    plan.many +=
+        " and " + dialect_.folded("f." + columnOf(plan, texts[i])) + " = " + dialect_.folded(names[i]);
+  plan.many += " order by r.place, i.\"Key\"";
 }
 
 }  // namespace vordane::odbc

@@ -1,6 +1,7 @@
 // The described tables that a store has, and how each statement shape is asked of the server.
 #pragma once
 
+#include <array>
 #include <map>
 #include <memory>
 #include <optional>
@@ -41,6 +42,10 @@ struct Plan {
   std::vector<database::ColumnType> types;  // of the result's columns
   std::string rows, keys, byKey;
   Special special = Special::none;
+  // Of a plan for the same event: the question for many, each value an array, in the order of `places`, which
+  // are those of the shape's values; the owner comes first.
+  std::string many;
+  std::vector<std::size_t> places;
   std::vector<std::size_t> values;  // which of the shape's values each parameter of `rows` and `keys` takes
 
   bool isUnion() const { return shape.verb == jet::Verb::countedUnion; }
@@ -77,9 +82,11 @@ class Plans {
   void planOwner(Plan& plan) const;
   void planNewest(Plan& plan) const;
   void planSame(Plan& plan) const;
+  void planManySame(Plan& plan, const std::array<std::size_t, 4>& texts) const;
   std::string joinedEvents(const Plan& plan) const;
   std::string columnsOf(const Plan& plan, std::string_view prefix) const;
   std::string conditionsOf(Plan& plan) const;
+  std::string columnOf(const Plan& plan, std::size_t condition) const;
   std::string ordersOf(const Plan& plan, std::string_view prefix) const;
 
   const Dialect& dialect_;

@@ -1,52 +1,89 @@
 #include "platform/odbc/waiter.h"
 
-#include <chrono>
+#include <algorithm>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+#include <utility>
 
 namespace vordane::odbc {
 namespace {
+
+using std::chrono::steady_clock;
 
 // Whoever looks takes no shorter stop for a hang.
 constexpr std::chrono::milliseconds betweenLooks{50};
 
 }  // namespace
 
+// What the thread and its owner share. The thread goes when it has been told to end, after the step it is at.
+struct Waiter::Work {
+  std::thread thread;
+  std::mutex mutex;
+  std::condition_variable changed;
+  Step step;
+  Return result = 0;
+  bool busy = false, ending = false;  // with a step
+
+  static void serve(const std::shared_ptr<Work>& work) {
+    std::unique_lock lock(work->mutex);
+    for (;;) {
+      work->changed.wait(lock, [&] { return work->busy || work->ending; });
+      if (!work->busy) return;
+      Step step = std::move(work->step);
+      lock.unlock();
+      const Return result = step();
+      step = {};  // what it held goes on this thread
+      lock.lock();
+      work->result = result;
+      work->busy = false;
+      work->changed.notify_all();
+    }
+  }
+};
+
 Waiter::~Waiter() {
-  if (!thread_.joinable()) return;
+  if (!work_) return;
   {
-    const std::lock_guard lock(mutex_);
-    ending_ = true;
+    const std::lock_guard lock(work_->mutex);
+    work_->ending = true;
   }
-  changed_.notify_all();
-  thread_.join();
+  work_->changed.notify_all();
+  work_->thread.join();
 }
 
-Return Waiter::call(const std::function<Return()>& step) {
-  if (!meanwhile_) return step();
-  if (!thread_.joinable()) thread_ = std::thread([this] { work(); });
-  std::unique_lock lock(mutex_);
-  step_ = &step;
-  changed_.notify_all();
-  while (!changed_.wait_for(lock, betweenLooks, [this] { return step_ == nullptr; })) {
-    lock.unlock();
-    meanwhile_();
-    lock.lock();
+void Waiter::begin(Step step) {
+  if (!work_) {
+    auto work = std::make_shared<Work>();
+    work->thread = std::thread([work] { Work::serve(work); });
+    work_ = std::move(work);
   }
-  return result_;
+  const std::lock_guard lock(work_->mutex);
+  work_->step = std::move(step);
+  work_->busy = true;
+  work_->changed.notify_all();
 }
 
-void Waiter::work() {
-  std::unique_lock lock(mutex_);
-  for (;;) {
-    changed_.wait(lock, [this] { return step_ != nullptr || ending_; });
-    if (ending_) return;
-    const auto& step = *step_;
+std::optional<Return> Waiter::call(Step step, const Patience& patience) {
+  begin(std::move(step));
+  auto since = steady_clock::now();
+  std::unique_lock lock(work_->mutex);
+  const auto done = [this] { return !work_->busy; };
+  while (!work_->changed.wait_for(lock, betweenLooks, done)) {
     lock.unlock();
-    const Return result = step();
+    if (meanwhile_) meanwhile_();
+    const bool late = patience.time && steady_clock::now() - since >= *patience.time;
+    const bool goesOn = late && patience.goesOn && patience.goesOn();
+    if (goesOn) since = steady_clock::now();
     lock.lock();
-    result_ = result;
-    step_ = nullptr;
-    changed_.notify_all();
+    if (!late || goesOn || done()) continue;
+    work_->ending = true;
+    work_->thread.detach();
+    lock.unlock();
+    work_.reset();
+    return std::nullopt;
   }
+  return work_->result;
 }
 
 }  // namespace vordane::odbc

@@ -1,19 +1,27 @@
-// Makes calls that may take seconds, so that their caller can do something else meanwhile: paint.
+// Makes calls that may take long on a thread of its own, so that their caller can paint meanwhile, and can
+// give up a call that does not end.
 #pragma once
 
-#include <condition_variable>
+#include <chrono>
 #include <functional>
-#include <mutex>
-#include <thread>
+#include <memory>
+#include <optional>
 
 #include "platform/odbc/api.h"
 
 namespace vordane::odbc {
 
-// Owns a thread, once one is needed. One caller.
+// One caller. Owns a thread, once one is needed.
 class Waiter {
  public:
   using Meanwhile = std::function<void()>;
+  // Holds all that it works on: given up, it goes on by itself, and what it holds goes when it ends.
+  using Step = std::function<Return()>;
+  // How long a call may take; no time is for ever. Whoever `goesOn` has the same time once more.
+  struct Patience {
+    std::optional<std::chrono::milliseconds> time;
+    std::function<bool()> goesOn;  // never throws; empty: nobody does
+  };
 
   Waiter() = default;
   ~Waiter();
@@ -22,21 +30,17 @@ class Waiter {
 
   // Called on the caller's thread, again and again while a call takes long; never throws. Empty: nothing is.
   void setMeanwhile(Meanwhile meanwhile) { meanwhile_ = std::move(meanwhile); }
+  const Meanwhile& meanwhile() const { return meanwhile_; }
 
-  // Ends with the call's result, when it has ended. Without something to do meanwhile it is made on this
-  // thread.
-  Return call(const std::function<Return()>& step);
+  // The call's result, when it has ended; nothing when it was given up.
+  std::optional<Return> call(Step step, const Patience& patience);
 
  private:
-  void work();
+  struct Work;
+  void begin(Step step);
 
   Meanwhile meanwhile_;
-  std::thread thread_;
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  const std::function<Return()>* step_ = nullptr;  // to be made; null when it has been
-  Return result_ = 0;
-  bool ending_ = false;
+  std::shared_ptr<Work> work_;  // null without a thread
 };
 
 }  // namespace vordane::odbc

@@ -15,8 +15,7 @@ class WaitingEvents {
   bool empty() const { return rows_.empty(); }
   // All rows are of one table, which must live as long as they wait.
   void add(const Table& table, const NewRow& row);
-  // Whether an event waits that equals what the plan's statement looks for with these values.
-  bool holds(const Plan& plan, const std::vector<jet::Literal>& values) const;
+  bool holds(const std::u16string& identity) const { return identities_.contains(identity); }
   // So many rows, or so long ones, that they should travel now.
   bool enough() const;
 

@@ -1,18 +1,22 @@
 #include "platform/sqlite/arrivals.h"
 
+#include "platform/described.h"
 #include "platform/sqlite/errors.h"
+#include "platform/stored_values.h"
 
 namespace vordane::sqlite {
 namespace {
 
 class EmbeddedArrivals final : public database::Arrivals {
  public:
-  EmbeddedArrivals(std::shared_ptr<Opened> opened, const Table& table)
+  // `latest` is the question of that name; empty where the file's tables do not tell.
+  EmbeddedArrivals(std::shared_ptr<Opened> opened, const Table& table, std::string latest)
       : opened_(std::move(opened)),
         connection_(opened_->connection),
         highest_(eventSql(table, "SELECT coalesce(max({key}), 0) FROM {table}")),
         after_(
-            eventSql(table, "SELECT {owner}, {key} FROM {table} WHERE {key} > ?1 ORDER BY {key} LIMIT ?2")) {}
+            eventSql(table, "SELECT {owner}, {key} FROM {table} WHERE {key} > ?1 ORDER BY {key} LIMIT ?2")),
+        latest_(std::move(latest)) {}
 
   std::u16string identity() override {
     const Connection::Impatient notWaiting(connection_);
@@ -36,6 +40,17 @@ class EmbeddedArrivals final : public database::Arrivals {
     std::vector<database::Arrival> all;
     while (rows.step()) all.push_back({rows.integer(0), rows.integer(1)});
     return all;
+  }
+
+  std::optional<database::Latest> latest(std::int64_t owner, std::int64_t mark) override {
+    if (latest_.empty()) return {};
+    const Connection::Impatient notWaiting(connection_);
+    Statement row(connection_, latest_);
+    row.bind(1, owner);
+    row.bind(2, mark);
+    if (!row.step()) return {};
+    return database::Latest{database::textOf(row.limitedValue(0, false)), row.integer(1) != 0,
+                            row.integer(2)};
   }
 
  private:
@@ -65,8 +80,20 @@ class EmbeddedArrivals final : public database::Arrivals {
 
   std::shared_ptr<Opened> opened_;
   Connection& connection_;
-  std::string highest_, after_;
+  std::string highest_, after_, latest_;
 };
+
+std::string latestSql(Connection& connection, const database::OwnerTable* described, const Table& events) {
+  const Table* owners = described != nullptr ? connection.tables().find(described->table) : nullptr;
+  const auto key = owners != nullptr ? owners->find(described->key) : std::nullopt;
+  const auto listed = owners != nullptr ? owners->find(described->listed) : std::nullopt;
+  if (!key || !listed) return {};
+  return "SELECT o." + owners->columns[*listed].quoted +
+         eventSql(events,
+                  ", EXISTS (SELECT 1 FROM {table} WHERE {key} > ?2 AND {owner} = ?1), "
+                  "(SELECT coalesce(max({key}), 0) FROM {table}) FROM ") +
+         owners->quoted + " AS o WHERE o." + owners->columns[*key].quoted + " = ?1 LIMIT 1";
+}
 
 }  // namespace
 
@@ -78,7 +105,9 @@ std::shared_ptr<database::Arrivals> makeArrivals(std::shared_ptr<Opened> opened)
   connection.tables().follow();
   const Table* table = connection.tables().find(described->table);
   if (table == nullptr || !table->events || !table->counted) return nullptr;
-  return std::make_shared<EmbeddedArrivals>(std::move(opened), *table);
+  const database::Description* description = database::findEvents(opened->documented->descriptions());
+  std::string latest = latestSql(connection, description->owners, *table);
+  return std::make_shared<EmbeddedArrivals>(std::move(opened), *table, std::move(latest));
 }
 
 }  // namespace vordane::sqlite

@@ -90,6 +90,14 @@ struct RecordedEvents : ViewEvents {
     if (storeHeld) throw database::DatabaseError(3260, u"locked");
     return store;
   }
+  int looks = 0;  // at the store
+  std::chrono::milliseconds nextLook{60'000};
+  std::function<void()> onLook;
+  std::chrono::milliseconds lookAtStore() override {
+    ++looks;
+    if (onLook) onLook();
+    return nextLook;
+  }
   void tick() override {
     ++ticks;
     happened();

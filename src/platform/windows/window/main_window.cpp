@@ -169,6 +169,7 @@ void MainWindow::detach() {
   accessible_.end();
   attention_.forget();
   look_.forget();
+  storeWatch_.forget();
   help_.close();
   timer_.stop(window_);
   grid_.forgetRows();
@@ -305,6 +306,9 @@ void MainWindow::createLook() {
                            return list->items().at(static_cast<std::size_t>(list->listIndex())).itemData;
                          },
                          [this] { grid_.marksChanged(); }, [this] { redrawExchanges(exchangeBox_); }});
+  storeWatch_.create(window_,
+                     {[events] { return events() != nullptr ? events()->listUse() : ListUse::never; },
+                      [events] { return events()->lookAtStore(); }});
   grid_.setNews([this](std::size_t row) { return look_.isNew(row); }, texts_.text(ViewText::newFault));
 }
 
@@ -411,6 +415,7 @@ std::u16string MainWindow::newsOf(std::size_t entry) {
 void MainWindow::setRows(GridSource* rows) {
   list_.setRows(rows, chosenExchange());
   look_.rowsSet();
+  storeWatch_.rowsSet();
   notes_.look();
   place();
 }

@@ -21,6 +21,7 @@
 #include "platform/windows/window/look_work.h"
 #include "platform/windows/window/note_work.h"
 #include "platform/windows/window/status_line.h"
+#include "platform/windows/window/store_watch.h"
 #include "platform/windows/window/tick_timer.h"
 #include "platform/windows/window/win32_view.h"
 
@@ -175,6 +176,7 @@ class MainWindow final : public Win32View {
   ListWork list_{grid_, texts_};
   NoteWork notes_{grid_, texts_};
   LookWork look_;
+  StoreWatch storeWatch_;
   StatusLine status_;
   AttentionWork attention_;
   HelpPopup help_;

@@ -56,7 +56,7 @@ LRESULT MainWindow::handle(UINT message, WPARAM wide, LPARAM low) {
       if (events_ != nullptr) events_->closeAsked();
       return 0;
     case WM_TIMER:
-      if (list_.timer(wide) || look_.timer(wide)) return 0;
+      if (list_.timer(wide) || look_.timer(wide) || storeWatch_.timer(wide)) return 0;
       return timer_.expired(window_, wide) ? 0 : DefWindowProcW(window_, message, wide, low);
     case WM_DPICHANGED:
       densityChanged(LOWORD(wide), *reinterpret_cast<RECT*>(low));
@@ -383,7 +383,7 @@ bool MainWindow::keyDown(WPARAM key) {
     return true;
   }
   events_->keyPressed(static_cast<int>(key));
-  return key == VK_F1;
+  return key == VK_F1 || key == VK_F5;
 }
 
 // Alt with an arrow moves the splitter by a line, but for the drop-down, which opens with it.

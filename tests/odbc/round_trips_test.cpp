@@ -1,0 +1,72 @@
+// How often a station waits for its server: what a network far away makes of a step is its round trips.
+#include "database/contract.h"
+#include "odbc/proxy.h"
+#include "odbc/server_story.h"
+
+namespace vordane::startup {
+namespace {
+
+class RoundTrips : public ServerStory {
+ protected:
+  RoundTrips() {
+    // A busy machine shall not make a step save in between.
+    useServer({.longestUnsavedMilliseconds = 3'600'000}, sources_.writeThrough(wire_.folder(), store_));
+    startWithHost();
+    fetch(faults(0, 5));
+    form().input().exchangeChosen(0);
+    form().input().lookAtStore();
+  }
+  int of(const std::function<void()>& step) {
+    wire_.breakAt(odbc::Proxy::Breakage::none, 0);
+    step();
+    return wire_.roundTrips();
+  }
+  // Takes a list in; its lamps are another step.
+  int ofList(const std::vector<std::u16string>& list) {
+    pressAndTick(0);
+    exchange().answer(0, list);
+    const int trips = of([&] { tick(); });
+    exchange().answerLamps(u"00");
+    tick();
+    return trips;
+  }
+  // All different.
+  static std::vector<std::u16string> manyFaults(int count) {
+    std::vector<std::u16string> entries;
+    for (int i = 0; i < count; ++i)
+      for (const std::u16string& entry :
+           {std::u16string(u"15 MJ MP000"),
+            u"26/11/" + text::decimalPadded(1 + i / 1440, 2) + u" " + text::decimalPadded(i / 60 % 24, 2) +
+                u":" + text::decimalPadded(i % 60, 2),
+            std::u16string(u"00"), std::u16string()})
+        entries.push_back(entry);
+    return entries;
+  }
+
+  odbc::Proxy wire_;
+};
+
+TEST_F(RoundTrips, OfALongListAreFew) {
+  const auto list = manyFaults(8000);
+  EXPECT_LE(ofList(list), 40);
+  EXPECT_THAT(text::toUtf8(view.status[0]),
+              testing::HasSubstr("8000 received, 8000 new, 0 stored, 0 refused"));
+  EXPECT_EQ(ask("select count(*)::text from vordane.\"FaultDisplay\""), "8005");
+  EXPECT_LE(ofList(list), 16) << "known whole";
+  EXPECT_THAT(text::toUtf8(view.status[0]),
+              testing::HasSubstr("8000 received, 0 new, 8000 stored, 0 refused"));
+  EXPECT_EQ(ask("select count(*)::text from vordane.\"FaultDisplay\""), "8005");
+}
+
+TEST_F(RoundTrips, OfAChoiceAndAScreenAreFew) {
+  EXPECT_LE(of([&] { form().input().exchangeChosen(0); }), 5);
+  EXPECT_EQ(of([&] { view.rows->row(0); }), 1);
+  EXPECT_EQ(of([&] { view.rows->row(4); }), 0) << "of the same screen";
+}
+
+TEST_F(RoundTrips, OfTheLookForANewerListIsOne) {
+  EXPECT_EQ(of([&] { form().input().lookAtStore(); }), 1);
+}
+
+}  // namespace
+}  // namespace vordane::startup
