@@ -1,0 +1,112 @@
+#include "trace/writer.h"
+
+#include <cstring>
+#include <exception>
+#include <string_view>
+#include <thread>
+#include <utility>
+
+namespace vordane::trace {
+namespace {
+
+constexpr std::size_t pieceOfFile = 256 * 1024;  // bytes that are written at once
+
+}  // namespace
+
+void Writer::Work::wake() noexcept {
+  if (!sleeping.load(std::memory_order_seq_cst)) return;
+  const std::lock_guard<std::mutex> lock(mutex);
+  something.notify_one();
+}
+
+void Writer::Work::writeLines() {
+  const std::size_t count = lines + list.lines();
+  if (count > 0) files.write(out, count, clock());
+  out.clear();
+  lines = 0;
+  list.forget();
+}
+
+void Writer::Work::take(const Ring::Record& record) {
+  const RecordHead& head = record.head;
+  switch (head.kind) {
+    case RecordKind::line:
+      list.end();
+      out.append(record.bytes, head.length);
+      ++lines;
+      break;
+    case RecordKind::begin: {
+      std::int64_t begun[2];  // when, and of which object
+      std::memcpy(begun, record.bytes, sizeof begun);
+      list.begin(begun[0], begun[1]);
+      break;
+    }
+    case RecordKind::entry:
+      list.read(head.column, head.index,
+                {reinterpret_cast<const char16_t*>(record.bytes), head.length / sizeof(char16_t)});
+      break;
+    case RecordKind::skip:
+      break;
+  }
+}
+
+// A line of a list that is still being read stays open.
+void Writer::Work::writeAll() {
+  for (Ring::Record record; ring.front(record); ring.pop(record)) {
+    take(record);
+    if (out.size() > pieceOfFile && !list.lineIsOpen()) writeLines();
+  }
+  if (!list.lineIsOpen()) writeLines();
+}
+
+void Writer::Work::run() noexcept {
+  std::unique_lock<std::mutex> lock(mutex);
+  for (;;) {
+    const bool ending = stop || flush;
+    lock.unlock();
+    try {
+      writeAll();
+      if (ending && list.end()) writeLines();
+    } catch (const std::exception&) {
+      // Without memory for them lines are lost; those behind them are written again.
+      list.end();
+      out.clear();
+      lines = 0;
+      list.forget();
+    }
+    lock.lock();
+    sleeping.store(true, std::memory_order_seq_cst);
+    if (!ring.empty() || (!ending && (stop || flush))) {
+      sleeping.store(false, std::memory_order_seq_cst);
+      continue;
+    }
+    flush = false;
+    idle = true;
+    nothingLeft.notify_all();
+    if (stop) return;
+    something.wait(lock, [this] { return stop || flush || !ring.empty(); });
+    idle = false;
+    sleeping.store(false, std::memory_order_seq_cst);
+  }
+}
+
+Writer::Writer(TraceFiles files, Clock clock, std::size_t ringBytes)
+    : work_(std::make_shared<Work>(std::move(files), std::move(clock), ringBytes)) {
+  std::thread([work = work_] { work->run(); }).detach();
+}
+
+bool Writer::waitUntilWritten(std::chrono::milliseconds most) noexcept {
+  std::unique_lock<std::mutex> lock(work_->mutex);
+  work_->flush = true;
+  work_->something.notify_one();
+  return work_->nothingLeft.wait_for(lock, most, [this] { return !work_->flush && work_->idle; });
+}
+
+Writer::~Writer() {
+  waitUntilWritten(patience);
+  const std::lock_guard<std::mutex> lock(work_->mutex);
+  work_->stop = true;
+  work_->something.notify_one();
+}
+
+}  // namespace vordane::trace
