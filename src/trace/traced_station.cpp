@@ -1,5 +1,6 @@
 #include "trace/traced_station.h"
 
+#include <cstdlib>
 #include <random>
 #include <utility>
 
@@ -98,6 +99,7 @@ class TracedStation::Life final : public platform::Process {
     tell("ends at once");
     objects_->recorder().flush();
     process_.endAtOnce();
+    std::abort();  // not reached
   }
   // Others hold the layer by what stands in front of it.
   void watchHost(automation::Object& layer, const automation::ObjectRef& host) override {
