@@ -31,8 +31,13 @@ void Secrets::keep(std::u16string_view identifier) {
   if (shown_ || identifier.empty() || identifier == u"BUSY" || identifier == u"ERROR") return;
   const auto same = [&](const Kept& kept) { return kept.identifier == identifier; };
   if (std::any_of(kept_.begin(), kept_.end(), same)) return;
-  if (kept_.size() == most) kept_.erase(kept_.begin());
-  kept_.push_back({std::u16string(identifier), ++count_});
+  if (kept_.size() == most) {
+    const auto older = [](const Kept& a, const Kept& b) { return a.number < b.number; };
+    kept_.erase(std::min_element(kept_.begin(), kept_.end(), older));
+  }
+  const auto isLonger = [&](const Kept& kept) { return kept.identifier.size() >= identifier.size(); };
+  kept_.insert(std::partition_point(kept_.begin(), kept_.end(), isLonger),
+               {std::u16string(identifier), ++count_});
 }
 
 std::u16string_view Secrets::hidden(std::u16string_view text, std::u16string& place) const {

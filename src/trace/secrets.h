@@ -29,7 +29,7 @@ class Secrets {
     std::size_t number;
   };
   bool shown_;
-  std::vector<Kept> kept_;
+  std::vector<Kept> kept_;  // the longest first: one may be a part of another
   std::size_t count_ = 0;
 };
 

@@ -3,7 +3,6 @@
 #include <cstring>
 #include <exception>
 #include <string_view>
-#include <thread>
 #include <utility>
 
 namespace vordane::trace {
@@ -92,7 +91,7 @@ void Writer::Work::run() noexcept {
 
 Writer::Writer(TraceFiles files, Clock clock, std::size_t ringBytes)
     : work_(std::make_shared<Work>(std::move(files), std::move(clock), ringBytes)) {
-  std::thread([work = work_] { work->run(); }).detach();
+  thread_ = std::thread([work = work_] { work->run(); });
 }
 
 bool Writer::waitUntilWritten(std::chrono::milliseconds most) noexcept {
@@ -103,10 +102,16 @@ bool Writer::waitUntilWritten(std::chrono::milliseconds most) noexcept {
 }
 
 Writer::~Writer() {
-  waitUntilWritten(patience);
-  const std::lock_guard<std::mutex> lock(work_->mutex);
-  work_->stop = true;
-  work_->something.notify_one();
+  const bool written = waitUntilWritten(patience);
+  {
+    const std::lock_guard<std::mutex> lock(work_->mutex);
+    work_->stop = true;
+    work_->something.notify_one();
+  }
+  if (written)
+    thread_.join();
+  else
+    thread_.detach();
 }
 
 }  // namespace vordane::trace

@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
 
 #include "trace/list_lines.h"
 #include "trace/ring.h"
@@ -59,6 +60,7 @@ class Writer {
   };
 
   std::shared_ptr<Work> work_;
+  std::thread thread_;
 };
 
 }  // namespace vordane::trace

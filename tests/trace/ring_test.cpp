@@ -29,7 +29,7 @@ std::string take(Ring& ring) {
 }
 
 TEST(TraceRing, GivesBackWhatWasPutInOrderAlsoRoundItsEnd) {
-  Ring ring(64);
+  Ring ring(128);
   EXPECT_EQ(take(ring), "(none)");
   for (int i = 0; i < 100; ++i) {
     const std::string bytes(static_cast<std::size_t>(i % 23), static_cast<char>('a' + i % 26));

@@ -28,6 +28,15 @@ TEST(TraceSecrets, ALongOneIsHiddenAlsoInsideOfWords) {
   EXPECT_EQ(shown(secrets, u"id=x4711y"), "id=x(identifier 1)y");
 }
 
+TEST(TraceSecrets, OneThatIsAPartOfAnotherLeavesNothingOfThatOne) {
+  for (const bool shortFirst : {true, false}) {
+    Secrets secrets(false);
+    secrets.keep(shortFirst ? u"4711" : u"471123");
+    secrets.keep(shortFirst ? u"471123" : u"4711");
+    EXPECT_EQ(shown(secrets, u"471123"), shortFirst ? "(identifier 2)" : "(identifier 1)");
+  }
+}
+
 TEST(TraceSecrets, EachHasANumberThatStays) {
   Secrets secrets(false);
   secrets.keep(u"first");
