@@ -40,72 +40,50 @@ constexpr bool isLow(char16_t unit) {
   return unit >= 0xDC00 && unit < 0xE000;
 }
 
-void appendEscaped(char16_t unit, std::string& out) {
+char* putEscaped(char16_t unit, char* out) {
   constexpr char digits[] = "0123456789abcdef";
-  const char text[] = {'\\',
-                       'u',
-                       digits[unit >> 12U],
-                       digits[(unit >> 8U) & 15U],
-                       digits[(unit >> 4U) & 15U],
-                       digits[unit & 15U]};
-  out.append(text, sizeof text);
+  *out++ = '\\';
+  *out++ = 'u';
+  for (unsigned shift = 16; shift > 0;) *out++ = digits[(unit >> (shift -= 4U)) & 15U];
+  return out;
 }
 
-void appendUtf8(char32_t character, std::string& out) {
+char* putUtf8(char32_t character, char* out) {
   const auto rest = [&](unsigned shift) {
-    out += static_cast<char>(0x80U | ((static_cast<unsigned>(character) >> shift) & 0x3FU));
+    *out++ = static_cast<char>(0x80U | ((static_cast<unsigned>(character) >> shift) & 0x3FU));
   };
   if (character < 0x800) {
-    out += static_cast<char>(0xC0U | (static_cast<unsigned>(character) >> 6U));
+    *out++ = static_cast<char>(0xC0U | (static_cast<unsigned>(character) >> 6U));
   } else if (character < 0x10000) {
-    out += static_cast<char>(0xE0U | (static_cast<unsigned>(character) >> 12U));
+    *out++ = static_cast<char>(0xE0U | (static_cast<unsigned>(character) >> 12U));
     rest(6);
   } else {
-    out += static_cast<char>(0xF0U | (static_cast<unsigned>(character) >> 18U));
+    *out++ = static_cast<char>(0xF0U | (static_cast<unsigned>(character) >> 18U));
     rest(12);
     rest(6);
   }
   rest(0);
+  return out;
 }
 
-// Appends the character that begins at `at`; returns how many units it has.
-std::size_t appendCharacter(std::u16string_view text, std::size_t at, std::string& out) {
-  const char16_t unit = text[at];
+// Writes the character that begins at `at`, and leads `at` behind it.
+char* putCharacter(const char16_t*& at, const char16_t* end, char* out) {
+  const char16_t unit = *at++;
   if (unit == u'"' || unit == u'\\') {
-    out += '\\';
-    out += static_cast<char>(unit);
-  } else if (unit < 0x20) {
-    appendEscaped(unit, out);
-  } else if (unit < 0x80) {
-    out += static_cast<char>(unit);
-  } else if (isHigh(unit) && at + 1 < text.size() && isLow(text[at + 1])) {
-    appendUtf8(0x10000U + ((static_cast<char32_t>(unit) - 0xD800U) << 10U) + (text[at + 1] - 0xDC00U), out);
-    return 2;
-  } else if (isHigh(unit) || isLow(unit)) {
-    appendEscaped(unit, out);
-  } else {
-    appendUtf8(unit, out);
+    *out++ = '\\';
+    *out++ = static_cast<char>(unit);
+    return out;
   }
-  return 1;
-}
-
-// Appends the plain characters at the beginning, four at a time; returns how many.
-std::size_t appendPlain(std::u16string_view text, std::string& out) {
-  char piece[256];
-  std::size_t done = 0, held = 0;
-  for (; done + 4 <= text.size(); done += 4) {
-    std::uint64_t four = 0;
-    std::memcpy(&four, text.data() + done, sizeof four);
-    if (!isPlain(four)) break;
-    const std::uint32_t bytes = narrowed(four);
-    std::memcpy(piece + held, &bytes, sizeof bytes);
-    held += sizeof bytes;
-    if (held < sizeof piece) continue;
-    out.append(piece, held);
-    held = 0;
+  if (unit < 0x20) return putEscaped(unit, out);
+  if (unit < 0x80) {
+    *out++ = static_cast<char>(unit);
+    return out;
   }
-  out.append(piece, held);
-  return done;
+  if (isHigh(unit) && at != end && isLow(*at)) {
+    const char32_t low = *at++ - 0xDC00U;
+    return putUtf8(0x10000U + ((static_cast<char32_t>(unit) - 0xD800U) << 10U) + low, out);
+  }
+  return isHigh(unit) || isLow(unit) ? putEscaped(unit, out) : putUtf8(unit, out);
 }
 
 struct Parts {
@@ -123,14 +101,31 @@ Parts partsOf(Moment moment) {
 
 }  // namespace
 
-void appendJson(std::u16string_view text, std::string& out) {
-  out += '"';
-  while (!text.empty()) {
-    text.remove_prefix(appendPlain(text, out));
+char* putJson(std::u16string_view text, char* out) noexcept {
+  const char16_t* at = text.data();
+  const char16_t* const end = at + text.size();
+  *out++ = '"';
+  while (at != end) {
+    while (end - at >= 4) {
+      std::uint64_t four = 0;
+      std::memcpy(&four, at, sizeof four);
+      if (!isPlain(four)) break;
+      const std::uint32_t bytes = narrowed(four);
+      std::memcpy(out, &bytes, sizeof bytes);
+      at += 4;
+      out += 4;
+    }
     // Up to the next four that may be plain.
-    for (int i = 0; i < 4 && !text.empty(); ++i) text.remove_prefix(appendCharacter(text, 0, out));
+    for (int i = 0; i < 4 && at != end; ++i) out = putCharacter(at, end, out);
   }
-  out += '"';
+  *out++ = '"';
+  return out;
+}
+
+void appendJson(std::u16string_view text, std::string& out) {
+  const std::size_t before = out.size();
+  out.resize(before + text.size() * longestOfCharacter + 2);
+  out.resize(static_cast<std::size_t>(putJson(text, out.data() + before) - out.data()));
 }
 
 void appendMoment(Moment moment, std::string& out) {

@@ -1,10 +1,8 @@
 #include "trace/recorder.h"
 
-#include <array>
 #include <charconv>
 #include <chrono>
 #include <cmath>
-#include <cstring>
 
 #include "text/dates.h"
 
@@ -152,7 +150,7 @@ std::int64_t Recorder::numberOf(const automation::Object& object) const {
 }
 
 Line Recorder::begin(std::string_view event) {
-  list_ = 0;
+  endList();
   line_ = R"({"at":")";
   appendMoment(now(), line_);
   line_ += '"';
@@ -163,74 +161,55 @@ Line Recorder::begin(std::string_view event) {
 
 void Recorder::end() {
   line_ += "}\n";
-  if (leftOut_ > 0 && !tellLeftOut()) {
-    ++leftOut_;
-    return;
-  }
-  RecordHead head;
-  head.kind = RecordKind::line;
-  head.length = static_cast<std::uint32_t>(line_.size());
-  if (!put(head, line_.data())) {
-    ++leftOut_;
-    return;
-  }
-  writer_->ring().commit();
-  writer_->wake();
+  if (!put(line_)) ++leftOut_;
   unwoken_ = 0;
+  writer_->wake();
 }
 
-// Copies a record into the ring; what is there counts from the next commit on.
-bool Recorder::put(const RecordHead& head, const void* bytes) noexcept {
-  void* const place = writer_->ring().reserve(head);
-  if (place != nullptr) std::memcpy(place, bytes, head.length);
-  return place != nullptr;
+bool Recorder::put(std::string_view line) noexcept {
+  try {
+    if (leftOut_ > 0) {
+      std::string told = R"({"at":")";
+      appendMoment(now(), told);
+      told += R"(","event":"left out","why":"too fast","count":)";
+      appendNumber(static_cast<std::int64_t>(leftOut_), told);
+      told += "}\n";
+      if (!writer_->ring().put(told)) return false;
+      leftOut_ = 0;
+    }
+    return writer_->ring().put(line);
+  } catch (const std::exception&) {
+    return false;
+  }
 }
 
-bool Recorder::tellLeftOut() {
-  std::string line = R"({"at":")";
-  appendMoment(now(), line);
-  line += R"(","event":"left out","why":"too fast","count":)";
-  appendNumber(static_cast<std::int64_t>(leftOut_), line);
-  line += "}\n";
-  RecordHead head;
-  head.kind = RecordKind::line;
-  head.length = static_cast<std::uint32_t>(line.size());
-  if (!put(head, line.data())) return false;
-  leftOut_ = 0;
-  return true;
-}
-
-bool Recorder::beginEntries(std::int64_t object) noexcept {
-  const std::int64_t begun[] = {now(), object};
-  RecordHead head;
-  head.kind = RecordKind::begin;
-  head.length = sizeof begun;
-  if (!put(head, begun)) return false;
-  list_ = object;
-  reads_ = bytes_ = 0;
-  return true;
+void Recorder::endList() noexcept {
+  if (!list_.isOpen()) return;
+  const std::string_view line = list_.end();
+  if (!put(line)) leftOut_ += list_.values();
+  // A long list wakes the other thread now and then; what comes behind it does.
+  unwoken_ += line.size();
+  if (unwoken_ < unwokenAtMost) return;
+  unwoken_ = 0;
+  writer_->wake();
 }
 
 void Recorder::entry(std::int64_t object, int column, std::int16_t index, std::u16string_view text) noexcept {
-  const bool fits = reads_ < entriesOfLine * 4 && bytes_ < bytesOfLine;
-  const bool goesOn = object == list_ && (fits || column > 0);
-  RecordHead head;
-  head.kind = RecordKind::entry;
-  head.column = static_cast<std::uint8_t>(column);
-  head.index = index;
-  head.length = static_cast<std::uint32_t>(text.size() * sizeof(char16_t));
-  if ((!goesOn && !beginEntries(object)) || !put(head, text.data())) {
-    list_ = 0;
-    ++leftOut_;
-    return;
+  if (!list_.takes(object, column, index, text.size())) {
+    endList();
+    try {
+      list_.begin(now(), object, index);
+    } catch (const std::exception&) {
+      ++leftOut_;
+      return;
+    }
   }
-  writer_->ring().commitQuietly();
-  ++reads_;
-  bytes_ += sizeof head + head.length;
-  unwoken_ += sizeof head + head.length;
-  if (unwoken_ < bytesUntilWoken) return;
-  unwoken_ = 0;
-  writer_->wake();
+  list_.add(column, index, text);
+}
+
+void Recorder::flush() noexcept {
+  endList();
+  writer_->waitUntilWritten(Writer::patience);
 }
 
 }  // namespace vordane::trace

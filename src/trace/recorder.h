@@ -1,5 +1,5 @@
-// What is traced, on its way into lines: each event is one JSON object, made here; entries of lists, of which
-// there are many, go as they are and are made into lines by the thread that writes. Whatever fails, and
+// What is traced, on its way into lines: each event is one JSON object, but for entries of lists, of which
+// many stand in one. Lines are made here and handed to a thread that writes them. Whatever fails, and
 // whatever finds no room, is left out and counted; no member throws. One thread.
 #pragma once
 
@@ -11,6 +11,7 @@
 
 #include "platform/automation.h"
 #include "trace/json_text.h"
+#include "trace/list_lines.h"
 #include "trace/secrets.h"
 #include "trace/writer.h"
 
@@ -45,7 +46,8 @@ class Line {
 class Recorder {
  public:
   static constexpr std::size_t usualRing = 8 << 20;
-  static constexpr std::size_t longestText = 65'536;  // characters; of a longer one a line has the beginning
+  // Characters; of a longer one a line has the beginning.
+  static constexpr std::size_t longestText = ListLines::longestText;
 
   Recorder(std::unique_ptr<Writer> writer, Clock clock, bool identifiersShown)
       : writer_(std::move(writer)), clock_(std::move(clock)), secrets_(identifiersShown) {}
@@ -80,17 +82,16 @@ class Recorder {
   std::int64_t numberOf(const automation::Object& object) const;  // 0: none
 
   // All that was told is written when it returns, if that takes no longer than a second.
-  void flush() noexcept { writer_->waitUntilWritten(Writer::patience); }
+  void flush() noexcept;
 
  private:
-  static constexpr std::size_t entriesOfLine = 1024;
-  static constexpr std::size_t bytesOfLine = 1 << 20, bytesUntilWoken = 1 << 16;
+  static constexpr std::size_t unwokenAtMost = 1 << 20;  // bytes
 
   Line begin(std::string_view event);
   void end();
-  bool tellLeftOut();
-  bool put(const RecordHead& head, const void* bytes) noexcept;
-  bool beginEntries(std::int64_t object) noexcept;
+  void endList() noexcept;
+  // Whether the line has found room, and those that were left out before it have been told.
+  bool put(std::string_view line) noexcept;
 
   std::unique_ptr<Writer> writer_;
   Clock clock_;
@@ -99,9 +100,8 @@ class Recorder {
   std::unordered_map<const automation::Object*, std::int64_t> objects_;
   std::int64_t numbers_ = 0;
   std::size_t leftOut_ = 0;
-  // Of the list that is being read: 0 when none is.
-  std::int64_t list_ = 0;
-  std::size_t reads_ = 0, bytes_ = 0, unwoken_ = 0;
+  ListLines list_;
+  std::size_t unwoken_ = 0;  // bytes put since the other thread was last woken
 };
 
 // The system's own time.

@@ -5,18 +5,16 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <string_view>
 #include <vector>
 
 namespace vordane::trace {
 
-enum class RecordKind : std::uint8_t { line, begin, entry, skip };
-
 // In front of the bytes of each record.
 struct RecordHead {
-  std::uint32_t length = 0;  // of its bytes, in bytes
-  std::int16_t index = 0;    // of an entry
-  RecordKind kind = RecordKind::skip;
-  std::uint8_t column = 0;  // of an entry
+  std::uint32_t length = 0;   // of its bytes, in bytes
+  std::uint32_t skipped = 0;  // 1: there is none, the next one begins where the memory does
 };
 static_assert(sizeof(RecordHead) == 8);
 
@@ -25,38 +23,27 @@ class Ring {
   explicit Ring(std::size_t bytes);  // a power of two
 
   // --- the thread that traces
-  // Room for a record's bytes, in one piece and at an address that 8 divides; null when there is none now.
-  // What was reserved counts from `commit` on.
-  void* reserve(const RecordHead& head) noexcept;
-  void commit() noexcept { head_.store(reserved_, std::memory_order_seq_cst); }
-  void commitQuietly() noexcept { head_.store(reserved_, std::memory_order_release); }
+  // False when there is no room now.
+  bool put(std::string_view bytes) noexcept;
 
   // --- the thread that writes
   bool empty() const noexcept { return taken_ == head_.load(std::memory_order_seq_cst); }
-  // The next record, null without one; valid until `pop`.
-  struct Record {
-    RecordHead head;
-    const char* bytes;
-  };
-  bool front(Record& record) noexcept;
-  void pop(const Record& record) noexcept;
-
-  // --- either thread
-  bool drained() const noexcept {
-    return tail_.load(std::memory_order_acquire) == head_.load(std::memory_order_acquire);
-  }
+  // The next record; valid until `pop`.
+  std::optional<std::string_view> front() noexcept;
+  void pop() noexcept;
 
  private:
-  static std::size_t sizeOf(const RecordHead& head) {
-    return sizeof(RecordHead) + ((static_cast<std::size_t>(head.length) + 7U) & ~std::size_t{7});
+  static std::size_t sizeOf(std::size_t length) {
+    return sizeof(RecordHead) + ((length + 7U) & ~std::size_t{7});
   }
+  RecordHead headAt(std::size_t position);
   char* at(std::size_t position) { return bytes_.data() + (position & (bytes_.size() - 1)); }
   bool hasRoom(std::size_t size) noexcept;
 
   std::vector<char> bytes_;
   // Positions only grow.
   alignas(64) std::atomic<std::size_t> head_{0};
-  std::size_t reserved_ = 0, knownTail_ = 0;  // of the thread that traces
+  std::size_t written_ = 0, knownTail_ = 0;  // of the thread that traces
   alignas(64) std::atomic<std::size_t> tail_{0};
   std::size_t taken_ = 0;  // of the thread that writes
 };

@@ -35,12 +35,13 @@ std::string_view nameOf(CallKind kind) {
 
 // The texts of a list's entries, of which there are many: the position in ListLines, -1 for every other call.
 int columnOf(std::u16string_view member, CallKind kind, std::span<const Argument> arguments) {
-  constexpr std::u16string_view columns[] = {u"CMD", u"FirstData", u"SecondData", u"ExtraData"};
-  if (kind != CallKind::methodOrGet || arguments.size() != 1 || arguments[0].byReference ||
+  if (arguments.size() != 1 || kind != CallKind::methodOrGet || arguments[0].byReference ||
       !std::holds_alternative<std::int16_t>(arguments[0].value))
     return -1;
-  const auto found = std::find(std::begin(columns), std::end(columns), member);
-  return found == std::end(columns) ? -1 : static_cast<int>(found - std::begin(columns));
+  constexpr std::u16string_view columns[] = {u"CMD", u"FirstData", u"SecondData", u"ExtraData"};
+  for (int column = 0; column < ListLines::columns; ++column)
+    if (member == columns[column]) return column;
+  return -1;
 }
 
 // A call that crosses the border, from its beginning to its end: a line for each.
@@ -165,24 +166,29 @@ class ObjectOfOthers final : public automation::Object, public std::enable_share
 
   // Whoever reads a list holds its record as long as that takes.
   Value readEntry(int column, std::u16string_view member, std::span<Argument> arguments) {
+    Value answer;
     try {
-      Value answer = object_->invoke(member, CallKind::methodOrGet, arguments);
-      const auto* const text = std::get_if<std::u16string>(&answer);
-      if (text != nullptr && text->size() <= Recorder::longestText) {
-        recorder_.entry(number_, column, std::get<std::int16_t>(arguments[0].value), *text);
-        return answer;
-      }
-      Crossing crossing(recorder_, outgoing, number_);
-      crossing.begins(member, CallKind::methodOrGet, arguments);
-      Value seen = objects_->inwards(answer);
-      crossing.answered(seen, {}, {});
-      return seen;
+      answer = object_->invoke(member, CallKind::methodOrGet, arguments);
     } catch (const AutomationError& failure) {
       Crossing crossing(recorder_, outgoing, number_);
       crossing.begins(member, CallKind::methodOrGet, arguments);
       crossing.failed(failure);
       throw;
     }
+    const auto* const text = std::get_if<std::u16string>(&answer);
+    if (text != nullptr && text->size() <= Recorder::longestText)
+      recorder_.entry(number_, column, std::get<std::int16_t>(arguments[0].value), *text);
+    else
+      tellOddEntry(member, arguments, answer);
+    return answer;
+  }
+
+  // An entry that is no text, or a very long one.
+  void tellOddEntry(std::u16string_view member, std::span<const Argument> arguments, Value& answer) {
+    answer = objects_->inwards(answer);
+    Crossing crossing(recorder_, outgoing, number_);
+    crossing.begins(member, CallKind::methodOrGet, arguments);
+    crossing.answered(answer, {}, {});
   }
 
   void keepSecrets(std::u16string_view member, CallKind kind, std::span<const Argument> arguments) {

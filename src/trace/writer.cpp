@@ -1,6 +1,5 @@
 #include "trace/writer.h"
 
-#include <cstring>
 #include <exception>
 #include <string_view>
 #include <utility>
@@ -19,43 +18,19 @@ void Writer::Work::wake() noexcept {
 }
 
 void Writer::Work::writeLines() {
-  const std::size_t count = lines + list.lines();
-  if (count > 0) files.write(out, count, clock());
+  if (lines > 0) files.write(out, lines, clock());
   out.clear();
   lines = 0;
-  list.forget();
 }
 
-void Writer::Work::take(const Ring::Record& record) {
-  const RecordHead& head = record.head;
-  switch (head.kind) {
-    case RecordKind::line:
-      list.end();
-      out.append(record.bytes, head.length);
-      ++lines;
-      break;
-    case RecordKind::begin: {
-      std::int64_t begun[2];  // when, and of which object
-      std::memcpy(begun, record.bytes, sizeof begun);
-      list.begin(begun[0], begun[1]);
-      break;
-    }
-    case RecordKind::entry:
-      list.read(head.column, head.index,
-                {reinterpret_cast<const char16_t*>(record.bytes), head.length / sizeof(char16_t)});
-      break;
-    case RecordKind::skip:
-      break;
-  }
-}
-
-// A line of a list that is still being read stays open.
 void Writer::Work::writeAll() {
-  for (Ring::Record record; ring.front(record); ring.pop(record)) {
-    take(record);
-    if (out.size() > pieceOfFile && !list.lineIsOpen()) writeLines();
+  while (const auto line = ring.front()) {
+    out += *line;
+    ++lines;
+    ring.pop();
+    if (out.size() > pieceOfFile) writeLines();
   }
-  if (!list.lineIsOpen()) writeLines();
+  writeLines();
 }
 
 void Writer::Work::run() noexcept {
@@ -65,13 +40,10 @@ void Writer::Work::run() noexcept {
     lock.unlock();
     try {
       writeAll();
-      if (ending && list.end()) writeLines();
     } catch (const std::exception&) {
       // Without memory for them lines are lost; those behind them are written again.
-      list.end();
       out.clear();
       lines = 0;
-      list.forget();
     }
     lock.lock();
     sleeping.store(true, std::memory_order_seq_cst);

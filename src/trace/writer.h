@@ -10,7 +10,6 @@
 #include <string>
 #include <thread>
 
-#include "trace/list_lines.h"
 #include "trace/ring.h"
 #include "trace/trace_files.h"
 
@@ -43,15 +42,13 @@ class Writer {
     void wake() noexcept;
     void run() noexcept;
     void writeAll();
-    void take(const Ring::Record& record);
     void writeLines();
 
     Ring ring;
     TraceFiles files;
     Clock clock;
     std::string out;
-    ListLines list{out};
-    std::size_t lines = 0;  // in `out`, besides those of `list`
+    std::size_t lines = 0;  // in `out`
 
     std::mutex mutex;
     std::condition_variable something, nothingLeft;

@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "trace/folder.h"
@@ -24,10 +25,9 @@ struct MemoryFolderState {
   }
 };
 
-// The state outlives it.
 class MemoryFolder final : public trace::Folder {
  public:
-  explicit MemoryFolder(MemoryFolderState& state) : state_(state) {}
+  explicit MemoryFolder(std::shared_ptr<MemoryFolderState> state) : held_(std::move(state)), state_(*held_) {}
   std::vector<trace::StoredFile> files() override {
     std::vector<trace::StoredFile> found;
     for (const auto& [name, bytes] : state_.content) found.push_back({name, bytes.size()});
@@ -49,6 +49,7 @@ class MemoryFolder final : public trace::Folder {
   std::uint64_t room() override { return state_.room; }
 
  private:
+  std::shared_ptr<MemoryFolderState> held_;
   MemoryFolderState& state_;
 };
 

@@ -2,29 +2,17 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
 #include <thread>
 
 namespace vordane::trace {
 namespace {
 
-bool put(Ring& ring, const std::string& bytes) {
-  RecordHead head;
-  head.kind = RecordKind::line;
-  head.length = static_cast<std::uint32_t>(bytes.size());
-  void* const place = ring.reserve(head);
-  if (place == nullptr) return false;
-  std::memcpy(place, bytes.data(), bytes.size());
-  ring.commit();
-  return true;
-}
-
 std::string take(Ring& ring) {
-  Ring::Record record;
-  if (!ring.front(record)) return "(none)";
-  std::string bytes(record.bytes, record.head.length);
-  ring.pop(record);
+  const auto record = ring.front();
+  if (!record) return "(none)";
+  std::string bytes(*record);
+  ring.pop();
   return bytes;
 }
 
@@ -33,23 +21,23 @@ TEST(TraceRing, GivesBackWhatWasPutInOrderAlsoRoundItsEnd) {
   EXPECT_EQ(take(ring), "(none)");
   for (int i = 0; i < 100; ++i) {
     const std::string bytes(static_cast<std::size_t>(i % 23), static_cast<char>('a' + i % 26));
-    ASSERT_TRUE(put(ring, bytes)) << i;
-    ASSERT_TRUE(put(ring, "x")) << i;
+    ASSERT_TRUE(ring.put(bytes)) << i;
+    ASSERT_TRUE(ring.put("x")) << i;
     EXPECT_EQ(take(ring), bytes);
     EXPECT_EQ(take(ring), "x");
-    EXPECT_TRUE(ring.drained());
+    EXPECT_TRUE(ring.empty());
   }
 }
 
 TEST(TraceRing, RefusesWhatFindsNoRoomAndGoesOn) {
   Ring ring(64);
-  EXPECT_FALSE(put(ring, std::string(57, 'l'))) << "longer than all of it";
-  ASSERT_TRUE(put(ring, std::string(24, 'a')));
-  ASSERT_TRUE(put(ring, std::string(20, 'b')));
-  EXPECT_FALSE(put(ring, "")) << "a head alone has no room either";
+  EXPECT_FALSE(ring.put(std::string(57, 'l'))) << "longer than all of it";
+  ASSERT_TRUE(ring.put(std::string(24, 'a')));
+  ASSERT_TRUE(ring.put(std::string(20, 'b')));
+  EXPECT_FALSE(ring.put("")) << "a head alone has no room either";
   EXPECT_EQ(take(ring), std::string(24, 'a'));
-  EXPECT_FALSE(put(ring, std::string(25, 'c')));
-  ASSERT_TRUE(put(ring, std::string(24, 'c')));
+  EXPECT_FALSE(ring.put(std::string(25, 'c')));
+  ASSERT_TRUE(ring.put(std::string(24, 'c')));
   EXPECT_EQ(take(ring), std::string(20, 'b'));
   EXPECT_EQ(take(ring), std::string(24, 'c'));
   EXPECT_EQ(take(ring), "(none)");
@@ -61,21 +49,18 @@ TEST(TraceRing, IsUsedByTwoThreads) {
   std::thread putting([&] {
     for (std::uint32_t i = 0; i < count;) {
       const std::string bytes = std::to_string(i) + std::string(i % 50, 'x');
-      if (put(ring, bytes))
+      if (ring.put(bytes))
         ++i;
       else
         std::this_thread::yield();
     }
   });
   for (std::uint32_t i = 0; i < count;) {
-    Ring::Record record;
-    if (!ring.front(record)) {
+    if (ring.empty()) {
       std::this_thread::yield();
       continue;
     }
-    const std::string bytes(record.bytes, record.head.length);
-    ring.pop(record);
-    ASSERT_EQ(bytes, std::to_string(i) + std::string(i % 50, 'x'));
+    ASSERT_EQ(take(ring), std::to_string(i) + std::string(i % 50, 'x'));
     ++i;
   }
   putting.join();

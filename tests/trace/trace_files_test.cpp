@@ -23,14 +23,15 @@ constexpr Limits small{8000, 7, 1000};
 class Files : public testing::Test {
  protected:
   TraceFiles files(const Limits& limits = small) {
-    return {std::make_unique<fakes::MemoryFolder>(folder), limits, "0123abcd"};
+    return {std::make_unique<fakes::MemoryFolder>(held), limits, "0123abcd"};
   }
   std::vector<std::string> names() const {
     std::vector<std::string> found;
     for (const auto& [name, bytes] : folder.content) found.push_back(name);
     return found;
   }
-  fakes::MemoryFolderState folder;
+  std::shared_ptr<fakes::MemoryFolderState> held = std::make_shared<fakes::MemoryFolderState>();
+  fakes::MemoryFolderState& folder = *held;
 };
 
 TEST_F(Files, AreNamedForTheirBeginAndGoOnUntilAnEighthOfTheLimit) {

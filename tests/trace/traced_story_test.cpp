@@ -1,6 +1,8 @@
 // Whole stories, line by line.
 #include <gmock/gmock.h>
 
+#include <atomic>
+
 #include "fakes/memory_folder.h"
 #include "fakes/watched_database.h"
 #include "startup/conversation.h"
@@ -16,7 +18,7 @@ class TracedStory : public startup::Conversation {
  protected:
   TracedStory() {
     startup::makeBetween() = [this](const startup::Workstation& station) {
-      auto made = record(std::make_unique<fakes::MemoryFolder>(folder), wish, [this] { return ++now; });
+      auto made = record(std::make_unique<fakes::MemoryFolder>(held), wish, [time = now] { return ++*time; });
       recorder = made;
       return std::make_unique<TracedBetween>(station, std::move(made));
     };
@@ -45,9 +47,11 @@ class TracedStory : public startup::Conversation {
     view.events->tick();
   }
 
-  Moment now = 1'795'416'312'000'000;
+  // Asked by two threads.
+  std::shared_ptr<std::atomic<Moment>> now = std::make_shared<std::atomic<Moment>>(1'795'416'312'000'000);
   Wish wish;
-  fakes::MemoryFolderState folder;
+  std::shared_ptr<fakes::MemoryFolderState> held = std::make_shared<fakes::MemoryFolderState>();
+  fakes::MemoryFolderState& folder = *held;
   std::weak_ptr<Recorder> recorder;
   std::size_t read = 0;
 };
