@@ -25,7 +25,9 @@ class BenchFile {
   BenchFile& operator=(const BenchFile&) = delete;
 
   std::unique_ptr<database::Database> open() { return engine_->open(path_.u16string(), false); }
+  database::Engine& engine() { return *engine_; }
   std::string path() const { return path_.string(); }
+  std::u16string path16() const { return path_.u16string(); }
 
  private:
   std::filesystem::path path_;

@@ -15,6 +15,11 @@ void ActionTimer::dropPress() {
   view_.stopTimer();
 }
 
+std::optional<Action> ActionTimer::due() const {
+  if (!enabled_ || !life_.alive() || life_.callUnderWay()) return {};
+  return next_;
+}
+
 std::optional<Action> ActionTimer::tick() {
   if (!enabled_ || !life_.alive()) return {};
   if (life_.callUnderWay()) {

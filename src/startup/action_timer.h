@@ -19,6 +19,8 @@ class ActionTimer {
   // has begun.
   void enable(Action next);
   bool enabled() const { return enabled_; }
+  // What the next tick will do as things are; nothing when it will do nothing.
+  std::optional<Action> due() const;
   // The timer stands for an answer that has come, not for a press.
   bool answerWaits() const { return enabled_ && isAnswer(next_); }
   void dropPress();  // an answer stays

@@ -11,7 +11,10 @@ namespace vordane::fakes {
 
 class MemoryView : public window::View {
  public:
-  void attach(window::Form&, window::ViewEvents&) override { attached = true; }
+  void attach(window::Form&, window::ViewEvents& given) override {
+    attached = true;
+    events = &given;
+  }
   void detach() override { attached = false; }
   void setVisible(bool on) override { shown = on; }
   bool visible() override { return shown; }
@@ -47,6 +50,7 @@ class MemoryView : public window::View {
   void moveTo(std::int32_t left, std::int32_t top) override { place = {left, top}; }
   std::pair<std::int32_t, std::int32_t> position() override { return place; }
 
+  window::ViewEvents* events = nullptr;  // who hears what a person does
   bool attached = false, shown = false, inputEnabled = true, hourglass = false;
   int timer = 0;
   window::GridSource* rows = nullptr;

@@ -370,8 +370,7 @@ TEST_F(Endings, ACancelBehindAnAnswerThatHadToWaitLogsOutAndDoesNoMore) {
 TEST_F(Endings, AHostThatLetsGoWhileItIsToldEndsTheProcessOnce) {
   startWithHost();
   host->meanwhile[u"UnloadChild"] = [&] { layer.reset(); };
-  cOLELayer& held = static_cast<cOLELayer&>(*layer);
-  held.CancelSchedule();
+  automation::call(*layer, u"CancelSchedule");
   EXPECT_THAT(taken(), ElementsAre("(stops serving)", "(window gone)", "UnloadChild 7&",
                                    "REGComData VORDANE MOVE& 5100,2400&", "(process ends)"));
 }

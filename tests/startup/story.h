@@ -4,8 +4,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "fakes/folder_engine.h"
@@ -143,6 +146,21 @@ class StoryClock : public fakes::SetClock {
   std::function<void()> duringSleep;
 };
 
+// What stands between the add-in and a story's workstation, where a test program has something to put there.
+class Between {
+ public:
+  virtual ~Between() = default;
+  virtual Workstation station() = 0;                 // to make the application with
+  virtual void watch(Application& application) = 0;  // which is there now
+  virtual automation::ObjectRef given(
+      const automation::ObjectRef& own) = 0;  // an object as its creator gets it
+};
+using MakeBetween = std::function<std::unique_ptr<Between>(const Workstation&)>;
+inline MakeBetween& makeBetween() {
+  static MakeBetween make;
+  return make;
+}
+
 class Story : public testing::Test {
  protected:
   Story() {
@@ -181,9 +199,11 @@ class Story : public testing::Test {
 
   // --- what happens
   void start() {
-    application = std::make_unique<Application>(Workstation{settings, clock, files, creator, boxes, documents,
-                                                            engine, view, pictures, process, events, program},
-                                                state);
+    plain.emplace(Workstation{settings, clock, files, creator, boxes, documents, engine, view, pictures,
+                              process, events, program});
+    const auto former = std::exchange(between, makeBetween() ? makeBetween()(*plain) : nullptr);
+    application = std::make_unique<Application>(between ? between->station() : *plain, state);
+    if (between) between->watch(*application);
     started = basMain::Main(*application);
   }
   void startStandAlone(std::u16string commandLine) {
@@ -191,7 +211,10 @@ class Story : public testing::Test {
     program.commandLine = std::move(commandLine);
     start();
   }
-  automation::ObjectRef createLayer() { return application->createLayer(); }
+  automation::ObjectRef createLayer() {
+    automation::ObjectRef made = application->createLayer();
+    return between ? between->given(made) : made;
+  }
   // The usual beginning: a host, its layer, its exchange.
   void startWithHost(std::u16string exchange = u"PBX-1") {
     start();
@@ -272,6 +295,8 @@ class Story : public testing::Test {
   platform::Program program;
   SharedState state;
   std::shared_ptr<fakes::MemoryHost> host = std::make_shared<fakes::MemoryHost>(trace);
+  std::optional<Workstation> plain;
+  std::unique_ptr<Between> between;
   std::unique_ptr<Application> application;
   basMain::Start started = basMain::Start::nothing;
   automation::ObjectRef layer;

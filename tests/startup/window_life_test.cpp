@@ -161,6 +161,22 @@ TEST_F(Timer, ATickInsideACallComesAgainBehindIt) {
   EXPECT_EQ(timer.tick(), Action::request);
 }
 
+TEST_F(Timer, TellsWhatTheNextTickWillDo) {
+  EXPECT_EQ(timer.due(), std::nullopt);
+  timer.enable(Action::print);
+  EXPECT_EQ(timer.due(), Action::print);
+  {
+    const WindowLife::Entry entry(life);
+    EXPECT_EQ(timer.due(), std::nullopt);
+  }
+  EXPECT_EQ(timer.due(), Action::print) << "asking changes nothing";
+  timer.tick();
+  EXPECT_EQ(timer.due(), std::nullopt);
+  timer.enable(Action::print);
+  life.beginEnding();
+  EXPECT_EQ(timer.due(), std::nullopt);
+}
+
 TEST_F(Timer, APressIsDroppedAndAnAnswerIsNot) {
   timer.enable(Action::request);
   EXPECT_FALSE(timer.answerWaits());

@@ -1,6 +1,7 @@
 // How much is done for a known list, not how long it takes: statements prepared, rows the engine hands over,
 // calls that cross a process, allocations. A number here grows only when somebody means it to.
 #include "startup/story.h"
+#include "trace/traced_station.h"
 #include "work/counting.h"
 
 namespace vordane::startup {
@@ -85,6 +86,44 @@ TEST_F(WorkTest, AFaultCostsAFewAllocations) {
   const Work small = takeIn(100), added = takeIn(faults), again = takeIn(faults);
   EXPECT_LE((added.allocations - small.allocations) / (faults - 100), 12U);
   EXPECT_LE(again.allocations / faults, 8U);
+}
+
+// Settings that say nothing, and cost nothing.
+class NoSettings final : public platform::SettingsStore {
+ public:
+  std::optional<std::u16string> read(std::u16string_view, std::u16string_view, std::u16string_view) override {
+    ++asked;
+    return {};
+  }
+  void write(std::u16string_view, std::u16string_view, std::u16string_view, std::u16string_view) override {}
+  int asked = 0;
+};
+
+using TraceTest = WorkTest;
+
+TEST_F(TraceTest, OneThatNobodyAskedForIsNotThere) {
+  NoSettings user, everybody;
+  const Workstation station{user,   clock, files,    creator, boxes,  documents,
+                            engine, view,  pictures, process, events, program};
+  const std::size_t before = counted.allocations;
+  const auto traced = trace::traceAsWished(station, everybody);
+  EXPECT_EQ(counted.allocations, before);
+  EXPECT_EQ(traced, nullptr) << "nothing stands in front of the workstation";
+  EXPECT_EQ(user.asked + everybody.asked, 2) << "each is asked whether, and no more";
+}
+
+TEST_F(TraceTest, OneThatIsAskedForIsThere) {
+  settings.write(u"VORDANE", u"Trace", u"On", u"1");
+  settings.write(u"VORDANE", u"Trace", u"Folder", (engine.folder() / "trace").u16string());
+  NoSettings everybody;
+  const Workstation station{settings, clock, files,    creator, boxes,  documents,
+                            engine,   view,  pictures, process, events, program};
+  const auto traced = trace::traceAsWished(station, everybody);
+  ASSERT_NE(traced, nullptr);
+  EXPECT_NE(&traced->station().boxes, &station.boxes);
+  EXPECT_NE(&traced->station().engine, &station.engine);
+  EXPECT_EQ(&traced->station().files, &station.files);
+  EXPECT_EQ(everybody.asked, 0);
 }
 
 }  // namespace

@@ -64,6 +64,7 @@ std::vector<RegistryPlace> writtenPlaces() {
         places.push_back({hive, view, u"Software\\Classes\\" + key});
   for (const std::u16string& key : sourceKeys()) places.push_back({Hive::machine, View::words64, key});
   const std::u16string settings = u"Software\\VB and VBA Program Settings\\";
+  places.push_back({Hive::machine, View::words64, settings + u"VORDANETEST"});
   for (const std::u16string& key :
        {u"QUILMAR32\\" + narrow(ownSection), u"QUILMAR32\\" + narrow(otherSection),
         std::u16string(u"VORDANE"), std::u16string(u"VORDANE before the tests"),

@@ -17,11 +17,14 @@
 namespace vordane {
 namespace {
 
-std::vector<com::ServedClass> publicClasses(startup::Application& application) {
+std::vector<com::ServedClass> publicClasses(Parts& parts) {
+  startup::Application& application = parts.application;
   const auto clsid = [](const automation::ClassTable& table) { return std::string(table.clsid); };
-  return {{clsid(cOLELayer::classTable()), [&] { return application.createLayer(); }, true},
-          {clsid(cListRequest::classTable()), [&] { return application.createListRequest(); }, false},
-          {clsid(cSLVRequest::classTable()), [&] { return application.createSLVRequest(); }, false}};
+  return {
+      {clsid(cOLELayer::classTable()), [&] { return parts.given(application.createLayer()); }, true},
+      {clsid(cListRequest::classTable()), [&] { return parts.given(application.createListRequest()); },
+       false},
+      {clsid(cSLVRequest::classTable()), [&] { return parts.given(application.createSLVRequest()); }, false}};
 }
 
 int serve() {
@@ -29,7 +32,7 @@ int serve() {
   const basMain::Start start = basMain::Main(parts.application);
   if (start == basMain::Start::nothing) return 0;
   // A process that a person started offers no class to others.
-  if (start == basMain::Start::hostMode) parts.process.serve(publicClasses(parts.application));
+  if (start == basMain::Start::hostMode) parts.process.serve(publicClasses(parts));
   return com::runMessageLoop([&](MSG& message) {
     // A host that calls without end would starve the timer's message.
     parts.view->serveDueTick();

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
 #include "language/message_numbers.h"
 #include "language/view_texts.h"
@@ -18,6 +19,7 @@
 #include "startup/application.h"
 #include "startup/databases.h"
 #include "startup/dlgFaultDisplay.h"
+#include "trace/traced_station.h"
 
 namespace vordane {
 
@@ -47,11 +49,21 @@ struct Parts {
       viewTexts, settings, windows::stationIsVisible() ? window::win32::systemSignals() : nullptr);
   windows::SystemMessageBoxes boxes{[this] { return view->window(); },
                                     [this](std::u16string_view file) { showHelp(file); }};
-  startup::Application application{{settings, clock, files, creator, boxes, documents, *engine, *view,
-                                    pictures, process, events, windows::thisProgram()},
-                                   state};
+  startup::Workstation plain{settings, clock, files,    creator, boxes,  documents,
+                             *engine,  *view, pictures, process, events, windows::thisProgram()};
+  windows::RegistrySettings workstationSettings{HKEY_LOCAL_MACHINE};
+  std::unique_ptr<trace::TracedStation> traced = trace::traceAsWished(plain, workstationSettings);
+  startup::Application application{traced ? traced->station() : plain, state};
 
-  Parts() { apartment.filterCalls(application); }
+  Parts() {
+    apartment.filterCalls(application);
+    if (traced) traced->watch(application);
+  }
+
+  // One of the application's objects, as whoever creates it gets it.
+  automation::ObjectRef given(automation::ObjectRef object) {
+    return traced ? traced->given(object) : std::move(object);
+  }
 
   void showHelp(std::u16string_view file) {
     const auto document = application.helpDocument(file);

@@ -26,6 +26,17 @@ TEST(RegistrySettings, ReadsWhatTheSuiteWrote) {
   EXPECT_EQ(RegistrySettings().read(u"vordanetest", u"30000", u"installpath"), u"C:\\Q\\");
 }
 
+TEST(RegistrySettings, TheWorkstationsAreOthers) {
+  com::RegistryKey key;
+  if (RegCreateKeyExW(HKEY_LOCAL_MACHINE, section, 0, nullptr, 0, KEY_WRITE | KEY_WOW64_64KEY, nullptr,
+                      key.put(), nullptr) != ERROR_SUCCESS)
+    GTEST_SKIP() << "only an administrator writes them";
+  RegSetValueExW(key.get(), L"OfAll", 0, REG_SZ, reinterpret_cast<const BYTE*>(L"1"), 4);
+  EXPECT_EQ(RegistrySettings(HKEY_LOCAL_MACHINE).read(u"VORDANETEST", u"30000", u"OfAll"), u"1");
+  EXPECT_EQ(RegistrySettings().read(u"VORDANETEST", u"30000", u"OfAll"), std::nullopt);
+  RegDeleteValueW(key.get(), L"OfAll");
+}
+
 TEST(RegistrySettings, TakesTextsOnly) {
   const DWORD number = 30001;
   writeValue(L"ZUL", REG_DWORD, &number, sizeof number);

@@ -18,13 +18,18 @@
 
 namespace vordane::windows {
 
-// HKEY_CURRENT_USER\Software\VB and VBA Program Settings: only REG_SZ values count.
+// Software\VB and VBA Program Settings of the user, or of the workstation (HKEY_LOCAL_MACHINE: the same for
+// programs of both word sizes): only REG_SZ values count.
 class RegistrySettings : public platform::SettingsStore {
  public:
+  explicit RegistrySettings(HKEY root = HKEY_CURRENT_USER) : root_(root) {}
   std::optional<std::u16string> read(std::u16string_view application, std::u16string_view section,
                                      std::u16string_view key) override;
   void write(std::u16string_view application, std::u16string_view section, std::u16string_view key,
              std::u16string_view value) override;
+
+ private:
+  HKEY root_;
 };
 
 class SystemClock : public platform::Clock {

@@ -22,8 +22,8 @@ std::u16string textOf(const std::wstring& buffer, DWORD bytes) {
 std::optional<std::u16string> RegistrySettings::read(std::u16string_view application,
                                                      std::u16string_view section, std::u16string_view key) {
   com::RegistryKey opened;
-  if (RegOpenKeyExW(HKEY_CURRENT_USER, keyOf(application, section).c_str(), 0, KEY_READ, opened.put()) !=
-      ERROR_SUCCESS)
+  if (RegOpenKeyExW(root_, keyOf(application, section).c_str(), 0, KEY_READ | KEY_WOW64_64KEY,
+                    opened.put()) != ERROR_SUCCESS)
     return {};
   const std::wstring name = com::toWide(key);
   DWORD type = 0;
@@ -43,7 +43,7 @@ std::optional<std::u16string> RegistrySettings::read(std::u16string_view applica
 void RegistrySettings::write(std::u16string_view application, std::u16string_view section,
                              std::u16string_view key, std::u16string_view value) {
   com::RegistryKey opened;
-  if (RegCreateKeyExW(HKEY_CURRENT_USER, keyOf(application, section).c_str(), 0, nullptr, 0, KEY_WRITE,
+  if (RegCreateKeyExW(root_, keyOf(application, section).c_str(), 0, nullptr, 0, KEY_WRITE | KEY_WOW64_64KEY,
                       nullptr, opened.put(), nullptr) != ERROR_SUCCESS)
     return;
   const std::wstring text = com::toWide(value);
