@@ -28,8 +28,7 @@ constexpr bool isUnused(std::size_t number) {
   return (number >= 10 && number <= 13) || number == 52 || (number >= 91 && number <= 100) ||
          (number >= 102 && number <= 105) || number == 116 || number == 117 ||
          (number >= 151 && number <= 159) || number == 169 || number == 170 || number == 181 ||
-         number == 182 || number == 187 || number == 213 || number == 222 || number == 223 ||
-         (number >= 340 && number <= 345);
+         number == 182 || number == 187 || number == 213 || number == 222 || number == 223;
 }
 
 // Lamps, in words.
@@ -250,14 +249,14 @@ inline constexpr std::size_t reasonNoAnswer = 338;   // the window went before t
 inline constexpr std::size_t statusNoReceipt = 339;  // {1} the engine's text
 
 // Of a store that several stations write into.
-inline constexpr std::size_t statusNewerList = 346;  // of {1} than the one shown
+inline constexpr std::size_t statusNewerList = 340;  // of {1} than the one shown
 
 // The product's own numbers, as [first, end). Behind the last stand the titles and labels of fault kinds that
 // came later; own ones that come after those begin a range of their own.
 struct Range {
   std::size_t first, end;
 };
-inline constexpr std::array ownTexts{Range{165, 347}};
+inline constexpr std::array ownTexts{Range{165, 341}};
 inline constexpr std::size_t count = ownTexts.back().end;  // of all that are named here or stand before
 
 constexpr bool isOwn(std::size_t number) {
