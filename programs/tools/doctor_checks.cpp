@@ -10,6 +10,8 @@
 #include "language/language_databases.h"
 #include "language/row_values.h"
 #include "language_check.h"
+#include "language_texts.h"
+#include "lines.h"
 #include "platform/engine_choice.h"
 #include "settings/shared_state.h"
 #include "settings/suite_databases.h"
@@ -143,6 +145,22 @@ void examineOwners(Database& faults, const std::string& file, Findings& findings
 } catch (const automation::AutomationError&) {
   findings.push_back(
       {Weight::incomplete, file + ": the ID of a row is no number, so its exchange can't be told"});
+}
+
+// New faults are stored in the words of VORDANE.LNG; what the exchange had reported before would be stored
+// again.
+void examineWords(const SuiteLayout& layout, database::Engine& engine, Database& faults,
+                  Findings& findings) try {
+  const auto stored = faults.kept(store::languageSubject);
+  const database::Agreement own = storingLanguageOf(engine, text::toUtf8(toText(layout.texts())));
+  if (!stored || stored->mark == own.mark) return;
+  findings.push_back({Weight::incomplete,
+                      nameOf(layout.faults()) + ": its faults are stored in another language (" +
+                          text::toUtf8(stored->name) + ") than that of VORDANE.LNG (" +
+                          text::toUtf8(own.name) + "): what an exchange reported before is stored again"});
+} catch (const database::DatabaseError&) {
+} catch (const ToolError&) {
+  // What can't be read has been named already.
 }
 
 void examineTexts(Database& own, Database* common, Findings& findings) try {
@@ -294,6 +312,7 @@ std::vector<Finding> examineFiles(const SuiteLayout& layout, database::Engine& e
         "scheduled jobs run with the default options and without a log",
         {}});
   if (faults) examineOwners(*faults, nameOf(layout.faults()), findings);
+  if (faults && own) examineWords(layout, engine, *faults, findings);
   if (own) examineTexts(*own, common.get(), findings);
   if (own) examinePictures(layout, *own, findings);
   if (registry) examineRegistration(*registry, findings);

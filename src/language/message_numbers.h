@@ -251,12 +251,15 @@ inline constexpr std::size_t statusNoReceipt = 339;  // {1} the engine's text
 // Of a store that several stations write into.
 inline constexpr std::size_t statusNewerList = 340;  // of {1} than the one shown
 
+// Of a file whose faults are stored in two languages.
+inline constexpr std::size_t statusOtherWords = 341;  // {1} of the faults before, {2} of these
+
 // The product's own numbers, as [first, end). Behind the last stand the titles and labels of fault kinds that
 // came later; own ones that come after those begin a range of their own.
 struct Range {
   std::size_t first, end;
 };
-inline constexpr std::array ownTexts{Range{165, 341}};
+inline constexpr std::array ownTexts{Range{165, 342}};
 inline constexpr std::size_t count = ownTexts.back().end;  // of all that are named here or stand before
 
 constexpr bool isOwn(std::size_t number) {

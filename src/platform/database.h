@@ -156,6 +156,11 @@ class Database {
   // yet keeps from then on. In a batch that is saved with it. A file has one writer's agreements: `own`.
   virtual Agreement agree(std::u16string_view, const Agreement& own) { return own; }
 
+  // What a file keeps about `subject`, from whoever wrote into it last; nothing where nothing is kept, and in
+  // a store whose writers agree. `keep` puts `own` in its place, at once. For use outside batches.
+  virtual std::optional<Agreement> kept(std::u16string_view) { return {}; }
+  virtual void keep(std::u16string_view, const Agreement&) {}
+
   // What has come since somebody looked; null where events are not numbered as they come.
   virtual std::shared_ptr<Arrivals> arrivals() { return nullptr; }
   // The receipts of resets; null where none are kept. For use at once: it keeps the store open.

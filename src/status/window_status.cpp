@@ -98,6 +98,8 @@ void WindowStatus::attemptFailed(std::int16_t request, std::u16string_view excha
 void WindowStatus::listTaken(const ListAccount& account) {
   attemptLine_.clear();
   listLine_ = statusText(state_, account);
+  if (!account.wordsBefore.empty())
+    listLine_ += u"\n" + fillText(text(message::statusOtherWords), {account.wordsBefore, account.words});
   waiting_.clear();
   failure_.clear();
   if (!account.complete())

@@ -243,16 +243,34 @@ status::ListAccount Ingestion::account() const {
   return account;
 }
 
+std::u16string told(const database::Agreement& words, const database::Agreement& beside) {
+  return words.name == beside.name ? words.name + u" (" + words.mark + u")" : words.name;
+}
+
 // Why a station with these words must not write into the store, when other ones are kept there: each fault
 // would be stored once more, in other words.
 std::optional<std::u16string> whyOtherWords(const Surroundings& around, database::Database& database,
                                             const database::Agreement& own) {
   const database::Agreement kept = database.agree(languageSubject, own);
   if (kept.mark == own.mark) return {};
-  const auto told = [&](const database::Agreement& words) {
-    return kept.name == own.name ? words.name + u" (" + words.mark + u")" : words.name;
-  };
-  return fillText(messageText(around.state, message::otherStoringLanguage), {told(kept), told(own)});
+  return fillText(messageText(around.state, message::otherStoringLanguage),
+                  {told(kept, own), told(own, kept)});
+}
+
+// Faults of a file have been stored in these words. Where those before them were stored in others, what the
+// exchange had reported already stands there twice, and the account says so. It stops nothing that the file
+// can't tell.
+void compareWords(database::Database& database, const database::Agreement& own,
+                  status::ListAccount& account) {
+  try {
+    const auto before = database.kept(languageSubject);
+    if (before == own) return;
+    database.keep(languageSubject, own);
+    if (!before || before->mark == own.mark) return;
+    account.wordsBefore = told(*before, own);
+    account.words = told(own, *before);
+  } catch (const database::DatabaseError&) {
+  }
 }
 
 // The statements of one ingestion; why the list was not taken when one of them failed, or none may be made.
@@ -290,7 +308,9 @@ FaultStore::After FaultStore::IngestFaultList(const pbx::ReceivedList& received)
   } else if ((failure = takeList(around_, grid_, *database, form_.storingLanguage(), list, exchangeId_))) {
     list.countAgain(*database, exchangeId_, *failure);
   }
-  tellAccount(list.account());
+  status::ListAccount account = list.account();
+  if (database != nullptr && list.somethingAdded()) compareWords(*database, form_.storingLanguage(), account);
+  tellAccount(account);
   if (failure) return endFailedList(*failure);
   if (database != nullptr && !showTakenList(list.somethingAdded(), list.accessError().has_value()))
     return After::nothing;

@@ -44,7 +44,7 @@ class MemoryStoreForm : public store::StoreForm {
     if (!decoder) decoder = std::make_unique<cFaultDisplay>(texts, decoderWide);
     return *decoder;
   }
-  database::Agreement storingLanguage() override { return {u"English", markOfStoredWords(texts)}; }
+  database::Agreement storingLanguage() override { return {language, markOfStoredWords(texts)}; }
   automation::ObjectRef host() override { return hostObject; }
   std::u16string installPath(std::u16string_view item) override {
     return joined({u"C:\\SUITE\\ADDINS\\", item, u"\\"});
@@ -101,6 +101,7 @@ class MemoryStoreForm : public store::StoreForm {
   platform::Program program;
   store::ResetReceipts receipts{*this, memoryView, shared, *clock, status, program};
   FaultTextTable texts;
+  std::u16string language = u"English";
   bool decoderWide = true;
   std::unique_ptr<cFaultDisplay> decoder;
   automation::ObjectRef hostObject;

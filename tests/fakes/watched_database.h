@@ -22,6 +22,7 @@ class WatchedDatabase : public database::Database {
   std::vector<std::u16string> statements;
   // Called when somebody wants to keep or read receipts of resets, which are no statements.
   std::function<void()> beforeReceipts = [] {};
+  bool keepFails = false;
   bool keepsReceipts = true;
   std::function<void()> beforeArrivals = [] {};  // likewise of what has come
   int batchDepth = 0, batches = 0, recordsetsOpen = 0;
@@ -59,6 +60,13 @@ class WatchedDatabase : public database::Database {
   }
   database::Agreement agree(std::u16string_view subject, const database::Agreement& own) override {
     return inner_->agree(subject, own);
+  }
+  std::optional<database::Agreement> kept(std::u16string_view subject) override {
+    return inner_->kept(subject);
+  }
+  void keep(std::u16string_view subject, const database::Agreement& own) override {
+    if (keepFails) throw database::DatabaseError(3260, u"locked");
+    inner_->keep(subject, own);
   }
   std::shared_ptr<database::Arrivals> arrivals() override {
     beforeArrivals();

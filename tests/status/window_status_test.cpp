@@ -38,6 +38,7 @@ SharedState textsOfTheTest() {
       {message::statusResetFailed, u"{1} {3} not reset: {2}"},
       {message::statusNotDeleted, u"not deleted {1}"},
       {message::statusNewerList, u"newer of {1}"},
+      {message::statusOtherWords, u"{1} before, {2} now"},
       {message::statusTextsIncomplete, u"incomplete: {1}"},
       {message::statusNetworkDrive, u"network."},
       {message::noticeWaitingList, u"list of {1}"},
@@ -87,6 +88,12 @@ void exchangeShown(WindowStatus& s) {
 void listFails(WindowStatus& s) {
   s.waits(step::faultListRequest, u"PBX-1");
   s.attemptFailed(step::faultListRequest, u"PBX-1", u"now", u"busy");
+}
+void listInOtherWords(WindowStatus& s) {
+  ListAccount taken = account(ListEnd::complete);
+  taken.wordsBefore = u"A";
+  taken.words = u"B";
+  s.listTaken(taken);
 }
 void listComes(WindowStatus& s) {
   s.waits(step::faultListRequest, u"PBX-1");
@@ -145,6 +152,11 @@ const Case cases[] = {
      {exchangeShown, [](auto& s) { s.newerListStored(u"PBX-1"); }, [](auto& s) { s.displayFailed(u"x"); }},
      u"PBX-1 stored yesterday",
      none},
+    {"faults in another language than those before",
+     {exchangeShown, listInOtherWords},
+     u"5 of PBX-1\nA before, B now",
+     none},
+    {"and the next list in the same one", {exchangeShown, listInOtherWords, listComes}, u"5 of PBX-1", none},
     {"a slow drive",
      {[](auto& s) { s.databaseOpened(true); }, exchangeShown},
      u"network. PBX-1 stored yesterday",

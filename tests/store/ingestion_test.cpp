@@ -110,6 +110,65 @@ TEST_F(IngestionTest, AddsNothingTheSecondTime) {
   EXPECT_EQ(stored(u"Fault").size(), 2U);
 }
 
+// --- the language that faults are stored in
+
+class StoredLanguage : public IngestionTest {
+ protected:
+  StoredLanguage() { form.shared.Messages[message::statusOtherWords] = u"before {1}, now {2}"; }
+  std::string told() {
+    const std::string line = text::toUtf8(form.memoryView.status[window::accountPart]);
+    const auto end = line.find('\n');
+    return end == line.npos ? "" : line.substr(end + 1);
+  }
+  std::string take(std::u16string_view date) {
+    form.receive(u"01 MJ MP", date, u"01");
+    ingest();
+    return told();
+  }
+  void speak(std::u16string_view name, std::u16string_view title) {
+    form.language = name;
+    form.texts.setMessage(9, std::u16string(title));
+  }
+};
+
+TEST_F(StoredLanguage, IsToldWhenItIsAnotherThanBefore) {
+  EXPECT_EQ(take(u"2026/11/20 20:58"), "");
+  EXPECT_EQ(take(u"2026/11/20 20:59"), "");
+  speak(u"русский", u"Д9");
+  EXPECT_EQ(take(u"2026/11/20 21:00"), "before English, now русский");
+  ingest();
+  EXPECT_EQ(told(), "") << "nothing was added";
+  EXPECT_EQ(take(u"2026/11/20 21:01"), "") << "the faults before are in this one";
+  speak(u"English", u"M9");
+  EXPECT_EQ(take(u"2026/11/20 21:02"), "before русский, now English");
+}
+
+TEST_F(StoredLanguage, WithOtherTextsUnderTheSameNameIsToldByItsMark) {
+  take(u"2026/11/20 20:58");
+  const std::string before = text::toUtf8(form.storingLanguage().mark);
+  speak(u"English", u"changed");
+  const std::string now = text::toUtf8(form.storingLanguage().mark);
+  ASSERT_NE(before, now);
+  EXPECT_EQ(take(u"2026/11/20 20:59"), "before English (" + before + "), now English (" + now + ")");
+}
+
+TEST_F(StoredLanguage, OfAListThatBringsNothingIsNotKept) {
+  take(u"2026/11/20 20:58");
+  speak(u"русский", u"M9");  // no stored text changes
+  form.texts.setMessage(8, u"Д8");
+  ingest();
+  EXPECT_EQ(database->inner().kept(languageSubject)->name, u"English");
+}
+
+TEST_F(StoredLanguage, ThatTheFileCanNotKeepStopsNothing) {
+  database->keepFails = true;
+  EXPECT_EQ(take(u"2026/11/20 20:58"), "");
+  EXPECT_EQ(form.takeTrace(), (Lines{"Account 1=1+0+0", "Acknowledge"}));
+  database->keepFails = false;
+  EXPECT_EQ(take(u"2026/11/20 20:59"), "");
+  EXPECT_EQ(database->inner().kept(languageSubject)->name, u"English");
+}
+
 TEST_F(IngestionTest, CountsADoubleInsideTheListAsStored) {
   form.receive(u"01 MJ MP", u"2026/11/20 20:58", u"01");
   form.receive(u"01 MJ MP", u"2026/11/20 20:58", u"01");

@@ -7,10 +7,12 @@
 #include "doctor_checks.h"
 #include "language/language_databases.h"
 #include "language_folder.h"
+#include "language_texts.h"
 #include "platform/sqlite/engine.h"
 #include "settings/suite_databases.h"
 #include "startup/databases.h"
 #include "store/fault_database.h"
+#include "text/utf8.h"
 
 namespace vordane::tools {
 namespace {
@@ -74,6 +76,20 @@ TEST_F(Doctor, NamesMissingAndDamagedFiles) {
       ElementsAre(finding(true, "Common.LNG is no database: the program ends at its start"),
                   finding(false, "Schedule.mdb is missing: scheduled jobs run with the default options"),
                   finding(false, "VORDPANE.BMP is missing")));
+}
+
+TEST_F(Doctor, TellsTheLanguageOfTheFaultsFromThatOfTheTexts) {
+  const auto engine = sqlite::makeEngine(startup::databases);
+  const auto own = storingLanguageOf(*engine, text::toUtf8(toText(layout.texts())));
+  const auto store = [&](const database::Agreement& language) {
+    engine->open(toText(layout.faults()), false)->keep(store::languageSubject, language);
+  };
+  store(own);
+  EXPECT_THAT(look(), IsEmpty());
+  store({u"русский", u"another"});
+  EXPECT_THAT(look(), ElementsAre(finding(false,
+                                          "FAULT.MDB: its faults are stored in another language (русский) "
+                                          "than that of VORDANE.LNG (")));
 }
 
 TEST_F(Doctor, FindsDamageInsideAFile) {

@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "platform/file_place.h"
+#include "platform/sqlite/agreements.h"
 #include "platform/sqlite/arrivals.h"
 #include "platform/sqlite/connection.h"
 #include "platform/sqlite/errors.h"
@@ -177,6 +178,14 @@ class EmbeddedDatabase final : public database::Database {
   }
   void setProgress(Progress progress) override {
     if (opened_) opened_->connection.setProgress(std::move(progress));
+  }
+  std::optional<database::Agreement> kept(std::u16string_view subject) override {
+    requireOpen();
+    return keptAgreement(*opened_, subject);
+  }
+  void keep(std::u16string_view subject, const database::Agreement& own) override {
+    requireOpen();
+    keepAgreement(*opened_, subject, own);
   }
   std::shared_ptr<database::Arrivals> arrivals() override {
     requireOpen();

@@ -1,7 +1,9 @@
 #include "platform/sqlite/receipts.h"
 
-#include "platform/sqlite/errors.h"
-#include "text/utf8.h"
+#include <algorithm>
+#include <iterator>
+
+#include "platform/sqlite/own_table.h"
 
 namespace vordane::sqlite {
 namespace {
@@ -11,9 +13,6 @@ using database::Receipt;
 // A person waits for what the reset brings, and nobody writes a file for longer.
 constexpr int lockWait = 1000;
 
-struct OwnTable {
-  std::u16string_view name, sql;  // as the file's schema keeps it
-};
 constexpr OwnTable ownReceiptTables[] = {
     {u"VordaneReceipts",
      u"CREATE TABLE VordaneReceipts (Number INTEGER PRIMARY KEY, Moment TEXT NOT NULL, Exchange TEXT NOT "
@@ -97,27 +96,13 @@ class EmbeddedReceipts final : public database::Receipts {
 
   // False where they are not made yet. Throws where another's tables stand under their names.
   bool areThere() {
-    std::size_t there = 0;
-    for (const OwnTable& own : ownReceiptTables) {
-      Statement& found =
-          opened_->prepared(opened_->ownTable, "SELECT sql FROM sqlite_schema WHERE lower(name) = lower(?)");
-      const Running running(found);
-      found.bindText(1, own.name);
-      if (!found.step()) continue;
-      if (found.text(0) != own.sql) fail(number::alreadyExists, own.name);
-      ++there;
-    }
-    return there == std::size(ownReceiptTables);
+    const auto there = std::count_if(std::begin(ownReceiptTables), std::end(ownReceiptTables),
+                                     [&](const OwnTable& own) { return isThere(*opened_, own); });
+    return there == std::ssize(ownReceiptTables);
   }
 
   void make() {
-    for (const OwnTable& own : ownReceiptTables) {
-      Statement taken(connection_, "SELECT 1 FROM sqlite_schema WHERE lower(name) = lower(?)");
-      taken.bindText(1, own.name);
-      const bool there = taken.step();
-      taken.reset();
-      if (!there) connection_.runMaintenance(text::toUtf8(own.sql).c_str());
-    }
+    for (const OwnTable& own : ownReceiptTables) makeWhereMissing(connection_, own);
   }
 
   void add(const Receipt& receipt) {
