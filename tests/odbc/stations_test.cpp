@@ -143,6 +143,63 @@ TEST_F(Stations, AFaultThatComesTwiceInAListIsStoredOnce) {
   EXPECT_TRUE(isStored(*database, same));
 }
 
+// What is expected is asked for together, and each answer is as if it had been asked for alone.
+TEST_F(Stations, ExpectedFaultsAreFoundAsIfNothingHadBeenSaid) {
+  const auto database = station(), other = station();
+  for (int i = 0; i < 20; i += 2) addFault(*database, faultNumber(i));
+  Fault foreign = faultNumber(1);
+  foreign.id = 2;
+  addFault(*database, foreign);
+  addFault(*database, faultNumber(4));  // twice, as another client may store it
+  std::vector<std::u16string> texts;
+  for (int i = 0; i < 20; ++i) texts.push_back(findSame(faultNumber(i)));
+  Fault odd = faultNumber(3);
+  odd.description = u"a,b{\\}\xD83D\xDE00 ' x";
+  texts.push_back(findSame(odd));
+  const std::vector<database::Statement> coming(texts.begin(), texts.end());
+  database->beginBatch();
+  database->expect(coming);
+  for (int i = 0; i < 20; ++i) {
+    const auto found = database->openRecordset(texts[static_cast<std::size_t>(i)]);
+    EXPECT_EQ(found->recordCount() > 0, i % 2 == 0) << i;
+    if (i % 2 == 0) EXPECT_EQ(found->get(u"Description"), database::text(faultNumber(i).description));
+    if (i == 4) {
+      found->moveNext();
+      EXPECT_FALSE(found->atEnd());
+    }
+    found->close();
+    if (i % 2 != 0) addFault(*database, faultNumber(i));
+    EXPECT_TRUE(isStored(*database, faultNumber(i))) << i;
+    // After a saving others may add what was missing.
+    if (i == 10) {
+      database->checkpoint();
+      addFault(*other, faultNumber(11));
+      EXPECT_TRUE(isStored(*database, faultNumber(11)));
+      ++i;
+    }
+  }
+  EXPECT_FALSE(isStored(*database, odd));
+  addFault(*database, odd);
+  database->endBatch();
+  EXPECT_TRUE(isStored(*database, odd));
+  EXPECT_EQ(one("select count(*)::text from vordane.\"FaultDisplay\""), "23");
+}
+
+TEST_F(Stations, ExpectedFaultsThatAreDeletedOnTheWayAreMissing) {
+  const auto database = station();
+  addFault(*database, faultNumber(1));
+  addFault(*database, faultNumber(2));
+  const std::u16string first = findSame(faultNumber(1)), second = findSame(faultNumber(2));
+  const std::vector<database::Statement> coming{first, second};
+  database->beginBatch();
+  database->expect(coming);
+  EXPECT_TRUE(isStored(*database, faultNumber(1)));
+  database->execute(u"DELETE FROM FaultDisplay WHERE ID = 1");
+  EXPECT_FALSE(isStored(*database, faultNumber(2)));
+  database->endBatch();
+  EXPECT_FALSE(isStored(*database, faultNumber(1)));
+}
+
 TEST_F(Stations, ANumberBelowZeroThatAnotherClientGaveIsReadLikeAnyOther) {
   const auto database = station();
   addExchange(*database, u"PBX-1");

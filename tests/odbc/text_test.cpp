@@ -108,6 +108,20 @@ TEST_F(ServerStore, TwoRowsMayBecomeAlike) {
   EXPECT_TRUE(isStored(*database_, {1, u"01", u"MJ", u"MP", u"2006/11/27", u"x"}));
 }
 
+TEST_F(ServerStore, TheNewestRowCanBeChangedBeforeAnyOtherIsRead) {
+  addFault(*database_, {1, u"01", u"MJ", u"MP", u"06/11/27", u"x"});
+  addFault(*database_, {1, u"02", u"MJ", u"MP", u"06/11/28", u"y"});
+  const auto rows = database_->openRecordset(u"SELECT * FROM FaultDisplay Order by [Date] Desc");
+  rows->edit();
+  rows->set(u"Date", std::u16string(u"2006/11/28"));
+  rows->update();
+  EXPECT_EQ(database::shown(rows->get(u"Date")), "2006/11/28");
+  rows->moveNext();
+  EXPECT_EQ(database::shown(rows->get(u"Description")), "x");
+  EXPECT_EQ(column(*database_, u"Select * from FaultDisplay", u"Date"),
+            (std::vector<std::string>{"06/11/27", "2006/11/28"}));
+}
+
 TEST_F(ServerStore, HoldsOneExchangeOfAName) {
   addExchange(*database_, u"PBX-1");
   EXPECT_EQ(numberOfError([&] { addExchange(*database_, u"pbx-1 "); }), 3022);

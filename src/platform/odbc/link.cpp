@@ -152,10 +152,8 @@ void Link::connect(std::u16string connection, std::chrono::milliseconds patience
         sql::handleEnvironment, to.environment);
   check(to.api.allocHandle(sql::handleConnection, to.environment, &to.handle), sql::handleEnvironment,
         to.environment);
-  // Not every driver knows it; one that does says more than that its time was over.
+  // What the driver has for a limit of its own says more than that the time was over.
   constexpr std::chrono::milliseconds moment{500};
-  const auto seconds = std::chrono::ceil<std::chrono::seconds>(patience).count();
-  to.api.setConnectAttr(to.handle, sql::attributeLoginTimeout, numberAttribute(seconds), 0);
   const Return result = wait(
       [](Connection& made) {
         std::int16_t answered = 0;

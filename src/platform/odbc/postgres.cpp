@@ -83,7 +83,8 @@ class Postgres final : public Dialect {
  public:
   std::vector<DataSource::Entry> driverSettings() const override {
     // The driver would turn line ends into others and a -1 into a 1, and save before each statement; a
-    // network that has gone is noticed within seconds.
+    // network that has gone is noticed within seconds. A limit for connecting stands here and nowhere else,
+    // since the driver refuses two of them.
     return {{u"PORT", u"5432"},
             {u"Protocol", u"7.4-0"},
             {u"LFConversion", u"0"},
@@ -226,7 +227,7 @@ class Postgres final : public Dialect {
            "lateral (select i.\"Moment\" as m from " +
            index +
            " i where i.\"Owner\" = owners.o order by i.\"Moment\" desc nulls last limit 1) l) "
-           "select min(i.\"Key\")::text from owners join " +
+           "select min(i.\"Key\") from owners join " +
            index + " i on i.\"Owner\" = owners.o and i.\"Moment\" = (select m from newest)";
   }
 

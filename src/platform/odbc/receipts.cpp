@@ -91,10 +91,8 @@ class ServerReceipts final : public database::Receipts {
                                                        " order by " + dialect_.quoted(u"Number") + " desc",
                                                    1);
     std::optional<Receipt> found;
-    session_->beside([&](Link& link) {
-      const auto rows = link.query(statement, {&name, 1});
-      if (!rows.empty()) found = receiptOf(rows[0]);
-    });
+    const auto rows = session_->askBeside(statement, {&name, 1});
+    if (!rows.empty()) found = receiptOf(rows[0]);
     return found;
   }
 

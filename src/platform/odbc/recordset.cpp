@@ -41,11 +41,8 @@ void ServerRecordset::startEvents() {
     if (waiting_) size_ = 1;
     return;
   }
-  const auto newest = session_->rows(plan_, plan_.rows, literals_);
-  if (newest.empty() || !newest[0].at(0)) return;
-  keys_ = {numberFrom(newest[0][0])};
-  size_ = 1;
-  onlyFirst_ = true;
+  keepRows(session_->rows(plan_, plan_.rows, literals_));
+  onlyFirst_ = size_ > 0;
 }
 
 void ServerRecordset::keepRows(const std::vector<Fields>& rows) {
@@ -170,9 +167,9 @@ void ServerRecordset::edit() {
   requireTable();
   requireRow();
   if (!plan_.isKeyed()) database::fail(number::invalidOperation);
-  row();
   // The rows that this recordset holds are known before the first of them changes.
   if (onlyFirst_) keepAllKeys();
+  row();
   change_ = Change::edit;
   fields_.assign(plan_.table->columns.size(), std::nullopt);
 }

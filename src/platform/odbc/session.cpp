@@ -122,6 +122,7 @@ bool Session::isAtWork() const noexcept {
 
 // The one that is open, or after a loss a new one.
 Link& Session::link() {
+  answered_ = {};
   if (!link_ || link_->lost()) connect();
   return *link_;
 }
@@ -184,12 +185,23 @@ void Session::beforeReading(const Plan& plan) {
 std::vector<Fields> Session::rows(const Plan& plan, const std::string& statement,
                                   const std::vector<jet::Literal>& values) {
   if (!canBeStored(values)) return {};
+  if (isAnswered(plan, statement, parametersOf(plan, values))) return answered_.rows;
   return guarded([&] {
     beforeReading(plan);
     const bool byName = !plan.shape.conditions.empty() && plan.shape.conditions[0].isText;
     if (inBatch_ && plan.table->isOwners && byName) return ownersByName(plan, values);
-    return ask(plan, statement, values);
+    auto found = ask(plan, statement, values);
+    if (!inBatch_ && plan.table->isOwners)
+      answered_ = {&statement, parametersOf(plan, values), found, std::chrono::steady_clock::now()};
+    return found;
   });
+}
+
+// A display asks for its exchange and at once for the same again.
+bool Session::isAnswered(const Plan& plan, const std::string& statement, const Fields& values) const {
+  constexpr std::chrono::milliseconds atOnce{100};
+  return !inBatch_ && plan.table->isOwners && answered_.statement == &statement &&
+         answered_.values == values && std::chrono::steady_clock::now() - answered_.when < atOnce;
 }
 
 // Whoever adds events of an owner holds it from here on, and whoever finds none by this name may add one:
@@ -437,6 +449,10 @@ void Session::beside(const std::function<void(Link&)>& step) {
     step(to);
     to.commit();
   });
+}
+
+std::vector<Fields> Session::askBeside(const std::string& statement, std::span<const Field> values) {
+  return guarded([&] { return link().query(statement, values); });
 }
 
 void Session::beginBatch() {

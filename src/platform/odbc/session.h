@@ -78,6 +78,8 @@ class Session {
   const database::LampTable* lampTable() const;
   // A step on what stands beside the documented tables, outside batches: a transaction of its own.
   void beside(const std::function<void(Link&)>& step);
+  // One question about that.
+  std::vector<Fields> askBeside(const std::string& statement, std::span<const Field> values);
 
   void beginBatch();
   void checkpoint();
@@ -110,6 +112,7 @@ class Session {
   std::vector<Fields> ownersByName(const Plan& plan, const std::vector<jet::Literal>& values);
   void save();
   void saveIfDue();
+  bool isAnswered(const Plan& plan, const std::string& statement, const Fields& values) const;
   const std::vector<std::int64_t>* findExpected(const Plan& plan, const std::u16string& identity);
   void lose() noexcept;
 
@@ -132,6 +135,14 @@ class Session {
   std::optional<std::int64_t> batchOwner_;  // whose row this batch has written: it must not go meanwhile
   WaitingEvents waiting_;
   ExpectedEvents expected_;
+  // The last question about owners outside a batch, as long as nothing else was asked.
+  struct Answered {
+    const std::string* statement = nullptr;
+    Fields values;
+    std::vector<Fields> rows;
+    std::chrono::steady_clock::time_point when;
+  };
+  Answered answered_;
   bool dirty_ = false;                           // the transaction holds changes that were made already
   std::chrono::steady_clock::time_point begun_;  // when the transaction did
   std::uint64_t changes_ = 0;

@@ -267,7 +267,8 @@ void Plans::planOwner(Plan& plan) const {
 
 void Plans::planNewest(Plan& plan) const {
   plan.special = Plan::Special::newestEvents;
-  plan.rows = dialect_.newest();
+  plan.rows = "select " + columnsOf(plan, "f.") + " from " + dialect_.name(plan.table->name) + " f where f." +
+              dialect_.quoted(plan.table->events->key) + " = (" + dialect_.newest() + ")";
   plan.keys = dialect_.joined("select i.\"Key\" from " + dialect_.indexTable() +
                               " i order by i.\"Moment\" desc nulls last, i.\"Key\"");
 }
