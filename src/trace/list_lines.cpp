@@ -5,14 +5,6 @@
 
 namespace vordane::trace {
 
-bool ListLines::takes(std::int64_t object, int column, std::int16_t index, std::size_t length) const {
-  if (!open_ || object != object_) return false;
-  const auto left = static_cast<std::size_t>(buffer_.data() + room - at_);
-  if (left < length * longestOfCharacter + ofFraming) return false;
-  if (entryOpen_ && index == index_ && column >= next_) return true;
-  return index == index_ + 1 && entries_ < entriesOfLine;
-}
-
 void ListLines::begin(Moment at, std::int64_t object, std::int16_t index) {
   std::string head = R"({"at":")";
   appendMoment(at, head);
@@ -24,7 +16,6 @@ void ListLines::begin(Moment at, std::int64_t object, std::int16_t index) {
   at_ = buffer_.data();
   put(head);
   object_ = object;
-  open_ = true;
   entries_ = 0;
   values_ = 0;
 }
@@ -33,35 +24,30 @@ void ListLines::put(std::string_view text) noexcept {
   at_ = std::copy(text.begin(), text.end(), at_);
 }
 
-void ListLines::add(int column, std::int16_t index, std::u16string_view text) noexcept {
-  if (entryOpen_ && (index != index_ || column < next_)) endEntry();
-  if (!entryOpen_) {
-    if (entries_++ > 0) *at_++ = ',';
-    *at_++ = '[';
-    entryOpen_ = true;
-    index_ = index;
-    next_ = 0;
-  }
-  for (; next_ < column; ++next_) put("null,");
-  at_ = putJson(text, at_);
-  ++values_;
-  if (++next_ < columns)
-    *at_++ = ',';
-  else
-    endEntry();
+void ListLines::put(int unread) noexcept {
+  for (; unread > 0; --unread) put("null,");
+}
+
+void ListLines::beginEntry(std::int16_t index) noexcept {
+  if (entryOpen_) endEntry();
+  if (entries_++ > 0) *at_++ = ',';
+  *at_++ = '[';
+  entryOpen_ = true;
+  index_ = index;
+  next_ = 0;
 }
 
 // What was not read of it is null.
 void ListLines::endEntry() noexcept {
-  for (; next_ < columns; ++next_) put(next_ + 1 < columns ? "null," : "null");
-  *at_++ = ']';
+  put(columns - next_);
+  at_[-1] = ']';
   entryOpen_ = false;
 }
 
 std::string_view ListLines::end() noexcept {
   if (entryOpen_) endEntry();
   put("]}\n");
-  open_ = false;
+  object_ = 0;
   return {buffer_.data(), static_cast<std::size_t>(at_ - buffer_.data())};
 }
 

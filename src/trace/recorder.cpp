@@ -194,17 +194,15 @@ void Recorder::endList() noexcept {
   writer_->wake();
 }
 
-void Recorder::entry(std::int64_t object, int column, std::int16_t index, std::u16string_view text) noexcept {
-  if (!list_.takes(object, column, index, text.size())) {
-    endList();
-    try {
-      list_.begin(now(), object, index);
-    } catch (const std::exception&) {
-      ++leftOut_;
-      return;
-    }
+bool Recorder::beginList(std::int64_t object, std::int16_t index) noexcept {
+  endList();
+  try {
+    list_.begin(now(), object, index);
+    return true;
+  } catch (const std::exception&) {
+    ++leftOut_;
+    return false;
   }
-  list_.add(column, index, text);
 }
 
 void Recorder::flush() noexcept {

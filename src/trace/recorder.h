@@ -71,7 +71,10 @@ class Recorder {
   }
 
   // An entry of a list as it was read. `text` is at most `longestText` long.
-  void entry(std::int64_t object, int column, std::int16_t index, std::u16string_view text) noexcept;
+  void entry(std::int64_t object, int column, std::int16_t index, std::u16string_view text) noexcept {
+    if (list_.takes(object, column, index, text.size()) || beginList(object, index))
+      list_.add(column, index, text);
+  }
 
   // The log-in identifiers that no line shows.
   Secrets& secrets() { return secrets_; }
@@ -89,6 +92,7 @@ class Recorder {
 
   Line begin(std::string_view event);
   void end();
+  bool beginList(std::int64_t object, std::int16_t index) noexcept;
   void endList() noexcept;
   // Whether the line has found room, and those that were left out before it have been told.
   bool put(std::string_view line) noexcept;

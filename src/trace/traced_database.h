@@ -2,22 +2,30 @@
 // thread.
 #pragma once
 
+#include <functional>
+#include <map>
 #include <memory>
+#include <string>
+#include <string_view>
 
 #include "platform/database.h"
 #include "trace/recorder.h"
 
 namespace vordane::trace {
 
+// Outlives the databases that it opens, and their recordsets.
 class TracedEngine final : public database::Engine {
  public:
-  TracedEngine(std::shared_ptr<Recorder> recorder, database::Engine& engine)
-      : recorder_(std::move(recorder)), engine_(engine) {}
+  TracedEngine(std::shared_ptr<Recorder> recorder, database::Engine& engine);
+  ~TracedEngine() override;
   std::unique_ptr<database::Database> open(std::u16string_view path, bool readOnly) override;
+
+  class Failures;
 
  private:
   std::shared_ptr<Recorder> recorder_;
   database::Engine& engine_;
+  std::map<std::u16string, std::unique_ptr<Failures>, std::less<>> files_;
 };
 
 }  // namespace vordane::trace

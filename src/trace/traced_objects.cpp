@@ -38,10 +38,16 @@ int columnOf(std::u16string_view member, CallKind kind, std::span<const Argument
   if (arguments.size() != 1 || kind != CallKind::methodOrGet || arguments[0].byReference ||
       !std::holds_alternative<std::int16_t>(arguments[0].value))
     return -1;
-  constexpr std::u16string_view columns[] = {u"CMD", u"FirstData", u"SecondData", u"ExtraData"};
-  for (int column = 0; column < ListLines::columns; ++column)
-    if (member == columns[column]) return column;
-  return -1;
+  switch (member.size()) {
+    case 3:
+      return member == u"CMD" ? 0 : -1;
+    case 9:
+      return member == u"FirstData" ? 1 : member == u"ExtraData" ? 3 : -1;
+    case 10:
+      return member == u"SecondData" ? 2 : -1;
+    default:
+      return -1;
+  }
 }
 
 // A call that crosses the border, from its beginning to its end: a line for each.
@@ -141,7 +147,15 @@ class ObjectOfOthers final : public automation::Object, public std::enable_share
 
   Value invoke(std::u16string_view member, CallKind kind, std::span<Argument> arguments) override {
     const int column = columnOf(member, kind, arguments);
-    return column < 0 ? call(member, kind, arguments) : readEntry(column, member, arguments);
+    if (column < 0) return call(member, kind, arguments);
+    try {
+      return readEntry(column, member, arguments);
+    } catch (const AutomationError& failure) {
+      Crossing crossing(recorder_, outgoing, number_);
+      crossing.begins(member, kind, arguments);
+      crossing.failed(failure);
+      throw;
+    }
   }
 
  private:
@@ -166,15 +180,7 @@ class ObjectOfOthers final : public automation::Object, public std::enable_share
 
   // Whoever reads a list holds its record as long as that takes.
   Value readEntry(int column, std::u16string_view member, std::span<Argument> arguments) {
-    Value answer;
-    try {
-      answer = object_->invoke(member, CallKind::methodOrGet, arguments);
-    } catch (const AutomationError& failure) {
-      Crossing crossing(recorder_, outgoing, number_);
-      crossing.begins(member, CallKind::methodOrGet, arguments);
-      crossing.failed(failure);
-      throw;
-    }
+    Value answer = object_->invoke(member, CallKind::methodOrGet, arguments);
     const auto* const text = std::get_if<std::u16string>(&answer);
     if (text != nullptr && text->size() <= Recorder::longestText)
       recorder_.entry(number_, column, std::get<std::int16_t>(arguments[0].value), *text);
