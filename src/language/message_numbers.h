@@ -248,12 +248,16 @@ inline constexpr std::size_t lampsNotReset = 337;
 inline constexpr std::size_t reasonNoAnswer = 338;   // the window went before the exchange answered
 inline constexpr std::size_t statusNoReceipt = 339;  // {1} the engine's text
 
+// Of the language that a person reads the window in.
+inline constexpr std::size_t statusNoLanguage = 340;  // {1} the file, {2} the engine's text or the table
+inline constexpr std::size_t menuStoredTexts = 341;   // context menu of the grid; with its access key
+
 // The product's own numbers, as [first, end). Behind the last stand the titles and labels of fault kinds that
 // came later; own ones that come after those begin a range of their own.
 struct Range {
   std::size_t first, end;
 };
-inline constexpr std::array ownTexts{Range{165, 340}};
+inline constexpr std::array ownTexts{Range{165, 342}};
 inline constexpr std::size_t count = ownTexts.back().end;  // of all that are named here or stand before
 
 constexpr bool isOwn(std::size_t number) {
@@ -269,8 +273,9 @@ inline constexpr std::array windowKeys{lookUpLabel, lookUpNext,     filterText, 
 // The captions that a control takes in turn: the second has the first one's key.
 inline constexpr std::array captionsInTurn{std::pair{filterKindsAll, filterKindsSome}};
 inline constexpr std::array paneMenuKeys{menuCopy};
-inline constexpr std::array listMenuKeys{onlyKind,    withoutKind, onlyProcessor, onlyDay,  copyCsv,
-                                         copyMessage, copyData,    saveShown,     noteMenu, nextNew};
+inline constexpr std::array listMenuKeys{onlyKind, withoutKind, onlyProcessor,  onlyDay,
+                                         copyCsv,  copyMessage, copyData,       saveShown,
+                                         noteMenu, nextNew,     menuStoredTexts};
 inline constexpr std::array frameMenuKeys{menuGuide, menuAlarmSound};
 
 }  // namespace vordane::message

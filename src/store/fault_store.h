@@ -47,6 +47,7 @@ class FaultStore {
   void DisplayAlarm();              // paints the lamps of the exchange shown; reports no missing database
   // Print, clear, look up and reset follow the empty grid; the host's scheduler keeps them dead.
   void showButtonStates();
+  void reword();      // the texts that are shown have changed: count, notice, what is told beside the lamps
   void showNotice();  // what stands above the rows or in the place of an empty grid
   // The next row holding `text` after `after` (-1: from the first), round the end once.
   std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from,
