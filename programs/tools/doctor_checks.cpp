@@ -4,6 +4,7 @@
 #include <map>
 #include <system_error>
 
+#include "doctor_language.h"
 #include "doctor_paths.h"
 #include "installed_language.h"
 #include "language/form_controls.h"
@@ -294,6 +295,7 @@ std::vector<Finding> examineFiles(const SuiteLayout& layout, database::Engine& e
         "scheduled jobs run with the default options and without a log",
         {}});
   if (faults) examineOwners(*faults, nameOf(layout.faults()), findings);
+  if (faults && own) examineStoringLanguage(layout, engine, *faults, findings);
   if (own) examineTexts(*own, common.get(), findings);
   if (own) examinePictures(layout, *own, findings);
   if (registry) examineRegistration(*registry, findings);
