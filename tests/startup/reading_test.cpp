@@ -305,12 +305,11 @@ class ReadingStory : public Reading {
     std::vector<std::string> shown;
   };
   Seen run(bool read) {
-    Seen seen;
-    engine.between = [&seen](std::u16string_view path, auto file) -> std::unique_ptr<database::Database> {
+    engine.between = [this](std::u16string_view path, auto file) -> std::unique_ptr<database::Database> {
       const std::string name = text::toUtf8(path.substr(path.rfind(u'\\') + 1));
       if (name == "VORDANE.xx.LNG") return file;
       auto watched = std::make_unique<fakes::WatchedDatabase>(std::move(file));
-      watched->before = [&seen, name](std::u16string_view step) {
+      watched->before = [this, name](std::u16string_view step) {
         seen.asked.push_back(name + ": " + text::toUtf8(step));
       };
       return watched;
@@ -344,6 +343,9 @@ class ReadingStory : public Reading {
     return seen;
   }
   void TestBody() override {}
+
+ private:
+  Seen seen;
 };
 
 TEST(ReadingStories, TheSameStatementsRunInWhateverLanguageTheWindowIsRead) {
