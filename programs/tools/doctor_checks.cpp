@@ -4,6 +4,7 @@
 #include <map>
 #include <system_error>
 
+#include "doctor_language.h"
 #include "doctor_paths.h"
 #include "installed_language.h"
 #include "language/form_controls.h"
@@ -148,19 +149,22 @@ void examineOwners(Database& faults, const std::string& file, Findings& findings
 }
 
 // New faults are stored in the words of VORDANE.LNG; what the exchange had reported before would be stored
-// again.
-void examineWords(const SuiteLayout& layout, database::Engine& engine, Database& faults,
+// again. False where the file does not tell which words its faults are in.
+bool examineWords(const SuiteLayout& layout, database::Engine& engine, Database& faults,
                   Findings& findings) try {
   const auto stored = faults.kept(store::languageSubject);
   const database::Agreement own = storingLanguageOf(engine, text::toUtf8(toText(layout.texts())));
-  if (!stored || stored->mark == own.mark) return;
+  if (!stored) return false;
+  if (stored->mark == own.mark) return true;
   findings.push_back({Weight::incomplete,
                       nameOf(layout.faults()) + ": its faults are stored in another language (" +
                           text::toUtf8(stored->name) + ") than that of VORDANE.LNG (" +
                           text::toUtf8(own.name) + "): what an exchange reported before is stored again"});
+  return true;
 } catch (const database::DatabaseError&) {
+  return true;
 } catch (const ToolError&) {
-  // What can't be read has been named already.
+  return true;  // what can't be read has been named already
 }
 
 void examineTexts(Database& own, Database* common, Findings& findings) try {
@@ -312,7 +316,8 @@ std::vector<Finding> examineFiles(const SuiteLayout& layout, database::Engine& e
         "scheduled jobs run with the default options and without a log",
         {}});
   if (faults) examineOwners(*faults, nameOf(layout.faults()), findings);
-  if (faults && own) examineWords(layout, engine, *faults, findings);
+  if (faults && own && !examineWords(layout, engine, *faults, findings))
+    examineStoringLanguage(layout, engine, *faults, findings);
   if (own) examineTexts(*own, common.get(), findings);
   if (own) examinePictures(layout, *own, findings);
   if (registry) examineRegistration(*registry, findings);

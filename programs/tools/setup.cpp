@@ -136,7 +136,10 @@ void chooseLanguage(Plan& plan, const InstallRequest& request, SetupSystem& syst
 
 void addDataFiles(Plan& plan, const InstallRequest& request) {
   const bool alone = plan.record.situation == Situation::alone;
-  for (DataFile& file : dataFiles(plan.language, request.package / "data" / "report")) {
+  std::vector<DataFile> files = dataFiles(plan.language, request.package / "data" / "report");
+  for (DataFile& file : readingFiles(packagedLanguages(request.package), plan.record.language))
+    files.push_back(std::move(file));
+  for (DataFile& file : files) {
     const bool there = fs::exists(plan.layout.root / file.place);
     const bool made = plan.before && std::find(plan.before->made.begin(), plan.before->made.end(),
                                                file.place) != plan.before->made.end();

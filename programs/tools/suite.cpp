@@ -1,6 +1,8 @@
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "commands.h"
 #include "language_check.h"
@@ -14,17 +16,30 @@ struct Options {
   std::string guide;  // empty: none
 };
 
+// Every folder of texts; `shared` holds what all of them have.
+std::vector<LanguageSource> allLanguages(const std::filesystem::path& folder, Problems& problems) {
+  std::vector<LanguageSource> languages;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    if (!entry.is_directory() || entry.path().filename() == "shared") continue;
+    languages.push_back(readLanguageSource(entry.path(), problems));
+    checkLanguage(languages.back(), problems);
+  }
+  return languages;
+}
+
 int suite(const Options& given) {
   Problems problems;
-  const LanguageSource source =
-      readLanguageSource(toPath(given.source) / "language" / toPath(given.language), problems);
+  const std::filesystem::path folder = toPath(given.source) / "language";
+  const LanguageSource source = readLanguageSource(folder / toPath(given.language), problems);
   checkLanguage(source, problems);
+  std::vector<LanguageSource> languages;
+  if (problems.empty()) languages = allLanguages(folder, problems);
   if (!problems.empty()) {
     for (const std::string& problem : problems) std::cerr << problem << '\n';
     return 1;
   }
   const SuiteLayout layout{toPath(given.directory)};
-  makeSuiteFiles(layout, source);
+  makeSuiteFiles(layout, source, languages);
   installReportLayout(layout, toPath(given.source) / "report", source);
   if (!given.guide.empty()) installGuide(layout, toPath(given.guide), source.name);
   std::cout << "made the data files of " << given.directory << '\n';

@@ -114,9 +114,24 @@ std::vector<DataFile> dataFiles(const LanguageSource& language, const fs::path& 
   return files;
 }
 
-void makeSuiteFiles(const SuiteLayout& layout, const LanguageSource& language) {
+std::vector<DataFile> readingFiles(const std::vector<LanguageSource>& languages, const std::string& name) {
+  std::vector<DataFile> files;
+  for (const LanguageSource& language : languages) {
+    if (language.name == name) continue;
+    const fs::path place = places.ownDatabases() / toPath("VORDANE." + language.name + ".LNG");
+    files.push_back(
+        {place, Keeper::release, [language](const fs::path& path) { buildOwnLanguage(language, path); }});
+  }
+  return files;
+}
+
+void makeSuiteFiles(const SuiteLayout& layout, const LanguageSource& language,
+                    const std::vector<LanguageSource>& others) {
   fs::create_directories(layout.report());
-  for (const DataFile& file : dataFiles(language)) {
+  fs::remove(layout.ownDatabases() / toPath("VORDANE." + language.name + ".LNG"));
+  std::vector<DataFile> files = dataFiles(language);
+  for (DataFile& file : readingFiles(others, language.name)) files.push_back(std::move(file));
+  for (const DataFile& file : files) {
     const fs::path path = layout.root / file.place;
     fs::create_directories(path.parent_path());
     if (!isMadeOnce(file.keeper) || !fs::exists(path)) file.make(path);

@@ -77,14 +77,19 @@ struct DataFile {
 // long as the list.
 std::vector<DataFile> dataFiles(const LanguageSource& language, const std::filesystem::path& report = {});
 
+// The languages that the window can be read in besides that of the suite, `name`: a file beside VORDANE.LNG
+// for each of the others, "VORDANE.ru.LNG".
+std::vector<DataFile> readingFiles(const std::vector<LanguageSource>& languages, const std::string& name);
+
 // Whether two paths lead to the same file or directory, also where one ends in a separator, which not every
 // system's look at it bears.
 bool samePlace(const std::filesystem::path& a, const std::filesystem::path& b);
 
-// Makes every data file that is missing. What a user's work may have changed (stored faults, registration,
-// jobs) stays when it is there; texts, pictures and help are made anew. Throws ToolError or
-// database::DatabaseError.
-void makeSuiteFiles(const SuiteLayout& layout, const LanguageSource& language);
+// Makes every data file that is missing, those of `others` to read in among them. What a user's work may have
+// changed (stored faults, registration, jobs) stays when it is there; texts, pictures and help are made anew.
+// Throws ToolError or database::DatabaseError.
+void makeSuiteFiles(const SuiteLayout& layout, const LanguageSource& language,
+                    const std::vector<LanguageSource>& others = {});
 
 // The layout of the printed report, as hosts fill it in: FAULT.RPT of `folder` with the texts of the language
 // (report_ layout.h), which stand beside it by the language's name. Throws ToolError.

@@ -1,5 +1,7 @@
 #include "faults/cFaultDisplay.h"
 
+#include <utility>
+
 #include "faults/composer.h"
 #include "faults/data_text.h"
 #include "faults/family_decoders.h"
@@ -125,9 +127,8 @@ cFaultDisplay::Pieces cFaultDisplay::explain(std::u16string_view record, std::u1
 }
 
 // The data stands between the last opening bracket under the heading and the closing bracket at the end.
-cFaultDisplay::Pieces cFaultDisplay::explainStored(std::u16string_view kind, std::u16string_view description,
-                                                   std::u16string& dataText) const {
-  dataText.clear();
+std::optional<cFaultDisplay::Origin> cFaultDisplay::originOf(std::u16string_view kind,
+                                                             std::u16string_view description) const {
   const std::u16string *heading = texts_.message(rawDataHeading), *open = texts_.message(openBracket),
                        *close = texts_.message(closeBracket);
   if (heading == nullptr || open == nullptr || close == nullptr || !description.ends_with(*close)) return {};
@@ -141,11 +142,28 @@ cFaultDisplay::Pieces cFaultDisplay::explainStored(std::u16string_view kind, std
   if (blank == std::u16string_view::npos) return {};
   for (const bool wide : {wideFaultFields_, !wideFaultFields_}) {
     Pieces pieces = explainWith(kind, bytes.substr(0, blank), bytes.substr(blank + 1), wide);
-    if (joined(pieces) != description) continue;
-    dataText = bytes;
-    return pieces;
+    if (joined(pieces) == description) return Origin{bytes, wide, std::move(pieces)};
   }
   return {};
+}
+
+cFaultDisplay::Pieces cFaultDisplay::explainStored(std::u16string_view kind, std::u16string_view description,
+                                                   std::u16string& dataText) const {
+  dataText.clear();
+  auto origin = originOf(kind, description);
+  if (!origin) return {};
+  dataText = origin->data;
+  return std::move(origin->pieces);
+}
+
+cFaultDisplay::Pieces cFaultDisplay::translateStored(std::u16string_view kind,
+                                                     std::u16string_view description,
+                                                     const FaultTextTable& other) const {
+  const auto origin = originOf(kind, description);
+  if (!origin) return {};
+  const auto blank = origin->data.find(u' ');
+  const cFaultDisplay decoder(other, origin->wide);
+  return decoder.explain(kind, origin->data.substr(0, blank), origin->data.substr(blank + 1));
 }
 
 }  // namespace vordane

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -50,7 +51,19 @@ class cFaultDisplay {
   Pieces explainStored(std::u16string_view kind, std::u16string_view description,
                        std::u16string& dataText) const;
 
+  // A stored fault in the words of `other`: the pieces of what its kind and data give there. Nothing unless
+  // exactly the stored description comes out of the words of this decoder, and where `other` lacks a text.
+  Pieces translateStored(std::u16string_view kind, std::u16string_view description,
+                         const FaultTextTable& other) const;
+
  private:
+  // What a stored description was decoded from.
+  struct Origin {
+    std::u16string_view data;
+    bool wide;
+    Pieces pieces;
+  };
+  std::optional<Origin> originOf(std::u16string_view kind, std::u16string_view description) const;
   Pieces explainWith(std::u16string_view record, std::u16string_view first, std::u16string_view second,
                      bool wide) const;
 

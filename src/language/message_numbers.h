@@ -254,12 +254,16 @@ inline constexpr std::size_t statusNewerList = 340;  // of {1} than the one show
 // Of a file whose faults are stored in two languages.
 inline constexpr std::size_t statusOtherWords = 341;  // {1} of the faults before, {2} of these
 
+// Of the language that a person reads the window in.
+inline constexpr std::size_t statusNoLanguage = 342;  // {1} the file, {2} the engine's text or the table
+inline constexpr std::size_t menuStoredTexts = 343;   // context menu of the grid; with its access key
+
 // The product's own numbers, as [first, end). Behind the last stand the titles and labels of fault kinds that
 // came later; own ones that come after those begin a range of their own.
 struct Range {
   std::size_t first, end;
 };
-inline constexpr std::array ownTexts{Range{165, 342}};
+inline constexpr std::array ownTexts{Range{165, 344}};
 inline constexpr std::size_t count = ownTexts.back().end;  // of all that are named here or stand before
 
 constexpr bool isOwn(std::size_t number) {
@@ -275,8 +279,9 @@ inline constexpr std::array windowKeys{lookUpLabel, lookUpNext,     filterText, 
 // The captions that a control takes in turn: the second has the first one's key.
 inline constexpr std::array captionsInTurn{std::pair{filterKindsAll, filterKindsSome}};
 inline constexpr std::array paneMenuKeys{menuCopy};
-inline constexpr std::array listMenuKeys{onlyKind,    withoutKind, onlyProcessor, onlyDay,  copyCsv,
-                                         copyMessage, copyData,    saveShown,     noteMenu, nextNew};
+inline constexpr std::array listMenuKeys{onlyKind, withoutKind, onlyProcessor,  onlyDay,
+                                         copyCsv,  copyMessage, copyData,       saveShown,
+                                         noteMenu, nextNew,     menuStoredTexts};
 inline constexpr std::array frameMenuKeys{menuGuide, menuAlarmSound};
 
 }  // namespace vordane::message

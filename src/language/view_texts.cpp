@@ -202,6 +202,8 @@ std::size_t messageNumber(window::ViewText which) {
       return message::notesNotOnServer;
     case ViewText::notesNotInFile:
       return message::notesNotInFile;
+    case ViewText::storedTexts:
+      return message::menuStoredTexts;
     case ViewText::openGuide:
       return message::menuGuide;
     case ViewText::newFault:

@@ -9,11 +9,11 @@ namespace vordane {
 // The message number of a word of the drawing.
 std::size_t messageNumber(window::ViewText which);
 
-// Reads the messages anew for each word, so that it may be made before they are loaded; `state` outlives it.
+// Reads the messages that the window shows anew for each word, so that it may be made before they are loaded; `state` outlives it.
 class MessageTexts final : public window::ViewTexts {
  public:
   explicit MessageTexts(const SharedState& state) : state_(state) {}
-  std::u16string text(window::ViewText which) override { return messageText(state_, messageNumber(which)); }
+  std::u16string text(window::ViewText which) override { return shownText(state_, messageNumber(which)); }
 
  private:
   const SharedState& state_;

@@ -62,6 +62,13 @@ void Desk::noteWritten() {
   choosing_ = true;
 }
 
+void Desk::reword() {
+  factsKnown_ = surveyed_ = false;
+  survey_.reset();
+  begin();
+  facts_.reset();
+}
+
 void Desk::giveUp() {
   if (!choosing_) return;
   filter_ = applied_;
@@ -122,7 +129,7 @@ void Desk::survey(database::RowList& rows, Did& did) {
     }
     surveyed_ = !survey_->next(rowsSurveyed, *facts_);
     if (surveyed_) survey_.reset();
-  } else if (!facts_->name(rows, groupsNamed)) {
+  } else if (!facts_->name(rows, groupsNamed, this)) {
     factsKnown_ = did.facts = true;
   }
 }
@@ -197,6 +204,10 @@ std::optional<database::Note> Desk::note(std::int64_t fault) {
   } catch (const database::DatabaseError&) {
     return {};
   }
+}
+
+std::u16string Desk::asRead(const window::GridRow& row) {
+  return stored_ != nullptr ? stored_->asRead(row) : row.description;
 }
 
 std::vector<window::GridSource::Range> Desk::provenance(std::size_t row, std::size_t position) {

@@ -34,6 +34,8 @@ class Desk final : public window::GridSource {
   void wantFacts(bool wanted) { factsWanted_ = wanted; }  // kinds, processors and their counts
   // A note has been written: what the filter makes of notes and texts is chosen anew.
   void noteWritten();
+  // Descriptions are read in other words from now on: what is known of the rows is looked for anew.
+  void reword();
   // What is being chosen is given up; the filter is that of the rows shown again.
   void giveUp();
 
@@ -78,6 +80,7 @@ class Desk final : public window::GridSource {
   database::RowList* list() override { return stored_ == nullptr ? nullptr : stored_->list(); }
 
   std::optional<database::Note> note(std::int64_t fault) override;
+  std::u16string asRead(const window::GridRow& row) override;
 
  private:
   using Positions = std::vector<std::uint32_t>;

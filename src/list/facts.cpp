@@ -40,20 +40,22 @@ void Facts::take(std::size_t position, std::uint32_t kind, std::u16string_view t
   minuteOf_[position] = lastMinute_;
 }
 
-bool Facts::name(database::RowList& rows, std::size_t most) {
+bool Facts::name(database::RowList& rows, std::size_t most, window::GridSource* reader) {
   for (const std::size_t end = named_ + most; named_ < groups_.size() && named_ < end; ++named_)
-    read(groups_[named_], static_cast<std::uint32_t>(named_), rows);
+    read(groups_[named_], static_cast<std::uint32_t>(named_), rows, reader);
   return named_ < groups_.size();
 }
 
 // The row that was met first may have gone since: then another one speaks for its group.
-void Facts::read(Group& group, std::uint32_t number, database::RowList& rows) {
+void Facts::read(Group& group, std::uint32_t number, database::RowList& rows, window::GridSource* reader) {
   for (std::size_t position = group.first; position < size(); ++position) {
     if (groupOf_[position] != number || !rows.fetch(position, buffer_)) continue;
     group.fault = textOf(buffer_.at(window::faultColumn));
     group.alarm = textOf(buffer_.at(window::alarmColumn));
     group.cpu = textOf(buffer_.at(window::cpuColumn));
     group.description = textOf(buffer_.at(window::descriptionColumn));
+    if (reader != nullptr)
+      group.description = reader->asRead({group.fault, group.alarm, {}, group.cpu, group.description});
     return;
   }
 }

@@ -9,6 +9,7 @@
 #include "list/filter.h"
 #include "platform/database.h"
 #include "platform/grid_columns.h"
+#include "platform/view.h"
 
 namespace vordane::list {
 
@@ -29,8 +30,9 @@ class Facts final : public database::Survey::Taker {
   explicit Facts(std::size_t rows) : groupOf_(rows, noGroup), minuteOf_(rows, noMinute) {}
 
   void take(std::size_t position, std::uint32_t kind, std::u16string_view time) override;
-  // Reads the texts of the next groups, about `most`; false when all have theirs.
-  bool name(database::RowList& rows, std::size_t most);
+  // Reads the texts of the next groups, about `most`, with the descriptions as `reader` gives them, if any;
+  // false when all have theirs.
+  bool name(database::RowList& rows, std::size_t most, window::GridSource* reader = nullptr);
 
   std::size_t size() const { return groupOf_.size(); }
   const std::vector<Group>& groups() const { return groups_; }
@@ -38,7 +40,7 @@ class Facts final : public database::Survey::Taker {
   Minute minuteOf(std::size_t position) const { return minuteOf_[position]; }
 
  private:
-  void read(Group& group, std::uint32_t number, database::RowList& rows);
+  void read(Group& group, std::uint32_t number, database::RowList& rows, window::GridSource* reader);
 
   std::vector<Group> groups_;
   std::vector<std::uint32_t> groupOf_;

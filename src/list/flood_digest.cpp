@@ -102,9 +102,12 @@ void FloodDigest::lookAtFaults(database::RowList& rows) {
 // A group's first row speaks for it; when it has gone others have, and a refresh is to come.
 bool FloodDigest::name(Group& group, database::RowList& rows) {
   if (!rows.fetch(group.position, row_)) return false;
-  group.fault = keyOf(database::textOf(row_.at(window::faultColumn)));
+  window::GridRow row;
+  row.fault = database::textOf(row_.at(window::faultColumn));
+  row.description = database::textOf(row_.at(window::descriptionColumn));
+  group.fault = keyOf(row.fault);
   group.processor = trimmed(row_.at(window::cpuColumn));
-  group.title = titleOf(database::textOf(row_.at(window::descriptionColumn)));
+  group.title = titleOf(desk_.asRead(row));
   return true;
 }
 

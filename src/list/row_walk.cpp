@@ -20,7 +20,9 @@ void RowWalk::step() {
 std::optional<window::GridRow> RowWalk::read(database::RowList& rows) {
   if (place_ >= desk_.size() || !rows.fetch(desk_.storedPosition(place_), values_)) return {};
   try {
-    return database::gridRowOf(values_);
+    window::GridRow row = database::gridRowOf(values_);
+    row.description = desk_.asRead(row);
+    return row;
   } catch (const automation::AutomationError&) {
     return {};
   }

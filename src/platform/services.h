@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/automation.h"
 
@@ -42,6 +43,12 @@ class Files {
   virtual ~Files() = default;
   virtual bool exists(std::u16string_view path) = 0;  // a file, in the current directory if bare
   virtual bool directoryExists(std::u16string_view path) = 0;
+  // The names, without their directory, of the files whose path is `before`, any letters, `behind`; without
+  // regard to case, sorted. `before` ends a directory or a part of a name; `behind` holds no directory.
+  virtual std::vector<std::u16string> between(std::u16string_view /*before*/,
+                                              std::u16string_view /*behind*/) {
+    return {};
+  }
   // Appends bytes, creating the file; `length` is its size before. False when it can't be opened or
   // written whole.
   virtual bool append(std::u16string_view path, std::string_view bytes) = 0;

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/notes.h"
 #include "platform/window.h"
@@ -49,6 +50,9 @@ class GridSource {
   // What a person has written to the fault with this number; nothing where nobody looks, and while there is
   // no `list`.
   virtual std::optional<database::Note> note(std::int64_t) { return std::nullopt; }
+  // A row's description as a person reads it: in the words of another language while one is chosen and the
+  // row can be told in it, else as it is stored. `dataPart` and `provenance` speak of this text.
+  virtual std::u16string asRead(const GridRow& row) { return row.description; }
 };
 
 // The words that belong to the drawing and to no control. They come from the language database like all
@@ -164,6 +168,7 @@ enum class ViewText {
   notesNotInAccess,  // why there are no notes: an Access file
   notesNotOnServer,  // a server
   notesNotInFile,    // tables that somebody else has declared otherwise
+  storedTexts,       // context menu of the grid, ticked while faults show as stored; with its access key
 };
 
 class ViewTexts {
@@ -180,6 +185,13 @@ enum class LookUpWay { forwards, backwards };
 // Whether a person may look at the list in ways of the window's own now: never where nobody sits, and not
 // while an answer is waited for or a box stands.
 enum class ListUse { never, later, now };
+
+// The languages that the window can be read in, as their speakers call them; the first is the one that faults
+// are stored in.
+struct Languages {
+  std::vector<std::u16string> names;
+  std::size_t chosen = 0;
+};
 
 // What may have the focus besides the form's controls.
 inline constexpr std::u16string_view lookUpBarPart = u"lookUpBar", filterBarPart = u"filterBar",
@@ -207,6 +219,13 @@ class ViewEvents {
   // without regard to case, wrapping round once; nothing when none does.
   virtual std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from, LookUpWay way) = 0;
   virtual ListUse listUse() { return ListUse::never; }
+  // Asked whenever the window's system menu opens: looks for the languages anew.
+  virtual Languages languages() { return {}; }
+  virtual void languageChosen(std::size_t) {}  // its place among those of the last `languages`
+  // Faults show as they are stored, or translated again. Nothing while the first language is read.
+  virtual bool storedTextsOffered() { return false; }
+  virtual bool storedTextsShown() { return false; }
+  virtual void storedTextsAsked() {}
   // What has come into the store; null where it can't be told. For use at once: the database may be closed.
   virtual std::shared_ptr<database::Arrivals> arrivals() { return nullptr; }
   // The moment to look whether others have stored something newer than is shown; nothing may be waited for
@@ -234,6 +253,10 @@ class View {
   virtual void startTimer(int milliseconds) = 0;  // one tick, then off
   virtual void stopTimer() = 0;
 
+  // Captions, tips, headings and fonts show from now on as this form's controls of the same name have them,
+  // and the view's own words and the rows are read anew. It outlives the next call; null: the attached form's
+  // own.
+  virtual void setWords(Form*) {}
   virtual void setRows(GridSource* rows) = 0;                 // nullptr: empty grid
   virtual void setSortMark(int column, bool descending) = 0;  // -1: none
   virtual void setLamp(bool major, bool lit) = 0;             // drawn in words besides the label's colour

@@ -41,6 +41,9 @@ struct SharedState {
   std::u16string AddinsSection;
   std::u16string BackGroundDir;
   std::vector<std::u16string> Messages;  // by message number
+  // The same in the language that a person reads the window in, while that is another one; else empty. For
+  // what is shown in the window alone.
+  std::vector<std::u16string> ShownMessages;
   bool StandAlone = false;
   bool WideFaultFields = true;
   RunMode runMode = RunMode::interactive;
@@ -55,6 +58,20 @@ struct SharedState {
 // Entry n of the message texts; the empty text where there is none.
 inline std::u16string messageText(const SharedState& state, std::size_t number) {
   return number < state.Messages.size() ? state.Messages[number] : std::u16string{};
+}
+
+// The same as the window shows it.
+inline std::u16string shownText(const SharedState& state, std::size_t number) {
+  return number < state.ShownMessages.size() ? state.ShownMessages[number] : messageText(state, number);
+}
+
+// For whoever words a whole sentence of the window: `tell` gets a state whose messages are the shown ones.
+template <typename Tell>
+std::u16string inShownWords(const SharedState& state, Tell&& tell) {
+  if (state.ShownMessages.empty()) return tell(state);
+  SharedState shown = state;
+  shown.Messages = state.ShownMessages;
+  return tell(shown);
 }
 
 }  // namespace vordane

@@ -42,7 +42,8 @@ dlgFaultDisplay::dlgFaultDisplay(startup::Application& application)
       runs_(parts_),
       actions_(parts_),
       help_(application, life_, host_, status_),
-      input_(parts_, help_) {}
+      reading_(parts_, help_),
+      input_(parts_, help_, reading_) {}
 
 dlgFaultDisplay::~dlgFaultDisplay() {
   caller_->detach();
@@ -139,17 +140,13 @@ void dlgFaultDisplay::usePBXName(const std::u16string& name, store::FaultStore::
   store_.setExchangeName(name, report);
   if (!alive()) return;
   parts_.showNotice();
+  reading_.nameTitle(name);
   model_.self().set(u"Caption", parts_.text(message::windowTitle) + u" (" + name + u")");
   const automation::ObjectRef host = parts_.state().StandAlone ? nullptr : host_.ref();
   const std::u16string generation = pbx::GetMPGeneration(host.get(), name);
   if (!alive()) return;
   parts_.state().WideFaultFields = generation.empty() || generation > lastNarrowGeneration;
-  showProcessorTexts();
-}
-
-void dlgFaultDisplay::showProcessorTexts() {
-  const std::size_t number = parts_.state().WideFaultFields ? message::statusWide : message::statusNarrow;
-  parts_.view().setStatus(window::processorPart, parts_.text(number));
+  parts_.showProcessorTexts();
 }
 
 bool dlgFaultDisplay::visible() {
@@ -159,6 +156,7 @@ bool dlgFaultDisplay::visible() {
 void dlgFaultDisplay::setVisible(bool visible) {
   const auto entry = enter();
   if (!alive()) return;
+  if (visible) reading_.begin();
   parts_.view().setVisible(visible);
   parts_.view().refresh();
 }

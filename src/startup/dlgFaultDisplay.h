@@ -13,6 +13,7 @@
 #include "startup/window_help.h"
 #include "startup/window_input.h"
 #include "startup/window_parts.h"
+#include "startup/window_reading.h"
 
 namespace vordane {
 
@@ -62,7 +63,6 @@ class dlgFaultDisplay final {
   void localise();
   void textsStopped(std::u16string_view table);
   void usePBXName(const std::u16string& name, store::FaultStore::Report report);
-  void showProcessorTexts();
 
   startup::Application& application_;
   window::Form model_;
@@ -83,6 +83,7 @@ class dlgFaultDisplay final {
   startup::ScheduledRuns runs_;
   startup::WindowActions actions_;
   startup::WindowHelp help_;
+  startup::WindowReading reading_;
   startup::WindowInput input_;
 };
 

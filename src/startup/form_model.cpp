@@ -42,6 +42,15 @@ window::Form makeFormModel() {
   return form;
 }
 
+void readFaultTexts(const std::vector<std::u16string>& messages, window::Form& form, FaultTextTable& texts) {
+  texts.setMessages(messages);
+  for (const KindList& list : kindLists) {
+    std::vector<std::u16string> items;
+    for (const auto& item : form.control(list.name()).items()) items.push_back(item.text);
+    texts.setList(list.kind, std::move(items));
+  }
+}
+
 std::u16string_view buttonOfAction(Action action) {
   for (const auto& [code, name] : buttons)
     if (code == action) return name;

@@ -42,20 +42,23 @@ void SessionWindow::requestFailed(const pbx::FailedRequest& request) {
   receipts_.failed(request);
   if (request.failure == pbx::Failure::declined) return;  // the user knows
   attemptFailed(request.kind, request.exchange,
-                status::reasonText(application_.state(), request.failure, request.errorCode));
+                [failure = request.failure, code = request.errorCode](const SharedState& words) {
+                  return status::reasonText(words, failure, code);
+                });
 }
 
 void SessionWindow::attemptFailed(std::int16_t request, std::u16string_view exchange,
-                                  std::u16string_view reason) {
+                                  const status::Sentence& reason) {
   const SharedState& state = application_.state();
+  const std::u16string words = reason(state);
   platform::Clock& clock = application_.station().clock;
   status_.attemptFailed(request, exchange, clock.regional(clock.now()), reason);
   status::showLine(view(), status_);
   status::showConversation(view(), status_);
-  application_.events().runFailed(reason);
+  application_.events().runFailed(words);
   if (state.runMode != RunMode::scheduledRun) return;
   const auto pattern = request == step::alarmStateRequest ? message::runAckFailed : message::runListFailed;
-  comSchedule::writeRunLine(application_.runLog(), fillText(messageText(state, pattern), {reason}));
+  comSchedule::writeRunLine(application_.runLog(), fillText(messageText(state, pattern), {words}));
 }
 
 }  // namespace vordane::startup

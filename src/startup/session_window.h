@@ -32,7 +32,7 @@ class SessionWindow final : public pbx::SessionForm {
 
   // Tells the status line, the notice and, in a scheduled run, the run log. `request` as
   // step::faultListRequest.
-  void attemptFailed(std::int16_t request, std::u16string_view exchange, std::u16string_view reason);
+  void attemptFailed(std::int16_t request, std::u16string_view exchange, const status::Sentence& reason);
 
   automation::ObjectRef host() override { return host_.ref(); }
   automation::ObjectRef caller() override { return caller_; }

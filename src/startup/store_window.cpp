@@ -2,10 +2,10 @@
 
 #include <utility>
 
-#include "faults/kind_lists.h"
 #include "faults/stored_words.h"
 #include "language/comDatabase.h"
 #include "language/message_numbers.h"
+#include "startup/form_model.h"
 #include "startup/window_end.h"
 
 namespace vordane::startup {
@@ -41,12 +41,7 @@ void StoreWindow::close() {
 const cFaultDisplay& StoreWindow::faultDecoder(bool wideFaultFields) {
   wide_ = wideFaultFields;
   if (decoder_) return *decoder_;
-  texts_.setMessages(application_.state().Messages);
-  for (const KindList& list : kindLists) {
-    std::vector<std::u16string> items;
-    for (const auto& item : form_.control(list.name()).items()) items.push_back(item.text);
-    texts_.setList(list.kind, std::move(items));
-  }
+  readFaultTexts(application_.state().Messages, form_, texts_);
   decoder_ = std::make_unique<cFaultDisplay>(texts_, wide_);
   return *decoder_;
 }

@@ -29,6 +29,9 @@ class StoreWindow final : public store::StoreForm {
 
   database::Database* faultDatabase() override { return database_.get(); }
   const cFaultDisplay& faultDecoder(bool wideFaultFields) override;
+  const FaultTextTable* readingTexts() override { return reading_; }
+  // Descriptions are read in these words from now on; null: as they are stored. They outlive the next call.
+  void readIn(const FaultTextTable* texts) { reading_ = texts; }
   database::Agreement storingLanguage() override;
   automation::ObjectRef host() override { return host_.ref(); }
   std::u16string installPath(std::u16string_view item) override { return application_.installPath(item); }
@@ -51,6 +54,7 @@ class StoreWindow final : public store::StoreForm {
   status::WindowStatus& status_;
   std::unique_ptr<database::Database> database_;
   FaultTextTable texts_;
+  const FaultTextTable* reading_ = nullptr;
   bool wide_ = true;
   std::unique_ptr<cFaultDisplay> decoder_;
 };

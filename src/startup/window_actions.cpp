@@ -98,7 +98,7 @@ void WindowActions::endLampAction(bool good, std::size_t reason) {
     status::showLine(parts_.view(), parts_.status);
   } else if (parts_.alive()) {
     parts_.talk.attemptFailed(parts_.session.requestKind(), parts_.session.requestName(),
-                              parts_.text(reason));
+                              parts_.sentence(reason));
   }
   endAction();
 }
@@ -127,7 +127,8 @@ void WindowActions::endBroken(Action action) {
                                                          : parts_.session.requestKind();
   attempt([&] {
     if (action == Action::request || action == Action::reset || isAnswer(action))
-      parts_.talk.attemptFailed(request, parts_.session.requestName(), parts_.text(message::reasonNoMemory));
+      parts_.talk.attemptFailed(request, parts_.session.requestName(),
+                                parts_.sentence(message::reasonNoMemory));
   });
   parts_.talk.concluded(std::nullopt);
 }

@@ -41,9 +41,10 @@ void WindowHelp::ShowWhatsThis(window::Control& control) {
 void WindowHelp::whatsThisChosen() {
   const WindowLife::Entry entry(life_);
   if (target_ == nullptr || !life_.alive()) return;
-  const auto help = texts_.find(target_->name());
+  const auto& texts = reading_ != nullptr ? *reading_ : texts_;
+  const auto help = texts.find(target_->name());
   application_.station().view.showWhatsThis(
-      *target_, help == texts_.end() ? messageText(application_.state(), message::noHelpText) : help->second);
+      *target_, help == texts.end() ? shownText(application_.state(), message::noHelpText) : help->second);
 }
 
 bool WindowHelp::guideOffered() {

@@ -19,6 +19,8 @@ class WindowHelp {
       : application_(application), life_(life), host_(host), status_(status) {}
 
   void load(window::Form& form, database::Database& language);
+  // What's This says these texts from now on; null: its own. They outlive the next call.
+  void readIn(const std::map<std::u16string, std::u16string>* texts) { reading_ = texts; }
   void askHost();
   void mousePressed(window::Control& control, int button);
   void ShowWhatsThis(window::Control& control);
@@ -33,6 +35,7 @@ class WindowHelp {
   HostLink& host_;
   status::WindowStatus& status_;
   std::map<std::u16string, std::u16string> texts_;
+  const std::map<std::u16string, std::u16string>* reading_ = nullptr;
   window::Control* target_ = nullptr;  // while its menu is open
 };
 

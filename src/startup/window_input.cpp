@@ -100,6 +100,22 @@ window::ListUse WindowInput::listUse() {
   return waits ? window::ListUse::later : window::ListUse::now;
 }
 
+window::Languages WindowInput::languages() {
+  return listUse() != window::ListUse::never ? reading_.languages() : window::Languages{};
+}
+
+void WindowInput::languageChosen(std::size_t language) {
+  if (listUse() != window::ListUse::now) return;
+  const WindowLife::Entry entry(parts_.life);
+  reading_.choose(language);
+}
+
+void WindowInput::storedTextsAsked() {
+  if (listUse() != window::ListUse::now) return;
+  const WindowLife::Entry entry(parts_.life);
+  reading_.switchStored();
+}
+
 std::shared_ptr<database::Arrivals> WindowInput::arrivals() {
   database::Database* database = parts_.alive() ? parts_.faults.faultDatabase() : nullptr;
   return database != nullptr ? database->arrivals() : nullptr;

@@ -4,6 +4,7 @@
 
 #include "platform/view.h"
 #include "startup/window_help.h"
+#include "startup/window_reading.h"
 
 namespace vordane::startup {
 
@@ -11,7 +12,8 @@ struct WindowParts;
 
 class WindowInput final : public window::ViewEvents {
  public:
-  WindowInput(const WindowParts& parts, WindowHelp& help) : parts_(parts), help_(help) {}
+  WindowInput(const WindowParts& parts, WindowHelp& help, WindowReading& reading)
+      : parts_(parts), help_(help), reading_(reading) {}
 
   void buttonPressed(int action) override;
   void headingClicked(int column) override;
@@ -25,6 +27,11 @@ class WindowInput final : public window::ViewEvents {
   std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from,
                                     window::LookUpWay way) override;
   window::ListUse listUse() override;
+  window::Languages languages() override;
+  void languageChosen(std::size_t language) override;
+  bool storedTextsOffered() override { return reading_.isOn(); }
+  bool storedTextsShown() override { return reading_.storedShown(); }
+  void storedTextsAsked() override;
   std::shared_ptr<database::Arrivals> arrivals() override;
   std::chrono::milliseconds lookAtStore() override;
   void tick() override;
@@ -35,6 +42,7 @@ class WindowInput final : public window::ViewEvents {
 
   const WindowParts& parts_;
   WindowHelp& help_;
+  WindowReading& reading_;
 };
 
 }  // namespace vordane::startup

@@ -2,6 +2,7 @@
 // own header what it owns. All of them live as long as the window.
 #pragma once
 
+#include "language/message_numbers.h"
 #include "pbx/pbx_session.h"
 #include "platform/window.h"
 #include "startup/action_timer.h"
@@ -44,6 +45,14 @@ struct WindowParts {
   window::View& view() const { return application.station().view; }
   bool alive() const { return life.alive(); }
   std::u16string text(std::size_t number) const { return messageText(application.state(), number); }
+  static status::Sentence sentence(std::size_t number) {
+    return [number](const SharedState& words) { return messageText(words, number); };
+  }
+  void showProcessorTexts() const {
+    view().setStatus(
+        window::processorPart,
+        shownText(state(), state().WideFaultFields ? message::statusWide : message::statusNarrow));
+  }
   // What stands above the rows or in the place of an empty grid.
   void showNotice() const {
     if (faults.faultDatabase() != nullptr) store.showNotice();

@@ -24,7 +24,8 @@ struct ListAccount {
   std::u16string cause;  // the access component's entry or the engine's text; empty without one
   std::int32_t received = 0, added = 0, alreadyStored = 0;
   std::u16string exchange{};
-  std::u16string wordsBefore{}, words{};  // the languages of the faults stored before and of these; empty: one
+  std::u16string wordsBefore{},
+      words{};  // the languages of the faults stored before and of these; empty: one
 
   std::int32_t refused() const { return received - added - alreadyStored; }
   bool complete() const { return end == ListEnd::complete; }

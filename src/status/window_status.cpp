@@ -1,6 +1,9 @@
 #include "status/window_status.h"
 
+#include <utility>
+
 #include "language/message_numbers.h"
+#include "text/fill.h"
 #include "text/numbers.h"
 
 namespace vordane::status {
@@ -47,6 +50,23 @@ constexpr Reason reasons[] = {
     {Failure::cancelled, message::reasonCancelled},
 };
 
+// Values are kept as they will be shown.
+std::u16string value(std::u16string_view text) {
+  return brief(text, longestValue);
+}
+
+Sentence sentence(std::size_t pattern, std::u16string_view first) {
+  return [pattern, one = value(first)](const SharedState& words) {
+    return fillText(messageText(words, pattern), {one});
+  };
+}
+
+Sentence sentence(std::size_t pattern, std::u16string_view first, std::u16string_view second) {
+  return [pattern, one = value(first), two = value(second)](const SharedState& words) {
+    return fillText(messageText(words, pattern), {one, two});
+  };
+}
+
 }  // namespace
 
 std::u16string reasonText(const SharedState& state, Failure failure, std::int32_t errorCode) {
@@ -69,60 +89,69 @@ void WindowStatus::textsStopped(std::u16string_view table) {
 }
 
 void WindowStatus::loaded() {
-  if (storedLine_.empty()) storedLine_ = text(message::statusNoList);
+  if (told(storedLine_).empty()) storedLine_ = sentence(message::statusNoList, {});
 }
 
 // --- the conversation
 
 void WindowStatus::waits(std::int16_t request, std::u16string_view exchange) {
   // The acknowledgement belongs to the list before it, whose failure stays.
-  if (request != step::alarmStateRequest) {
-    failure_.clear();
-    receiptLine_.clear();
-  }
-  guideLine_.clear();
-  waiting_ = fillText(text(sentencesOf(request).waiting), {exchange});
+  if (request != step::alarmStateRequest) failure_ = receiptLine_ = nullptr;
+  guideLine_ = languageLine_ = nullptr;
+  waiting_ = sentence(sentencesOf(request).waiting, exchange);
 }
 
 void WindowStatus::runs(std::int32_t run, std::int32_t of) {
-  waiting_ = fillText(text(message::noticeScheduledRun), {text::decimal(run), text::decimal(of)});
+  waiting_ = sentence(message::noticeScheduledRun, text::decimal(run), text::decimal(of));
 }
 
 void WindowStatus::attemptFailed(std::int16_t request, std::u16string_view exchange, std::u16string_view when,
-                                 std::u16string_view reason) {
-  waiting_.clear();
-  attemptLine_ = fillText(text(sentencesOf(request).failed), {when, reason, exchange});
-  failure_ = fillText(text(message::noticeRequestFailed), {exchange, reason});
+                                 const Sentence& reason) {
+  waiting_ = nullptr;
+  attemptLine_ = [=, at = value(when), of = value(exchange)](const SharedState& words) {
+    return fillText(messageText(words, sentencesOf(request).failed), {at, reason(words), of});
+  };
+  failure_ = [=, of = value(exchange)](const SharedState& words) {
+    return fillText(messageText(words, message::noticeRequestFailed), {of, reason(words)});
+  };
 }
 
 void WindowStatus::listTaken(const ListAccount& account) {
-  attemptLine_.clear();
-  listLine_ = statusText(state_, account);
-  if (!account.wordsBefore.empty())
-    listLine_ += u"\n" + fillText(text(message::statusOtherWords), {account.wordsBefore, account.words});
-  waiting_.clear();
-  failure_.clear();
-  if (!account.complete())
-    failure_ =
-        fillText(text(message::noticeListFailed), {account.exchange, status::reasonText(state_, account)});
+  attemptLine_ = waiting_ = failure_ = nullptr;
+  listLine_ = [=](const SharedState& words) {
+    std::u16string line = statusText(words, account);
+    if (!account.wordsBefore.empty())
+      line += u"\n" +
+              fillText(messageText(words, message::statusOtherWords), {account.wordsBefore, account.words});
+    return line;
+  };
+  if (account.complete()) return;
+  failure_ = [=](const SharedState& words) {
+    return fillText(messageText(words, message::noticeListFailed),
+                    {account.exchange, status::reasonText(words, account)});
+  };
 }
 
 void WindowStatus::deletionGivenUp(std::u16string_view when) {
-  attemptLine_ = fillText(text(message::statusNotDeleted), {when});
+  attemptLine_ = sentence(message::statusNotDeleted, when);
 }
 
 void WindowStatus::receiptNotKept(std::u16string_view why) {
-  receiptLine_ = fillText(text(message::statusNoReceipt), {why});
+  receiptLine_ = sentence(message::statusNoReceipt, why);
 }
 
-// --- the guide
+// --- the guide, the language
 
 void WindowStatus::guideMissing(std::u16string_view file) {
-  guideLine_ = fillText(text(message::statusGuideMissing), {file});
+  guideLine_ = sentence(message::statusGuideMissing, file);
 }
 
 void WindowStatus::guideNotShown(std::u16string_view file) {
-  guideLine_ = fillText(text(message::statusGuideNotShown), {file});
+  guideLine_ = sentence(message::statusGuideNotShown, file);
+}
+
+void WindowStatus::languageUnusable(std::u16string_view file, std::u16string_view why) {
+  languageLine_ = sentence(message::statusNoLanguage, file, why);
 }
 
 // --- the display
@@ -131,41 +160,50 @@ void WindowStatus::exchangeShown(std::u16string_view name, std::u16string_view r
   const std::size_t pattern = name.empty()       ? message::statusNoList
                               : received.empty() ? message::statusStoredUndated
                                                  : message::statusStored;
-  newerLine_.clear();
-  storedLine_ = fillText(text(pattern), {name, received});
+  newerLine_ = nullptr;
+  storedLine_ = sentence(pattern, name, received);
 }
 
 void WindowStatus::newerListStored(std::u16string_view exchange) {
-  newerLine_ = fillText(text(message::statusNewerList), {exchange});
+  newerLine_ = sentence(message::statusNewerList, exchange);
 }
 
 void WindowStatus::displayFailed(std::u16string_view engineText) {
-  newerLine_.clear();
-  displayFailure_ = fillText(text(message::reasonDatabase), {engineText});
+  newerLine_ = nullptr;
+  displayFailure_ = sentence(message::reasonDatabase, engineText);
 }
 
 // --- what is said of it
 
+std::u16string WindowStatus::told(const Sentence& sentence) const {
+  return sentence ? inShownWords(state_, sentence) : std::u16string{};
+}
+
 // A failed attempt, and in a line below it what came last: in this session, else before it.
 std::u16string WindowStatus::line() const {
-  const bool quiet = attemptLine_.empty() && listLine_.empty();
-  std::u16string line = listLine_.empty() ? storedLine_ : listLine_;
-  if (!receiptLine_.empty()) line = receiptLine_ + u"\n" + line;
-  if (!attemptLine_.empty()) line = attemptLine_ + u"\n" + line;
+  const std::u16string attempt = told(attemptLine_), list = told(listLine_);
+  const bool quiet = attempt.empty() && list.empty();
+  std::u16string line = list.empty() ? told(storedLine_) : list;
+  const auto above = [&](const std::u16string& words) {
+    if (!words.empty()) line = words + u"\n" + line;
+  };
+  above(told(receiptLine_));
+  above(attempt);
   if (quiet && !textsIncomplete_.empty())
     line = fillText(text(message::statusTextsIncomplete), {textsIncomplete_});
   if (quiet && onNetwork_) line = text(message::statusNetworkDrive) + u" " + line;
-  if (!newerLine_.empty()) line = newerLine_ + u"\n" + line;
+  above(told(newerLine_));
   // Always: nobody may take its faults for those of a real one.
   if (simulated_) line = text(message::statusSimulated) + u" " + line;
-  if (!guideLine_.empty()) line = guideLine_ + u"\n" + line;
+  above(told(guideLine_));
+  above(told(languageLine_));
   return line;
 }
 
 // A wait before a failure, a failure before what a job's creation asks for.
 std::optional<Notice> WindowStatus::conversation() const {
-  if (!waiting_.empty()) return Notice{NoticeKind::waiting, waiting_};
-  if (!failure_.empty()) return Notice{NoticeKind::failure, failure_};
+  if (auto words = told(waiting_); !words.empty()) return Notice{NoticeKind::waiting, std::move(words)};
+  if (auto words = told(failure_); !words.empty()) return Notice{NoticeKind::failure, std::move(words)};
   if (state_.runMode == RunMode::creatingSchedule)
     return Notice{NoticeKind::hint, text(message::noticeChooseJob)};
   return {};
@@ -177,7 +215,7 @@ Notice WindowStatus::aboveRows() const {
 
 Notice WindowStatus::inEmptyGrid(const std::optional<std::u16string>& chosen,
                                  std::u16string_view registered) const {
-  if (!displayFailure_.empty()) return {NoticeKind::failure, displayFailure_};
+  if (auto words = told(displayFailure_); !words.empty()) return {NoticeKind::failure, std::move(words)};
   if (auto notice = conversation()) return *notice;
   return hint(chosen, registered);
 }

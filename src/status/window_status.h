@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,6 +25,10 @@ struct Notice {
 // The clause of a sentence that says why a request came to nothing.
 std::u16string reasonText(const SharedState& state, pbx::Failure failure, std::int32_t errorCode);
 
+// A sentence, or a part of one, in the words of that state's messages.
+using Sentence = std::function<std::u16string(const SharedState& words)>;
+
+// What is told stays told in another language: the window may be read in one from now on.
 class WindowStatus {
  public:
   // `state` outlives it: the texts and the run mode are read from there.
@@ -39,31 +44,34 @@ class WindowStatus {
   // --- the conversation
   void waits(std::int16_t request, std::u16string_view exchange);  // its number, as step::faultListRequest
   void runs(std::int32_t run, std::int32_t of);                    // of the host's scheduler
-  void idle() { waiting_.clear(); }                                // nothing is waited for any more
+  void idle() { waiting_ = nullptr; }                              // nothing is waited for any more
   void attemptFailed(std::int16_t request, std::u16string_view exchange, std::u16string_view when,
-                     std::u16string_view reason);
-  void attemptSucceeded() { attemptLine_.clear(); }  // it makes an earlier failure old
+                     const Sentence& reason);
+  void attemptSucceeded() { attemptLine_ = nullptr; }  // it makes an earlier failure old
   void listTaken(const ListAccount& account);
   void deletionGivenUp(std::u16string_view when);
   // Of a reset: the engine's text. It stands until the next request or receipt.
   void receiptNotKept(std::u16string_view why);
-  void receiptKept() { receiptLine_.clear(); }
+  void receiptKept() { receiptLine_ = nullptr; }
+
+  // --- the language that the window is read in: why another one can't be
+  void languageUnusable(std::u16string_view file, std::u16string_view why);
+  void languageRead() { languageLine_ = nullptr; }
 
   // --- the guide: where it was looked for
   void guideMissing(std::u16string_view file);
   void guideNotShown(std::u16string_view file);
-  void guideShown() { guideLine_.clear(); }
+  void guideShown() { guideLine_ = nullptr; }
 
   // --- the display
   void otherExchange() {  // the failure was about what was shown before
-    failure_.clear();
-    guideLine_.clear();
+    failure_ = guideLine_ = languageLine_ = nullptr;
   }
   // The exchange now shown, empty without one, and when its stored list came, empty when that is not known.
   void exchangeShown(std::u16string_view name, std::u16string_view received);
   void newerListStored(std::u16string_view exchange);  // than the one shown: until it is shown anew
   void displayFailed(std::u16string_view engineText);
-  void displayed() { displayFailure_.clear(); }
+  void displayed() { displayFailure_ = nullptr; }
 
   // --- what is said of it
   std::u16string line() const;
@@ -75,17 +83,18 @@ class WindowStatus {
   Notice withoutDatabase() const;
 
  private:
-  std::u16string text(std::size_t number) const { return messageText(state_, number); }
+  std::u16string text(std::size_t number) const { return shownText(state_, number); }
+  std::u16string told(const Sentence& sentence) const;  // empty without one
   Notice hint(const std::optional<std::u16string>& chosen, std::u16string_view registered) const;
 
   const SharedState& state_;
   bool onNetwork_ = false, simulated_ = false;
-  std::u16string waiting_, failure_, displayFailure_;   // the notice
-  std::u16string storedLine_, listLine_, attemptLine_;  // the status line
-  std::u16string textsIncomplete_;                      // the tables of loaders that stopped
-  std::u16string receiptLine_;                          // below what failed
-  std::u16string newerLine_;                            // above what failed
-  std::u16string guideLine_;                            // above all others
+  Sentence waiting_, failure_, displayFailure_;   // the notice
+  Sentence storedLine_, listLine_, attemptLine_;  // the status line
+  std::u16string textsIncomplete_;                // the tables of loaders that stopped
+  Sentence receiptLine_;                          // below what failed
+  Sentence newerLine_;                            // above what failed
+  Sentence guideLine_, languageLine_;             // above all others
 };
 
 inline void show(window::View& view, const Notice& notice) {

@@ -11,20 +11,33 @@ namespace vordane::comSSDataGrid {
 namespace {
 
 // The message texts that stand around the data in every description.
-constexpr std::size_t dataHeading = 5, dataOpen = 6, dataClose = 7;
+constexpr int dataHeading = 5, dataOpen = 6, dataClose = 7;
 
-}  // namespace
-
-std::optional<window::GridSource::Range> findDataPart(const SharedState& state,
-                                                      std::u16string_view description) {
-  const std::u16string before =
-      std::u16string(text::crlf) + messageText(state, dataHeading) + u" " + messageText(state, dataOpen);
-  const std::u16string after = messageText(state, dataClose);
+template <typename Message>
+std::optional<window::GridSource::Range> dataPartOf(std::u16string_view description, Message&& message) {
+  const std::u16string before = std::u16string(text::crlf) + message(dataHeading) + u" " + message(dataOpen);
+  const std::u16string after = message(dataClose);
   const auto found = description.rfind(before);
   if (found == std::u16string_view::npos || !description.ends_with(after)) return {};
   const std::size_t begin = found + before.size(), end = description.size() - after.size();
   if (begin > end) return {};
   return window::GridSource::Range{begin, end};
+}
+
+}  // namespace
+
+std::optional<window::GridSource::Range> findDataPart(const SharedState& state,
+                                                      std::u16string_view description) {
+  return dataPartOf(description,
+                    [&](int number) { return messageText(state, static_cast<std::size_t>(number)); });
+}
+
+std::optional<window::GridSource::Range> findDataPart(const FaultTextTable& texts,
+                                                      std::u16string_view description) {
+  return dataPartOf(description, [&](int number) {
+    const std::u16string* text = texts.message(number);
+    return text != nullptr ? *text : std::u16string{};
+  });
 }
 
 void FaultRows::show(database::RowList* rows) {
@@ -61,8 +74,23 @@ std::optional<window::GridRow> FaultRows::read(std::size_t position) {
 }
 
 std::optional<window::GridSource::Range> FaultRows::dataPart(std::size_t position) {
-  const auto shown = row(position);
-  return shown ? findDataPart(state_, shown->description) : std::nullopt;
+  const auto stored = row(position);
+  if (!stored) return {};
+  const std::u16string shown = asRead(*stored);
+  const FaultTextTable* texts = shown != stored->description ? form_.readingTexts() : nullptr;
+  return texts != nullptr ? findDataPart(*texts, shown) : findDataPart(state_, shown);
+}
+
+cFaultDisplay::Pieces FaultRows::translation(const window::GridRow& row) {
+  const FaultTextTable* texts = form_.readingTexts();
+  if (texts == nullptr) return {};
+  return form_.faultDecoder(state_.WideFaultFields).translateStored(row.fault, row.description, *texts);
+}
+
+std::u16string FaultRows::asRead(const window::GridRow& row) {
+  std::u16string words;
+  for (const cFaultDisplay::Piece& piece : translation(row)) words += piece.text;
+  return words.empty() ? row.description : words;
 }
 
 std::vector<window::GridSource::Range> FaultRows::provenance(std::size_t position, std::size_t character) {
@@ -81,9 +109,15 @@ std::vector<window::GridSource::Range> FaultRows::provenance(std::size_t positio
 }
 
 const cFaultDisplay::Pieces& FaultRows::explanation(const window::GridRow& row) {
-  if (row.fault == explainedKind_ && row.description == explainedText_) return explained_;
+  const FaultTextTable* texts = form_.readingTexts();
+  if (row.fault == explainedKind_ && row.description == explainedText_ && texts == explainedIn_)
+    return explained_;
   std::u16string dataText;
-  explained_ = form_.faultDecoder(state_.WideFaultFields).explainStored(row.fault, row.description, dataText);
+  explained_ = translation(row);
+  if (explained_.empty())
+    explained_ =
+        form_.faultDecoder(state_.WideFaultFields).explainStored(row.fault, row.description, dataText);
+  explainedIn_ = texts;
   explainedKind_ = row.fault;
   explainedText_ = row.description;
   return explained_;

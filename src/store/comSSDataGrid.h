@@ -19,6 +19,8 @@ namespace vordane::comSSDataGrid {
 // The data text inside a description's trailer, as [begin, end) of the description.
 std::optional<window::GridSource::Range> findDataPart(const SharedState& state,
                                                       std::u16string_view description);
+std::optional<window::GridSource::Range> findDataPart(const FaultTextTable& texts,
+                                                      std::u16string_view description);
 
 class FaultRows : public window::GridSource {
  public:
@@ -37,6 +39,7 @@ class FaultRows : public window::GridSource {
   std::optional<window::GridRow> row(std::size_t position) override;
   std::vector<Range> provenance(std::size_t row, std::size_t position) override;
   std::optional<Range> dataPart(std::size_t row) override;
+  std::u16string asRead(const window::GridRow& row) override;
   database::RowList* list() override { return held_ ? nullptr : rows_; }
 
   // The next row after `from` (-1: from the first) or before it (-1: from the last) with `text` in any of its
@@ -52,6 +55,7 @@ class FaultRows : public window::GridSource {
   };
   std::optional<window::GridRow> read(std::size_t position);
   const cFaultDisplay::Pieces& explanation(const window::GridRow& row);
+  cFaultDisplay::Pieces translation(const window::GridRow& row);
 
   store::StoreForm& form_;
   const SharedState& state_;
@@ -62,6 +66,7 @@ class FaultRows : public window::GridSource {
   std::array<Kept, 256> kept_;  // the last rows read, by position; more than a screen shows
   // The last description explained: the pointer moves over one row for a while.
   std::u16string explainedKind_, explainedText_;
+  const FaultTextTable* explainedIn_ = nullptr;
   cFaultDisplay::Pieces explained_;
 };
 

@@ -281,7 +281,13 @@ void FaultStore::showRows() {
 void FaultStore::showCount() {
   const auto rows = text::decimal(static_cast<std::int64_t>(grid_.size()));
   around_.view.setStatus(window::countPart,
-                         fillText(messageText(around_.state, message::statusFaultCount), {rows}));
+                         fillText(shownText(around_.state, message::statusFaultCount), {rows}));
+}
+
+void FaultStore::reword() {
+  showCount();
+  if (form_.faultDatabase() != nullptr) showNotice();
+  around_.receipts.showLast();
 }
 
 void FaultStore::showNotice() {

@@ -51,6 +51,7 @@ class FaultStore {
   // Whether somebody else has stored a newer list of the exchange shown; the status line says so. Answers
   // with when to look again. Calls neither the host nor a box.
   NewerList::Pause lookForNewerList();
+  void reword();      // the texts that are shown have changed: count, notice, what is told beside the lamps
   void showNotice();  // what stands above the rows or in the place of an empty grid
   // The next row holding `text` after `after` (-1: from the first), round the end once.
   std::optional<std::size_t> lookUp(std::u16string_view text, std::ptrdiff_t from,

@@ -52,7 +52,7 @@ void LongStep::paint() {
 void LongStep::tell() {
   const auto done = text::decimal(static_cast<std::int64_t>(done_));
   const auto of = text::decimal(static_cast<std::int64_t>(of_));
-  const auto pattern = messageText(around_.state, of_ == 0 ? texts_.plain : texts_.counted);
+  const auto pattern = shownText(around_.state, of_ == 0 ? texts_.plain : texts_.counted);
   around_.view.setStatus(window::countPart, fillText(pattern, {done, of}));
 }
 

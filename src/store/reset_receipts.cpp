@@ -137,17 +137,20 @@ void ResetReceipts::showLast() {
 std::u16string ResetReceipts::sentence(const Receipt& receipt) const {
   const std::u16string when = shownTimeStamp(receipt.moment, true, clock_);
   if (receipt.outcome == outcomeConfirmed)
-    return fillText(messageText(state_, message::lampsReset), {when, receipt.person, receipt.workstation});
-  return fillText(messageText(state_, message::lampsNotReset),
+    return fillText(shownText(state_, message::lampsReset), {when, receipt.person, receipt.workstation});
+  return fillText(shownText(state_, message::lampsNotReset),
                   {when, receipt.person, receipt.workstation, reason(receipt)});
 }
 
 // A word that a later version has written stands for itself.
 std::u16string ResetReceipts::reason(const Receipt& receipt) const {
-  if (receipt.outcome == outcomeNotConfirmed) return messageText(state_, message::reasonClearAnswer);
-  if (receipt.outcome == outcomeNoAnswer) return messageText(state_, message::reasonNoAnswer);
+  if (receipt.outcome == outcomeNotConfirmed) return shownText(state_, message::reasonClearAnswer);
+  if (receipt.outcome == outcomeNoAnswer) return shownText(state_, message::reasonNoAnswer);
   for (const FailureWord& row : failureWords)
-    if (row.word == receipt.outcome) return status::reasonText(state_, row.failure, receipt.code.value_or(0));
+    if (row.word == receipt.outcome)
+      return inShownWords(state_, [&](const SharedState& words) {
+        return status::reasonText(words, row.failure, receipt.code.value_or(0));
+      });
   return receipt.outcome;
 }
 

@@ -48,6 +48,7 @@ class ResetReceipts {
 
   // The exchange whose lamps are shown from now on; empty: none.
   void show(std::u16string_view exchange);
+  void showLast();  // once more: it is worded anew
 
  private:
   struct Asked {
@@ -59,7 +60,6 @@ class ResetReceipts {
   void write(const Asked& asked, std::u16string_view outcome, std::optional<std::int32_t> code,
              const cListRequest* answer);
   void notKept(std::u16string_view why);
-  void showLast();
   std::u16string sentence(const database::Receipt& receipt) const;
   std::u16string reason(const database::Receipt& receipt) const;
 

@@ -36,6 +36,8 @@ class StoreForm {
   virtual database::Database* faultDatabase() = 0;  // null: FAULT.MDB is not open
   // The form's one decoder, created on first use, set to decode with this flag until the next call.
   virtual const cFaultDisplay& faultDecoder(bool wideFaultFields) = 0;
+  // The words that a person reads descriptions in; null: as they are stored. Good until the next call.
+  virtual const FaultTextTable* readingTexts() { return nullptr; }
   // What a shared store must be kept in for this station to write into it: the language and a mark of its
   // words.
   virtual database::Agreement storingLanguage() = 0;

@@ -121,15 +121,16 @@ class TracedDatabase final : public database::Database {
   void expect(std::span<const database::Statement> coming) override {
     watched(failures_, "expect", [&] { database_->expect(coming); });
   }
+  std::size_t mostExpected() const override { return database_->mostExpected(); }
   void setProgress(Progress progress) override { database_->setProgress(std::move(progress)); }
   database::Agreement agree(std::u16string_view subject, const database::Agreement& own) override {
     return watched(failures_, "agree", [&] { return database_->agree(subject, own); });
   }
   std::optional<database::Agreement> kept(std::u16string_view subject) override {
-    return watched(*failures_, "kept", [&] { return database_->kept(subject); });
+    return watched(failures_, "kept", [&] { return database_->kept(subject); });
   }
   void keep(std::u16string_view subject, const database::Agreement& own) override {
-    watched(*failures_, "keep", [&] { database_->keep(subject, own); });
+    watched(failures_, "keep", [&] { database_->keep(subject, own); });
   }
   std::shared_ptr<database::Arrivals> arrivals() override { return database_->arrivals(); }
   std::shared_ptr<database::Receipts> receipts() override { return database_->receipts(); }

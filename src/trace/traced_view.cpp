@@ -86,6 +86,11 @@ void TracedView::closeAsked() {
   events_->closeAsked();
 }
 
+void TracedView::languageChosen(std::size_t which) {
+  person("language", static_cast<std::int64_t>(which));
+  events_->languageChosen(which);
+}
+
 void TracedView::keyPressed(int keyCode) {
   person("key", keyCode);
   events_->keyPressed(keyCode);

@@ -28,6 +28,7 @@ class TracedView final : public window::View, private window::ViewEvents {
   void setHourglass(bool on) override { view_.setHourglass(on); }
   void startTimer(int milliseconds) override;
   void stopTimer() override { view_.stopTimer(); }
+  void setWords(window::Form* form) override { view_.setWords(form); }
   void setRows(window::GridSource* rows) override { view_.setRows(rows); }
   void setSortMark(int column, bool descending) override { view_.setSortMark(column, descending); }
   void setLamp(bool major, bool lit) override { view_.setLamp(major, lit); }
@@ -60,7 +61,13 @@ class TracedView final : public window::View, private window::ViewEvents {
     return events_->lookUp(text, from, way);
   }
   window::ListUse listUse() override { return events_->listUse(); }
+  window::Languages languages() override { return events_->languages(); }
+  void languageChosen(std::size_t which) override;
+  bool storedTextsOffered() override { return events_->storedTextsOffered(); }
+  bool storedTextsShown() override { return events_->storedTextsShown(); }
+  void storedTextsAsked() override { events_->storedTextsAsked(); }
   std::shared_ptr<database::Arrivals> arrivals() override { return events_->arrivals(); }
+  std::chrono::milliseconds lookAtStore() override { return events_->lookAtStore(); }
   void tick() override;
 
   void person(std::string_view what, std::int64_t which);

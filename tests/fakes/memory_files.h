@@ -6,6 +6,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "platform/services.h"
 
@@ -16,6 +17,13 @@ class MemoryFiles : public platform::Files {
   bool exists(std::u16string_view path) override { return content.count(std::u16string(path)) != 0; }
   bool directoryExists(std::u16string_view path) override {
     return directories.count(std::u16string(path)) != 0;
+  }
+  std::vector<std::u16string> between(std::u16string_view before, std::u16string_view behind) override {
+    std::vector<std::u16string> names;
+    for (const auto& [path, bytes] : content)
+      if (path.size() >= before.size() + behind.size() && path.starts_with(before) && path.ends_with(behind))
+        names.push_back(path.substr(before.rfind(u'\\') + 1));
+    return names;
   }
   bool append(std::u16string_view path, std::string_view bytes) override {
     if (outOfMemory) throw std::bad_alloc();

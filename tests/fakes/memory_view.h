@@ -23,6 +23,10 @@ class MemoryView : public window::View {
   void setHourglass(bool on) override { hourglass = on; }
   void startTimer(int milliseconds) override { timer = milliseconds; }
   void stopTimer() override { timer = 0; }
+  void setWords(window::Form* form) override {
+    words = form;
+    ++wordsSet;
+  }
   void setRows(window::GridSource* source) override {
     rows = source;
     ++rowsSet;
@@ -54,7 +58,8 @@ class MemoryView : public window::View {
   bool attached = false, shown = false, inputEnabled = true, hourglass = false;
   int timer = 0;
   window::GridSource* rows = nullptr;
-  int rowsSet = 0, refreshed = 0;
+  int rowsSet = 0, refreshed = 0, wordsSet = 0;
+  window::Form* words = nullptr;
   int sortColumn = -1;
   bool sortDescending = false;
   bool majorLit = false, minorLit = false;

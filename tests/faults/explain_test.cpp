@@ -121,6 +121,78 @@ TEST_F(Explain, NothingIsExplainedWhereNothingIsShown) {
   EXPECT_TRUE(cFaultDisplay(texts, wide).explain(u"02", u"01", u"02").empty());
 }
 
+// Every text of another language: "N5" for message 5, "L01.0" for the item "K01.0".
+FaultTextTable otherWords() {
+  FaultTextTable texts;
+  for (int number = 0; number <= lastMessage; ++number)
+    texts.setMessage(number, u"N" + message(number).substr(1));
+  for (const FaultKind& row : faultKinds)
+    for (int code = 0; row.list != noList && code < itemCount(row); ++code)
+      texts.addItem(row.list, u"L" + item(row.list, code).substr(1));
+  return texts;
+}
+
+class TranslateStored : public Explain {
+ protected:
+  std::string translate(std::u16string_view kind, std::u16string_view description) {
+    return text::toUtf8(joined(decode.display.translateStored(kind, description, other)));
+  }
+  FaultTextTable other = otherWords();
+};
+
+TEST_F(TranslateStored, SaysTheSameInTheOtherWords) {
+  EXPECT_EQ(translate(u"01", u"M9\r\nM14 K01.0\r\nM5 M600 11 M7"), "N9\r\nN14 L01.0\r\nN5 N600 11 N7");
+}
+
+TEST_F(TranslateStored, IsWhatDecodingGivesForEveryRecordInEitherWidth) {
+  RandomRecords records(11);
+  for (int i = 0; i < 20000; ++i) {
+    const RandomRecord record = records.next();
+    decode.wide = (i & 1) != 0;
+    const std::u16string stored = decode(record.kind, record.first, record.second);
+    const std::u16string expected =
+        cFaultDisplay(other, decode.wide).GetFaultMessage(record.kind, record.first, record.second);
+    ASSERT_EQ(translate(record.kind, stored), text::toUtf8(expected)) << i;
+  }
+}
+
+// The exchange's fields may have been of the other width when it was stored.
+TEST_F(TranslateStored, KeepsTheWidthThatTheFaultWasStoredWith) {
+  const std::u16string stored = decode(u"04", u"10 63 C5");
+  decode.wide = false;
+  EXPECT_EQ(translate(u"04", stored), "N18\r\nN19\r\n N6N20 99N21N7\r\n N6N23 197N7\r\nN5 N610 63 C5 N7");
+  EXPECT_EQ(translate(u"04", decode(u"04", u"10 63 C5")),
+            "N18\r\nN19\r\n N6N20 99N21N7\r\n N6N23 05N7\r\nN5 N610 63 C5 N7");
+}
+
+TEST_F(TranslateStored, LeavesAloneWhatIsNotLetterForLetterWhatDecodingGives) {
+  const std::u16string stored = decode(u"01", u"00", u"11");
+  const std::size_t data = stored.rfind(u"00 11");
+  for (std::size_t at = 0; at < stored.size(); ++at) {
+    if (at >= data && at < data + 5) continue;  // other data: another fault, and it decodes
+    std::u16string changed = stored;
+    changed[at] = changed[at] == u'x' ? u'y' : u'x';
+    EXPECT_EQ(translate(u"01", changed), "") << at;
+  }
+  EXPECT_EQ(translate(u"01", stored + u" "), "");
+  EXPECT_EQ(translate(u"01", stored.substr(0, stored.size() - 1)), "");
+  EXPECT_EQ(translate(u"01", stored.substr(1)), "");
+  EXPECT_EQ(translate(u"02", stored), "") << "of another kind";
+  EXPECT_EQ(translate(u"01", u""), "");
+  EXPECT_EQ(translate(u"", u"a text of somebody else"), "");
+  EXPECT_EQ(translate(u"01", u"N9\r\nN14 L01.0\r\nN5 N600 11 N7"), "") << "stored in the other language";
+}
+
+TEST_F(TranslateStored, GivesNothingWhereTheOtherLanguageLacksAText) {
+  const std::u16string stored = decode(u"01", u"00", u"11");
+  other = otherWords();
+  FaultTextTable without;
+  for (int number = 0; number <= lastMessage; ++number)
+    if (number != 14) without.setMessage(number, *other.message(number));
+  for (int code = 0; other.item(1, code) != nullptr; ++code) without.addItem(1, *other.item(1, code));
+  EXPECT_TRUE(decode.display.translateStored(u"01", stored, without).empty());
+}
+
 class ExplainStored : public Explain {
  protected:
   std::u16string data;

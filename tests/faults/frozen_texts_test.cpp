@@ -182,6 +182,30 @@ TEST_P(FrozenTexts, TheFaultsAreThoseOfEveryLanguage) {
   }
 }
 
+// A description that is stored in this language, read in each of the others.
+TEST_P(FrozenTexts, EveryStoredDescriptionIsReadInEveryOtherLanguage) {
+  const FaultTextTable own = tableOf(texts);
+  const bool wide = true;
+  const cFaultDisplay decoder(own, wide);
+  for (const char* language : {"en", "ru", "ja"}) {
+    const FaultTextTable other = tableOf(shippedTexts(language));
+    const std::vector<GoldenLine> expected = frozenLines(language);
+    ASSERT_EQ(lines.size(), expected.size());
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      std::u16string stored = cFaultDisplay(own, lines[i].holdsFor(true))
+                                  .GetFaultMessage(lines[i].record, lines[i].first, lines[i].second);
+      ASSERT_EQ(oneLine(stored), lines[i].description);
+      std::u16string read;
+      for (const auto& piece : decoder.translateStored(text::left(lines[i].record, 2), stored, other))
+        read += piece.text;
+      EXPECT_EQ(oneLine(read), expected[i].description);
+      if (std::string(language) == GetParam()) continue;
+      stored.front() = u'#';
+      EXPECT_TRUE(decoder.translateStored(text::left(lines[i].record, 2), stored, other).empty());
+    }
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(Languages, FrozenTexts, testing::Values("en", "ru", "ja"),
                          [](const auto& language) { return std::string(language.param); });
 

@@ -81,13 +81,17 @@ ListAccount account(ListEnd end) {
   return account;
 }
 
+std::u16string busy(const SharedState& words) {
+  return messageText(words, message::reasonBusy);
+}
+
 using Events = std::function<void(WindowStatus&)>;
 void exchangeShown(WindowStatus& s) {
   s.exchangeShown(u"PBX-1", u"yesterday");
 }
 void listFails(WindowStatus& s) {
   s.waits(step::faultListRequest, u"PBX-1");
-  s.attemptFailed(step::faultListRequest, u"PBX-1", u"now", u"busy");
+  s.attemptFailed(step::faultListRequest, u"PBX-1", u"now", busy);
 }
 void listInOtherWords(WindowStatus& s) {
   ListAccount taken = account(ListEnd::complete);
@@ -208,15 +212,15 @@ const Case cases[] = {
      u"now PBX-1 failed: busy\nPBX-1 stored yesterday",
      {NoticeKind::failure, u"PBX-1: busy"}},
     {"a failed acknowledgement",
-     {[](auto& s) { s.attemptFailed(step::alarmStateRequest, u"P", u"now", u"busy"); }},
+     {[](auto& s) { s.attemptFailed(step::alarmStateRequest, u"P", u"now", busy); }},
      u"now P not acknowledged: busy\n",
      {NoticeKind::failure, u"P: busy"}},
     {"a failed reset",
-     {[](auto& s) { s.attemptFailed(step::alarmClearRequest, u"P", u"now", u"busy"); }},
+     {[](auto& s) { s.attemptFailed(step::alarmClearRequest, u"P", u"now", busy); }},
      u"now P not reset: busy\n",
      {NoticeKind::failure, u"P: busy"}},
     {"a failure before anything was asked",
-     {[](auto& s) { s.attemptFailed(step::loaded, u"P", u"now", u"busy"); }},
+     {[](auto& s) { s.attemptFailed(step::loaded, u"P", u"now", busy); }},
      u"now P failed: busy\n",
      {NoticeKind::failure, u"P: busy"}},
     {"a wait goes before a failure",
@@ -274,6 +278,43 @@ TEST(WindowStatus, SaysWhatHappened) {
     EXPECT_EQ(status.aboveRows(), row.aboveRows);
     EXPECT_EQ(status.conversation().value_or(none), row.aboveRows);
   }
+}
+
+// What is told is told again in the words that are shown from now on, with the values that it had.
+TEST(WindowStatus, EverySentenceIsToldInTheLanguageThatIsRead) {
+  SharedState state = textsOfTheTest();
+  SharedState other = state;
+  for (std::u16string& text : other.Messages) text = u"<" + text + u">";
+  for (const Case& row : cases) {
+    SCOPED_TRACE(row.what);
+    WindowStatus status(state), expected(other);
+    for (const Events& event : row.events) event(status), event(expected);
+    state.ShownMessages = other.Messages;
+    if (row.events.empty()) continue;
+    EXPECT_EQ(text::toUtf8(status.line()), text::toUtf8(expected.line()));
+    if (row.aboveRows.kind != NoticeKind::hint) EXPECT_EQ(status.aboveRows(), expected.aboveRows());
+    state.ShownMessages.clear();
+    EXPECT_EQ(text::toUtf8(status.line()), text::toUtf8(row.line));
+    EXPECT_EQ(status.aboveRows(), row.aboveRows);
+  }
+}
+
+TEST(WindowStatus, ALanguageThatCantBeReadIsSaidAboveAllUntilAnotherIsOrTheNextRequest) {
+  SharedState state = textsOfTheTest();
+  state.Messages[message::statusNoLanguage] = u"{1}: {2}";
+  WindowStatus status(state);
+  exchangeShown(status);
+  const auto fails = [&] { status.languageUnusable(u"VORDANE.ru.LNG", u"damaged"); };
+  fails();
+  EXPECT_EQ(text::toUtf8(status.line()), "VORDANE.ru.LNG: damaged\nPBX-1 stored yesterday");
+  status.languageRead();
+  EXPECT_EQ(text::toUtf8(status.line()), "PBX-1 stored yesterday");
+  fails();
+  status.otherExchange();
+  EXPECT_EQ(text::toUtf8(status.line()), "PBX-1 stored yesterday");
+  fails();
+  status.waits(step::faultListRequest, u"PBX-1");
+  EXPECT_EQ(text::toUtf8(status.line()), "PBX-1 stored yesterday");
 }
 
 TEST(WindowStatus, AnEmptyGridSaysWhatToDoUnlessThereIsMoreToSay) {

@@ -130,6 +130,42 @@ TEST_F(Doctor, NamesFaultsOfNoExchange) {
                   false, "6 fault(s) of no exchange (ID 1: 1, ID 2: 1, ID 4: 1, ID 5: 1, ID 6: 1, ...)")));
 }
 
+// As a suite has them whose language was changed: each fault that is still reported comes a second time.
+TEST_F(Doctor, NamesFaultsThatAreStoredInAnotherLanguage) {
+  const auto fill = [&](std::initializer_list<const char16_t*> descriptions) {
+    DatabaseWriter writer(toText(layout.ownDatabases() / "FAULT.MDB"), true);
+    writer.createTables(store::faultTables);
+    const database::Value exchange[] = {std::int32_t{3}, std::u16string(u"PBX-1"),
+                                        std::u16string(u"2006-11-27 09:00:00"), false, false};
+    writer.insert(u"PBXList", exchange);
+    for (const char16_t* description : descriptions) {
+      const database::Value fault[] = {
+          std::int32_t{3},       std::u16string(u"01"), std::u16string(u"MJ"),      std::u16string(u"d"),
+          std::u16string(u"MP"), automation::Null{},    std::u16string(description)};
+      writer.insert(u"FaultDisplay", fault);
+    }
+    writer.finish();
+  };
+  constexpr const char16_t* english = u"Main processor restarted\r\nCause: power switched on\r\nData [00 ]";
+  constexpr const char16_t* russian =
+      u"Перезапуск центрального процессора\r\nПричина: включено питание\r\nДанные [00 ]";
+  fakes::LanguageFolder other("ru");
+  Problems problems;
+  LanguageSource toRead = readLanguageSource(other.folder(), problems);
+  toRead.name = "ru";
+  makeSuiteFiles(layout, source, {source, toRead});
+  fill({english, u"a text of somebody else"});
+  EXPECT_THAT(look(), IsEmpty());
+  fill({english, russian, english});
+  EXPECT_THAT(look(), ElementsAre(finding(
+                          false,
+                          "FAULT.MDB: 1 of the newest 3 fault(s) are stored in Русский, and VORDANE.LNG "
+                          "is English: a fault of them that an exchange still reports is stored a second "
+                          "time")));
+  std::filesystem::remove(layout.ownDatabases() / "VORDANE.ru.LNG");
+  EXPECT_THAT(look(), IsEmpty()) << "nobody knows the language";
+}
+
 TEST_F(Doctor, NamesAMissingTable) {
   makeWithout(layout.ownDatabases() / "FAULT.MDB", store::faultTables, u"FaultDisplay");
   EXPECT_THAT(look(), ElementsAre(finding(true, "FAULT.MDB: table FaultDisplay is missing")));

@@ -435,6 +435,20 @@ TEST_F(Setup, TheWordSizeIsOneThatThePackageHolds) {
   EXPECT_THAT(told.back(), HasSubstr("no programs of x86"));
 }
 
+TEST_F(Setup, TheOtherLanguagesStandBesideThatOfTheSetAndGoWithIt) {
+  const auto isThere = [&](const char* name) { return fs::exists(layout.ownDatabases() / name); };
+  ASSERT_EQ(run(request("ru")), Outcome::done) << told.back();
+  EXPECT_TRUE(isThere("VORDANE.en.LNG"));
+  EXPECT_TRUE(isThere("VORDANE.ja.LNG"));
+  EXPECT_FALSE(isThere("VORDANE.ru.LNG"));
+  fs::remove(layout.ownDatabases() / "VORDANE.ja.LNG");
+  ASSERT_EQ(run(request()), Outcome::done) << told.back();
+  EXPECT_TRUE(isThere("VORDANE.ja.LNG"));
+  ASSERT_EQ(take(), Outcome::done);
+  EXPECT_TRUE(isThere("VORDANE.LNG"));
+  EXPECT_FALSE(isThere("VORDANE.en.LNG"));
+}
+
 TEST_F(Setup, DamagedTextsAreMadeAnewAndKept) {
   ASSERT_EQ(run(request("ru")), Outcome::done) << told.back();
   write(layout.ownDatabases() / "VORDANE.LNG", "no database at all");

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 
@@ -105,6 +106,37 @@ TEST(SuiteFiles, StandInTheInstalledLayout) {
   EXPECT_EQ(
       automation::toInteger(schedule->openRecordset(u"SELECT * FROM Options WHERE Key = 2")->get(u"Count")),
       3);
+}
+
+// The languages to read in stand beside that of the suite, whichever it is; the one it has stands there once.
+TEST(SuiteFiles, HaveTheOtherLanguagesBesideTheSuitesOwn) {
+  std::vector<LanguageSource> languages;
+  for (const char* language : {"en", "ru", "ja"}) {
+    fakes::LanguageFolder texts(language);
+    Problems problems;
+    languages.push_back(readLanguageSource(texts.folder(), problems));
+    languages.back().name = language;
+  }
+  fakes::LanguageFolder texts;
+  const SuiteLayout layout{texts.files.folder() / "30000"};
+  const auto beside = [&] {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(layout.ownDatabases()))
+      names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+  };
+  makeSuiteFiles(layout, languages[0], languages);
+  EXPECT_EQ(beside(),
+            (std::vector<std::string>{"FAULT.MDB", "VORDANE.LNG", "VORDANE.ja.LNG", "VORDANE.ru.LNG"}));
+  makeSuiteFiles(layout, languages[1], languages);
+  EXPECT_EQ(beside(),
+            (std::vector<std::string>{"FAULT.MDB", "VORDANE.LNG", "VORDANE.en.LNG", "VORDANE.ja.LNG"}));
+  const auto english =
+      sqlite::makeEngine(startup::databases)->open(toText(layout.ownDatabases() / "VORDANE.en.LNG"), true);
+  std::vector<std::u16string> messages;
+  EXPECT_TRUE(comLanguage::LoadTextArray(messages, u"tMessages", *english));
+  EXPECT_EQ(messages.at(message::languageName), u"English");
 }
 
 std::string layoutIn(const char* language) {

@@ -22,6 +22,7 @@ class FakeTexts : public ViewTexts {
  public:
   explicit FakeTexts(Language language) : language_(language) {}
   std::u16string text(ViewText which) override;
+  void speak(Language language) { language_ = language; }
 
  private:
   Language language_;
@@ -42,6 +43,8 @@ class FakeRows : public GridSource, public database::RowList {
   FakeRows(Language language, std::size_t count) : language_(language), count_(count) {}
   std::size_t size() const override { return count_; }
   std::optional<GridRow> row(std::size_t position) override;
+  std::u16string asRead(const GridRow& row) override { return readBefore + row.description; }
+  std::u16string readBefore;  // stands before each description as it is read
   // The equipment code C2D of the second fault came from the data characters 4 and 6 to 8.
   std::vector<Range> provenance(std::size_t row, std::size_t position) override;
   database::RowList* list() override { return this; }

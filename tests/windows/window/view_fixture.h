@@ -84,6 +84,12 @@ struct RecordedEvents : ViewEvents {
     return next;
   }
   ListUse listUse() override { return use; }
+  Languages offered;
+  std::vector<std::size_t> chosenLanguages;
+  int storedAsked = 0;
+  Languages languages() override { return offered; }
+  void languageChosen(std::size_t language) override { chosenLanguages.push_back(language); }
+  void storedTextsAsked() override { ++storedAsked; }
   std::shared_ptr<database::Arrivals> store;  // null: it can't tell what came
   bool storeHeld = false;                     // by somebody, at this moment
   std::shared_ptr<database::Arrivals> arrivals() override {

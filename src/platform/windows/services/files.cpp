@@ -1,8 +1,10 @@
+#include <algorithm>
 #include <string>
 
 #include "platform/file_place.h"
 #include "platform/windows/com/owned.h"
 #include "platform/windows/services/services.h"
+#include "text/text.h"
 
 namespace vordane::windows {
 namespace {
@@ -52,6 +54,27 @@ DWORD attributesOf(std::u16string_view path) {
 }
 
 }  // namespace
+
+// The system's own * finds more: short names, and names without their last dot.
+std::vector<std::u16string> SystemFiles::between(std::u16string_view before, std::u16string_view behind) {
+  const std::u16string begin = text::toLower(before.substr(before.rfind(u'\\') + 1));
+  const std::u16string end = text::toLower(behind);
+  std::vector<std::u16string> names;
+  WIN32_FIND_DATAW found{};
+  const std::wstring pattern = com::toWide(before) + L"*" + com::toWide(behind);
+  const HANDLE search = FindFirstFileW(pattern.c_str(), &found);
+  if (search == INVALID_HANDLE_VALUE) return names;
+  do {
+    const std::u16string name(com::fromWide(found.cFileName));
+    const std::u16string lower = text::toLower(name);
+    if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0 &&
+        lower.size() >= begin.size() + end.size() && lower.starts_with(begin) && lower.ends_with(end))
+      names.push_back(name);
+  } while (FindNextFileW(search, &found));
+  FindClose(search);
+  std::sort(names.begin(), names.end());
+  return names;
+}
 
 bool SystemFiles::exists(std::u16string_view path) {
   const DWORD attributes = attributesOf(path);

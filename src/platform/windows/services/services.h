@@ -44,6 +44,7 @@ class SystemFiles : public platform::Files {
  public:
   bool exists(std::u16string_view path) override;
   bool directoryExists(std::u16string_view path) override;
+  std::vector<std::u16string> between(std::u16string_view before, std::u16string_view behind) override;
   bool append(std::u16string_view path, std::string_view bytes) override;
   std::optional<std::int64_t> length(std::u16string_view path) override;
 };

@@ -75,6 +75,15 @@ constexpr bool isSoundCommand(WPARAM command) {
   return (command & 0xFFF0U) == soundCommand;
 }
 
+// The languages that the window can be read in, and the line above them.
+inline constexpr UINT mostLanguages = 15;
+constexpr UINT languageCommand(UINT place) {
+  return 0x0100 + 0x10 * place;
+}
+constexpr bool isLanguageCommand(WPARAM command) {
+  return command >= languageCommand(0) && command < languageCommand(mostLanguages);
+}
+
 struct Child {
   Id id;
   std::u16string_view control;  // of the form

@@ -60,9 +60,7 @@ void FilterBar::create(HWND parent, ViewTexts& texts, std::function<void()> chan
   make(partClose, idFilterClose, WC_BUTTONW, fromWide(crossSign, 1), button);
   make(partOtherDates, idFilterOtherDates, WC_BUTTONW, {}, ticked);
   make(partMessage, idFilterMessage, WC_STATICW, {}, label | SS_NOPREFIX | SS_ENDELLIPSIS);
-  const std::u16string style = texts.text(ViewText::filterDateStyle);
-  for (const Part date : {partSince, partUntil})
-    SendMessageW(part(date), EM_SETCUEBANNER, FALSE, reinterpret_cast<LPARAM>(wide(style)));
+  showDateStyle();
   kindList_.create(parent, idKindList, texts.text(ViewText::filterAnyProcessor),
                    {[this] {
                       showKindsCaption();
@@ -72,6 +70,30 @@ void FilterBar::create(HWND parent, ViewTexts& texts, std::function<void()> chan
                       if (GetFocus() != part(partKinds)) kindList_.hide();
                     }});
   fill({});
+}
+
+void FilterBar::showDateStyle() {
+  const std::u16string style = texts_->text(ViewText::filterDateStyle);
+  for (const Part date : {partSince, partUntil})
+    SendMessageW(part(date), EM_SETCUEBANNER, FALSE, reinterpret_cast<LPARAM>(wide(style)));
+}
+
+void FilterBar::reword() {
+  constexpr std::pair<Part, ViewText> captions[] = {{partTextLabel, ViewText::filterText},
+                                                    {partMajor, ViewText::filterMajor},
+                                                    {partMinor, ViewText::filterMinor},
+                                                    {partNoted, ViewText::filterNoted},
+                                                    {partProcessorLabel, ViewText::filterProcessor},
+                                                    {partSinceLabel, ViewText::filterSince},
+                                                    {partUntilLabel, ViewText::filterUntil},
+                                                    {partClear, ViewText::filterClear}};
+  for (const auto& [which, words] : captions) setWindowText(part(which), texts_->text(words));
+  showDateStyle();
+  kindList_.reword(texts_->text(ViewText::filterAnyProcessor));
+  const list::Filter filter = wanted();
+  fillProcessors(filter.processor);
+  showKindsCaption();
+  setOtherDates(otherDates_);
 }
 
 void FilterBar::setFont(HFONT font, int dpi) {

@@ -18,6 +18,7 @@ class FilterBar {
  public:
   // `texts` must live longer; `changed` is called when a person has changed what the boxes say.
   void create(HWND parent, ViewTexts& texts, std::function<void()> changed);
+  void reword();                      // the texts say something else now; what is typed and ticked stays
   void setFont(HFONT font, int dpi);  // `font` must live until the next one is set
   void setColours(COLORREF ground, COLORREF text) { kindList_.setColours(ground, text); }
 
@@ -85,6 +86,7 @@ class FilterBar {
   void placeList();
   void showKindsCaption();
   void fillProcessors(const std::optional<std::u16string>& chosen);
+  void showDateStyle();
   void told();
 
   ViewTexts* texts_ = nullptr;

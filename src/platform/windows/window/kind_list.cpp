@@ -39,6 +39,12 @@ void KindList::create(HWND parent, int id, const std::u16string& allKinds, Event
   }
 }
 
+void KindList::reword(const std::u16string& allKinds) {
+  allKinds_ = allKinds;
+  const std::vector<list::Tally> kinds = kinds_;
+  fill(kinds, list::KindRule(rule_));
+}
+
 void KindList::setFont(HFONT font, int dpi) {
   font_ = font;
   dpi_ = dpi;

@@ -22,6 +22,7 @@ class KindList {
   // `allKinds` is what the first line says.
   void create(HWND parent, int id, const std::u16string& allKinds, Events events);
   HWND window() const { return window_; }
+  void reword(const std::u16string& allKinds);
   void setFont(HFONT font, int dpi);  // `font` must live until the next one is set
   void setColours(COLORREF ground, COLORREF text);
 

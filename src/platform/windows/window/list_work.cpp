@@ -46,6 +46,17 @@ void ListWork::enable(bool enabled) {
   EnableWindow(newer_.window(), enabled);
 }
 
+void ListWork::reword() {
+  bar_.reword();
+  setWindowText(showAll_, withoutAccessKey(texts_.text(ViewText::filterClear)));
+  desk_.reword();
+  if (desk_.stored() != nullptr && around_.use() != ListUse::never) digest_.begin();
+  tellFlood();
+  tellNewer();
+  wake();
+  tell();
+}
+
 void ListWork::noteWritten() {
   desk_.noteWritten();
   finder_.begin();

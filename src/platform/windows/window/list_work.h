@@ -43,6 +43,7 @@ class ListWork {
   void scrolled();
   const Strip& newer() const { return newer_; }  // that newer faults are above
   const Strip& flood() const { return flood_; }  // that there was a flood of them
+  void reword();                                 // the texts say something else now, and so may the rows
   void enable(bool enabled);
   database::RowList* rows() { return desk_.list(); }  // null for none, and while a long step runs
   void noteWritten();                                 // what filter and count make of it is looked for anew

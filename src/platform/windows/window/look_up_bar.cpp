@@ -32,6 +32,11 @@ void LookUpBar::create(HWND parent, const Ids& ids, ViewTexts& texts) {
       makeChild(parent, ids.message, WC_STATICW, {}, SS_LEFT | SS_CENTERIMAGE | SS_NOPREFIX | SS_ENDELLIPSIS);
 }
 
+void LookUpBar::reword(ViewTexts& texts) {
+  setWindowText(label_, texts.text(ViewText::lookUpLabel));
+  setWindowText(next_, texts.text(ViewText::lookUpNext));
+}
+
 void LookUpBar::setFont(HFONT font) {
   font_ = font;
   for (HWND window : {label_, text_, next_, close_, message_})

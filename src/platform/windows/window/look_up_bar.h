@@ -15,6 +15,7 @@ class LookUpBar {
     int label, text, next, close, message;
   };
   void create(HWND parent, const Ids& ids, ViewTexts& texts);
+  void reword(ViewTexts& texts);  // they say something else now
   void setFont(HFONT font);
   void place(const RECT& bar, int dpi);
 

@@ -131,6 +131,7 @@ MainWindow::~MainWindow() {
 void MainWindow::attach(Form& form, ViewEvents& events) {
   detach();
   form_ = &form;
+  words_ = nullptr;
   events_ = &events;
   const INITCOMMONCONTROLSEX controls{sizeof controls,
                                       ICC_STANDARD_CLASSES | ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES};
@@ -279,12 +280,29 @@ void MainWindow::createMenuEntries() {
 
 // When the system menu opens.
 void MainWindow::showMenuEntries(HMENU menu) {
-  const auto offer = [&](UINT command, bool offered) {
-    EnableMenuItem(menu, command, offered ? MF_ENABLED : MF_GRAYED);
+  const auto offer = [&](UINT command, ViewText words, bool offered) {
+    ModifyMenuW(menu, command, MF_BYCOMMAND | MF_STRING | (offered ? MF_ENABLED : MF_GRAYED), command,
+                wide(texts_.text(words)));
   };
-  offer(guideCommand, events_->guideOffered());
-  offer(soundCommand, events_->listUse() == ListUse::now);
+  offer(guideCommand, ViewText::openGuide, events_->guideOffered());
+  offer(soundCommand, ViewText::alarmSound, events_->listUse() == ListUse::now);
   CheckMenuItem(menu, soundCommand, attention_.soundWanted() ? MF_CHECKED : MF_UNCHECKED);
+  showLanguages(menu);
+}
+
+// Those that can be read now, below the other entries; none while there is but one.
+void MainWindow::showLanguages(HMENU menu) {
+  const Languages languages = events_->languages();
+  for (UINT i = 0; i <= mostLanguages; ++i) RemoveMenu(menu, languageCommand(i), MF_BYCOMMAND);
+  const UINT count = std::min(static_cast<UINT>(languages.names.size()), mostLanguages);
+  if (count < 2) return;
+  const UINT state = events_->listUse() == ListUse::now ? MF_ENABLED : MF_GRAYED;
+  AppendMenuW(menu, MF_SEPARATOR, languageCommand(mostLanguages), nullptr);
+  for (UINT i = 0; i < count; ++i)
+    AppendMenuW(menu, MF_STRING | state, languageCommand(i), wide(languages.names[i]));
+  if (languages.chosen < count)
+    CheckMenuRadioItem(menu, languageCommand(0), languageCommand(count - 1),
+                       languageCommand(static_cast<UINT>(languages.chosen)), MF_BYCOMMAND);
 }
 
 void MainWindow::createAttention() {
@@ -483,7 +501,7 @@ void MainWindow::popUpMenu(std::u16string_view) {
   const Menu menu(CreatePopupMenu());
   const Control* whatsThis = control(whatsThisItem);
   if (whatsThis == nullptr) return;
-  AppendMenuW(menu.get(), MF_STRING, 1, wide(whatsThis->text(u"Caption")));
+  AppendMenuW(menu.get(), MF_STRING, 1, wide(wordsOf(*whatsThis, u"Caption")));
   POINT at{};
   GetCursorPos(&at);
   SetForegroundWindow(window_);

@@ -45,6 +45,7 @@ class MainWindow final : public Win32View {
   void setHourglass(bool on) override;
   void startTimer(int milliseconds) override { timer_.start(window_, milliseconds); }
   void stopTimer() override { timer_.stop(window_); }
+  void setWords(Form* words) override;
   void setRows(GridSource* rows) override;
   void setSortMark(int column, bool descending) override { grid_.setSortMark(column, descending); }
   void setLamp(bool major, bool lit) override;
@@ -72,6 +73,8 @@ class MainWindow final : public Win32View {
   void watchExchanges();
   void createMenuEntries();
   void showMenuEntries(HMENU menu);
+  void showLanguages(HMENU menu);
+  void nameParts();
   void readSettings();
   void writeSettings();
   RECT placeFromSettings() const;
@@ -80,6 +83,9 @@ class MainWindow final : public Win32View {
   // What the form says.
   Control* control(std::u16string_view name) { return form_ != nullptr ? form_->find(name) : nullptr; }
   HWND item(int id) const { return GetDlgItem(window_, id); }
+  const Control& worded(const Control& own) const;
+  const Control* worded(std::u16string_view name);
+  std::u16string wordsOf(const Control& own, std::u16string_view property) const;
   void controlChanged(Control& control, std::u16string_view property);
   void formChanged(std::u16string_view property);
   void applyWhole();
@@ -162,6 +168,7 @@ class MainWindow final : public Win32View {
   ViewTexts& texts_;
   platform::SettingsStore& settings_;
   Form* form_ = nullptr;
+  Form* words_ = nullptr;  // whose texts and fonts show; null: the form's own
   ViewEvents* events_ = nullptr;
   HWND window_ = nullptr;
   HWND tips_ = nullptr, notice_ = nullptr;

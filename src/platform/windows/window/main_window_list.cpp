@@ -21,6 +21,7 @@ enum GridCommand : UINT {
   noteCommand,
   lookUpCommand,
   nextNewCommand,
+  storedCommand,
   copyCommand,
   onlyCommand = copyCommand + std::size(copyEntries)
 };
@@ -44,6 +45,9 @@ void MainWindow::gridMenu(POINT place) {
   AppendMenuW(menu.get(), MF_STRING, noteCommand, wide(texts_.text(ViewText::noteMenu) + u"\tF2"));
   if (look_.offered())
     AppendMenuW(menu.get(), MF_STRING, nextNewCommand, wide(texts_.text(ViewText::nextNew) + u"\tF6"));
+  if (events_->storedTextsOffered())
+    AppendMenuW(menu.get(), MF_STRING | (events_->storedTextsShown() ? MF_CHECKED : 0U), storedCommand,
+                wide(texts_.text(ViewText::storedTexts) + u"\tF8"));
   const GridRow row = selected->fault;  // the menu serves messages meanwhile
   if (IsWindowEnabled(item(idFilter))) appendFilters(menu.get(), row);
   const BOOL chosen =
@@ -56,6 +60,7 @@ void MainWindow::chosenInMenu(UINT command, const GridRow& row) {
   if (command == noteCommand) return notes_.write();
   if (command == lookUpCommand) return openLookUp();
   if (command == nextNewCommand) return goToNextNew();
+  if (command == storedCommand) return events_->storedTextsAsked();
   if (command >= onlyCommand) return list_.show(onlyEntries[command - onlyCommand], row);
   list_.copy(copyEntries[command - copyCommand].first);
 }

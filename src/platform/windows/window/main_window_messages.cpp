@@ -73,10 +73,7 @@ LRESULT MainWindow::handle(UINT message, WPARAM wide, LPARAM low) {
       if (restyleWanted_) restyle();
       return 0;
     case nameMessage:  // after the start: the libraries that this needs take their time
-      nameForScreenReaders(pane_.window(), texts_.text(ViewText::selectedFault));
-      nameForScreenReaders(lookUp_.closeButton(), texts_.text(ViewText::lookUpClose));
-      nameForScreenReaders(list_.bar().closeButton(), texts_.text(ViewText::filterClose));
-      nameForScreenReaders(list_.bar().kindWindow(), texts_.text(ViewText::filterKindsName));
+      nameParts();
       for (const int lamp : {idMajor, idMinor}) makeLive(item(lamp), Urgency::atOnce);
       for (HWND live : {notice_, status_.account(), lookUp_.message(), list_.bar().message(),
                         notes_.bar().message(), list_.flood().window(), list_.newer().window()})
@@ -95,6 +92,13 @@ LRESULT MainWindow::handle(UINT message, WPARAM wide, LPARAM low) {
     default:
       return handleInput(message, wide, low);
   }
+}
+
+void MainWindow::nameParts() {
+  nameForScreenReaders(pane_.window(), texts_.text(ViewText::selectedFault));
+  nameForScreenReaders(lookUp_.closeButton(), texts_.text(ViewText::lookUpClose));
+  nameForScreenReaders(list_.bar().closeButton(), texts_.text(ViewText::filterClose));
+  nameForScreenReaders(list_.bar().kindWindow(), texts_.text(ViewText::filterKindsName));
 }
 
 LRESULT MainWindow::handleInput(UINT message, WPARAM wide, LPARAM low) {
@@ -116,6 +120,10 @@ LRESULT MainWindow::handleInput(UINT message, WPARAM wide, LPARAM low) {
       if (isSoundCommand(wide) && events_ != nullptr && events_->listUse() == ListUse::now)
         attention_.switchSound();
       if (isSoundCommand(wide)) return 0;
+      if (isLanguageCommand(wide)) {
+        if (events_ != nullptr) events_->languageChosen((wide - languageCommand(0)) / 0x10);
+        return 0;
+      }
       if (!isGuideCommand(wide)) return DefWindowProcW(window_, message, wide, low);
       if (events_ != nullptr) events_->guideAsked(focusedPart());
       return 0;
@@ -376,6 +384,10 @@ bool MainWindow::keyDown(WPARAM key) {
   }
   if (key == VK_F6) {
     goToNextNew();
+    return true;
+  }
+  if (key == VK_F8) {
+    events_->storedTextsAsked();
     return true;
   }
   if (key == VK_F3) {

@@ -24,11 +24,45 @@ bool isFont(std::u16string_view property) {
   return text::contains(text::toLower(property), u"font");
 }
 
-std::u16string_view wordsProperty(int id) {
-  return id == idReceived ? u"Text" : u"Caption";
+}  // namespace
+
+// --- in another language
+
+const Control& MainWindow::worded(const Control& own) const {
+  if (words_ == nullptr) return own;
+  if (&own == &form_->self()) return words_->self();
+  const Control* other = words_->find(own.name(), own.index());
+  return other != nullptr ? *other : own;
 }
 
-}  // namespace
+const Control* MainWindow::worded(std::u16string_view name) {
+  const Control* own = control(name);
+  return own != nullptr ? &worded(*own) : nullptr;
+}
+
+// A text that the other language lacks stays as it is.
+std::u16string MainWindow::wordsOf(const Control& own, std::u16string_view property) const {
+  std::u16string words = textOf(worded(own), property);
+  return words.empty() ? textOf(own, property) : words;
+}
+
+void MainWindow::setWords(Form* words) {
+  words_ = words;
+  if (window_ == nullptr || form_ == nullptr) return;
+  applyWhole();
+  formChanged(u"Caption");
+  lookUp_.reword(texts_);
+  list_.reword();
+  setTip(item(idLookUpClose), texts_.text(ViewText::lookUpClose));
+  setTip(item(idFilterClose), texts_.text(ViewText::filterClose));
+  grid_.setNews([this](std::size_t row) { return look_.isNew(row); }, texts_.text(ViewText::newFault));
+  nameParts();
+  wantRestyle();
+  showCount();
+  refresh();
+}
+
+// --- what the form says
 
 bool MainWindow::inputAllowed() const {
   return inputEnabled_ && form_ != nullptr && flagOf(form_->self(), u"Enabled");
@@ -59,7 +93,7 @@ void MainWindow::controlChanged(Control& changed, std::u16string_view property) 
 
 void MainWindow::formChanged(std::u16string_view property) {
   const Control& self = form_->self();
-  if (property == u"Caption") setWindowText(window_, textOf(self, property));
+  if (property == u"Caption") setWindowText(window_, wordsOf(self, property));
   if (property == u"Visible") setVisible(flagOf(self, property));
   if (property == u"Enabled") updateInput();
   if (property == u"MousePointer") setHourglass(self.number(property) == hourglassPointer);
@@ -83,7 +117,7 @@ void MainWindow::applyWhole() {
 void MainWindow::apply(Control& shown, int id) {
   const HWND window = id == idGrid ? grid_.window() : item(id);
   if (id != idExchange && id != idMajor && id != idMinor) {
-    const std::u16string words = textOf(shown, wordsProperty(id));
+    const std::u16string words = id == idReceived ? textOf(shown, u"Text") : wordsOf(shown, u"Caption");
     if (windowText(window) != words) {
       SetWindowTextW(window, wide(words));
       if (id != idReceived) wantRestyle();  // a longer caption needs more room
@@ -141,11 +175,11 @@ void MainWindow::applyHeading(const Control& grid, std::u16string_view property)
   const char16_t digit = property.size() > 8 ? property[8] : u'x';
   const int column = digit - u'0';
   if (column >= 0 && column < columnCount && text::contains(property, u"Caption"))
-    grid_.setHeading(column, textOf(grid, property));
+    grid_.setHeading(column, wordsOf(grid, property));
 }
 
 void MainWindow::applyTip(const Control& shown, int id) {
-  std::u16string tip = textOf(shown, u"ToolTipText");
+  std::u16string tip = wordsOf(shown, u"ToolTipText");
   if ((id == idMajor || id == idMinor) && !lampNote_.empty()) {
     if (!tip.empty()) tip += u"\r\n";
     tip += lampNote_;
@@ -167,7 +201,7 @@ void MainWindow::setTip(HWND window, const std::u16string& tip) {
 void MainWindow::dressPane() {
   Palette pane = palette_;
   pane.surface = background_.paneColour(palette_);
-  pane_.setLook(control(gridName), dpi_, pane);
+  pane_.setLook(worded(gridName), dpi_, pane);
 }
 
 // The loaders change hundreds of properties in a row: one restyling follows them all.
@@ -183,12 +217,12 @@ void MainWindow::restyle() {
   std::map<int, Font> fresh;
   for (const auto& [shown, id] : ids_) {
     if (id == idGrid) continue;
-    Font font = makeFont(fontOf(shown), dpi_);
+    Font font = makeFont(fontOf(&worded(*shown)), dpi_);
     SendMessageW(item(id), WM_SETFONT, reinterpret_cast<WPARAM>(font.get()), TRUE);
     fresh.emplace(id, std::move(font));
   }
   fonts_.swap(fresh);
-  const FontChoice own = fontOf(&form_->self());
+  const FontChoice own = fontOf(&worded(form_->self()));
   Font plain = makeFont(own, dpi_);
   lookUp_.setFont(plain.get());
   list_.bar().setFont(plain.get(), dpi_);
@@ -198,10 +232,10 @@ void MainWindow::restyle() {
   for (HWND window : {notice_, tips_})
     SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(plain.get()), TRUE);
   font_ = std::move(plain);
-  bold_ = makeFont(fontOf(control(u"lblMJ")), dpi_, FontStyle::bold);
+  bold_ = makeFont(fontOf(worded(u"lblMJ")), dpi_, FontStyle::bold);
   for (const WPARAM part : {static_cast<WPARAM>(-1), WPARAM{0}})  // the box, and a line of its list
     SendMessageW(item(idExchange), CB_SETITEMHEIGHT, part, entryHeight());
-  grid_.setLook(control(gridName), dpi_, palette_);
+  grid_.setLook(worded(gridName), dpi_, palette_);
   list_.bar().setColours(palette_.surface, palette_.text);
   dressPane();
   background_.changed();
@@ -242,7 +276,7 @@ std::u16string MainWindow::lampWords(bool major, bool lit) {
 
 std::u16string MainWindow::lampsName() const {
   const Control* frame = form_ != nullptr ? form_->find(lampFrameName) : nullptr;
-  return frame != nullptr ? textOf(*frame, u"Caption") : std::u16string{};
+  return frame != nullptr ? wordsOf(*frame, u"Caption") : std::u16string{};
 }
 
 // The pane breaks its lines at once, so it is filled when it has its place.
@@ -251,7 +285,7 @@ void MainWindow::showSelected() {
   const ShownRow* row = grid_.selectedRow();
   const auto place = grid_.selected();
   if (row != nullptr && place)
-    pane_.showFault(*grid_.source(), *place, row->fault.description);
+    pane_.showFault(*grid_.source(), *place, row->description);
   else
     pane_.showHint(grid_.size() > 0 ? texts_.text(ViewText::noSelection) : std::u16string{});
   notes_.look();
@@ -270,7 +304,7 @@ list::Sheet MainWindow::sheet() {
   const Control* grid = control(gridName);
   for (std::size_t column = 0; grid != nullptr && column < sheet.headings.size(); ++column)
     sheet.headings[column] =
-        textOf(*grid, std::u16string(u"Columns(") + static_cast<char16_t>(u'0' + column) + u").Caption");
+        wordsOf(*grid, std::u16string(u"Columns(") + static_cast<char16_t>(u'0' + column) + u").Caption");
   sheet.stored = list_.storedSize();
   sheet.noteHeadings = {texts_.text(ViewText::noteText), texts_.text(ViewText::noteAuthor),
                         texts_.text(ViewText::noteTime)};

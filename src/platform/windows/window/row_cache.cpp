@@ -20,7 +20,8 @@ const ShownRow* RowCache::row(std::size_t position) {
     place.present = fetched.has_value();
     place.noteKnown = false;
     if (fetched) {
-      place.row.text = rowText(fetched->description);
+      place.row.description = source_->asRead(*fetched);
+      place.row.text = rowText(place.row.description);
       place.row.fault = std::move(*fetched);
     }
   }

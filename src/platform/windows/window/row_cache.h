@@ -10,9 +10,10 @@
 namespace vordane::window::win32 {
 
 struct ShownRow {
-  GridRow fault;
-  RowText text;
-  database::Note note;  // without a text where there is none
+  GridRow fault;               // as it is stored
+  std::u16string description;  // as a person reads it
+  RowText text;                // of that
+  database::Note note;         // without a text where there is none
 };
 
 class RowCache {
