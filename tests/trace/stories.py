@@ -57,7 +57,7 @@ for program in programs:
                 assert not validator.is_valid({**line, key: [[[]]]}), f"{line} passes with another {key}"
             assert not validator.is_valid({**line, "foreign": 1}), f"{line} passes with a foreign name"
 
-# What no story does stands in tests of its own.
-missing = set(schema["properties"]["event"]["enum"]) - seen - {"left out", "window"}
+# What no story does stands in tests of its own; stories reach the window from behind, where nobody stands in front.
+missing = set(schema["properties"]["event"]["enum"]) - seen - {"left out", "window", "person", "tick", "done"}
 assert not missing, f"no story has told of {missing}"
 print(f"{count} lines, {len(known)} shapes")
