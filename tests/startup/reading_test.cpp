@@ -10,7 +10,6 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr std::u16string_view databases = u"C:\\QUILMAR32\\30000\\ADDINS\\DATABASE\\";
 
 class Reading : public Story {
  protected:
@@ -255,7 +254,7 @@ TEST_F(Reading, AFileThatIsNoLanguageIsSaidAndTheWindowStays) {
 TEST_F(Reading, AFileThatHasGoneSinceIsSaid) {
   begin();
   form().input().languages();
-  std::filesystem::remove(engine.databases() / "VORDANE.xx.LNG");
+  std::filesystem::remove(engine.folder() / "VORDANE.xx.LNG");
   state.Messages[message::statusNoLanguage] = u"{1}: unusable";
   form().input().languageChosen(1);
   EXPECT_THAT(line(), testing::StartsWith("VORDANE.xx.LNG: unusable\n"));
