@@ -162,7 +162,9 @@ TEST_F(Stations, ExpectedFaultsAreFoundAsIfNothingHadBeenSaid) {
   for (int i = 0; i < 20; ++i) {
     const auto found = database->openRecordset(texts[static_cast<std::size_t>(i)]);
     EXPECT_EQ(found->recordCount() > 0, i % 2 == 0) << i;
-    if (i % 2 == 0) EXPECT_EQ(found->get(u"Description"), database::text(faultNumber(i).description));
+    if (i % 2 == 0) {
+      EXPECT_EQ(found->get(u"Description"), database::text(faultNumber(i).description));
+    }
     if (i == 4) {
       found->moveNext();
       EXPECT_FALSE(found->atEnd());
