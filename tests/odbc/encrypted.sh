@@ -57,6 +57,7 @@ source_for good.dsn localhost "pqopt=sslrootcert=$work/ours.crt"
 run 0 store create good.dsn --language en.LNG
 run 0 store check good.dsn --language en.LNG
 says out 'the connection is encrypted (TLSv1.3), the server'\''s name is verified'
+sql -d faults -c "insert into vordane.\"PBXList\" (\"PBXName\") values ('PBX-1')"
 sql -d faults -c "insert into vordane.\"FaultDisplay\" (\"ID\", \"Description\") values (1, 'x')"
 run 0 list good.dsn --count; [ "$(cat out)" = 1 ] || fail "counts $(cat out)"
 [ "$(sql -d postgres -c "select count(*) from pg_hba_file_rules where type = 'host'")" -gt 0 ] ||
@@ -82,7 +83,7 @@ run 1 store check disable.dsn --language en.LNG
 says out 'wrong: the connection is not encrypted: the data source says SSLmode=disable'
 run 0 list disable.dsn --count
 source_for hidden.dsn localhost "pqopt=sslrootcert=$work/ours.crt sslmode=disable"
-run 1 store check hidden.dsn --language en.LNG; says out 'wrong: the connection is '; says out 'sslmode=disable'
+run 1 store check hidden.dsn; says errors 'conflicts' # among the settings the driver takes no mode
 
 run 0 suite made --language en --source "$data"
 cp good.dsn made/ADDINS/DATABASE/FAULT.MDB

@@ -142,13 +142,18 @@ TEST_F(KilledTest, AStationLosesNothingThatItToldAndTheNextListCompletesIt) {
 }
 
 TEST_F(KilledTest, AServerLosesNothingThatWasToldAndTheSameStationGoesOn) {
-  const auto engine = makeEngine(startup::databases, systemLibrary());
+  // A list is saved in several pieces.
+  const auto engine = makeEngine(startup::databases, systemLibrary(), {.longestUnsavedMilliseconds = 5});
   fakes::MemoryStoreForm form;
   std::vector<std::string> report;
   form.meanwhile = [&](const std::string& line) { report.push_back(line); };
   form.database = engine->open(text::fromUtf8(orderOf(0, 1).file), false);
   store::FaultStore faults(form, form.around());
   faults.setSortFlags();
+  wire_.breakAt(Proxy::Breakage::none, 0);
+  crash::receiveList(form, nextList_++);
+  form.ingest(faults);
+  wholeMessages_ = wire_.messages();
   const int rounds = wantedRounds();
   for (int round = 0; round < rounds && !HasFailure(); ++round) {
     SCOPED_TRACE("round " + std::to_string(round));

@@ -37,7 +37,7 @@ fi
 if [ "${1:-}" = --start ]; then
   folder=$2
   exec 8>"$folder/starting" && flock 8
-  rm -f "$folder/data/postmaster.pid" # of a server that was killed
+  rm -f "$folder/data/postmaster.pid" "$folder"/socket/.s.PGSQL.* # of a server that was killed
   "${as_server[@]}" setsid "$programs/postgres" -D "$folder/data" -k "$folder/socket" -c listen_addresses= \
     -c fsync=off -c full_page_writes=off -c max_connections=200 -c shared_buffers=64MB ${VORDANE_SERVER_OPTIONS:-} \
     >>"$folder/log" 2>&1 </dev/null 8>&- &

@@ -122,6 +122,9 @@ TEST_F(NewerListRule, AfterAFailureAnotherDisplayBeginsAnew) {
   store->fails = true;
   ask();
   ask();
+  showAnew();
+  ask();
+  EXPECT_EQ(rule.pause(), std::chrono::seconds(15));
   store->fails = false;
   showAnew();
   ask();
@@ -165,6 +168,17 @@ TEST_F(NewerListShown, TheStatusLineSaysSoUntilItIsShown) {
   EXPECT_EQ(form.window.control(u"txtTimeTag").text(u"Text"), u"20.11.2026 11:00:00");
   store.lookForNewerList();
   EXPECT_THAT(line(), Not(HasSubstr(said)));
+}
+
+TEST_F(NewerListShown, EachPieceOfAListIsToldWhenTheOneBeforeItIsShown) {
+  for (int piece = 0; piece < 3; ++piece) {
+    addFault(id, {});
+    store.lookForNewerList();
+    EXPECT_THAT(line(), testing::StartsWith(said)) << piece;
+    store.exchangeListClicked();
+    store.lookForNewerList();
+    EXPECT_THAT(line(), Not(HasSubstr(said))) << piece;
+  }
 }
 
 TEST_F(NewerListShown, SortingShowsItToo) {

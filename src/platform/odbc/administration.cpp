@@ -5,7 +5,6 @@
 #include "platform/odbc/errors.h"
 #include "platform/odbc/postgres_names.h"
 #include "platform/odbc/receipts.h"
-#include "text/text.h"
 #include "text/utf8.h"
 
 namespace vordane::odbc {
@@ -211,17 +210,11 @@ class Making {
   std::vector<std::string> done_;
 };
 
-// A mode may hide among the settings.
-std::u16string encryptionIn(const DataSource& source) {
-  const std::u16string mode(source.value(u"SSLmode")), settings(source.value(u"pqopt"));
-  return text::toLower(settings).find(u"sslmode") == settings.npos ? mode : mode + u" " + settings;
-}
-
 }  // namespace
 
 Administration::Administration(std::u16string_view path, const Lookup& lookup) {
   const DataSource source = DataSource::read(path);
-  encryption_ = encryptionIn(source);
+  encryption_ = source.value(u"SSLmode");
   api_ = loadApi(lookup);
   constexpr int wordSize = sizeof(void*) * 8;
   link_ = std::make_unique<Link>(api_, source.connection(wordSize, postgres().driverSettings()),

@@ -20,6 +20,7 @@ Api loadApi(const Lookup& lookup) {
   load(lookup, "SQLFreeHandle", api.freeHandle);
   load(lookup, "SQLSetEnvAttr", api.setEnvAttr);
   load(lookup, "SQLSetConnectAttrW", api.setConnectAttr);
+  load(lookup, "SQLGetConnectAttrW", api.getConnectAttr);
   load(lookup, "SQLDriverConnectW", api.driverConnect);
   load(lookup, "SQLDisconnect", api.disconnect);
   load(lookup, "SQLEndTran", api.endTran);

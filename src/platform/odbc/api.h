@@ -25,7 +25,7 @@ constexpr bool ok(Return result) {
 inline constexpr std::int16_t handleEnvironment = 1, handleConnection = 2, handleStatement = 3;
 inline constexpr std::int16_t commit = 0, rollback = 1;
 inline constexpr std::int32_t attributeVersion = 200, versionOdbc3 = 3;                // environment
-inline constexpr std::int32_t attributeAutocommit = 102;                               // connection
+inline constexpr std::int32_t attributeAutocommit = 102, attributeDead = 1209;         // connection
 inline constexpr std::int16_t typeLongText = -10, typeText = -9, typeBigInteger = -5;  // of columns
 inline constexpr std::int16_t valueWide = -8, valueBigInteger = -25;                   // of values
 inline constexpr std::int16_t input = 1;
@@ -43,6 +43,7 @@ struct Api {
   Function<std::int16_t, Handle> freeHandle = nullptr;
   Function<Handle, std::int32_t, void*, std::int32_t> setEnvAttr = nullptr;
   Function<Handle, std::int32_t, void*, std::int32_t> setConnectAttr = nullptr;
+  Function<Handle, std::int32_t, void*, std::int32_t, std::int32_t*> getConnectAttr = nullptr;
   Function<Handle, void*, char16_t*, std::int16_t, char16_t*, std::int16_t, std::int16_t*, std::uint16_t>
       driverConnect = nullptr;
   Function<Handle> disconnect = nullptr;

@@ -45,6 +45,12 @@ struct Link::Connection {
     return api.setConnectAttr(handle, sql::attributeAutocommit, numberAttribute(on ? 1 : 0), 0);
   }
 
+  // What the driver knows, whatever else it says has failed.
+  bool isDead() const {
+    std::uint32_t dead = 0;
+    return sql::ok(api.getConnectAttr(handle, sql::attributeDead, &dead, 0, nullptr)) && dead != 0;
+  }
+
   const Api api;
   std::u16string text;
   Handle environment = nullptr, handle = nullptr;
@@ -219,7 +225,7 @@ void Link::raise(std::int16_t kind, Handle handle) {
     said.assign(message.data(), std::min<std::size_t>(static_cast<std::size_t>(length), message.size() - 1));
   }
   const bool connected = connection_->connected;
-  if (connected && (code.empty() || meansLost(code))) lost_ = true;
+  if (connected && (code.empty() || meansLost(code) || connection_->isDead())) lost_ = true;
   const int number = connected ? numberOf(code) : number::connectionFailed;
   database::fail(lost_ ? number::connectionFailed : number, firstSentence(said));
 }

@@ -308,18 +308,21 @@ void Plans::planManySame(Plan& plan, const std::array<std::size_t, 4>& texts) co
   plan.places = {plan.values[0], plan.values[1]};
   plan.places.insert(plan.places.end(), texts.begin(), texts.end());
   constexpr std::string_view names[] = {"r.a", "r.b", "r.c", "r.d"};
-  plan.many = "select r.place::text, i.\"Key\"::text from " +
+  // Each is looked for along the index, whatever the server believes of the tables' sizes, and what it is
+  // looked for by is computed once.
+  constexpr int mostAlike = 1000;
+  std::string one = "select i.\"Key\" as key" + joinedEvents(plan) +
+                    " where i.\"Owner\" = r.o and i.\"Moment\" = r.m and i.\"Hash\" = r.h";
+  for (std::size_t i = 0; i < texts.size(); ++i)
+    one += " and " + dialect_.folded("f." + columnOf(plan, texts[i])) + " = " + dialect_.folded(names[i]);
+  plan.many = "with asked as materialized (select place, o, " + dialect_.folded("r.m") + " as m, " +
+              dialect_.hash({"r.a", "r.b", "r.c", "r.d"}) + " as h, a, b, c, d from " +
               dialect_.rowsOfArrays({ColumnType::integer, ColumnType::text, ColumnType::text,
                                      ColumnType::text, ColumnType::text, ColumnType::text}) +
-              " as r(o, m, a, b, c, d, place) join " + dialect_.indexTable() +
-              " i on i.\"Owner\" = r.o and i.\"Moment\" = " + dialect_.folded("r.m") +
-              " and i.\"Hash\" = " + dialect_.hash({"r.a", "r.b", "r.c", "r.d"}) + " join " +
-              dialect_.name(plan.table->name) + " f on f." + dialect_.quoted(plan.table->events->key) +
-              " = i.\"Key\"";
-  for (std::size_t i = 0; i < texts.size(); ++i)
-    plan.many +=
-        " and " + dialect_.folded("f." + columnOf(plan, texts[i])) + " = " + dialect_.folded(names[i]);
-  plan.many += " order by r.place, i.\"Key\"";
+              " as r(o, m, a, b, c, d, place)) select r.place::text, found.key::text from asked r cross join "
+              "lateral (" +
+              dialect_.limited(one + " order by i.\"Key\"", mostAlike) +
+              ") as found order by r.place, found.key";
 }
 
 }  // namespace vordane::odbc
