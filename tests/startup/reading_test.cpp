@@ -10,7 +10,6 @@ namespace {
 
 using testing::HasSubstr;
 
-
 class Reading : public Story {
  protected:
   // A language file beside that of the suite. Message n reads "Rn", item i of a list "xx.i".
