@@ -35,6 +35,7 @@ void WindowReading::begin() {
   if (parts_.application.unattended() || std::exchange(begun_, true)) return;
   const Workstation& station = parts_.application.station();
   const std::u16string kept = station.settings.read(programName, section, key).value_or(u"");
+  if (kept.empty()) return;
   const auto files = station.files.between(folder() + std::u16string(fileBegin), fileEnd);
   if (std::find(files.begin(), files.end(), kept) != files.end()) read(kept);
 }

@@ -177,7 +177,7 @@ TEST_F(Reading, DataAndProvenanceAreThoseOfTheTextShown) {
 TEST_F(Reading, TheTitleNamesTheExchangeInItToo) {
   begin();
   choose(1);
-  EXPECT_EQ(view.words->self().text(u"Caption"), u"Title there");
+  EXPECT_EQ(view.words->self().text(u"Caption"), u"Title (PBX-1)");
   form().setPBXName(u"PBX-2");
   EXPECT_EQ(view.words->self().text(u"Caption"), u"Title (PBX-2)");
   choose(1);
