@@ -397,6 +397,8 @@ std::u16string FakeTexts::text(ViewText which) {
       return pick({u"Copy as CS&V", u"Копировать как CS&V", u"CSV としてコピー(&V)"}, language_);
     case ViewText::copyMessage:
       return pick({u"Copy &message", u"Копировать &сообщение", u"メッセージをコピー(&M)"}, language_);
+    case ViewText::storedTexts:
+      return pick({u"Stored te&xt", u"Хранимый т&екст", u"保存された文(&X)"}, language_);
     case ViewText::copyData:
       return pick({u"Copy data &bytes", u"Копировать б&айты данных", u"データバイトをコピー(&B)"}, language_);
     case ViewText::copyAtWork:
