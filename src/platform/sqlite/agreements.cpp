@@ -18,7 +18,9 @@ constexpr OwnTable agreementTable{
 std::optional<database::Agreement> keptAgreement(Opened& opened, std::u16string_view subject) {
   const Connection::Patience patience(opened.connection, agreementWait);
   if (!isThere(opened, agreementTable)) return {};
-  Statement row(opened.connection, "SELECT Name, Mark FROM VordaneAgreements WHERE Subject = ?");
+  Statement& row =
+      opened.prepared(opened.keptAgreement, "SELECT Name, Mark FROM VordaneAgreements WHERE Subject = ?");
+  const Running running(row);
   row.bindText(1, subject);
   if (!row.step()) return {};
   return database::Agreement{row.text(0), row.text(1)};

@@ -13,7 +13,7 @@ struct OwnTable {
   std::u16string_view name, sql;  // as the file's schema keeps it
 };
 
-// False where it is not made yet. Throws DatabaseError, 3010 where another's table stands under its name.
+// False where it is not made yet. Throws DatabaseError, 3204 where another's table stands under its name.
 bool isThere(Opened& opened, const OwnTable& own);
 // Inside a WriteScope; nothing happens where it is there.
 void makeWhereMissing(Connection& connection, const OwnTable& own);

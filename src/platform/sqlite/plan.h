@@ -92,7 +92,7 @@ struct Opened {
   jet::Lifted lifted;  // of the statement at hand; keeps its memory for the next
 
   // Asked with each exchange that is shown, so they stay prepared.
-  Statement ownTable, lastReceipt;
+  Statement ownTable, lastReceipt, keptAgreement;
   Statement& prepared(Statement& statement, std::string_view sql) {
     if (!statement) statement = Statement(connection, sql);
     return statement;
