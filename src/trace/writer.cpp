@@ -8,6 +8,7 @@ namespace vordane::trace {
 namespace {
 
 constexpr std::size_t pieceOfFile = 256 * 1024;  // bytes that are written at once
+constexpr std::size_t longLine = 16 * 1024;      // one that is written by itself, as it lies there
 
 }  // namespace
 
@@ -25,8 +26,13 @@ void Writer::Work::writeLines() {
 
 void Writer::Work::writeAll() {
   while (const auto line = ring.front()) {
-    out += *line;
-    ++lines;
+    if (line->size() >= longLine) {
+      writeLines();
+      files.write(*line, 1, clock());
+    } else {
+      out += *line;
+      ++lines;
+    }
     ring.pop();
     if (out.size() > pieceOfFile) writeLines();
   }
