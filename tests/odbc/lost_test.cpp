@@ -34,7 +34,7 @@ class Stopped {
 };
 
 constexpr Options hasty{
-    .connectMilliseconds = 500, .answerMilliseconds = 200, .askMilliseconds = 200, .pauseMilliseconds = 0};
+    .connectMilliseconds = 500, .answerMilliseconds = 500, .askMilliseconds = 200, .pauseMilliseconds = 0};
 
 Fault lossFault(int number) {
   return {1, u"01", u"MJ", u"MP", u"2006/11/27 10:15", u"Fault " + text::decimal(number)};
