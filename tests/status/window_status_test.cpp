@@ -263,7 +263,7 @@ TEST(WindowStatus, EverySentenceIsToldInTheLanguageThatIsRead) {
     state.ShownMessages = other.Messages;
     if (row.events.empty()) continue;
     EXPECT_EQ(text::toUtf8(status.line()), text::toUtf8(expected.line()));
-    if (row.aboveRows.kind != NoticeKind::hint) EXPECT_EQ(status.aboveRows(), expected.aboveRows());
+    EXPECT_EQ(status.aboveRows(), expected.aboveRows());
     state.ShownMessages.clear();
     EXPECT_EQ(text::toUtf8(status.line()), text::toUtf8(row.line));
     EXPECT_EQ(status.aboveRows(), row.aboveRows);
