@@ -10,8 +10,6 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr std::u16string_view folder = u"C:\\QUILMAR32\\30000\\ADDINS\\DATABASE\\";
-
 class Reading : public Story {
  protected:
   // A language file beside that of the suite. Message n reads "Rn", item i of a list "xx.i".
