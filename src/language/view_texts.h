@@ -9,7 +9,8 @@ namespace vordane {
 // The message number of a word of the drawing.
 std::size_t messageNumber(window::ViewText which);
 
-// Reads the messages that the window shows anew for each word, so that it may be made before they are loaded; `state` outlives it.
+// Reads the messages that the window shows anew for each word, so that it may be made before they are loaded;
+// `state` outlives it.
 class MessageTexts final : public window::ViewTexts {
  public:
   explicit MessageTexts(const SharedState& state) : state_(state) {}

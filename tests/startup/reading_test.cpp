@@ -238,7 +238,7 @@ TEST_F(Reading, AFileThatIsNoLanguageIsSaidAndTheWindowStays) {
   form().input().languageChosen(2);
   EXPECT_EQ(view.words, nullptr);
   EXPECT_EQ(view.wordsSet, 0);
-  EXPECT_EQ(line(), "M342\n" + before);
+  EXPECT_EQ(line(), "M" + std::to_string(message::statusNoLanguage) + "\n" + before);
   state.Messages[message::statusNoLanguage] = u"{1}: {2}";
   form().input().languageChosen(2);
   EXPECT_EQ(line(), "VORDANE.zz.LNG: tMessages\n" + before);
