@@ -10,7 +10,7 @@ namespace {
 constexpr Moment moment = 1'795'416'312'345'678;
 #define AT R"({"at":"2026-11-23T06:45:12.345678Z","event":"entries",)"
 
-class Lines : public testing::Test {
+class LinesOfAList : public testing::Test {
  protected:
   // As the recorder does it: what the open line does not take begins another.
   void read(int column, std::int16_t index, std::u16string_view text, std::int64_t object = 7) {
@@ -35,7 +35,7 @@ class Lines : public testing::Test {
   ListLines lines;
 };
 
-TEST_F(Lines, ALineHoldsTheEntriesThatFollowOneAnother) {
+TEST_F(LinesOfAList, ALineHoldsTheEntriesThatFollowOneAnother) {
   entry(0);
   entry(1);
   EXPECT_TRUE(lines.isOpen());
@@ -47,7 +47,7 @@ TEST_F(Lines, ALineHoldsTheEntriesThatFollowOneAnother) {
                "\n");
 }
 
-TEST_F(Lines, WhatWasNotReadOfAnEntryIsNull) {
+TEST_F(LinesOfAList, WhatWasNotReadOfAnEntryIsNull) {
   read(0, 3, u"a");
   read(2, 3, u"b");
   read(0, 4, u"c");
@@ -60,7 +60,7 @@ TEST_F(Lines, WhatWasNotReadOfAnEntryIsNull) {
                     "\n");
 }
 
-TEST_F(Lines, OtherPlacesAndOtherObjectsBeginALine) {
+TEST_F(LinesOfAList, OtherPlacesAndOtherObjectsBeginALine) {
   read(0, 0, u"a");
   read(0, 5, u"b");
   read(0, 5, u"c");
@@ -73,7 +73,7 @@ TEST_F(Lines, OtherPlacesAndOtherObjectsBeginALine) {
                     "\n");
 }
 
-TEST_F(Lines, ALongListHasALineForEachThousand) {
+TEST_F(LinesOfAList, ALongListHasALineForEachThousand) {
   for (std::int16_t i = 0; i < 2500; ++i) entry(i);
   end();
   EXPECT_EQ(count(), 3U);
@@ -81,7 +81,7 @@ TEST_F(Lines, ALongListHasALineForEachThousand) {
   EXPECT_NE(out.find(R"("first":2048,)"), out.npos);
 }
 
-TEST_F(Lines, LongTextsHaveRoomHoweverMuchTheyGrow) {
+TEST_F(LinesOfAList, LongTextsHaveRoomHoweverMuchTheyGrow) {
   const std::u16string zeros(ListLines::longestText, u'\0');
   for (std::int16_t i = 0; i < 5; ++i)
     for (int column = 0; column < 4; ++column) read(column, i, zeros);
