@@ -4,6 +4,8 @@
 # same main is asked for the header for hosts in C++ (--header): target NAME-header makes NAME.h, in the folder that
 # the target's property VORDANE_FOLDER names.
 find_program(VORDANE_WIDL NAMES x86_64-w64-mingw32-widl REQUIRED)
+# It writes into a library when it was compiled; the same sources shall give the same bytes.
+find_program(VORDANE_FAKETIME NAMES faketime REQUIRED)
 # The library of a 32-bit program says that its numbers are those of a 32-bit system.
 math(EXPR VORDANE_WORD_SIZE "8 * ${CMAKE_SIZEOF_VOID_P}")
 set(VORDANE_WIDL_FLAGS -m${VORDANE_WORD_SIZE} -I /usr/include/wine/wine/windows -L /usr/lib/x86_64-linux-gnu/wine/x86_64-windows)
@@ -31,7 +33,8 @@ function(vordane_type_library target name)
     DEPENDS ${ARG_SOURCES} ${vordane_idl_sources} vordane_text
     COMMENT "Writing ${name}.idl from the member tables" VERBATIM)
   add_custom_command(OUTPUT ${base}.tlb
-    COMMAND ${VORDANE_WIDL} ${VORDANE_WIDL_FLAGS} -t -o ${base}.tlb ${base}.idl
+    COMMAND ${CMAKE_COMMAND} -E env TZ=UTC ${VORDANE_FAKETIME} -f "2026-01-01 00:00:00"
+            ${VORDANE_WIDL} ${VORDANE_WIDL_FLAGS} -t -o ${base}.tlb ${base}.idl
     DEPENDS ${base}.idl COMMENT "Compiling ${name}.tlb" VERBATIM)
   file(GENERATE OUTPUT ${base}-tlb.rc CONTENT "1 TYPELIB \"${base}.tlb\"\n")
   set_source_files_properties(${base}-tlb.rc PROPERTIES OBJECT_DEPENDS ${base}.tlb)

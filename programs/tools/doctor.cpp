@@ -8,33 +8,14 @@
 
 #include "commands.h"
 #include "doctor_remedies.h"
+#include "examination.h"
 #include "language_check.h"
-#include "language_texts.h"
 #include "lines.h"
-#include "platform/engine_choice.h"
-#include "platform/odbc/administration.h"
-#include "platform/odbc/library.h"
-#include "platform/sqlite/engine.h"
 #include "setup_system.h"
-#include "startup/databases.h"
 #include "text/utf8.h"
 
 namespace vordane::tools {
 namespace {
-
-// Where a data source stands, the store that it leads to. What can't be opened has been said already.
-void examineStore(const SuiteLayout& layout, std::vector<Finding>& findings) try {
-  const std::u16string file = toText(layout.faults());
-  if (database::fileKind(file) != database::FileKind::dataSource) return;
-  const auto texts = sqlite::makeEngine(startup::databases);
-  odbc::Subject language{store::languageSubject,
-                         storingLanguageOf(*texts, text::toUtf8(toText(layout.texts())))};
-  for (const odbc::Examined& one :
-       odbc::Administration(file, odbc::systemLibrary()).examine(store::faultDatabase, language))
-    if (!one.good) findings.push_back({Weight::incomplete, "the store of FAULT.MDB: " + one.text});
-} catch (const database::DatabaseError&) {
-} catch (const ToolError&) {
-}
 
 struct Options {
   std::string directory;
@@ -61,16 +42,7 @@ class Doctor {
   }
 
  private:
-  std::vector<Finding> examine() {
-    std::vector<Finding> findings = examineFiles(layout_, *engine_);
-    examineStore(layout_, findings);
-    add(examineSurroundings(layout_, *engine_, around_), findings);
-    if (const auto workstation = thisWorkstation()) add(examineWorkstation(layout_, *workstation), findings);
-    return findings;
-  }
-  static void add(std::vector<Finding> more, std::vector<Finding>& findings) {
-    for (Finding& finding : more) findings.push_back(std::move(finding));
-  }
+  std::vector<Finding> examine() { return examineSuite(layout_, *engine_, around_); }
 
   void tell(const std::vector<Finding>& findings) const {
     if (!thisWorkstation()) std::cout << "settings and registration are examined on Windows only\n";
@@ -118,10 +90,7 @@ class Doctor {
   const SuiteLayout layout_;
   const std::unique_ptr<database::Engine> engine_ = examiningEngine();
   const std::unique_ptr<SetupSystem> system_ = setupSystem();
-  const Surroundings around_{
-      latestNow(), [this](const std::filesystem::path& folder) { return system_->roomAt(folder); },
-      thisWorkstation() ? [this](const std::filesystem::path& file) { return system_->inUse(file); }
-                        : std::function<bool(const std::filesystem::path&)>()};
+  const Surroundings around_ = surroundingsHere(*system_);
   std::vector<std::string> mended_;
   bool failed_ = false;  // to mend something
 };

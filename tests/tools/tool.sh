@@ -25,7 +25,7 @@ for help in --help -h; do
 done
 run 0 --version; silent errors
 [ "$(cat "$work/out")" = "vordane-tools $version" ] || { echo "FAILED: the version is $(cat "$work/out")"; failed=1; }
-for command in decode doctor follow guide language export import install list store suite uninstall; do
+for command in capsule decode doctor follow guide language export import install list store suite uninstall; do
   run 0 $command --help; silent errors; says out "usage: vordane-tools $command "
 done
 run 0 export --help; says out 'vordane-tools export FILE (--csv DIR | --json DIR | --texts DIR) [--spreadsheet]'; says out 'hold every value as it stands'; says out '--spreadsheet '
@@ -118,6 +118,16 @@ run 0 suite made/ --language ru --source "$data" --guide pages; silent errors
 diff -r pages/ru made/ADDINS/HELP/GUIDE || { echo 'FAILED: the guide did not come along'; failed=1; }
 run 1 suite made/ --language en --source "$data" --guide pages; says errors 'there is no guide in it. Make it with tools/guide'
 run 1 suite other --language xx --source "$data"; says errors 'xx/messages.tsv: missing'
+mkdir trace
+printf '%s\n' '{"at":"2026-11-23T06:45:12.000001Z","event":"start","exchange":"PBX-1"}' > trace/trace-20261123-064512-0123abcd-0001.jsonl
+run 2 capsule make made it.capsule; says errors '--exchange'
+run 1 capsule make made it.capsule --exchange PBX-1 --since yesterday; says errors 'a time is YYYY/MM/DD HH:MM'
+run 3 capsule make made it.capsule --exchange PBX-1 --trace trace; says out 'it.capsule: 0 faults, 1 lines of 1 trace files'
+says errors 'not in it: the stored faults: '; says errors 'there is no exchange "PBX-1"'
+run 1 capsule make made it.capsule --exchange PBX-1 --trace trace; says errors 'it.capsule: '
+run 0 capsule show it.capsule; silent errors; says out 'Exchange: PBX-1'; says out "Version: $version"; says out 'tMessages in VORDANE.LNG: '
+run 3 capsule make made other.capsule --exchange PBX-1 --trace trace --anonymous; run 0 capsule show other.capsule; says out 'Exchange: Exchange-1'
+run 1 capsule show trace/trace-20261123-064512-0123abcd-0001.jsonl; silent out; says errors 'this is no capsule'
 if [ -e /dev/full ] && [ "${tool[0]}" != wine ]; then
   "${tool[@]}" --help > /dev/full 2> errors && { echo 'FAILED: a full disk goes unnoticed'; failed=1; }
   says errors "the output can't be written. Make room"

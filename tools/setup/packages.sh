@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
   # building
   g++ cmake ninja-build make ccache gawk unicode-data
-  g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools libwine-dev
+  g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools libwine-dev faketime
   # SQLite from Debian's sources
   dpkg-dev tcl ca-certificates
   # importing Access files
