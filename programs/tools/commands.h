@@ -6,6 +6,8 @@
 
 namespace vordane::tools {
 
+void declareCapsule(options::Command& command);
+void declareCapsulePlay(options::Command& command);
 void declareDecode(options::Command& command);
 void declareDoctor(options::Command& command);
 void declareExport(options::Command& command);
