@@ -13,9 +13,10 @@ namespace vordane::tools {
 
 struct PlayPlace {
   std::filesystem::path folder;
-  // The version of the suite, under which nothing stands in anybody's settings.
+  // The version of the suite, under which nothing stands in anybody's settings. The add-in finds them by the
+  // names of the folders.
   static constexpr const char* version = "38000";
-  SuiteLayout suite() const { return {folder / version}; }
+  SuiteLayout suite() const { return {folder / "QUILMAR32" / version}; }
   // Scenario, script and words.
   std::filesystem::path stage() const { return folder / "stage"; }
   std::filesystem::path scenario() const { return stage() / replay::scenarioFile; }

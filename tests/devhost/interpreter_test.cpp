@@ -143,7 +143,7 @@ TEST_F(InterpreterTest, WordsAreGivenAtOnceOrAtACallAndHoldOthers) {
 TEST_F(InterpreterTest, NextCallsBringWhatIsLaidDownForThemOneByOne) {
   EXPECT_EQ(run("create\nnext getsysinfo\nnext getsysinfo raise 0x800A0005 no\nregister A\nregister A\n"),
             Outcome::callFailed);
-  EXPECT_THAT(environment_.lines, testing::Contains("! 0x800A0005 no"));
+  EXPECT_THAT(environment_.lines, testing::Contains("! 0x800A0005 \"no\""));
   EXPECT_THAT(environment_.lines, testing::Contains("= False").Times(1)) << "the first call was as usual";
   EXPECT_EQ(run("create\nnext getsysinfo raise\ntry register A\nregister A\n"), Outcome::done)
       << "only the next call";
