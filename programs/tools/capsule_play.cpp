@@ -94,7 +94,7 @@ int play(Options given) {
       if (++number; given.run.value_or(number) == number && !playOne(recording, place, given)) return differs;
   }
   if (number < given.run.value_or(1))
-    throw ToolError(given.file + ": it tells of " + std::to_string(number) + " starts of the add-in");
+    throw ToolError(given.file + ": it tells of fewer starts of the add-in: " + std::to_string(number));
   if (given.onlyWrite) std::cout << "written to " << text::toUtf8(toText(place.folder)) << '\n';
   return 0;
 }

@@ -18,8 +18,7 @@ constexpr struct {
   void (*declare)(options::Command& command);
   const char* does;
 } commands[] = {
-    {"capsule", declareCapsule,
-     "Plays a recorded conversation of the add-in again."},
+    {"capsule", declareCapsule, "Plays a recorded conversation of the add-in again."},
     {"decode", declareDecode,
      "Turns recorded faults into readable text: one line in (record, TAB, first data, TAB, second data), one "
      "message line out, its line ends shown as \\r\\n."},

@@ -77,9 +77,10 @@ TEST_F(Play, AFetchComesAgainAndAChangeByHandIsFound) {
   const std::string before = readText(layout().faults());
   EXPECT_TRUE(comesAgain(1));
   EXPECT_EQ(readText(layout().faults()), before);
-  EXPECT_EQ(sql(layout().elsewhere / L"PLAY" / L"QUILMAR32" / L"38000" / L"ADDINS" / L"DATABASE" / L"FAULT.MDB",
-                "SELECT count(*) FROM FaultDisplay"),
-            "80");
+  EXPECT_EQ(
+      sql(layout().elsewhere / L"PLAY" / L"QUILMAR32" / L"38000" / L"ADDINS" / L"DATABASE" / L"FAULT.MDB",
+          "SELECT count(*) FROM FaultDisplay"),
+      "80");
   EXPECT_EQ(traceSetting(L"Folder"), traceFolder().wstring());
 
   const Path file = std::filesystem::directory_iterator(traceFolder())->path();
