@@ -204,7 +204,7 @@ const Kind kinds[] = {
      useFaults,
      {{"FaultDisplay", "ID = 2"}, {"PBXList", "ID = 2"}},
      125},
-    {"VORDANE.LNG", Layout::ownLanguage, languageRows, useLanguage, {}, 344},
+    {"VORDANE.LNG", Layout::ownLanguage, languageRows, useLanguage, {}, 347},
     {"Common.LNG", Layout::commonLanguage, commonRows, useCommon, {}, 90},
     {"Register.mdb", Layout::registration, registryRows, useRegistry, {}, 40},
     {"Schedule.mdb", Layout::schedule, optionRows, useOptions, {}, 60},

@@ -109,9 +109,12 @@ class MemoryExchange : public ScriptedObject {
       return text::toUtf8(
           automation::toText(automation::get(*request, member, {automation::byVal(std::int16_t{0})})));
     };
-    trace_.push_back("SendRequest " + entry(u"CMD") + "/" + entry(u"FirstData") + "/" + entry(u"SecondData") +
-                     " tag " + text(u"Tag") + " for " + text(u"PBXName") + " as " + text(u"LoginID") +
-                     " busy " + text(u"ShowBusy") + " mode " + text(u"Mode") + " key " + text(u"Key"));
+    // Read one after the other, as a server does.
+    const std::string cmd = entry(u"CMD"), first = entry(u"FirstData"), second = entry(u"SecondData"),
+                      tag = text(u"Tag"), name = text(u"PBXName"), login = text(u"LoginID"),
+                      busy = text(u"ShowBusy"), mode = text(u"Mode"), key = text(u"Key");
+    trace_.push_back("SendRequest " + cmd + "/" + first + "/" + second + " tag " + tag + " for " + name +
+                     " as " + login + " busy " + busy + " mode " + mode + " key " + key);
     if (duringSend) duringSend();
     if (sendRaises) throw automation::AutomationError(automation::error::runTime(5));
     return sendAnswer;

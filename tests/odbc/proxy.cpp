@@ -111,7 +111,7 @@ void Proxy::breakAt(Breakage what, int at, std::chrono::milliseconds delay) {
   what_ = what;
   at_ = at;
   delay_ = delay;
-  messages_ = roundTrips_ = 0;
+  messages_ = roundTrips_ = roundTripsUntilSaved_ = 0;
   broke_ = false;
 }
 
@@ -138,14 +138,21 @@ void Proxy::serve(const std::shared_ptr<Wire>& wire, bool fromStation) {
   if (!wire->swallows && !swallows_) wire->end();
 }
 
+// A server ends each answer with "ready for the next question"; "COMMIT" stands before that of a saving.
+void Proxy::count(bool fromStation, const std::string& message) {
+  ++messages_;
+  if (fromStation) return;
+  if (message.front() == 'Z') ++roundTrips_;
+  if (message.front() == 'C' && message.find("COMMIT") != message.npos)
+    roundTripsUntilSaved_ = roundTrips_ + 1;
+}
+
 // False when the connection ends.
 bool Proxy::handOn(Wire& wire, bool fromStation, std::string message) {
   std::chrono::milliseconds delay{};
   {
     const std::lock_guard lock(mutex_);
-    ++messages_;
-    const bool ready = !fromStation && message.front() == 'Z';
-    if (ready) ++roundTrips_;
+    count(fromStation, message);
     if (what_ != Breakage::none && messages_ == at_) {
       broke_ = true;
       if (what_ == Breakage::cut) return false;

@@ -35,17 +35,19 @@ class Proxy {
   // Since the last breakAt: messages, and answers that ended with the server waiting for the next question.
   int messages() const { return messages_; }
   int roundTrips() const { return roundTrips_; }
-  bool broke() const { return broke_; }  // the message came
+  int roundTripsUntilSaved() const { return roundTripsUntilSaved_; }  // the latest saving's own among them
+  bool broke() const { return broke_; }                               // the message came
 
  private:
   struct Wire;
   void listen();
   void serve(const std::shared_ptr<Wire>& wire, bool fromStation);
+  void count(bool fromStation, const std::string& message);
   bool handOn(Wire& wire, bool fromStation, std::string message);
 
   std::filesystem::path folder_;
   int listener_ = -1;
-  std::atomic<int> messages_ = 0, roundTrips_ = 0;
+  std::atomic<int> messages_ = 0, roundTrips_ = 0, roundTripsUntilSaved_ = 0;
   std::atomic<bool> swallows_ = false, broke_ = false, ending_ = false;
   std::mutex mutex_;
   Breakage what_ = Breakage::none;

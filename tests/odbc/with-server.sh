@@ -38,12 +38,18 @@ if [ "${1:-}" = --start ]; then
   folder=$2
   exec 8>"$folder/starting" && flock 8
   rm -f "$folder/data/postmaster.pid" "$folder"/socket/.s.PGSQL.* # of a server that was killed
+  # Its other processes end by themselves, on a busy machine later; no server starts while one is left.
+  written=$(stat -c %s "$folder/log" 2>/dev/null || echo 0)
   "${as_server[@]}" setsid "$programs/postgres" -D "$folder/data" -k "$folder/socket" -c listen_addresses= \
     -c fsync=off -c full_page_writes=off -c max_connections=200 -c shared_buffers=64MB ${VORDANE_SERVER_OPTIONS:-} \
     >>"$folder/log" 2>&1 </dev/null 8>&- &
   server=$!
   until [ "$(sed -n 8p "$folder/data/postmaster.pid" 2>/dev/null | tr -d ' ')" = ready ]; do
-    kill -0 "$server" 2>/dev/null || unavailable "$(tail -n 5 "$folder/log")"
+    if ! kill -0 "$server" 2>/dev/null; then
+      why=$(tail -c "+$((written + 1))" "$folder/log")
+      [[ $why != *"pre-existing shared memory block"* ]] || { sleep 0.1; exec 8>&-; exec "$0" --start "$folder"; }
+      unavailable "$why"
+    fi
     sleep 0.02
   done
   exit

@@ -12,15 +12,18 @@ using testing::HasSubstr;
 
 class Reading : public Story {
  protected:
-  // A language file beside that of the suite. Message n reads "Rn", item i of a list "xx.i".
-  void addLanguage(const std::u16string& name, const std::u16string& language) {
+  // A language file beside that of the suite. Message n reads "Rn", item i of a list "xx.i"; one message is
+  // empty if wanted.
+  void addLanguage(const std::u16string& name, const std::u16string& language,
+                   std::size_t empty = message::count) {
     const auto& own = language::ownTables;
     const auto table = [&](std::u16string_view of, std::vector<fakes::Row> rows) {
       return fakes::NewTable{fakes::tableNamed(own, of), std::move(rows)};
     };
     std::vector<fakes::Row> messages, lists;
     for (std::size_t i = 0; i < message::count; ++i)
-      messages.push_back({static_cast<std::int32_t>(i), wordsOf(i, language)});
+      messages.push_back(
+          {static_cast<std::int32_t>(i), i == empty ? std::u16string{} : wordsOf(i, language)});
     for (const KindList& list : kindLists)
       for (std::int32_t i = 0; i < list.items; ++i)
         lists.push_back({u"dlgFaultDisplay"_v, std::u16string(list.name()), std::int32_t{-1}, i,
@@ -133,6 +136,36 @@ TEST_F(Reading, GoesBackToTheLanguageOfTheSuite) {
   EXPECT_EQ(settings.read(u"VORDANE", u"Window", u"ReadingLanguage"), u"");
 }
 
+TEST_F(Reading, AnotherOfSeveralIsReadWithItsOwnWords) {
+  begin();
+  addLanguage(u"VORDANE.ab.LNG", u"Another");
+  fetchOneFault();
+  choose(2);
+  EXPECT_EQ(form().input().languages().chosen, 2U);
+  form().input().storedTextsAsked();
+  EXPECT_TRUE(form().input().storedTextsShown());
+  choose(1);
+  EXPECT_EQ(form().input().languages().chosen, 1U);
+  EXPECT_FALSE(form().input().storedTextsShown());
+  EXPECT_NE(firstRow(), storedRow());
+  const int told = view.wordsSet;
+  form().input().languageChosen(3);
+  EXPECT_EQ(view.wordsSet, told) << "there is no such language";
+  form().input().storedTextsAsked();
+  EXPECT_EQ(view.wordsSet, told + 1) << "the rows are painted anew";
+}
+
+TEST_F(Reading, ATextThatItLacksIsThatOfTheSuite) {
+  begin();
+  addLanguage(u"VORDANE.xx.LNG", u"Other", message::statusFaultCount);
+  fetchOneFault();
+  const std::u16string before = view.status[window::countPart];
+  choose(1);
+  EXPECT_THAT(line(), HasSubstr(", 1 came"));
+  EXPECT_EQ(view.status[window::countPart], before);
+  EXPECT_NE(before, u"");
+}
+
 TEST_F(Reading, ShowsTheStoredTextsAsLongAsAPersonAsksForThem) {
   begin();
   fetchOneFault();
@@ -183,6 +216,13 @@ TEST_F(Reading, TheTitleNamesTheExchangeInItToo) {
   choose(1);
   EXPECT_EQ(view.words->self().text(u"Caption"), u"Title (PBX-2)");
   EXPECT_EQ(form().form().self().text(u"Caption"), state.Messages[message::windowTitle] + u" (PBX-2)");
+}
+
+TEST_F(Reading, ATitleThatNamesNoExchangeStaysWithout) {
+  begin();
+  form().form().self().set(u"Caption", std::u16string(u"Title of the suite"));
+  choose(1);
+  EXPECT_EQ(view.words->self().text(u"Caption"), u"Title there");
 }
 
 TEST_F(Reading, SentencesToldBeforeAreToldInItAndTheHostHearsItsOwn) {
@@ -243,11 +283,39 @@ TEST_F(Reading, AFileThatIsNoLanguageIsSaidAndTheWindowStays) {
   form().input().languageChosen(2);
   EXPECT_EQ(line(), "VORDANE.zz.LNG: tMessages\n" + before);
   choose(1);
-  EXPECT_THAT(line(), testing::Not(HasSubstr("VORDANE.zz.LNG")));
+  EXPECT_THAT(line(), testing::Not(HasSubstr("R" + std::to_string(message::statusNoLanguage))));
   const std::string read = firstRow();
   form().input().languageChosen(2);
   EXPECT_EQ(firstRow(), read) << "the language that is read stays";
   EXPECT_EQ(caption(u"cmdRequest"), "&Ask");
+}
+
+TEST_F(Reading, AFileWithAPartOfALanguageIsSaidWithWhatItLacks) {
+  begin();
+  state.Messages[message::statusNoLanguage] = u"{1}: {2}";
+  const std::u16string directory = application->installPath(u"Database");
+  std::vector<fakes::Row> messages;
+  for (std::size_t i = 0; i < message::count; ++i)
+    messages.push_back({static_cast<std::int32_t>(i), wordsOf(i, u"Partly")});
+  fakes::makeDatabase(engine, u"VORDANE.ya.LNG",
+                      {fakes::NewTable{fakes::tableNamed(language::ownTables, u"tMessages"), messages}});
+  files.content[directory + u"VORDANE.ya.LNG"] = "a database";
+  addLanguage(u"VORDANE.yb.LNG", u"Nameless", message::languageName);
+  EXPECT_THAT(form().input().languages().names, ElementsAre(u"M298", u"Other", u"Partly", u"VORDANE.yb.LNG"));
+  form().input().languageChosen(2);
+  EXPECT_THAT(line(), testing::StartsWith("VORDANE.ya.LNG: tForms"));
+  form().input().languageChosen(3);
+  EXPECT_THAT(line(), testing::StartsWith("VORDANE.yb.LNG: tMessages"));
+  EXPECT_EQ(view.words, nullptr);
+  addLanguage(u"VORDANE.yb.LNG", u"Named");
+  EXPECT_THAT(form().input().languages().names, ElementsAre(u"M298", u"Other", u"Partly", u"Named"));
+  form().input().languageChosen(3);
+  ASSERT_NE(view.words, nullptr);
+  EXPECT_THAT(line(), testing::Not(HasSubstr("R" + std::to_string(message::statusNoLanguage))));
+  for (const auto& opened : engine.opened)
+    if (opened.path.find(u"VORDANE.y") != opened.path.npos) {
+      EXPECT_TRUE(opened.readOnly) << text::toUtf8(opened.path);
+    }
 }
 
 TEST_F(Reading, AFileThatHasGoneSinceIsSaid) {
