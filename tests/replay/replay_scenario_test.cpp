@@ -117,6 +117,14 @@ TEST(ReplayScenario, AnAnswerThatComesBeforeTheRequestIsAccepted) {
   EXPECT_THAT(scenario.answers, IsEmpty());
 }
 
+TEST(ReplayScenario, AnAnswerInTheMiddleOfAnotherCallEndsThePlay) {
+  Notes notes;
+  const Lines shows{
+      R"("event":"call","number":30,"object":2,"member":"ShowMessage","as":"method","arguments":["x"])"};
+  scenarioOf(recordingOf(request(identifier, accepted) + shows + theAnswer), notes);
+  EXPECT_EQ(listed(notes), "line 11: the answer came in the middle of another call\n");
+}
+
 TEST(ReplayScenario, TheSameAnswerTwice) {
   Notes notes;
   EXPECT_THAT(

@@ -118,6 +118,7 @@ class ExchangeWalk {
   std::vector<Exchange> exchanges_;
   std::size_t last_ = 0;  // the exchange that was called last
   std::map<std::int64_t, std::string> lent_;
+  std::set<std::int64_t> open_;  // calls of the add-in that have not come back
   std::map<std::int64_t, Filled> filled_;
   std::map<std::int64_t, std::map<std::string, std::string>> asks_;  // what others read of a request
   std::optional<Answered> answered_;                                 // the answer that is being read
@@ -128,10 +129,12 @@ void ExchangeWalk::read(const Event& event) {
   if (event.name == "lent") {
     lent_[numberOf(event, "object")] = wordOf(event, "class");
   } else if (event.name == "call") {
+    open_.insert(numberOf(event, "number"));
     call(event);
   } else if (event.name == "called") {
     called(event);
   } else if (event.name == "answer") {
+    open_.erase(numberOf(event, "number"));
     for (Exchange& exchange : exchanges_)
       for (Asked& asked : exchange.asked)
         if (asked.open && asked.call == numberOf(event, "number")) asked.open = false;
@@ -259,6 +262,10 @@ void ExchangeWalk::fill(const Event& event) {
 }
 
 void ExchangeWalk::callBack(const Event& event) {
+  // Only SendRequest itself can be answered before it returns; other calls are over too soon here.
+  const bool asking =
+      !exchanges_.empty() && !lastExchange().asked.empty() && lastExchange().asked.back().open;
+  if (open_.size() > (asking ? 1U : 0U)) return note(event, "the answer came in the middle of another call");
   const Json& arguments = valueOf(event, "arguments");
   answered_.emplace();
   answered_->line = event.line;
