@@ -27,6 +27,11 @@ std::wstring traceSetting(const wchar_t* name) {
   return value;
 }
 
+// The exchange answers when the call that told the host of the accepted request has come back: an answer in
+// the middle of it can't be played.
+const std::string answered = "wait TurnOnFlow within 90000\ngive heard\nwait TurnOffFlow within 60000\n";
+const std::string begun = "pbx create\ncreate\n";
+
 class Play : public InstalledSuite {
  protected:
   void SetUp() override {
@@ -69,7 +74,8 @@ class Play : public InstalledSuite {
 TEST_F(Play, AFetchComesAgainAndAChangeByHandIsFound) {
   useScenario(L"host");
   {
-    const Host host("fetch");
+    const Host host("play",
+                    begun + "register PBX-1 1\nshow\nnote READY\n" + answered + answered + "release\n");
     host.pressRequest();
     ASSERT_EQ(host.wait(), 0);
     awaitGone();
@@ -101,7 +107,12 @@ TEST_F(Play, AFetchComesAgainAndAChangeByHandIsFound) {
 TEST_F(Play, RequestsThatFailFailAgain) {
   useScenario(L"failures");
   {
-    const Host host("failures");
+    const Host host("play",
+                    begun + "register BUSY 1\nshow\nnote READY BUSY\nwait ShowMessage within 90000\n" +
+                        "register SEND-ERROR 1\nnote READY SEND-ERROR\nwait TurnOffFlow within 60000\n" +
+                        "register CODE-61 1\nnote READY CODE-61\n" + answered +
+                        "register CODE-200 1\nnote READY CODE-200\n" + answered + answered +
+                        "register NO-ENTRIES 1\nnote READY NO-ENTRIES\n" + answered + answered + "release\n");
     for (const char* exchange : {"BUSY", "SEND-ERROR", "CODE-61", "CODE-200", "NO-ENTRIES"})
       host.pressRequest(exchange);
     Window(&host.program()).answerBox();
@@ -113,7 +124,8 @@ TEST_F(Play, RequestsThatFailFailAgain) {
 TEST_F(Play, AnUnattendedRunRunsAgain) {
   useScenario(L"run-ends");
   {
-    const Host host("unseen-run");
+    const Host host("play", begun + "register PBX-1 1\nbackground 2\nrun 1\n" + answered + answered +
+                                "wait UnloadChild within 60000\nrelease\n");
     ASSERT_EQ(host.wait(), 0);
   }
   EXPECT_TRUE(comesAgain(1));
