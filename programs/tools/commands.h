@@ -7,6 +7,7 @@
 namespace vordane::tools {
 
 void declareCapsule(options::Command& command);
+void declareCapsulePlay(options::Command& command);
 void declareDecode(options::Command& command);
 void declareDoctor(options::Command& command);
 void declareExport(options::Command& command);

@@ -19,7 +19,7 @@ constexpr struct {
   const char* does;
 } commands[] = {
     {"capsule", declareCapsule,
-     "Packs what happened at a workstation into one file, and says what is in such a file."},
+     "Packs what happened at a workstation into one file, says what is in such a file, and plays it again."},
     {"decode", declareDecode,
      "Turns recorded faults into readable text: one line in (record, TAB, first data, TAB, second data), one "
      "message line out, its line ends shown as \\r\\n."},

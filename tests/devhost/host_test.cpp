@@ -64,6 +64,26 @@ TEST_F(HostTest, HoldsACallUntilItsWord) {
   EXPECT_THAT(environment_.timers.words, ElementsAre()) << "the word was taken";
 }
 
+TEST_F(HostTest, WhatIsLaidDownForACallComesInThePlaceOfItsService) {
+  auto& versions = state_->behaviour(u"GetMPVersion").next;
+  versions = {automation::Value(std::u16string(u"SC-1 N")), std::nullopt};
+  state_->version = u"usual";
+  const auto version = [&] {
+    return automation::toText(
+        automation::call(*access(), u"GetMPVersion", {byRef(std::u16string(u"PBX-1"))}));
+  };
+  EXPECT_EQ(version(), u"SC-1 N");
+  EXPECT_EQ(version(), u"usual");
+  state_->behaviour(u"GetComData").next = {automation::Value(std::u16string(u"12,9"))};
+  automation::Argument arguments[] = {byVal(std::u16string(u"VORDANE")), byRef(std::u16string(u"MOVE")),
+                                      byRef(std::u16string{})};
+  automation::call(*host_, u"GetComData", arguments);
+  EXPECT_EQ(automation::toText(arguments[2].value), u"12,9");
+  state_->behaviour(u"oZUL").next = {automation::Value(automation::ObjectRef{})};
+  EXPECT_EQ(automation::get(*host_, u"oZUL"), automation::Value(automation::ObjectRef{}));
+  EXPECT_NE(access(), nullptr);
+}
+
 TEST_F(HostTest, LendsTheExchangeAccess) {
   state_->systemInfo = 12;
   state_->version = u"SC-1000 4.2";

@@ -140,6 +140,22 @@ TEST_F(InterpreterTest, WordsAreGivenAtOnceOrAtACallAndHoldOthers) {
   EXPECT_FALSE(environment_.timers.taken(u"heard")) << "a member given back gives no word";
 }
 
+TEST_F(InterpreterTest, NextCallsBringWhatIsLaidDownForThemOneByOne) {
+  EXPECT_EQ(run("create\nnext getsysinfo\nnext getsysinfo raise 0x800A0005 no\nregister A\nregister A\n"),
+            Outcome::callFailed);
+  EXPECT_THAT(environment_.lines, testing::Contains("! 0x800A0005 \"no\""));
+  EXPECT_THAT(environment_.lines, testing::Contains("= False").Times(1)) << "the first call was as usual";
+  EXPECT_EQ(run("create\nnext getsysinfo raise\ntry register A\nregister A\n"), Outcome::done)
+      << "only the next call";
+}
+
+TEST_F(InterpreterTest, AScriptGoesOnWhenItsWordIsGiven) {
+  environment_.after(500, [this] { environment_.give(u"go"); });
+  EXPECT_EQ(run("when go\nnote went\n"), Outcome::done);
+  EXPECT_EQ(environment_.lines.back(), "# went");
+  EXPECT_FALSE(environment_.timers.taken(u"go"));
+}
+
 TEST_F(InterpreterTest, RepetitionsAndQuiet) {
   EXPECT_EQ(run("quiet\ncreate keeper\nloud\nrepeat 3\nnote round\nquiet\ncreate\nrelease\nloud\nend\n"),
             Outcome::done);

@@ -100,6 +100,23 @@ TEST(Script, Words) {
   EXPECT_EQ(script[4].text, u"Exchange server: ACC");
 }
 
+TEST(Script, AWordToGoOnAndWhatTheNextCallsBring) {
+  const auto script = good(
+      "when go\nnext TurnOnFlow\nnext getsysinfo answer 12\nnext oPBX nothing\n"
+      "next ShowMessage raise 0x800A0005 \\\"no\\r\\n\\u0041 \\\"b\\\"\"\nnext ShowCode raise\n");
+  EXPECT_EQ(script[0].verb, Verb::when);
+  EXPECT_EQ(script[0].word, u"go");
+  EXPECT_EQ(script[1].name, u"TurnOnFlow");
+  EXPECT_FALSE(script[1].answer);
+  EXPECT_EQ(std::get<automation::Value>(*script[2].answer), automation::Value(std::int16_t{12}));
+  EXPECT_EQ(std::get<automation::Value>(*script[3].answer), automation::Value(automation::ObjectRef{}));
+  const auto& raised = std::get<automation::AutomationError>(*script[4].answer);
+  EXPECT_EQ(raised.code(), static_cast<std::int32_t>(0x800A0005));
+  EXPECT_EQ(raised.description(), u"no\r\nA \"b\"");
+  EXPECT_EQ(std::get<automation::AutomationError>(*script[5].answer).code(),
+            static_cast<std::int32_t>(0x800A01BD));
+}
+
 TEST(Script, RepetitionsHoldTheirStatements) {
   const auto script = good("repeat 3\ncreate\nrepeat 2\nsleep 1\nend\nrelease\nend\nnote done\n");
   ASSERT_EQ(script.size(), 2U);
@@ -139,6 +156,12 @@ INSTANTIATE_TEST_SUITE_P(
         BadCase{"wait ShowCode within\n", 1, u"the time in milliseconds is missing"},
         BadCase{"omit Everything\n", 1, u"\"Everything\" is no member of a host"},
         BadCase{"set colour red\n", 1, u"\"colour\" can't be set; sysinfo, version and data can"},
+        BadCase{"when\n", 1, u"the word is missing"},
+        BadCase{"when ..\\a\n", 1, u"a word can't hold \\ / : * ? \" < > or |"},
+        BadCase{"next TurnOnFlow fails\n", 1,
+                u"behind the member stands nothing, or answer VALUE, nothing or raise"},
+        BadCase{"next TurnOnFlow answer\n", 1, u"a value is missing"},
+        BadCase{"next Everything\n", 1, u"\"Everything\" is no member of a host"},
         BadCase{"give\n", 1, u"the word is missing"},
         BadCase{"give a\\b\n", 1, u"a word can't hold \\ / : * ? \" < > or |"},
         BadCase{"give heard at TurnOnFlow\n", 1, u"behind the word stands nothing, or on MEMBER"},

@@ -114,6 +114,21 @@ run 0 suite made/ --language ru --source "$data"
 # A guide of its language comes along when there is one, and takes the place of another language's.
 mkdir -p pages/ru made/ADDINS/HELP/GUIDE
 echo '<p>все</p>' > pages/ru/guide.html; echo '<p>тема</p>' > pages/ru/request.html; echo old > made/ADDINS/HELP/GUIDE/old.html
+# What a conversation would be played from is written on every system, and nothing beside it.
+at='{"at":"2026-11-23T06:45:12.345678Z","event"'
+{ printf '%s:"start","format":1,"version":"1","hosted":true,"interactive":true,"exchange":"","words":64}\n' "$at"
+  printf '%s:"lent","object":1,"class":"cOLELayer"}\n%s:"released","obj' "$at" "$at"; } > one.jsonl
+run 0 capsule play one.jsonl --only-write --source "$data"
+says out 'line 3: this is no whole line of a trace'
+says out 'it is played as far as line 3'
+grep -qx 'try create layer-1' one.jsonl.play/stage/host.txt || { echo 'FAILED: no script'; failed=1; }
+run 1 capsule play one.jsonl --only-write --source "$data" --folder made; says errors 'made holds something else. Name another folder, or an empty one'
+run 1 capsule play none.jsonl; says errors 'none.jsonl: there is no such file. Name a capsule, a trace, or the folder of one'
+run 1 capsule play one.jsonl --only-write --source "$data" --run 2; says errors 'one.jsonl: it tells of fewer starts of the add-in: 1'
+sed 's/"format":1/"format":2/' one.jsonl > newer.jsonl
+run 1 capsule play newer.jsonl --only-write --source "$data"; says errors 'the trace has the format 2, and this program reads format 1. Use a newer one'
+run 1 capsule play one.jsonl --source "$data" --programs none
+run 2 capsule play; run 2 capsule
 run 0 suite made/ --language ru --source "$data" --guide pages; silent errors
 diff -r pages/ru made/ADDINS/HELP/GUIDE || { echo 'FAILED: the guide did not come along'; failed=1; }
 run 1 suite made/ --language en --source "$data" --guide pages; says errors 'there is no guide in it. Make it with tools/guide'

@@ -67,6 +67,19 @@ TEST(ScenarioParser, QuotesKeepBlanksAndBars) {
   EXPECT_EQ(entries[2].FirstData, u"a|b");
 }
 
+// Line ends and halves of characters, which no line holds as they are.
+TEST(ScenarioParser, EscapesBehindABackslash) {
+  const auto parsed = parseScenario(
+      "exchange A\nlogin answer \\\"a\\nb\\r\\t\\\\ \\\"c\\\" \\u00e4\\ud800\"\nanswer LEA0\n"
+      "entry \\\"x|\\n\" | \"y\"\n");
+  ASSERT_EQ(lines::listing(u"x", parsed.problems), u"");
+  const Exchange& exchange = parsed.scenario.exchanges.at(0);
+  EXPECT_EQ(exchange.login.at(0).text, std::u16string(u"a\nb\r\t\\ \"c\" \u00e4") + char16_t{0xD800});
+  const auto entries = entriesOf(exchange.commands.at(0).answers.at(0), 0);
+  EXPECT_EQ(entries.at(0).FirstData, u"x|\n");
+  EXPECT_EQ(entries.at(0).SecondData, u"y");
+}
+
 TEST(ScenarioParser, ShortWaysOfCommonEntries) {
   const Scenario scenario = good(
       "exchange A\n"
@@ -191,6 +204,12 @@ INSTANTIATE_TEST_SUITE_P(
         BadCase{"exchange A B\n", 1, u"nothing may follow here, but \"B\" does"},
         BadCase{"exchange A\nexchange A\n", 2, u"the exchange \"A\" stands here a second time"},
         BadCase{"exchange \"A\nlogin accept\n", 1, u"the closing quote is missing"},
+        BadCase{"exchange \\\"A\\\"\n", 1, u"the closing quote is missing"},
+        BadCase{"exchange \\\"A\"B\n", 1, u"a blank is missing behind the closing quote"},
+        BadCase{"exchange \\\"A\\x\"\n", 1,
+                u"behind a backslash stands \\, \", n, r, t or u with four hexadecimal digits"},
+        BadCase{"exchange \\\"A\\u12g4\"\n", 1, u"behind \\u stand four hexadecimal digits"},
+        BadCase{"exchange \\\"A\\u12", 1, u"behind \\u stand four hexadecimal digits"},
         BadCase{"exchange P-{1-4}\n", 1, u"a range of names is written {1..40}"},
         BadCase{"exchange P-{4..1}\n", 1,
                 u"a range of names runs from a number to a greater one, at most 10000 names"},

@@ -96,6 +96,17 @@ bool isMeant(const std::optional<Behaviour::Word>& word, Arguments arguments) {
   return word->text.empty() || (!arguments.empty() && text::startsWith(textAt(arguments, 0), word->text));
 }
 
+// What the script has laid down for this call of the member; nothing: its service.
+std::optional<Value> laidDown(HostState& state, std::u16string_view member) {
+  auto& next = state.behaviour(member).next;
+  if (next.empty()) return std::nullopt;
+  const std::optional<Answer> answer = std::move(next.front());
+  next.pop_front();
+  if (!answer) return std::nullopt;
+  if (const auto* const failure = std::get_if<AutomationError>(&*answer)) throw AutomationError(*failure);
+  return std::get<Value>(*answer);
+}
+
 // What the script wants of this member before, or in place of, its service.
 void depart(HostState& state, std::u16string_view member, Arguments arguments) {
   const Behaviour behaviour = state.behaviour(member);
@@ -126,7 +137,11 @@ Value serve(HostState& state, const Member& member, Arguments arguments) {
   state.trace.notification(member.name, written(arguments));
   if (arguments.size() != member.arguments) throw AutomationError(automation::error::badParameterCount);
   depart(state, member.name, arguments);
-  return member.handler(state, arguments);
+  const std::optional<Value> answer = laidDown(state, member.name);
+  if (!answer) return member.handler(state, arguments);
+  if (member.handler != readCommonData) return *answer;
+  arguments[2].value = *answer;
+  return automation::Empty{};
 }
 
 // oZUL, the exchange access component.
@@ -176,6 +191,7 @@ Value Host::invoke(std::u16string_view name, CallKind kind, Arguments arguments)
   ensureOpen(*state_);
   if (automation::isPut(kind)) throw AutomationError(automation::error::memberNotFound);
   depart(*state_, name, arguments);  // reading an object is no notification
+  if (const auto answer = laidDown(*state_, name)) return *answer;
   return text::equalIgnoringCase(name, u"oZUL") ? access_ : state_->exchangeServer;
 }
 

@@ -2,6 +2,7 @@
 // Members can be taken away, made to fail, to answer late or to end the process.
 #pragma once
 
+#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -9,12 +10,17 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <variant>
 
 #include "devhost/core/environment.h"
 #include "devhost/core/trace.h"
 #include "platform/automation.h"
 
 namespace vordane::devhost {
+
+// What a call of a member brings in place of its service: a value (of GetComData what it fills in) or an
+// error.
+using Answer = std::variant<automation::Value, automation::AutomationError>;
 
 // How a member departs from serving its call.
 struct Behaviour {
@@ -28,6 +34,7 @@ struct Behaviour {
     std::u16string name, text;
   };
   std::optional<Word> gives, holds;
+  std::deque<std::optional<Answer>> next;  // of its next calls, one each; nothing: as usual
 };
 
 // The ten arguments of PrintReport.

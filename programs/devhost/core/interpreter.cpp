@@ -44,6 +44,7 @@ const Interpreter::Action Interpreter::actions[] = {
     {Verb::background, &Interpreter::background},
     {Verb::wait, &Interpreter::wait},
     {Verb::never, &Interpreter::never},
+    {Verb::when, &Interpreter::when},
     {Verb::sleep, &Interpreter::sleep},
     {Verb::systemInfo, &Interpreter::set},
     {Verb::version, &Interpreter::set},
@@ -51,6 +52,7 @@ const Interpreter::Action Interpreter::actions[] = {
     {Verb::omit, &Interpreter::depart},
     {Verb::raise, &Interpreter::depart},
     {Verb::slow, &Interpreter::depart},
+    {Verb::next, &Interpreter::depart},
     {Verb::dieOn, &Interpreter::depart},
     {Verb::giveOn, &Interpreter::depart},
     {Verb::hold, &Interpreter::depart},
@@ -276,6 +278,11 @@ Outcome Interpreter::never(const Statement& statement) {
   return Outcome::waitFailed;
 }
 
+Outcome Interpreter::when(const Statement& statement) {
+  environment_.waitUntil([&] { return environment_.taken(statement.word); }, forever);
+  return Outcome::done;
+}
+
 Outcome Interpreter::sleep(const Statement& statement) {
   environment_.waitUntil([] { return false; }, statement.milliseconds);
   return Outcome::done;
@@ -306,6 +313,9 @@ Outcome Interpreter::depart(const Statement& statement) {
       break;
     case Verb::hold:
       behaviour.holds = Behaviour::Word{statement.word, statement.text};
+      break;
+    case Verb::next:
+      behaviour.next.push_back(statement.answer);
       break;
     case Verb::dieOn:
       behaviour.dies = true;

@@ -65,6 +65,7 @@ class Interpreter {
   Outcome background(const Statement& statement);
   Outcome wait(const Statement& statement);
   Outcome never(const Statement& statement);
+  Outcome when(const Statement& statement);
   Outcome sleep(const Statement& statement);
   Outcome set(const Statement& statement);
   Outcome depart(const Statement& statement);

@@ -2,7 +2,6 @@
 
 #include <limits>
 
-#include "devhost/core/host.h"
 #include "text/numbers.h"
 #include "text/text.h"
 
@@ -147,11 +146,32 @@ void memberOnly(LineReader& line, Statement& statement) {
   statement.name = member(line);
 }
 
-void raise(LineReader& line, Statement& statement) {
-  statement.name = member(line);
+void raised(LineReader& line, Statement& statement) {
   statement.number = static_cast<std::int32_t>(0x800A01BD);  // object doesn't support this action
   if (!line.atEnd()) statement.number = lines::errorCode(line.word(u""), u"the error's number");
   statement.text = line.rest();
+}
+
+void raise(LineReader& line, Statement& statement) {
+  statement.name = member(line);
+  raised(line, statement);
+}
+
+// "next MEMBER", "next MEMBER answer VALUE", "next MEMBER nothing", "next MEMBER raise [NUMBER [TEXT]]".
+void next(LineReader& line, Statement& statement) {
+  statement.name = member(line);
+  if (line.atEnd()) return;
+  const std::u16string word = line.word(u"");
+  if (word == u"answer") {
+    statement.answer = value(line);
+  } else if (word == u"nothing") {
+    statement.answer = automation::Value(automation::ObjectRef{});
+  } else if (word == u"raise") {
+    raised(line, statement);
+    statement.answer = automation::AutomationError(statement.number, statement.text, u"devhost");
+  } else {
+    throw LineError(u"behind the member stands nothing, or answer VALUE, nothing or raise");
+  }
 }
 
 void slow(LineReader& line, Statement& statement) {
@@ -189,6 +209,10 @@ void hold(LineReader& line, Statement& statement) {
   statement.text = line.rest();
 }
 
+void when(LineReader& line, Statement& statement) {
+  statement.word = givenWord(line);
+}
+
 void note(LineReader& line, Statement& statement) {
   statement.text = line.rest();
 }
@@ -221,10 +245,12 @@ constexpr Word words[] = {
     {u"background", Verb::background, background},
     {u"wait", Verb::wait, awaited},
     {u"never", Verb::never, awaited},
+    {u"when", Verb::when, when},
     {u"sleep", Verb::sleep, sleep},
     {u"set", Verb::data, setting},
     {u"omit", Verb::omit, memberOnly},
     {u"raise", Verb::raise, raise},
+    {u"next", Verb::next, next},
     {u"slow", Verb::slow, slow},
     {u"restore", Verb::restore, memberOnly},
     {u"die", Verb::die, die},

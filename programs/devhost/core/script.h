@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "devhost/core/host.h"
 #include "platform/automation.h"
 #include "zulsim/core/line_reader.h"
 
@@ -31,6 +33,7 @@ enum class Verb : std::uint8_t {
   background,
   wait,
   never,
+  when,
   sleep,
   systemInfo,
   version,
@@ -39,6 +42,7 @@ enum class Verb : std::uint8_t {
   raise,
   slow,
   dieOn,
+  next,
   give,
   giveOn,
   hold,
@@ -64,7 +68,8 @@ struct Statement {
   int milliseconds = 0;
   std::vector<automation::Value> values;  // arguments of a free call
   std::vector<Statement> block;
-  bool tolerated = false;  // "try": a failing call does not end the script
+  std::optional<Answer> answer;  // of the next call of a member; nothing: as usual
+  bool tolerated = false;        // "try": a failing call does not end the script
 };
 
 struct ParsedScript {

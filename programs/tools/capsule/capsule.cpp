@@ -122,7 +122,7 @@ class Reader : public access::Visitor {
     else if (name_ == aboutTable)
       capsule_.about[textIn(values.at(0))] = textIn(values.at(1));
     else if (name_ == traceTable)
-      capsule_.trace.push_back(textIn(values.at(2)));
+      capsule_.trace.push_back({textIn(values.at(1)), textIn(values.at(2))});
     else if (name_ == reportTable)
       capsule_.report.push_back(textIn(values.at(0)));
   }

@@ -54,10 +54,14 @@ class CapsuleWriter {
   std::int32_t lines_ = 0;
 };
 
+struct CapsuleLine {
+  std::string file, text;
+};
+
 // What a capsule says of itself, and its trace.
 struct Capsule {
   std::map<std::string, std::string> about;  // Format, Made, Version, Exchange, Since, Anonymous, ...
-  std::vector<std::string> trace;            // its lines, in the order in which things happened
+  std::vector<CapsuleLine> trace;            // by process, in the order in which things happened
   std::vector<std::string> report;
   std::map<std::string, std::size_t> rows;  // of each table of the suite's, "TABLE in FILE"
 };

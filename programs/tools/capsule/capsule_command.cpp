@@ -137,6 +137,9 @@ void declareCapsule(options::Command& command) {
   const auto file = std::make_shared<std::string>();
   showing.argument("FILE", *file, "the capsule");
   showing.runs([file] { return show(*file); });
+
+  declareCapsulePlay(command.command(
+      "play", "Plays a recorded conversation again and says whether the add-in does the same."));
 }
 
 }  // namespace vordane::tools

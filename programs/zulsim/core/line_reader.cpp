@@ -1,5 +1,7 @@
 #include "zulsim/core/line_reader.h"
 
+#include <utility>
+
 #include "text/numbers.h"
 #include "text/text.h"
 #include "text/utf8.h"
@@ -15,6 +17,19 @@ std::u16string_view stripped(std::u16string_view text) {
   while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
   while (!text.empty() && (isBlank(text.back()) || text.back() == u'\r')) text.remove_suffix(1);
   return text;
+}
+
+constexpr std::size_t unitDigits = 4;
+
+// The character that the first four digits mean.
+char16_t unitOf(std::u16string_view text) {
+  unsigned unit = 0;
+  for (std::size_t i = 0; i < unitDigits; ++i) {
+    if (i >= text.size() || !text::isHexDigit(text[i]))
+      throw LineError(u"behind \\u stand four hexadecimal digits");
+    unit = unit << 4U | static_cast<unsigned>(text::hexDigitValue(text[i]));
+  }
+  return static_cast<char16_t>(unit);
 }
 
 }  // namespace
@@ -48,7 +63,17 @@ void LineReader::skipBlanks() {
   while (!rest_.empty() && isBlank(rest_.front())) rest_.remove_prefix(1);
 }
 
+// The text, whose closing quote stands before `end`.
+std::u16string LineReader::closed(std::u16string text, std::size_t end) {
+  rest_.remove_prefix(end);
+  if (!rest_.empty() && !isBlank(rest_.front()) && rest_.front() != u'|')
+    throw LineError(u"a blank is missing behind the closing quote");
+  skipBlanks();
+  return text;
+}
+
 std::u16string LineReader::quoted() {
+  if (atEscapes()) return escaped();
   std::u16string text;
   for (std::size_t i = 1; i < rest_.size(); ++i) {
     if (rest_[i] != u'"') {
@@ -56,19 +81,40 @@ std::u16string LineReader::quoted() {
     } else if (i + 1 < rest_.size() && rest_[i + 1] == u'"') {
       text += rest_[i++];
     } else {
-      rest_.remove_prefix(i + 1);
-      if (!rest_.empty() && !isBlank(rest_.front()) && rest_.front() != u'|')
-        throw LineError(u"a blank is missing behind the closing quote");
-      skipBlanks();
-      return text;
+      return closed(std::move(text), i + 1);
     }
+  }
+  throw LineError(u"the closing quote is missing");
+}
+
+std::u16string LineReader::escaped() {
+  std::u16string text;
+  for (std::size_t i = 2; i < rest_.size(); ++i) {
+    if (rest_[i] == u'"') return closed(std::move(text), i + 1);
+    if (rest_[i] != u'\\') {
+      text += rest_[i];
+      continue;
+    }
+    const char16_t what = ++i < rest_.size() ? rest_[i] : u'\0';
+    if (what == u'\\' || what == u'"')
+      text += what;
+    else if (what == u'n')
+      text += u'\n';
+    else if (what == u'r')
+      text += u'\r';
+    else if (what == u't')
+      text += u'\t';
+    else if (what == u'u')
+      text += unitOf(rest_.substr(std::exchange(i, i + unitDigits) + 1));
+    else
+      throw LineError(u"behind a backslash stands \\, \", n, r, t or u with four hexadecimal digits");
   }
   throw LineError(u"the closing quote is missing");
 }
 
 std::u16string LineReader::word(std::u16string_view what) {
   if (rest_.empty()) throw LineError(std::u16string(what) + u" is missing");
-  if (rest_.front() == u'"') return quoted();
+  if (atQuote()) return quoted();
   std::size_t end = 0;
   while (end < rest_.size() && !isBlank(rest_[end])) ++end;
   std::u16string word(rest_.substr(0, end));
@@ -78,7 +124,7 @@ std::u16string LineReader::word(std::u16string_view what) {
 }
 
 std::u16string LineReader::rest() {
-  if (!rest_.empty() && rest_.front() == u'"') {
+  if (atQuote()) {
     std::u16string text = quoted();
     expectEnd();
     return text;
@@ -101,7 +147,7 @@ std::vector<std::u16string> LineReader::fields() {
   std::vector<std::u16string> fields;
   for (;;) {
     skipBlanks();
-    if (!rest_.empty() && rest_.front() == u'"') {
+    if (atQuote()) {
       fields.push_back(quoted());
       if (!rest_.empty() && rest_.front() != u'|') throw LineError(u"text behind the closing quote");
     } else {

@@ -1,5 +1,6 @@
 // Reading the texts that people write for the simulator and the development host: one statement a line,
-// words separated by blanks, a text with blanks in double quotes ("" inside is one quote).
+// words separated by blanks, a text with blanks in double quotes ("" inside is one quote). Behind a backslash
+// such a text may hold anything: \"a\nb\"c", with \\ \" \n \r \t and \uXXXX inside.
 #pragma once
 
 #include <cstdint>
@@ -42,8 +43,8 @@ class LineReader {
  public:
   explicit LineReader(std::u16string_view line);
   bool atEnd() const { return rest_.empty(); }
-  bool atQuote() const { return rest_.starts_with(u'"'); }            // the next word is a quoted text
-  std::u16string remaining() const { return std::u16string(rest_); }  // not yet read, as it stands
+  bool atQuote() const { return rest_.starts_with(u'"') || atEscapes(); }  // the next word is a quoted text
+  std::u16string remaining() const { return std::u16string(rest_); }       // not yet read, as it stands
   // The next word or quoted text; LineError (naming `what`) when there is none.
   std::u16string word(std::u16string_view what);
   // What the line still holds, unquoted when it is one quoted text; may be empty.
@@ -55,7 +56,10 @@ class LineReader {
   void expectEnd() const;
 
  private:
+  bool atEscapes() const { return rest_.starts_with(u"\\\""); }
   std::u16string quoted();
+  std::u16string escaped();
+  std::u16string closed(std::u16string text, std::size_t end);
   void skipBlanks();
 
   std::u16string_view rest_;
