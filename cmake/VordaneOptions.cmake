@@ -30,8 +30,8 @@ endif()
 # Fuzz targets are built by clang in a tree of their own (tests/fuzz).
 option(VORDANE_FUZZ "Build for the fuzz targets" OFF)
 if(VORDANE_FUZZ)
-  add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all
-    -fno-omit-frame-pointer -O1 -gline-tables-only)
+  # Not for SQLite, whose C another compiler compiles.
+  add_compile_options("$<$<COMPILE_LANGUAGE:CXX>:-fsanitize=fuzzer-no-link,address,undefined;-fno-sanitize-recover=all;-fno-omit-frame-pointer;-O1;-gline-tables-only>")
   add_link_options(-fsanitize=address,undefined)
 endif()
 

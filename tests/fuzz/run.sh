@@ -27,9 +27,25 @@ case $name in
     for text in 'Cannot open&%SP&%ST&.&%CR&Retry\tFAULT.MDB' 'A & B' '%AND&%SP4&-1&x' '%ST&%ST\tab%cd%ef' '&&' '%ST\t%%'; do
       printf "${text//\%/%%}" > "$work/seeds/$((n += 1))"
     done ;;
+  trace)
+    at='"at":"2026-11-23T06:45:12.345678Z"'
+    {
+      echo "{$at,\"event\":\"start\",\"format\":1,\"version\":\"1.0.12\",\"hosted\":true,\"interactive\":true,\"exchange\":\"\",\"words\":64}"
+      echo "{$at,\"event\":\"lent\",\"object\":1,\"class\":\"cOLELayer\"}"
+      echo "{$at,\"event\":\"called\",\"number\":3,\"object\":1,\"member\":\"RegisterPBX\",\"as\":\"method\",\"arguments\":[\"PBX-1\",{\"object\":2},7]}"
+      echo "{$at,\"event\":\"call\",\"number\":4,\"object\":2,\"member\":\"oPBX\",\"as\":\"method or get\",\"arguments\":[]}"
+      echo "{$at,\"event\":\"answer\",\"number\":4,\"took\":5,\"answer\":{\"object\":5}}"
+      echo "{$at,\"event\":\"call\",\"number\":6,\"object\":5,\"member\":\"Login\",\"as\":\"method\",\"arguments\":[\"PBX-1\",{\"object\":1}],\"references\":[0]}"
+      echo "{$at,\"event\":\"answer\",\"number\":6,\"took\":5,\"answer\":\"BUSY\"}"
+      echo "{$at,\"event\":\"returned\",\"number\":3,\"took\":5,\"answer\":false}"
+      echo "{$at,\"event\":\"person\",\"what\":\"button\",\"which\":0}"
+    } > "$work/seeds/1" ;;
+  capsule) printf '\0\0\0\x20\0\x05' > "$work/seeds/1" ;;
 esac
+longest=512
+[ "$name" != trace ] || longest=4096
 
-"$program" -max_total_time="$seconds" -max_len=512 -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
+"$program" -max_total_time="$seconds" -max_len="$longest" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
   -artifact_prefix="$(dirname "$program")/$name-" "$corpus" "$work/seeds" > "$work/log" 2>&1 || {
   tail -n 60 "$work/log"
   exit 1

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <initializer_list>
 #include <stdexcept>
+#include <vector>
 
 namespace vordane::replay {
 namespace {
@@ -17,7 +17,7 @@ struct Field {
 };
 struct Kind {
   const char* name;
-  std::initializer_list<Field> fields;
+  std::vector<Field> fields;
 };
 const std::array kinds{
     Kind{"start", {{"format", 'n'}, {"hosted", 'b'}, {"interactive", 'b'}, {"exchange", 'v'}}},

@@ -49,17 +49,24 @@ class Play : public InstalledSuite {
     set(L"Folder", traceFolder().wstring());
   }
 
-  // What playing the trace again answers. Nothing of the installed suite runs by then.
-  static Ended playAgain() {
+  // What playing the trace again answers, or a capsule, which brings its texts along. Nothing of the
+  // installed suite runs by then.
+  static Ended playAgain(const Path& file = traceFolder()) {
     awaitGone();
     endSuitePrograms();
-    return run(
-        layout().tools(),
-        {L"capsule", L"play", traceFolder().wstring(), L"--folder", (layout().elsewhere / L"PLAY").wstring(),
-         L"--programs", programFolder().wstring(), L"--source", (layout().source / L"data").wstring()});
+    std::vector<std::wstring> words{L"capsule",
+                                    L"play",
+                                    file.wstring(),
+                                    L"--folder",
+                                    (layout().elsewhere / L"PLAY").wstring(),
+                                    L"--programs",
+                                    programFolder().wstring()};
+    if (file == traceFolder())
+      words.insert(words.end(), {L"--source", (layout().source / L"data").wstring()});
+    return run(layout().tools(), words);
   }
-  static testing::AssertionResult comesAgain(std::size_t starts) {
-    const Ended ended = playAgain();
+  static testing::AssertionResult comesAgain(std::size_t starts, const Path& file = traceFolder()) {
+    const Ended ended = playAgain(file);
     std::size_t same = 0;
     for (const std::string& line : linesOf(ended.output))
       same += line == "the add-in did the same again" ? 1 : 0;
@@ -88,6 +95,14 @@ TEST_F(Play, AFetchComesAgainAndAChangeByHandIsFound) {
           "SELECT count(*) FROM FaultDisplay"),
       "80");
   EXPECT_EQ(traceSetting(L"Folder"), traceFolder().wstring());
+
+  const Path capsule = layout().elsewhere / L"it.capsule";
+  const Ended packed =
+      run(layout().tools(), {L"capsule", L"make", layout().root.wstring(), capsule.wstring(), L"--exchange",
+                             L"PBX-1", L"--trace", traceFolder().wstring(), L"--anonymous"});
+  EXPECT_EQ(packed.code, 0) << packed.output;
+  EXPECT_EQ(sql(capsule, "SELECT PBXName FROM \"PBXList in FAULT.MDB\""), "Exchange-1");
+  EXPECT_TRUE(comesAgain(1, capsule)) << "under another name";
 
   const Path file = std::filesystem::directory_iterator(traceFolder())->path();
   std::vector<std::string> lines = linesOf(readText(file));
