@@ -85,7 +85,7 @@ PlayPlace takePlace(const fs::path& named) {
   if (!fs::exists(place.folder / mark) && !fs::is_empty(place.folder))
     throw ToolError(shown(place.folder) + " holds something else. Name another folder, or an empty one");
   writeFile(place.folder / mark, {});
-  for (const fs::path& own : {place.suite().root, place.stage(), place.trace()}) {
+  for (const fs::path& own : {place.suite().root, place.stage(), place.texts(), place.trace()}) {
     if (fs::is_symlink(own)) throw ToolError(shown(own) + " leads elsewhere. Remove it");
     fs::remove_all(own);
     fs::create_directories(own);

@@ -23,6 +23,8 @@ struct PlayPlace {
   std::filesystem::path script() const { return stage() / "host.txt"; }
   std::filesystem::path hostLines() const { return stage() / "host.log"; }  // what the host prints
   std::filesystem::path simulator() const { return stage() / "Zulsim.exe"; }
+  // The language databases that the suite gets.
+  std::filesystem::path texts() const { return folder / "texts"; }
   std::filesystem::path trace() const { return folder / "trace"; }  // of the play
 };
 

@@ -38,11 +38,13 @@ TEST_F(PlayPlaceTest, OneThatHoldsSomethingElseIsRefused) {
 TEST_F(PlayPlaceTest, WhatAnEarlierPlayLeftGoesAndNothingElse) {
   const PlayPlace place = takePlace(folder / "play");
   write("play/stage/answer-7");
+  write("play/texts/VORDANE.LNG");
   write("play/QUILMAR32/38000/ADDINS/DATABASE/FAULT.MDB");
   write("play/mine.txt");
   write("beside.txt");
   takePlace(folder / "play");
   EXPECT_TRUE(fs::is_empty(place.stage()));
+  EXPECT_TRUE(fs::is_empty(place.texts()));
   EXPECT_TRUE(fs::is_empty(place.suite().root));
   EXPECT_TRUE(fs::exists(folder / "play" / "mine.txt"));
   EXPECT_TRUE(fs::exists(folder / "beside.txt"));
@@ -80,6 +82,7 @@ TEST_F(PlayPlaceTest, ScenarioAndScriptAreWrittenAndAnEarlierTraceGoes) {
   write("play/trace/trace-20261123-064512-aaaaaaaa-0001.jsonl");
   write("play/stage/host-7");
   write("play/stage/Zulsim.exe");
+  write("play/texts/VORDANE.LNG");
   replay::Play play;
   play.scenario = "exchange *\n";
   play.script = "when end\n";
@@ -90,6 +93,7 @@ TEST_F(PlayPlaceTest, ScenarioAndScriptAreWrittenAndAnEarlierTraceGoes) {
   EXPECT_TRUE(fs::is_empty(place.trace()));
   EXPECT_FALSE(fs::exists(place.stage() / "host-7"));
   EXPECT_TRUE(fs::exists(place.simulator()));
+  EXPECT_TRUE(fs::exists(place.texts() / "VORDANE.LNG"));
   EXPECT_THAT(readFile(place.suite().schedule()), testing::StartsWith("SQLite format 3"));
 }
 

@@ -52,20 +52,18 @@ std::vector<TraceOfProcess> tracesIn(const Capsule& capsule) {
 
 // With the texts of the capsule; what it lacks of them comes from the suite of the programs.
 void makeSuiteOfCapsule(const PlayPlace& place, const Options& given) {
-  const fs::path folder = place.stage() / "capsule";
-  fs::create_directories(folder);
-  unpackDatabases(toPath(given.file), folder);
+  unpackDatabases(toPath(given.file), place.texts());
   const SuiteLayout suite{toPath(given.programs).parent_path()};
   const auto either = [&](const fs::path& other) {
-    const fs::path own = folder / other.filename();
+    const fs::path own = place.texts() / other.filename();
     return fs::exists(own) ? own : other;
   };
   makePlaySuite(place, either(suite.texts()), either(suite.sharedTexts()));
 }
 
 void makeSuite(const PlayPlace& place, const Options& given) {
-  const fs::path texts = place.stage() / places.texts().filename(),
-                 shared = place.stage() / places.sharedTexts().filename();
+  const fs::path texts = place.texts() / places.texts().filename(),
+                 shared = place.texts() / places.sharedTexts().filename();
   if (given.source.empty() && isCapsule(toPath(given.file))) return makeSuiteOfCapsule(place, given);
   if (given.source.empty()) {
     const SuiteLayout suite{toPath(given.programs).parent_path()};
