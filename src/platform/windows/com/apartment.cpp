@@ -10,6 +10,7 @@
 #include "platform/automation.h"
 #include "platform/call_filter.h"
 #include "platform/windows/com/counted.h"
+#include "platform/windows/com/kept_interfaces.h"
 #include "platform/windows/com/permissions.h"
 
 namespace vordane::com {
@@ -95,13 +96,12 @@ Apartment::Apartment() {
   if (FAILED(result)) throw automation::AutomationError(result);
   setProcessOptions();
   secureCalls();
-  kept_ = std::make_unique<KeptInterfaces>();
+  keepInterfaces();
 }
 
 Apartment::~Apartment() {
   if (filter_) CoRegisterMessageFilter(nullptr, nullptr);
   filter_ = nullptr;
-  kept_ = nullptr;
   CoUninitialize();
 }
 

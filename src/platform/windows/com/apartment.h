@@ -2,10 +2,8 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 
 #include "platform/process.h"
-#include "platform/windows/com/kept_interfaces.h"
 #include "platform/windows/com/owned.h"
 
 namespace vordane::com {
@@ -25,7 +23,6 @@ class Apartment {
 
  private:
   class Filter;
-  std::unique_ptr<KeptInterfaces> kept_;
   ComPtr<IMessageFilter> filter_;
   Filter* rules_ = nullptr;  // lives in filter_
 };

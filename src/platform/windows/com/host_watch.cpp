@@ -26,25 +26,6 @@ bool isDeathSign(HRESULT result) {
   return std::find(deathSigns.begin(), deathSigns.end(), result) != deathSigns.end();
 }
 
-// The compiler's 32-bit import library lacks the pair, and Windows before 8 does.
-template <class Function>
-Function* fromOle(const char* name) {
-  const FARPROC found = GetProcAddress(GetModuleHandleW(L"ole32.dll"), name);
-  return reinterpret_cast<Function*>(reinterpret_cast<void*>(found));
-}
-
-// Keeps the threads' apartment between two of them; nothing where the system can't.
-CO_MTA_USAGE_COOKIE keepApartment() {
-  const auto increment = fromOle<HRESULT WINAPI(CO_MTA_USAGE_COOKIE*)>("CoIncrementMTAUsage");
-  CO_MTA_USAGE_COOKIE cookie = nullptr;
-  return increment != nullptr && SUCCEEDED(increment(&cookie)) ? cookie : nullptr;
-}
-
-void letApartmentGo(CO_MTA_USAGE_COOKIE cookie) {
-  const auto decrement = fromOle<HRESULT WINAPI(CO_MTA_USAGE_COOKIE)>("CoDecrementMTAUsage");
-  if (cookie != nullptr && decrement != nullptr) decrement(cookie);
-}
-
 }  // namespace
 
 // How many threads hold, or may hold, a reference.
@@ -113,18 +94,14 @@ HostWatch::HostWatch(HWND window, UINT message)
 // A reference that goes down with this process stays in the host's.
 HostWatch::~HostWatch() {
   for (const Entry& entry : entries_) entry.probe->end();
-  {
-    std::unique_lock lock(threads_->mutex);
-    threads_->changed.wait_for(lock, lettingGo, [&] { return threads_->running == 0; });
-  }
-  letApartmentGo(apartment_);
+  std::unique_lock lock(threads_->mutex);
+  threads_->changed.wait_for(lock, lettingGo, [&] { return threads_->running == 0; });
 }
 
 void HostWatch::watch(const automation::Object* layer, const automation::ObjectRef& host) {
   forget(layer);
   const auto* imported = dynamic_cast<const ImportedObject*>(host.get());
   if (imported == nullptr) return;
-  if (apartment_ == nullptr) apartment_ = keepApartment();
   auto probe = std::make_shared<Probe>();
   probe->window = window_;
   probe->message = message_;

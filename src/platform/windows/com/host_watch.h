@@ -5,8 +5,6 @@
 
 #include <windows.h>
 
-#include <combaseapi.h>
-
 #include <memory>
 #include <vector>
 
@@ -48,7 +46,6 @@ class HostWatch {
   WPARAM lastNumber_ = 0;
   std::vector<Entry> entries_;
   std::shared_ptr<Threads> threads_;
-  CO_MTA_USAGE_COOKIE apartment_ = nullptr;  // the threads' own, kept between them
 };
 
 }  // namespace vordane::com

@@ -1,6 +1,16 @@
 #include "platform/windows/com/kept_interfaces.h"
 
+#include <windows.h>
+
+#include <combaseapi.h>
+#include <objidl.h>
+
+#include <mutex>
+#include <system_error>
+#include <thread>
+
 #include "platform/windows/com/counted.h"
+#include "platform/windows/com/owned.h"
 
 namespace vordane::com {
 namespace {
@@ -22,24 +32,41 @@ class Nothing final : public Counted<IClassFactory, IDispatch> {
   }
 };
 
-}  // namespace
-
-KeptInterfaces::KeptInterfaces() {
+// The marshalled form is not needed; what stays is the stub.
+void makeStubs() {
   const ComPtr<IDispatch> nothing(new Nothing);
   for (const IID& iid : {IID_IUnknown, IID_IDispatch, IID_IClassFactory}) {
     ComPtr<IStream> stream;
     if (FAILED(CreateStreamOnHGlobal(nullptr, TRUE, stream.put()))) continue;
-    if (SUCCEEDED(CoMarshalInterface(stream.get(), iid, nothing.get(), MSHCTX_LOCAL, nullptr,
-                                     MSHLFLAGS_TABLESTRONG)))
-      marshalled_.push_back(std::move(stream));
+    CoMarshalInterface(stream.get(), iid, nothing.get(), MSHCTX_LOCAL, nullptr, MSHLFLAGS_TABLESTRONG);
   }
 }
 
-KeptInterfaces::~KeptInterfaces() {
-  for (const ComPtr<IStream>& stream : marshalled_) {
-    stream->Seek({}, STREAM_SEEK_SET, nullptr);
-    CoReleaseMarshalData(stream.get());
-  }
+// The compiler's 32-bit import library lacks this, and Windows before 8 does.
+bool keepThreadsApartment() {
+  using Increment = HRESULT WINAPI(CO_MTA_USAGE_COOKIE*);
+  const FARPROC found = GetProcAddress(GetModuleHandleW(L"ole32.dll"), "CoIncrementMTAUsage");
+  const auto increment = reinterpret_cast<Increment*>(reinterpret_cast<void*>(found));
+  CO_MTA_USAGE_COOKIE cookie = nullptr;
+  return increment != nullptr && SUCCEEDED(increment(&cookie));
+}
+
+}  // namespace
+
+void keepInterfaces() {
+  static std::once_flag once;
+  std::call_once(once, [] {
+    if (!keepThreadsApartment()) return;
+    try {
+      std::thread([] {
+        if (FAILED(CoInitializeEx(nullptr, COINIT_MULTITHREADED))) return;
+        makeStubs();
+        CoUninitialize();
+      }).join();
+    } catch (const std::system_error&) {
+      // There is no thread to be had; the program runs without.
+    }
+  });
 }
 
 }  // namespace vordane::com
