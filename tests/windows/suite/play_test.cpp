@@ -3,29 +3,10 @@
 #include <algorithm>
 
 #include "library/installed_suite.h"
-#include "platform/windows/com/owned.h"
+#include "library/traced.h"
 
 namespace vordane::suite {
 namespace {
-
-Path traceFolder() {
-  return layout().elsewhere / L"TRACE";
-}
-Path programFolder() {
-  return layout().elsewhere / L"PROGRAMS";
-}
-
-const wchar_t* const traceKey = L"Software\\VB and VBA Program Settings\\VORDANE\\Trace";
-
-std::wstring traceSetting(const wchar_t* name) {
-  std::wstring value(512, L'\0');
-  DWORD bytes = 1024;
-  if (RegGetValueW(HKEY_CURRENT_USER, traceKey, name, RRF_RT_REG_SZ, nullptr, value.data(), &bytes) !=
-      ERROR_SUCCESS)
-    return {};
-  value.resize(bytes / sizeof(wchar_t) - 1);
-  return value;
-}
 
 // The exchange answers when the call that told the host of the accepted request has come back: an answer in
 // the middle of it can't be played.
@@ -36,36 +17,11 @@ class Play : public InstalledSuite {
  protected:
   void SetUp() override {
     InstalledSuite::SetUp();
-    std::filesystem::create_directories(programFolder());
-    for (const Path& program : {layout().addin(), layout().host(), layout().simulator()})
-      copyFile(program, programFolder());
-    com::RegistryKey key;
-    RegCreateKeyExW(HKEY_CURRENT_USER, traceKey, 0, nullptr, 0, KEY_WRITE, nullptr, key.put(), nullptr);
-    const auto set = [&](const wchar_t* name, const std::wstring& value) {
-      RegSetValueExW(key.get(), name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
-                     static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
-    };
-    set(L"On", L"1");
-    set(L"Folder", traceFolder().wstring());
+    keepTraces();
   }
 
-  // What playing the trace again answers, or a capsule, which brings its texts along. Nothing of the
-  // installed suite runs by then.
-  static Ended playAgain(const Path& file = traceFolder()) {
-    awaitGone();
-    endSuitePrograms();
-    std::vector<std::wstring> words{L"capsule",
-                                    L"play",
-                                    file.wstring(),
-                                    L"--folder",
-                                    (layout().elsewhere / L"PLAY").wstring(),
-                                    L"--programs",
-                                    programFolder().wstring()};
-    if (file == traceFolder())
-      words.insert(words.end(), {L"--source", (layout().source / L"data").wstring()});
-    return run(layout().tools(), words);
-  }
   static testing::AssertionResult comesAgain(std::size_t starts, const Path& file = traceFolder()) {
+    awaitGone();
     const Ended ended = playAgain(file);
     std::size_t same = 0;
     for (const std::string& line : linesOf(ended.output))
@@ -112,7 +68,7 @@ TEST_F(Play, AFetchComesAgainAndAChangeByHandIsFound) {
   ASSERT_NE(told, lines.end());
   told->replace(told->find("\"arguments\":[0]"), 15, "\"arguments\":[7]");
   writeText(file, joined(lines));
-  const Ended changed = playAgain();
+  const Ended changed = playAgain(traceFolder());
   EXPECT_EQ(changed.code, 3) << changed.output;
   EXPECT_NE(changed.output.find("line " + std::to_string(told - lines.begin() + 1) + ": it went otherwise\n"),
             std::string::npos)

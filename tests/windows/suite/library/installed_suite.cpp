@@ -1,6 +1,7 @@
 #include "library/installed_suite.h"
 
 #include "library/texts.h"
+#include "library/traced.h"
 
 namespace vordane::suite {
 namespace {
@@ -40,6 +41,12 @@ void InstalledSuite::install(const std::string& language) {
   setSetting(at.section(), L"ZUL", L"30001");
   registerProgram(at.addin());
   registerProgram(at.simulator());
+  if (playsAll()) keepTraces();
+}
+
+void InstalledSuite::TearDown() {
+  endSuitePrograms();
+  if (playsAll()) expectPlayedAgain();
 }
 
 void StartedByHand::fetch() {

@@ -21,7 +21,7 @@ namespace vordane::suite {
 class InstalledSuite : public testing::Test {
  protected:
   void SetUp() override { install("en"); }
-  void TearDown() override { endSuitePrograms(); }
+  void TearDown() override;
 
   static void install(const std::string& language);
 };
