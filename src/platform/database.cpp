@@ -27,7 +27,7 @@ std::optional<std::size_t> RowList::find(std::u16string_view needle, std::size_t
   for (std::size_t i = 0; i < rows; ++i) {
     if (progress && i % rowsBetweenProgress == rowsBetweenProgress - 1) progress(i);
     const std::size_t position = walked(first, i, walk);
-    if (fetch(position, row) && holds(row, needle)) return position;
+    if (fetch(position, row) && (holds(row, needle) || noteHolds(position, needle))) return position;
   }
   return {};
 }
@@ -36,7 +36,8 @@ void RowList::choose(std::u16string_view needle, std::span<const std::uint32_t> 
                      std::vector<std::uint32_t>& chosen) {
   std::vector<Value> row;
   for (const std::uint32_t position : positions)
-    if (fetch(position, row) && holds(row, needle)) chosen.push_back(position);
+    if (fetch(position, row) && (holds(row, needle) || noteHolds(position, needle)))
+      chosen.push_back(position);
 }
 
 }  // namespace vordane::database

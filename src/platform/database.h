@@ -111,6 +111,9 @@ class RowList {
   virtual void chooseNoted(std::span<const std::uint32_t>, std::vector<std::uint32_t>&) {}
 
  protected:
+  // Whether the note to the row's fault holds it: `find` and `choose` ask so where the list has none of its
+  // own.
+  virtual bool noteHolds(std::size_t, std::u16string_view) { return false; }
   static constexpr std::size_t rowsBetweenProgress = 1024;
   // The row that is looked at as number `done` of a search.
   std::size_t walked(std::size_t first, std::size_t done, Walk walk) const {

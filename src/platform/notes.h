@@ -48,7 +48,7 @@ class Notes {
 // Why a list's faults have no notes.
 enum class NoNotes {
   accessFile,    // another engine's file, in which nothing but the documented tables stands
-  server,        // a store that many stations share
+  server,        // a store on a server that was made before there were notes
   foreignTable,  // a file whose tables somebody else has declared in another way
 };
 

@@ -123,6 +123,18 @@ TEST_F(StoreCommand, AStoreOfAnEarlierTimeGetsTheTablesOfTheReceipts) {
   EXPECT_THAT(create(), testing::Not(testing::Contains("made the tables of the receipts")));
 }
 
+TEST_F(StoreCommand, AStoreOfAnEarlierTimeGetsTheTableOfTheNotes) {
+  create();
+  runOn(name_,
+        "drop trigger vordane_note_removed on vordane.\"FaultDisplay\"; drop trigger vordane_note_emptied on "
+        "vordane.\"FaultDisplay\"; drop function vordane.notes_removed(), vordane.notes_emptied(); "
+        "drop table vordane.\"VordaneNotes\"");
+  EXPECT_EQ(wrong(examine()).size(), 4U) << "a table, an index and two triggers";
+  EXPECT_THAT(create(), testing::Contains("made the table of the notes"));
+  EXPECT_THAT(wrong(examine()), IsEmpty());
+  EXPECT_THAT(create(), testing::Not(testing::Contains("made the table of the notes")));
+}
+
 TEST_F(StoreCommand, NeedsNoMoreThanTheDatabaseAndTheMakingOfRoles) {
   runOn("postgres", "create role someone login createrole");
   runOn("postgres", "alter database " + name_ + " owner to someone");
@@ -191,6 +203,11 @@ TEST_F(StoreCommand, EachRoleCanDoWhatItIsForAndNoMore) {
       {"update vordane.\"VordaneReceipts\" set \"Outcome\" = 'x'", no, no, 0},
       {"delete from vordane.\"VordaneReceipts\"", no, no, 0},
       {"delete from vordane.\"VordaneReceiptEntries\"", no, no, 0},
+      {"select * from vordane.\"VordaneNotes\"", 0, 0, 0},
+      {"insert into vordane.\"VordaneNotes\" values (1, 1, '', '', 'x')", no, 0, 0},
+      {"update vordane.\"VordaneNotes\" set \"Text\" = 'x'", no, 0, 0},
+      {"delete from vordane.\"VordaneNotes\"", no, 0, 0},
+      {"truncate vordane.\"VordaneNotes\"", no, no, 0},
       {"alter table vordane.\"PBXList\" add column more text", no, no, 0},
       {"alter table vordane.\"FaultDisplay\" disable trigger user", no, no, 0},
       {"drop table vordane.\"FaultDisplay\"", no, no, 0},
@@ -352,6 +369,12 @@ TEST_F(StoreCommand, FindsEachThingThatIsWrong) {
        "the table VordaneReceiptEntries of the receipts is missing or another one: 'vordane-tools store "
        "create' "
        "makes one that is missing"},
+      {"alter table vordane.\"FaultDisplay\" disable trigger vordane_note_removed",
+       "alter table vordane.\"FaultDisplay\" enable trigger vordane_note_removed",
+       "the trigger vordane_note_removed of FaultDisplay is missing or not in force"},
+      {"revoke delete on vordane.\"VordaneNotes\" from vordane_station", nullptr,
+       "the role vordane_station has the rights (SELECT, INSERT, UPDATE) on VordaneNotes, not (SELECT, INSERT, "
+       "UPDATE, DELETE)"},
       {"alter table vordane.\"PBXList\" owner to administrator",
        "alter table vordane.\"PBXList\" owner to vordane_administrator",
        "the table PBXList belongs to administrator, not to vordane_administrator"},

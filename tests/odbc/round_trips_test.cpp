@@ -75,6 +75,7 @@ TEST_F(RoundTrips, OfAChoiceAndAScreenAreFew) {
   std::printf("round trips: %d of a choice\n", ofChoice);
   EXPECT_EQ(of([&] { view.rows->row(0); }), 1);
   EXPECT_EQ(of([&] { view.rows->row(4); }), 0) << "of the same screen";
+  EXPECT_EQ(of([&] { view.rows->note(view.rows->row(4)->count); }), 0) << "its notes have come with it";
 }
 
 TEST_F(RoundTrips, OfTheLookForANewerListIsOne) {

@@ -221,15 +221,6 @@ TEST_F(Stations, ANumberBelowZeroThatAnotherClientGaveIsReadLikeAnyOther) {
   EXPECT_EQ(row, (std::vector<database::Value>{std::int32_t{-5}, std::u16string(u"Fault 2")}));
 }
 
-TEST_F(Stations, ASharedStoreKeepsNoNotesAndSaysSo) {
-  const auto database = station();
-  addFault(*database, faultNumber(1));
-  const std::u16string_view columns[] = {u"Count"};
-  const auto rows = database->openRowList(u"SELECT * FROM FaultDisplay Order by [Date] Desc", columns);
-  EXPECT_EQ(rows->notes(), nullptr);
-  EXPECT_EQ(rows->noNotes(), database::NoNotes::server);
-}
-
 TEST_F(Stations, ALockThatIsNotHadEndsTheStep) {
   const auto database = station();
   const auto other = connectTo(under_.database());

@@ -3,6 +3,7 @@
 #include "platform/odbc/data_source.h"
 #include "platform/odbc/dialect.h"
 #include "platform/odbc/errors.h"
+#include "platform/odbc/notes.h"
 #include "platform/odbc/postgres_names.h"
 #include "platform/odbc/receipts.h"
 #include "text/utf8.h"
@@ -44,6 +45,7 @@ class Making {
     say(isThere ? "the tables are there"
                 : "made the tables, their indexes and triggers in the schema vordane");
     if (isThere) makeReceipts();
+    if (isThere) makeNotes();
     giveRights();
     keepVersion();
     renewIndex();
@@ -59,6 +61,11 @@ class Making {
     return rows.empty() ? std::string{} : text::toUtf8(rows[0].at(0).value_or(u""));
   }
   bool has(const std::string& from) { return !one("select '1' from pg_catalog." + from).empty(); }
+
+  bool hasTable(const database::TableDefinition& table) {
+    return has("pg_class where relnamespace = 'vordane'::regnamespace and relname = '" +
+               text::toUtf8(table.name) + "'");
+  }
 
   void refuseForeignTables() {
     const std::string other = one(
@@ -119,13 +126,16 @@ class Making {
     const auto statements = postgres().createReceipts();
     bool made = false;
     for (std::size_t i = 0; description_.lamps != nullptr && i < statements.size(); ++i) {
-      if (has("pg_class where relnamespace = 'vordane'::regnamespace and relname = '" +
-              text::toUtf8(receiptTables[i].name) + "'"))
-        continue;
+      if (hasTable(receiptTables[i])) continue;
       link_.change(statements[i]);
       made = true;
     }
     if (made) say("made the tables of the receipts");
+  }
+  void makeNotes() {
+    if (hasTable(noteTable)) return;
+    for (const std::string& statement : postgres().createNotes(*description_.events)) link_.change(statement);
+    say("made the table of the notes");
   }
 
   // Whatever was given or taken by hand is put right.
@@ -136,11 +146,8 @@ class Making {
     link_.change("revoke all on all functions" + everything);
     link_.change("revoke all on schema vordane from public, vordane_reader, vordane_station");
     link_.change("grant usage on schema vordane to vordane_reader, vordane_station");
-    for (const database::TableDefinition& table : description_.tables) {
-      const std::string on = " on " + postgres().name(table.name) + " to ";
-      link_.change("grant select" + on + "vordane_reader");
-      link_.change("grant select, insert, update, delete" + on + "vordane_station");
-    }
+    for (const database::TableDefinition& table : description_.tables) giveRows(table);
+    giveRows(noteTable);
     for (const auto table : {eventIndex, ownerIndex, agreements})
       link_.change("grant select on " + postgres().name(table) + " to vordane_reader, vordane_station");
     link_.change("grant insert on " + postgres().name(agreements) + " to vordane_station");
@@ -155,6 +162,12 @@ class Making {
                    " to vordane_reader, vordane_station");
     say("gave the roles their rights: readers read, stations add, change and delete rows, administrators "
         "own");
+  }
+
+  void giveRows(const database::TableDefinition& table) {
+    const std::string on = " on " + postgres().name(table.name) + " to ";
+    link_.change("grant select" + on + "vordane_reader");
+    link_.change("grant select, insert, update, delete" + on + "vordane_station");
   }
 
   void renewIndex() {

@@ -77,6 +77,8 @@ class Dialect {
   // What is kept of a subject, name and mark, or what is kept from now on; no row when somebody else keeps
   // something at this moment. Parameters: subject, name, mark, subject, subject.
   virtual std::string agree() const = 0;
+  // A query whose rows of the table that it names so are held until the transaction ends.
+  virtual std::string holdRow(const std::string& query, std::string_view row) const = 0;
   virtual std::string savepoint() const = 0;
   virtual std::string backToSavepoint() const = 0;
 
@@ -86,6 +88,8 @@ class Dialect {
                                           Schema schema = Schema::isMissing) const = 0;
   // One for each of the receipts' tables, which `create` makes too: for a store that was made without them.
   virtual std::vector<std::string> createReceipts() const = 0;
+  // The table of the notes and what takes them away with their events; `create` makes them too.
+  virtual std::vector<std::string> createNotes(const database::EventTable& events) const = 0;
 };
 
 const Dialect& postgres();

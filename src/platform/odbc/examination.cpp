@@ -5,6 +5,7 @@
 #include "platform/odbc/administration.h"
 #include "platform/odbc/dialect.h"
 #include "platform/odbc/errors.h"
+#include "platform/odbc/notes.h"
 #include "platform/odbc/postgres_names.h"
 #include "platform/odbc/receipts.h"
 #include "text/utf8.h"
@@ -194,17 +195,21 @@ class Examination {
              "('r', 'p') and c.attnum > 0 and not c.attisdropped and t.relnamespace = "
              "'vordane'::regnamespace"))
       there.insert(name);
+    const auto isThere = [&](const TableDefinition& table) {
+      return std::all_of(table.columns.begin(), table.columns.end(), [&](const auto& column) {
+        return there.contains(text::toUtf8(table.name) + "." + text::toUtf8(column.name) + " " +
+                              std::string(typeOf(column.type)));
+      });
+    };
     bool whole = true;
-    for (const TableDefinition& table : receiptTables)
-      for (const auto& column : table.columns) {
-        const std::string name = text::toUtf8(table.name) + "." + text::toUtf8(column.name);
-        if (there.contains(name + " " + std::string(typeOf(column.type)))) continue;
-        whole =
-            say(false, "the table " + text::toUtf8(table.name) +
-                           " of the receipts is missing or another one: 'vordane-tools store create' makes "
-                           "one that is missing");
-        break;
-      }
+    const auto requireOwn = [&](const TableDefinition& table, const std::string& what) {
+      if (isThere(table)) return;
+      whole = say(false, "the table " + text::toUtf8(table.name) + " of the " + what +
+                             " is missing or another one: 'vordane-tools store create' makes one that is "
+                             "missing");
+    };
+    for (const TableDefinition& table : receiptTables) requireOwn(table, "receipts");
+    requireOwn(noteTable, "notes");
     for (const TableDefinition& table : description_.tables)
       for (const auto& column : table.columns) {
         const std::string name = text::toUtf8(table.name) + "." + text::toUtf8(column.name);
@@ -240,6 +245,7 @@ class Examination {
           expected.push_back(quotedText(text::toUtf8(table.name)) + ", " +
                              quotedText(text::toUtf8(column.name)));
     expected.push_back(quotedText(text::toUtf8(receiptTables[0].name)) + ", 'Number'");
+    expected.push_back(quotedText(text::toUtf8(noteTable.name)) + ", 'Count'");
     return sayMissing(
         expected,
         "select 1 from pg_catalog.pg_index i join pg_catalog.pg_class t on t.oid = i.indrelid where "
@@ -261,6 +267,8 @@ class Examination {
                                               "vordane_emptied"};
     add(description_.events->table, "vordane_number");
     for (const auto trigger : following) add(description_.events->table, trigger);
+    for (const auto trigger : {"vordane_note_removed", "vordane_note_emptied"})
+      add(description_.events->table, trigger);
     if (const auto owners = ownersOf(description_))
       for (const auto trigger : following) add(owners->table, trigger);
     return sayMissing(
@@ -288,11 +296,12 @@ class Examination {
                                          " fault(s): 'vordane-tools store create' renews it");
   }
 
+  // In which stations change rows.
   std::string listOfTables() const {
     std::string all;
     for (const TableDefinition& table : description_.tables)
-      all += (all.empty() ? "" : ", ") + quotedText(text::toUtf8(table.name));
-    return all;
+      all += quotedText(text::toUtf8(table.name)) + ", ";
+    return all + quotedText(text::toUtf8(noteTable.name));
   }
 
   void examineRights() {

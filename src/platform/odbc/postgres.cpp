@@ -3,6 +3,7 @@
 
 #include "platform/described.h"
 #include "platform/odbc/dialect.h"
+#include "platform/odbc/notes.h"
 #include "platform/odbc/postgres_names.h"
 #include "platform/odbc/receipts.h"
 #include "text/text.h"
@@ -253,6 +254,9 @@ class Postgres final : public Dialect {
            "union all select \"Name\", \"Mark\" from " +
            table + " where \"Subject\" = " + text;
   }
+  std::string holdRow(const std::string& query, std::string_view row) const override {
+    return query + " for no key update of " + std::string(row);
+  }
   std::string savepoint() const override { return "savepoint step"; }
   std::string backToSavepoint() const override { return "rollback to savepoint step"; }
 
@@ -262,6 +266,7 @@ class Postgres final : public Dialect {
     for (const TableDefinition& table : receiptTables) all.push_back(createTable(table));
     return all;
   }
+  std::vector<std::string> createNotes(const EventTable& events) const override;
 
  private:
   std::string sequenceOf(const TableDefinition& table, const ColumnDefinition& column) const {
@@ -393,6 +398,21 @@ std::vector<std::string> Postgres::createEvents(const EventTable& events) const 
   return all;
 }
 
+// Notes are few, and most events that go have none.
+std::vector<std::string> Postgres::createNotes(const EventTable& events) const {
+  const std::string table = name(noteTable.name), key = quoted(noteTable.columns[0].name);
+  std::vector<std::string> all{createTable(noteTable),
+                               "alter table " + table + " add primary key (" + key + ")"};
+  append(all, createTrigger("vordane_note_removed", "after delete @ referencing old table as removed",
+                            "notes_removed",
+                            "delete from " + table + " n using removed where n." + key + " = removed." +
+                                quoted(events.key) + ";",
+                            events.table));
+  append(all, createTrigger("vordane_note_emptied", "after truncate @", "notes_emptied",
+                            "delete from " + table + ";", events.table));
+  return all;
+}
+
 // Of each name there is one row, whatever its case: the names are kept once more, folded.
 std::vector<std::string> Postgres::createOwners(const Owners& owners) const {
   const std::string table = name(ownerIndex), key = quoted(owners.key), named = quoted(owners.name);
@@ -415,6 +435,7 @@ std::vector<std::string> Postgres::create(const database::Description& descripti
   all.push_back("create table " + name(postgresNames::agreements) +
                 " (\"Subject\" text primary key, \"Name\" text not null, \"Mark\" text not null)");
   append(all, createEvents(*description.events));
+  append(all, createNotes(*description.events));
   if (const auto owners = ownersOf(description)) append(all, createOwners(*owners));
   if (description.lamps != nullptr) append(all, createReceipts());
   return all;

@@ -4,7 +4,9 @@
 #include <unordered_map>
 
 #include "platform/odbc/errors.h"
+#include "platform/odbc/notes.h"
 #include "platform/stored_values.h"
+#include "text/text.h"
 
 namespace vordane::odbc {
 namespace {
@@ -21,7 +23,17 @@ class ServerRowList final : public database::RowList {
   }
 
   std::size_t size() const override { return keys_.size(); }
+  database::Notes* notes() override {
+    return plan_.table->events != nullptr && session_->keepsNotes() ? &notes_ : nullptr;
+  }
   database::NoNotes noNotes() const override { return database::NoNotes::server; }
+
+  void chooseNoted(std::span<const std::uint32_t> positions, std::vector<std::uint32_t>& chosen) override {
+    if (notes() == nullptr) return;
+    const auto events = noted(*session_, *plan_.table);
+    for (const std::uint32_t position : positions)
+      if (position < size() && events.contains(keys_[position])) chosen.push_back(position);
+  }
 
   std::optional<std::int64_t> number(std::size_t position) const override {
     if (plan_.table->events == nullptr || position >= size()) return {};
@@ -38,6 +50,39 @@ class ServerRowList final : public database::RowList {
   }
 
  private:
+  // Notes come with the rows of a screen. What another station has written is seen when these are read anew.
+  class NotesOfRows final : public database::Notes {
+   public:
+    explicit NotesOfRows(ServerRowList& rows) : rows_(rows) {}
+    std::optional<database::Note> of(std::int64_t event) override {
+      if (const Fields* row = rows_.readAlready(event)) return noteAtEnd(*row);
+      return readNote(*rows_.session_, *rows_.plan_.table, event);
+    }
+    Put put(std::int64_t event, const database::Note& before, const database::Note& now) override {
+      rows_.rows_.clear();
+      return putNote(*rows_.session_, *rows_.plan_.table, event, before, now);
+    }
+
+   private:
+    ServerRowList& rows_;
+  };
+
+  bool noteHolds(std::size_t position, std::u16string_view needle) override {
+    if (notes() == nullptr) return false;
+    const Fields& row = rowAt(position);
+    const auto note = row.empty() ? std::nullopt : noteAtEnd(row);
+    return note && text::contains(text::toLower(note->text), needle);
+  }
+
+  // Null for one that is not among the rows that were read last, or whose row may have changed since.
+  const Fields* readAlready(std::int64_t key) const {
+    if (seen_ != session_->changes()) return nullptr;
+    const auto found = std::find_if(rows_.begin(), rows_.end(), [&](const Fields& row) {
+      return !row.empty() && numberFrom(row[0]) == key;
+    });
+    return found == rows_.end() ? nullptr : &*found;
+  }
+
   const Fields& rowAt(std::size_t position) {
     const std::size_t block = position - position % rowsTogether;
     if (rows_.empty() || block != block_ || seen_ != session_->changes()) {
@@ -56,6 +101,7 @@ class ServerRowList final : public database::RowList {
   std::vector<Fields> rows_;
   std::size_t block_ = 0;
   std::uint64_t seen_;
+  NotesOfRows notes_{*this};
 };
 
 }  // namespace

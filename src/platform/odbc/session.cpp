@@ -6,6 +6,7 @@
 #include "platform/described.h"
 #include "platform/odbc/errors.h"
 #include "platform/odbc/identity.h"
+#include "platform/odbc/notes.h"
 #include "platform/odbc/receipts.h"
 #include "text/numbers.h"
 #include "text/text.h"
@@ -59,16 +60,18 @@ Session::Session(const Api& api, const Dialect& dialect, std::u16string connecti
   connect();
   const auto columns = link_->query(dialect_.listColumns());
   tables_ = std::make_unique<Tables>(columns, documented_->descriptions());
-  keepsReceipts_ = std::all_of(std::begin(receiptTables), std::end(receiptTables), [&](const auto& table) {
+  const auto isThere = [&](const database::TableDefinition& table) {
     return std::any_of(columns.begin(), columns.end(),
                        [&](const Fields& column) { return column.at(0) == Field(table.name); });
-  });
+  };
+  keepsReceipts_ = std::all_of(std::begin(receiptTables), std::end(receiptTables), isThere);
+  keepsNotes_ = isThere(noteTable);
   if (!readOnly_) {
     const auto reason = link_->query(dialect_.whyReadOnly());
     if (!reason.empty() && !reason[0].at(0).value_or(u"").empty())
       database::fail(number::noPermission, *reason[0][0]);
   }
-  plans_ = std::make_unique<Plans>(dialect_, *tables_, *documented_);
+  plans_ = std::make_unique<Plans>(dialect_, *tables_, *documented_, keepsNotes_);
 }
 
 Session::~Session() = default;

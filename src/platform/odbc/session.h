@@ -76,6 +76,7 @@ class Session {
   std::optional<database::Latest> latest(const Table& table, std::int64_t owner, std::int64_t mark);
   // What tells which lamps are lit, where the store keeps receipts; null where it was made without.
   const database::LampTable* lampTable() const;
+  bool keepsNotes() const { return keepsNotes_; }  // not where the store was made without
   // A step on what stands beside the documented tables, outside batches: a transaction of its own.
   void beside(const std::function<void(Link&)>& step);
   // One question about that.
@@ -128,7 +129,7 @@ class Session {
   std::chrono::steady_clock::time_point noConnectionBefore_;
   std::unique_ptr<Tables> tables_;
   std::unique_ptr<Plans> plans_;
-  bool keepsReceipts_ = false;
+  bool keepsReceipts_ = false, keepsNotes_ = false;
 
   bool inBatch_ = false;
   std::set<std::int64_t> held_;             // owners, by this transaction

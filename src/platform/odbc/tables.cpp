@@ -4,6 +4,7 @@
 
 #include "platform/described.h"
 #include "platform/odbc/errors.h"
+#include "platform/odbc/notes.h"
 #include "text/text.h"
 
 namespace vordane::odbc {
@@ -205,7 +206,8 @@ void Plans::planRows(Plan& plan) const {
   if (!plan.table->key) return;
   const std::string key = dialect_.quoted(plan.table->columns[*plan.table->key].name);
   plan.keys = dialect_.joined("select " + key + rest);
-  plan.byKey = select + " from " + table + " where " + dialect_.oneOf(key);
+  plan.byKey = plan.table->events != nullptr ? eventsByKey(plan)
+                                             : select + " from " + table + " where " + dialect_.oneOf(key);
 }
 
 // What the index beside the events answers. False for any other shape.
@@ -221,8 +223,7 @@ bool Plans::planEvents(Plan& plan) const {
   if (shape.verb != jet::Verb::select) return false;
   const bool newest = isNewestFirst(shape, *events);
   if (!ofOwner && !newest && shape.conditions.size() != identityParts) return false;
-  plan.byKey = "select " + columnsOf(plan, "f.") + " from " + dialect_.name(plan.table->name) + " f where " +
-               dialect_.oneOf("f." + dialect_.quoted(events->key));
+  plan.byKey = eventsByKey(plan);
   if (ofOwner) {
     planOwner(plan);
   } else if (newest) {
@@ -231,6 +232,13 @@ bool Plans::planEvents(Plan& plan) const {
     planSame(plan);
   }
   return true;
+}
+
+std::string Plans::eventsByKey(const Plan& plan) const {
+  const EventTable& events = *plan.table->events;
+  const WithNotes notes = withNotes_ ? withNotes(dialect_, events) : WithNotes{};
+  return "select " + columnsOf(plan, "f.") + notes.columns + " from " + dialect_.name(plan.table->name) +
+         " f" + notes.join + " where " + dialect_.oneOf("f." + dialect_.quoted(events.key));
 }
 
 void Plans::planRemoval(Plan& plan) const {

@@ -32,7 +32,7 @@ struct Table {
 
 // `rows` asks for all columns, behind the key where there is one; `keys` for the keys alone, as one value;
 // both in the shape's order with the shape's values. `byKey` asks for the rows of an array of keys, in any
-// order.
+// order; each of an event ends with its note where the store keeps notes.
 struct Plan {
   enum class Special { none, sameEvent, newestEvents };
 
@@ -68,8 +68,8 @@ class Tables {
 
 class Plans {
  public:
-  Plans(const Dialect& dialect, const Tables& tables, const jet::Documented& documented)
-      : dialect_(dialect), tables_(tables), documented_(documented) {}
+  Plans(const Dialect& dialect, const Tables& tables, const jet::Documented& documented, bool withNotes)
+      : dialect_(dialect), tables_(tables), documented_(documented), withNotes_(withNotes) {}
   // Takes a statement apart into `lifted`. Throws DatabaseError.
   const Plan& find(std::u16string_view statement, jet::Lifted& lifted);
 
@@ -78,6 +78,7 @@ class Plans {
   void planUnion(Plan& plan) const;
   void planRows(Plan& plan) const;
   bool planEvents(Plan& plan) const;
+  std::string eventsByKey(const Plan& plan) const;
   void planRemoval(Plan& plan) const;
   void planOwner(Plan& plan) const;
   void planNewest(Plan& plan) const;
@@ -92,6 +93,7 @@ class Plans {
   const Dialect& dialect_;
   const Tables& tables_;
   const jet::Documented& documented_;
+  bool withNotes_;
   std::unordered_map<std::u16string, std::unique_ptr<Plan>> plans_;
 };
 
