@@ -4,6 +4,7 @@
 #include <map>
 #include <sstream>
 
+#include "platform/file_moves.h"
 #include "text/utf8.h"
 #include "tools/sqlite/database_writer.h"
 #include "whole_file.h"
@@ -24,6 +25,22 @@ constexpr std::size_t nameLength = 41, markAt = 22, markLength = 8;
 
 bool isTraceFile(const std::string& name) {
   return name.size() == nameLength && name.starts_with("trace-") && name.ends_with(".jsonl");
+}
+
+// What the programs of the play before have held may still be held for a moment, as by a scanner.
+void requireRemoved(const fs::path& what, const std::error_code& failure) {
+  if (failure) throw ToolError(shown(what) + " can't be removed. Close what holds it, and play again");
+}
+void clear(const fs::path& file) {
+  requireRemoved(file, platform::removeFile(file));
+}
+void clearFolder(const fs::path& folder) {
+  const auto attempt = [&] {
+    std::error_code failure;
+    fs::remove_all(folder, failure);
+    return failure;
+  };
+  requireRemoved(folder, platform::tryPatiently(attempt, platform::sleepFor));
 }
 
 void append(const fs::path& file, std::vector<std::string>& lines) {
@@ -87,7 +104,7 @@ PlayPlace takePlace(const fs::path& named) {
   writeFile(place.folder / mark, {});
   for (const fs::path& own : {place.suite().root, place.stage(), place.texts(), place.trace()}) {
     if (fs::is_symlink(own)) throw ToolError(shown(own) + " leads elsewhere. Remove it");
-    fs::remove_all(own);
+    clearFolder(own);
     fs::create_directories(own);
   }
   return place;
@@ -107,11 +124,11 @@ void makePlaySuite(const PlayPlace& place, const fs::path& ownTexts, const fs::p
 
 void writePlay(const PlayPlace& place, const replay::Play& play) {
   for (const auto& entry : fs::directory_iterator(place.stage()))
-    if (entry.path().filename() != place.simulator().filename()) fs::remove(entry.path());
-  for (const auto& entry : fs::directory_iterator(place.trace())) fs::remove(entry.path());
+    if (entry.path().filename() != place.simulator().filename()) clear(entry.path());
+  for (const auto& entry : fs::directory_iterator(place.trace())) clear(entry.path());
   writeFile(place.scenario(), play.scenario);
   writeFile(place.script(), play.script);
-  fs::remove(place.suite().schedule());
+  clear(place.suite().schedule());
   makeJobs(place.suite().schedule(), play.jobs);
 }
 

@@ -373,7 +373,8 @@ TEST_F(StoreCommand, FindsEachThingThatIsWrong) {
        "alter table vordane.\"FaultDisplay\" enable trigger vordane_note_removed",
        "the trigger vordane_note_removed of FaultDisplay is missing or not in force"},
       {"revoke delete on vordane.\"VordaneNotes\" from vordane_station", nullptr,
-       "the role vordane_station has the rights (SELECT, INSERT, UPDATE) on VordaneNotes, not (SELECT, INSERT, "
+       "the role vordane_station has the rights (SELECT, INSERT, UPDATE) on VordaneNotes, not (SELECT, "
+       "INSERT, "
        "UPDATE, DELETE)"},
       {"alter table vordane.\"PBXList\" owner to administrator",
        "alter table vordane.\"PBXList\" owner to vordane_administrator",

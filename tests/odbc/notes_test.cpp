@@ -180,7 +180,8 @@ TEST_F(ServerNotes, ATextIsFoundInThemToo) {
 TEST_F(ServerNotes, WhatIsNoLineIsShownAsOne) {
   const auto station = open();
   addThree(*station);
-  run("insert into vordane.\"VordaneNotes\" values (1, 1, null, null, E' a\\r\\nb '), (2, 1, 'x', 'y', '  ')");
+  run("insert into vordane.\"VordaneNotes\" values (1, 1, null, null, E' a\\r\\nb '), (2, 1, 'x', 'y', '  "
+      "')");
   const auto rows = listed(*station);
   EXPECT_THAT(rows->notes()->of(1), Optional(Note{u"", u"", u"a  b"}));
   EXPECT_EQ(rows->notes()->of(2), std::nullopt);
@@ -195,8 +196,9 @@ TEST_F(ServerNotes, ATextThatIsNoLineOrCannotTravelIsNotKept) {
   addThree(*station);
   const auto rows = listed(*station);
   database::Notes& notes = *rows->notes();
-  for (const std::u16string& text : {std::u16string(database::longestNote + 1, u'x'), std::u16string(u"a\r\nb"),
-                                     std::u16string(u" a"), std::u16string(u"a\0b", 3)})
+  for (const std::u16string& text :
+       {std::u16string(database::longestNote + 1, u'x'), std::u16string(u"a\r\nb"), std::u16string(u" a"),
+        std::u16string(u"a\0b", 3)})
     EXPECT_EQ(notes.put(1, none, {u"anna", u"", text}), Put::notOneLine);
   EXPECT_EQ(database::numberOfError([&] { notes.put(1, none, {u"anna", u"", u"\xD83D"}); }), 3421);
   const Note longest{u"anna", u"2026/11/21 08:15", std::u16string(database::longestNote, u'日')};

@@ -204,9 +204,11 @@ class Registered {
   bool registered_ = false;
 };
 
-void copyProgram(const fs::path& from, const fs::path& to) {
+// Once for all plays in this place: the file of a program that has just ended may still be held.
+void bring(const fs::path& from, const fs::path& to) {
+  if (fs::exists(to)) return;
   std::error_code failure;
-  fs::copy_file(from, to, fs::copy_options::overwrite_existing, failure);
+  fs::copy_file(from, to, failure);
   if (failure)
     throw ToolError(shown(from) + " can't be copied. Name the folder of the programs with --programs");
 }
@@ -402,9 +404,9 @@ std::optional<replay::Difference> playHere(const replay::Recording& recording, c
                                            const PlayPlace& place, const PlayPrograms& programs,
                                            int patienceSeconds) {
   refuseOthers(place);
-  copyProgram(programs.addin, place.suite().program());
-  copyProgram(programs.host, place.suite().host());
-  copyProgram(programs.simulator, place.simulator());
+  bring(programs.addin, place.suite().program());
+  bring(programs.host, place.suite().host());
+  bring(programs.simulator, place.simulator());
   const OwnVersion version(place);
   const OwnSettings own(place, play.identifiersShown);
   Player player(recording, play, place, patienceSeconds);

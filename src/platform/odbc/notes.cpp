@@ -79,13 +79,12 @@ Put putNote(Session& session, const Table& events, std::int64_t event, const Not
   session.beside([&](Link& link) {
     // Whoever has the event's row writes to it, one after the other. What was kept meanwhile is seen by the
     // next question only.
-    const auto held = link.query(dialect.holdRow("select " +
-                                                     dialect.read("f." + dialect.quoted(events.events->owner),
-                                                                  ColumnType::integer) +
-                                                     " from " + table(dialect, *events.events) +
-                                                     ofEvent(dialect, key),
-                                                 "f"),
-                                 it);
+    const auto held = link.query(
+        dialect.holdRow("select " +
+                            dialect.read("f." + dialect.quoted(events.events->owner), ColumnType::integer) +
+                            " from " + table(dialect, *events.events) + ofEvent(dialect, key),
+                        "f"),
+        it);
     if (held.empty()) {
       result = Put::faultGone;
       return;

@@ -1,6 +1,6 @@
-// What people have written to events in a store on a server: a table beside the documented ones, made with the
-// store, from which a trigger takes the notes of events that go. A note counts only while its event is there
-// and has the same owner.
+// What people have written to events in a store on a server: a table beside the documented ones, made with
+// the store, from which a trigger takes the notes of events that go. A note counts only while its event is
+// there and has the same owner.
 #pragma once
 
 #include <cstdint>

@@ -58,8 +58,7 @@ Ended playAgain(const Path& file) {
                                   (layout().elsewhere / L"PLAY").wstring(),
                                   L"--programs",
                                   programFolder().wstring()};
-  if (file == traceFolder())
-    words.insert(words.end(), {L"--source", (layout().source / L"data").wstring()});
+  if (file == traceFolder()) words.insert(words.end(), {L"--source", (layout().source / L"data").wstring()});
   return run(layout().tools(), words);
 }
 
@@ -73,7 +72,7 @@ void expectPlayedAgain() {
   if (!std::filesystem::exists(traceFolder()) || std::filesystem::is_empty(traceFolder())) return;
   const Path capsule = layout().elsewhere / L"played.capsule";
   const Ended made = run(layout().tools(), {L"capsule", L"make", layout().root.wstring(), capsule.wstring(),
-                                            L"--trace", traceFolder().wstring()});
+                                            L"--exchange", L"PBX-1", L"--trace", traceFolder().wstring()});
   std::cout << made.output;
   constexpr DWORD leftSomethingOut = 3;
   ASSERT_TRUE(made.code == 0 || made.code == leftSomethingOut) << made.code;
