@@ -71,6 +71,7 @@ void expectPlayedAgain() {
   endSuitePrograms();
   if (!std::filesystem::exists(traceFolder()) || std::filesystem::is_empty(traceFolder())) return;
   const Path capsule = layout().elsewhere / L"played.capsule";
+  std::filesystem::remove(capsule);  // of a test before on the same suite
   const Ended made = run(layout().tools(), {L"capsule", L"make", layout().root.wstring(), capsule.wstring(),
                                             L"--exchange", L"PBX-1", L"--trace", traceFolder().wstring()});
   std::cout << made.output;
@@ -79,6 +80,7 @@ void expectPlayedAgain() {
   const Ended played = playAgain(capsule);
   std::cout << played.output;
   EXPECT_EQ(played.code, 0);
+  std::filesystem::remove_all(traceFolder());
 }
 
 }  // namespace vordane::suite
