@@ -42,6 +42,27 @@ TEST(ReplayCompare, ADifferenceHasItsLine) {
                                                 R"({"answer":2,"event":"box answer","number":2})"}));
 }
 
+// A script host asks for both at once where a compiled one knows which of them it wants.
+TEST(ReplayCompare, HowAHostReadsIsNoDifferenceAndWhatItPutsIs) {
+  const auto called = [](const std::string& as, const std::string& member = "Visible") {
+    return Lines{R"("event":"lent","object":1,"class":"cOLELayer")",
+                 R"("event":"called","number":1,"object":1,"member":")" + member + R"(","as":")" + as +
+                     R"(","arguments":[])"};
+  };
+  for (const char* as : {"method", "get", "method or get"})
+    EXPECT_EQ(compared(called(as), called("method")), std::nullopt) << as;
+  EXPECT_NE(compared(called("put"), called("method")), std::nullopt);
+  EXPECT_NE(compared(called("get", "oZUL"), called("get")), std::nullopt);
+}
+
+TEST(ReplayCompare, WhetherSomebodySawItIsNoDifference) {
+  Recording unseen = recordingOf({}), seen = unseen;
+  unseen.events.at(0).fields["interactive"] = false;
+  EXPECT_EQ(compare(unseen, seen), std::nullopt);
+  unseen.events.at(0).fields["hosted"] = false;
+  EXPECT_NE(compare(unseen, seen), std::nullopt);
+}
+
 TEST(ReplayCompare, AnotherIdentifierIsADifference) {
   const auto answer = [](int number, int identifier) {
     return Lines{R"("event":"call","number":)" + std::to_string(number) +

@@ -140,5 +140,14 @@ TEST(ReplayScript, AStartByHandHasNoHost) {
   EXPECT_TRUE(play.simulated);
 }
 
+TEST(ReplayScript, AStartThatNobodySawIsPlayedBeforeSomebodyAndThatIsSaid) {
+  Recording unseen = recordingOf({lent});
+  EXPECT_EQ(listed(playOf(unseen).notes), "");
+  unseen.events.at(0).fields["interactive"] = false;
+  const Play play = playOf(unseen);
+  EXPECT_EQ(listed(play.notes), "line 1: nobody could see its windows; here they are before somebody\n");
+  EXPECT_EQ(play.playedTo, std::nullopt);
+}
+
 }  // namespace
 }  // namespace vordane::replay

@@ -12,6 +12,8 @@ constexpr const char* follows[] = {"answer", "returned", "done", "box answer"};
 constexpr const char* foreign[] = {"at",    "took",   "format", "version", "words",
                                    "class", "reason", "source", "changed"};
 
+constexpr const char* readings[] = {"method", "get", "method or get"};
+
 template <class Names>
 bool isOneOf(const Names& names, const std::string& name) {
   return std::find(std::begin(names), std::end(names), name) != std::end(names);
@@ -123,9 +125,11 @@ void Items::equal(Json& value) {
 void Items::trim(const Event& event, Json& fields) {
   for (const char* const name : foreign) fields.erase(name);
   if (event.name == "start") {
-    const Json hosted = fields["hosted"], interactive = fields["interactive"], exchange = fields["exchange"];
-    fields = {{"event", "start"}, {"hosted", hosted}, {"interactive", interactive}, {"exchange", exchange}};
+    const Json hosted = fields["hosted"], exchange = fields["exchange"];
+    fields = {{"event", "start"}, {"hosted", hosted}, {"exchange", exchange}};
   }
+  // Which of the two ways of reading a host chooses is its language's.
+  if (event.name == "called" && isOneOf(readings, wordOf(event, "as"))) fields.erase("as");
   if (event.name == "answer") {
     fields.erase("description");
     if (!answerCounts(members_[numberOf(event, "number")])) fields.erase("answer");

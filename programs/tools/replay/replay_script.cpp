@@ -220,6 +220,9 @@ Play playOf(const Recording& conversation) {
                    [](const Cue& a, const Cue& b) { return a.line < b.line; });
   for (const Event& event : conversation.events) {
     if (event.name == "start" && byHand) play.exchange = textOf(valueOf(event, "exchange"));
+    if (event.name == "start" && !event.fields.value("interactive", true))
+      play.notes.push_back(
+          {event.line, "nobody could see its windows; here they are before somebody", false});
     if (event.name == "created") play.simulated = true;
   }
   if (byHand) play.script.clear();
