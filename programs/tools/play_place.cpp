@@ -95,7 +95,7 @@ std::vector<TraceOfProcess> readTraces(const fs::path& named) {
 }
 
 PlayPlace takePlace(const fs::path& named) {
-  const PlayPlace place{fs::absolute(named).lexically_normal()};
+  PlayPlace place{fs::absolute(named).lexically_normal()};
   if (fs::exists(place.folder) && !fs::is_directory(place.folder))
     throw ToolError(shown(place.folder) + " is a file. Name a folder");
   fs::create_directories(place.folder);

@@ -166,7 +166,7 @@ void ExchangeWalk::call(const Event& event) {
 
 // What the exchange said to a call. `plain` for a call whose answer nobody reads; null where it is a text.
 std::string ExchangeWalk::reply(const Event& event, const Event* end, const char* plain) {
-  const std::string usual = plain == nullptr ? "accept" : plain;
+  std::string usual = plain == nullptr ? "accept" : plain;
   if (end == nullptr || wordOf(*end, "error") == "broken off") {
     note(event, "this call of the exchange never came to its end");
     return usual;

@@ -134,7 +134,7 @@ std::string HostWalk::nextOf(const std::string& member, std::vector<std::string>
   while (!answers.empty() && answers.back().empty()) answers.pop_back();
   std::string text;
   for (const std::string& answer : answers)
-    text += "next " + member + (answer.empty() ? "" : " ") + answer + "\n";
+    text.append("next ").append(member).append(answer.empty() ? "" : " ").append(answer).append("\n");
   return text;
 }
 
