@@ -11,16 +11,14 @@
 namespace vordane::sqlite {
 namespace {
 
-using Limits = std::numeric_limits<std::int64_t>;
-
 // A wrong count must not take all memory.
 constexpr std::size_t mostReserved = std::size_t{1} << 23;
 
 constexpr const char* newestFirst =
-    "SELECT Moment, Count FROM VordaneFaultIndex WHERE ID = ?1 AND (Moment, Hash, Count) < (?2, ?3, ?3) "
+    "SELECT Moment, Count FROM VordaneFaultIndex WHERE ID = ?1 AND Moment < ?2 "
     "ORDER BY Moment DESC, Hash DESC, Count DESC";
 constexpr const char* oldestFirst =
-    "SELECT Moment, Count FROM VordaneFaultIndex WHERE ID = ?1 AND (Moment, Hash, Count) > (?2, ?3, ?3) "
+    "SELECT Moment, Count FROM VordaneFaultIndex WHERE ID = ?1 AND Moment > ?2 "
     "ORDER BY Moment, Hash, Count";
 
 class Inside {
@@ -136,38 +134,41 @@ bool TimeReading::isWanted(std::int64_t key) const {
 // Whole moments: within one the index goes by hash, and the order by key.
 void TimeReading::walk(std::size_t most) {
   if (!rows_) rows_ = Statement(connection_, backwards_ ? newestFirst : oldestFirst);
-  const std::string from = moment_.value_or(backwards_ ? "\xFF" : "");
-  const bool behind = moment_ && !backwards_;
+  const std::string from = moment_.value_or("\xFF");
   const Running running(rows_);
   rows_.bind(1, owner_);
-  rows_.bindBlob(2, from);
-  rows_.bind(3, behind ? Limits::max() : Limits::min());
-  std::optional<std::string> open;
+  if (moment_ || backwards_)
+    rows_.bindBlob(2, from);
+  else
+    rows_.bind(2, 0);  // a number stands before all moments, the empty one too
+  // Most moments have one row: nothing is allocated for it.
+  bool open = false;
   group_.clear();
   for (std::size_t looked = 0;; ++looked) {
     const bool more = rows_.step();
     const std::string_view moment = more ? rows_.blob(0) : std::string_view{};
-    if (open && (!more || moment != *open)) {
-      closeGroup(*open);
+    if (open && (!more || moment != groupMoment_)) {
+      closeGroup();
       if (more && looked >= most) return;
-      open.reset();
+      open = false;
     }
     if (!more) return endWalk();
-    if (!open) open = moment;
+    if (!open) groupMoment_ = moment;
+    open = true;
     if (isWanted(rows_.integer(1))) group_.push_back(static_cast<std::uint32_t>(rows_.integer(1)));
   }
 }
 
-void TimeReading::closeGroup(std::string_view moment) {
-  if (moment_ && (backwards_ ? moment >= *moment_ : moment <= *moment_)) fail(number::damaged);
+void TimeReading::closeGroup() {
+  if (moment_ && (backwards_ ? groupMoment_ >= *moment_ : groupMoment_ <= *moment_)) fail(number::damaged);
   if (group_.size() > 1) std::sort(group_.begin(), group_.end());
-  if (!backwards_ || read_.empty()) newest_ = moment;
+  if (!backwards_ || read_.empty()) newest_ = groupMoment_;
   if (backwards_)
     read_.insert(read_.end(), group_.rbegin(), group_.rend());
   else
     read_.insert(read_.end(), group_.begin(), group_.end());
   group_.clear();
-  moment_ = moment;
+  moment_ ? moment_->swap(groupMoment_) : void(moment_ = groupMoment_);
 }
 
 // Rows that are missing after others have written may stand where this walk had been before: another one

@@ -58,7 +58,7 @@ class TimeReading final : private Reader {
   bool holdState(std::optional<ReadScope>& state);
   void noteChanges();
   void walk(std::size_t most);
-  void closeGroup(std::string_view moment);
+  void closeGroup();
   void endWalk();
   void readTable();
   void finish();
@@ -79,9 +79,10 @@ class TimeReading final : private Reader {
   bool walkChanged_ = false;  // since this walk through the index began
   bool inPiece_ = false;      // what a piece needs may have to be written
   Statement rows_;
-  std::vector<std::uint32_t> read_;    // in the order of the list
-  std::vector<std::uint32_t> known_;   // sorted: what a changed index may name once more
-  std::vector<std::uint32_t> group_;   // of one moment
+  std::vector<std::uint32_t> read_;   // in the order of the list
+  std::vector<std::uint32_t> known_;  // sorted: what a changed index may name once more
+  std::vector<std::uint32_t> group_;  // of one moment:
+  std::string groupMoment_;
   std::optional<std::string> moment_;  // that was read last in this walk
   std::string newest_;
   SharedKeys keys_;
