@@ -110,6 +110,18 @@ TEST_F(ServerNotes, ARowThatIsThereHasItsNoteAlsoAfterItsWriting) {
   EXPECT_EQ(automation::toText(row[4]), u"Door open") << "the note is behind the columns";
 }
 
+TEST_F(ServerNotes, WhatAnotherStationHasWrittenIsSeenWhenTheRowsAreReadAnew) {
+  const auto station = open(), other = open();
+  addThree(*station);
+  const auto mine = listed(*station);
+  readRow(*mine, 0);
+  EXPECT_EQ(mine->notes()->of(1), std::nullopt);
+  ASSERT_EQ(listed(*other)->notes()->put(1, none, door), Put::kept);
+  EXPECT_EQ(mine->notes()->of(1), std::nullopt) << "it came with the row";
+  addFault(*station, {1, u"02", u"MN", u"MP", u"2026/11/21 10:00", u"Door shut"});
+  EXPECT_THAT(mine->notes()->of(1), Optional(door)) << "whose rows may have changed meanwhile";
+}
+
 TEST_F(ServerNotes, WhatAnotherStationHasWrittenMeanwhileIsNotOverwritten) {
   const auto station = open(), other = open();
   addThree(*station);
