@@ -81,10 +81,8 @@ template <class Sink>
 void compose(const FaultTextTable& texts, bool wideFields, const FaultKind& kind, const DataText& data,
              Sink sink) {
   Composer<Sink> composer(texts, wideFields, kind, data, sink);
-  composer.message(kind.title);
-  composer.endLine();
+  composer.line(kind.title);
   composeDetail(composer);
-  composer.endLine();
   composer.trailer();
 }
 

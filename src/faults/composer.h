@@ -15,11 +15,6 @@
 
 namespace vordane::faults {
 
-// The messages around the raw data, and the brackets around every value.
-inline constexpr int rawDataHeading = 5;
-inline constexpr int openBracket = 6;
-inline constexpr int closeBracket = 7;
-
 // A text chosen by one or two values; what is not listed has no text.
 struct Choice {
   int first;
@@ -56,12 +51,16 @@ class Composer {
 
   // A text that must be there; without it nothing is shown at all.
   void message(int number) {
-    if (const std::u16string* text = fetch(number)) sink_.constant(*text);
+    if (const Message* found = fetch(number)) sink_.constant(found->text);
+  }
+  // The same with a line end.
+  void line(int number) {
+    if (const Message* found = fetch(number)) sink_.joined(found->line, {found->text, text::crlf});
   }
   // The same, chosen by values of the data; `noMessage` shows nothing.
   void chosen(int number, Sources sources) {
     if (number == noMessage) return sink_.value({}, sources);
-    if (const std::u16string* text = fetch(number)) sink_.value(*text, sources);
+    if (const Message* found = fetch(number)) sink_.value(found->text, sources);
   }
 
   void show(std::u16string_view text, Sources sources) { sink_.value(text, sources); }
@@ -94,30 +93,32 @@ class Composer {
   // blank, bracket, label, blank, what `value` shows, bracket.
   template <class Value>
   void bracketed(int label, Value value) {
-    blank();
-    message(openBracket);
-    message(label);
-    blank();
+    const Message *open = fetch(openBracket), *found = fetch(label);
+    if (open != nullptr && found != nullptr)
+      sink_.joined(found->opening, {u" ", open->text, found->text, u" "});
     value();
     message(closeBracket);
   }
 
+  // Ends the detail line.
   void trailer() {
-    message(rawDataHeading);
-    blank();
-    message(openBracket);
+    const Message *heading = fetch(rawDataHeading), *open = fetch(openBracket);
+    if (heading != nullptr && open != nullptr)
+      sink_.joined(texts_.rawDataOpening(), {text::crlf, heading->text, u" ", open->text});
     sink_.whole(data_);
     message(closeBracket);
     failed_ ? sink_.drop() : sink_.finish();
   }
 
  private:
+  using Message = FaultTextTable::Message;
+
   void fail() { failed_ = true; }
 
-  const std::u16string* fetch(int number) {
-    const std::u16string* text = texts_.message(number);
-    if (text == nullptr) fail();
-    return text;
+  const Message* fetch(int number) {
+    const Message* found = texts_.find(number);
+    if (found == nullptr) fail();
+    return found;
   }
 
   const FaultTextTable& texts_;

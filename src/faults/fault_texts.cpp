@@ -16,13 +16,33 @@ std::optional<int> listKind(std::u16string_view controlName) {
 }
 
 void FaultTextTable::setMessages(const std::vector<std::u16string>& messages) {
-  messages_.assign(messages.begin(), messages.end());
+  messages_.clear();
+  for (const std::u16string& text : messages) messages_.push_back(Message{text, {}, {}});
+  joinAll();
 }
 
 void FaultTextTable::setMessage(int number, std::u16string text) {
   const auto position = static_cast<std::size_t>(number);
   if (position >= messages_.size()) messages_.resize(position + 1);
-  messages_[position] = std::move(text);
+  messages_[position] = Message{std::move(text), {}, {}};
+  if (number == faults::openBracket || number == faults::rawDataHeading) return joinAll();
+  join(*messages_[position]);
+}
+
+void FaultTextTable::join(Message& message) const {
+  const std::u16string* open = this->message(faults::openBracket);
+  message.line = message.text;
+  message.line += text::crlf;
+  message.opening = u" " + (open != nullptr ? *open : u"") + message.text + u" ";
+}
+
+void FaultTextTable::joinAll() {
+  for (auto& message : messages_)
+    if (message) join(*message);
+  rawDataOpening_ = text::crlf;
+  if (const std::u16string* heading = message(faults::rawDataHeading)) rawDataOpening_ += *heading;
+  rawDataOpening_ += u' ';
+  if (const std::u16string* open = message(faults::openBracket)) rawDataOpening_ += *open;
 }
 
 void FaultTextTable::setList(int kind, std::vector<std::u16string> items) {

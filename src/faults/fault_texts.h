@@ -11,6 +11,15 @@
 
 namespace vordane {
 
+namespace faults {
+
+// The messages around the raw data, and the brackets around every value.
+inline constexpr int rawDataHeading = 5;
+inline constexpr int openBracket = 6;
+inline constexpr int closeBracket = 7;
+
+}  // namespace faults
+
 // The kind whose list bears this control name ("cboFK2B" is 0x2B, the name's case does not count);
 // nothing for any other name.
 std::optional<int> listKind(std::u16string_view controlName);
@@ -27,11 +36,23 @@ class FaultTextTable {
   void setList(int kind, std::vector<std::u16string> items);
   void addItem(int kind, std::u16string text);
 
+  // A message, and what it mostly stands joined with: whoever composes a description appends that at once.
+  struct Message {
+    std::u16string text;
+    std::u16string line;     // the text and a line end
+    std::u16string opening;  // blank, opening bracket, the text, blank
+  };
   // Null when there is no such message. Valid until the table changes.
-  const std::u16string* message(int number) const {
+  const Message* find(int number) const {
     const auto position = static_cast<std::size_t>(number);
     return position < messages_.size() && messages_[position] ? &*messages_[position] : nullptr;
   }
+  const std::u16string* message(int number) const {
+    const Message* found = find(number);
+    return found != nullptr ? &found->text : nullptr;
+  }
+  // Line end, heading, blank and opening bracket of the raw data; of what is missing, nothing.
+  const std::u16string& rawDataOpening() const { return rawDataOpening_; }
   bool hasList(int kind) const {
     const auto position = static_cast<std::size_t>(kind);
     return position < lists_.size() && lists_[position];
@@ -45,7 +66,11 @@ class FaultTextTable {
   }
 
  private:
-  std::vector<std::optional<std::u16string>> messages_;
+  void join(Message& message) const;
+  void joinAll();
+
+  std::vector<std::optional<Message>> messages_;
+  std::u16string rawDataOpening_;
   std::array<std::optional<std::vector<std::u16string>>, 256> lists_;
 };
 

@@ -15,6 +15,7 @@
 namespace vordane::faults {
 
 using Sources = std::initializer_list<Field>;
+using Parts = std::initializer_list<std::u16string_view>;
 
 // Most pieces are a few characters, for which the library's copy costs more in its call than in its work:
 // two blocks of a fixed size, which may overlap, are single instructions.
@@ -51,6 +52,7 @@ class PlainSink {
     copyCharacters(text.data(), text.size(), buffer_ + used_);
     used_ += text.size();
   }
+  void joined(std::u16string_view text, Parts) { constant(text); }
   void value(std::u16string_view text, Sources) { constant(text); }
   void whole(const DataText& data) {
     constant(data.first());
@@ -80,6 +82,9 @@ class ExplainingSink {
 
   void character(char16_t character) { constant({&character, 1}); }
   void constant(std::u16string_view text) { pieces_.push_back({std::u16string(text), {}}); }
+  void joined(std::u16string_view, Parts parts) {
+    for (const std::u16string_view part : parts) constant(part);
+  }
   void value(std::u16string_view text, Sources sources) {
     pieces_.push_back({std::u16string(text), {}});
     for (const Field source : sources) add(source);

@@ -35,6 +35,29 @@ TEST(FaultTextTable, TakesAMessageArrayAsItIs) {
   EXPECT_EQ(texts.message(9), nullptr);
 }
 
+// What a message is joined with may be set before it, behind it, and anew.
+TEST(FaultTextTable, JoinsTheMessagesAsTheyAreNow) {
+  FaultTextTable texts;
+  texts.setMessage(41, u"Line");
+  EXPECT_EQ(texts.find(41)->text, u"Line");
+  EXPECT_EQ(texts.find(41)->line, u"Line\r\n");
+  EXPECT_EQ(texts.find(41)->opening, u" Line ");
+  texts.setMessage(faults::openBracket, u"<");
+  EXPECT_EQ(texts.find(41)->opening, u" <Line ");
+  EXPECT_EQ(texts.rawDataOpening(), u"\r\n <");
+  texts.setMessage(faults::rawDataHeading, u"Bytes");
+  EXPECT_EQ(texts.rawDataOpening(), u"\r\nBytes <");
+  texts.setMessage(41, u"Port");
+  EXPECT_EQ(texts.find(41)->line, u"Port\r\n");
+  EXPECT_EQ(texts.find(41)->opening, u" <Port ");
+  texts.setMessage(faults::openBracket, u"{");
+  EXPECT_EQ(texts.find(41)->opening, u" {Port ");
+  EXPECT_EQ(texts.rawDataOpening(), u"\r\nBytes {");
+  texts.setMessages({u"", u"", u"", u"", u"", u"Data", u"("});
+  EXPECT_EQ(texts.find(1)->opening, u" ( ");
+  EXPECT_EQ(texts.rawDataOpening(), u"\r\nData (");
+}
+
 TEST(FaultTextTable, TellsAnEmptyListFromNone) {
   FaultTextTable texts;
   texts.setList(0x11, {});
