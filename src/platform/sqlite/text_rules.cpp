@@ -123,17 +123,18 @@ void appendField(std::optional<std::u16string_view> text, std::string& key) {
 }
 
 // Looks for the first character in four places at once, and at the rest only where it stands.
+// Only where its first and its last character stand it is looked at whole.
 bool FoldedNeedle::isIn(std::u16string_view text) const {
   if (text.size() < needle_.size()) return false;
-  const std::size_t last = text.size() - needle_.size();
-  const std::uint64_t wanted = needle_.front() * eachOfFour;
+  const std::size_t last = text.size() - needle_.size(), behind = needle_.size() - 1;
+  const std::uint64_t first = needle_.front() * eachOfFour, end = needle_.back() * eachOfFour;
   std::size_t i = 0;
-  for (; i + together <= text.size() && i <= last; i += together) {
-    const std::uint64_t four = fourAt(text.data() + i);
-    const std::uint64_t differs = foldAscii(four) ^ wanted;
+  for (; i + behind + together <= text.size(); i += together) {
+    const std::uint64_t four = fourAt(text.data() + i), ends = fourAt(text.data() + i + behind);
+    const std::uint64_t differs = (foldAscii(four) ^ first) | (foldAscii(ends) ^ end);
     const bool hit = ((differs - eachOfFour) & ~differs & (0x8000U * eachOfFour)) != 0;
-    if (!hit && areAscii(four)) continue;
-    for (std::size_t k = i; k < i + together && k <= last; ++k)
+    if (!hit && areAscii(four | ends)) continue;
+    for (std::size_t k = i; k < i + together; ++k)
       if (stands(text, k)) return true;
   }
   for (; i <= last; ++i)
