@@ -236,6 +236,27 @@ void examineGuard(const std::string& progId, const RegisteredClass& found, const
                                             ": let administrators alone write there"});
 }
 
+// One program registers itself for hosts of both word sizes. Where they differ, the faults of one exchange
+// may be taken in by two versions.
+void examineWordSizes(const std::string& progId, const Workstation& workstation, Remedy remedy,
+                      Findings& findings) {
+  if (!workstation.registeredByWordSize) return;
+  const auto [wide, narrow] = workstation.registeredByWordSize(toText(fs::path(progId)));
+  if (wide && narrow && samePlace(programOf(wide->command), programOf(narrow->command))) return;
+  if (!wide && !narrow) return;
+  const auto told = [&](const std::optional<RegisteredClass>& found) -> std::string {
+    if (!found) return "nothing";
+    const fs::path program = programOf(found->command);
+    const std::string version =
+        workstation.versionOf ? workstation.versionOf(toText(program)) : std::string();
+    return nameOf(program) + (version.empty() ? " (of no version)" : " (version " + version + ")");
+  };
+  findings.push_back({Weight::incomplete,
+                      progId + ": 64-bit hosts start " + told(wide) + ", 32-bit hosts " + told(narrow) +
+                          ": register one of them for both",
+                      remedy});
+}
+
 void examineClasses(const SuiteLayout& layout, const Workstation& workstation,
                     const std::optional<std::u16string>& zul, Findings& findings) {
   const auto own = workstation.registered(u"Vordane10013.cOLELayer");
@@ -249,6 +270,8 @@ void examineClasses(const SuiteLayout& layout, const Workstation& workstation,
           {Weight::incomplete, "Vordane10013.cOLELayer is registered to " + nameOf(programOf(own->command)) +
                                    ": hosts start that one, not this suite's " + nameOf(layout.program())});
     examineGuard("Vordane10013.cOLELayer", *own, workstation, findings);
+    examineWordSizes("Vordane10013.cOLELayer", workstation, hasProgram ? Remedy::program : Remedy::none,
+                     findings);
   }
   if (!zul) return;
   const std::u16string progId = u"CalderinProj" + *zul + u".cPBXOle";

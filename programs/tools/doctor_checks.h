@@ -52,6 +52,10 @@ struct RegisteredClass {
   std::u16string command;  // starts its program
   bool forEveryUser = false;
 };
+// The same for hosts of 64 and of 32 bits.
+struct ClassByWordSize {
+  std::optional<RegisteredClass> wide, narrow;
+};
 
 // What the workstation says of the suite: a setting of application QUILMAR32, a class, and who besides
 // administrators may replace a program.
@@ -61,6 +65,10 @@ struct Workstation {
   std::function<std::vector<guard::Finding>(std::u16string_view program)> whoMayReplace;
   // Whether a file of that path is there, as the program itself asks; none where paths are of another shape.
   std::function<bool(std::u16string_view path)> exists = {};
+  // None where hosts have but one word size.
+  std::function<ClassByWordSize(std::u16string_view progId)> registeredByWordSize = {};
+  // "1.0.12"; empty for a program that does not say.
+  std::function<std::string(std::u16string_view program)> versionOf = {};
 };
 // Nothing where there is no registry.
 std::optional<Workstation> thisWorkstation();

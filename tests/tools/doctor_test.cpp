@@ -238,9 +238,20 @@ class WorkstationDoctor : public Doctor {
       const auto found = holes.find(std::filesystem::path(program).filename().string());
       return found == holes.end() ? std::vector<guard::Finding>{} : found->second;
     };
-    return examineWorkstation(layout, {setting, registered, whoMayReplace});
+    Workstation workstation{setting, registered, whoMayReplace};
+    workstation.registeredByWordSize = [&](std::u16string_view progId) {
+      const auto wide = registered(progId);
+      return ClassByWordSize{wide, narrow ? *narrow : wide};
+    };
+    workstation.versionOf = [&](std::u16string_view program) {
+      const auto version = versions.find(std::filesystem::path(program).filename().string());
+      return version == versions.end() ? std::string() : version->second;
+    };
+    return examineWorkstation(layout, workstation);
   }
   bool everyUser = true;
+  std::optional<std::optional<RegisteredClass>> narrow;      // what 32-bit hosts find where that is another
+  std::map<std::string, std::string> versions;               // by the program's file name
   std::map<std::string, std::vector<guard::Finding>> holes;  // by the program's file name
   std::map<std::u16string, std::u16string> settings, servers;
 };
@@ -284,6 +295,26 @@ TEST_F(WorkstationDoctor, WarnsOfAProgramForEveryUserThatOthersMayReplace) {
                           "CalderinProj30001.cPBXOle is registered for every user, but "
                           "Everyone may write to C:\\SIM: let administrators")));
   everyUser = false;  // a user may replace what is registered for that user alone
+  EXPECT_THAT(examine(), IsEmpty());
+}
+
+TEST_F(WorkstationDoctor, NamesTheVersionsOfBothWordSizesWhereTheyDiffer) {
+  everyUser = false;
+  versions = {{"VORDANE.EXE", "1.0.12"}, {"earlier.exe", "1.0.11"}};
+  narrow = RegisteredClass{u"/old/earlier.exe -Embedding"};
+  EXPECT_THAT(examine(),
+              ElementsAre(finding(false,
+                                  "VORDANE.EXE (version 1.0.12), 32-bit hosts /old/earlier.exe (version "
+                                  "1.0.11): register one of them for both")));
+  versions.clear();
+  EXPECT_THAT(examine(),
+              ElementsAre(finding(false,
+                                  "VORDANE.EXE (of no version), 32-bit hosts /old/earlier.exe (of no "
+                                  "version)")));
+  narrow = std::optional<RegisteredClass>();
+  EXPECT_THAT(examine(),
+              ElementsAre(finding(false, ", 32-bit hosts nothing: register one of them for both")));
+  narrow = RegisteredClass{servers[u"Vordane10013.cOLELayer"] + u" -Embedding"};
   EXPECT_THAT(examine(), IsEmpty());
 }
 

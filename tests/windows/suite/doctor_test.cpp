@@ -80,6 +80,23 @@ bool registeredForEveryUser() {
   return found;
 }
 
+// Only for them.
+void registerFor32BitHosts(const Path& program) {
+  const HKEY root = registeredForEveryUser() ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
+  wchar_t id[64] = L"";
+  DWORD bytes = sizeof id;
+  ASSERT_EQ(RegGetValueW(root, L"Software\\Classes\\Vordane10013.cOLELayer\\CLSID", nullptr, RRF_RT_REG_SZ,
+                         nullptr, id, &bytes),
+            ERROR_SUCCESS);
+  const std::wstring place = std::wstring(L"Software\\Classes\\CLSID\\") + id + L"\\LocalServer32";
+  HKEY key = nullptr;
+  ASSERT_EQ(RegOpenKeyExW(root, place.c_str(), 0, KEY_WRITE | KEY_WOW64_32KEY, &key), ERROR_SUCCESS);
+  const std::wstring command = L"\"" + program.wstring() + L"\"";
+  RegSetValueExW(key, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(command.c_str()),
+                 static_cast<DWORD>((command.size() + 1) * sizeof(wchar_t)));
+  RegCloseKey(key);
+}
+
 // The account that runs the tests owns every file, so it may replace the registered programs.
 TEST_F(Doctor, WarnsOfRegistrationsForEveryUser) {
   const Diagnosis diagnosis = diagnose();
@@ -176,6 +193,15 @@ TEST_F(Doctor, Registration) {
   registerProgram(other);
   expectWords("incomplete: Vordane10013.cOLELayer is registered to " + utf8(other) +
               ": hosts start that one, not this suite's " + utf8(addin));
+  const std::string ofOther = utf8(other) + " (version " + VORDANE_VERSION + ")",
+                    ofAddin = utf8(addin) + " (version " + VORDANE_VERSION + ")";
+  if (sizeof(void*) == 8) {
+    registerFor32BitHosts(addin);
+    expectWords("incomplete: Vordane10013.cOLELayer is registered to " + utf8(other) +
+                ": hosts start that one, not this suite's " + utf8(addin) +
+                "\nincomplete: Vordane10013.cOLELayer: 64-bit hosts start " + ofOther + ", 32-bit hosts " +
+                ofAddin + ": register one of them for both");
+  }
   unregisterProgram(other);
   expectWords(
       "stops the program: Vordane10013.cOLELayer is not registered: no host can start the add-in "
