@@ -1,6 +1,7 @@
 // Taking 200,000 new faults in, from the received answers to the refreshed window, against programs of others
 // that are given the finished rows as text and hold them to be unique: SQLite's own shell, and a PostgreSQL
-// server in whose surroundings (tests/odbc/with-server.sh) this is run.
+// server in whose surroundings (tests/odbc/with-server.sh) this is run. And looking through them all for a
+// text, from the opening of the file on, against a viewer of logs that is given them as lines.
 #include <sys/resource.h>
 
 #include <algorithm>
@@ -31,6 +32,13 @@ std::string withoutZeros(std::string text) {
   return text;
 }
 
+std::string oneLine(const std::u16string& text) {
+  std::string line = withoutZeros(text::toUtf8(text));
+  std::replace_if(
+      line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+  return line;
+}
+
 double childrenSeconds() {
   rusage usage{};
   getrusage(RUSAGE_CHILDREN, &usage);
@@ -49,7 +57,8 @@ class Peers {
   Peers() : folder_(std::filesystem::temp_directory_path() / "vordane-peers") {
     std::filesystem::create_directory(folder_);
     form_.texts = decoderTexts();
-    std::ofstream rows(folder_ / "rows.csv", std::ios::binary);
+    std::ofstream rows(folder_ / "rows.csv", std::ios::binary),
+        lines(folder_ / "faults.log", std::ios::binary);
     for (std::size_t i = 0; i < lists; ++i) {
       answers_.push_back(answerOf(i, 8000));
       for (const Fault& row : rowsOf(form_, answers_.back())) {
@@ -57,6 +66,9 @@ class Peers {
         for (const std::u16string& text : {row.fault, row.alarm, row.cpu, row.date, row.description})
           rows << ',' << text::csvQuoted(withoutZeros(text::toUtf8(text)));
         rows << '\n';
+        lines << oneLine(row.date + u" " + row.alarm + u" " + row.fault + u" " + row.cpu + u" " +
+                         row.description)
+              << '\n';
       }
     }
     write("shell", std::string("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL;\n") + uniqueTable +
@@ -78,6 +90,8 @@ class Peers {
     Comparison shell("decode and take in 200,000 new faults", "sqlite3 importing ready text, unique",
                      timeAtMost(0.4));
     Comparison server("the same, by the clock", "PostgreSQL copying ready text, unique", noGoal);
+    Comparison viewer("open 200,000 faults, look for a text", "lnav reading and filtering them as lines",
+                      noGoal);
     const char* serverFolder = std::getenv("VORDANE_SERVER");
     for (int i = 0; i < runs; ++i) {
       BenchFile file("ours");
@@ -89,6 +103,7 @@ class Peers {
       store.close();
       form_.database.reset();
       shell.add(ours, importByShell());
+      viewer.add(processorSeconds([&] { lookThrough(*file.open()); }), lookThroughByViewer());
       if (serverFolder != nullptr)
         server.add(clock, seconds([&] {
                      run("psql -q -h " + std::string(serverFolder) +
@@ -98,6 +113,7 @@ class Peers {
     }
     shell.print();
     if (serverFolder != nullptr) server.print();
+    viewer.print();
   }
 
  private:
@@ -109,6 +125,24 @@ class Peers {
     const double time = childrenSeconds() - before;
     for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(file + suffix);
     return time;
+  }
+  static void lookThrough(database::Database& database) {
+    constexpr std::u16string_view columns[] = {u"Fault", u"Alarm", u"Date", u"CPU", u"Description", u"Count"};
+    const auto rows =
+        database.openRowList(u"SELECT * FROM FaultDisplay WHERE ID = 1 Order by [Date] Desc", columns);
+    if (rows->size() < lists * 7000) throw std::runtime_error("rows are missing");
+    if (rows->find(u"nowhere", 0, nullptr, database::Walk::forwards))
+      throw std::runtime_error("found somewhere");
+    database.close();
+  }
+  double lookThroughByViewer() {
+    const double before = childrenSeconds();
+    const std::string folder = folder_.string();
+    run("HOME=" + folder + " lnav -n -N -c ':filter-in nowhere' " + folder + "/faults.log >" + folder +
+        "/seen");
+    if (std::filesystem::file_size(folder_ / "seen") != 0)
+      throw std::runtime_error("the viewer shows something");
+    return childrenSeconds() - before;
   }
   void write(const char* name, const std::string& text) {
     std::ofstream(folder_ / name, std::ios::binary) << text;
