@@ -128,8 +128,10 @@ class Peers {
   }
   static void lookThrough(database::Database& database) {
     constexpr std::u16string_view columns[] = {u"Fault", u"Alarm", u"Date", u"CPU", u"Description", u"Count"};
-    const auto rows =
-        database.openRowList(u"SELECT * FROM FaultDisplay WHERE ID = 1 Order by [Date] Desc", columns);
+    const auto rows = database.openRowList(
+        u"SELECT * FROM FaultDisplay WHERE ID = 1 Order by [Date] Desc, [Count] Desc, [Fault] Desc, "
+        u"[Alarm] Desc, [CPU] Desc, [Description] Desc",
+        columns);
     if (rows->size() < lists * 7000) throw std::runtime_error("rows are missing");
     if (rows->find(u"nowhere", 0, nullptr, database::Walk::forwards))
       throw std::runtime_error("found somewhere");

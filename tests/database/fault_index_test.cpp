@@ -1,5 +1,6 @@
 // The embedded engine's index of faults: its answers are those of the table after each change of one's own.
 #include "database/fault_index.h"
+#include "store/statements.h"
 
 namespace vordane::sqlite {
 namespace {
@@ -54,7 +55,7 @@ TEST_F(FaultIndexTest, AnExchangeShownAgainHasTheRowsThatAreThere) {
 TEST_F(FaultIndexTest, RowsThatAreShownStayAsTheyWereWhenMoreAreAdded) {
   const auto database = open();
   const std::u16string_view count[] = {u"Count"};
-  const std::u16string statement = u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[2][1]);
+  const std::u16string statement = u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[2][0]);
   const auto first = [&](database::RowList& rows) {
     std::vector<Value> values;
     return rows.fetch(0, values) ? shown(values[0]) : "none";
@@ -71,6 +72,21 @@ TEST_F(FaultIndexTest, RowsThatAreShownStayAsTheyWereWhenMoreAreAdded) {
   EXPECT_EQ(first(*before), "1");
   EXPECT_EQ(first(*after), "2");
   EXPECT_EQ(first(*last), "3");
+}
+
+TEST_F(FaultIndexTest, ATextIsLookedForInNumbersAndFlagsToo) {
+  const auto database = open();
+  for (int i = 0; i < 12; ++i) addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01"});
+  addExchange(*database, u"7");
+  const std::u16string_view count[] = {u"Count"}, flag[] = {u"MN"};
+  const auto rows = database->openRowList(
+      u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[2][0]), count);
+  EXPECT_EQ(rows->find(u"1", 1, {}), 9U) << "10";
+  EXPECT_EQ(rows->find(u"12", 0, {}), 11U);
+  EXPECT_EQ(rows->find(u"-1", 0, {}), std::nullopt);
+  const auto exchanges = database->openRowList(store::exchangesNewestFirst, flag);
+  EXPECT_EQ(exchanges->find(u"false", 0, {}), 0U);
+  EXPECT_EQ(exchanges->find(u"true", 0, {}), std::nullopt);
 }
 
 TEST_F(FaultIndexTest, LongStepsTellHowFarTheyAre) {
@@ -102,7 +118,7 @@ TEST_F(FaultIndexTest, LongStepsTellHowFarTheyAre) {
 TEST_F(FaultIndexTest, RowsThatAreShownStayAlsoWhereThereIsRoomForMore) {
   const auto database = open();
   const std::u16string_view count[] = {u"Count"};
-  const std::u16string statement = u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[2][1]);
+  const std::u16string statement = u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[2][0]);
   const auto add = [&] { addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01"}); };
   for (int i = 0; i < 64; ++i) add();
   database->openRowList(statement, count);

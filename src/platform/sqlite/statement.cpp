@@ -121,6 +121,10 @@ bool Statement::isText(int column) const {
   return sqlite3_column_type(handle_.get(), column) == SQLITE_TEXT;
 }
 
+bool Statement::isInteger(int column) const {
+  return sqlite3_column_type(handle_.get(), column) == SQLITE_INTEGER;
+}
+
 std::optional<std::u16string_view> Statement::textIfAny(int column, std::u16string& copy) const {
   if (isNull(column)) return std::nullopt;
   const void* const characters = sqlite3_column_text16(handle_.get(), column);

@@ -47,6 +47,7 @@ class Statement {
   std::string_view blob(int column) const;  // until the next step
   bool isNull(int column) const;
   bool isText(int column) const;
+  bool isInteger(int column) const;
   // Nothing for Null. Until the next step, or until `copy` changes, which is used where it has to be.
   std::optional<std::u16string_view> textIfAny(int column, std::u16string& copy) const;
   Value value(int column, bool yesNo) const;

@@ -28,16 +28,27 @@ void appendSortKey(std::u16string_view text, std::string& key);
 // The same for a column: nothing for Null, which sorts first.
 void appendField(std::optional<std::u16string_view> text, std::string& key);
 
-// Looks for one text, given in lower case, in others, case not regarded.
+// Looks for one text, given in lower case and not empty, in others, case not regarded.
 class FoldedNeedle {
  public:
-  explicit FoldedNeedle(std::u16string_view needle) : needle_(needle) {}
+  explicit FoldedNeedle(std::u16string_view needle);
   bool isIn(std::u16string_view text) const;
+  // Whether it may stand in a whole number.
+  bool mayBeInteger() const { return mayBeInteger_; }
 
  private:
+  static constexpr std::size_t lookedAtOnce = 16;
+  struct Character {
+    char16_t small, large;
+  };
+  // Whether the needle may stand at one of the places from `from` on; `to` is where its end would be.
+  bool mayStand(const char16_t* from, const char16_t* to) const;
+  bool standsWithin(std::u16string_view text, std::size_t begin, std::size_t end) const;
   bool stands(std::u16string_view text, std::size_t at) const;
 
   std::u16string needle_;
+  Character first_, last_;
+  bool mayBeInteger_;
 };
 
 // A 64-bit hash that equal texts share, the same on every system.
