@@ -1,11 +1,13 @@
 #include "bench/store/filter_bench.h"
 
 #include <algorithm>
+#include <fstream>
 #include <stdexcept>
 
 #include "bench/common/measure.h"
 #include "list/desk.h"
 #include "list/flood_digest.h"
+#include "list/saving.h"
 #include "platform/grid_columns.h"
 #include "platform/sqlite/event_keys.h"
 
@@ -97,6 +99,35 @@ void measureFilter(database::RowList& rows, BareStore& bare, const std::string& 
     text.add(reading, processorSeconds([&] { bare.readAll(1); }));
   }
   for (const Comparison* comparison : {&facts, &known, &anew, &text}) comparison->print();
+}
+
+void measureSaving(database::RowList& rows, BareStore& bare, const std::filesystem::path& folder,
+                   const std::string& howMany) {
+  Rows source(rows);
+  const std::filesystem::path saved = folder / "saved.csv", copy = folder / "copy";
+  Comparison comparison("save " + howMany + " shown faults as CSV",
+                        "bare reading of the rows, as many bytes written", noGoal);
+  for (int run = 0; run < runs; ++run) {
+    list::Desk desk;
+    desk.setStored(&source, u"1");
+    finish(desk);
+    list::Saving saving(desk, list::makeRowWriter(list::RowForm::csvFile, {}, desk.size()), saved);
+    const double ours = processorSeconds([&] {
+      while (saving.state() == list::Saving::State::atWork) saving.work([] { return true; });
+    });
+    if (saving.state() != list::Saving::State::saved) throw std::runtime_error("the rows can't be saved");
+    const std::string block(256 * 1024, 'x');
+    comparison.add(ours, processorSeconds([&] {
+                     bare.readAll(1);
+                     std::ofstream file(copy, std::ios::binary);
+                     for (std::uintmax_t left = std::filesystem::file_size(saved); left > 0;) {
+                       const auto piece = std::min<std::uintmax_t>(left, block.size());
+                       file.write(block.data(), static_cast<std::streamsize>(piece));
+                       left -= piece;
+                     }
+                   }));
+  }
+  comparison.print();
 }
 
 void measureFlood(database::RowList& rows, const std::function<void()>& select, const std::string& howMany) {

@@ -33,6 +33,7 @@ class Folder {
   ~Folder() { std::filesystem::remove_all(path_); }
   Folder(const Folder&) = delete;
   Folder& operator=(const Folder&) = delete;
+  const std::filesystem::path& path() const { return path_; }
   std::filesystem::path fresh(std::string_view name) const {
     const auto file = path_ / name;
     tools::createDatabase(file.u16string(), store::faultTables, true);
@@ -277,6 +278,7 @@ void lookUp(const Folder& folder) {
 void filter(const Folder& folder) {
   ShownFaults shown(folder.fresh("filtered"));
   measureFilter(*shown.rows, *shown.bare, thousands(shown.rows->size()));
+  measureSaving(*shown.rows, *shown.bare, folder.path(), thousands(shown.rows->size()));
 }
 
 // One fault in three minutes, so that every row has to be looked at, and twelve in the first of them.
