@@ -28,22 +28,20 @@ std::optional<window::GridRow> RowWalk::read(database::RowList& rows) {
   }
 }
 
-database::Note RowWalk::noteOf(database::RowList& rows, std::int64_t fault) {
-  database::Notes* notes = rows.notes();
-  return notes == nullptr ? database::Note{} : notes->of(fault).value_or(database::Note{});
-}
-
 bool RowWalk::next(const Take& take, const std::function<bool()>& again) {
-  while (!atEnd()) {
-    database::RowList* rows = desk_.list();
-    if (rows == nullptr) return false;  // while a long step runs
+  database::RowList* rows = desk_.list();
+  if (atEnd() || rows == nullptr) return atEnd();  // none while a long step runs
+  const auto together = rows->readTogether();
+  database::Notes* notes = rows->notes();
+  if (notes != nullptr && !notes->any()) notes = nullptr;
+  do {
     if (const auto row = read(*rows))
-      take(place_, *row, noteOf(*rows, row->count));
+      take(place_, *row,
+           notes == nullptr ? database::Note{} : notes->of(row->count).value_or(database::Note{}));
     else
       ++gone_;
     step();
-    if (!again()) break;
-  }
+  } while (!atEnd() && again());
   return atEnd();
 }
 

@@ -17,8 +17,9 @@ class RowWalk {
   RowWalk(Desk& desk, std::vector<Stretch> rows);
 
   // Takes rows, each with its note or an empty one, by their places until `again` says no, one row at least;
-  // true when it has come to the end. Rows that have gone since are counted and left out. Throws
-  // DatabaseError, and can't go on then.
+  // true when it has come to the end. Rows that have gone since are counted and left out. Those of one call
+  // are of one moment; whoever takes them must not write to their file. Throws DatabaseError, and can't go on
+  // then.
   using Take = std::function<void(std::size_t shown, const window::GridRow& row, const database::Note& note)>;
   bool next(const Take& take, const std::function<bool()>& again);
 
@@ -29,7 +30,6 @@ class RowWalk {
   bool atEnd() const { return stretch_ == rows_.size(); }
   void step();
   std::optional<window::GridRow> read(database::RowList& rows);
-  static database::Note noteOf(database::RowList& rows, std::int64_t fault);
 
   Desk& desk_;
   std::vector<Stretch> rows_;

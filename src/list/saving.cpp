@@ -31,13 +31,19 @@ Saving::State Saving::piece(const std::function<bool()>& again) {
     if (!file_.begin()) return State::noFile;
     writer_->begin(buffer_);
   }
-  bool written = true;
   const auto take = [&](std::size_t, const window::GridRow& row, const database::Note& note) {
     writer_->row(row, note, buffer_);
-    if (buffer_.size() >= enough) written = flush();
   };
-  const bool through = walk_.next(take, [&] { return written && again(); });
-  if (!written) return State::noRoom;
+  // Nothing of the database is held while the file is written: its disk may be slow.
+  bool through = false, more = true;
+  while (!through && more) {
+    more = false;  // as long as no row can be read
+    through = walk_.next(take, [&] {
+      more = again();
+      return more && buffer_.size() < enough;
+    });
+    if (buffer_.size() >= enough && !flush()) return State::noRoom;
+  }
   if (!through) return State::atWork;
   writer_->end(buffer_);
   written_ = flush() && file_.end();

@@ -79,6 +79,15 @@ class RowList {
   // The columns of row `position`, in the order of `columns` as they were given to openRowList; nothing
   // when the row has gone since.
   virtual bool fetch(std::size_t position, std::vector<Value>& out) = 0;
+  // While it lives the rows are those of one moment, and the locks of the file are taken once for them all.
+  // For a piece of work: nothing can be written meanwhile. Null where rows come together anyhow,
+  // or can't yet.
+  class Together {
+   public:
+    virtual ~Together() = default;
+  };
+  virtual std::unique_ptr<Together> readTogether() { return nullptr; }
+
   // The auto-number of a row where the list holds it; nothing where the row would have to be read for it, and
   // of one that is not read yet.
   virtual std::optional<std::int64_t> number(std::size_t) const { return std::nullopt; }

@@ -31,6 +31,8 @@ bool isSteered(std::u16string_view written);
 class Notes {
  public:
   virtual ~Notes() = default;
+  // Whether there can be any: no fault has one where there is none.
+  virtual bool any() { return true; }
   // Nothing where there is none, or no such fault.
   virtual std::optional<Note> of(std::int64_t fault) = 0;
 

@@ -55,7 +55,7 @@ TEST_F(FaultIndexTest, AnExchangeShownAgainHasTheRowsThatAreThere) {
 TEST_F(FaultIndexTest, RowsThatAreShownStayAsTheyWereWhenMoreAreAdded) {
   const auto database = open();
   const std::u16string_view count[] = {u"Count"};
-  const std::u16string statement = u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[2][0]);
+  const std::u16string statement = u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[2][1]);
   const auto first = [&](database::RowList& rows) {
     std::vector<Value> values;
     return rows.fetch(0, values) ? shown(values[0]) : "none";
@@ -89,6 +89,24 @@ TEST_F(FaultIndexTest, ATextIsLookedForInNumbersAndFlagsToo) {
   EXPECT_EQ(exchanges->find(u"true", 0, {}), std::nullopt);
 }
 
+// While rows are read together, they are those of one moment.
+TEST_F(FaultIndexTest, RowsReadTogetherAreOfOneMoment) {
+  const auto database = open(), besides = open();
+  for (int i = 0; i < 3; ++i) addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01"});
+  const std::u16string_view count[] = {u"Count"};
+  const auto rows = database->openRowList(
+      u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[2][0]), count);
+  std::vector<Value> row;
+  auto together = rows->readTogether();
+  ASSERT_TRUE(rows->fetch(0, row));
+  OtherTool(path_).run("DELETE FROM FaultDisplay WHERE Count = 2");
+  EXPECT_TRUE(rows->fetch(1, row));
+  together.reset();
+  EXPECT_FALSE(rows->fetch(1, row));
+  EXPECT_TRUE(rows->fetch(2, row));
+  addFault(*database, {1, u"02", u"MJ", u"MP", u"2006/01/01"});
+}
+
 TEST_F(FaultIndexTest, LongStepsTellHowFarTheyAre) {
   using Steps = std::vector<std::pair<std::size_t, std::size_t>>;
   const auto database = open();
@@ -118,7 +136,7 @@ TEST_F(FaultIndexTest, LongStepsTellHowFarTheyAre) {
 TEST_F(FaultIndexTest, RowsThatAreShownStayAlsoWhereThereIsRoomForMore) {
   const auto database = open();
   const std::u16string_view count[] = {u"Count"};
-  const std::u16string statement = u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[2][0]);
+  const std::u16string statement = u"SELECT * FROM FaultDisplay WHERE ID = 1" + std::u16string(clauses[2][1]);
   const auto add = [&] { addFault(*database, {1, u"01", u"MJ", u"MP", u"2006/01/01"}); };
   for (int i = 0; i < 64; ++i) add();
   database->openRowList(statement, count);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -46,11 +47,21 @@ class MemoryRows final : public window::GridSource, public database::RowList {
   bool fetch(std::size_t position, std::vector<database::Value>& out) override {
     if (failAtFetch && fetched == *failAtFetch) throw database::DatabaseError(3049, u"damaged");
     ++fetched;
+    if (together == 0) ++fetchedApart;
     out.clear();
     if (position >= rows.size() || rows[position].gone) return false;
     const MemoryRow& row = rows[position];
     out = {row.fault, row.alarm, row.date, row.cpu, row.description, static_cast<std::int32_t>(row.count)};
     return true;
+  }
+  std::unique_ptr<Together> readTogether() override {
+    struct Held final : Together {
+      explicit Held(int& readings) : together(readings) { ++together; }
+      ~Held() override { --together; }
+      int& together;
+    };
+    ++readings;
+    return std::make_unique<Held>(together);
   }
   database::Notes* notes() override { return keepsNotes ? &kept : nullptr; }
   void chooseNoted(std::span<const std::uint32_t> positions, std::vector<std::uint32_t>& chosen) override {
@@ -78,6 +89,8 @@ class MemoryRows final : public window::GridSource, public database::RowList {
   bool numbered = true;
   bool knowsData = true;  // where each row's data bytes stand: one character, a place further with each row
   std::size_t fetched = 0;
+  int together = 0;  // readings under way
+  std::size_t readings = 0, fetchedApart = 0;
   std::optional<std::size_t> failAtFetch;
 };
 

@@ -52,6 +52,22 @@ class SavingTest : public testing::Test {
   Desk desk;
 };
 
+TEST_F(SavingTest, ReadsRowsTogetherAndHoldsNothingWhileItWrites) {
+  show(std::vector<MemoryRow>(4000));
+  Saving saved = saving(target);
+  bool outside = false;
+  const auto again = [&] {
+    outside = outside || rows.together != 1;
+    return true;
+  };
+  while (saved.work(again) == State::atWork) EXPECT_EQ(rows.together, 0);
+  ASSERT_EQ(saved.state(), State::saved);
+  EXPECT_FALSE(outside);
+  EXPECT_EQ(rows.together, 0);
+  EXPECT_EQ(rows.fetchedApart, 0U);
+  EXPECT_EQ(rows.readings, fs::file_size(target) / 65536 + 1) << "one for each piece of the file";
+}
+
 TEST_F(SavingTest, WritesTheRowsShownInTheirOrder) {
   show({{u"K1"}, {u"K2"}, {u"K1", u"MN", u"", u"", u"last", 5}});
   rows.kept.notes[5] = {u"anna", u"2026/11/21 08:15", u"cable"};

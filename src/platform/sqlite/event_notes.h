@@ -32,7 +32,7 @@ class EventNotes final : public database::Notes {
 
   // For a walk over many events, in one transaction: whether there are notes at all, and then, of each,
   // whether it has one; with a needle, one whose text holds it.
-  bool any();
+  bool any() override;
   bool has(std::int64_t event, const FoldedNeedle* needle = nullptr);
 
   // Inside the step that removes events: the notes of those that are gone.

@@ -67,6 +67,13 @@ class EmbeddedRowList final : public database::RowList {
     return found;
   }
 
+  // Not while keys are still to be read: that goes from one moment of the file to the next.
+  std::unique_ptr<Together> readTogether() override {
+    connection_.beforeRead();
+    if (reading_ != nullptr) return nullptr;
+    return std::make_unique<OneReading>(connection_);
+  }
+
   std::optional<std::int64_t> number(std::size_t position) const override {
     if (!table_.events || position >= size()) return {};
     return keyAt(position);
@@ -139,6 +146,11 @@ class EmbeddedRowList final : public database::RowList {
   }
 
  private:
+  struct OneReading final : Together {
+    explicit OneReading(Connection& connection) : scope(connection) {}
+    ReadScope scope;
+  };
+
   // Nothing for a row that has gone before its key was read.
   std::optional<std::int64_t> keyAt(std::size_t position) const {
     if (reading_ != nullptr) return reading_->key(position);
