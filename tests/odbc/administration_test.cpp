@@ -114,6 +114,24 @@ TEST_F(StoreCommand, DoneAgainLeavesTheFaults) {
   EXPECT_EQ(one("select \"ID\" || ' ' || \"Date\" from vordane.\"FaultDisplay\""), "1 2026/11/22");
 }
 
+// The server writes out where it is called what is not slower than it says it is.
+TEST_F(StoreCommand, AStoreOfAnEarlierTimeGetsTheQuickFunctions) {
+  create();
+  const std::string written =
+      "select count(*)::text from pg_proc where pronamespace = 'vordane'::regnamespace and proname in "
+      "('fold', "
+      "'hash') and (proname = 'fold' and prosrc like '%regexp_replace%' or proname = 'hash' and provolatile "
+      "= "
+      "'s')";
+  runOn(name_,
+        "create or replace function vordane.fold(value text) returns text language sql immutable as "
+        "'select lower(value)'");
+  runOn(name_, "alter function vordane.hash(text, text, text, text) immutable");
+  EXPECT_EQ(one(written), "0");
+  create();
+  EXPECT_EQ(one(written), "2");
+}
+
 TEST_F(StoreCommand, AStoreOfAnEarlierTimeGetsTheTablesOfTheReceipts) {
   create();
   runOn(name_, "drop table vordane.\"VordaneReceipts\", vordane.\"VordaneReceiptEntries\"");

@@ -28,6 +28,7 @@ int runBesideServer(char** arguments) {
   std::vector<char*> words{const_cast<char*>(script.c_str())};
   while (*arguments != nullptr) words.push_back(*arguments++);
   words.push_back(nullptr);
+  setenv("VORDANE_SECOND", "yes", 1);
   execv(script.c_str(), words.data());
   return 125;
 }
@@ -35,7 +36,10 @@ int runBesideServer(char** arguments) {
 // What killed_test.cpp kills.
 int takeLists(const std::vector<std::string>& words) {
   const auto order = vordane::crash::fromArguments(words);
-  const auto engine = vordane::odbc::makeEngine(vordane::startup::databases, vordane::odbc::systemLibrary());
+  vordane::odbc::Options options;
+  if (order.slow) options.longestUnsavedMilliseconds = 5;  // a list is saved in many pieces
+  const auto engine =
+      vordane::odbc::makeEngine(vordane::startup::databases, vordane::odbc::systemLibrary(), options);
   vordane::crash::takeLists(order, *engine);
   if (order.stays) std::this_thread::sleep_for(std::chrono::minutes(5));  // nobody killed it
   return order.stays ? 2 : 0;

@@ -59,9 +59,12 @@ const Api& api() {
 }
 
 std::unique_ptr<Link> connectTo(std::string_view database) {
-  const std::string connection =
-      "DRIVER={PostgreSQL Unicode};SERVER=" + (serverFolder() / "socket").generic_string() +
-      ";DATABASE=" + std::string(database) + ";UID=administrator;LFConversion=0";
+  return connectThrough((serverFolder() / "socket").generic_string(), database);
+}
+
+std::unique_ptr<Link> connectThrough(const std::string& server, std::string_view database) {
+  const std::string connection = "DRIVER={PostgreSQL Unicode};SERVER=" + server +
+                                 ";DATABASE=" + std::string(database) + ";UID=administrator;LFConversion=0";
   static Waiter waiter;
   return std::make_unique<Link>(api(), text::fromUtf8(connection), std::chrono::seconds(10), waiter);
 }

@@ -21,6 +21,8 @@ std::vector<int> signalServer(int signal);
 // The driver manager of this machine, and a connection to one of the server's databases as its administrator.
 const Api& api();
 std::unique_ptr<Link> connectTo(std::string_view database);
+// The same through what listens in another folder.
+std::unique_ptr<Link> connectThrough(const std::string& server, std::string_view database);
 
 // Runs one statement there as any other client does.
 void runOn(std::string_view database, const std::string& statement);

@@ -94,6 +94,12 @@ TEST_F(ServerStore, FoldsEveryCharacterAsTheProgramDoes) {
   EXPECT_EQ(link->query("select vordane.fold(cast(? as text))", {&blanks, 1}).at(0).at(0), Field(u"a b"));
 }
 
+// It stands in the index of every store that there is.
+TEST_F(ServerStore, HashesAsEver) {
+  EXPECT_EQ(ask("select encode(vordane.hash('15', 'MP   ', 'mj', 'Порт 4 '), 'hex')"),
+            std::vector<std::string>{"d883fbc24d7d60f8"});
+}
+
 TEST_F(ServerStore, TwoRowsMayBecomeAlike) {
   addFault(*database_, {1, u"01", u"MJ", u"MP", u"06/11/27", u"x"});
   addFault(*database_, {1, u"01", u"MJ", u"MP", u"2006/11/27", u"x"});

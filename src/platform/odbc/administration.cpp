@@ -44,6 +44,7 @@ class Making {
     if (!isThere) makeTables();
     say(isThere ? "the tables are there"
                 : "made the tables, their indexes and triggers in the schema vordane");
+    if (isThere) renewFunctions();
     if (isThere) makeReceipts();
     if (isThere) makeNotes();
     giveRights();
@@ -122,6 +123,9 @@ class Making {
   }
 
   // For a store of an earlier time.
+  void renewFunctions() {
+    for (const std::string& statement : postgres().functions()) link_.change(statement);
+  }
   void makeReceipts() {
     const auto statements = postgres().createReceipts();
     bool made = false;

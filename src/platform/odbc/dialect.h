@@ -37,7 +37,8 @@ class Dialect {
   virtual std::string isAtWork() const = 0;
   // Rows (table, column) of the store's tables, columns in their order.
   virtual std::string listColumns() const = 0;
-  // One row with one value, empty when this store can be written to by this user.
+  // One row with one value, empty when this user has the right to write to this store. Whether the server
+  // takes changes at all is not asked: a replica may become the first server at any time.
   virtual std::string whyReadOnly() const = 0;
 
   virtual std::string name(std::u16string_view table) const = 0;  // within the store
@@ -74,7 +75,9 @@ class Dialect {
   // one row whether there is one; its parameters are the owner, twice.
   virtual std::string holdOwner(const std::optional<Owners>& owners) const = 0;
   virtual std::string holdOwners() const = 0;
-  // What is kept of a subject, name and mark, or what is kept from now on; no row when somebody else keeps
+  // What is kept of a subject, name and mark, if anything is.
+  virtual std::string agreed() const = 0;
+  // The same, or what is kept from now on; no row when somebody else keeps
   // something at this moment. Parameters: subject, name, mark, subject, subject.
   virtual std::string agree() const = 0;
   // A query whose rows of the table that it names so are held until the transaction ends.
@@ -86,6 +89,9 @@ class Dialect {
   enum class Schema : bool { isMissing, isThere };
   virtual std::vector<std::string> create(const database::Description& description,
                                           Schema schema = Schema::isMissing) const = 0;
+  // What texts are folded and hashed by, which `create` makes too: for a store that was made with slower
+  // ones.
+  virtual std::vector<std::string> functions() const = 0;
   // One for each of the receipts' tables, which `create` makes too: for a store that was made without them.
   virtual std::vector<std::string> createReceipts() const = 0;
   // The table of the notes and what takes them away with their events; `create` makes them too.

@@ -29,7 +29,7 @@ constexpr State states[] = {
     {"54000", number::badValue},  // larger than the server takes
     {"HY001", number::outOfMemory},
     {"42501", number::noPermission},
-    {"25006", number::readOnly},  // a replica
+    {"25006", number::noPermission},  // a replica
     {"42P01", number::unknownTable},
     {"3F000", number::unknownTable},
     {"42703", number::unknownName},
@@ -47,6 +47,10 @@ int numberOf(std::string_view state) {
 
 bool meansLost(std::string_view state) {
   return state.starts_with("08") || state.starts_with("57P0") || state == "25P03" || state == "HYT01";
+}
+
+std::u16string_view sentenceOf(std::string_view state) {
+  return state == "25006" ? u"the server is a replica, which takes no changes" : u"";
 }
 
 }  // namespace vordane::odbc

@@ -118,8 +118,9 @@ class Examination {
             .at(0);
     const bool recent = std::stoi(utf8(row.at(1))) >= oldestServer;
     say(recent, "PostgreSQL " + utf8(row.at(0)) + (recent ? "" : ": it must be 15 or newer"));
-    say(true, "user " + utf8(row.at(3)) + " in the database " + utf8(row.at(4)) +
-                  (utf8(row.at(5)) == "true" ? ", on a replica that nobody can write to" : ""));
+    say(true, "user " + utf8(row.at(3)) + " in the database " + utf8(row.at(4)));
+    if (utf8(row.at(5)) == "true")
+      say(false, "the server is a replica: stations show faults and can store none until it is promoted");
     if (utf8(row.at(2)) != "UTF8")
       say(false, "the database keeps texts as " + utf8(row.at(2)) + ": make it with the encoding UTF8");
   }

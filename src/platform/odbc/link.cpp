@@ -227,7 +227,8 @@ void Link::raise(std::int16_t kind, Handle handle) {
   const bool connected = connection_->connected;
   if (connected && (code.empty() || meansLost(code) || connection_->isDead())) lost_ = true;
   const int number = connected ? numberOf(code) : number::connectionFailed;
-  database::fail(lost_ ? number::connectionFailed : number, firstSentence(said));
+  const std::u16string_view known = sentenceOf(code);
+  database::fail(lost_ ? number::connectionFailed : number, known.empty() ? firstSentence(said) : known);
 }
 
 void Link::check(Return result, std::int16_t kind, Handle handle) {

@@ -377,14 +377,15 @@ void Session::remove(const Plan& plan, const std::vector<jet::Literal>& values) 
   saveIfDue();
 }
 
-// Another station may keep its own between the look and the keeping: then there is something to be seen.
+// A replica keeps nothing, but shows what is kept. Another station may keep its own between the look and the
+// keeping: then there is something to be seen.
 database::Agreement Session::agree(std::u16string_view subject, const database::Agreement& own) {
   const Field about = std::u16string(subject), values[] = {about, own.name, own.mark, about, about};
   return guarded([&] {
     link();
     needTransaction();
-    auto kept = link_->query(dialect_.agree(), values);
-    if (kept.empty()) kept = link_->query(dialect_.agree(), values);
+    auto kept = link_->query(dialect_.agreed(), {&about, 1});
+    for (int times = 0; times < 2 && kept.empty(); ++times) kept = link_->query(dialect_.agree(), values);
     if (kept.empty()) database::fail(number::locked);
     return database::Agreement{kept[0].at(0).value_or(u""), kept[0].at(1).value_or(u"")};
   });

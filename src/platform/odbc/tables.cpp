@@ -321,8 +321,12 @@ void Plans::planManySame(Plan& plan, const std::array<std::size_t, 4>& texts) co
   constexpr int mostAlike = 1000;
   std::string one = "select i.\"Key\" as key" + joinedEvents(plan) +
                     " where i.\"Owner\" = r.o and i.\"Moment\" = r.m and i.\"Hash\" = r.h";
-  for (std::size_t i = 0; i < texts.size(); ++i)
-    one += " and " + dialect_.folded("f." + columnOf(plan, texts[i])) + " = " + dialect_.folded(names[i]);
+  // Mostly they are the same to the letter, which is quickly seen.
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    const std::string column = "f." + columnOf(plan, texts[i]), name(names[i]);
+    one += " and (" + column + " = " + name + " or " + dialect_.folded(column) + " = " +
+           dialect_.folded(name) + ")";
+  }
   plan.many = "with asked as materialized (select place, o, " + dialect_.folded("r.m") + " as m, " +
               dialect_.hash({"r.a", "r.b", "r.c", "r.d"}) + " as h, a, b, c, d from " +
               dialect_.rowsOfArrays({ColumnType::integer, ColumnType::text, ColumnType::text,
