@@ -36,13 +36,17 @@ BenchFile::~BenchFile() {
   for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(path_.string() + suffix, ignored);
 }
 
+std::u16string dateOf(std::size_t fault) {
+  const std::size_t minute = fault / 4;
+  return u"2026/" + two(1 + minute / 40320 % 12) + u"/" + two(1 + minute / 1440 % 28) + u" " +
+         two(minute / 60 % 24) + u":" + two(minute % 60);
+}
+
 Answer answerOf(std::size_t list, std::size_t length) {
   faults::RandomRecords random(static_cast<unsigned>(list) + 1);
   Answer answer;
   for (std::size_t i = 0; i < length; ++i) {
-    const std::size_t minute = (list * length + i) / 4;
-    const std::u16string date = u"2026/" + two(1 + minute / 40320 % 12) + u"/" + two(1 + minute / 1440 % 28) +
-                                u" " + two(minute / 60 % 24) + u":" + two(minute % 60);
+    const std::u16string date = dateOf(list * length + i);
     const faults::RandomRecord fault = random.next();
     for (const auto& entry :
          {kindAt(i) + (i % 3 == 0 ? u" MJ LP 0C" : u" MN MP "), date, fault.first, fault.second})

@@ -39,6 +39,9 @@ using Answer = std::vector<std::u16string>;  // four entries for each fault
 // Faults of every kind, four in a minute, oldest first; each list goes on where the one before it ended.
 Answer answerOf(std::size_t list, std::size_t length);
 
+// When an exchange reports fault `fault` of all that it ever sends.
+std::u16string dateOf(std::size_t fault);
+
 // The columns of one list's rows.
 std::vector<Fault> rowsOf(fakes::MemoryStoreForm& form, const Answer& answer);
 
