@@ -110,6 +110,8 @@ class Postgres final : public Dialect {
            (readOnly ? "on" : "off") +
            "', false), pg_catalog.set_config('default_transaction_isolation', 'read committed', false), "
            "pg_catalog.set_config('client_min_messages', 'error', false), "
+           // Compiling a question about a whole list takes longer than answering it.
+           "pg_catalog.set_config('jit', 'off', false), "
            // A station that has gone without a word keeps its locks no longer than this.
            "pg_catalog.set_config('tcp_keepalives_idle', '10', false), "
            "pg_catalog.set_config('tcp_keepalives_interval', '5', false), "
