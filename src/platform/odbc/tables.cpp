@@ -324,8 +324,8 @@ void Plans::planManySame(Plan& plan, const std::array<std::size_t, 4>& texts) co
   // Mostly they are the same to the letter, which is quickly seen.
   for (std::size_t i = 0; i < texts.size(); ++i) {
     const std::string column = "f." + columnOf(plan, texts[i]), name(names[i]);
-    one += " and (" + column + " = " + name + " or " + dialect_.folded(column) + " = " +
-           dialect_.folded(name) + ")";
+    one.append(" and (").append(column).append(" = ").append(name).append(" or ");
+    one.append(dialect_.folded(column)).append(" = ").append(dialect_.folded(name)).append(")");
   }
   plan.many = "with asked as materialized (select place, o, " + dialect_.folded("r.m") + " as m, " +
               dialect_.hash({"r.a", "r.b", "r.c", "r.d"}) + " as h, a, b, c, d from " +
