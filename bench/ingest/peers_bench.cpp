@@ -26,14 +26,16 @@ constexpr const char* uniqueTable =
     "CREATE TABLE faults(ID INTEGER, Fault TEXT, Alarm TEXT, CPU TEXT, Date TEXT, Description TEXT, "
     "UNIQUE (ID, Fault, CPU, Alarm, Date, Description));\n";
 
-// What garbage an exchange sends may hold one, and neither peer takes it.
-std::string withoutZeros(std::string text) {
+// What garbage an exchange sends may hold a zero, which neither peer takes, and a line of "\." alone, at
+// which one of them stops reading.
+std::string takenByAll(std::string text) {
   std::replace(text.begin(), text.end(), '\0', ' ');
+  std::replace(text.begin(), text.end(), '\\', '/');
   return text;
 }
 
 std::string oneLine(const std::u16string& text) {
-  std::string line = withoutZeros(text::toUtf8(text));
+  std::string line = takenByAll(text::toUtf8(text));
   std::replace_if(
       line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
   return line;
@@ -64,7 +66,7 @@ class Peers {
       for (const Fault& row : rowsOf(form_, answers_.back())) {
         rows << row.id;
         for (const std::u16string& text : {row.fault, row.alarm, row.cpu, row.date, row.description})
-          rows << ',' << text::csvQuoted(withoutZeros(text::toUtf8(text)));
+          rows << ',' << text::csvQuoted(takenByAll(text::toUtf8(text)));
         rows << '\n';
         lines << oneLine(row.date + u" " + row.alarm + u" " + row.fault + u" " + row.cpu + u" " +
                          row.description)
@@ -106,7 +108,7 @@ class Peers {
       viewer.add(processorSeconds([&] { lookThrough(*file.open()); }), lookThroughByViewer());
       if (serverFolder != nullptr)
         server.add(clock, seconds([&] {
-                     run("psql -q -h " + std::string(serverFolder) +
+                     run("psql -q -v ON_ERROR_STOP=1 -h " + std::string(serverFolder) +
                          "/socket -U administrator -d postgres -f " + (folder_ / "server").string() +
                          " >/dev/null");
                    }));
