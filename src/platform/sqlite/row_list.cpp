@@ -206,7 +206,7 @@ class EmbeddedRowList final : public database::RowList {
       for (std::size_t i = 0; !found && i < yesNo_.size(); ++i) {
         const int column = static_cast<int>(i);
         if (row_.isText(column)) {
-          found = needle.isIn(*row_.textIfAny(column, copy_));
+          found = needle.isIn(row_.view(column, copy_));
         } else if (!row_.isNull(column) && (needle.mayBeInteger() || yesNo_[i] || !row_.isInteger(column))) {
           found = needle.isIn(automation::toText(row_.value(column, yesNo_[i])));
         }

@@ -126,7 +126,10 @@ bool Statement::isInteger(int column) const {
 }
 
 std::optional<std::u16string_view> Statement::textIfAny(int column, std::u16string& copy) const {
-  if (isNull(column)) return std::nullopt;
+  return isNull(column) ? std::nullopt : std::optional(view(column, copy));
+}
+
+std::u16string_view Statement::view(int column, std::u16string& copy) const {
   const void* const characters = sqlite3_column_text16(handle_.get(), column);
   return unitsOf(characters, sqlite3_column_bytes16(handle_.get(), column), copy);
 }

@@ -48,7 +48,9 @@ class Statement {
   bool isNull(int column) const;
   bool isText(int column) const;
   bool isInteger(int column) const;
-  // Nothing for Null. Until the next step, or until `copy` changes, which is used where it has to be.
+  // A text as it lies there: until the next step, or until `copy` changes, which is used where it has to be.
+  std::u16string_view view(int column, std::u16string& copy) const;
+  // The same; nothing for Null.
   std::optional<std::u16string_view> textIfAny(int column, std::u16string& copy) const;
   Value value(int column, bool yesNo) const;
   // The same for a row that is shown: of a very long text only its beginning is taken, with the mark.
