@@ -44,6 +44,13 @@ inline double median(std::vector<double> values) {
   return values[values.size() / 2];
 }
 
+// A number as the names of lines have it: "8,000".
+inline std::string thousands(std::size_t number) {
+  std::string text = std::to_string(number);
+  for (std::size_t i = text.size(); i > 3; i -= 3) text.insert(i - 3, ",");
+  return text;
+}
+
 // What a ratio is held to: a share of the baseline's rate, or a multiple of its time.
 struct Goal {
   enum class Kind { rateAtLeast, timeAtMost, none } kind;

@@ -28,12 +28,6 @@ std::u16string connectionOf(const std::filesystem::path& source) {
   return odbc::DataSource::read(source.u16string()).connection(64, odbc::postgres().driverSettings());
 }
 
-std::string thousands(std::size_t number) {
-  std::string text = std::to_string(number);
-  for (std::size_t i = text.size(); i > 3; i -= 3) text.insert(i - 3, ",");
-  return text;
-}
-
 // Each column of a list's rows as one array.
 std::vector<std::u16string> arraysOf(const std::vector<Fault>& rows) {
   std::vector<std::u16string> arrays(6);

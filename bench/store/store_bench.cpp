@@ -47,12 +47,6 @@ class Folder {
   std::filesystem::path path_;
 };
 
-std::string thousands(std::size_t number) {
-  std::string text = std::to_string(number);
-  for (std::size_t i = text.size(); i > 3; i -= 3) text.insert(i - 3, ",");
-  return text;
-}
-
 void oneMore(const Folder& folder) {
   constexpr std::size_t times = 50;
   const std::size_t stored = 1000000 / scale;

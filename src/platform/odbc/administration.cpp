@@ -182,9 +182,7 @@ class Making {
 
   Fields kept(std::u16string_view subject) {
     const Field about = std::u16string(subject);
-    const auto rows = link_.query("select \"Name\", \"Mark\" from " + postgres().name(agreements) +
-                                      " where \"Subject\" = cast(? as text)",
-                                  {&about, 1});
+    const auto rows = link_.query(postgres().agreed(), {&about, 1});
     return rows.empty() ? Fields{} : rows[0];
   }
 

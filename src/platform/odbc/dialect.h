@@ -75,10 +75,10 @@ class Dialect {
   // one row whether there is one; its parameters are the owner, twice.
   virtual std::string holdOwner(const std::optional<Owners>& owners) const = 0;
   virtual std::string holdOwners() const = 0;
-  // What is kept of a subject, name and mark, if anything is.
+  // What is kept of a subject, name and mark, if anything is. Parameter: subject.
   virtual std::string agreed() const = 0;
-  // The same, or what is kept from now on; no row when somebody else keeps
-  // something at this moment. Parameters: subject, name, mark, subject, subject.
+  // The same, or what is kept from now on; no row when somebody else keeps something at this moment.
+  // Parameters: subject, name, mark, subject, subject.
   virtual std::string agree() const = 0;
   // A query whose rows of the table that it names so are held until the transaction ends.
   virtual std::string holdRow(const std::string& query, std::string_view row) const = 0;

@@ -122,7 +122,6 @@ void appendField(std::optional<std::u16string_view> text, std::string& key) {
   appendSortKey(*text, key);
 }
 
-// Looks for the first character in four places at once, and at the rest only where it stands.
 FoldedNeedle::FoldedNeedle(std::u16string_view needle)
     : needle_(needle),
       first_{needle.front(), text::upper(needle.front())},
