@@ -63,7 +63,7 @@ bool FloodDigest::work(const std::function<bool()>& again) {
   if (!busy() || rows == nullptr) return false;
   try {
     do {
-      piece(*rows);
+      piece(*rows, again);
     } while (busy() && again());
   } catch (const database::DatabaseError&) {
     end({});
@@ -71,10 +71,13 @@ bool FloodDigest::work(const std::function<bool()>& again) {
   return step_ == Step::done;
 }
 
-void FloodDigest::piece(database::RowList& rows) {
+void FloodDigest::piece(database::RowList& rows, const std::function<bool()>& again) {
   if (step_ == Step::times) return lookAtTimes(rows);
   if (step_ == Step::faults) return lookAtFaults(rows);
-  if (named_ < groups_.size() && !name(groups_[named_++], rows)) return end({});
+  const auto together = rows.readTogether();
+  do {
+    if (named_ < groups_.size() && !name(groups_[named_++], rows)) return end({});
+  } while (named_ < groups_.size() && again());
   if (named_ == groups_.size()) end(told());
 }
 

@@ -40,7 +40,7 @@ class FloodDigest {
     std::u16string fault, processor, title;
   };
   class Tally;
-  void piece(database::RowList& rows);
+  void piece(database::RowList& rows, const std::function<bool()>& again);
   void lookAtTimes(database::RowList& rows);
   void lookAtFaults(database::RowList& rows);
   bool name(Group& group, database::RowList& rows);

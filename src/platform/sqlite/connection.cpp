@@ -26,11 +26,7 @@ Connection::Connection(Handle handle, bool readOnly, const Options& options,
       longestUnsaved_(options.longestUnsavedMilliseconds) {
   const auto waiting = [](void* self, int tries) { return int{static_cast<Connection*>(self)->wait(tries)}; };
   sqlite3_busy_handler(handle_.get(), waiting, this);
-  Statement encoding(*this, "PRAGMA encoding");
-  utf8_ = encoding.step() && encoding.text(0) == u"UTF-8";
-  encoding.reset();
-  tables_ = std::make_unique<FileTables>(*this, descriptions_);
-  events_ = std::make_unique<EventIndex>(*this);
+  readDeclarations();
   savepoint_ = Statement(*this, "SAVEPOINT step");
   release_ = Statement(*this, "RELEASE step");
   rollbackTo_ = Statement(*this, "ROLLBACK TO step");
@@ -41,6 +37,15 @@ Connection::Connection(Handle handle, bool readOnly, const Options& options,
         return static_cast<const Connection*>(self)->authorize(action, first, second);
       },
       this);
+}
+
+void Connection::readDeclarations() {
+  const ReadScope reading(*this);
+  Statement encoding(*this, "PRAGMA encoding");
+  utf8_ = encoding.step() && encoding.text(0) == u"UTF-8";
+  encoding.reset();
+  tables_ = std::make_unique<FileTables>(*this, descriptions_);
+  events_ = std::make_unique<EventIndex>(*this);
 }
 
 // A second wall behind the list of statement shapes: nothing but reading and changing rows, whatever a

@@ -140,6 +140,7 @@ class Connection {
  private:
   friend class WriteScope;
   friend class ReadScope;
+  void readDeclarations();
   void endReading() noexcept;
   void undoStep() noexcept;
   int authorize(int action, const char* first, const char* second) const noexcept;

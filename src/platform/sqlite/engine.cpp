@@ -90,12 +90,34 @@ bool returnsRow(sqlite3* handle, const char* sql) {
   return row;
 }
 
-void prepare(sqlite3* handle) {
+// What is asked of a file while it is opened, in one reading: each question by itself would take the file's
+// locks anew.
+class OneReading {
+ public:
+  explicit OneReading(sqlite3* handle) : handle_(handle) { execute(handle, "BEGIN"); }
+  ~OneReading() { sqlite3_exec(handle_, "ROLLBACK", nullptr, nullptr, nullptr); }
+  OneReading(const OneReading&) = delete;
+  OneReading& operator=(const OneReading&) = delete;
+
+ private:
+  sqlite3* handle_;
+};
+
+void secure(sqlite3* handle) {
   guard(handle);
   limitValues(handle);
+}
+
+void prepare(sqlite3* handle) {
   execute(handle, wholeCache);
   execute(handle, "PRAGMA cell_size_check = ON");
   returnsRow(handle, "SELECT 1 FROM sqlite_schema LIMIT 1");
+}
+
+void prepareToRead(sqlite3* handle) {
+  secure(handle);
+  const OneReading reading(handle);
+  prepare(handle);
 }
 
 void requireEmbeddedFile(std::u16string_view path) {
@@ -228,7 +250,6 @@ class EmbeddedEngine final : public database::Engine {
   }
 
   std::unique_ptr<database::Database> open(std::u16string_view path, bool readOnly) override {
-    requireEmbeddedFile(path);
     if (!readOnly) return openToWrite(path);
     return std::make_unique<EmbeddedDatabase>(opened(openToRead(path, options_), true));
   }
@@ -239,18 +260,26 @@ class EmbeddedEngine final : public database::Engine {
   }
 
   std::unique_ptr<database::Database> openToWrite(std::u16string_view path) {
+    requireEmbeddedFile(path);
     refuseSharedJournal(path);
     Handle handle = openFile(text::toUtf8(path), SQLITE_OPEN_READWRITE, options_);
     limitColumns(handle.get());
     if (sqlite3_db_readonly(handle.get(), "main") != 0) fail(number::noPermission, path);
     sqlite3_busy_timeout(handle.get(), options_.lockWaitMilliseconds);
-    prepare(handle.get());
-    refuseExpressions(handle.get());
+    secure(handle.get());
     // Commits reach the disk before they are reported.
     sqlite::execute(handle.get(), "PRAGMA synchronous = FULL");
     const bool network = isOnNetwork(path);
-    if (holdsEvents(handle.get())) chooseJournal(handle.get(), network);
+    if (readToWrite(handle.get())) chooseJournal(handle.get(), network);
     return std::make_unique<EmbeddedDatabase>(opened(std::move(handle), false), network);
+  }
+
+  // Whether it holds events.
+  bool readToWrite(sqlite3* handle) const {
+    const OneReading reading(handle);
+    prepare(handle);
+    refuseExpressions(handle);
+    return holdsEvents(handle);
   }
 
   bool isOnNetwork(std::u16string_view path) const {
@@ -294,7 +323,7 @@ Handle openToRead(std::u16string_view path, const Options& options) {
   Handle handle = openFile(file, SQLITE_OPEN_READONLY, options);
   sqlite3_busy_timeout(handle.get(), options.lockWaitMilliseconds);
   try {
-    prepare(handle.get());
+    prepareToRead(handle.get());
   } catch (const database::DatabaseError& error) {
     // A log that was tidied away needs nothing beside the file; where its folder can't be written to,
     // the file is read as it stands.
@@ -303,7 +332,7 @@ Handle openToRead(std::u16string_view path, const Options& options) {
         std::filesystem::exists(std::filesystem::path(std::u16string(path) + u"-wal"), failure);
     if (logged || (error.number() != number::noPermission && error.number() != number::readOnly)) throw;
     handle = openFile(immutableAddress(file), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, options);
-    prepare(handle.get());
+    prepareToRead(handle.get());
   }
   return handle;
 }

@@ -254,6 +254,7 @@ LRESULT Grid::rowsHeard(UINT message, WPARAM wide, LPARAM low) {
   if (focus && selection_.size() > 1) InvalidateRect(window_, nullptr, FALSE);
   if (message != WM_PAINT) return watch_.pass(message, wide, low);
   painting_ = lookAtPlaces();
+  const auto together = rows_.readTogether();
   const LRESULT answer = watch_.pass(message, wide, low);
   painting_.reset();
   if (std::exchange(paintedTop_, top()) != top()) events_.scrolled();

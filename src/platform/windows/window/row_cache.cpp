@@ -11,6 +11,11 @@ void RowCache::forget() {
   for (Place& place : cache_) place = Place{};
 }
 
+std::unique_ptr<database::RowList::Together> RowCache::readTogether() {
+  database::RowList* const list = source_ != nullptr ? source_->list() : nullptr;
+  return list != nullptr ? list->readTogether() : nullptr;
+}
+
 const ShownRow* RowCache::row(std::size_t position) {
   if (position >= size()) return nullptr;
   Place& place = cache_[position % places];

@@ -3,8 +3,10 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <vector>
 
+#include "platform/database.h"
 #include "platform/windows/window/description.h"
 
 namespace vordane::window::win32 {
@@ -21,6 +23,10 @@ class RowCache {
   void setSource(GridSource* source);  // not owned; forgets all rows
   GridSource* source() const { return source_; }
   std::size_t size() const { return source_ != nullptr ? source_->size() : 0; }
+
+  // While it lives, rows that are fetched come in one reading of the file; null where that makes no
+  // difference.
+  std::unique_ptr<database::RowList::Together> readTogether();
 
   // Null when the row has gone. Good until the next call.
   const ShownRow* row(std::size_t position);
