@@ -1,6 +1,6 @@
-// What crosses a process, against bare COM in the same run, and how soon the window stands there:
+// What crosses a process, against bare COM in the same run:
 //
-//   automation_bench call | record ENTRIES | start PROGRAM EXCHANGE EMPTY-PROGRAM
+//   automation_bench call | record ENTRIES
 //
 // The add-in must be registered and its suite installed.
 #include <windows.h>
@@ -13,6 +13,7 @@
 #include <string>
 
 #include "bench/common/measure.h"
+#include "bench/windows/started.h"
 #include "bench/windows/trivial_server.h"
 #include "pbx/answer_reading.h"
 #include "platform/windows/com/apartment.h"
@@ -52,30 +53,6 @@ void bareGet(IDispatch* object, DISPID id, VARIANT* argument = nullptr) {
                        nullptr),
         "Invoke");
 }
-
-// A process started for the time of a measurement.
-class Started {
- public:
-  explicit Started(std::wstring commandLine) {
-    STARTUPINFOW start{};
-    start.cb = sizeof start;
-    PROCESS_INFORMATION made{};
-    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
-                        &made))
-      throw std::runtime_error("CreateProcess");
-    CloseHandle(made.hThread);
-    process_ = com::Handle(made.hProcess);
-  }
-  ~Started() {
-    if (WaitForSingleObject(process_.get(), 0) == WAIT_TIMEOUT) TerminateProcess(process_.get(), 1);
-  }
-  Started(const Started&) = delete;
-  Started& operator=(const Started&) = delete;
-  void waitForEnd() const { WaitForSingleObject(process_.get(), 20000); }
-
- private:
-  com::Handle process_;
-};
 
 std::wstring besideThisProgram(const wchar_t* name) {
   wchar_t path[MAX_PATH];
@@ -148,48 +125,14 @@ void measureRecord(int entries) {
   comparison.print(entries);
 }
 
-// From the start of the process until its window stands on the screen.
-double timeToWindow(const std::wstring& commandLine, const wchar_t* windowClass) {
-  HWND window = nullptr;
-  double time = 0;
-  const auto begin = std::chrono::steady_clock::now();
-  const Started program(commandLine);
-  while (time < 60 && (window == nullptr || !IsWindowVisible(window))) {
-    window = FindWindowW(windowClass, nullptr);
-    time = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-    Sleep(1);
-  }
-  if (window == nullptr) throw std::runtime_error("no window appeared");
-  PostMessageW(window, WM_CLOSE, 0, 0);
-  program.waitForEnd();
-  return time;
-}
-
-void measureStart(const std::wstring& program, const std::wstring& exchange, const std::wstring& empty) {
-  Comparison comparison("process start to window shown", "an empty program with a list view",
-                        timeAtMost(1.5));
-  const auto ours = [&] { return timeToWindow(L'"' + program + L"\" " + exchange, L"VordaneWindow"); };
-  const auto bare = [&] { return timeToWindow(L'"' + empty + L'"', L"VordaneBenchEmpty"); };
-  ours();
-  bare();
-  for (int run = 0; run < runs; ++run) {
-    const double mine = ours();
-    comparison.add(mine, bare());
-  }
-  comparison.print();
-}
-
 int run(int count, wchar_t** words) {
   const std::wstring what = count > 1 ? words[1] : L"";
   if (what == L"call") {
     measureCall();
   } else if (what == L"record" && count == 3) {
     measureRecord(_wtoi(words[2]));
-  } else if (what == L"start" && count == 5) {
-    measureStart(words[2], words[3], words[4]);
   } else {
-    std::fputs("usage: automation_bench call | record ENTRIES | start PROGRAM EXCHANGE EMPTY-PROGRAM\n",
-               stderr);
+    std::fputs("usage: automation_bench call | record ENTRIES\n", stderr);
     return 2;
   }
   return 0;

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Run by tests/windows/run.sh in a Wine prefix of its own, with the suite installed: what only Windows programs
-# show, the decoder, and a tenth of what is stored. Expects VORDANE_BUILD, and in BENCH_FAULTS a FAULT.MDB with an
-# exchange PBX-1.
-#   measure.sh ENTRIES EXCHANGES
+# show, the decoder, and a tenth of what is stored. Expects VORDANE_BUILD, and in BENCH_FAULTS and
+# BENCH_FEW a FAULT.MDB each with an exchange PBX-1, of STORED and of 1,000 faults.
+#   measure.sh ENTRIES EXCHANGES STORED
 set -euo pipefail
 . "$(dirname "$0")/suite.sh"
 
@@ -24,7 +24,11 @@ measure automation_bench.exe call
 limit=3600 measure automation_bench.exe record "$1"
 # The exchange server runs already, as it does on a workstation.
 wine 'C:\SIM\Zulsim.exe' >/dev/null 2>&1 &
-measure automation_bench.exe start 'C:\QUILMAR32\30000\ADDINS\VORDANE.EXE' PBX-1 empty_window.exe
+cp "$BENCH_FEW" "$addins/DATABASE/FEW.MDB"
+mv "$addins/DATABASE/FAULT.MDB" "$addins/DATABASE/MANY.MDB"
+suite='C:\QUILMAR32\30000\ADDINS'
+measure start_bench.exe "$suite\VORDANE.EXE" PBX-1 "$suite\DATABASE\FAULT.MDB" "$suite\DATABASE\FEW.MDB" \
+  "$suite\DATABASE\MANY.MDB" "$3" empty_window.exe
 measure bench_decode.exe
 measure ingest_bench.exe --quick
 measure store_bench.exe --quick
