@@ -26,6 +26,20 @@ TEST(RegistrySettings, ReadsWhatTheSuiteWrote) {
   EXPECT_EQ(RegistrySettings().read(u"vordanetest", u"30000", u"installpath"), u"C:\\Q\\");
 }
 
+TEST(RegistrySettings, ReadsATextOfAnyLength) {
+  for (const std::size_t length : {1U, 258U, 259U, 260U, 261U, 519U, 520U, 20000U}) {
+    const std::wstring text(length, L'q');
+    for (const bool closed : {true, false}) {
+      writeValue(L"Long", REG_SZ, text.c_str(),
+                 static_cast<DWORD>((length + (closed ? 1 : 0)) * sizeof(wchar_t)));
+      EXPECT_EQ(RegistrySettings().read(u"VORDANETEST", u"30000", u"Long"), std::u16string(length, u'q'))
+          << length << closed;
+    }
+  }
+  writeValue(L"Long", REG_BINARY, std::wstring(2000, L'q').c_str(), 4000);
+  EXPECT_EQ(RegistrySettings().read(u"VORDANETEST", u"30000", u"Long"), std::nullopt);
+}
+
 TEST(RegistrySettings, TheWorkstationsAreOthers) {
   com::RegistryKey key;
   if (RegCreateKeyExW(HKEY_LOCAL_MACHINE, section, 0, nullptr, 0, KEY_WRITE | KEY_WOW64_64KEY, nullptr,

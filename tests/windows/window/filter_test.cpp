@@ -54,6 +54,7 @@ class FilterTest : public ViewTest {
 
 TEST_F(FilterTest, TheBarIsHiddenUntilItIsAskedFor) {
   for (int id = idFilterTextLabel; id <= idShowAll; ++id) EXPECT_FALSE(visible(id)) << id;
+  EXPECT_EQ(item(idFilterText), nullptr) << "most starts need none of it";
   open();
   EXPECT_TRUE(visible(idFilterText));
   EXPECT_EQ(GetFocus(), item(idFilterText));

@@ -42,6 +42,74 @@ class NoteTest : public ViewTest {
   MemoryRows stored;
 };
 
+TEST_F(NoteTest, WhatComesLaterStandsWhereItBelongsAndLooksLikeTheRest) {
+  const std::vector<int> tabOrder = {idClose,
+                                     idLookUpLabel,
+                                     idLookUpText,
+                                     idLookUpNext,
+                                     idLookUpClose,
+                                     idLookUpMessage,  //
+                                     idFilterTextLabel,
+                                     idFilterText,
+                                     idFilterMajor,
+                                     idFilterMinor,
+                                     idFilterNoted,
+                                     idFilterKinds,
+                                     idFilterProcessorLabel,
+                                     idFilterProcessor,
+                                     idFilterSinceLabel,
+                                     idFilterSince,
+                                     idFilterUntilLabel,
+                                     idFilterUntil,
+                                     idFilterClear,
+                                     idFilterClose,
+                                     idFilterOtherDates,
+                                     idFilterMessage,
+                                     idKindList,  //
+                                     idFlood,
+                                     idNewer,
+                                     idNotice,
+                                     idGrid,
+                                     idPane,
+                                     idNoteLabel,
+                                     idNoteText,
+                                     idNoteMessage,
+                                     idStatus};
+  const auto children = [&] {
+    std::vector<int> ids;
+    for (HWND child = GetWindow(view->window(), GW_CHILD); child != nullptr;
+         child = GetWindow(child, GW_HWNDNEXT))
+      if (const int id = GetDlgCtrlID(child);
+          std::find(tabOrder.begin(), tabOrder.end(), id) != tabOrder.end())
+        ids.push_back(id);
+    return ids;
+  };
+  const auto fontOf = [&](int id) { return SendMessageW(item(id), WM_GETFONT, 0, 0); };
+  for (const auto& [first, second] : {std::pair(idFilter, idLookUp), std::pair(idLookUp, idFilter)}) {
+    view->attach(form, events);
+    view->setRows(&stored);
+    pump();
+    EXPECT_EQ(item(idLookUpText), nullptr);
+    EXPECT_EQ(item(idFilterText), nullptr);
+    EXPECT_EQ(item(idNoteText), nullptr);
+    press(first);
+    select(1);
+    press(second);
+    EXPECT_EQ(children(), tabOrder);
+    for (const int id : {idLookUpText, idFilterText, idKindList, idNoteText})
+      EXPECT_EQ(fontOf(id), fontOf(idNotice)) << id;
+  }
+}
+
+TEST_F(NoteTest, ANoteShownFirstWhileNothingIsTakenTakesNothingEither) {
+  view->setInputEnabled(false);
+  select(1);
+  EXPECT_TRUE(visible(idNoteText));
+  EXPECT_FALSE(IsWindowEnabled(item(idNoteText)));
+  view->setInputEnabled(true);
+  EXPECT_TRUE(IsWindowEnabled(item(idNoteText)));
+}
+
 TEST_F(NoteTest, WithoutANoteThereIsNothingOfIt) {
   for (const int id : {idNoteLabel, idNoteText, idNoteMessage}) EXPECT_FALSE(visible(id)) << id;
   const int whole = paneTall();

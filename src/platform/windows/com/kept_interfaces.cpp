@@ -11,6 +11,7 @@
 
 #include "platform/windows/com/counted.h"
 #include "platform/windows/com/owned.h"
+#include "platform/windows/com/system_function.h"
 
 namespace vordane::com {
 namespace {
@@ -44,9 +45,8 @@ void makeStubs() {
 
 // The compiler's 32-bit import library lacks this, and Windows before 8 does.
 bool keepThreadsApartment() {
-  using Increment = HRESULT WINAPI(CO_MTA_USAGE_COOKIE*);
-  const FARPROC found = GetProcAddress(GetModuleHandleW(L"ole32.dll"), "CoIncrementMTAUsage");
-  const auto increment = reinterpret_cast<Increment*>(reinterpret_cast<void*>(found));
+  using Increment = HRESULT(WINAPI*)(CO_MTA_USAGE_COOKIE*);
+  const auto increment = systemFunction<Increment>(L"ole32.dll", "CoIncrementMTAUsage");
   CO_MTA_USAGE_COOKIE cookie = nullptr;
   return increment != nullptr && SUCCEEDED(increment(&cookie));
 }

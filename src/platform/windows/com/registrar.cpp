@@ -7,6 +7,7 @@
 #include "platform/windows/com/event_source.h"
 #include "platform/windows/com/owned.h"
 #include "platform/windows/com/permissions.h"
+#include "platform/windows/com/system_function.h"
 
 namespace vordane::com {
 namespace {
@@ -99,11 +100,9 @@ int removeAll(HKEY root, const Server& server, Condition condition = isOurs) {
 
 // Lets the type library be found per user by this process; Windows since Vista, not everywhere.
 void enablePerUserLibraries() {
-  const HMODULE automation = GetModuleHandleW(L"oleaut32.dll");
-  if (automation == nullptr) return;
   using Enable = void(WINAPI*)();
-  const FARPROC found = GetProcAddress(automation, "OaEnablePerUserTLibRegistration");
-  if (found != nullptr) reinterpret_cast<Enable>(reinterpret_cast<void*>(found))();
+  const auto enable = systemFunction<Enable>(L"oleaut32.dll", "OaEnablePerUserTLibRegistration");
+  if (enable != nullptr) enable();
 }
 
 // --- registrations of users, which go before the machine's

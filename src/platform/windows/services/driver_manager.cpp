@@ -2,14 +2,13 @@
 #include <windows.h>
 
 #include "platform/odbc/library.h"
+#include "platform/windows/com/system_function.h"
 
 namespace vordane::odbc {
 
 Lookup systemLibrary() {
   return [](const char* name) -> void* {
-    // Never freed: drivers leave threads behind.
-    static const HMODULE library = LoadLibraryExW(L"odbc32.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-    return library == nullptr ? nullptr : reinterpret_cast<void*>(GetProcAddress(library, name));
+    return com::systemFunction<void*>(L"odbc32.dll", name);  // never freed: drivers leave threads behind
   };
 }
 

@@ -1,13 +1,12 @@
 #include <windows.h>
 
-#include <shellapi.h>
-
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "platform/command_line.h"
 #include "platform/windows/com/owned.h"
+#include "platform/windows/com/system_function.h"
 #include "platform/windows/services/services.h"
 #include "text/utf8.h"
 
@@ -102,8 +101,10 @@ platform::Program thisProgram() {
 }
 
 std::vector<std::string> programWords() {
+  using Split = LPWSTR*(WINAPI*)(LPCWSTR, int*);
+  const auto split = com::systemFunction<Split>(L"shell32.dll", "CommandLineToArgvW");
   int count = 0;
-  LPWSTR* const values = CommandLineToArgvW(GetCommandLineW(), &count);
+  LPWSTR* const values = split != nullptr ? split(GetCommandLineW(), &count) : nullptr;
   std::vector<std::string> words;
   for (int i = 1; values != nullptr && i < count; ++i)
     words.push_back(text::toUtf8(com::fromWide(values[i])));
@@ -127,9 +128,11 @@ bool SystemDocuments::open(std::u16string_view path) {
 }
 
 bool SystemDocuments::openWithDesktop(const std::wstring& path) {
+  using Execute = HINSTANCE(WINAPI*)(HWND, LPCWSTR, LPCWSTR, LPCWSTR, LPCWSTR, INT);
+  static const auto execute = com::systemFunction<Execute>(L"shell32.dll", "ShellExecuteW");
   constexpr INT_PTR firstSuccess = 33;  // up to 32 the answer is an error code
-  return reinterpret_cast<INT_PTR>(
-             ShellExecuteW(nullptr, L"open", path.c_str(), nullptr, nullptr, SW_SHOWNORMAL)) >= firstSuccess;
+  return execute != nullptr && reinterpret_cast<INT_PTR>(execute(nullptr, L"open", path.c_str(), nullptr,
+                                                                 nullptr, SW_SHOWNORMAL)) >= firstSuccess;
 }
 
 }  // namespace vordane::windows

@@ -10,6 +10,8 @@ std::wstring keyOf(std::u16string_view application, std::u16string_view section)
   return L"Software\\VB and VBA Program Settings\\" + com::toWide(application) + L"\\" + com::toWide(section);
 }
 
+constexpr std::size_t mostTexts = 260;  // paths and shorter; longer ones take a second question
+
 // The value's text without the closing zero that most writers, not all, store with it.
 std::u16string textOf(const std::wstring& buffer, DWORD bytes) {
   std::u16string text(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(bytes / sizeof(wchar_t)));
@@ -26,18 +28,19 @@ std::optional<std::u16string> RegistrySettings::read(std::u16string_view applica
                     opened.put()) != ERROR_SUCCESS)
     return {};
   const std::wstring name = com::toWide(key);
-  DWORD type = 0;
-  DWORD bytes = 0;
-  if (RegQueryValueExW(opened.get(), name.c_str(), nullptr, &type, nullptr, &bytes) != ERROR_SUCCESS ||
-      type != REG_SZ)
-    return {};
-  std::wstring buffer(bytes / sizeof(wchar_t) + 1, L'\0');
-  bytes = static_cast<DWORD>(buffer.size() * sizeof(wchar_t));
-  if (RegQueryValueExW(opened.get(), name.c_str(), nullptr, &type, reinterpret_cast<BYTE*>(buffer.data()),
-                       &bytes) != ERROR_SUCCESS ||
-      type != REG_SZ)
-    return {};
-  return textOf(buffer, bytes);
+  std::wstring buffer(mostTexts, L'\0');
+  for (;;) {
+    DWORD type = 0;
+    DWORD bytes = static_cast<DWORD>(buffer.size() * sizeof(wchar_t));
+    const LSTATUS result = RegQueryValueExW(opened.get(), name.c_str(), nullptr, &type,
+                                            reinterpret_cast<BYTE*>(buffer.data()), &bytes);
+    if (result == ERROR_MORE_DATA && bytes / sizeof(wchar_t) >= buffer.size()) {
+      buffer.resize(bytes / sizeof(wchar_t) + 1);
+      continue;
+    }
+    if (result != ERROR_SUCCESS || type != REG_SZ) return {};
+    return textOf(buffer, bytes);
+  }
 }
 
 void RegistrySettings::write(std::u16string_view application, std::u16string_view section,

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "platform/windows/com/counted.h"
+#include "platform/windows/com/system_function.h"
 #include "platform/windows/window/geometry.h"
 #include "platform/windows/window/guard.h"
 #include "platform/windows/window/handles.h"
@@ -21,9 +22,7 @@ using Life = std::weak_ptr<const char>;
 // Loaded when the first question comes, and kept: most workstations never ask one.
 template <typename Function>
 Function oleacc(const char* name) {
-  static const HMODULE library = LoadLibraryExW(L"oleacc.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-  if (library == nullptr) return nullptr;
-  return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)));
+  return com::systemFunction<Function>(L"oleacc.dll", name);
 }
 
 VARIANT nothing() {
@@ -318,7 +317,7 @@ class Accessible final : public com::Counted<IAccessible, IOleWindow> {
   // What the system says of a window as a whole: its title bar and edges.
   static HRESULT frameOf(HWND window, IDispatch** out) {
     using Ask = HRESULT(WINAPI*)(HWND, DWORD, REFIID, void**);
-    const auto ask = oleacc<Ask>("AccessibleObjectFromWindow");
+    static const auto ask = oleacc<Ask>("AccessibleObjectFromWindow");
     return ask != nullptr
                ? ask(window, static_cast<DWORD>(OBJID_WINDOW), IID_IDispatch, reinterpret_cast<void**>(out))
                : S_FALSE;
@@ -358,7 +357,7 @@ std::optional<std::size_t> Element::childAt(POINT point) const {
 
 LRESULT AccessibleLife::answer(WPARAM wide, std::unique_ptr<Element> element) const {
   using Hand = LRESULT(WINAPI*)(REFIID, WPARAM, LPUNKNOWN);
-  const auto hand = oleacc<Hand>("LresultFromObject");
+  static const auto hand = oleacc<Hand>("LresultFromObject");
   if (life_ == nullptr || hand == nullptr) return 0;
   auto* object = handedOut(new Accessible(life_, std::move(element)));
   const LRESULT answer = hand(IID_IAccessible, wide, static_cast<IAccessible*>(object));

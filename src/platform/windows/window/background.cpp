@@ -5,8 +5,8 @@
 #include <objbase.h>
 #include <ocidl.h>
 #include <olectl.h>
-#include <shlwapi.h>
 
+#include "platform/windows/com/system_function.h"
 #include "platform/windows/window/geometry.h"
 #include "platform/windows/window/parts_paint.h"
 #include "text/text.h"
@@ -59,9 +59,11 @@ void Background::Released::operator()(IPicture* picture) const {
 }
 
 Background::Picture Background::load(std::u16string_view path) {
+  using Open = HRESULT(WINAPI*)(LPCWSTR, DWORD, IStream**);
+  static const auto open = com::systemFunction<Open>(L"shlwapi.dll", "SHCreateStreamOnFileW");
   IStream* stream = nullptr;
   const std::u16string name(path);
-  if (FAILED(SHCreateStreamOnFileW(wide(name), STGM_READ | STGM_SHARE_DENY_WRITE, &stream))) return nullptr;
+  if (open == nullptr || FAILED(open(wide(name), STGM_READ | STGM_SHARE_DENY_WRITE, &stream))) return nullptr;
   void* picture = nullptr;
   const HRESULT result = OleLoadPicture(stream, 0, FALSE, IID_IPicture, &picture);
   stream->Release();

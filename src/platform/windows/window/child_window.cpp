@@ -10,4 +10,16 @@ HWND makeChild(HWND parent, int id, const wchar_t* type, const std::u16string& t
                          nullptr);
 }
 
+HWND lastChild(HWND parent) {
+  const HWND first = GetWindow(parent, GW_CHILD);
+  return first != nullptr ? GetWindow(first, GW_HWNDLAST) : nullptr;
+}
+
+void putBehind(HWND sibling, std::span<const HWND> windows) {
+  for (const HWND window : windows) {
+    SetWindowPos(window, sibling, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    sibling = window;
+  }
+}
+
 }  // namespace vordane::window::win32

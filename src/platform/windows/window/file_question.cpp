@@ -2,6 +2,7 @@
 
 #include <commdlg.h>
 
+#include "platform/windows/com/system_function.h"
 #include "platform/windows/window/handles.h"
 #include "text/text.h"
 
@@ -33,11 +34,9 @@ FileAnswer answerOf(const FileQuestion& question, std::filesystem::path file, st
 
 }  // namespace
 
-// Loaded from the system's folder when it is wanted: most people never save.
 std::optional<FileAnswer> askForFile(HWND owner, const FileQuestion& question) {
   using Ask = BOOL(WINAPI*)(OPENFILENAMEW*);
-  static const HMODULE dialogs = LoadLibraryExW(L"comdlg32.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-  const FARPROC ask = dialogs == nullptr ? nullptr : GetProcAddress(dialogs, "GetSaveFileNameW");
+  static const auto ask = com::systemFunction<Ask>(L"comdlg32.dll", "GetSaveFileNameW");
   if (ask == nullptr || question.kinds.empty()) return {};
   const std::u16string filters = filtersOf(question);
   std::u16string file = question.name;
@@ -53,7 +52,7 @@ std::optional<FileAnswer> askForFile(HWND owner, const FileQuestion& question) {
   asked.lpstrDefExt = wide(question.kinds.front().extension);
   asked.Flags = OFN_EXPLORER | OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR |
                 OFN_NOTESTFILECREATE | OFN_ENABLESIZING;
-  if (!reinterpret_cast<Ask>(reinterpret_cast<void*>(ask))(&asked)) return {};
+  if (!ask(&asked)) return {};
   return answerOf(question, std::filesystem::path(file.c_str()), asked.nFilterIndex);
 }
 

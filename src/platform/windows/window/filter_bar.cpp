@@ -5,6 +5,7 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/windows/window/accessible_name.h"
 #include "platform/windows/window/child_window.h"
@@ -34,15 +35,46 @@ void tick(HWND box, bool on) {
 
 }  // namespace
 
-void FilterBar::create(HWND parent, ViewTexts& texts, std::function<void()> changed) {
+void FilterBar::create(HWND parent, HWND next, ViewTexts& texts, Events events) {
+  parent_ = parent;
+  next_ = next;
   texts_ = &texts;
-  changed_ = std::move(changed);
+  events_ = std::move(events);
+  parts_.assign(partCount, nullptr);
+  kindList_.forgetWindow();
+  waiting_ = {};
   open_ = false;
   enabled_ = notes_ = true;
+}
+
+void FilterBar::make() {
+  makeParts();
+  putBehind(GetWindow(next_, GW_HWNDPREV), parts_);
+  kindList_.create(parent_, idKindList, texts_->text(ViewText::filterAnyProcessor),
+                   {[this] {
+                      showKindsCaption();
+                      told();
+                    },
+                    [this] {
+                      if (GetFocus() != part(partKinds)) kindList_.hide();
+                    }});
+  const HWND kinds = kindList_.window();
+  putBehind(parts_.back(), {&kinds, 1});
+  setFont(font_, dpi_);
+  setColours(ground_, ink_);
+  showDateStyle();
+  fill(waiting_);
+  setOtherDates(otherDates_);
+  enable(enabled_);
+  events_.made();
+}
+
+void FilterBar::makeParts() {
+  ViewTexts& texts = *texts_;
   const DWORD label = SS_LEFT | SS_CENTERIMAGE, box = WS_TABSTOP | WS_BORDER | ES_AUTOHSCROLL;
   const DWORD ticked = WS_TABSTOP | BS_AUTOCHECKBOX, button = WS_TABSTOP | BS_PUSHBUTTON;
   const auto make = [&](Part which, int id, const wchar_t* type, const std::u16string& text, DWORD style) {
-    parts_[which] = makeChild(parent, id, type, text, style);
+    parts_[which] = makeChild(parent_, id, type, text, style);
   };
   make(partTextLabel, idFilterTextLabel, WC_STATICW, texts.text(ViewText::filterText), label);
   make(partText, idFilterText, WC_EDITW, {}, box);
@@ -60,16 +92,6 @@ void FilterBar::create(HWND parent, ViewTexts& texts, std::function<void()> chan
   make(partClose, idFilterClose, WC_BUTTONW, fromWide(crossSign, 1), button);
   make(partOtherDates, idFilterOtherDates, WC_BUTTONW, {}, ticked);
   make(partMessage, idFilterMessage, WC_STATICW, {}, label | SS_NOPREFIX | SS_ENDELLIPSIS);
-  showDateStyle();
-  kindList_.create(parent, idKindList, texts.text(ViewText::filterAnyProcessor),
-                   {[this] {
-                      showKindsCaption();
-                      told();
-                    },
-                    [this] {
-                      if (GetFocus() != part(partKinds)) kindList_.hide();
-                    }});
-  fill({});
 }
 
 void FilterBar::showDateStyle() {
@@ -79,6 +101,7 @@ void FilterBar::showDateStyle() {
 }
 
 void FilterBar::reword() {
+  if (!isMade()) return;
   constexpr std::pair<Part, ViewText> captions[] = {{partTextLabel, ViewText::filterText},
                                                     {partMajor, ViewText::filterMajor},
                                                     {partMinor, ViewText::filterMinor},
@@ -99,13 +122,21 @@ void FilterBar::reword() {
 void FilterBar::setFont(HFONT font, int dpi) {
   font_ = font;
   dpi_ = dpi;
+  if (!isMade()) return;
   for (HWND window : parts_) SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
   kindList_.setFont(font, dpi);
   SendMessageW(part(partProcessor), CB_SETITEMHEIGHT, static_cast<WPARAM>(-1),
                lineHeight(font_) + scaled(4, dpi_));
 }
 
+void FilterBar::setColours(COLORREF ground, COLORREF text) {
+  ground_ = ground;
+  ink_ = text;
+  if (isMade()) kindList_.setColours(ground, text);
+}
+
 void FilterBar::show(bool focus) {
+  if (!isMade()) make();
   open_ = true;
   for (std::size_t which = 0; which < partCount; ++which)
     ShowWindow(parts_[which], which != partOtherDates || otherDates_ > 0 ? SW_SHOWNA : SW_HIDE);
@@ -115,19 +146,24 @@ void FilterBar::show(bool focus) {
 }
 
 void FilterBar::hide() {
-  open_ = false;
+  if (!std::exchange(open_, false)) return;
   kindList_.hide();
   for (HWND window : parts_) ShowWindow(window, SW_HIDE);
 }
 
 void FilterBar::enable(bool enabled) {
-  if (!enabled) kindList_.hide();
   enabled_ = enabled;
+  if (!isMade()) return;
+  if (!enabled) kindList_.hide();
   for (std::size_t which = 0; which < partCount; ++which)
     if (which != partMessage) EnableWindow(parts_[which], enabled && (which != partNoted || notes_));
 }
 
 void FilterBar::fill(const list::Filter& filter) {
+  if (!isMade()) {
+    waiting_ = filter;
+    return;
+  }
   filling_ = true;
   setWindowText(part(partText), filter.text);
   tick(part(partMajor), filter.major);
@@ -144,6 +180,7 @@ void FilterBar::fill(const list::Filter& filter) {
 }
 
 list::Filter FilterBar::wanted() const {
+  if (!isMade()) return waiting_;
   list::Filter filter;
   filter.text = windowText(part(partText));
   filter.major = isTicked(part(partMajor));
@@ -160,10 +197,11 @@ list::Filter FilterBar::wanted() const {
 }
 
 void FilterBar::setKinds(const std::vector<list::Tally>& kinds, const std::vector<list::Tally>& processors) {
-  const std::optional<std::u16string> chosen = wanted().processor;
+  const list::Filter filter = wanted();
   processors_ = processors;
-  kindList_.fill(kinds, kindList_.rule());
-  fillProcessors(chosen);
+  kindList_.fill(kinds, filter.kinds);
+  if (!isMade()) return;
+  fillProcessors(filter.processor);
   showKindsCaption();
 }
 
@@ -193,17 +231,18 @@ void FilterBar::showKindsCaption() {
 
 void FilterBar::offerNotes(bool offered) {
   notes_ = offered;
-  EnableWindow(part(partNoted), enabled_ && offered);
+  if (isMade()) EnableWindow(part(partNoted), enabled_ && offered);
 }
 
 void FilterBar::setOtherDates(std::size_t rows) {
   otherDates_ = rows;
+  if (!isMade()) return;
   setWindowText(part(partOtherDates), fillText(texts_->text(ViewText::filterOtherDates), {number(rows)}));
   ShowWindow(part(partOtherDates), open_ && rows > 0 ? SW_SHOWNA : SW_HIDE);
 }
 
 void FilterBar::tell(const std::u16string& message, bool onTheWay) {
-  if (windowText(part(partMessage)) == message) return;
+  if (!isMade() || windowText(part(partMessage)) == message) return;
   SetWindowTextW(part(partMessage), wide(message));
   if (!message.empty() && !onTheWay) tellLive(part(partMessage));
 }
@@ -225,7 +264,7 @@ void FilterBar::toggleList() {
 }
 
 void FilterBar::told() {
-  if (!filling_) changed_();
+  if (!filling_) events_.changed();
 }
 
 bool FilterBar::command(int id, int code) {

@@ -16,11 +16,15 @@ namespace vordane::window::win32 {
 
 class FilterBar {
  public:
-  // `texts` must live longer; `changed` is called when a person has changed what the boxes say.
-  void create(HWND parent, ViewTexts& texts, std::function<void()> changed);
+  struct Events {
+    std::function<void()> changed;  // a person has changed what the boxes say
+    std::function<void()> made;     // its windows are there, since it is shown for the first time
+  };
+  // Its place in the tab order is before `next`, one of the parent's children. `texts` must live longer.
+  void create(HWND parent, HWND next, ViewTexts& texts, Events events);
   void reword();                      // the texts say something else now; what is typed and ticked stays
   void setFont(HFONT font, int dpi);  // `font` must live until the next one is set
-  void setColours(COLORREF ground, COLORREF text) { kindList_.setColours(ground, text); }
+  void setColours(COLORREF ground, COLORREF text);
 
   // What it needs in a window of this width, both in pixels; 0 while it is closed.
   int heightFor(int width) const;
@@ -39,7 +43,7 @@ class FilterBar {
   // Rows whose date has another form; 0 takes the tick away.
   void setOtherDates(std::size_t rows);
   void tell(const std::u16string& message, bool onTheWay);  // what says how far it is is not read out
-  HWND message() const { return part(partMessage); }
+  HWND message() const { return part(partMessage); }        // null before it was shown, as are the two below
 
   bool has(HWND window) const;  // one of its parts, or the open list of kinds
   bool listOpen() const { return kindList_.open(); }
@@ -76,6 +80,9 @@ class FilterBar {
     RECT at;
   };
   HWND part(Part which) const { return parts_[which]; }
+  bool isMade() const { return parts_.front() != nullptr; }
+  void make();
+  void makeParts();
   std::vector<Placed> arranged(int width, int& height) const;
   void arrangeWords(std::vector<Placed>& placed, int end, int& y) const;
   void put(std::vector<Placed>& placed, Part which, int x, int y) const;
@@ -89,14 +96,17 @@ class FilterBar {
   void showDateStyle();
   void told();
 
+  HWND parent_ = nullptr, next_ = nullptr;
   ViewTexts* texts_ = nullptr;
-  std::function<void()> changed_;
+  Events events_;
   std::vector<HWND> parts_ = std::vector<HWND>(partCount);
   KindList kindList_;
   std::vector<list::Tally> processors_;
   std::size_t otherDates_ = 0;
+  list::Filter waiting_;  // to be filled in when the windows are made
   HFONT font_ = nullptr;  // not owned
   int dpi_ = 96;
+  COLORREF ground_ = 0, ink_ = 0;
   bool open_ = false, filling_ = false, enabled_ = true, notes_ = true;
 };
 

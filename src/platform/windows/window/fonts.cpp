@@ -22,11 +22,10 @@ std::optional<FontChoice> read(const Control& control, std::u16string_view face,
 }
 
 int extent(HFONT font, std::u16string_view text, UINT format) {
-  const WindowDc dc(nullptr);
-  const Selected selected(dc.get(), font);
+  const HDC dc = measuringDc();
+  const Selected selected(dc, font);
   RECT box{};
-  DrawTextW(dc.get(), wideBegin(text), static_cast<int>(text.size()), &box,
-            DT_CALCRECT | DT_SINGLELINE | format);
+  DrawTextW(dc, wideBegin(text), static_cast<int>(text.size()), &box, DT_CALCRECT | DT_SINGLELINE | format);
   return width(box);
 }
 
@@ -74,11 +73,17 @@ Font makeFont(const FontChoice& choice, int dpi, FontStyle style) {
   return Font(CreateFontIndirectW(&font));
 }
 
+// The screen's own surface would be asked for and given back with each text.
+HDC measuringDc() {
+  static const MemoryDc dc(CreateCompatibleDC(nullptr));
+  return dc.get();
+}
+
 int lineHeight(HFONT font) {
-  const WindowDc dc(nullptr);
-  const Selected selected(dc.get(), font);
+  const HDC dc = measuringDc();
+  const Selected selected(dc, font);
   TEXTMETRICW metrics{};
-  GetTextMetricsW(dc.get(), &metrics);
+  GetTextMetricsW(dc, &metrics);
   return static_cast<int>(metrics.tmHeight);
 }
 

@@ -28,6 +28,10 @@ enum class FontStyle { plain, bold, fixedWidth };
 // the set would be replaced by another one altogether.
 Font makeFont(const FontChoice& choice, int dpi, FontStyle style = FontStyle::plain);
 
+// A surface like the screen's, to measure on: for the window's thread, as long as the process lives. What is
+// selected into it is put back.
+HDC measuringDc();
+
 int lineHeight(HFONT font);
 int textWidth(HFONT font, std::u16string_view text);
 // Without the ampersand that marks the access key.

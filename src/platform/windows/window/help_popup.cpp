@@ -1,6 +1,7 @@
 #include "platform/windows/window/help_popup.h"
 
 #include "platform/windows/window/children.h"
+#include "platform/windows/window/fonts.h"
 #include "platform/windows/window/geometry.h"
 #include "platform/windows/window/guard.h"
 #include "platform/windows/window/parts_paint.h"
@@ -23,10 +24,10 @@ void registerOnce(WNDPROC procedure) {
 }
 
 RECT measured(const std::u16string& help, HFONT font, int dpi) {
-  const WindowDc dc(nullptr);
-  const Selected with(dc.get(), font);
+  const HDC dc = measuringDc();
+  const Selected with(dc, font);
   RECT box{0, 0, scaled(widest, dpi), 0};
-  DrawTextW(dc.get(), wide(help), static_cast<int>(help.size()), &box, wrapped | DT_CALCRECT);
+  DrawTextW(dc, wide(help), static_cast<int>(help.size()), &box, wrapped | DT_CALCRECT);
   InflateRect(&box, scaled(padding, dpi), scaled(padding, dpi));
   return box;
 }

@@ -60,6 +60,7 @@ void KindList::setColours(COLORREF ground, COLORREF text) {
 void KindList::fill(const std::vector<list::Tally>& kinds, const list::KindRule& rule) {
   kinds_ = kinds;
   rule_ = rule;
+  if (window_ == nullptr) return;
   filling_ = true;
   ListView_DeleteAllItems(window_);
   const auto put = [&](int row, int column, const std::u16string& text) {
@@ -96,7 +97,7 @@ std::size_t KindList::shownKinds() const {
 }
 
 bool KindList::open() const {
-  return (GetWindowLongPtrW(window_, GWL_STYLE) & WS_VISIBLE) != 0;
+  return window_ != nullptr && (GetWindowLongPtrW(window_, GWL_STYLE) & WS_VISIBLE) != 0;
 }
 
 void KindList::place(const RECT& button, const RECT& client) {

@@ -21,11 +21,14 @@ class KindList {
   };
   // `allKinds` is what the first line says.
   void create(HWND parent, int id, const std::u16string& allKinds, Events events);
-  HWND window() const { return window_; }
+  HWND window() const { return window_; }  // null before it was made
+  // It went with its parent; what was filled in stays.
+  void forgetWindow() { window_ = nullptr; }
   void reword(const std::u16string& allKinds);
   void setFont(HFONT font, int dpi);  // `font` must live until the next one is set
   void setColours(COLORREF ground, COLORREF text);
 
+  // Also before it was made.
   void fill(const std::vector<list::Tally>& kinds, const list::KindRule& rule);
   const list::KindRule& rule() const { return rule_; }
   std::size_t shownKinds() const;

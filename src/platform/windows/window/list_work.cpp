@@ -32,12 +32,12 @@ void ListWork::create(HWND parent, Around around) {
   parent_ = parent;
   around_ = std::move(around);
   opened_ = false;
-  bar_.create(parent, texts_, [this] { follow(bar_.wanted()); });
   output_.create(parent, {around_.use, around_.sheet, around_.say});
   showAll_ = makeChild(parent, idShowAll, WC_BUTTONW, withoutAccessKey(texts_.text(ViewText::filterClear)),
                        WS_TABSTOP | BS_PUSHBUTTON);
   flood_.create(parent, idFlood, Strip::Sign::flood);
   newer_.create(parent, idNewer, Strip::Sign::above);
+  bar_.create(parent, flood_.window(), texts_, {[this] { follow(bar_.wanted()); }, around_.barMade});
 }
 
 void ListWork::enable(bool enabled) {

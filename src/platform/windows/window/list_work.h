@@ -26,6 +26,7 @@ class ListWork {
     std::function<void()> placeAgain;    // the bar needs another place, the empty grid another notice
     std::function<void()> countAgain;    // `count` says something else
     std::function<void()> foundAgain;    // `found` does
+    std::function<void()> barMade;       // the filter bar's windows are there
     std::function<list::Sheet()> sheet;  // what a saved file says besides its rows
     std::function<void(const std::u16string&, bool onTheWay)> say;  // in the status line
   };

@@ -5,7 +5,7 @@
 #include <commctrl.h>
 
 #include <algorithm>
-#include <array>
+#include <utility>
 
 #include "platform/windows/window/accessible_name.h"
 #include "platform/windows/window/child_window.h"
@@ -20,27 +20,42 @@ constexpr wchar_t crossSign[] = L"\u00D7";
 
 }  // namespace
 
-void LookUpBar::create(HWND parent, const Ids& ids, ViewTexts& texts) {
-  label_ =
-      makeChild(parent, ids.label, WC_STATICW, texts.text(ViewText::lookUpLabel), SS_LEFT | SS_CENTERIMAGE);
-  text_ = makeChild(parent, ids.text, WC_EDITW, {}, WS_TABSTOP | WS_BORDER | ES_AUTOHSCROLL);
-  next_ =
-      makeChild(parent, ids.next, WC_BUTTONW, texts.text(ViewText::lookUpNext), WS_TABSTOP | BS_PUSHBUTTON);
-  close_ = makeChild(parent, ids.close, WC_BUTTONW, {}, WS_TABSTOP | BS_PUSHBUTTON);
-  SetWindowTextW(close_, crossSign);
-  message_ =
-      makeChild(parent, ids.message, WC_STATICW, {}, SS_LEFT | SS_CENTERIMAGE | SS_NOPREFIX | SS_ENDELLIPSIS);
+void LookUpBar::create(HWND parent, const Ids& ids, ViewTexts& texts, std::function<void()> made) {
+  parent_ = parent;
+  behind_ = lastChild(parent);
+  ids_ = ids;
+  texts_ = &texts;
+  made_ = std::move(made);
+  label_ = text_ = next_ = close_ = message_ = nullptr;
+  open_ = false;
+  enabled_ = true;
 }
 
-void LookUpBar::reword(ViewTexts& texts) {
-  setWindowText(label_, texts.text(ViewText::lookUpLabel));
-  setWindowText(next_, texts.text(ViewText::lookUpNext));
+void LookUpBar::make() {
+  const auto part = [this](int id, const wchar_t* type, const std::u16string& text, DWORD style) {
+    return makeChild(parent_, id, type, text, style);
+  };
+  const DWORD button = WS_TABSTOP | BS_PUSHBUTTON, words = SS_LEFT | SS_CENTERIMAGE;
+  label_ = part(ids_.label, WC_STATICW, texts_->text(ViewText::lookUpLabel), words);
+  text_ = part(ids_.text, WC_EDITW, {}, WS_TABSTOP | WS_BORDER | ES_AUTOHSCROLL);
+  next_ = part(ids_.next, WC_BUTTONW, texts_->text(ViewText::lookUpNext), button);
+  close_ = part(ids_.close, WC_BUTTONW, fromWide(crossSign, 1), button);
+  message_ = part(ids_.message, WC_STATICW, {}, words | SS_NOPREFIX | SS_ENDELLIPSIS);
+  putBehind(behind_, windows());
+  setFont(font_);
+  enable(enabled_);
+  made_();
+}
+
+void LookUpBar::reword() {
+  setWindowText(label_, texts_->text(ViewText::lookUpLabel));
+  setWindowText(next_, texts_->text(ViewText::lookUpNext));
 }
 
 void LookUpBar::setFont(HFONT font) {
   font_ = font;
-  for (HWND window : {label_, text_, next_, close_, message_})
-    SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+  if (text_ == nullptr) return;
+  for (HWND window : windows()) SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
 }
 
 void LookUpBar::place(const RECT& bar, int dpi) {
@@ -64,19 +79,22 @@ void LookUpBar::place(const RECT& bar, int dpi) {
 }
 
 void LookUpBar::show() {
+  if (text_ == nullptr) make();
   open_ = true;
-  for (HWND window : {label_, text_, next_, close_, message_}) ShowWindow(window, SW_SHOW);
+  for (HWND window : windows()) ShowWindow(window, SW_SHOW);
   SetFocus(text_);
   SendMessageW(text_, EM_SETSEL, 0, -1);
 }
 
 void LookUpBar::hide() {
-  open_ = false;
+  if (!std::exchange(open_, false)) return;
   tell({});
-  for (HWND window : {label_, text_, next_, close_, message_}) ShowWindow(window, SW_HIDE);
+  for (HWND window : windows()) ShowWindow(window, SW_HIDE);
 }
 
 void LookUpBar::enable(bool enabled) {
+  enabled_ = enabled;
+  if (text_ == nullptr) return;
   for (HWND window : {text_, next_, close_}) EnableWindow(window, enabled);
 }
 

@@ -2,7 +2,9 @@
 // none. It only asks; what holds the text is the form's business. One thread.
 #pragma once
 
+#include <array>
 #include <functional>
+#include <string>
 
 #include "platform/view.h"
 #include "platform/windows/window/handles.h"
@@ -14,8 +16,10 @@ class LookUpBar {
   struct Ids {
     int label, text, next, close, message;
   };
-  void create(HWND parent, const Ids& ids, ViewTexts& texts);
-  void reword(ViewTexts& texts);  // they say something else now
+  // Its place in the tab order is behind the last of the parent's children. `made` is called when its windows
+  // are there, which is when it is shown for the first time. `texts` must live longer.
+  void create(HWND parent, const Ids& ids, ViewTexts& texts, std::function<void()> made);
+  void reword();  // the texts say something else now
   void setFont(HFONT font);
   void place(const RECT& bar, int dpi);
 
@@ -27,12 +31,19 @@ class LookUpBar {
   // Beside the buttons; empty takes it away. What only says how far a count has come is not read out.
   void tell(const std::u16string& message, bool onTheWay = false);
   HWND box() const { return text_; }
-  HWND message() const { return message_; }
+  HWND message() const { return message_; }  // null before it was shown, as are the other two
   HWND closeButton() const { return close_; }
 
  private:
+  void make();
+  std::array<HWND, 5> windows() const { return {label_, text_, next_, close_, message_}; }
+
+  HWND parent_ = nullptr, behind_ = nullptr;
   HWND label_ = nullptr, text_ = nullptr, next_ = nullptr, close_ = nullptr, message_ = nullptr;
-  bool open_ = false;
+  Ids ids_{};
+  ViewTexts* texts_ = nullptr;
+  std::function<void()> made_;
+  bool open_ = false, enabled_ = true;
   HFONT font_ = nullptr;  // not owned
 };
 

@@ -166,6 +166,7 @@ void MainWindow::detach() {
   events_ = nullptr;
   form_ = nullptr;
   ids_.clear();
+  items_.clear();
   lastFocus_ = nullptr;
   accessible_.end();
   attention_.forget();
@@ -194,6 +195,7 @@ void MainWindow::createChildren() {
     const HWND made =
         CreateWindowExW(child.extendedStyle, child.type, L"", WS_CHILD | child.style, 0, 0, 0, 0, window_,
                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(child.id)), instance, nullptr);
+    items_[child.id] = made;
     if (child.id == idExchange) exchangeBox_ = made;
     if (isExplained(child.id))
       watches_[child.id].start(made, [this, id = child.id](UINT message, WPARAM wide, LPARAM low) {
@@ -201,18 +203,16 @@ void MainWindow::createChildren() {
       });
   }
   watchExchanges();
-  lookUp_.create(window_, {idLookUpLabel, idLookUpText, idLookUpNext, idLookUpClose, idLookUpMessage},
-                 texts_);
   SendMessageW(tips_, TTM_SETMAXTIPWIDTH, 0, scaled(tipWidth, dpi_));
-  setTip(item(idLookUpClose), texts_.text(ViewText::lookUpClose));
+  lookUp_.create(window_, {idLookUpLabel, idLookUpText, idLookUpNext, idLookUpClose, idLookUpMessage}, texts_,
+                 [this] { nameLookUp(); });
   list_.create(window_, {[this] { return events_ != nullptr ? events_->listUse() : ListUse::never; },
                          [this] { place(); }, [this] { showCount(); }, [this] { showFound(); },
-                         [this] { return sheet(); },
+                         [this] { nameFilter(); }, [this] { return sheet(); },
                          [this](const std::u16string& words, bool onTheWay) {
                            status_.remark(words, onTheWay);
                            placeStatus();
                          }});
-  setTip(item(idFilterClose), texts_.text(ViewText::filterClose));
 }
 
 // The system's own objects know the names alone.
@@ -256,18 +256,19 @@ void MainWindow::createGridAndPane() {
 }
 
 void MainWindow::createNotes() {
-  notes_.create(window_, {[this] { return events_ != nullptr ? events_->listUse() : ListUse::never; },
-                          [this] { return list_.rows(); },
-                          [this] {
-                            list_.noteWritten();
-                            grid_.refresh();
-                          },
-                          [this] { place(); },
-                          [this](HWND window, const std::u16string& words) { setTip(window, words); },
-                          [this](const std::u16string& words) {
-                            status_.remark(words);
-                            placeStatus();
-                          }});
+  notes_.create(window_,
+                {[this] { return events_ != nullptr ? events_->listUse() : ListUse::never; },
+                 [this] { return list_.rows(); },
+                 [this] {
+                   list_.noteWritten();
+                   grid_.refresh();
+                 },
+                 [this] { place(); }, [this] { makeLive(notes_.bar().message(), Urgency::politely); },
+                 [this](HWND window, const std::u16string& words) { setTip(window, words); },
+                 [this](const std::u16string& words) {
+                   status_.remark(words);
+                   placeStatus();
+                 }});
 }
 
 // Below the entries of the frame, which the system words in its own language.

@@ -75,6 +75,9 @@ class MainWindow final : public Win32View {
   void showMenuEntries(HMENU menu);
   void showLanguages(HMENU menu);
   void nameParts();
+  void nameLookUp();
+  void nameFilter();
+  void nameButton(HWND button, ViewText name);
   void readSettings();
   void writeSettings();
   RECT placeFromSettings() const;
@@ -82,7 +85,11 @@ class MainWindow final : public Win32View {
 
   // What the form says.
   Control* control(std::u16string_view name) { return form_ != nullptr ? form_->find(name) : nullptr; }
-  HWND item(int id) const { return GetDlgItem(window_, id); }
+  // Null for one that the window has not got.
+  HWND item(int id) const {
+    const auto made = items_.find(id);
+    return made != items_.end() ? made->second : GetDlgItem(window_, id);
+  }
   const Control& worded(const Control& own) const;
   const Control* worded(std::u16string_view name);
   std::u16string wordsOf(const Control& own, std::u16string_view property) const;
@@ -175,6 +182,7 @@ class MainWindow final : public Win32View {
   HWND exchangeBox_ = nullptr;
   std::size_t shownExchanges_ = 0;  // entries of the box
   std::map<const Control*, int> ids_;
+  std::map<int, HWND> items_;     // of the form's controls: the system would look through all children
   std::map<int, Watch> watches_;  // of the controls that a right click explains
   Watch exchangeWatch_, exchangeListWatch_;
   Grid grid_;

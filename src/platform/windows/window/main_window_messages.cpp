@@ -75,8 +75,7 @@ LRESULT MainWindow::handle(UINT message, WPARAM wide, LPARAM low) {
     case nameMessage:  // after the start: the libraries that this needs take their time
       nameParts();
       for (const int lamp : {idMajor, idMinor}) makeLive(item(lamp), Urgency::atOnce);
-      for (HWND live : {notice_, status_.account(), lookUp_.message(), list_.bar().message(),
-                        notes_.bar().message(), list_.flood().window(), list_.newer().window()})
+      for (HWND live : {notice_, status_.account(), list_.flood().window(), list_.newer().window()})
         makeLive(live, Urgency::politely);
       return 0;
     case sortMessage:
@@ -96,9 +95,25 @@ LRESULT MainWindow::handle(UINT message, WPARAM wide, LPARAM low) {
 
 void MainWindow::nameParts() {
   nameForScreenReaders(pane_.window(), texts_.text(ViewText::selectedFault));
-  nameForScreenReaders(lookUp_.closeButton(), texts_.text(ViewText::lookUpClose));
-  nameForScreenReaders(list_.bar().closeButton(), texts_.text(ViewText::filterClose));
+  if (lookUp_.closeButton() != nullptr) nameLookUp();
+  if (list_.bar().closeButton() != nullptr) nameFilter();
+}
+
+void MainWindow::nameLookUp() {
+  nameButton(lookUp_.closeButton(), ViewText::lookUpClose);
+  makeLive(lookUp_.message(), Urgency::politely);
+}
+
+void MainWindow::nameFilter() {
+  nameButton(list_.bar().closeButton(), ViewText::filterClose);
   nameForScreenReaders(list_.bar().kindWindow(), texts_.text(ViewText::filterKindsName));
+  makeLive(list_.bar().message(), Urgency::politely);
+}
+
+// One that shows a sign and no words.
+void MainWindow::nameButton(HWND button, ViewText name) {
+  setTip(button, texts_.text(name));
+  nameForScreenReaders(button, texts_.text(name));
 }
 
 LRESULT MainWindow::handleInput(UINT message, WPARAM wide, LPARAM low) {
@@ -201,11 +216,14 @@ LRESULT MainWindow::handleDrawing(UINT message, WPARAM wide, LPARAM low) {
 
 LRESULT MainWindow::command(int id, int code) {
   if (!inputAllowed() || events_ == nullptr) return 0;
-  if (id == IDOK && GetFocus() == lookUp_.box()) lookUpNext(wayOfShift());
+  const auto enterIn = [id, focused = GetFocus()](HWND window) {
+    return id == IDOK && window != nullptr && focused == window;
+  };
+  if (enterIn(lookUp_.box())) lookUpNext(wayOfShift());
   if (id == IDOK && list_.bar().listOpen()) list_.bar().closeList();
-  if (id == IDOK && GetFocus() == list_.newer().window()) return command(idNewer, BN_CLICKED);
-  if (id == IDOK && GetFocus() == list_.flood().window()) return command(idFlood, BN_CLICKED);
-  if (id == IDOK && GetFocus() == notes_.bar().box()) notes_.keep();
+  if (enterIn(list_.newer().window())) return command(idNewer, BN_CLICKED);
+  if (enterIn(list_.flood().window())) return command(idFlood, BN_CLICKED);
+  if (enterIn(notes_.bar().box())) notes_.keep();
   if (id == IDCANCEL) escape();
   if (list_.command(id, code)) return 0;
   if (id == idExchange) exchangeNotified(code);

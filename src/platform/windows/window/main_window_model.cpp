@@ -51,10 +51,8 @@ void MainWindow::setWords(Form* words) {
   if (window_ == nullptr || form_ == nullptr) return;
   applyWhole();
   formChanged(u"Caption");
-  lookUp_.reword(texts_);
+  lookUp_.reword();
   list_.reword();
-  setTip(item(idLookUpClose), texts_.text(ViewText::lookUpClose));
-  setTip(item(idFilterClose), texts_.text(ViewText::filterClose));
   grid_.setNews([this](std::size_t row) { return look_.isNew(row); }, texts_.text(ViewText::newFault));
   nameParts();
   wantRestyle();

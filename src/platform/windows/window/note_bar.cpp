@@ -30,28 +30,41 @@ void setStyle(HWND window, LONG_PTR style, bool on) {
 
 }  // namespace
 
-void NoteBar::create(HWND parent, std::function<void()> blanked, Tip tip) {
+void NoteBar::create(HWND parent, std::function<void()> blanked, Tip tip, std::function<void()> made) {
+  parent_ = parent;
+  behind_ = lastChild(parent);
   blanked_ = std::move(blanked);
   tip_ = std::move(tip);
+  made_ = std::move(made);
+  label_ = box_ = message_ = nullptr;
   at_ = {};
   state_ = State::hidden;
+  enabled_ = true;
+}
+
+void NoteBar::make() {
   const DWORD words = SS_LEFT | SS_CENTERIMAGE | SS_NOPREFIX | SS_ENDELLIPSIS;
-  label_ = makeChild(parent, idNoteLabel, WC_STATICW, {}, words);
-  box_ = makeChild(parent, idNoteText, WC_EDITW, {}, WS_TABSTOP | ES_AUTOHSCROLL | ES_READONLY);
-  message_ = makeChild(parent, idNoteMessage, WC_STATICW, {}, words | SS_NOTIFY);
+  label_ = makeChild(parent_, idNoteLabel, WC_STATICW, {}, words);
+  box_ = makeChild(parent_, idNoteText, WC_EDITW, {}, WS_TABSTOP | ES_AUTOHSCROLL | ES_READONLY);
+  message_ = makeChild(parent_, idNoteMessage, WC_STATICW, {}, words | SS_NOTIFY);
+  putBehind(behind_, windows());
   // A longer text is told of when it is to be kept: cut off at once it would be lost.
   SendMessageW(box_, EM_SETLIMITTEXT, 0, 0);
   watch_.start(box_, [this](UINT message, WPARAM wide, LPARAM low) { return heard(message, wide, low); });
+  setFont(font_, dpi_);
+  enable(enabled_);
+  made_();
 }
 
 void NoteBar::setFont(HFONT font, int dpi) {
   font_ = font;
   dpi_ = dpi;
-  for (HWND window : {label_, box_, message_})
-    SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+  if (box_ == nullptr) return;
+  for (HWND window : windows()) SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
 }
 
 void NoteBar::turn(State state, const std::u16string& label, const std::u16string& text) {
+  if (box_ == nullptr) make();
   const bool edited = state == State::edited;
   if (std::exchange(state_, state) != state) {
     SendMessageW(box_, EM_SETREADONLY, edited ? FALSE : TRUE, 0);
@@ -83,7 +96,8 @@ void NoteBar::hide() {
 }
 
 void NoteBar::enable(bool enabled) {
-  EnableWindow(box_, enabled);
+  enabled_ = enabled;
+  if (box_ != nullptr) EnableWindow(box_, enabled);
 }
 
 std::u16string NoteBar::text() const {

@@ -5,6 +5,7 @@
 
 #include <windows.h>
 
+#include <array>
 #include <functional>
 #include <string>
 
@@ -17,7 +18,9 @@ class NoteBar {
   // `blanked` is called when something was pasted in which line ends or control characters became blanks;
   // `tip` gives a window its tool tip, for words that there is no room for.
   using Tip = std::function<void(HWND window, const std::u16string& words)>;
-  void create(HWND parent, std::function<void()> blanked, Tip tip);
+  // Its place in the tab order is behind the last of the parent's children. `made` is called when its windows
+  // are there, which is when it is shown for the first time.
+  void create(HWND parent, std::function<void()> blanked, Tip tip, std::function<void()> made);
   void setFont(HFONT font, int dpi);  // `font` must live until the next one is set
 
   void show(const std::u16string& label, const std::u16string& text);
@@ -37,25 +40,30 @@ class NoteBar {
   bool has(HWND part) const {
     return part != nullptr && (part == label_ || part == box_ || part == message_);
   }
-  HWND box() const { return box_; }
+  HWND box() const { return box_; }  // null before it was shown, as is the other one
   HWND message() const { return message_; }
 
  private:
   enum class State { hidden, read, edited };
+  void make();
   void turn(State state, const std::u16string& label, const std::u16string& text);
   LRESULT heard(UINT message, WPARAM wide, LPARAM low);
   void paste();
   int boxTall() const;
   int messageTall() const;
 
+  std::array<HWND, 3> windows() const { return {label_, box_, message_}; }
+
+  HWND parent_ = nullptr, behind_ = nullptr;
   HWND label_ = nullptr, box_ = nullptr, message_ = nullptr;
   Watch watch_;
-  std::function<void()> blanked_;
+  std::function<void()> blanked_, made_;
   Tip tip_;
   State state_ = State::hidden;
   RECT at_{};             // where it was placed last
   HFONT font_ = nullptr;  // not owned
   int dpi_ = 96;
+  bool enabled_ = true;
 };
 
 }  // namespace vordane::window::win32

@@ -44,7 +44,7 @@ std::u16string now() {
 void NoteWork::create(HWND parent, Around around) {
   around_ = std::move(around);
   bar_.create(
-      parent, [this] { bar_.tell(texts_.text(ViewText::noteBlanks)); }, around_.tip);
+      parent, [this] { bar_.tell(texts_.text(ViewText::noteBlanks)); }, around_.tip, around_.barMade);
 }
 
 std::u16string NoteWork::heading(const Note& note) const {

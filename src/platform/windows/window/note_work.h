@@ -21,6 +21,7 @@ class NoteWork {
     std::function<database::RowList*()> rows;        // of the exchange shown; null for none
     std::function<void()> written;                   // a note is another one than it was
     std::function<void()> placeAgain;                // the bar needs another place
+    std::function<void()> barMade;                   // its windows are there
     NoteBar::Tip tip;                                // gives a window its tool tip
     std::function<void(const std::u16string&)> say;  // in the status line
   };

@@ -150,20 +150,20 @@ void drawNotice(const NoticeDrawing& notice, const Palette& palette) {
 }
 
 int noticeCardBottom(const std::u16string& words, SIZE place, HFONT font, int dpi) {
-  const WindowDc dc(nullptr);
-  const Selected with(dc.get(), font);
+  const HDC dc = measuringDc();
+  const Selected with(dc, font);
   const int room = std::min(static_cast<int>(place.cx) - scaled(2 * noticeEdge + signSize + signGap, dpi),
                             scaled(widestNotice, dpi));
-  const int tall = std::max(height(wordsBox(dc.get(), words, std::max(room, 1))), scaled(signSize, dpi)) +
+  const int tall = std::max(height(wordsBox(dc, words, std::max(room, 1))), scaled(signSize, dpi)) +
                    4 * scaled(noticePadding, dpi);
   return std::max(0, (static_cast<int>(place.cy) - tall) / 3) + tall;
 }
 
 int noticeBarHeight(const std::u16string& words, int barWidth, HFONT font, int dpi) {
-  const WindowDc dc(nullptr);
-  const Selected with(dc.get(), font);
+  const HDC dc = measuringDc();
+  const Selected with(dc, font);
   const int room = barWidth - scaled(2 * noticeEdge + signSize + signGap, dpi);
-  return std::max(height(wordsBox(dc.get(), words, std::max(room, 1))), scaled(signSize, dpi)) +
+  return std::max(height(wordsBox(dc, words, std::max(room, 1))), scaled(signSize, dpi)) +
          2 * scaled(noticePadding, dpi);
 }
 

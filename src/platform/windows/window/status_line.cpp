@@ -94,11 +94,11 @@ int StatusLine::rowHeight() const {
 }
 
 int StatusLine::accountHeight(int width) const {
-  const WindowDc dc(nullptr);
-  const Selected with(dc.get(), font_);
+  const HDC dc = measuringDc();
+  const Selected with(dc, font_);
   const std::u16string& text = accountText();
   RECT box{0, 0, width, 0};
-  DrawTextW(dc.get(), wide(text), static_cast<int>(text.size()), &box, wrapped | DT_CALCRECT);
+  DrawTextW(dc, wide(text), static_cast<int>(text.size()), &box, wrapped | DT_CALCRECT);
   return std::max(height(box), textHeight_);
 }
 

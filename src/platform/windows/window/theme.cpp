@@ -1,5 +1,7 @@
 #include "platform/windows/window/theme.h"
 
+#include "platform/windows/com/system_function.h"
+
 namespace vordane::window::win32 {
 namespace {
 
@@ -73,13 +75,10 @@ Palette currentPalette() {
   return palette;
 }
 
-// Loaded by hand and from the system's folder: a program that is linked with this library would take one of
-// the same name from its own folder.
 void drawAsExplorer(HWND list) {
   using Set = HRESULT(WINAPI*)(HWND, LPCWSTR, LPCWSTR);
-  static const HMODULE themes = LoadLibraryExW(L"uxtheme.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-  const FARPROC found = themes == nullptr ? nullptr : GetProcAddress(themes, "SetWindowTheme");
-  if (found != nullptr) reinterpret_cast<Set>(reinterpret_cast<void*>(found))(list, L"Explorer", nullptr);
+  static const auto set = com::systemFunction<Set>(L"uxtheme.dll", "SetWindowTheme");
+  if (set != nullptr) set(list, L"Explorer", nullptr);
 }
 
 }  // namespace vordane::window::win32
