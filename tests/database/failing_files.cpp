@@ -8,6 +8,7 @@
 namespace vordane::sqlite::failing {
 namespace {
 
+long readingsBegun = 0;
 long callsLeft = -1, allocationsLeft = -1, ownAllocationsLeft = -1;
 bool lastingFailure = false, readingFails = false, failed = false, starved = false;
 
@@ -73,9 +74,16 @@ int passOrFailReading(sqlite3_file* file, Arguments... arguments) {
   return failsReading() ? error : (realOf(file)->pMethods->*member)(realOf(file), arguments...);
 }
 
+int lock(sqlite3_file* file, int level) {
+  if (failsReading()) return SQLITE_IOERR_LOCK;
+  if (level == SQLITE_LOCK_SHARED) ++readingsBegun;
+  return realOf(file)->pMethods->xLock(realOf(file), level);
+}
+
 // Letting a lock go never fails on any system.
 int lockShared(sqlite3_file* file, int first, int count, int flags) {
   if ((flags & SQLITE_SHM_LOCK) != 0 && failsReading()) return SQLITE_IOERR_SHMLOCK;
+  if (flags == (SQLITE_SHM_LOCK | SQLITE_SHM_SHARED)) ++readingsBegun;
   return realOf(file)->pMethods->xShmLock(realOf(file), first, count, flags);
 }
 
@@ -88,7 +96,7 @@ void installLayer() {
   methods.xTruncate = passOrFail<&Methods::xTruncate, SQLITE_IOERR_TRUNCATE, sqlite3_int64>;
   methods.xSync = sync;
   methods.xFileSize = passOrFailReading<&Methods::xFileSize, SQLITE_IOERR_FSTAT, sqlite3_int64*>;
-  methods.xLock = passOrFailReading<&Methods::xLock, SQLITE_IOERR_LOCK, int>;
+  methods.xLock = lock;
   methods.xUnlock = pass<&Methods::xUnlock, int>;
   methods.xCheckReservedLock =
       passOrFailReading<&Methods::xCheckReservedLock, SQLITE_IOERR_CHECKRESERVEDLOCK, int*>;
@@ -126,6 +134,10 @@ void* reallocate(void* memory, int size) {
 }
 
 }  // namespace
+
+long readings() {
+  return readingsBegun;
+}
 
 // What `new` asks for; true when it gets nothing.
 bool starvesOwn() {

@@ -14,6 +14,8 @@ void failFileAfter(long calls, bool lasting, bool alsoReading = false);
 // From now on SQLite's request for memory after `calls` more fails, and so for the program's own.
 void failAllocationAfter(long calls);
 void failOwnAllocationAfter(long calls);
+// How often a file's lock for a reading was taken since the process began.
+long readings();
 // True when the failure has happened.
 bool fileFailed();
 bool allocationFailed();  // of either kind

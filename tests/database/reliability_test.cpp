@@ -159,6 +159,42 @@ TEST(Opening, WhatMayOnlyBeReadIsOpenedForReadingAlone) {
   std::filesystem::permissions((under.folder() / "file1").parent_path(), std::filesystem::perms(0755));
 }
 
+// Under some systems each lock is a question to another process, and a start opens four files.
+TEST(Opening, AsksForAllThatItNeedsInAFewReadings) {
+  EmbeddedUnderTest under{Options{.fileLayer = failing::fileLayer}};
+  const auto readingsOf = [](const auto& work) {
+    const long before = failing::readings();
+    work();
+    return failing::readings() - before;
+  };
+  std::unique_ptr<database::Database> database;
+  const std::u16string texts = under.make(Layout::ownLanguage), faults = under.make(Layout::faults);
+  EXPECT_EQ(readingsOf([&] { database = under.engine().open(texts, true); }), 3);
+  EXPECT_EQ(readingsOf([&] { database = under.engine().open(texts, false); }), 3);
+  EXPECT_LE(readingsOf([&] { database = under.engine().open(faults, false); }), 8);
+  addExchange(*database, u"A");
+  for (const char16_t description : std::u16string_view(u"abcdefghij")) {
+    Fault fault;
+    fault.description = description;
+    addFault(*database, fault);
+  }
+  const auto rows = database->openRowList(
+      u"SELECT * FROM FaultDisplay WHERE ID = 1 Order by [Date] Desc, [Count] "
+      u"Desc, [Fault] Desc, [Alarm] Desc, [CPU] Desc, [Description] Desc",
+      std::vector<std::u16string_view>{u"Description"});
+  ASSERT_EQ(rows->size(), 10U);
+  std::vector<Value> values;
+  const auto fetchAll = [&] {
+    for (std::size_t i = 0; i < rows->size(); ++i) ASSERT_TRUE(rows->fetch(i, values));
+  };
+  EXPECT_GE(readingsOf(fetchAll), 10);
+  EXPECT_EQ(readingsOf([&] {
+              const auto together = rows->readTogether();
+              fetchAll();
+            }),
+            1);
+}
+
 TEST(TwoProcesses, ALockEndsInAnErrorAndNotInALoss) {
   EmbeddedUnderTest under(Options{.lockWaitMilliseconds = 200});
   const std::u16string path = under.make(Layout::faults);

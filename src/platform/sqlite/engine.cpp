@@ -116,7 +116,6 @@ void prepare(sqlite3* handle) {
 
 void prepareToRead(sqlite3* handle) {
   secure(handle);
-  const OneReading reading(handle);
   prepare(handle);
 }
 
