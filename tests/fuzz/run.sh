@@ -45,7 +45,7 @@ esac
 longest=512
 [ "$name" != trace ] || longest=4096
 
-"$program" -max_total_time="$seconds" -max_len="$longest" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
+TMPDIR=$work "$program" -max_total_time="$seconds" -max_len="$longest" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
   -artifact_prefix="$(dirname "$program")/$name-" "$corpus" "$work/seeds" > "$work/log" 2>&1 || {
   tail -n 60 "$work/log"
   exit 1

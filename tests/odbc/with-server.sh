@@ -3,7 +3,7 @@
 #
 #   with-server.sh COMMAND [ARGUMENT ...]
 #
-# The server lives in a folder under /tmp, listens on a Unix socket in it and on nothing else, and runs as a user
+# The server lives in a folder among the temporary ones, listens on a Unix socket in it and on nothing else, and runs as a user
 # without rights. The command finds in VORDANE_SERVER that folder: `socket` is where to connect, `driver` what to set
 # ODBCSYSINI to (set already), `data/postmaster.pid` begins with the server's process, `start` starts it again after
 # its end; `as-server` runs a program as the server's user. VORDANE_SERVER_OPTIONS are further options of the server;
@@ -13,7 +13,8 @@
 # `data`: the command makes it (a backup, a replica) and runs its `start`.
 #
 # Whatever ends the command, or this script (a signal that nobody can catch included), the servers end and their
-# folders go: a keeper in a session of its own waits for the end of a pipe that only this script holds.
+# folders go: a keeper in a session of its own, no child of anybody who may be ended together with his children, waits
+# for the end of a pipe that only this script holds.
 # Ends with the command's exit code, or 125 with a reason when the server can't be had.
 set -euo pipefail
 
@@ -64,12 +65,12 @@ fi
 [ $# -gt 0 ] || { echo "usage: with-server.sh COMMAND [ARGUMENT ...]" >&2; exit 2; }
 [ -x "$programs/initdb" ] && [ -e "$driver" ] || unavailable "PostgreSQL 15 and its ODBC driver are not installed"
 
-folder=$(mktemp -d /tmp/vordane-server-XXXXXX) folders=("$folder")
+folder=$(mktemp -dt vordane-server-XXXXXX) folders=("$folder")
 if [ -n "${VORDANE_SECOND:-}" ]; then
-  VORDANE_SECOND=$(mktemp -d /tmp/vordane-server-XXXXXX)
+  VORDANE_SECOND=$(mktemp -dt vordane-server-XXXXXX)
   folders+=("$VORDANE_SECOND")
 fi
-exec {life}> >(exec setsid "$0" --keep "${folders[@]}" >/dev/null 2>&1)
+exec {life}> >(exec setsid --fork "$0" --keep "${folders[@]}" >/dev/null 2>&1)
 for each in "${folders[@]}"; do
   mkdir "$each/socket"
   chmod 755 "$each"

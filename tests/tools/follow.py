@@ -23,7 +23,8 @@ kills = int(os.environ.get("VORDANE_FOLLOW_KILLS", "25"))
 longest = 2 if len(command) > 1 else 0.1  # seconds that a process lives until it is killed: Wine starts slowly
 schema = json.loads((sources / "docs/schemas/faults.schema.json").read_text(encoding="utf-8"))
 validator = jsonschema.Draft202012Validator(schema)
-work = pathlib.Path(tempfile.mkdtemp())
+folder = tempfile.TemporaryDirectory()  # goes with the process
+work = pathlib.Path(folder.name)
 patience = 60
 
 

@@ -43,6 +43,9 @@ refused || fail "a SQLite that nobody answers for is taken"
 grep -q 'not the pinned one' "$work/said" || fail "an archive of somebody else's is not called so"
 [ ! -e "$work/configured" ] || fail "an archive of somebody else's is run"
 
+while read -r made; do
+  [ ! -e "$made" ] || fail "the folder that SQLite is made in is left behind"
+done < "$work/folders"
 [ "$(sort "$work/folders" | uniq -d | wc -l)" = 0 ] || fail "two runs work in the same folder"
 [ "$(sort -u "$work/rights")" = 700 ] || fail "others may look into the folder"
 

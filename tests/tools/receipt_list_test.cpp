@@ -21,6 +21,7 @@ using Form = ListOptions::Form;
 class ReceiptList : public testing::Test {
  protected:
   ReceiptList() {
+    std::filesystem::create_directory(folder_);
     createDatabase(file_.u16string(), store::faultTables);
     const auto database = sqlite::makeEngine(startup::databases)->open(file_.u16string(), false);
     const auto exchange = database->openRecordset(store::statement::allExchanges);
@@ -38,7 +39,8 @@ class ReceiptList : public testing::Test {
                      {{u"EA1", u"a\"b", u"", u"-2"}, {u"x", u"", u"", u"DATA\nERROR"}},
                      5});
   }
-  ~ReceiptList() override { std::filesystem::remove(file_); }
+  // What reads a file leaves its log beside it.
+  ~ReceiptList() override { std::filesystem::remove_all(folder_); }
 
   struct Kept {
     const char16_t *moment, *exchange, *outcome;
@@ -69,8 +71,9 @@ class ReceiptList : public testing::Test {
     return out.str();
   }
 
-  const std::filesystem::path file_ = std::filesystem::temp_directory_path() /
-                                      ("vordane-receipts-" + std::to_string(std::random_device{}()) + ".mdb");
+  const std::filesystem::path folder_ = std::filesystem::temp_directory_path() /
+                                        ("vordane-receipts-" + std::to_string(std::random_device{}()));
+  const std::filesystem::path file_ = folder_ / "FAULT.MDB";
 };
 
 TEST_F(ReceiptList, ForAPersonIsALineForEachAndOneForEachLineOfTheAnswer) {

@@ -18,7 +18,8 @@ jsonschema.Draft202012Validator.check_schema(schema)
 doctors = jsonschema.Draft202012Validator(
     json.loads((sources / "docs/schemas/doctor.schema.json").read_text(encoding="utf-8")))
 doctors.check_schema(doctors.schema)
-work = pathlib.Path(tempfile.mkdtemp())
+folder = tempfile.TemporaryDirectory()  # goes with the process
+work = pathlib.Path(folder.name)
 faults = work / "made/ADDINS/DATABASE/FAULT.MDB"
 
 

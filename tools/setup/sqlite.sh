@@ -14,6 +14,7 @@ is_whole() { (cd "$out" 2>/dev/null && sha256sum --check --quiet --strict SHA256
 make_amalgamation() {
   is_whole && return 0
   local work; work=$(mktemp -d)
+  trap "rm -rf '$work'" EXIT  # also when it fails
   mkdir -p "$work/sources.d" "$work/lists/partial"
   local mirror security
   mirror=$(debian_mirror)
@@ -40,7 +41,6 @@ make_amalgamation() {
     (cd "$out.new" && sha256sum sqlite3.c sqlite3.h sqlite3ext.h > SHA256SUMS)
   ) >"$cache/sqlite.log" 2>&1 || { tail -n 20 "$cache/sqlite.log" >&2; fail "SQLite could not be made"; }
   rm -rf "$out"; mv "$out.new" "$out"
-  rm -rf "$work"
 }
 
 locked sqlite make_amalgamation
