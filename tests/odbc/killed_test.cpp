@@ -17,7 +17,8 @@
 namespace vordane::odbc {
 namespace {
 
-constexpr int shortRun = 6;  // rounds
+constexpr int shortRun = 6;         // rounds
+constexpr int roundsOnAStore = 10;  // then a new one: every row of it is looked at in every round
 
 int wantedRounds() {
   const char* wanted = std::getenv("VORDANE_KILL_ROUNDS");
@@ -121,6 +122,10 @@ TEST_F(KilledTest, AStationLosesNothingThatItToldAndTheNextListCompletesIt) {
   const int rounds = wantedRounds();
   for (int round = 0; round < rounds && !HasFailure(); ++round) {
     SCOPED_TRACE("round " + std::to_string(round));
+    if (round > 0 && round % roundsOnAStore == 0) {
+      store_ = makeStore(database::Layout::faults);
+      nextList_ = 0;
+    }
     const int moment = messagesUntilKilled(lists_);
     crash::Order order = orderOf(nextList_, lists_);
     order.slow = round % 4 == 3;

@@ -71,8 +71,8 @@ class ReceiptList : public testing::Test {
     return out.str();
   }
 
-  const std::filesystem::path folder_ = std::filesystem::temp_directory_path() /
-                                        ("vordane-receipts-" + std::to_string(std::random_device{}()));
+  const std::filesystem::path folder_ =
+      std::filesystem::temp_directory_path() / ("vordane-receipts-" + std::to_string(std::random_device{}()));
   const std::filesystem::path file_ = folder_ / "FAULT.MDB";
 };
 
