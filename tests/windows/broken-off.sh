@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# A test run that is killed in the middle, as by whoever loses patience with it, leaves none of its processes behind:
-# neither when run.sh itself is killed nor when the program that has called it is.
+# A test run that is killed in the middle, as by whoever loses patience with it, leaves none of its processes behind,
+# nor anything of its Wine server: neither when run.sh itself is killed nor when the program that has called it is.
 #
 #   broken-off.sh x64|x64-next|x86
 set -euo pipefail
@@ -13,6 +13,7 @@ mkfifo "$work/begun"
 # A test that has begun, and would never end.
 cat > "$work/endless.sh" <<END
 wine cmd /c exit
+{ cat "\$WINEPREFIX/wineserver" 2>/dev/null || echo .wine-0; } > "$work/servers"
 echo begun > "$work/begun"
 sleep infinity
 END
@@ -36,6 +37,8 @@ break_off() {
     timeout 60 tail --pid="$process" -f /dev/null || { echo "left behind: $(ps -o args= -p "$process")"; exit 1; }
   done
   wait "$caller" || true
+  left=$(find "/tmp/$(cat "$work/servers")" -mindepth 1 -newer "$work/endless.sh")
+  [ -z "$left" ] || { echo "left behind: $left"; exit 1; }
   echo "ok: the $1 is killed, and $(wc -w <<< "$all") processes have ended"
 }
 

@@ -54,11 +54,13 @@ mount -t tmpfs tmpfs "$layer" || unavailable "no memory disk"
 mkdir "$layer/changed" "$layer/work" "$layer/prefix"
 mount -t overlay overlay -o "lowerdir=$base,upperdir=$layer/changed,workdir=$layer/work" "$layer/prefix" ||
   unavailable "no layer over $base"
-for own in /tmp/.X11-unix /tmp/.wine-0; do
+# Debian's Wine keeps its servers' sockets in a folder that the prefix names.
+servers=/tmp/$(cat "$base/wineserver" 2>/dev/null || echo .wine-0)
+for own in /tmp/.X11-unix "$servers"; do
   mkdir -p "$own"
   mount -t tmpfs tmpfs "$own"
 done
-chmod 1777 /tmp/.X11-unix && chmod 700 /tmp/.wine-0
+chmod 1777 /tmp/.X11-unix && chmod 700 "$servers"
 
 arch=${judge%-next}
 set -- env WINEPREFIX="$cache/layer/prefix" VORDANE_ARCH="$arch" "VORDANE_TEST_TIMEOUT=$limit" \
