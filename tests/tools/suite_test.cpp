@@ -184,7 +184,8 @@ TEST(SuiteFiles, ALayoutWithATextThatIsNotThereIsRefused) {
             "<b>Date &amp; &lt;time&gt;</b>b {{PBX}}{{x}}en");
   EXPECT_THROW(reportLayout("[[heading 3]]", source, "", "X"), ToolError);
   EXPECT_THROW(reportLayout("[[heading 2", source, "", "X"), ToolError);
-  const SuiteLayout layout{std::filesystem::temp_directory_path() / "vordane-none"};
+  const fakes::LanguageFolder files;
+  const SuiteLayout layout{files.files.folder() / "suite"};
   EXPECT_THROW(installReportLayout(layout, layout.root / "none", source), ToolError);
 }
 
