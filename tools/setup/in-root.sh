@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs a command inside the root that holds the newer Wine: in-root.sh COMMAND [ARGUMENT ...]. The repository, /tmp
 # and the folders named in VORDANE_BIND (separated by ":") stand at the same places in there; the mounts live in a
-# namespace of their own and go with it.
+# namespace of their own and go with it. Temporary files lie in /tmp: that Wine ends in free() where TMPDIR is set.
 set -euo pipefail
 
 repository=$(cd "$(dirname "$0")/../.." && pwd)
@@ -17,5 +17,5 @@ exec unshare --mount bash -c '
     mount --bind "$folder" "$root$folder"
   done
   unset IFS
-  exec chroot "$root" env HOME=/root VORDANE_INSIDE_ROOT=1 bash -c "cd \"\$1\" && shift && exec \"\$@\"" - "$place" "$@"
+  exec chroot "$root" env -u TMPDIR HOME=/root VORDANE_INSIDE_ROOT=1 bash -c "cd \"\$1\" && shift && exec \"\$@\"" - "$place" "$@"
 ' - "$root" "$folders" "$repository" "$@"
