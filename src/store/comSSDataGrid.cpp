@@ -42,7 +42,7 @@ std::optional<window::GridSource::Range> findDataPart(const FaultTextTable& text
 
 void FaultRows::show(database::RowList* rows) {
   rows_ = rows;
-  for (Kept& kept : kept_) kept.row.reset();
+  explainedAt_.reset();
 }
 
 void FaultRows::hold() {
@@ -56,13 +56,7 @@ std::size_t FaultRows::size() const {
 }
 
 std::optional<window::GridRow> FaultRows::row(std::size_t position) {
-  if (position >= size()) return {};
-  Kept& kept = kept_[position % kept_.size()];
-  if (!held_) kept = {position, read(position)};
-  return kept.position == position ? kept.row : std::nullopt;
-}
-
-std::optional<window::GridRow> FaultRows::read(std::size_t position) {
+  if (held_ || position >= size()) return {};
   try {
     if (!rows_->fetch(position, buffer_)) return {};
     return database::gridRowOf(buffer_);
@@ -94,10 +88,9 @@ std::u16string FaultRows::asRead(const window::GridRow& row) {
 }
 
 std::vector<window::GridSource::Range> FaultRows::provenance(std::size_t position, std::size_t character) {
-  const auto shown = row(position);
-  if (!shown) return {};
+  explain(position);
   std::size_t begin = 0;
-  for (const auto& piece : explanation(*shown)) {
+  for (const auto& piece : explained_) {
     if (character < begin + piece.text.size()) {
       std::vector<Range> ranges;
       for (const auto [from, to] : piece.sources) ranges.push_back({from, to});
@@ -108,19 +101,20 @@ std::vector<window::GridSource::Range> FaultRows::provenance(std::size_t positio
   return {};
 }
 
-const cFaultDisplay::Pieces& FaultRows::explanation(const window::GridRow& row) {
+void FaultRows::explain(std::size_t position) {
   const FaultTextTable* texts = form_.readingTexts();
-  if (row.fault == explainedKind_ && row.description == explainedText_ && texts == explainedIn_)
-    return explained_;
+  if (position == explainedAt_ && texts == explainedIn_) return;
+  explainedAt_.reset();
+  explained_.clear();
+  const auto shown = row(position);
+  if (!shown) return;
+  explained_ = translation(*shown);
   std::u16string dataText;
-  explained_ = translation(row);
   if (explained_.empty())
     explained_ =
-        form_.faultDecoder(state_.WideFaultFields).explainStored(row.fault, row.description, dataText);
+        form_.faultDecoder(state_.WideFaultFields).explainStored(shown->fault, shown->description, dataText);
+  explainedAt_ = position;
   explainedIn_ = texts;
-  explainedKind_ = row.fault;
-  explainedText_ = row.description;
-  return explained_;
 }
 
 std::optional<std::size_t> FaultRows::lookUp(std::u16string_view text, std::ptrdiff_t from,

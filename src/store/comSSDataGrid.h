@@ -1,7 +1,6 @@
 // The rows of grdDisplayFault: read as they are shown, with the proof of where a description came from.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <functional>
 #include <optional>
@@ -29,8 +28,8 @@ class FaultRows : public window::GridSource {
   // The rows shown from now on, owned by the caller; null for an empty grid.
   void show(database::RowList* rows);
 
-  // From hold to release only rows read before are given and the database is left alone; `show` may follow
-  // only after release.
+  // From hold to release no row is given and the database is left alone: the view keeps what it has drawn.
+  // `show` may follow only after release.
   void hold();
   void release() { held_ = false; }
 
@@ -49,12 +48,7 @@ class FaultRows : public window::GridSource {
                                     const std::function<void(std::size_t done)>& progress);
 
  private:
-  struct Kept {
-    std::size_t position = 0;
-    std::optional<window::GridRow> row;
-  };
-  std::optional<window::GridRow> read(std::size_t position);
-  const cFaultDisplay::Pieces& explanation(const window::GridRow& row);
+  void explain(std::size_t position);
   cFaultDisplay::Pieces translation(const window::GridRow& row);
 
   store::StoreForm& form_;
@@ -63,9 +57,8 @@ class FaultRows : public window::GridSource {
   std::vector<database::Value> buffer_;
   bool held_ = false;
   std::size_t heldSize_ = 0;
-  std::array<Kept, 256> kept_;  // the last rows read, by position; more than a screen shows
-  // The last description explained: the pointer moves over one row for a while.
-  std::u16string explainedKind_, explainedText_;
+  // The last row explained, and in which words: the pointer moves over one for a while.
+  std::optional<std::size_t> explainedAt_;
   const FaultTextTable* explainedIn_ = nullptr;
   cFaultDisplay::Pieces explained_;
 };

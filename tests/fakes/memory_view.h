@@ -40,9 +40,10 @@ class MemoryView : public window::View {
   void setStatus(int part, std::u16string_view text) override { status[part] = text; }
   void setNotice(std::u16string_view text) override { notice = text; }
   void setNoticeKind(window::NoticeKind kind) override { noticeKind = kind; }
-  // Reads the first rows as a screen would.
+  // Reads the first rows as a screen would; while a step holds them, what is drawn stays.
   void paintNow() override {
     painted.push_back(status);
+    if (rows != nullptr && rows->size() > 0 && rows->list() == nullptr) return;
     screen.clear();
     for (std::size_t i = 0; rows != nullptr && i < rows->size() && i < 10; ++i)
       if (const auto row = rows->row(i)) screen.push_back(row->description);

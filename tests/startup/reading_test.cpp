@@ -12,8 +12,8 @@ using testing::HasSubstr;
 
 class Reading : public Story {
  protected:
-  // A language file beside that of the suite. Message n reads "Rn", item i of a list "xx.i"; one message is
-  // empty if wanted.
+  // A language file beside that of the suite. Message n reads "Read n", item i of a list "xx.i"; one message
+  // is empty if wanted.
   void addLanguage(const std::u16string& name, const std::u16string& language,
                    std::size_t empty = message::count) {
     const auto& own = language::ownTables;
@@ -49,7 +49,7 @@ class Reading : public Story {
     if (number == message::noticeRequestFailed) return u"{1} has not: {2}";
     if (number == message::statusAttemptFailed) return u"{3} has not: {2}!";
     if (number == message::reasonErrorCode) return u"number {1}";
-    return u"R" + text::decimal(static_cast<std::int64_t>(number));
+    return u"Read " + text::decimal(static_cast<std::int64_t>(number));
   }
 
   void begin() {
@@ -104,7 +104,7 @@ TEST_F(Reading, ShowsTheWholeWindowInItAtOnce) {
   EXPECT_EQ(view.status[window::countPart], u"1 there");
   EXPECT_THAT(line(), HasSubstr(", 1 came"));
   EXPECT_EQ(view.status[window::processorPart],
-            u"R" + text::decimal(static_cast<std::int64_t>(message::statusWide)));
+            u"Read " + text::decimal(static_cast<std::int64_t>(message::statusWide)));
   EXPECT_EQ(firstRow().substr(0, 1), "R") << firstRow();
   EXPECT_EQ(storedRow(), stored);
 }
@@ -205,6 +205,12 @@ TEST_F(Reading, DataAndProvenanceAreThoseOfTheTextShown) {
   EXPECT_EQ(shown.substr(data->begin, data->end - data->begin), u"00 ");
   EXPECT_THAT(view.rows->provenance(0, data->begin), testing::SizeIs(1));
   EXPECT_THAT(view.rows->provenance(0, 0), IsEmpty());
+  form().input().storedTextsAsked();
+  const auto stored = view.rows->dataPart(0);
+  ASSERT_TRUE(stored);
+  ASSERT_NE(stored->begin, data->begin);
+  EXPECT_THAT(view.rows->provenance(0, data->begin), IsEmpty());
+  EXPECT_THAT(view.rows->provenance(0, stored->begin), testing::SizeIs(1));
 }
 
 TEST_F(Reading, TheTitleNamesTheExchangeInItToo) {
@@ -283,7 +289,7 @@ TEST_F(Reading, AFileThatIsNoLanguageIsSaidAndTheWindowStays) {
   form().input().languageChosen(2);
   EXPECT_EQ(line(), "VORDANE.zz.LNG: tMessages\n" + before);
   choose(1);
-  EXPECT_THAT(line(), testing::Not(HasSubstr("R" + std::to_string(message::statusNoLanguage))));
+  EXPECT_THAT(line(), testing::Not(HasSubstr("Read " + std::to_string(message::statusNoLanguage))));
   const std::string read = firstRow();
   form().input().languageChosen(2);
   EXPECT_EQ(firstRow(), read) << "the language that is read stays";
@@ -311,7 +317,7 @@ TEST_F(Reading, AFileWithAPartOfALanguageIsSaidWithWhatItLacks) {
   EXPECT_THAT(form().input().languages().names, ElementsAre(u"M298", u"Other", u"Partly", u"Named"));
   form().input().languageChosen(3);
   ASSERT_NE(view.words, nullptr);
-  EXPECT_THAT(line(), testing::Not(HasSubstr("R" + std::to_string(message::statusNoLanguage))));
+  EXPECT_THAT(line(), testing::Not(HasSubstr("Read " + std::to_string(message::statusNoLanguage))));
   for (const auto& opened : engine.opened)
     if (opened.path.find(u"VORDANE.y") != opened.path.npos) {
       EXPECT_TRUE(opened.readOnly) << text::toUtf8(opened.path);

@@ -61,6 +61,26 @@ TEST_F(RowsTest, OneDescriptionIsExplainedForEachKindAnew) {
   EXPECT_EQ(explained(0), 1U);
 }
 
+TEST_F(RowsTest, WhatIsShownNextIsExplainedAnew) {
+  form.receive(u"01 MJ MP", u"2026/11/20 20:58", u"02 FF");
+  ingest();
+  const std::size_t value = at(u"code 2");
+  ASSERT_EQ(provenance(value), (Pairs{{1, 2}}));
+  database->inner().execute(deleteFaults(1));
+  addFault(1, {u"01", u"MJ", u"MP   ", u"2026", u"just text, and much of it, so that it is long enough"});
+  store.RefreshDisplay();
+  EXPECT_EQ(provenance(value), Pairs{});
+}
+
+TEST_F(RowsTest, ARowThatIsNotGivenExplainsNothingUntilItIs) {
+  form.receive(u"01 MJ MP", u"2026/11/20 20:58", u"02 FF");
+  ingest();
+  const std::size_t value = at(u"code 2");
+  ASSERT_EQ(provenance(value), (Pairs{{1, 2}}));
+  EXPECT_EQ(form.memoryView.rows->provenance(1, value).size(), 0U);
+  EXPECT_EQ(provenance(value), (Pairs{{1, 2}}));
+}
+
 TEST_F(RowsTest, ADescriptionWithoutATrailerHasNoDataPart) {
   addExchange(u"PBX-1", u"2021-01-01 00:00:00");
   addFault(1, {u"01", u"MJ", u"MP   ", u"2026", u"just text"});
@@ -96,11 +116,13 @@ TEST_F(RowsTest, ARowThatHasGoneIsNothing) {
   EXPECT_FALSE(form.memoryView.rows->dataPart(0).has_value());
 }
 
-TEST_F(RowsTest, WhileAStepRunsOnlyRowsReadBeforeAreGiven) {
+TEST_F(RowsTest, WhileAStepRunsNoRowIsReadAndWhatIsDrawnStays) {
   form.receive(u"01 MJ MP", u"1", u"02");
   form.receive(u"01 MJ MP", u"2", u"02");
   ingest();
-  const auto first = form.memoryView.rows->row(0).value();
+  form.memoryView.paintNow();
+  const Texts drawn = form.memoryView.screen;
+  ASSERT_EQ(drawn.size(), 2U);
   database->before = [&](std::u16string_view step) {
     if (!step.starts_with(u"DELETE FROM FaultDisplay")) return;
     form.setClock.seconds += 1;
@@ -110,13 +132,22 @@ TEST_F(RowsTest, WhileAStepRunsOnlyRowsReadBeforeAreGiven) {
     form.setClock.seconds += 1;
     database->progress(1, 2);
     EXPECT_EQ(form.memoryView.status[window::countPart], u"deleting 1 of 2");
-    EXPECT_EQ(form.memoryView.screen, Texts{first.description});
+    EXPECT_EQ(form.memoryView.screen, drawn);
     EXPECT_EQ(form.memoryView.rows->size(), 2U);
-    EXPECT_FALSE(form.memoryView.rows->row(1).has_value());
+    EXPECT_FALSE(form.memoryView.rows->row(0).has_value());
+    EXPECT_EQ(form.memoryView.rows->list(), nullptr);
   };
   form.boxAnswer = 6;
   store.DeleteExchange();
-  EXPECT_EQ(form.memoryView.painted.size(), 2U);
+  EXPECT_EQ(form.memoryView.painted.size(), 3U);
+}
+
+TEST_F(RowsTest, BehindAStepRowsAreReadAgain) {
+  form.receive(u"01 MJ MP", u"1", u"02");
+  ingest();
+  ASSERT_TRUE(form.memoryView.rows->row(0).has_value());
+  ingest();  // nothing is new, so the rows are not shown anew
+  EXPECT_TRUE(form.memoryView.rows->row(0).has_value());
 }
 
 class LookUpTest : public RowsTest {

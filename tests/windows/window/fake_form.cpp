@@ -499,7 +499,7 @@ void FakeSettings::write(std::u16string_view application, std::u16string_view se
 
 std::optional<GridRow> FakeRows::row(std::size_t position) {
   ++fetched;
-  if (position >= count_) return std::nullopt;
+  if (held || position >= count_) return std::nullopt;
   const Fault& fault = faultAt(position);
   GridRow shown{fault.kind, fault.alarm, fault.date,
                 fault.cpu,  {},          static_cast<std::int32_t>(count_ - position)};

@@ -47,7 +47,8 @@ class FakeRows : public GridSource, public database::RowList {
   std::u16string readBefore;  // stands before each description as it is read
   // The equipment code C2D of the second fault came from the data characters 4 and 6 to 8.
   std::vector<Range> provenance(std::size_t row, std::size_t position) override;
-  database::RowList* list() override { return this; }
+  database::RowList* list() override { return held ? nullptr : this; }
+  bool held = false;  // a step holds the file: no row is given
   std::optional<std::int64_t> number(std::size_t position) const override {
     return static_cast<std::int64_t>(count_ - position);
   }

@@ -283,6 +283,27 @@ TEST_F(RowsTest, EverySelectedRowIsDrawnAsOneWithTheFocusAndWithout) {
   EXPECT_NE(ground(2), currentPalette().resting);
 }
 
+TEST_F(RowsTest, WhileAStepHoldsTheFileWhatIsDrawnStaysAndTheRestComesBehindIt) {
+  const auto said = [&](int row) {
+    wchar_t text[200] = L"";
+    ListView_GetItemText(grid(), row, 0, text, 200);
+    return fromWide(text, wcslen(text));
+  };
+  testing::FakeRows many(testing::Language::english, 1000);
+  view->setRows(&many);
+  pump();
+  view->paintNow();
+  const std::u16string drawn = said(0);
+  EXPECT_NE(drawn, u"");
+  many.held = true;
+  InvalidateRect(grid(), nullptr, TRUE);
+  view->paintNow();
+  EXPECT_EQ(said(0), drawn);
+  EXPECT_EQ(said(500), u"");
+  many.held = false;
+  EXPECT_NE(said(500), u"");
+}
+
 TEST_F(RowsTest, AllOfAMillionAreSelectedWithoutReadingThem) {
   testing::FakeRows million(testing::Language::english, 1'000'000);
   view->setRows(&million);

@@ -20,9 +20,10 @@ const ShownRow* RowCache::row(std::size_t position) {
   if (position >= size()) return nullptr;
   Place& place = cache_[position % places];
   if (place.position != position) {
-    place.position = position;
     auto fetched = source_->row(position);
     place.present = fetched.has_value();
+    // A row that is not given while a step holds the file has not gone.
+    place.position = place.present || source_->list() != nullptr ? position : none;
     place.noteKnown = false;
     if (fetched) {
       place.row.description = source_->asRead(*fetched);

@@ -35,8 +35,9 @@ class RowCache {
  private:
   // Positions share a place when they are this far apart; more than a tall screen's rows, twice over.
   static constexpr std::size_t places = 256;
+  static constexpr auto none = static_cast<std::size_t>(-1);
   struct Place {
-    std::size_t position = static_cast<std::size_t>(-1);
+    std::size_t position = none;
     bool present = false, noteKnown = false;
     ShownRow row;
   };
